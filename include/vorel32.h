@@ -1,0 +1,355 @@
+/** Vorel32: read, write, turn and convert raster images held as packed DIBs.
+ *
+ *  One C interface for two builds: VOREL32.DLL on 32-bit Windows and libvorel32.so on x86-64 Linux. A function marked
+ *  "Windows only" needs device contexts, device bitmaps or palettes and is declared for Windows alone.
+ *
+ *  THE PACKED DIB. Pictures cross this interface as DIB handles: one movable global memory block each, holding without gaps
+ *    1. a BITMAPINFOHEADER of 40 bytes (biSize 40),
+ *    2. the colour table: RGBQUAD entries (blue, green, red, reserved), as many as biClrUsed says or, where that is 0,
+ *       2, 16 or 256 for 1, 4 or 8 bits per pixel and none for 16, 24 or 32,
+ *    3. the pixel rows, bottom line first, each padded to ((biBitCount * biWidth + 31) / 32) * 4 bytes. Below 8 bits the
+ *       leftmost pixel sits in the highest bits of its byte; 24-bit pixels are blue, green, red.
+ *  biHeight is a positive number of rows. Top-down DIBs (negative biHeight) are loaded and saved as they stand but not
+ *  understood by anything that works on pixels.
+ *
+ *  OWNERSHIP. Every handle a function returns belongs to the caller: DIB handles go to GlobalFree, bitmaps and palettes to
+ *  DeleteObject. Arguments are only read and never freed, unless the function says so.
+ *
+ *  ERRORS. Failure is a zero result (a null handle, FALSE). The reason is the calling thread's error code, read with ImgError
+ *  and put into words by ImgErrorString. Success leaves the code as it was, so read it only after a failure. Where a function
+ *  says "no code", a failure leaves the thread's code as it was too.
+ *
+ *  DAMAGED INPUT. A block shorter than its header claims is completed: missing bytes read as zero, writes past the end are
+ *  dropped. Sizes are computed without wrapping; a size that no block can have fails like an allocation. A handle that is
+ *  null, freed or never was one fails as documented and does no harm.
+ *
+ *  THREADS. There are no locks. Each thread has its own error code and settings; calls that share one handle must be
+ *  serialised by the caller. Long operations show the wait cursor and restore the previous one (Windows).
+ */
+#ifndef VOREL32_H
+#define VOREL32_H
+
+#ifdef _WIN32
+#include <windows.h>
+#define VORELCALL __stdcall
+#define VOREL_API
+#else
+#include <stddef.h>
+#include <stdint.h>
+#define VORELCALL
+#define VOREL_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- The platform's types and memory, where the platform is not Windows ------------------------------------------- */
+
+#ifndef _WIN32
+
+typedef int BOOL;
+typedef unsigned int UINT;
+typedef int HFILE;     /**< An open file: its POSIX file descriptor. */
+typedef void* HGLOBAL; /**< A global memory block: an opaque value, for a movable block not an address. */
+typedef const char* LPCSTR;
+
+#ifndef TRUE
+#define TRUE 1
+#define FALSE 0
+#endif
+
+#define HFILE_ERROR (-1)
+
+#define GMEM_FIXED 0x0000u    /**< The handle is the block's address. */
+#define GMEM_MOVEABLE 0x0002u /**< The block is reached through GlobalLock alone. */
+#define GMEM_ZEROINIT 0x0040u /**< New bytes are zero. */
+#define GMEM_MODIFY 0x0080u   /**< GlobalReAlloc changes the kind of block, not its size. */
+#define GHND (GMEM_MOVEABLE | GMEM_ZEROINIT)
+#define GPTR (GMEM_FIXED | GMEM_ZEROINIT)
+
+#define BI_RGB 0u
+#define BI_RLE8 1u
+#define BI_RLE4 2u
+#define BI_BITFIELDS 3u
+
+#pragma pack(push, 2)
+
+/** The 14 bytes in front of the DIB in a Windows bitmap file. */
+typedef struct tagBITMAPFILEHEADER {
+  uint16_t bfType; /**< 0x4D42, "BM" */
+  uint32_t bfSize; /**< bytes in the file */
+  uint16_t bfReserved1;
+  uint16_t bfReserved2;
+  uint32_t bfOffBits; /**< bytes from the start of the file to the pixel rows */
+} BITMAPFILEHEADER;
+
+#pragma pack(pop)
+
+/** The header of every packed DIB. */
+typedef struct tagBITMAPINFOHEADER {
+  uint32_t biSize;         /**< 40 */
+  int32_t biWidth;         /**< pixels */
+  int32_t biHeight;        /**< rows, bottom line first */
+  uint16_t biPlanes;       /**< 1 */
+  uint16_t biBitCount;     /**< bits per pixel: 1, 4, 8, 16, 24 or 32 */
+  uint32_t biCompression;  /**< BI_RGB, BI_RLE8, BI_RLE4 or BI_BITFIELDS */
+  uint32_t biSizeImage;    /**< bytes of pixel data; 0 means stride times height */
+  int32_t biXPelsPerMeter; /**< pixels per metre across; 0 means unknown */
+  int32_t biYPelsPerMeter; /**< pixels per metre down; 0 means unknown */
+  uint32_t biClrUsed;      /**< colour table entries; 0 means the number that biBitCount implies */
+  uint32_t biClrImportant;
+} BITMAPINFOHEADER;
+
+/** The older 12-byte header, met in files only. Its colour table has RGBTRIPLE entries. */
+typedef struct tagBITMAPCOREHEADER {
+  uint32_t bcSize; /**< 12 */
+  uint16_t bcWidth;
+  uint16_t bcHeight;
+  uint16_t bcPlanes;
+  uint16_t bcBitCount;
+} BITMAPCOREHEADER;
+
+typedef struct tagRGBQUAD {
+  uint8_t rgbBlue, rgbGreen, rgbRed, rgbReserved;
+} RGBQUAD;
+
+typedef struct tagRGBTRIPLE {
+  uint8_t rgbtBlue, rgbtGreen, rgbtRed;
+} RGBTRIPLE;
+
+/** Makes a memory block.
+ *  flags  GMEM_FIXED or GMEM_MOVEABLE, with GMEM_ZEROINIT for zero-filled; GHND is movable and zero-filled
+ *  bytes  its size; a movable block of 0 bytes exists but cannot be locked until it is given a size
+ *  Returns the handle, for GlobalFree, or NULL when memory is short. */
+VOREL_API HGLOBAL GlobalAlloc(UINT flags, size_t bytes);
+
+/** Changes a block's size, keeping its content up to the smaller of the two sizes.
+ *  flags  GMEM_ZEROINIT zeroes the bytes gained; GMEM_MOVEABLE lets a fixed or locked block move; with GMEM_MODIFY the size
+ *         stays and a fixed block becomes movable if GMEM_MOVEABLE is given
+ *  Returns the handle, which for a movable block is the same one, or NULL: the block is then as it was. A locked or fixed
+ *  block that may not move can only shrink. */
+VOREL_API HGLOBAL GlobalReAlloc(HGLOBAL block, size_t bytes, UINT flags);
+
+/** Locks a block and counts the lock, up to 255 of them.
+ *  Returns its first byte, or NULL for a handle that is none and for a block of 0 bytes. A fixed block has no count. */
+VOREL_API void* GlobalLock(HGLOBAL block);
+
+/** Takes one lock back.
+ *  Returns TRUE while locks remain (for a fixed block always), FALSE when none does or the handle is none. */
+VOREL_API BOOL GlobalUnlock(HGLOBAL block);
+
+/** Returns the block's size in bytes, exactly as asked for, or 0 for a handle that is none. */
+VOREL_API size_t GlobalSize(HGLOBAL block);
+
+/** Frees a block, locked or not. Returns NULL, or the handle itself when it is no block's; NULL is allowed. */
+VOREL_API HGLOBAL GlobalFree(HGLOBAL block);
+
+#endif /* !_WIN32 */
+
+/* ---- Errors and version -------------------------------------------------------------------------------------------- */
+
+/** The calling thread's error codes 0 to 31. Some functions store codes of 500 and above, which have no text. */
+typedef enum ImgErrorCode {
+  IMG_OK = 0,                     /**< "Operation was successful." */
+  IMG_E_MEMORY = 1,               /**< "Not enough memory." */
+  IMG_E_CREATE_DC = 2,            /**< "Unable to create DC" */
+  IMG_E_OPEN_FILE = 3,            /**< "Can't open file" */
+  IMG_E_FILE_IO = 4,              /**< "General I/O error in reading or writting." */
+  IMG_E_OPEN_CLIPBOARD = 5,       /**< "Can't open clipboard" */
+  IMG_E_RECEIVE_CLIPBOARD = 6,    /**< "Could not receive from clipboard" */
+  IMG_E_COPY_BITS = 7,            /**< "Can't copy bits from bitmap" */
+  IMG_E_PARAMETER = 8,            /**< "Parameter error" */
+  IMG_E_FORMAT = 9,               /**< "Invalid file format" */
+  IMG_E_CREATE_PALETTE = 10,      /**< "Can't create palette" */
+  IMG_E_CREATE_BITMAP = 11,       /**< "Can't create bitmap" */
+  IMG_E_MAPPING_MODE = 12,        /**< "Mapping mode is improperly set in metafile" */
+  IMG_E_PIXEL_BITS = 13,          /**< "Invalid bit/pixel value" */
+  IMG_E_CLIPBOARD_FORMAT = 14,    /**< "Format not found in clipboard file" */
+  IMG_E_BITMAP_PARAMETERS = 15,   /**< "Can't get bitmap parameters" */
+  IMG_E_CREATE_METAFILE = 16,     /**< "Can't create metafile" */
+  IMG_E_LOCK = 17,                /**< "Can't lock global memory" */
+  IMG_E_COMPRESSED = 18,          /**< "DIB must be uncompressed" */
+  IMG_E_DIB_SIZE = 19,            /**< "Invalid DIB size" */
+  IMG_E_DITHER_PARAMETER = 20,    /**< "Paramater error in Dithering" */
+  IMG_E_HEADER_BITS = 21,         /**< "Bad bit/pixel value in DIB header" */
+  IMG_E_QUENT_BITS = 22,          /**< "The QUENT algorithm creates only 1 or 4 bit image" */
+  IMG_E_PRINTER_DC = 23,          /**< "Could not get printer DC" */
+  IMG_E_PRINTER_RASTER = 24,      /**< "Device not capable to handle raster" */
+  IMG_E_DISPLAY_DC = 25,          /**< "Could not get dispaly DC" */
+  IMG_E_SET_ABORT_PROC = 26,      /**< "Escape failed SETABORTPROC" */
+  IMG_E_START_DOC = 27,           /**< "Escape failed STARTDOC" */
+  IMG_E_NEXT_BAND = 28,           /**< "Escape failed NEXTBAND" */
+  IMG_E_CLIPBOARD = 29,           /**< "Clipboard error" */
+  IMG_E_NOTHING_TO_DO = 30,       /**< "Nothing to do." */
+  IMG_E_NOTHING_TO_CONVERT = 31   /**< "Nothing to convert." */
+} ImgErrorCode;
+
+/** Bytes that hold any message of ImgErrorString with its terminating zero. */
+#define IMG_MESSAGE_BYTES 50
+
+/** Returns the calling thread's error code: 0 in a new thread, else that of its last failed operation. */
+VOREL_API int VORELCALL ImgError(void);
+
+/** Sets the calling thread's error code. A code outside 0 to 31 changes nothing. Returns the previous code either way. */
+VOREL_API int VORELCALL SetImgError(int code);
+
+/** Puts an error code into words.
+ *  buffer  takes the message with its terminating zero: at least IMG_MESSAGE_BYTES. NULL shows the message instead, in a
+ *          message box titled "VOREL error" (on Linux: a line on the standard error stream)
+ *  code    0 to 31; any other value stands for the thread's current code, and "Unknown error." if that has no text either
+ *  Returns buffer. */
+VOREL_API char* VORELCALL ImgErrorString(char* buffer, int code);
+
+/** Copies the version text, "Version 5.59".
+ *  length  bytes at buffer. 13 or more: the text with its terminating zero. 1 to 12: exactly that many characters and no
+ *          terminating zero. 0 or less: nothing. */
+VOREL_API void VORELCALL GetImageVersion(char* buffer, int length);
+
+/* ---- DIB headers and palettes -------------------------------------------------------------------------------------- */
+
+/** Returns the size in bytes of the colour table that belongs to a header in memory: colours * 4 for a 40-byte header,
+ *  colours * 3 for any other (the RGBTRIPLE table of a BITMAPCOREHEADER). 0 for NULL and for a table of 4 GB or more.
+ *  header  a BITMAPINFOHEADER or BITMAPCOREHEADER, whole; usually a locked DIB */
+VOREL_API UINT VORELCALL PaletteSize(void* header);
+
+/** Reads the header and colour table of a bitmap file from where the file stands, and leaves it at the pixel data.
+ *  file  open for reading, at a BITMAPFILEHEADER, a BITMAPINFOHEADER or a BITMAPCOREHEADER; stays open
+ *  Returns a DIB handle without pixels: the 40-byte header, with biSizeImage and biClrUsed filled in, and the table as RGBQUAD
+ *  entries (what the file is too short for is zero). NULL: IMG_E_PARAMETER (file is HFILE_ERROR), IMG_E_FILE_IO (too short),
+ *  IMG_E_FORMAT (header of neither 12 nor 40 bytes); no code when memory is short. */
+VOREL_API HGLOBAL VORELCALL ReadDIBInfo(HFILE file);
+
+/** Turns each of the first biClrUsed colours of the table into its complement, in place; reserved bytes stay.
+ *  A biClrUsed of 0 means no colour is touched, even where the depth implies a table; the result is TRUE all the same.
+ *  Returns FALSE, no code: not a DIB handle, or biSize is not 40. */
+VOREL_API BOOL VORELCALL InvertDIBPalette(HGLOBAL dib);
+
+/** Reverses the sense of the bits of a 1-bit DIB in place: swaps its two colours and inverts every bit of the rows, padding
+ *  included, so that the picture looks the same. Other depths, and what is no DIB handle, are left alone. */
+VOREL_API void VORELCALL InvertMonoDIB(HGLOBAL dib);
+
+#ifdef _WIN32
+
+/** Makes a logical palette with a DIB's colours. Windows only.
+ *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_PALETTE; no code for what is no DIB handle and for a DIB without
+ *  colours (24 bits). */
+VOREL_API HPALETTE VORELCALL CreateDIBPalette(HGLOBAL dib);
+
+/** Makes a logical palette of the screen's system palette entries. Windows only.
+ *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_DC, IMG_E_CREATE_PALETTE (also on a display without a palette). */
+VOREL_API HPALETTE VORELCALL GetCurrentPalette(void);
+
+/** Fills an array with the colours that the screen shows for its system palette. Windows only.
+ *  colours  as many entries as the screen's palette has (SIZEPALETTE: 256 at 8 bits); reserved bytes become 0
+ *  Returns FALSE if the display has no palette or none could be made. */
+VOREL_API BOOL VORELCALL GetSystemPalette(RGBQUAD* colours);
+
+/* ---- DIBs and device bitmaps (Windows only) ------------------------------------------------------------------------ */
+
+/** Makes a DIB of a device bitmap: 1, 4 or 8 bits as the bitmap has, 24 for everything deeper. Windows only.
+ *  palette  the bitmap's colours, or NULL for the screen's. Where there is none, or it has more entries than the DIB, the
+ *           default table stands: black and white, the 16 standard colours, or a 3-3-2 cube
+ *  Returns a DIB handle; its block has 10 spare bytes at the end. NULL, no code: no bitmap, or memory is short. Asking the
+ *  screen for a palette it does not have leaves IMG_E_CREATE_PALETTE as the thread's code even though the call succeeds. */
+VOREL_API HGLOBAL VORELCALL ConvertBitmapToDIB(HBITMAP bitmap, HPALETTE palette);
+
+/** Makes a device bitmap of a DIB: monochrome for 1 bit, else in the display's format. Windows only.
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_CREATE_BITMAP; no code for what is no DIB handle or when there is no DC. */
+VOREL_API HBITMAP VORELCALL ConvertDIBToBitmap(HGLOBAL dib);
+
+/** Makes a 1-bit copy of a device bitmap, each colour going to black or white as the platform maps it. Windows only.
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_PARAMETER (no bitmap), IMG_E_MEMORY. */
+VOREL_API HBITMAP VORELCALL ConvertToMonochromeBitmap(HBITMAP bitmap);
+
+/** Makes a device bitmap with the same format and bits. Windows only.
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY, IMG_E_COPY_BITS (also for what is no bitmap). */
+VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
+
+#endif /* _WIN32 */
+
+/* ---- Bitmap files -------------------------------------------------------------------------------------------------- */
+
+/** Loads a Windows bitmap file, with or without its file header, with a 40- or 12-byte header.
+ *  path  at most 127 characters on Windows; any length on Linux
+ *  Returns a DIB handle. Run-length compressed rows stay compressed and top-down ones top-down; rows the file is too short
+ *  for are zero. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code when memory is short. */
+VOREL_API HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path);
+
+/** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory block as
+ *  it is, spare bytes at its end included. Nothing about the DIB is checked but that its header is there.
+ *  Returns TRUE. FALSE: IMG_E_PARAMETER (NULL, or a block shorter than 40 bytes), IMG_E_LOCK (what is no handle),
+ *  IMG_E_OPEN_FILE, IMG_E_FILE_IO. A write that fails part-way, on a full disk for instance, can go unnoticed: compare the
+ *  file's size with 14 + GlobalSize(dib) where that matters. */
+VOREL_API BOOL VORELCALL SaveDIB(LPCSTR path, HGLOBAL dib);
+
+#ifdef _WIN32
+
+/** Loads a bitmap file as a device bitmap: LoadDIBFromFile, then ConvertDIBToBitmap. Windows only.
+ *  Returns a bitmap for DeleteObject, or NULL with the codes of those two. */
+VOREL_API HBITMAP VORELCALL LoadBitmapFromFile(LPCSTR path);
+
+/** Saves a device bitmap as a bitmap file: ConvertBitmapToDIB, then SaveDIB. Windows only.
+ *  palette  as for ConvertBitmapToDIB; NULL is allowed
+ *  Returns TRUE, or FALSE with the codes of those two. */
+VOREL_API BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palette);
+
+#endif /* _WIN32 */
+
+/* ---- Quarter turns and mirrors ------------------------------------------------------------------------------------- */
+
+/*  The five DIB functions take 1-, 4-, 8- and 24-bit DIBs (at other depths the result's pixels are all zero, but for
+ *  FlipDIBVertical, which takes any) and return a new DIB handle whose block has 4 spare bytes at the end. Quarter turns swap
+ *  width and height, and the two resolutions. NULL, no code: not a DIB handle, a negative size, or memory is short. */
+
+/** Turns a DIB a quarter clockwise. */
+VOREL_API HGLOBAL VORELCALL RotateDIB90(HGLOBAL dib);
+
+/** Turns a DIB by half. */
+VOREL_API HGLOBAL VORELCALL RotateDIB180(HGLOBAL dib);
+
+/** Turns a DIB a quarter counter-clockwise and shifts it one column to the right: the result's first column is empty and the
+ *  source's bottom row lands in the row padding or, where rows have none, in the first pixel of the row above (the spare
+ *  bytes for the last). RotateDIB90 followed by RotateDIB180 turns without the shift. */
+VOREL_API HGLOBAL VORELCALL RotateDIB270(HGLOBAL dib);
+
+/** Exchanges top and bottom. */
+VOREL_API HGLOBAL VORELCALL FlipDIBVertical(HGLOBAL dib);
+
+/** Exchanges left and right. */
+VOREL_API HGLOBAL VORELCALL FlipDIBHorizontal(HGLOBAL dib);
+
+#ifdef _WIN32
+
+/*  The device bitmap functions handle 1, 4, 8 and 24 bits per pixel and plane; at other depths (a 32-bit display's bitmaps)
+ *  the result is all zero, but for FlipBitmapVertical and InvertBitmap, which take any. Zero results: IMG_E_BITMAP_PARAMETERS
+ *  (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns, IMG_E_CREATE_BITMAP. */
+
+/** Turns a device bitmap a quarter counter-clockwise (its like-named DIB function turns clockwise). Windows only.
+ *  Returns a new bitmap for DeleteObject. */
+VOREL_API HBITMAP VORELCALL RotateBitmap90(HBITMAP bitmap);
+
+/** Turns a device bitmap a quarter clockwise. In 1-bit bitmaps the bottom row is not carried over: the result's first column
+ *  is zero. Windows only. Returns a new bitmap for DeleteObject. */
+VOREL_API HBITMAP VORELCALL RotateBitmap270(HBITMAP bitmap);
+
+/** Turns a device bitmap by half, in place. Windows only. */
+VOREL_API BOOL VORELCALL RotateBitmap180(HBITMAP bitmap);
+
+/** Exchanges top and bottom of a device bitmap, in place. Windows only. */
+VOREL_API BOOL VORELCALL FlipBitmapVertical(HBITMAP bitmap);
+
+/** Exchanges left and right of a device bitmap, in place. Windows only. */
+VOREL_API BOOL VORELCALL FlipBitmapHorizontal(HBITMAP bitmap);
+
+/** Inverts every bit of a device bitmap, in place. Needs an active window of the calling thread. Windows only.
+ *  Returns FALSE, no code: no active window, or no device context. */
+VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
+
+#endif /* _WIN32 */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* VOREL32_H */
