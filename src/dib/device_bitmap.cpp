@@ -1,0 +1,162 @@
+#include "dib/device_bitmap.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "dib/device_format.h"
+#include "dib/device_palette.h"
+#include "frame/thread_context.h"
+#include "platform/user.h"
+
+namespace vorel {
+namespace {
+
+// A DIB made from a bitmap has this many bytes behind its pixels.
+constexpr uint32_t kSpareBytes = 10;
+
+// A header with room for the largest colour table that the system may write behind it.
+struct DeviceDibInfo {
+  DibHeader header;
+  Rgb colors[256];
+
+  BITMAPINFO* get() { return reinterpret_cast<BITMAPINFO*>(this); }
+};
+
+uint32_t entries_of(HPALETTE palette) {
+  WORD count = 0;
+  return GetObject(palette, sizeof count, &count) == 0 ? 0 : count;
+}
+
+// The table a DIB gets from a palette; the default one where there is no palette or it has more colours than the DIB.
+void fill_colors(std::span<Rgb> table, uint32_t depth, HPALETTE palette) {
+  const uint32_t count = palette == nullptr ? 0 : entries_of(palette);
+  if (palette == nullptr || count > table.size()) {
+    std::ranges::copy(default_colors(depth), table.begin());
+    return;
+  }
+  PALETTEENTRY entries[256];
+  GetPaletteEntries(palette, 0, count, entries);
+  std::transform(entries, entries + count, table.begin(),
+                 [](const PALETTEENTRY& entry) { return Rgb{entry.peBlue, entry.peGreen, entry.peRed, 0}; });
+}
+
+// Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, and up to three
+// masks, and a compressed picture is as long as it says.
+ByteCount bytes_read_by_device(const DibHeader& header) {
+  const uint32_t rows = header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
+  const ByteCount pixels = row_stride(header.depth, std::max(header.width, 0)) * rows;
+  const uint32_t table = std::max(color_count(header), implied_colors(header.depth)) + 3;
+  return ByteCount(header.size) + ByteCount(table) * sizeof(Rgb) + std::max(pixels, ByteCount(header.image_bytes));
+}
+
+HBITMAP create_from(HDC dc, std::span<uint8_t> dib, const DibHeader& header) {
+  const auto* info = reinterpret_cast<const BITMAPINFO*>(dib.data());
+  const uint8_t* pixels = dib.data() + bits_offset(header).value();
+  return CreateDIBitmap(dc, &info->bmiHeader, CBM_INIT, pixels, info, DIB_RGB_COLORS);
+}
+
+Result<OwnedBitmap> bitmap_of(const LockedDib& dib, HDC dc, HPALETTE palette) {
+  const auto whole = dib.complete(bytes_read_by_device(dib.header()));
+  if (!whole) return Error::kCreateBitmap;
+  const PaletteSelection selection(dc, palette);
+  OwnedBitmap bitmap(create_from(dc, whole->bytes(), dib.header()));
+  if (!bitmap) return Error::kCreateBitmap;
+  return bitmap;
+}
+
+}  // namespace
+
+std::optional<BITMAP> describe(HBITMAP bitmap) {
+  BITMAP facts{};
+  if (bitmap == nullptr || GetObject(bitmap, sizeof facts, &facts) == 0) return std::nullopt;
+  return facts;
+}
+
+bool copy_bits_out(HBITMAP bitmap, std::span<uint8_t> bits) {
+  return GetBitmapBits(bitmap, static_cast<LONG>(bits.size()), bits.data()) == static_cast<LONG>(bits.size());
+}
+
+Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette) {
+  const auto facts = describe(bitmap);
+  if (!facts) return Error::kUnreported;
+  const auto header =
+      header_for_device_bitmap(facts->bmWidth, facts->bmHeight, uint32_t{facts->bmPlanes} * facts->bmBitsPixel);
+  if (!header) return Error::kUnreported;
+  const auto offset = static_cast<size_t>(bits_offset(*header).value());
+  auto dib = OwnedDib::allocate(ByteCount(offset) + header->image_bytes + kSpareBytes);
+  if (!dib) return Error::kUnreported;
+
+  OwnedPalette of_screen;
+  if (palette == nullptr && header->depth != 1) {
+    auto current = screen_palette();
+    if (current) {
+      of_screen = std::move(*current);
+    } else {
+      set_thread_error(current.error());
+    }
+  }
+  HPALETTE colors = palette != nullptr ? palette : of_screen.get();
+
+  const ScreenDc screen;
+  const PaletteSelection selection(screen.get(), colors);
+  DeviceDibInfo info{.header = *header, .colors = {}};
+  const std::span<Rgb> table(info.colors, header->colors_used);
+  fill_colors(table, header->depth, colors);
+  // The system writes its own colours into the table, and they stand; what it may write into the header does not.
+  GetDIBits(screen.get(), bitmap, 0, static_cast<UINT>(header->height), dib->bytes().data() + offset, info.get(),
+            DIB_RGB_COLORS);
+  write_header(dib->bytes(), *header);
+  std::memcpy(dib->bytes().data() + kHeaderBytes, table.data(), table.size_bytes());
+  return dib;
+}
+
+Result<OwnedBitmap> bitmap_of(const LockedDib& dib) {
+  const DibHeader& header = dib.header();
+  if (header.size != kHeaderBytes) return Error::kCreateBitmap;
+  const auto palette = palette_of(dib);
+  if (!palette) set_thread_error(palette.error());  // the bitmap is made all the same, without realised colours
+  HPALETTE colors = palette ? palette->get() : nullptr;
+
+  // A memory context is monochrome, and so becomes what is made for it; the screen's own format is for all other pictures.
+  if (header.depth == 1 && header.planes == 1) {
+    const MemoryDc memory(nullptr);
+    return memory ? bitmap_of(dib, memory.get(), colors) : Error::kUnreported;
+  }
+  const ScreenDc screen;
+  return screen ? bitmap_of(dib, screen.get(), colors) : Error::kUnreported;
+}
+
+Result<OwnedBitmap> monochrome_copy(HBITMAP bitmap) {
+  const auto facts = describe(bitmap);
+  if (!facts) return Error::kParameter;
+  const WaitCursor cursor;
+  const auto header = header_for_device_bitmap(facts->bmWidth, facts->bmHeight, 1);
+  if (!header) return Error::kMemory;
+  const auto lines = ZeroedBuffer::allocate(header->image_bytes);
+  if (!lines) return Error::kMemory;
+
+  DeviceDibInfo info{.header = *header, .colors = {}};
+  info.header.colors_used = info.header.colors_important = 0;
+  fill_colors({info.colors, 2}, 1, nullptr);
+  const ScreenDc screen;
+  const auto count = static_cast<UINT>(facts->bmHeight);
+  GetDIBits(screen.get(), bitmap, 0, count, lines->bytes().data(), info.get(), DIB_RGB_COLORS);
+  OwnedBitmap copy(CreateBitmap(facts->bmWidth, facts->bmHeight, 1, 1, nullptr));
+  SetDIBits(screen.get(), copy.get(), 0, count, lines->bytes().data(), info.get(), DIB_RGB_COLORS);
+  return copy;
+}
+
+Result<OwnedBitmap> duplicate(HBITMAP bitmap) {
+  const auto facts = describe(bitmap);
+  if (!facts) return Error::kCopyBits;
+  BITMAP copy = *facts;
+  const auto bits = ZeroedBuffer::allocate(ByteCount(copy.bmPlanes) * static_cast<uint32_t>(copy.bmHeight) *
+                                           static_cast<uint32_t>(copy.bmWidthBytes));
+  if (!bits) return Error::kMemory;
+  if (!copy_bits_out(bitmap, bits->bytes())) return Error::kCopyBits;
+  copy.bmBits = bits->bytes().data();
+  return OwnedBitmap(CreateBitmapIndirect(&copy));
+}
+
+}  // namespace vorel

@@ -1,0 +1,19 @@
+// Logical palettes: of a DIB, and of the screen.
+#pragma once
+
+#include "dib/packed_dib.h"
+#include "frame/error.h"
+#include "platform/windows/gdi.h"
+
+namespace vorel {
+
+// Unreported failure for a DIB without colours.
+Result<OwnedPalette> palette_of(const LockedDib& dib);
+
+// The screen's system palette entries.
+Result<OwnedPalette> screen_palette();
+
+// What the screen shows for each entry of its system palette. The array holds as many entries as that has.
+Result<bool> read_screen_colors(Rgb* colors);
+
+}  // namespace vorel

@@ -1,0 +1,103 @@
+// DIB handles: a lock on anybody's DIB, and DIBs of the library's own making.
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "dib/header.h"
+#include "dib/view.h"
+#include "frame/error.h"
+#include "platform/memory.h"
+
+namespace vorel {
+
+// The first bytes of a block, as many as asked for. A block that is shorter stands there as a private copy completed with
+// zeros, so that kernels need no checks of their own; what they write to the copy is dropped.
+class CompleteBytes {
+ public:
+  // None when no block can be that large or memory for the copy is short.
+  static std::optional<CompleteBytes> of(std::span<uint8_t> block, ByteCount bytes) {
+    if (bytes <= ByteCount(block.size())) return CompleteBytes(block.first(static_cast<size_t>(bytes.value())), std::nullopt);
+    auto copy = ZeroedBuffer::allocate(bytes);
+    if (!copy) return std::nullopt;
+    std::ranges::copy(block, copy->bytes().begin());
+    const std::span<uint8_t> completed = copy->bytes();
+    return CompleteBytes(completed, std::move(copy));
+  }
+
+  std::span<uint8_t> bytes() const { return bytes_; }
+
+ private:
+  CompleteBytes(std::span<uint8_t> bytes, std::optional<ZeroedBuffer> copy) : bytes_(bytes), copy_(std::move(copy)) {}
+
+  std::span<uint8_t> bytes_;
+  std::optional<ZeroedBuffer> copy_;
+};
+
+// A packed DIB locked for a scope.
+class LockedDib {
+ public:
+  // None when the handle cannot be locked.
+  static std::optional<LockedDib> lock(HGLOBAL handle) {
+    auto block = LockedBlock::lock(handle);
+    if (!block) return std::nullopt;
+    return LockedDib(std::move(*block));
+  }
+
+  // A block too short for a header shows one of zeros, which no check lets pass.
+  bool has_header() const { return block().size() >= kHeaderBytes; }
+  const DibHeader& header() const { return header_; }
+
+  std::span<uint8_t> block() const { return block_.bytes(); }
+  std::optional<CompleteBytes> complete(ByteCount bytes) const { return CompleteBytes::of(block(), bytes); }
+
+  // The block from an offset on, at most so many bytes of it.
+  std::span<uint8_t> part(size_t offset, ByteCount bytes) const {
+    if (offset >= block().size()) return {};
+    const uint64_t there = block().size() - offset;
+    return block().subspan(offset, static_cast<size_t>(std::min(there, bytes.value())));
+  }
+
+  // Those of the first `count` colour table entries that the block holds, right after its 40-byte header.
+  std::span<Rgb> colors(uint32_t count) const {
+    const std::span<uint8_t> table = part(kHeaderBytes, ByteCount(count) * sizeof(Rgb));
+    return {reinterpret_cast<Rgb*>(table.data()), table.size() / sizeof(Rgb)};
+  }
+
+ private:
+  explicit LockedDib(LockedBlock block) : block_(std::move(block)), header_{.size = 0, .planes = 0} {
+    if (has_header()) header_ = read_header(block_.bytes());
+  }
+
+  LockedBlock block_;
+  DibHeader header_;
+};
+
+// A new zero-filled block, locked until it is released to the caller.
+class OwnedDib {
+ public:
+  static Result<OwnedDib> allocate(ByteCount bytes) {
+    auto block = OwnedBlock::allocate(bytes);
+    if (!block) return Error::kMemory;
+    auto lock = LockedBlock::lock(block->get());
+    if (!lock) return Error::kLock;
+    return OwnedDib(std::move(*block), std::move(*lock));
+  }
+
+  std::span<uint8_t> bytes() const { return lock_->bytes(); }
+
+  [[nodiscard]] HGLOBAL release() {
+    lock_.reset();
+    return block_.release();
+  }
+
+ private:
+  OwnedDib(OwnedBlock block, LockedBlock lock) : block_(std::move(block)), lock_(std::move(lock)) {}
+
+  OwnedBlock block_;
+  std::optional<LockedBlock> lock_;  // declared after the block, so that it is unlocked before it is freed
+};
+
+}  // namespace vorel

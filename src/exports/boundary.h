@@ -1,0 +1,90 @@
+// The border between C++ and the callers: results become return values, errors are reported the way each export reports
+// them, and no exception gets through.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <utility>
+
+#include "frame/error.h"
+#include "frame/thread_context.h"
+
+namespace vorel {
+
+// Most exports: the thread's error code.
+struct ThreadCode {
+  void report(Error error) const { set_thread_error(error); }
+};
+
+// A variable of the caller's that holds 0 unless the operation fails.
+class ClearedVariable {
+ public:
+  explicit ClearedVariable(int32_t* variable) : variable_(variable) { write(Error::kNone); }
+  void report(Error error) const {
+    if (error != Error::kUnreported) write(error);
+  }
+
+ private:
+  void write(Error error) const {
+    if (variable_ != nullptr) *variable_ = static_cast<int32_t>(error);
+  }
+
+  int32_t* variable_;
+};
+
+// A variable of the caller's, of 16 or 32 bits, that only a failure writes to.
+template <class Integer>
+class FailureVariable {
+ public:
+  explicit FailureVariable(Integer* variable) : variable_(variable) {}
+  void report(Error error) const {
+    if (variable_ != nullptr && error != Error::kUnreported) *variable_ = static_cast<Integer>(error);
+  }
+
+ private:
+  Integer* variable_;
+};
+
+// Two ways at once.
+template <class First, class Second>
+class Both {
+ public:
+  Both(First first, Second second) : first_(first), second_(second) {}
+  void report(Error error) const {
+    first_.report(error);
+    second_.report(error);
+  }
+
+ private:
+  First first_;
+  Second second_;
+};
+
+// Runs an export's body, which returns a Result, and returns its value or zero.
+//
+// Only exceptions are stopped: ending the thread, which is how a thread without a context goes, may unwind through here.
+template <class Report, class Body>
+auto at_boundary(Report how, Body&& body) {
+  using Value = std::decay_t<decltype(*body())>;
+  Error error = Error::kMemory;
+  try {
+    auto result = std::forward<Body>(body)();
+    if (result) return std::move(*result);
+    error = result.error();
+  } catch (const std::exception&) {
+    // Running out of memory is the only thing the standard library's own types fail at here.
+  }
+  how.report(error);
+  return Value{};
+}
+
+// The same for exports that report nothing.
+template <class Body>
+auto at_silent_boundary(Body&& body) {
+  struct Nobody {
+    void report(Error) const {}
+  };
+  return at_boundary(Nobody{}, std::forward<Body>(body));
+}
+
+}  // namespace vorel

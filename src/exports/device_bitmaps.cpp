@@ -1,0 +1,104 @@
+// Palettes, device bitmaps and what converts to and from them.
+#include <vorel32.h>
+
+#include "dib/bitmap_file.h"
+#include "dib/device_bitmap.h"
+#include "dib/device_palette.h"
+#include "exports/boundary.h"
+#include "geometry/device_turn.h"
+
+using namespace vorel;
+
+namespace {
+
+// Runs an operation that makes a GDI object and hands the object to the caller.
+template <class Make>
+auto object_for_caller(Make make) {
+  using Handle = decltype(make()->get());
+  return at_boundary(ThreadCode{}, [&]() -> Result<Handle> {
+    auto made = make();
+    if (!made) return made.error();
+    return made->release();
+  });
+}
+
+HBITMAP turned_bitmap(HBITMAP bitmap, DeviceTurn turn) {
+  return object_for_caller([&] { return quarter_turned(bitmap, turn); });
+}
+
+BOOL rewritten_bitmap(HBITMAP bitmap, DeviceTurn turn) {
+  return at_boundary(ThreadCode{}, [&] { return turn_in_place(bitmap, turn); });
+}
+
+}  // namespace
+
+extern "C" {
+
+HPALETTE VORELCALL CreateDIBPalette(HGLOBAL dib) {
+  return object_for_caller([&]() -> Result<OwnedPalette> {
+    const auto locked = LockedDib::lock(dib);
+    if (!locked) return Error::kUnreported;
+    return palette_of(*locked);
+  });
+}
+
+HPALETTE VORELCALL GetCurrentPalette(void) { return object_for_caller(screen_palette); }
+
+BOOL VORELCALL GetSystemPalette(RGBQUAD* colours) {
+  return at_boundary(ThreadCode{}, [&] { return read_screen_colors(reinterpret_cast<Rgb*>(colours)); });
+}
+
+HGLOBAL VORELCALL ConvertBitmapToDIB(HBITMAP bitmap, HPALETTE palette) {
+  return at_silent_boundary([&]() -> Result<HGLOBAL> {
+    auto dib = dib_of(bitmap, palette);
+    if (!dib) return dib.error();
+    return dib->release();
+  });
+}
+
+HBITMAP VORELCALL ConvertDIBToBitmap(HGLOBAL dib) {
+  return object_for_caller([&]() -> Result<OwnedBitmap> {
+    const auto locked = LockedDib::lock(dib);
+    if (!locked) return Error::kUnreported;
+    return bitmap_of(*locked);
+  });
+}
+
+HBITMAP VORELCALL ConvertToMonochromeBitmap(HBITMAP bitmap) {
+  return object_for_caller([&] { return monochrome_copy(bitmap); });
+}
+
+HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap) {
+  return object_for_caller([&] { return duplicate(bitmap); });
+}
+
+HBITMAP VORELCALL LoadBitmapFromFile(LPCSTR path) {
+  return object_for_caller([&]() -> Result<OwnedBitmap> {
+    const auto dib = load_dib(path);
+    if (!dib) return dib.error();
+    const auto locked = LockedDib::lock(dib->get());
+    if (!locked) return Error::kUnreported;
+    return bitmap_of(*locked);
+  });
+}
+
+BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palette) {
+  return at_boundary(ThreadCode{}, [&]() -> Result<bool> {
+    auto dib = dib_of(bitmap, palette);
+    if (!dib) return dib.error();
+    const OwnedBlock block(dib->release());
+    return save_dib(path, block.get());
+  });
+}
+
+HBITMAP VORELCALL RotateBitmap90(HBITMAP bitmap) { return turned_bitmap(bitmap, DeviceTurn::kCounterClockwise); }
+HBITMAP VORELCALL RotateBitmap270(HBITMAP bitmap) { return turned_bitmap(bitmap, DeviceTurn::kClockwise); }
+BOOL VORELCALL RotateBitmap180(HBITMAP bitmap) { return rewritten_bitmap(bitmap, DeviceTurn::kHalf); }
+BOOL VORELCALL FlipBitmapVertical(HBITMAP bitmap) { return rewritten_bitmap(bitmap, DeviceTurn::kTopBottom); }
+BOOL VORELCALL FlipBitmapHorizontal(HBITMAP bitmap) { return rewritten_bitmap(bitmap, DeviceTurn::kLeftRight); }
+
+BOOL VORELCALL InvertBitmap(HBITMAP bitmap) {
+  return at_silent_boundary([&] { return invert_in_place(bitmap); });
+}
+
+}  // extern "C"

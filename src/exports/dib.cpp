@@ -1,0 +1,70 @@
+// Headers and colours of packed DIBs, and bitmap files.
+#include <vorel32.h>
+
+#include <cstddef>
+#include <cstring>
+
+#include "dib/bitmap_file.h"
+#include "dib/inversion.h"
+#include "dib/packed_dib.h"
+#include "exports/boundary.h"
+
+using namespace vorel;
+
+static_assert(sizeof(BITMAPINFOHEADER) == sizeof(DibHeader) && sizeof(BITMAPCOREHEADER) == sizeof(CoreHeader) &&
+              sizeof(BITMAPFILEHEADER) == sizeof(FileHeader) && sizeof(RGBQUAD) == sizeof(Rgb) &&
+              sizeof(RGBTRIPLE) == sizeof(RgbTriple));
+static_assert(offsetof(BITMAPINFOHEADER, biBitCount) == offsetof(DibHeader, depth) &&
+              offsetof(BITMAPINFOHEADER, biSizeImage) == offsetof(DibHeader, image_bytes) &&
+              offsetof(BITMAPINFOHEADER, biClrUsed) == offsetof(DibHeader, colors_used) &&
+              offsetof(BITMAPFILEHEADER, bfOffBits) == offsetof(FileHeader, bits_offset));
+
+extern "C" {
+
+UINT VORELCALL PaletteSize(void* header) {
+  if (header == nullptr) return 0;
+  DibHeader whole{};
+  std::memcpy(&whole.size, header, sizeof whole.size);
+  std::memcpy(&whole, header, whole.size == kCoreHeaderBytes ? kCoreHeaderBytes : kHeaderBytes);
+  const uint64_t bytes = palette_bytes(whole).value();
+  return bytes <= UINT32_MAX ? static_cast<UINT>(bytes) : 0;
+}
+
+HGLOBAL VORELCALL ReadDIBInfo(HFILE file) {
+  return at_boundary(ThreadCode{}, [&]() -> Result<HGLOBAL> {
+    auto dib = read_dib_info(FileRef(file));
+    if (!dib) return dib.error();
+    return dib->release();
+  });
+}
+
+BOOL VORELCALL InvertDIBPalette(HGLOBAL dib) {
+  const auto locked = LockedDib::lock(dib);
+  if (!locked || locked->header().size != kHeaderBytes) return FALSE;
+  complement_colors(locked->colors(locked->header().colors_used));
+  return TRUE;
+}
+
+void VORELCALL InvertMonoDIB(HGLOBAL dib) {
+  const auto locked = LockedDib::lock(dib);
+  if (!locked || locked->header().depth != 1) return;
+  const DibHeader& header = locked->header();
+  if (const auto colors = locked->colors(2); colors.size() == 2) swap_colors(colors[0], colors[1]);
+  if (header.width <= 0 || header.height <= 0) return;
+  const ByteCount pixels = row_stride(1, header.width) * static_cast<uint32_t>(header.height);
+  invert_bits(locked->part(kHeaderBytes + 2 * sizeof(Rgb), pixels));
+}
+
+HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path) {
+  return at_boundary(ThreadCode{}, [&]() -> Result<HGLOBAL> {
+    auto dib = load_dib(path);
+    if (!dib) return dib.error();
+    return dib->release();
+  });
+}
+
+BOOL VORELCALL SaveDIB(LPCSTR path, HGLOBAL dib) {
+  return at_boundary(ThreadCode{}, [&] { return save_dib(path, dib); });
+}
+
+}  // extern "C"

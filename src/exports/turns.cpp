@@ -1,0 +1,34 @@
+// Quarter turns and mirrors of packed DIBs.
+#include <vorel32.h>
+
+#include "dib/packed_dib.h"
+#include "exports/boundary.h"
+#include "geometry/dib_turn.h"
+#include "platform/user.h"
+
+using namespace vorel;
+
+namespace {
+
+HGLOBAL turned_handle(HGLOBAL dib, DibTurn turn) {
+  return at_silent_boundary([&]() -> Result<HGLOBAL> {
+    const auto source = LockedDib::lock(dib);
+    if (!source) return Error::kUnreported;
+    const WaitCursor cursor;
+    auto result = turned(*source, turn);
+    if (!result) return result.error();
+    return result->release();
+  });
+}
+
+}  // namespace
+
+extern "C" {
+
+HGLOBAL VORELCALL RotateDIB90(HGLOBAL dib) { return turned_handle(dib, DibTurn::kClockwise); }
+HGLOBAL VORELCALL RotateDIB180(HGLOBAL dib) { return turned_handle(dib, DibTurn::kHalf); }
+HGLOBAL VORELCALL RotateDIB270(HGLOBAL dib) { return turned_handle(dib, DibTurn::kCounterClockwise); }
+HGLOBAL VORELCALL FlipDIBVertical(HGLOBAL dib) { return turned_handle(dib, DibTurn::kTopBottom); }
+HGLOBAL VORELCALL FlipDIBHorizontal(HGLOBAL dib) { return turned_handle(dib, DibTurn::kLeftRight); }
+
+}  // extern "C"

@@ -1,0 +1,67 @@
+// Error codes and how operations hand them up: as values inside, as numbers only where an export reports them.
+#pragma once
+
+#include <cstdint>
+#include <utility>
+#include <variant>
+
+namespace vorel {
+
+// The codes of the message table; the public header describes each. Codes of 500 and above have no message.
+enum class Error : int32_t {
+  kNone = 0,
+  kMemory = 1,
+  kCreateDc = 2,
+  kOpenFile = 3,
+  kFileIo = 4,
+  kOpenClipboard = 5,
+  kReceiveClipboard = 6,
+  kCopyBits = 7,
+  kParameter = 8,
+  kFormat = 9,
+  kCreatePalette = 10,
+  kCreateBitmap = 11,
+  kMappingMode = 12,
+  kPixelBits = 13,
+  kClipboardFormat = 14,
+  kBitmapParameters = 15,
+  kCreateMetafile = 16,
+  kLock = 17,
+  kCompressed = 18,
+  kDibSize = 19,
+  kDitherParameter = 20,
+  kHeaderBits = 21,
+  kQuentBits = 22,
+  kPrinterDc = 23,
+  kPrinterRaster = 24,
+  kDisplayDc = 25,
+  kSetAbortProc = 26,
+  kStartDoc = 27,
+  kNextBand = 28,
+  kClipboard = 29,
+  kNothingToDo = 30,
+  kNothingToConvert = 31,
+
+  // The operation fails and whatever would report it stays as it was.
+  kUnreported = -1,
+};
+
+// What an operation gives: its value, or why there is none.
+template <class T>
+class [[nodiscard]] Result {
+ public:
+  Result(T value) : state_(std::move(value)) {}  // NOLINT(google-explicit-constructor): `return value;` and
+  Result(Error error) : state_(error) {}         // NOLINT(google-explicit-constructor): `return Error::kMemory;` both read well
+
+  explicit operator bool() const { return state_.index() == 0; }
+  T& operator*() { return std::get<0>(state_); }
+  const T& operator*() const { return std::get<0>(state_); }
+  T* operator->() { return &std::get<0>(state_); }
+  const T* operator->() const { return &std::get<0>(state_); }
+  Error error() const { return std::get<1>(state_); }
+
+ private:
+  std::variant<T, Error> state_;
+};
+
+}  // namespace vorel

@@ -1,0 +1,37 @@
+// What the library keeps for each thread, and when that memory comes and goes.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/error.h"
+
+namespace vorel {
+
+// Element 0 counts the scale steps (1 to 10) that follow it, strictly increasing, the first one equal to the base scale.
+inline constexpr int kScaleTableWords = 11;
+
+struct ThreadContext {
+  int32_t error_code;
+  int32_t first_scale_steps[kScaleTableWords];
+  int32_t second_scale_steps[kScaleTableWords];
+  int32_t base_scale;  // the scale that stands for 100 % in both tables
+  int32_t setting;     // starts at 4, beside the page layout settings; nothing reads it
+  int32_t histogram_results[4];
+};
+
+// The calling thread's context, made on its first use. A thread that cannot have one is ended: every operation reports
+// through the context, so there is nothing else it could do.
+ThreadContext& thread_context();
+
+// Stores why an operation of the calling thread failed. kUnreported leaves the code as it is.
+void set_thread_error(Error error);
+
+// The notices a module gets from the system; the values are the system's.
+enum class ModuleNotice : uint32_t { kProcessDetach = 0, kProcessAttach = 1, kThreadAttach = 2, kThreadDetach = 3 };
+
+// Follows a notice and returns whether it is accepted; unknown ones are not.
+//   repeats_notices  the system is of the family (Windows 9x) that attaches and detaches a process twice: the second notice
+//                    of each kind is refused
+bool follow_module_notice(ModuleNotice notice, bool repeats_notices);
+
+}  // namespace vorel

@@ -1,0 +1,14 @@
+# libvorel32.so: exports just what the map lists.
+set(map ${CMAKE_CURRENT_SOURCE_DIR}/exports/libvorel32.map)
+add_library(vorel32 SHARED $<TARGET_OBJECTS:vorel_exports> $<TARGET_OBJECTS:vorel_memory>)
+target_include_directories(vorel32 PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
+target_link_libraries(vorel32 PRIVATE vorel_geometry)
+target_link_options(vorel32 PRIVATE -Wl,--version-script=${map})
+if(NOT VOREL_SANITIZE)
+  target_link_options(vorel32 PRIVATE -Wl,--no-undefined)
+endif()
+set_target_properties(vorel32 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 5 LINK_DEPENDS ${map})
+
+include(GNUInstallDirs)
+install(TARGETS vorel32 LIBRARY)
+install(FILES ${PROJECT_SOURCE_DIR}/include/vorel32.h TYPE INCLUDE)

@@ -1,0 +1,123 @@
+// Owning types for global memory: a block of the library's own, a lock on anybody's, and a plain scratch buffer.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "platform/win32.h"
+
+namespace vorel {
+
+// A number of bytes that sticks at "too many" instead of wrapping, so that sizes can be written as plain formulas.
+class ByteCount {
+ public:
+  constexpr ByteCount(uint64_t value = 0) : value_(value) {}  // NOLINT(google-explicit-constructor): formulas mix in numbers
+
+  constexpr uint64_t value() const { return value_; }
+  // No block is larger: a 32-bit process cannot have one, and both builds refuse the same pictures.
+  constexpr bool fits_block() const { return value_ <= kMostBlockBytes; }
+
+  friend constexpr ByteCount operator+(ByteCount a, ByteCount b) {
+    return a.value_ > kTooMany - b.value_ ? ByteCount(kTooMany) : ByteCount(a.value_ + b.value_);
+  }
+  friend constexpr ByteCount operator*(ByteCount a, ByteCount b) {
+    return b.value_ != 0 && a.value_ > kTooMany / b.value_ ? ByteCount(kTooMany) : ByteCount(a.value_ * b.value_);
+  }
+  friend constexpr auto operator<=>(ByteCount, ByteCount) = default;
+
+ private:
+  static constexpr uint64_t kTooMany = std::numeric_limits<uint64_t>::max();
+  static constexpr uint64_t kMostBlockBytes = std::numeric_limits<int32_t>::max();
+
+  uint64_t value_;
+};
+
+// A lock on a global block, taken back with its scope.
+class LockedBlock {
+ public:
+  // None for a null, dead or discarded handle.
+  static std::optional<LockedBlock> lock(HGLOBAL handle) {
+    void* data = handle == nullptr ? nullptr : GlobalLock(handle);
+    if (data == nullptr) return std::nullopt;
+    return LockedBlock(handle, {static_cast<uint8_t*>(data), GlobalSize(handle)});
+  }
+
+  LockedBlock(LockedBlock&& other) noexcept
+      : handle_(std::exchange(other.handle_, nullptr)), bytes_(std::exchange(other.bytes_, {})) {}
+  LockedBlock& operator=(LockedBlock&&) = delete;
+  ~LockedBlock() {
+    if (handle_ != nullptr) GlobalUnlock(handle_);
+  }
+
+  std::span<uint8_t> bytes() const { return bytes_; }
+
+ private:
+  LockedBlock(HGLOBAL handle, std::span<uint8_t> bytes) : handle_(handle), bytes_(bytes) {}
+
+  HGLOBAL handle_;
+  std::span<uint8_t> bytes_;
+};
+
+// A global block that is freed with its scope unless it is released to the caller.
+class OwnedBlock {
+ public:
+  // A movable, zero-filled block; none when memory is short or no block can be that large.
+  static std::optional<OwnedBlock> allocate(ByteCount bytes) {
+    HGLOBAL handle = bytes.fits_block() ? GlobalAlloc(GHND, static_cast<size_t>(bytes.value())) : nullptr;
+    if (handle == nullptr) return std::nullopt;
+    return OwnedBlock(handle);
+  }
+
+  explicit OwnedBlock(HGLOBAL handle) : handle_(handle) {}
+  OwnedBlock(OwnedBlock&& other) noexcept : handle_(other.release()) {}
+  OwnedBlock& operator=(OwnedBlock&&) = delete;
+  ~OwnedBlock() {
+    if (handle_ != nullptr) GlobalFree(handle_);
+  }
+
+  HGLOBAL get() const { return handle_; }
+  [[nodiscard]] HGLOBAL release() { return std::exchange(handle_, nullptr); }
+
+  // Changes the size; new bytes are zero. The block must not be locked.
+  bool resize(ByteCount bytes) {
+    HGLOBAL resized =
+        bytes.fits_block() ? GlobalReAlloc(handle_, static_cast<size_t>(bytes.value()), GMEM_ZEROINIT) : nullptr;
+    if (resized == nullptr) return false;
+    handle_ = resized;
+    return true;
+  }
+
+ private:
+  HGLOBAL handle_;
+};
+
+// Zero-filled scratch memory.
+class ZeroedBuffer {
+ public:
+  static std::optional<ZeroedBuffer> allocate(ByteCount bytes) {
+    if (!bytes.fits_block()) return std::nullopt;
+    const auto size = static_cast<size_t>(bytes.value());
+    auto* data = static_cast<uint8_t*>(std::calloc(size == 0 ? 1 : size, 1));
+    if (data == nullptr) return std::nullopt;
+    return ZeroedBuffer(data, size);
+  }
+
+  std::span<uint8_t> bytes() const { return {data_.get(), size_}; }
+
+ private:
+  struct Free {
+    void operator()(uint8_t* data) const { std::free(data); }
+  };
+
+  ZeroedBuffer(uint8_t* data, size_t size) : data_(data), size_(size) {}
+
+  std::unique_ptr<uint8_t, Free> data_;
+  size_t size_;
+};
+
+}  // namespace vorel

@@ -1,0 +1,74 @@
+#include "platform/file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace vorel {
+namespace {
+
+constexpr int origin(SeekFrom from) {
+  switch (from) {
+    case SeekFrom::kStart: return SEEK_SET;
+    case SeekFrom::kCurrent: return SEEK_CUR;
+    case SeekFrom::kEnd: return SEEK_END;
+  }
+  return SEEK_SET;
+}
+
+// Repeats a read or write until all bytes are moved or the file has no more to give or take. An error counts only if it is
+// the first thing that happens.
+template <class Move>
+int64_t move_all(size_t bytes, Move move) {
+  size_t done = 0;
+  while (done < bytes) {
+    const ssize_t moved = move(done, bytes - done);
+    if (moved < 0 && errno == EINTR) continue;
+    if (moved < 0 && done == 0) return -1;
+    if (moved <= 0) break;
+    done += static_cast<size_t>(moved);
+  }
+  return static_cast<int64_t>(done);
+}
+
+}  // namespace
+
+// Offsets are those of the classic calls: one of 2 GB or more is refused, and the position stays.
+int64_t FileRef::seek(int64_t offset, SeekFrom from) const {
+  if (offset != static_cast<int32_t>(offset)) return -1;
+  return lseek(handle_, offset, origin(from));
+}
+
+int64_t FileRef::read(void* buffer, size_t bytes) const {
+  return move_all(bytes, [&](size_t done, size_t left) { return ::read(handle_, static_cast<char*>(buffer) + done, left); });
+}
+
+int64_t FileRef::write(const void* buffer, size_t bytes) const {
+  return move_all(
+      bytes, [&](size_t done, size_t left) { return ::write(handle_, static_cast<const char*>(buffer) + done, left); });
+}
+
+std::optional<OwnedFile> OwnedFile::open_for_reading(const char* path) {
+  if (path == nullptr) return std::nullopt;
+  const int handle = ::open(path, O_RDONLY | O_CLOEXEC);
+  if (handle < 0) return std::nullopt;
+  OwnedFile file(handle);
+  struct stat facts {};
+  if (fstat(handle, &facts) != 0 || S_ISDIR(facts.st_mode)) return std::nullopt;
+  return file;
+}
+
+std::optional<OwnedFile> OwnedFile::create(const char* path) {
+  if (path == nullptr) return std::nullopt;
+  const int handle = ::open(path, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (handle < 0) return std::nullopt;
+  return OwnedFile(handle);
+}
+
+OwnedFile::~OwnedFile() {
+  if (is_open()) ::close(handle_);
+}
+
+}  // namespace vorel

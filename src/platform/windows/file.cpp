@@ -1,0 +1,57 @@
+#include "platform/file.h"
+
+#include <algorithm>
+
+namespace vorel {
+namespace {
+
+std::optional<HFILE> open_file(const char* path, UINT mode) {
+  if (path == nullptr) return std::nullopt;
+  OFSTRUCT details{};
+  const HFILE handle = OpenFile(path, &details, mode);
+  if (handle <= HFILE_ERROR) return std::nullopt;
+  return handle;
+}
+
+constexpr int origin(SeekFrom from) {
+  switch (from) {
+    case SeekFrom::kStart: return FILE_BEGIN;
+    case SeekFrom::kCurrent: return FILE_CURRENT;
+    case SeekFrom::kEnd: return FILE_END;
+  }
+  return FILE_BEGIN;
+}
+
+// The classic calls count in 32 bits.
+LONG one_transfer(size_t bytes) { return static_cast<LONG>(std::min<size_t>(bytes, 0x7FFFFFFF)); }
+
+}  // namespace
+
+int64_t FileRef::seek(int64_t offset, SeekFrom from) const {
+  if (offset != static_cast<LONG>(offset)) return -1;
+  return _llseek(handle_, static_cast<LONG>(offset), origin(from));
+}
+
+int64_t FileRef::read(void* buffer, size_t bytes) const { return _hread(handle_, buffer, one_transfer(bytes)); }
+
+int64_t FileRef::write(const void* buffer, size_t bytes) const {
+  return _hwrite(handle_, static_cast<const char*>(buffer), one_transfer(bytes));
+}
+
+std::optional<OwnedFile> OwnedFile::open_for_reading(const char* path) {
+  const auto handle = open_file(path, OF_READ);
+  if (!handle) return std::nullopt;
+  return OwnedFile(*handle);
+}
+
+std::optional<OwnedFile> OwnedFile::create(const char* path) {
+  const auto handle = open_file(path, OF_CREATE | OF_READWRITE);
+  if (!handle) return std::nullopt;
+  return OwnedFile(*handle);
+}
+
+OwnedFile::~OwnedFile() {
+  if (is_open()) _lclose(handle_);
+}
+
+}  // namespace vorel

@@ -1,0 +1,109 @@
+// Owning types for GDI objects, device contexts and what is selected into them.
+#pragma once
+
+#include <utility>
+
+#include "platform/win32.h"
+
+namespace vorel {
+
+// A GDI object (bitmap, palette, pen, ...) that is deleted with its scope unless it is released to the caller.
+template <class Handle>
+class OwnedObject {
+ public:
+  OwnedObject() = default;
+  explicit OwnedObject(Handle handle) : handle_(handle) {}
+  OwnedObject(OwnedObject&& other) noexcept : handle_(other.release()) {}
+  OwnedObject& operator=(OwnedObject&& other) noexcept {
+    OwnedObject old(std::exchange(handle_, other.release()));
+    return *this;
+  }
+  ~OwnedObject() {
+    if (handle_ != nullptr) DeleteObject(handle_);
+  }
+
+  explicit operator bool() const { return handle_ != nullptr; }
+  Handle get() const { return handle_; }
+  [[nodiscard]] Handle release() { return std::exchange(handle_, nullptr); }
+
+ private:
+  Handle handle_ = nullptr;
+};
+
+using OwnedBitmap = OwnedObject<HBITMAP>;
+using OwnedPalette = OwnedObject<HPALETTE>;
+
+// A window's device context; without a window, the screen's.
+class WindowDc {
+ public:
+  explicit WindowDc(HWND window) : window_(window), dc_(GetDC(window)) {}
+  WindowDc(const WindowDc&) = delete;
+  WindowDc& operator=(const WindowDc&) = delete;
+  ~WindowDc() {
+    if (dc_ != nullptr) ReleaseDC(window_, dc_);
+  }
+
+  explicit operator bool() const { return dc_ != nullptr; }
+  HDC get() const { return dc_; }
+
+ private:
+  HWND window_;
+  HDC dc_;
+};
+
+class ScreenDc : public WindowDc {
+ public:
+  ScreenDc() : WindowDc(nullptr) {}
+};
+
+// A memory device context compatible with another one or, without one, with the screen.
+class MemoryDc {
+ public:
+  explicit MemoryDc(HDC compatible_with) : dc_(CreateCompatibleDC(compatible_with)) {}
+  MemoryDc(const MemoryDc&) = delete;
+  MemoryDc& operator=(const MemoryDc&) = delete;
+  ~MemoryDc() {
+    if (dc_ != nullptr) DeleteDC(dc_);
+  }
+
+  explicit operator bool() const { return dc_ != nullptr; }
+  HDC get() const { return dc_; }
+
+ private:
+  HDC dc_;
+};
+
+// Selects an object for a scope. Declared after context and object, so that it is undone before either goes.
+class [[nodiscard]] Selection {
+ public:
+  Selection(HDC dc, HGDIOBJ object) : dc_(dc), previous_(SelectObject(dc, object)) {}
+  Selection(const Selection&) = delete;
+  Selection& operator=(const Selection&) = delete;
+  ~Selection() {
+    if (previous_ != nullptr) SelectObject(dc_, previous_);
+  }
+
+ private:
+  HDC dc_;
+  HGDIOBJ previous_;
+};
+
+// Selects and realises a palette for a scope; without a palette it does nothing.
+class [[nodiscard]] PaletteSelection {
+ public:
+  PaletteSelection(HDC dc, HPALETTE palette)
+      : dc_(dc), previous_(palette == nullptr ? nullptr : SelectPalette(dc, palette, FALSE)) {
+    if (palette != nullptr) RealizePalette(dc);
+  }
+  PaletteSelection(const PaletteSelection&) = delete;
+  PaletteSelection& operator=(const PaletteSelection&) = delete;
+  ~PaletteSelection() {
+    if (previous_ != nullptr) SelectPalette(dc_, previous_, FALSE);
+  }
+
+ private:
+  HDC dc_;
+  HPALETTE previous_;
+};
+
+}  // namespace vorel

@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# Runs a Windows program under 32-bit Wine, on a virtual screen, in a Wine prefix of this build tree.
+# usage: run-wine.sh [--session] PROGRAM [ARGUMENT...]
+#   --session  PROGRAM is a Linux command whose own calls of run-wine.sh share one screen (quicker than one screen a call)
+# environment:
+#   VOREL_SCREEN_DEPTH  bits per pixel of the screen: 24 (default), or 8 for a palette display
+#   VOREL_WINE_ROOT     where the prefixes are kept (default: build/wine beside this script's folder)
+set -euo pipefail
+
+root=${VOREL_WINE_ROOT:-$(cd "$(dirname "$0")/.." && pwd)/build/wine}
+depth=${VOREL_SCREEN_DEPTH:-24}
+export WINEPREFIX=$root/screen-$depth WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+
+fail() { printf 'run-wine: %s\n' "$*" >&2; exit 1; }
+
+# Wine's helpers keep a pipe open that they inherit, which makes whoever reads it wait: output goes through files.
+run_program() {
+  local output status=0
+  output=$(mktemp -d)
+  wine "$@" >"$output/out" 2>"$output/err" </dev/null || status=$?
+  cat "$output/out"
+  cat "$output/err" >&2
+  rm -rf "$output"
+  return "$status"
+}
+
+start_screen() {
+  local number
+  number=$(mktemp)
+  Xvfb -displayfd 3 -screen 0 "1280x1024x$depth" -nolisten tcp 3>"$number" >/dev/null 2>&1 &
+  screen_process=$!
+  for _ in $(seq 100); do
+    [ -s "$number" ] && break
+    kill -0 "$screen_process" 2>/dev/null || fail "the virtual screen did not start; is xvfb installed (tools/setup.sh)?"
+    sleep 0.1
+  done
+  DISPLAY=:$(cat "$number")
+  export DISPLAY
+  rm -f "$number"
+}
+
+end_session() {
+  wineserver -k 2>/dev/null || true
+  wineserver -w 2>/dev/null || true
+  kill "$screen_process" 2>/dev/null || true
+  wait "$screen_process" 2>/dev/null || true
+}
+
+start_session() {
+  command -v wine >/dev/null || fail "wine is not installed; tools/setup.sh installs it"
+  mkdir -p "$root"
+  exec 9>"$root/screen-$depth.lock"  # one session at a time in a prefix
+  flock 9
+  start_screen
+  trap end_session EXIT
+  if [ ! -e "$WINEPREFIX/system.reg" ]; then
+    printf 'run-wine: setting Wine up in %s (once, 10 to 20 seconds)\n' "$WINEPREFIX" >&2
+    wine wineboot -i >/dev/null 2>&1 9>&- </dev/null || fail "wineboot failed; remove $WINEPREFIX and try again"
+  fi
+  export VOREL_WINE_SESSION=$WINEPREFIX
+}
+
+[ $# -gt 0 ] || fail "usage: run-wine.sh [--session] PROGRAM [ARGUMENT...]"
+if [ "$1" = --session ]; then
+  shift
+  start_session
+  "$@" 9>&-
+elif [ "${VOREL_WINE_SESSION:-}" = "$WINEPREFIX" ]; then
+  run_program "$@"
+else
+  start_session
+  run_program "$@" 9>&-
+fi
