@@ -1,0 +1,258 @@
+// Bitmap files: every kind that loads, and everything that does not.
+#include <gtest/gtest.h>
+#include <vorel32.h>
+
+#include <cstring>
+
+#include "platform/file.h"
+#include "support/dib.h"
+
+using namespace test;
+
+namespace {
+
+template <class Struct>
+void append(Bytes& bytes, const Struct& value) {
+  const auto* data = reinterpret_cast<const uint8_t*>(&value);
+  bytes.insert(bytes.end(), data, data + sizeof value);
+}
+
+// A file header in front of a DIB; bits_offset 0 leaves it to the reader where the rows begin.
+Bytes file_of(const Bytes& dib, uint32_t bits_offset = 0) {
+  BITMAPFILEHEADER header{};
+  header.bfType = 0x4D42;
+  header.bfSize = static_cast<uint32_t>(14 + dib.size());
+  header.bfOffBits = bits_offset;
+  Bytes file;
+  append(file, header);
+  file.insert(file.end(), dib.begin(), dib.end());
+  return file;
+}
+
+class BitmapFile : public testing::Test {
+ protected:
+  Block load(const Bytes& file) {
+    write_file(path_, file);
+    SetImgError(0);
+    return Block(LoadDIBFromFile(path_.c_str()));
+  }
+
+  // Loading fails with this code and leaves nothing behind.
+  void expect_refused(const Bytes& file, int code) {
+    EXPECT_FALSE(load(file));
+    EXPECT_EQ(ImgError(), code);
+  }
+
+  TempFolder folder_;
+  std::string path_ = folder_.path("picture.bmp");
+};
+
+// What loading fills in.
+Bytes loaded_form(Bytes dib) {
+  BITMAPINFOHEADER header = header_of(dib);
+  header.biSizeImage = static_cast<uint32_t>(stride_of(header.biWidth, header.biBitCount)) * static_cast<uint32_t>(header.biHeight);
+  if (header.biBitCount <= 8) header.biClrUsed = 1u << header.biBitCount;
+  std::memcpy(dib.data(), &header, sizeof header);
+  return dib;
+}
+
+TEST_F(BitmapFile, SavingAndLoadingGivesTheSameDibBack) {
+  for (int depth : {1, 4, 8, 16, 24, 32}) {
+    const Bytes dib = loaded_form(noise(13, 5, depth));
+    const Block block = block_of(dib);
+    ASSERT_TRUE(SaveDIB(path_.c_str(), block.get()));
+    const Bytes file = read_file(path_);
+    EXPECT_EQ(file, file_of(dib, static_cast<uint32_t>(14 + 40 + header_of(dib).biClrUsed * 4)));
+    EXPECT_EQ(bytes_of(load(file).get()), dib) << depth;
+  }
+}
+
+TEST_F(BitmapFile, LoadsWithAndWithoutFileHeader) {
+  const Bytes dib = noise(9, 4, 8);
+  EXPECT_EQ(bytes_of(load(dib).get()), loaded_form(dib));
+  EXPECT_EQ(bytes_of(load(file_of(dib)).get()), loaded_form(dib));
+}
+
+TEST_F(BitmapFile, RowsBeginWhereTheFileHeaderSays) {
+  const Bytes dib = noise(9, 4, 24);
+  Bytes with_gap = file_of(dib, 14 + 40 + 7);
+  with_gap.insert(with_gap.begin() + 14 + 40, 7, 0xEE);
+  EXPECT_EQ(bytes_of(load(with_gap).get()), loaded_form(dib));
+}
+
+TEST_F(BitmapFile, AnOffsetInFrontOfTheTableReadsFromThere) {
+  const Bytes dib = noise(9, 4, 8);
+  const Bytes loaded = bytes_of(load(file_of(dib, 2)).get());
+  ASSERT_EQ(loaded.size(), dib.size());
+  EXPECT_EQ(loaded[40 + 1024], file_of(dib, 2)[2]);
+}
+
+TEST_F(BitmapFile, AnOffsetPastTheEndGivesAnEmptyPicture) {
+  for (uint32_t offset : {100'000u, 0x7FFFFFFFu}) {
+    const Bytes loaded = bytes_of(load(file_of(noise(9, 4, 24), offset)).get());
+    EXPECT_EQ(Bytes(loaded.begin() + 40, loaded.end()), Bytes(28 * 4)) << offset;
+  }
+  const Bytes dib = noise(9, 4, 24);
+  EXPECT_EQ(bytes_of(load(file_of(dib, 0xFFFFFFF0)).get()), loaded_form(dib)) << "no file reaches 2 GB: the rows follow the table";
+}
+
+Bytes core_file(int depth, const Bytes& rest) {
+  const BITMAPCOREHEADER core{12, 3, 2, 1, static_cast<uint16_t>(depth)};
+  Bytes dib;
+  append(dib, core);
+  dib.insert(dib.end(), rest.begin(), rest.end());
+  return dib;
+}
+
+TEST_F(BitmapFile, ACoreHeaderBecomesAFullOneWithQuads) {
+  const Bytes rest{1, 2, 3, 4, 5, 6, 0xA0, 0, 0, 0, 0x40, 0, 0, 0};
+  Bytes padded = rest;
+  padded.resize(40);  // the reader asks for 40 bytes before it looks at them
+  BITMAPINFOHEADER header = header_for(3, 2, 1);
+  header.biSizeImage = 8;
+  header.biClrUsed = 2;
+  const Bytes expected = with_header(header, {1, 2, 3, 0, 4, 5, 6, 0, 0xA0, 0, 0, 0, 0x40, 0, 0, 0});
+  EXPECT_EQ(bytes_of(load(core_file(1, padded)).get()), expected);
+  EXPECT_EQ(bytes_of(load(file_of(core_file(1, padded), 14 + 12 + 6)).get()), expected);
+
+  const Bytes loaded = bytes_of(load(core_file(8, Bytes(256 * 3 + 8, 7))).get());
+  EXPECT_EQ(loaded.size(), 40u + 1024 + 8);
+  EXPECT_EQ(loaded[40 + 255 * 4 + 2], 7);
+  EXPECT_EQ(loaded[40 + 255 * 4 + 3], 0);
+}
+
+TEST_F(BitmapFile, CompressedAndTopDownRowsStayAsTheyAre) {
+  BITMAPINFOHEADER header = header_for(4, -2, 8);
+  header.biSizeImage = 8;
+  header.biClrUsed = 1;
+  const Bytes top_down = with_header(header, {9, 9, 9, 0, 1, 2, 3, 4, 5, 6, 7, 8});
+  EXPECT_EQ(bytes_of(load(top_down).get()), top_down);
+  header.biHeight = 2;
+  header.biCompression = BI_RLE8;
+  const Bytes compressed = with_header(header, {9, 9, 9, 0, 4, 1, 0, 0, 4, 2, 0, 1});
+  EXPECT_EQ(bytes_of(load(compressed).get()), compressed);
+}
+
+TEST_F(BitmapFile, AFileCutAnywhereIsRefusedInItsHeadersAndCompletedBehindThem) {
+  const Bytes whole = file_of(loaded_form(noise(9, 4, 4)), 14 + 40 + 64);
+  for (size_t size = 0; size < whole.size(); ++size) {
+    const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    if (size < 14 + 40) {
+      expect_refused(cut, size < 14 || size < 14 + 40 ? IMG_E_FILE_IO : 0);
+    } else {
+      Bytes expected(whole.begin() + 14, whole.begin() + static_cast<std::ptrdiff_t>(size));
+      expected.resize(whole.size() - 14);
+      EXPECT_EQ(bytes_of(load(cut).get()), expected) << size;
+    }
+  }
+}
+
+TEST_F(BitmapFile, OtherHeaderSizesAreNoBitmap) {
+  for (uint32_t size : {0u, 11u, 64u, 108u, 124u, 0xFFFFFFFFu}) {
+    BITMAPINFOHEADER header = header_for(1, 1, 8);
+    header.biSize = size;
+    expect_refused(with_header(header, Bytes(200)), IMG_E_FORMAT);
+  }
+  expect_refused(Bytes(100, 'x'), IMG_E_FORMAT);
+}
+
+TEST_F(BitmapFile, SizesThatNoBlockHasFailWithoutACode) {
+  struct Lie {
+    int width, height, depth;
+    uint32_t image_bytes, colors;
+  };
+  const Lie lies[] = {
+      {1 << 30, 1 << 30, 24, 0, 0},        // 2^62 bytes and more
+      {65'536, 65'536, 8, 0, 0},           // wraps to 0 in 32 bits
+      {INT32_MAX, INT32_MAX, 65'535, 0, 0},
+      {4, 4, 8, 0, 1u << 30},              // a table of 2^32 bytes
+      {4, 4, 8, 0xFFFFFFFF, 0},
+      {4, 4, 8, 0x80000000, 0},
+      {4, -4, 8, 0, 0},                    // top-down without a stated size
+      {-4, 4, 8, 0, 0},
+  };
+  for (const Lie& lie : lies) {
+    BITMAPINFOHEADER header = header_for(lie.width, lie.height, lie.depth);
+    header.biSizeImage = lie.image_bytes;
+    header.biClrUsed = lie.colors;
+    expect_refused(file_of(with_header(header, Bytes(100))), 0);
+  }
+}
+
+TEST_F(BitmapFile, EmptyAndOddlyCountedPicturesLoad) {
+  BITMAPINFOHEADER header = header_for(0, 0, 8);
+  header.biClrUsed = 257;
+  const Bytes dib = with_header(header, Bytes(257 * 4, 5));
+  EXPECT_EQ(bytes_of(load(dib).get()), dib);
+}
+
+TEST_F(BitmapFile, WhatCannotBeOpenedSaysSo) {
+  for (const std::string& path : {folder_.path("missing.bmp"), folder_.path(""), std::string()}) {
+    SetImgError(0);
+    EXPECT_FALSE(Block(LoadDIBFromFile(path.c_str()))) << path;
+    EXPECT_EQ(ImgError(), IMG_E_OPEN_FILE) << path;
+  }
+  const Block dib = block_of(noise(1, 1, 8));
+  for (const std::string& path : {folder_.path("missing/picture.bmp"), folder_.path("")}) {
+    SetImgError(0);
+    EXPECT_FALSE(SaveDIB(path.c_str(), dib.get())) << path;
+    EXPECT_EQ(ImgError(), IMG_E_OPEN_FILE) << path;
+  }
+  SetImgError(0);
+  EXPECT_FALSE(SaveDIB(nullptr, dib.get()));
+  EXPECT_EQ(ImgError(), IMG_E_OPEN_FILE);
+  EXPECT_FALSE(Block(LoadDIBFromFile(nullptr)));
+}
+
+TEST_F(BitmapFile, SavingWhatIsNoDibLeavesTheFileThatIsThere) {
+  write_file(path_, {1, 2, 3});
+  const Block short_block = block_of(Bytes(39, 40));
+  for (const auto& [handle, code] :
+       {std::pair{HGLOBAL{nullptr}, IMG_E_PARAMETER}, {dead_handle(), IMG_E_LOCK}, {short_block.get(), IMG_E_PARAMETER}}) {
+    EXPECT_FALSE(SaveDIB(path_.c_str(), handle));
+    EXPECT_EQ(ImgError(), code);
+    EXPECT_EQ(read_file(path_), (Bytes{1, 2, 3}));
+  }
+}
+
+TEST_F(BitmapFile, SavesWhateverTheBlockHolds) {
+  BITMAPINFOHEADER header = header_for(-5, 7, 99);
+  header.biSize = 64;
+  const Bytes odd = with_header(header, {1, 2, 3});
+  const Block block = block_of(odd);
+  ASSERT_TRUE(SaveDIB(path_.c_str(), block.get()));
+  const Bytes file = read_file(path_);
+  EXPECT_EQ(file, file_of(odd, 14 + 64));
+}
+
+#ifdef __linux__
+TEST_F(BitmapFile, AFullDiskGoesUnnoticedByTheSaver) {
+  const Block dib = block_of(noise(1, 1, 8));
+  EXPECT_TRUE(SaveDIB("/dev/full", dib.get())) << "only a write that moves nothing is a failure";
+}
+#endif
+
+TEST(ReadDIBInfo, LeavesTheFileAtTheRows) {
+  TempFolder folder;
+  const std::string path = folder.path("headed.bmp");
+  Bytes file = {'x', 'y', 'z'};
+  const Bytes dib = noise(3, 3, 4);
+  const Bytes bitmap = file_of(dib, 14 + 40 + 64 + 5);
+  file.insert(file.end(), bitmap.begin(), bitmap.end());
+  write_file(path, file);
+  const auto open = vorel::OwnedFile::open_for_reading(path.c_str());
+  ASSERT_TRUE(open);
+  open->seek(3, vorel::SeekFrom::kStart);
+  const Block info(ReadDIBInfo(open->handle()));
+  EXPECT_EQ(open->position(), 3 + 14 + 40 + 64 + 5) << "counted from where the bitmap begins";
+  Bytes expected = loaded_form(dib);
+  expected.resize(40 + 64);
+  EXPECT_EQ(bytes_of(info.get()), expected);
+  EXPECT_EQ(open->size(), static_cast<int64_t>(file.size()));
+  EXPECT_EQ(open->position(), 3 + 14 + 40 + 64 + 5);
+
+  EXPECT_EQ(ReadDIBInfo(HFILE_ERROR), nullptr);
+  EXPECT_EQ(ImgError(), IMG_E_PARAMETER);
+}
+
+}  // namespace

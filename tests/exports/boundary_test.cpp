@@ -1,0 +1,65 @@
+// How results leave the library: every way of reporting, and exceptions that must not get out.
+#include "exports/boundary.h"
+
+#include <gtest/gtest.h>
+
+#include <new>
+#include <stdexcept>
+
+using namespace vorel;
+
+namespace {
+
+Result<int> fails() { return Error::kDibSize; }
+Result<int> fails_silently() { return Error::kUnreported; }
+Result<int> succeeds() { return 5; }
+
+TEST(Boundary, ThreadCodeIsWrittenByReportedFailuresAlone) {
+  thread_context().error_code = 3;
+  EXPECT_EQ(at_boundary(ThreadCode{}, succeeds), 5);
+  EXPECT_EQ(at_boundary(ThreadCode{}, fails_silently), 0);
+  EXPECT_EQ(thread_context().error_code, 3);
+  EXPECT_EQ(at_boundary(ThreadCode{}, fails), 0);
+  EXPECT_EQ(thread_context().error_code, 19);
+  EXPECT_EQ(at_silent_boundary([]() -> Result<int> { return Error::kMemory; }), 0);
+  EXPECT_EQ(thread_context().error_code, 19);
+}
+
+TEST(Boundary, ClearedVariableIsZeroUnlessTheOperationFails) {
+  int32_t code = 77;
+  at_boundary(ClearedVariable(&code), succeeds);
+  EXPECT_EQ(code, 0);
+  at_boundary(ClearedVariable(&code), fails);
+  EXPECT_EQ(code, 19);
+  EXPECT_EQ(at_boundary(ClearedVariable(nullptr), fails), 0);
+}
+
+TEST(Boundary, FailureVariableKeepsItsValueOnSuccess) {
+  int16_t words[3] = {1, 2, 3};
+  at_boundary(FailureVariable(&words[1]), succeeds);
+  EXPECT_EQ(words[1], 2);
+  at_boundary(FailureVariable(&words[1]), fails);
+  EXPECT_EQ(words[0], 1);
+  EXPECT_EQ(words[1], 19);
+  EXPECT_EQ(words[2], 3) << "16 bits are written, no more";
+}
+
+TEST(Boundary, BothWaysAtOnce) {
+  thread_context().error_code = 0;
+  int32_t code = 0;
+  at_boundary(Both(ThreadCode{}, FailureVariable(&code)), fails);
+  EXPECT_EQ(code, 19);
+  EXPECT_EQ(thread_context().error_code, 19);
+}
+
+TEST(Boundary, ExceptionsBecomeTheMemoryCode) {
+  const auto runs_out = []() -> Result<int> { throw std::bad_alloc(); };
+  const auto too_long = []() -> Result<int> { throw std::length_error(""); };
+  int32_t code = 0;
+  EXPECT_EQ(at_boundary(ClearedVariable(&code), runs_out), 0);
+  EXPECT_EQ(code, 1);
+  EXPECT_EQ(at_boundary(ClearedVariable(&code), too_long), 0);
+  EXPECT_EQ(code, 1);
+}
+
+}  // namespace

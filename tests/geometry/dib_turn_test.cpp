@@ -1,0 +1,216 @@
+// Turns and mirrors through the exports, against a picture taken apart pixel by pixel.
+#include <gtest/gtest.h>
+#include <vorel32.h>
+
+#include <array>
+#include <cstring>
+#include <tuple>
+
+#include "support/dib.h"
+
+using namespace test;
+
+namespace {
+
+struct Point {
+  int x, y;
+};
+
+struct Turn {
+  const char* name;
+  HGLOBAL(VORELCALL* call)(HGLOBAL);
+  Point (*target)(int x, int y, int width, int height);
+  bool swaps_sides;
+  int period;  // applying it so often changes nothing; 0: it loses pixels
+};
+
+const Turn kTurns[] = {
+    {"RotateDIB90", RotateDIB90, [](int x, int y, int w, int) { return Point{y, w - 1 - x}; }, true, 4},
+    {"RotateDIB180", RotateDIB180, [](int x, int y, int w, int h) { return Point{w - 1 - x, h - 1 - y}; }, false, 2},
+    {"RotateDIB270", RotateDIB270, [](int x, int y, int, int h) { return Point{h - y, x}; }, true, 0},
+    {"FlipDIBVertical", FlipDIBVertical, [](int x, int y, int, int h) { return Point{x, h - 1 - y}; }, false, 2},
+    {"FlipDIBHorizontal", FlipDIBHorizontal, [](int x, int y, int w, int) { return Point{w - 1 - x, y}; }, false, 2},
+};
+
+// Widths and heights that leave part-filled bytes and words, fill them exactly, and cross the kernels' blocks.
+constexpr std::pair<int, int> kSizes[] = {{1, 1}, {3, 2}, {7, 9}, {8, 8}, {16, 4}, {31, 33}, {32, 64}, {65, 40}, {130, 70}, {600, 17}};
+
+class Turning : public testing::TestWithParam<std::tuple<Turn, int>> {};
+
+TEST_P(Turning, PutsEveryPixelInItsPlace) {
+  const auto& [turn, depth] = GetParam();
+  for (const auto& [width, height] : kSizes) {
+    SCOPED_TRACE(testing::Message() << width << " x " << height);
+    const Bytes source = noise(width, height, depth);
+    const Block block = block_of(source);
+    const Bytes result = bytes_of(Block(turn.call(block.get())).get());
+    ASSERT_EQ(bytes_of(block.get()), source) << "the source is only read";
+
+    BITMAPINFOHEADER expected = header_of(source);
+    if (turn.swaps_sides) {
+      std::swap(expected.biWidth, expected.biHeight);
+      std::swap(expected.biXPelsPerMeter, expected.biYPelsPerMeter);
+      expected.biSizeImage = static_cast<uint32_t>(stride_of(height, depth) * static_cast<size_t>(width));
+    }
+    const size_t head = 40 + (depth <= 8 ? size_t{4} << depth : 0);
+    ASSERT_EQ(std::memcmp(result.data(), &expected, sizeof expected), 0);
+    ASSERT_EQ(std::memcmp(result.data() + 40, source.data() + 40, head - 40), 0) << "the colours";
+    ASSERT_EQ(result.size(), head + stride_of(expected.biWidth, depth) * static_cast<size_t>(expected.biHeight) + 4);
+
+    int wrong = 0;
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x) {
+        const Point to = turn.target(x, y, width, height);
+        if (to.x < expected.biWidth && pixel(result, to.x, to.y) != pixel(source, x, y)) ++wrong;
+      }
+    EXPECT_EQ(wrong, 0);
+  }
+}
+
+TEST_P(Turning, ComesBackAfterItsPeriodAndLeavesPaddingZero) {
+  const auto& [turn, depth] = GetParam();
+  if (turn.period == 0) GTEST_SKIP() << "shifts by one column";
+  const bool copies_padding = std::string(turn.name) == "FlipDIBVertical";
+  for (const auto& [width, height] : kSizes) {
+    const Bytes source = noise(width, height, depth);
+    Block block = block_of(source);
+    for (int i = 0; i < turn.period; ++i) {
+      block = Block(turn.call(block.get()));
+      EXPECT_TRUE(copies_padding || padding_is_zero(bytes_of(block.get())));
+    }
+    const Bytes result = bytes_of(block.get());
+    int wrong = 0;
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x) wrong += pixel(result, x, y) != pixel(source, x, y);
+    EXPECT_EQ(wrong, 0) << width << " x " << height;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllDepths, Turning, testing::Combine(testing::ValuesIn(kTurns), testing::Values(1, 4, 8, 24)),
+                         [](const auto& test) {
+                           return std::string(std::get<0>(test.param).name) + "_" + std::to_string(std::get<1>(test.param));
+                         });
+
+Bytes rows_of(const Bytes& dib, size_t colors) { return {dib.begin() + 40 + static_cast<std::ptrdiff_t>(colors) * 4, dib.end()}; }
+
+Bytes turned(HGLOBAL(VORELCALL* turn)(HGLOBAL), const Bytes& dib) { return bytes_of(Block(turn(block_of(dib).get())).get()); }
+
+TEST(TurnedBytes, AreTheseForASmallPicture) {
+  // Seen from the top: A B C D over E F G H.
+  BITMAPINFOHEADER header = header_for(4, 2, 24);
+  Bytes rows;
+  for (char c : std::string("EEEFFFGGGHHHAAABBBCCCDDD")) rows.push_back(static_cast<uint8_t>(c));
+  const Bytes dib = with_header(header, rows);
+  const auto text = [&](HGLOBAL(VORELCALL* turn)(HGLOBAL)) {
+    std::string seen;
+    for (uint8_t byte : rows_of(turned(turn, dib), 0)) seen += byte == 0 ? '.' : static_cast<char>(byte);
+    return seen;
+  };
+  EXPECT_EQ(text(RotateDIB90), "HHHDDD..GGGCCC..FFFBBB..EEEAAA......") << "clockwise: EA / FB / GC / HD from the top";
+  EXPECT_EQ(text(RotateDIB270), "...AAAEE" "E..BBBFF" "F..CCCGG" "G..DDDHHH...") << "one column to the right";
+  EXPECT_EQ(text(RotateDIB180), "DDDCCCBBBAAAHHHGGGFFFEEE....");
+  EXPECT_EQ(text(FlipDIBVertical), "AAABBBCCCDDDEEEFFFGGGHHH....");
+  EXPECT_EQ(text(FlipDIBHorizontal), "HHHGGGFFFEEEDDDCCCBBBAAA....");
+}
+
+TEST(TurnedBytes, AreTheseAtOneBit) {
+  const Bytes dib = with_header(header_for(10, 1, 1), {0, 0, 0, 0, 9, 9, 9, 0, 0b10000001, 0b11111111, 0xFF, 0xFF});
+  EXPECT_EQ(rows_of(turned(FlipDIBHorizontal, dib), 2), (Bytes{0b11100000, 0b01000000, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(rows_of(turned(RotateDIB180, dib), 2), (Bytes{0b11100000, 0b01000000, 0, 0, 0, 0, 0, 0}));
+}
+
+// Where rows have no padding, the column past the last is the next row's first pixel; for the last row it is spare.
+TEST(RotateDIB270, WritesPastRowsWithoutPadding) {
+  const Bytes at_8 = with_header([] { BITMAPINFOHEADER h = header_for(2, 4, 8); h.biClrUsed = 1; return h; }(),
+                                 {0, 0, 0, 0, 1, 5, 0, 0, 2, 6, 0, 0, 3, 7, 0, 0, 4, 8, 0, 0});
+  EXPECT_EQ(rows_of(turned(RotateDIB270, at_8), 1), (Bytes{0, 4, 3, 2, 1, 8, 7, 6, 5, 0, 0, 0}));
+
+  Bytes at_1 = with_header(header_for(2, 32, 1), Bytes(8 + 32 * 4));
+  at_1[48] = 0b11000000;          // both pixels of the bottom row
+  at_1[48 + 31 * 4] = 0b01000000;  // the right one of the top row
+  EXPECT_EQ(rows_of(turned(RotateDIB270, at_1), 2), (Bytes{0, 0, 0, 0, 0b11000000, 0, 0, 0, 0b10000000, 0, 0, 0}));
+}
+
+TEST(TurnedBytes, OnePixelPictures) {
+  for (int depth : {1, 4, 8, 24}) {
+    Bytes dib = noise(1, 1, depth);
+    dib[dib.size() - 4] |= 0x80;
+    for (auto* turn : {RotateDIB90, RotateDIB180, FlipDIBVertical, FlipDIBHorizontal})
+      EXPECT_EQ(pixel(turned(turn, dib), 0, 0), pixel(dib, 0, 0)) << depth;
+    EXPECT_EQ(pixel(turned(RotateDIB270, dib), 0, 0), 0u) << depth;
+  }
+}
+
+TEST(OtherDepths, GiveEmptyPicturesButMirrorWholeRows) {
+  for (int depth : {0, 2, 16, 32}) {
+    const Bytes dib = with_header(header_for(5, 3, depth), Bytes(stride_of(5, depth) * 3, 0xAB));
+    for (auto* turn : {RotateDIB90, RotateDIB180, RotateDIB270, FlipDIBHorizontal}) {
+      const Bytes result = turned(turn, dib);
+      EXPECT_EQ(Bytes(result.begin() + 40, result.end()), Bytes(result.size() - 40)) << depth;
+    }
+  }
+  const Bytes dib = noise(5, 3, 16);
+  const Bytes result = turned(FlipDIBVertical, dib);
+  EXPECT_EQ(Bytes(result.begin() + 40, result.begin() + 52), Bytes(dib.begin() + 64, dib.begin() + 76));
+}
+
+TEST(DamagedDibs, AreCompletedOrRefused) {
+  struct Damage {
+    const char* what;
+    int width, height, depth, planes;
+    uint32_t colors, size;
+    size_t bytes_there;
+    bool gives_result;
+  };
+  const Damage damages[] = {
+      {"nothing behind the header", 9, 9, 8, 1, 0, 40, 0, true},
+      {"table cut", 9, 9, 8, 1, 0, 40, 100, true},
+      {"rows cut", 9, 9, 1, 1, 2, 40, 12, true},
+      {"no pixels", 0, 0, 8, 1, 0, 40, 0, true},
+      {"no rows", 5, 0, 1, 1, 0, 40, 0, true},
+      {"no planes", 5, 5, 8, 0, 0, 40, 500, true},
+      {"many planes", 5, 5, 1, 65'535, 0, 40, 0, true},
+      {"longer header", 5, 5, 8, 1, 0, 64, 2000, true},
+      {"short header", 5, 5, 8, 1, 0, 12, 2000, false},
+      {"header of nothing", 5, 5, 8, 1, 0, 0, 2000, false},
+      {"header of everything", 5, 5, 8, 1, 0, 0xFFFFFFFF, 2000, false},
+      {"negative height", 5, -5, 8, 1, 0, 40, 2000, false},
+      {"negative width", -5, 5, 8, 1, 0, 40, 2000, false},
+      {"wraps in 32 bits", 65'536, 65'536, 8, 1, 0, 40, 2000, false},
+      {"widest", INT32_MAX, INT32_MAX, 65'535, 65'535, 0, 40, 2000, false},
+      {"table of 4 GB", 5, 5, 8, 1, 1u << 30, 40, 2000, false},
+  };
+  for (const Damage& damage : damages) {
+    SCOPED_TRACE(damage.what);
+    BITMAPINFOHEADER header = header_for(damage.width, damage.height, damage.depth);
+    header.biPlanes = static_cast<uint16_t>(damage.planes);
+    header.biSize = damage.size;
+    header.biClrUsed = damage.colors;
+    const Block block = block_of(with_header(header, Bytes(damage.bytes_there, 0xFF)));
+    for (const Turn& turn : kTurns) {
+      SetImgError(7);
+      EXPECT_EQ(static_cast<bool>(Block(turn.call(block.get()))), damage.gives_result) << turn.name;
+      EXPECT_EQ(ImgError(), 7) << "no code is stored";
+    }
+  }
+}
+
+TEST(DamagedDibs, WhatIsNoDibGivesNothing) {
+  const Block short_block = block_of(Bytes(39, 40));
+  for (HGLOBAL handle : {HGLOBAL{nullptr}, dead_handle(), short_block.get()})
+    for (const Turn& turn : kTurns) EXPECT_EQ(turn.call(handle), nullptr) << turn.name;
+}
+
+TEST(DamagedDibs, MissingRowsAreEmptyInTheResult) {
+  Bytes dib = noise(9, 4, 8);
+  const Bytes whole = dib;
+  dib.resize(40 + 1024 + 12 + 3);  // one row and three pixels
+  const Bytes result = turned(FlipDIBVertical, dib);
+  for (int x = 0; x < 9; ++x) {
+    EXPECT_EQ(pixel(result, x, 3), pixel(whole, x, 0));
+    EXPECT_EQ(pixel(result, x, 2), x < 3 ? pixel(whole, x, 1) : 0);
+    EXPECT_EQ(pixel(result, x, 0), 0u);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,97 @@
+// The contracts of global memory. On Windows these tests look at the system's own functions, which is what keeps the Linux
+// ones honest.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "support/dib.h"
+
+using namespace test;
+
+namespace {
+
+TEST(GlobalMemory, KeepsContentWhenABlockGrowsAndShrinks) {
+  Block block = block_of({1, 2, 3, 4});
+  ASSERT_EQ(GlobalReAlloc(block.get(), 4000, GMEM_ZEROINIT), block.get());
+  Bytes bytes = bytes_of(block.get());
+  ASSERT_EQ(bytes.size(), 4000u);
+  Bytes expected(4000);
+  for (uint8_t i = 0; i < 4; ++i) expected[i] = static_cast<uint8_t>(i + 1);
+  EXPECT_EQ(bytes, expected);
+  ASSERT_EQ(GlobalReAlloc(block.get(), 2, 0), block.get());
+  EXPECT_EQ(bytes_of(block.get()), (Bytes{1, 2}));
+}
+
+TEST(GlobalMemory, SizesAreExact) {
+  for (size_t size : {1u, 7u, 44u, 1000u, 65'537u}) EXPECT_EQ(GlobalSize(Block(GlobalAlloc(GHND, size)).get()), size);
+}
+
+TEST(GlobalMemory, CountsLocks) {
+  Block block = block_of({7});
+  void* first = GlobalLock(block.get());
+  EXPECT_EQ(GlobalLock(block.get()), first);
+  EXPECT_TRUE(GlobalUnlock(block.get()));
+  EXPECT_FALSE(GlobalUnlock(block.get()));
+  EXPECT_FALSE(GlobalUnlock(block.get())) << "not locked any more";
+  EXPECT_NE(GlobalReAlloc(block.get(), 100'000, 0), nullptr) << "an unlocked block may move";
+}
+
+TEST(GlobalMemory, AFixedBlockIsItsAddress) {
+  Block block(GlobalAlloc(GPTR, 16));
+  EXPECT_EQ(GlobalLock(block.get()), block.get());
+  EXPECT_TRUE(GlobalUnlock(block.get()));
+  EXPECT_EQ(bytes_of(block.get()), Bytes(16));
+}
+
+TEST(GlobalMemory, ABlockOfNothingCannotBeLockedUntilItHasASize) {
+  Block block(GlobalAlloc(GMEM_MOVEABLE, 0));
+  ASSERT_TRUE(block);
+  EXPECT_EQ(GlobalLock(block.get()), nullptr);
+  EXPECT_EQ(GlobalSize(block.get()), 0u);
+  ASSERT_NE(GlobalReAlloc(block.get(), 8, GMEM_ZEROINIT), nullptr);
+  EXPECT_EQ(bytes_of(block.get()), Bytes(8));
+}
+
+TEST(GlobalMemory, BadHandlesFailWithoutHarm) {
+  char on_the_stack[16] = {};
+  (void)on_the_stack;
+  for (HGLOBAL handle : {HGLOBAL{nullptr}, dead_handle()}) {
+    EXPECT_EQ(GlobalLock(handle), nullptr);
+    EXPECT_FALSE(GlobalUnlock(handle));
+    EXPECT_EQ(GlobalSize(handle), 0u);
+    EXPECT_EQ(GlobalReAlloc(handle, 10, GMEM_ZEROINIT), nullptr);
+    EXPECT_EQ(GlobalFree(handle), handle);
+  }
+#ifndef _WIN32
+  EXPECT_EQ(GlobalLock(on_the_stack), nullptr);
+  EXPECT_EQ(GlobalFree(on_the_stack), on_the_stack);
+#endif
+}
+
+TEST(GlobalMemory, ANewBlockNeverAnswersToAnOldHandle) {
+  HGLOBAL old = GlobalAlloc(GHND, 8);
+  GlobalFree(old);
+  std::vector<Block> blocks;
+#ifdef _WIN32
+  GTEST_SKIP() << "the system reuses handles";
+#endif
+  for (int i = 0; i < 100; ++i) blocks.emplace_back(GlobalAlloc(GHND, 8));
+  EXPECT_EQ(GlobalLock(old), nullptr);
+}
+
+TEST(GlobalMemory, ServesThreadsAtOnce) {
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([t] {
+      for (int i = 0; i < 2000; ++i) {
+        const Block block = block_of(Bytes(static_cast<size_t>(1 + i % 50), static_cast<uint8_t>(t)));
+        ASSERT_EQ(bytes_of(block.get()).back(), t);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace

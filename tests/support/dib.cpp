@@ -1,0 +1,121 @@
+#include "support/dib.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace test {
+
+Block block_of(const Bytes& bytes) {
+  Block block(GlobalAlloc(GHND, bytes.empty() ? 1 : bytes.size()));
+  std::memcpy(GlobalLock(block.get()), bytes.data(), bytes.size());
+  GlobalUnlock(block.get());
+  return block;
+}
+
+Bytes bytes_of(HGLOBAL block) {
+  const auto* data = static_cast<const uint8_t*>(GlobalLock(block));
+  if (data == nullptr) return {};
+  Bytes bytes(data, data + GlobalSize(block));
+  GlobalUnlock(block);
+  return bytes;
+}
+
+HGLOBAL dead_handle() {
+  HGLOBAL handle = GlobalAlloc(GHND, 64);
+  GlobalFree(handle);
+  return handle;
+}
+
+BITMAPINFOHEADER header_of(const Bytes& dib) {
+  BITMAPINFOHEADER header{};
+  if (dib.size() >= sizeof header) std::memcpy(&header, dib.data(), sizeof header);
+  return header;
+}
+
+BITMAPINFOHEADER header_for(int width, int height, int depth) {
+  BITMAPINFOHEADER header{};
+  header.biSize = sizeof header;
+  header.biWidth = width;
+  header.biHeight = height;
+  header.biPlanes = 1;
+  header.biBitCount = static_cast<uint16_t>(depth);
+  return header;
+}
+
+Bytes with_header(const BITMAPINFOHEADER& header, const Bytes& rest) {
+  Bytes bytes(sizeof header + rest.size());
+  std::memcpy(bytes.data(), &header, sizeof header);
+  std::copy(rest.begin(), rest.end(), bytes.begin() + sizeof header);
+  return bytes;
+}
+
+size_t stride_of(int width, int bits) {
+  return (static_cast<size_t>(bits) * static_cast<size_t>(width) + 31) / 32 * 4;
+}
+
+Bytes noise(int width, int height, int depth) {
+  BITMAPINFOHEADER header = header_for(width, height, depth);
+  header.biXPelsPerMeter = 11811;
+  header.biYPelsPerMeter = 7874;
+  const size_t colors = depth <= 8 ? size_t{1} << depth : 0;
+  Bytes rest(colors * 4 + stride_of(width, depth) * static_cast<size_t>(height));
+  std::minstd_rand random(static_cast<unsigned>(width * 131 + height * 7 + depth));
+  for (uint8_t& byte : rest) byte = static_cast<uint8_t>(random() >> 8);
+  return with_header(header, rest);
+}
+
+namespace {
+
+const uint8_t* pixel_rows(const Bytes& dib) {
+  const BITMAPINFOHEADER header = header_of(dib);
+  const size_t implied = header.biBitCount <= 8 ? size_t{1} << header.biBitCount : 0;
+  const size_t colors = header.biClrUsed != 0 ? header.biClrUsed : implied;
+  return dib.data() + sizeof header + colors * 4;
+}
+
+bool bit(const uint8_t* row, size_t i) { return (row[i / 8] >> (7 - i % 8) & 1) != 0; }
+
+}  // namespace
+
+uint32_t pixel(const Bytes& dib, int x, int y) {
+  const BITMAPINFOHEADER header = header_of(dib);
+  const size_t depth = header.biBitCount;
+  const uint8_t* row = pixel_rows(dib) + static_cast<size_t>(y) * stride_of(header.biWidth, header.biBitCount);
+  uint32_t value = 0;
+  for (size_t i = 0; i < depth; ++i) value = value << 1 | bit(row, static_cast<size_t>(x) * depth + i);
+  return value;
+}
+
+bool padding_is_zero(const Bytes& dib) {
+  const BITMAPINFOHEADER header = header_of(dib);
+  const size_t stride = stride_of(header.biWidth, header.biBitCount);
+  for (int y = 0; y < header.biHeight; ++y)
+    for (size_t i = static_cast<size_t>(header.biWidth) * header.biBitCount; i < stride * 8; ++i)
+      if (bit(pixel_rows(dib) + static_cast<size_t>(y) * stride, i)) return false;
+  return true;
+}
+
+TempFolder::TempFolder() {
+  std::random_device random;
+  folder_ = std::filesystem::temp_directory_path() / ("vorel-test-" + std::to_string(random()));
+  std::filesystem::create_directories(folder_);
+}
+
+TempFolder::~TempFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+}
+
+void write_file(const std::string& path, const Bytes& bytes) {
+  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+Bytes read_file(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+}  // namespace test

@@ -1,0 +1,76 @@
+// DIBs for tests, made and looked at through the public header alone and without the library's own pixel code.
+#pragma once
+
+#include <vorel32.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace test {
+
+using Bytes = std::vector<uint8_t>;
+
+// A global block that is freed with its scope.
+class Block {
+ public:
+  Block() = default;
+  explicit Block(HGLOBAL handle) : handle_(handle) {}
+  Block(Block&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Block& operator=(Block&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  ~Block() { GlobalFree(handle_); }
+
+  explicit operator bool() const { return handle_ != nullptr; }
+  HGLOBAL get() const { return handle_; }
+
+ private:
+  HGLOBAL handle_ = nullptr;
+};
+
+Block block_of(const Bytes& bytes);
+Bytes bytes_of(HGLOBAL block);
+
+// A handle that was a block's once.
+HGLOBAL dead_handle();
+
+BITMAPINFOHEADER header_of(const Bytes& dib);
+
+// The header of an uncompressed picture; biSizeImage, resolutions and colour counts are left at 0.
+BITMAPINFOHEADER header_for(int width, int height, int depth);
+
+// A header with whatever follows it.
+Bytes with_header(const BITMAPINFOHEADER& header, const Bytes& rest = {});
+
+size_t stride_of(int width, int bits);
+
+// A picture of repeatable noise with a colour table of noise and odd resolutions; the row padding is noise too.
+Bytes noise(int width, int height, int depth);
+
+// Pixel (x, y) of a picture, y counted from the bottom line.
+uint32_t pixel(const Bytes& dib, int x, int y);
+// True when every bit of the rows' padding is 0.
+bool padding_is_zero(const Bytes& dib);
+
+// A folder that is removed with its scope.
+class TempFolder {
+ public:
+  TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+  ~TempFolder();
+
+  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+void write_file(const std::string& path, const Bytes& bytes);
+Bytes read_file(const std::string& path);
+
+}  // namespace test
