@@ -11,13 +11,16 @@ root=${VOREL_WINE_ROOT:-$(cd "$(dirname "$0")/.." && pwd)/build/wine}
 depth=${VOREL_SCREEN_DEPTH:-24}
 export WINEPREFIX=$root/screen-$depth WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
 
+screen_process=
+
 fail() { printf 'run-wine: %s\n' "$*" >&2; exit 1; }
 
 # Wine's helpers keep a pipe open that they inherit, which makes whoever reads it wait: output goes through files.
 run_program() {
   local output status=0
   output=$(mktemp -d)
-  wine "$@" >"$output/out" 2>"$output/err" </dev/null || status=$?
+  wine "$@" >"$output/out" 2>"$output/err" </dev/null &
+  wait $! || status=$?
   cat "$output/out"
   cat "$output/err" >&2
   rm -rf "$output"
@@ -40,10 +43,11 @@ start_screen() {
 }
 
 end_session() {
+  trap - EXIT
   wineserver -k 2>/dev/null || true
   wineserver -w 2>/dev/null || true
-  kill "$screen_process" 2>/dev/null || true
-  wait "$screen_process" 2>/dev/null || true
+  [ -z "$screen_process" ] || kill "$screen_process" 2>/dev/null || true
+  [ -z "$screen_process" ] || wait "$screen_process" 2>/dev/null || true
 }
 
 start_session() {
@@ -51,8 +55,10 @@ start_session() {
   mkdir -p "$root"
   exec 9>"$root/screen-$depth.lock"  # one session at a time in a prefix
   flock 9
-  start_screen
   trap end_session EXIT
+  trap 'exit 143' TERM INT HUP
+  wineserver -k 2>/dev/null && wineserver -w || true  # whatever still runs here belongs to a session that was killed
+  start_screen
   if [ ! -e "$WINEPREFIX/system.reg" ]; then
     printf 'run-wine: setting Wine up in %s (once, 10 to 20 seconds)\n' "$WINEPREFIX" >&2
     wine wineboot -i >/dev/null 2>&1 9>&- </dev/null || fail "wineboot failed; remove $WINEPREFIX and try again"

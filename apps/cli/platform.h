@@ -1,0 +1,44 @@
+// The few things that each system does its own way.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include <vorel32.h>
+
+namespace vorel::cli {
+
+// Binary standard streams, and no message box or signal in place of an error code. Called once, by main().
+void prepare_process();
+
+// The path as the library takes it, for a file that exists. None if no spelling of it is short and plain enough.
+std::optional<std::string> path_for_library(const std::filesystem::path& path);
+
+enum class Readers { kOwner, kAsUsual };
+
+// Makes an empty file where there is nothing yet.
+std::error_code create_new_file(const std::filesystem::path& path, Readers readers);
+
+// Renames a file, but never over another one.
+std::error_code move_to_free_name(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// A file opened for the library's functions that take one, closed with its scope.
+class LibraryFile {
+ public:
+  explicit LibraryFile(const std::string& path);
+  LibraryFile(const LibraryFile&) = delete;
+  LibraryFile& operator=(const LibraryFile&) = delete;
+  ~LibraryFile();
+
+  HFILE get() const { return handle_; }
+  bool is_open() const { return handle_ != HFILE_ERROR; }
+  int64_t position() const;  // bytes from the start
+
+ private:
+  HFILE handle_;
+};
+
+}  // namespace vorel::cli

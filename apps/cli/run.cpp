@@ -1,0 +1,122 @@
+#include "cli/run.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include <vorel32.h>
+
+#include "cli/verb.h"
+
+namespace vorel::cli {
+namespace {
+
+constexpr const char* kExitCodes =
+    "Exit codes:\n"
+    "  0  done, and the output was checked\n"
+    "  1  some of several inputs failed, or all of them for different reasons\n"
+    "  2  wrong use: an unknown verb, option or value\n"
+    "  3  the input is missing or cannot be read\n"
+    "  4  the format is not recognised, damaged or not supported\n"
+    "  5  the output was not written\n"
+    "  6  not enough memory, or a picture past the size limit of 2 GB\n"
+    "  7  a codec module is missing\n\n"
+    "Results go to standard output, everything else to standard error. Existing files are replaced with --overwrite\n"
+    "only. \"vorel VERB --help\" tells more about a verb.\n\n"
+    "Examples:\n"
+    "  vorel info scan.bmp\n"
+    "  vorel rotate scan.bmp upright.bmp 90";
+
+std::string version() {
+  char text[32] = {};
+  GetImageVersion(text, sizeof text);
+  const std::string whole = text;
+  return "vorel " + whole.substr(whole.rfind(' ') + 1);
+}
+
+class CommandLine {
+ public:
+  CommandLine() : app_("Look at and transform Windows bitmap files.", "vorel") {
+    app_.allow_windows_style_options(false);  // a path may begin with a slash
+    app_.set_version_flag("--version", version(), "Print the version and exit");
+    app_.set_help_flag("-h,--help", "Print this help and exit");
+    app_.require_subcommand(1);
+    app_.get_formatter()->column_width(24);
+    app_.get_formatter()->label("SUBCOMMAND", "VERB ...");
+    app_.footer(kExitCodes);
+    for (const Verb* verb : kVerbs) declare(*verb);
+  }
+
+  ExitCode run(std::vector<std::string> arguments, const Streams& streams) {
+    const std::string first = arguments.empty() ? "" : arguments.front();
+    try {
+      std::ranges::reverse(arguments);  // the parser takes them from the back
+      app_.parse(std::move(arguments));
+    } catch (const CLI::CallForHelp&) {
+      streams.output << app_.help();
+      return ExitCode::kDone;
+    } catch (const CLI::CallForVersion&) {
+      streams.output << version() << '\n';
+      return ExitCode::kDone;
+    } catch (const CLI::ParseError& error) {
+      print_error(streams.errors, wrong_use(error, first));
+      return ExitCode::kWrongUse;
+    }
+    return action_(streams);
+  }
+
+ private:
+  std::string wrong_use(const CLI::ParseError& error, const std::string& first) const {
+    const auto chosen = app_.get_subcommands();
+    if (!chosen.empty()) {
+      const std::string verb = chosen.front()->get_name();
+      return verb + ": " + error.what() + "; see \"vorel " + verb + " --help\"";
+    }
+    const bool is_word = !first.empty() && first[0] != '-';
+    return (is_word ? first + ": there is no such verb" : "a verb is missing") + "; see \"vorel --help\"";
+  }
+
+  void declare(const Verb& verb) {
+    CLI::App* app = app_.add_subcommand(verb.name, verb.purpose);
+    app->group("Verbs");
+    const Action action = verb.declare(*app);
+    app->final_callback([this, action] { action_ = action; });
+  }
+
+  CLI::App app_;
+  Action action_;
+};
+
+ExitCode run_checked(std::vector<std::string> arguments, const Streams& streams) {
+  const ExitCode code = CommandLine().run(std::move(arguments), streams);
+  if (!streams.output.flush()) {
+    throw Failure(ExitCode::kOutput, "standard output", "not all could be written; check that its reader is still there");
+  }
+  return code;
+}
+
+}  // namespace
+
+void print_error(std::ostream& errors, std::string text) {
+  std::ranges::replace_if(
+      text, [](unsigned char c) { return c < ' ' || c == 127; }, ' ');
+  errors << "vorel: " << text << std::endl;
+}
+
+int run(std::vector<std::string> arguments, std::istream& input, std::ostream& output, std::ostream& errors) noexcept {
+  const Streams streams{input, output, errors};
+  try {
+    try {
+      return static_cast<int>(run_checked(std::move(arguments), streams));
+    } catch (const Failure& failure) {
+      print_error(errors, failure.what());
+      return static_cast<int>(failure.code());
+    } catch (const std::exception& error) {
+      print_error(errors,
+                  std::string("out of memory or at another limit (") + error.what() + "); close programs and try again");
+    }
+  } catch (...) {  // not even memory for the message
+  }
+  return static_cast<int>(ExitCode::kLimit);
+}
+
+}  // namespace vorel::cli

@@ -1,0 +1,29 @@
+// vorel mirror: left and right or top and bottom change places.
+#include "cli/verbs/transform.h"
+
+namespace vorel::cli {
+namespace {
+
+Dib mirrored(Picture& picture, const std::string& direction) {
+  const bool is_vertical = direction == "vertical";
+  require(picture, is_vertical ? Reach::kMovesRows : Reach::kMovesPixels);
+  return checked(picture, is_vertical ? FlipDIBVertical(picture.dib.get()) : FlipDIBHorizontal(picture.dib.get()));
+}
+
+Action declare(CLI::App& app) {
+  app.footer(
+      "IN may have 1, 4, 8 or 24 bits per pixel, and for vertical also 16 or 32, uncompressed and stored bottom row\n"
+      "first.\n\n"
+      "Examples:\n"
+      "  vorel mirror slide.bmp right-way-round.bmp horizontal\n"
+      "  vorel mirror picture.bmp picture.bmp vertical --overwrite");
+  return declare_transform(
+      app, mirrored,
+      {"DIRECTION", "horizontal exchanges left and right, vertical top and bottom", {"horizontal", "vertical"}});
+}
+
+}  // namespace
+
+const Verb kMirror{"mirror", "Exchange left and right, or top and bottom, of a picture.", declare};
+
+}  // namespace vorel::cli

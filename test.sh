@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests: native, native under the sanitizers, and the Windows build under 32-bit Wine.
+# Works on a fresh Debian 12 machine; can be run again at any time, and then rebuilds only what has changed.
+# usage: test.sh [native|asan|win32]...   (default: all three)
+set -euo pipefail
+cd "$(dirname "$0")"
+
+say() { printf '\n== %s\n' "$*"; }
+
+./tools/setup.sh
+mkdir -p build
+presets=("$@")
+[ $# -gt 0 ] || presets=(native asan win32)
+declare -A seconds closing
+failed=()
+
+run_tests() {
+  case $1 in
+    win32) ./tools/run-wine.sh --session ctest --preset win32 ;;
+    *) ctest --preset "$1" ;;
+  esac
+}
+
+for preset in "${presets[@]}"; do
+  SECONDS=0
+  say "$preset: building (log: build/$preset.log)"
+  if ! { cmake --preset "$preset" && cmake --build --preset "$preset"; } >"build/$preset.log" 2>&1; then
+    tail -40 "build/$preset.log"
+    say "$preset does not build"
+    exit 1
+  fi
+  say "$preset: testing"
+  run_tests "$preset" 2>&1 | tee "build/$preset-tests.log" || failed+=("$preset")
+  closing[$preset]=$(grep -E 'tests passed' "build/$preset-tests.log" || echo 'no test ran')
+  seconds[$preset]=$SECONDS
+done
+
+say "summary (whole output: build/*-tests.log)"
+for preset in "${presets[@]}"; do printf '%-7s %s (%d s)\n' "$preset" "${closing[$preset]}" "${seconds[$preset]}"; done
+[ "${#failed[@]}" = 0 ] || { printf 'failed: %s\n' "${failed[*]}"; exit 1; }

@@ -1,0 +1,185 @@
+// Every export with its platform failing under it: the stated code, and nothing left behind.
+#include <gtest/gtest.h>
+#include <vorel32.h>
+
+#include <functional>
+
+#include "support/heap.h"
+#include "win32/support/gdi.h"
+#include "win32/support/imports.h"
+
+using namespace test;
+
+namespace {
+
+int allocations_left = 0;
+
+HGLOBAL WINAPI failing_alloc(UINT flags, SIZE_T bytes) { return allocations_left-- > 0 ? GlobalAlloc(flags, bytes) : nullptr; }
+HDC WINAPI no_dc(HWND) { return nullptr; }
+HDC WINAPI no_memory_dc(HDC) { return nullptr; }
+HPALETTE WINAPI no_palette(const LOGPALETTE*) { return nullptr; }
+HBITMAP WINAPI no_bitmap(HDC, const BITMAPINFOHEADER*, DWORD, const void*, const BITMAPINFO*, UINT) { return nullptr; }
+HBITMAP WINAPI no_bitmap_indirect(const BITMAP*) { return nullptr; }
+LONG WINAPI no_bits(HBITMAP, LONG, LPVOID) { return 0; }
+HGLOBAL WINAPI no_realloc(HGLOBAL, SIZE_T, UINT) { return nullptr; }
+LPVOID WINAPI no_lock(HGLOBAL) { return nullptr; }
+LONG WINAPI no_write(HFILE, LPCSTR, LONG) { return 0; }
+LONG WINAPI failed_write(HFILE, LPCSTR, LONG) { return -1; }
+
+// What each export works on, and how its result is thrown away.
+struct Setting {
+  Block dib = block_of(noise(20, 20, 8));
+  Object<HBITMAP> bitmap = counting_bitmap(20, 20, 1);
+  TempFolder folder;
+  std::string file = folder.path("there.bmp"), target = folder.path("made.bmp");
+  Setting() { SaveDIB(file.c_str(), dib.get()); }
+};
+
+struct Export {
+  const char* name;
+  std::function<bool(Setting&)> call;  // runs it, frees what it gives, tells whether it gave anything
+};
+
+template <class Handle>
+bool gave(Handle object) {
+  return static_cast<bool>(Object<Handle>(object));
+}
+
+const Export kExports[] = {
+    {"LoadDIBFromFile", [](Setting& s) { return static_cast<bool>(Block(LoadDIBFromFile(s.file.c_str()))); }},
+    {"LoadBitmapFromFile", [](Setting& s) { return gave(LoadBitmapFromFile(s.file.c_str())); }},
+    {"SaveDIB", [](Setting& s) { return SaveDIB(s.target.c_str(), s.dib.get()) != 0; }},
+    {"SaveBitmap", [](Setting& s) { return SaveBitmap(s.target.c_str(), s.bitmap.get(), nullptr) != 0; }},
+    {"CreateDIBPalette", [](Setting& s) { return gave(CreateDIBPalette(s.dib.get())); }},
+    {"GetCurrentPalette", [](Setting&) { return gave(GetCurrentPalette()); }},
+    {"GetSystemPalette", [](Setting&) { RGBQUAD colors[256]; return GetSystemPalette(colors) != 0; }},
+    {"ConvertBitmapToDIB", [](Setting& s) { return static_cast<bool>(Block(ConvertBitmapToDIB(s.bitmap.get(), nullptr))); }},
+    {"ConvertDIBToBitmap", [](Setting& s) { return gave(ConvertDIBToBitmap(s.dib.get())); }},
+    {"ConvertToMonochromeBitmap", [](Setting& s) { return gave(ConvertToMonochromeBitmap(s.bitmap.get())); }},
+    {"DuplicateBitmap", [](Setting& s) { return gave(DuplicateBitmap(s.bitmap.get())); }},
+    {"RotateDIB90", [](Setting& s) { return static_cast<bool>(Block(RotateDIB90(s.dib.get()))); }},
+    {"FlipDIBVertical", [](Setting& s) { return static_cast<bool>(Block(FlipDIBVertical(s.dib.get()))); }},
+    {"RotateBitmap90", [](Setting& s) { return gave(RotateBitmap90(s.bitmap.get())); }},
+    {"RotateBitmap180", [](Setting& s) { return RotateBitmap180(s.bitmap.get()) != 0; }},
+    {"InvertBitmap", [](Setting& s) { return InvertBitmap(s.bitmap.get()) != 0; }},
+};
+
+// Runs every export a few times and expects as many objects and blocks after as before.
+void expect_nothing_left(const char* circumstance) {
+  for (const Export& e : kExports) {
+    Setting setting;
+    const auto run = [&] {
+      allocations_left = 1000;
+      e.call(setting);
+    };
+    run();  // whatever the system caches on first use
+    const size_t objects = gdi_objects(), blocks = heap_blocks();
+    for (int i = 0; i < 20; ++i) run();
+    EXPECT_EQ(gdi_objects(), objects) << e.name << ", " << circumstance;
+    EXPECT_LT(heap_blocks(), blocks + 10) << e.name << ", " << circumstance;
+  }
+}
+
+TEST(NothingIsLeft, WhateverFails) {
+  const ActiveWindow window;
+  expect_nothing_left("all well");
+  {
+    const Replacement r("GetDC", no_dc);
+    expect_nothing_left("no screen");
+  }
+  {
+    const Replacement r("CreateCompatibleDC", no_memory_dc);
+    expect_nothing_left("no memory context");
+  }
+  {
+    const Replacement r("CreatePalette", no_palette);
+    expect_nothing_left("no palette");
+  }
+  {
+    const Replacement r("CreateDIBitmap", no_bitmap);
+    expect_nothing_left("no bitmap");
+  }
+  {
+    const Replacement r("CreateBitmapIndirect", no_bitmap_indirect);
+    expect_nothing_left("no bitmap from bits");
+  }
+  {
+    const Replacement r("GetBitmapBits", no_bits);
+    expect_nothing_left("no bits");
+  }
+  {
+    const Replacement r("GlobalReAlloc", no_realloc);
+    expect_nothing_left("no growing");
+  }
+  {
+    const Replacement r("GlobalLock", no_lock);
+    expect_nothing_left("no locking");
+  }
+}
+
+TEST(NothingIsLeft, WhicheverAllocationFails) {
+  const ActiveWindow window;
+  SetImgError(0);
+  const Replacement replaced("GlobalAlloc", failing_alloc);
+  for (const Export& e : kExports) {
+    Setting setting;
+    const size_t objects = gdi_objects(), blocks = heap_blocks();
+    for (int allowed = 0; allowed < 4; ++allowed) {
+      allocations_left = allowed;
+      e.call(setting);
+    }
+    EXPECT_EQ(gdi_objects(), objects) << e.name;
+    EXPECT_LT(heap_blocks(), blocks + 10) << e.name;
+  }
+}
+
+// Runs one export with one import replaced and returns the code it leaves; -1 when it succeeds.
+template <class Function>
+int code_after(const char* import, Function* function, const std::function<bool(Setting&)>& call) {
+  Setting setting;
+  SetImgError(30);
+  const Replacement replaced(import, function);
+  allocations_left = 0;
+  return call(setting) ? -1 : ImgError();
+}
+
+TEST(Codes, AreTheStatedOnes) {
+  const auto to_bitmap = [](Setting& s) { return gave(ConvertDIBToBitmap(s.dib.get())); };
+  const auto turn = [](Setting& s) { return gave(RotateBitmap90(s.bitmap.get())); };
+  const auto load = [](Setting& s) { return static_cast<bool>(Block(LoadDIBFromFile(s.file.c_str()))); };
+  const auto save = [](Setting& s) { return SaveDIB(s.target.c_str(), s.dib.get()) != 0; };
+  constexpr int kUntouched = 30, kSucceeds = -1;
+  EXPECT_EQ(code_after("GetDC", no_dc, [](Setting&) { return gave(GetCurrentPalette()); }), IMG_E_CREATE_DC);
+  EXPECT_EQ(code_after("GetDC", no_dc, [](Setting&) { RGBQUAD c[256]; return GetSystemPalette(c) != 0; }), kUntouched);
+  EXPECT_EQ(code_after("GetDC", no_dc, to_bitmap), kUntouched);
+  EXPECT_EQ(code_after("CreatePalette", no_palette, [](Setting& s) { return gave(CreateDIBPalette(s.dib.get())); }), IMG_E_CREATE_PALETTE);
+  EXPECT_EQ(code_after("CreateDIBitmap", no_bitmap, to_bitmap), IMG_E_CREATE_BITMAP);
+  EXPECT_EQ(code_after("CreateBitmapIndirect", no_bitmap_indirect, turn), IMG_E_CREATE_BITMAP);
+  EXPECT_EQ(code_after("GetBitmapBits", no_bits, turn), IMG_E_COPY_BITS);
+  EXPECT_EQ(code_after("GetBitmapBits", no_bits, [](Setting& s) { return gave(DuplicateBitmap(s.bitmap.get())); }), IMG_E_COPY_BITS);
+  EXPECT_EQ(code_after("GlobalAlloc", failing_alloc, load), kUntouched);
+  EXPECT_EQ(code_after("GlobalReAlloc", no_realloc, load), kUntouched);
+  EXPECT_EQ(code_after("GlobalAlloc", failing_alloc, [](Setting& s) { return static_cast<bool>(Block(RotateDIB90(s.dib.get()))); }), kUntouched);
+  EXPECT_EQ(code_after("_hwrite", no_write, save), IMG_E_FILE_IO);
+  EXPECT_EQ(code_after("_hwrite", failed_write, save), kSucceeds) << "only a write of 0 bytes counts as failed";
+}
+
+TEST(Codes, ScreenWithoutAPaletteIsRemembered) {
+  HDC screen = GetDC(nullptr);
+  const bool has_palette = GetDeviceCaps(screen, SIZEPALETTE) != 0;
+  ReleaseDC(nullptr, screen);
+  if (has_palette) GTEST_SKIP();
+  SetImgError(0);
+  EXPECT_EQ(GetCurrentPalette(), nullptr);
+  EXPECT_EQ(ImgError(), IMG_E_CREATE_PALETTE);
+  RGBQUAD colors[256];
+  EXPECT_FALSE(GetSystemPalette(colors));
+  const Object<HBITMAP> bitmap = counting_bitmap(4, 4, 8);
+  if (!bitmap) return;
+  SetImgError(0);
+  const Bytes dib = bytes_of(Block(ConvertBitmapToDIB(bitmap.get(), nullptr)).get());
+  EXPECT_FALSE(dib.empty());
+  EXPECT_EQ(ImgError(), IMG_E_CREATE_PALETTE) << "although the conversion succeeded";
+}
+
+}  // namespace
