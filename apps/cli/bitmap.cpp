@@ -134,6 +134,12 @@ Bitmap inspect_bitmap(const Input& input) {
   if (!dib) {
     const bool claims_too_much = ImgError() == IMG_OK && input.bytes() < kMostFileBytes;
     if (claims_too_much) fail_as_damaged(input, "the header claims more than the file can hold");
+    if (ImgError() == IMG_E_FORMAT && start.has_file_header()) {
+      throw Failure(
+          ExitCode::kFormat, input.label(),
+          fmt::format("bitmaps with a header of {} bytes are not supported, only 40 and 12; save it in the older form",
+                      start.header_bytes));
+    }
     fail_to_read(input);
   }
 

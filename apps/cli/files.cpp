@@ -22,6 +22,9 @@ fs::path new_name() {
   return fmt::format("vorel-{:08x}{:08x}.tmp", random(), random());
 }
 
+// Names are UTF-8 on every system.
+fs::path path_of(const std::string& name) { return std::u8string(name.begin(), name.end()); }
+
 enum class Copied { kAll, kNotRead, kNotWritten, kTooLong };
 
 // Copies what is left of one stream into another and flushes it.
@@ -52,7 +55,7 @@ ScratchFile::~ScratchFile() {
 }
 
 Input::Input(const std::string& name, std::istream& standard_input)
-    : label_(name == "-" ? "standard input" : name), path_(name) {
+    : label_(name == "-" ? "standard input" : name), path_(path_of(name)) {
   const auto fail = [this](const std::string& text) { throw Failure(ExitCode::kInput, label_, text); };
   std::error_code error;
   if (name == "-") {
@@ -95,7 +98,7 @@ void Input::copy(std::istream& from) try {
 }
 
 Output::Output(const std::string& name, bool overwrite, std::ostream& standard_output)
-    : label_(name == "-" ? "standard output" : name), target_(name), overwrite_(overwrite) {
+    : label_(name == "-" ? "standard output" : name), target_(path_of(name)), overwrite_(overwrite) {
   if (name == "-") {
     stream_ = &standard_output;
     return;

@@ -7,8 +7,12 @@
 
 namespace vorel::cli {
 
-// A reader that goes away is an error like any other: the default would leave temporary files behind.
-void prepare_process() { std::signal(SIGPIPE, SIG_IGN); }
+// A reader that goes away and a limit on the size of files are errors like any other: to be stopped by their signals would
+// leave temporary files behind.
+void prepare_process() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
 
 std::optional<std::string> path_for_library(const std::filesystem::path& path) { return path.native(); }
 

@@ -19,21 +19,21 @@ class CompleteBytes {
  public:
   // None when no block can be that large or memory for the copy is short.
   static std::optional<CompleteBytes> of(std::span<uint8_t> block, ByteCount bytes) {
-    if (bytes <= ByteCount(block.size())) return CompleteBytes(block.first(static_cast<size_t>(bytes.value())), std::nullopt);
+    if (bytes <= ByteCount(block.size())) return CompleteBytes(block.first(static_cast<size_t>(bytes.value())), {});
     auto copy = ZeroedBuffer::allocate(bytes);
     if (!copy) return std::nullopt;
     std::ranges::copy(block, copy->bytes().begin());
     const std::span<uint8_t> completed = copy->bytes();
-    return CompleteBytes(completed, std::move(copy));
+    return CompleteBytes(completed, std::move(*copy));
   }
 
   std::span<uint8_t> bytes() const { return bytes_; }
 
  private:
-  CompleteBytes(std::span<uint8_t> bytes, std::optional<ZeroedBuffer> copy) : bytes_(bytes), copy_(std::move(copy)) {}
+  CompleteBytes(std::span<uint8_t> bytes, ZeroedBuffer copy) : bytes_(bytes), copy_(std::move(copy)) {}
 
   std::span<uint8_t> bytes_;
-  std::optional<ZeroedBuffer> copy_;
+  ZeroedBuffer copy_;  // empty where the block itself is long enough
 };
 
 // A packed DIB locked for a scope.

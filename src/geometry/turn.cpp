@@ -1,5 +1,7 @@
 #include "geometry/turn.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -23,23 +25,14 @@ void store_word(uint8_t* bytes, uint64_t word) { std::memcpy(bytes, &word, sizeo
 
 // ---- Quarter turns ----
 
-// Transposes 8 by 8 bits: row r is byte r counted from the highest, and in each row the highest bit comes first.
-// Henry S. Warren, Hacker's Delight, section 7-3.
-constexpr uint64_t transposed(uint64_t rows) {
-  uint64_t swap = (rows ^ rows >> 7) & 0x00AA00AA00AA00AA;
-  rows ^= swap ^ swap << 7;
-  swap = (rows ^ rows >> 14) & 0x0000CCCC0000CCCC;
-  rows ^= swap ^ swap << 14;
-  swap = (rows ^ rows >> 28) & 0x00000000F0F0F0F0;
-  return rows ^ swap ^ swap << 28;
-}
-
-// Result rows that are worked on together, so that their cache lines are still there for the next column byte.
+// Result rows that are worked on together, so that their cache lines are still there for the next column bytes.
 constexpr int kTurnedRows = 512;
 
 // The eight source rows whose pixels share byte `column_byte` of the result's rows; null where no row goes there.
-std::array<const uint8_t*, 8> rows_of_column_byte(ConstDibView source, int column_byte, QuarterTurn turn) {
-  std::array<const uint8_t*, 8> rows{};
+using EightRows = std::array<const uint8_t*, 8>;
+
+EightRows rows_of_column_byte(ConstDibView source, int column_byte, QuarterTurn turn) {
+  EightRows rows{};
   for (int i = 0; i < 8; ++i) {
     const int y = (column_byte * 8 + i - turn.first_column) * turn.column_step;
     if (y >= 0 && y < source.height()) rows[static_cast<size_t>(i)] = source.row(y).data();
@@ -47,49 +40,111 @@ std::array<const uint8_t*, 8> rows_of_column_byte(ConstDibView source, int colum
   return rows;
 }
 
-// Sets bits in a zero-filled result and clears none: a result row may begin in the byte where the row before it ends.
+// Byte `index` of eight rows, the first row's highest.
+uint64_t gathered_bytes(const EightRows& rows, int index) {
+  uint64_t bytes = 0;
+  for (const uint8_t* row : rows) bytes = bytes << 8 | (row == nullptr ? 0 : row[index]);
+  return bytes;
+}
+
+// Turns the bits that go to one byte of the result's rows (uint8_t) or to two neighbouring ones (uint16_t). The highest bits of
+// 16 gathered bytes are the pixels of one result row; doubling the bytes brings up the next row's.
+template <class Column>
+void quarter_turn_columns(ConstDibView source, DibView result, QuarterTurn turn, int column_byte, int x0, int x1) {
+  constexpr bool kPair = sizeof(Column) == 2;
+  const EightRows left = rows_of_column_byte(source, column_byte, turn);
+  const EightRows right = kPair ? rows_of_column_byte(source, column_byte + 1, turn) : EightRows{};
+  const std::ptrdiff_t to_next_row = turn.row_step * result.stride();
+  uint8_t* target = result.row(turn.first_row + turn.row_step * x0).data() + column_byte;
+  for (int x = x0; x < x1; x += 8) {
+    const auto low = static_cast<int64_t>(gathered_bytes(left, x / 8));
+    const auto high = kPair ? static_cast<int64_t>(gathered_bytes(right, x / 8)) : 0;
+    __m128i bytes = _mm_set_epi64x(high, low);
+    for (int i = std::min(8, x1 - x); i > 0; --i) {
+      // Sets bits in a zero-filled result and clears none: a row may begin in the byte where the row before it ends.
+      Column pixels;
+      std::memcpy(&pixels, target, sizeof pixels);
+      pixels = static_cast<Column>(pixels | _mm_movemask_epi8(bytes));
+      std::memcpy(target, &pixels, sizeof pixels);
+      bytes = _mm_add_epi8(bytes, bytes);
+      target += to_next_row;
+    }
+  }
+}
+
 void quarter_turn_bits(ConstDibView source, DibView result, QuarterTurn turn) {
   const int last_column = turn.first_column + turn.column_step * (source.height() - 1);
   const int first_byte = std::min(turn.first_column, last_column) / 8;
   const int last_byte = std::max(turn.first_column, last_column) / 8;
   for (int x0 = 0; x0 < source.width(); x0 += kTurnedRows) {
     const int x1 = std::min(x0 + kTurnedRows, source.width());
-    for (int byte = first_byte; byte <= last_byte; ++byte) {
-      const auto rows = rows_of_column_byte(source, byte, turn);
-      for (int x = x0; x < x1; x += 8) {
-        uint64_t block = 0;
-        for (const uint8_t* row : rows) block = block << 8 | (row == nullptr ? 0 : row[x / 8]);
-        if (block == 0) continue;
-        block = transposed(block);
-        for (int i = 0; i < std::min(8, x1 - x); ++i) {
-          const int y = turn.first_row + turn.row_step * (x + i);
-          result.row(y).data()[byte] |= static_cast<uint8_t>(block >> (56 - 8 * i));
-        }
-      }
-    }
+    int byte = first_byte;
+    for (; byte < last_byte; byte += 2) quarter_turn_columns<uint16_t>(source, result, turn, byte, x0, x1);
+    if (byte == last_byte) quarter_turn_columns<uint8_t>(source, result, turn, byte, x0, x1);
   }
 }
 
-// Side of the square blocks that pixels of 4 bits and more are moved in.
-constexpr int kBlock = 32;
+// Part of a picture, in pixels.
+struct Box {
+  int x0, y0, x1, y1;
+};
 
 template <int kDepth>
-void quarter_turn_block(ConstDibView source, DibView result, QuarterTurn turn, int x0, int y0) {
-  const int x1 = std::min(x0 + kBlock, source.width());
-  const int y1 = std::min(y0 + kBlock, source.height());
-  for (int x = x0; x < x1; ++x) {
+void quarter_turn_box(ConstDibView source, DibView result, QuarterTurn turn, Box box) {
+  for (int x = box.x0; x < box.x1; ++x) {
     uint8_t* target = result.row(turn.first_row + turn.row_step * x).data();
-    for (int y = y0; y < y1; ++y) {
+    for (int y = box.y0; y < box.y1; ++y) {
       const uint32_t pixel = Pixel<kDepth>::load(source.row(y).data(), x);
       Pixel<kDepth>::store(target, turn.first_column + turn.column_step * y, pixel);
     }
   }
 }
 
+// Eight by eight pixels of one byte each, transposed by interleaving halves three times.
+void quarter_turn_byte_tile(ConstDibView source, DibView result, QuarterTurn turn, int x, int y) {
+  // Source rows in the order of the result's columns.
+  const int left_y = turn.column_step > 0 ? y : y + 7;
+  const auto row = [&](int i) {
+    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(source.row(left_y + turn.column_step * i).data() + x));
+  };
+  const __m128i a = _mm_unpacklo_epi8(row(0), row(4)), b = _mm_unpacklo_epi8(row(1), row(5));
+  const __m128i c = _mm_unpacklo_epi8(row(2), row(6)), d = _mm_unpacklo_epi8(row(3), row(7));
+  const __m128i ac_low = _mm_unpacklo_epi8(a, c), ac_high = _mm_unpackhi_epi8(a, c);
+  const __m128i bd_low = _mm_unpacklo_epi8(b, d), bd_high = _mm_unpackhi_epi8(b, d);
+
+  const std::ptrdiff_t to_next_row = turn.row_step * result.stride();
+  uint8_t* target = result.row(turn.first_row + turn.row_step * x).data() + turn.first_column + turn.column_step * left_y;
+  const auto put_two_rows = [&](__m128i rows) {
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(target), rows);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(target + to_next_row), _mm_srli_si128(rows, 8));
+    target += 2 * to_next_row;
+  };
+  put_two_rows(_mm_unpacklo_epi8(ac_low, bd_low));
+  put_two_rows(_mm_unpackhi_epi8(ac_low, bd_low));
+  put_two_rows(_mm_unpacklo_epi8(ac_high, bd_high));
+  put_two_rows(_mm_unpackhi_epi8(ac_high, bd_high));
+}
+
+template <>
+void quarter_turn_box<8>(ConstDibView source, DibView result, QuarterTurn turn, Box box) {
+  const int tiled_x1 = box.x1 - (box.x1 - box.x0) % 8;
+  const int tiled_y1 = box.y1 - (box.y1 - box.y0) % 8;
+  for (int x = box.x0; x < tiled_x1; x += 8)
+    for (int y = box.y0; y < tiled_y1; y += 8) quarter_turn_byte_tile(source, result, turn, x, y);
+  for (int y = box.y0; y < box.y1; ++y)
+    for (int x = y < tiled_y1 ? tiled_x1 : box.x0; x < box.x1; ++x)
+      result.row(turn.first_row + turn.row_step * x)[turn.first_column + turn.column_step * y] = source.row(y)[x];
+}
+
+// Side of the square boxes that pixels of 4 bits and more are moved in, small enough for source and result to stay in cache.
+constexpr int kBoxSide = 32;
+
 template <int kDepth>
 void quarter_turn_pixels(ConstDibView source, DibView result, QuarterTurn turn) {
-  for (int x0 = 0; x0 < source.width(); x0 += kBlock)
-    for (int y0 = 0; y0 < source.height(); y0 += kBlock) quarter_turn_block<kDepth>(source, result, turn, x0, y0);
+  for (int x = 0; x < source.width(); x += kBoxSide)
+    for (int y = 0; y < source.height(); y += kBoxSide)
+      quarter_turn_box<kDepth>(source, result, turn,
+                               {x, y, std::min(x + kBoxSide, source.width()), std::min(y + kBoxSide, source.height())});
 }
 
 // ---- Mirrors ----
@@ -109,15 +164,25 @@ template <int kDepth>
 void mirror_row(const uint8_t* source, uint8_t* result, int width) {
   const size_t bytes = row_bytes(kDepth, width);
   const int unused = static_cast<int>(bytes * 8 - static_cast<size_t>(width) * kDepth);
-  const auto reversed = [&](size_t i) { return static_cast<uint8_t>(reversed_in_bytes<kDepth>(source[bytes - 1 - i])); };
+  const auto reversed_word = [&](size_t i) {
+    return reversed_in_bytes<kDepth>(load_word(source + bytes - 8 - i));
+  };
+  const auto reversed_byte = [&](size_t i) -> unsigned {
+    return i < bytes ? static_cast<uint8_t>(reversed_in_bytes<kDepth>(source[bytes - 1 - i])) : 0;
+  };
   size_t i = 0;
-  for (; i + 8 < bytes; i += 8) {
-    const uint64_t word = reversed_in_bytes<kDepth>(load_word(source + bytes - 8 - i));
-    store_word(result + i, __builtin_bswap64(word << unused | static_cast<uint64_t>(reversed(i + 8)) >> (8 - unused)));
+  if (bytes >= 8) {
+    uint64_t word = reversed_word(0);
+    for (; i + 16 <= bytes; i += 8) {
+      const uint64_t next = reversed_word(i + 8);
+      store_word(result + i, __builtin_bswap64(word << unused | next >> 1 >> (63 - unused)));
+      word = next;
+    }
   }
-  for (; i < bytes; ++i) {
-    const unsigned next = i + 1 < bytes ? reversed(i + 1) : 0;
-    result[i] = static_cast<uint8_t>(reversed(i) << unused | next >> (8 - unused));
+  for (unsigned byte = reversed_byte(i); i < bytes; ++i) {
+    const unsigned next = reversed_byte(i + 1);
+    result[i] = static_cast<uint8_t>(byte << unused | next >> (8 - unused));
+    byte = next;
   }
 }
 

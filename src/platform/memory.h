@@ -107,6 +107,8 @@ class ZeroedBuffer {
     return ZeroedBuffer(data, size);
   }
 
+  ZeroedBuffer() = default;
+
   std::span<uint8_t> bytes() const { return {data_.get(), size_}; }
 
  private:
@@ -117,7 +119,7 @@ class ZeroedBuffer {
   ZeroedBuffer(uint8_t* data, size_t size) : data_(data), size_(size) {}
 
   std::unique_ptr<uint8_t, Free> data_;
-  size_t size_;
+  size_t size_ = 0;
 };
 
 }  // namespace vorel

@@ -73,12 +73,13 @@ std::string text_of(const Json& facts) {
       "{}\n"
       "  format       {}, {}\n"
       "  size         {} x {} pixels, {}\n"
-      "  depth        {} bits per pixel\n"
+      "  depth        {} bit{} per pixel\n"
       "  colours      {}\n"
       "  resolution   {} x {} dpi, {} x {} pixels per metre\n"
       "  compression  {}\n",
       word("file"), word("format"), word("variant"), word("width"), word("height"), word("rowOrder"), word("depth"),
-      word("colours"), word("xDpi"), word("yDpi"), word("xPixelsPerMetre"), word("yPixelsPerMetre"), word("compression"));
+      facts["depth"] == 1 ? "" : "s", word("colours"), word("xDpi"), word("yDpi"), word("xPixelsPerMetre"),
+      word("yPixelsPerMetre"), word("compression"));
 }
 
 // The code of several files of which some failed.

@@ -1,0 +1,132 @@
+// Turns and mirrors of an A4 page at 300 dots per inch. Each row says how many times the copying of the same bytes it takes
+// ("copies"), measured in the same run: kernels against a copy between buffers that are there, exports, which return a new
+// block, against a copy into a new one.
+#include <benchmark/benchmark.h>
+#include <vorel32.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "dib/header.h"
+#include "geometry/turn.h"
+
+namespace {
+
+using namespace vorel;
+
+constexpr int kWidth = 2480, kHeight = 3508;
+
+struct Page {
+  int width, height, depth;
+  std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(row_stride(static_cast<uint32_t>(depth), width).value());
+  std::vector<uint8_t> bytes = std::vector<uint8_t>(static_cast<size_t>(stride) * static_cast<size_t>(height));
+
+  Page(int w, int h, int d) : width(w), height(h), depth(d) {}
+  DibView view() { return {bytes.data(), stride, width, height, depth}; }
+};
+
+// Text-like bytes: mostly paper, some ink.
+void fill(std::vector<uint8_t>& bytes) {
+  uint32_t state = 1;
+  for (uint8_t& byte : bytes) {
+    state = state * 1'664'525 + 1'013'904'223;
+    byte = state >> 28 == 0 ? static_cast<uint8_t>(state >> 16) : 0xFF;
+  }
+}
+
+double seconds(auto&& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Times `work` as the benchmark and `copy` beside it, and reports how many of the second the first takes.
+void measure(benchmark::State& state, size_t bytes, auto&& work, auto&& copy) {
+  double worked = 0, copied = 0;
+  for (auto _ : state) worked += seconds(work);
+  const auto rounds = std::max<int64_t>(state.iterations(), 10);
+  for (int64_t i = 0; i < rounds; ++i) copied += seconds(copy);
+  state.counters["copies"] = (worked / static_cast<double>(state.iterations())) / (copied / static_cast<double>(rounds));
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(bytes));
+}
+
+void kernel(benchmark::State& state, int depth, bool quarter, void (*turn)(ConstDibView, DibView)) {
+  Page source(kWidth, kHeight, depth);
+  Page result(quarter ? kHeight : kWidth, quarter ? kWidth : kHeight, depth);
+  Page target(kWidth, kHeight, depth);
+  fill(source.bytes);
+  measure(
+      state, source.bytes.size(),
+      [&] {
+        turn(source.view(), result.view());
+        benchmark::DoNotOptimize(result.bytes.data());
+        benchmark::ClobberMemory();
+      },
+      [&] {
+        std::memcpy(target.bytes.data(), source.bytes.data(), source.bytes.size());
+        benchmark::DoNotOptimize(target.bytes.data());
+        benchmark::ClobberMemory();
+      });
+}
+
+void exported(benchmark::State& state, int depth, HGLOBAL(VORELCALL* turn)(HGLOBAL)) {
+  const Page page(kWidth, kHeight, depth);
+  DibHeader header{.width = kWidth, .height = kHeight, .depth = static_cast<uint16_t>(depth)};
+  const size_t size = static_cast<size_t>(bits_offset(header).value()) + page.bytes.size();
+  HGLOBAL dib = GlobalAlloc(GHND, size);
+  auto* bytes = static_cast<uint8_t*>(GlobalLock(dib));
+  std::vector<uint8_t> pixels(page.bytes.size());
+  fill(pixels);
+  std::memcpy(bytes, &header, sizeof header);
+  std::memcpy(bytes + size - pixels.size(), pixels.data(), pixels.size());
+  GlobalUnlock(dib);
+  measure(
+      state, size, [&] { GlobalFree(turn(dib)); },
+      [&] {
+        auto* copy = static_cast<uint8_t*>(std::calloc(size, 1));
+        std::memcpy(copy, bytes, size);
+        benchmark::DoNotOptimize(copy);
+        benchmark::ClobberMemory();
+        std::free(copy);
+      });
+  GlobalFree(dib);
+}
+
+void clockwise(ConstDibView source, DibView result) {
+  quarter_turn(source, result, {.first_column = 0, .column_step = 1, .first_row = source.width() - 1, .row_step = -1});
+}
+
+struct Kernel {
+  const char* name;
+  bool quarter;
+  void (*turn)(ConstDibView, DibView);
+};
+struct Export {
+  const char* name;
+  HGLOBAL(VORELCALL* turn)(HGLOBAL);
+};
+
+const bool registered = [] {
+  const Kernel kernels[] = {{"quarter_turn", true, clockwise},
+                            {"half_turn", false, half_turn},
+                            {"mirror_left_right", false, mirror_left_right},
+                            {"mirror_top_bottom", false, mirror_top_bottom}};
+  const Export exports[] = {{"RotateDIB90", RotateDIB90},
+                            {"RotateDIB180", RotateDIB180},
+                            {"RotateDIB270", RotateDIB270},
+                            {"FlipDIBHorizontal", FlipDIBHorizontal},
+                            {"FlipDIBVertical", FlipDIBVertical}};
+  for (int depth : {1, 8, 24}) {
+    const std::string suffix = "/" + std::to_string(depth) + "bit";
+    for (const Kernel& k : kernels)
+      benchmark::RegisterBenchmark((k.name + suffix).c_str(), [=](benchmark::State& s) { kernel(s, depth, k.quarter, k.turn); });
+    for (const Export& e : exports)
+      benchmark::RegisterBenchmark((e.name + suffix).c_str(), [=](benchmark::State& s) { exported(s, depth, e.turn); });
+  }
+  return true;
+}();
+
+}  // namespace

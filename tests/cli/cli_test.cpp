@@ -1,0 +1,383 @@
+// The command line tool, run in process.
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "cli/run.h"
+#include "support/dib.h"
+
+namespace fs = std::filesystem;
+using test::Bytes;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+constexpr size_t kFileHeader = sizeof(BITMAPFILEHEADER);
+
+size_t table_bytes(const Bytes& dib) { return PaletteSize(const_cast<uint8_t*>(dib.data())); }
+
+Bytes file_of(const Bytes& dib) {
+  BITMAPFILEHEADER header{};
+  header.bfType = 0x4D42;
+  header.bfSize = static_cast<uint32_t>(kFileHeader + dib.size());
+  header.bfOffBits = static_cast<uint32_t>(kFileHeader + sizeof(BITMAPINFOHEADER) + table_bytes(dib));
+  Bytes file(header.bfSize);
+  std::memcpy(file.data(), &header, kFileHeader);
+  std::ranges::copy(dib, file.begin() + kFileHeader);
+  return file;
+}
+
+Bytes file_of(const BITMAPINFOHEADER& header) {
+  Bytes dib = test::with_header(header);
+  dib.resize(dib.size() + table_bytes(dib) + test::stride_of(header.biWidth, header.biBitCount) * std::abs(header.biHeight),
+             7);
+  return file_of(dib);
+}
+
+Bytes patched(Bytes bytes, size_t offset, uint32_t value, size_t size = 4) {
+  std::memcpy(bytes.data() + offset, &value, size);
+  return bytes;
+}
+
+// The same picture, three rows of 3 x 8 bits, under the 12-byte header.
+Bytes core_file() {
+  Bytes bytes(kFileHeader + 12 + 3 * 256 + 3 * 4, 9);
+  bytes = patched(patched(patched(bytes, 0, 0x4D42), 6, 0), 10, kFileHeader + 12 + 3 * 256);
+  return patched(patched(patched(patched(bytes, 14, 12), 18, 3 | 3 << 16), 22, 1, 2), 24, 8, 2);
+}
+
+std::string text_of(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+
+size_t entries(const fs::path& folder) { return std::distance(fs::directory_iterator(folder), fs::directory_iterator()); }
+
+class Cli : public testing::Test {
+ protected:
+  Cli() {
+    fs::create_directory(temporary_);
+    use_for_temporary_files(temporary_);
+  }
+  // Whatever happened, nothing temporary stays.
+  ~Cli() override {
+    EXPECT_EQ(entries(temporary_), 0u);
+    for (const auto& entry : fs::directory_iterator(fs::path(at("")))) {
+      EXPECT_NE(entry.path().extension(), ".tmp") << entry.path();
+    }
+    use_for_temporary_files(usual_.string());
+  }
+
+  static void use_for_temporary_files(const std::string& folder) {
+#ifdef _WIN32
+    SetEnvironmentVariableA("TMP", folder.c_str());
+#else
+    setenv("TMPDIR", folder.c_str(), 1);
+#endif
+  }
+  std::string at(const std::string& name) const { return folder_.path(name); }
+  std::string put(const std::string& name, const Bytes& bytes) const {
+    test::write_file(at(name), bytes);
+    return at(name);
+  }
+  // Runs the tool and checks the form of its messages.
+  int run(const std::vector<std::string>& arguments, const std::string& input = "") {
+    out_.str("");
+    std::ostringstream err;
+    std::istringstream in(input);
+    const int code = vorel::cli::run(arguments, in, out_, err);
+    err_ = err.str();
+    std::istringstream lines(err_);
+    for (std::string line; std::getline(lines, line);) {
+      EXPECT_THAT(line, testing::AllOf(StartsWith("vorel: "), HasSubstr("; ")));
+    }
+    EXPECT_EQ(err_.empty(), code == 0) << err_;
+    return code;
+  }
+  Bytes converted(std::vector<std::string> verb_and_choice, const Bytes& file) {
+    verb_and_choice.insert(verb_and_choice.begin() + 1, {put("in.bmp", file), at("out.bmp"), "--overwrite"});
+    EXPECT_EQ(run(verb_and_choice), 0) << err_;
+    return test::read_file(at("out.bmp"));
+  }
+
+  const fs::path usual_ = fs::temp_directory_path();
+  test::TempFolder folder_;
+  std::string temporary_ = folder_.path("temporary");
+  std::ostringstream out_;
+  std::string err_;
+};
+
+TEST_F(Cli, ExitCodes) {
+  const std::string good = put("good.bmp", file_of(test::noise(5, 3, 24)));
+  const std::string text = put("text.bmp", Bytes(100, 'x'));
+  const std::string out = at("out.bmp");
+  const struct {
+    std::vector<std::string> arguments;
+    int code;
+    const char* message;
+  } rows[] = {{{}, 2, "a verb is missing"},
+              {{"frobnicate"}, 2, "there is no such verb"},
+              {{"info"}, 2, "vorel info --help"},
+              {{"rotate", good, out}, 2, "vorel rotate --help"},
+              {{"rotate", good, out, "45"}, 2, "vorel rotate --help"},
+              {{"mirror", good, out, "sideways"}, 2, "vorel mirror --help"},
+              {{"info", at("missing.bmp")}, 3, "missing.bmp: there is no such file"},
+              {{"info", at("")}, 3, "this is a folder"},
+              {{"info", text}, 4, "not recognised"},
+              {{"convert", good, at("missing/out.bmp")}, 5, "cannot be created"},
+              {{"convert", good, at("temporary")}, 5, "this is a folder"},
+              {{"convert", good, good}, 5, "--overwrite"},
+              {{"info", text, text}, 4, "not recognised"},
+              {{"info", text, at("missing.bmp")}, 1, "no such file"},
+              {{"info", good, text}, 1, "text.bmp: the format"}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(run(row.arguments), row.code) << row.message;
+    EXPECT_THAT(err_, HasSubstr(row.message));
+    EXPECT_FALSE(fs::exists(out));
+  }
+  EXPECT_THAT(out_.str(), HasSubstr("good.bmp"));
+}
+
+TEST_F(Cli, HelpAndVersion) {
+  for (const char* verb : {"info", "convert", "rotate", "mirror", "invert"}) {
+    EXPECT_EQ(run({verb, "--help"}), 0);
+    EXPECT_THAT(out_.str(), HasSubstr(std::string("\n  vorel ") + verb));
+  }
+  EXPECT_EQ(run({"--help"}), 0);
+  EXPECT_THAT(out_.str(), HasSubstr("Exit codes"));
+  EXPECT_EQ(run({"--version"}), 0);
+  EXPECT_EQ(out_.str(), "vorel 5.59\n");
+}
+
+TEST_F(Cli, EveryTruncationIsNoticed) {
+  const Bytes whole = file_of(test::noise(9, 3, 1));
+  const Bytes core = core_file();
+  const Bytes bare(whole.begin() + kFileHeader, whole.end());
+  for (const Bytes& file : {whole, core, bare}) {
+    EXPECT_EQ(run({"info", put("in.bmp", file)}), 0);
+    for (size_t size = 0; size < file.size(); size += size < 80 ? 1 : 5) {
+      put("in.bmp", Bytes(file.begin(), file.begin() + static_cast<int>(size)));
+      EXPECT_EQ(run({"info", at("in.bmp")}), 4) << size;
+      EXPECT_EQ(run({"convert", at("in.bmp"), at("out.bmp")}), 4) << size;
+      EXPECT_FALSE(fs::exists(at("out.bmp")));
+    }
+  }
+  put("in.bmp", Bytes(whole.begin(), whole.end() - 5));
+  EXPECT_EQ(run({"info", at("in.bmp")}), 4);
+  EXPECT_THAT(err_, HasSubstr("ends 5 bytes before"));
+}
+
+TEST_F(Cli, EveryDamagedHeaderIsNoticed) {
+  const Bytes good = file_of(test::noise(9, 3, 8));
+  const struct {
+    size_t offset;
+    uint32_t value;
+    size_t size = 4;
+  } rows[] = {{10, 20}, {10, 0xFFFFFFFF}, {14, 41},         {18, 0},          {18, 0xFFFFFFF7}, {18, 0x7FFFFFFF},
+              {22, 0},  {22, 0x7FFFFFFF}, {22, 0x80000000}, {26, 0, 2},       {26, 3, 2},       {28, 7, 2},
+              {30, 2},  {30, 4},          {34, 1},          {34, 0x7FFFFFFF}, {46, 0x10000000}, {46, 300}};
+  for (const auto& row : rows) {
+    put("in.bmp", patched(good, row.offset, row.value, row.size));
+    EXPECT_EQ(run({"info", at("in.bmp")}), 4) << row.offset << " " << row.value;
+    EXPECT_EQ(run({"convert", at("in.bmp"), at("out.bmp")}), 4) << row.offset << " " << row.value;
+  }
+}
+
+TEST_F(Cli, EveryKindOfPictureWorksOrIsRefused) {
+  BITMAPINFOHEADER rle = test::header_for(5, 3, 8);
+  rle.biCompression = BI_RLE8;
+  BITMAPINFOHEADER masks = test::header_for(5, 3, 16);
+  masks.biCompression = BI_BITFIELDS;
+  BITMAPINFOHEADER top_down = test::header_for(5, -3, 24);
+  const Bytes unstated = file_of(top_down);
+  top_down.biSizeImage = 3 * 16;
+  const struct {
+    const char* name;
+    Bytes file;
+    int info, convert, invert, rotate, horizontal, vertical;
+  } rows[] = {{"run-length", file_of(rle), 0, 0, 0, 4, 4, 4},
+              {"masks", file_of(masks), 0, 4, 4, 4, 4, 4},
+              {"top-down", file_of(top_down), 0, 0, 0, 4, 4, 4},
+              {"top-down without a size", unstated, 0, 4, 4, 4, 4, 4},
+              {"16 bits", file_of(test::noise(5, 3, 16)), 0, 0, 0, 4, 4, 0},
+              {"32 bits", file_of(test::noise(5, 3, 32)), 0, 0, 0, 4, 4, 0},
+              {"12-byte header", core_file(), 0, 0, 0, 0, 0, 0}};
+  for (const auto& row : rows) {
+    const std::string in = put("in.bmp", row.file);
+    const std::string out = at("out.bmp");
+    EXPECT_EQ(run({"info", in}), row.info) << row.name;
+    EXPECT_EQ(run({"convert", in, out, "--overwrite"}), row.convert) << row.name;
+    EXPECT_EQ(run({"invert", in, out, "--overwrite"}), row.invert) << row.name;
+    EXPECT_EQ(run({"rotate", in, out, "90", "--overwrite"}), row.rotate) << row.name;
+    EXPECT_EQ(run({"mirror", in, out, "horizontal", "--overwrite"}), row.horizontal) << row.name;
+    EXPECT_EQ(run({"mirror", in, out, "vertical", "--overwrite"}), row.vertical) << row.name;
+  }
+}
+
+// The pixels of a file, top row first.
+std::string picture_in(const Bytes& file) {
+  const Bytes dib(file.begin() + kFileHeader, file.end());
+  const BITMAPINFOHEADER header = test::header_of(dib);
+  std::string rows;
+  for (int y = header.biHeight; y-- > 0; rows += ' ') {
+    for (int x = 0; x < header.biWidth; ++x) rows += static_cast<char>(test::pixel(dib, x, y));
+  }
+  return rows;
+}
+
+TEST_F(Cli, TurnsAndMirrorsAreExact) {
+  Bytes dib = test::with_header(test::header_for(2, 3, 8));
+  dib.resize(dib.size() + table_bytes(dib));
+  for (const char* row : {"EF..", "CD..", "AB.."}) dib.insert(dib.end(), row, row + 4);
+  const Bytes file = file_of(dib);
+  EXPECT_EQ(picture_in(converted({"rotate", "90"}, file)), "ECA FDB ");
+  EXPECT_EQ(picture_in(converted({"rotate", "180"}, file)), "FE DC BA ");
+  EXPECT_EQ(picture_in(converted({"rotate", "270"}, file)), "BDF ACE ");
+  EXPECT_EQ(picture_in(converted({"mirror", "horizontal"}, file)), "BA DC FE ");
+  EXPECT_EQ(picture_in(converted({"mirror", "vertical"}, file)), "EF CD AB ");
+  for (const int depth : {1, 4, 8, 24}) {
+    const Bytes picture = file_of(test::noise(13, 7, depth));
+    EXPECT_EQ(picture_in(converted({"rotate", "90"}, converted({"rotate", "270"}, picture))), picture_in(picture)) << depth;
+  }
+}
+
+TEST_F(Cli, InvertComplementsColoursAlone) {
+  const struct {
+    int depth;
+    Bytes pixel, negative;  // the last byte is padding but at 32 bits
+  } rows[] = {{16, {0x01, 0x80, 5, 6}, {0xFE, 0xFF, 5, 6}},
+              {24, {1, 2, 3, 4}, {254, 253, 252, 4}},
+              {32, {1, 2, 3, 4}, {254, 253, 252, 4}}};
+  for (const auto& row : rows) {
+    const Bytes dib = test::with_header(test::header_for(1, 1, row.depth), row.pixel);
+    const Bytes result = converted({"invert"}, file_of(dib));
+    EXPECT_EQ(Bytes(result.end() - 4, result.end()), row.negative) << row.depth;
+  }
+  const Bytes file = file_of(test::noise(13, 2, 4));
+  const Bytes negative = converted({"invert"}, file);
+  EXPECT_EQ(negative[54], file[54] ^ 0xFF);
+  EXPECT_EQ(negative[57], file[57]);
+  EXPECT_TRUE(std::equal(negative.begin() + 54 + 64, negative.end(), file.begin() + 54 + 64));
+}
+
+// Some writers count bytes behind the last row. The result must be a file that the tool takes again.
+TEST_F(Cli, SurplusImageBytesAreNotCarriedAlong) {
+  Bytes file = file_of(test::noise(5, 3, 24));
+  const size_t pixels = file.size() - 54;
+  file.resize(file.size() + 100);
+  converted({"mirror", "vertical"},
+            converted({"mirror", "vertical"}, patched(file, 34, static_cast<uint32_t>(pixels + 100))));
+}
+
+TEST_F(Cli, ExistingOutputsAreSafe) {
+  const std::string in = put("in.bmp", file_of(test::noise(5, 3, 24)));
+  const std::string out = put("out.bmp", {1, 2, 3});
+  EXPECT_EQ(run({"invert", in, out}), 5);
+  EXPECT_EQ(test::read_file(out), Bytes({1, 2, 3}));
+  EXPECT_EQ(run({"rotate", put("bad.bmp", {0}), out, "90", "--overwrite"}), 4);
+  EXPECT_EQ(test::read_file(out), Bytes({1, 2, 3}));
+  fs::permissions(out, fs::perms::owner_read);
+  EXPECT_EQ(run({"invert", in, out, "--overwrite"}), 5);
+  EXPECT_EQ(test::read_file(out), Bytes({1, 2, 3}));
+  fs::permissions(out, fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(run({"invert", in, out, "--overwrite"}), 0);
+  // In place.
+  EXPECT_EQ(run({"invert", in, in, "--overwrite"}), 0);
+  EXPECT_EQ(test::read_file(in), test::read_file(out));
+}
+
+TEST_F(Cli, StandardStreams) {
+  const Bytes file = file_of(test::noise(5, 3, 24));
+  const Bytes expected = converted({"rotate", "270"}, file);
+  EXPECT_EQ(run({"rotate", "-", "-", "270"}, text_of(file)), 0);
+  EXPECT_EQ(out_.str(), text_of(expected));
+  EXPECT_EQ(run({"convert", "-", "-"}), 4);
+  EXPECT_THAT(err_, HasSubstr("standard input: "));
+  EXPECT_EQ(out_.str(), "");
+  out_.setstate(std::ios::badbit);
+  EXPECT_EQ(run({"convert", "-", "-"}, text_of(file)), 5);
+  EXPECT_EQ(run({"--help"}), 5);
+}
+
+TEST_F(Cli, Info) {
+  BITMAPINFOHEADER header = test::header_for(5, 3, 4);
+  header.biXPelsPerMeter = 11811;
+  header.biClrUsed = 9;
+  const std::string in = put("in.bmp", file_of(header));
+  EXPECT_EQ(run({"info", in}), 0);
+  EXPECT_EQ(out_.str(), in + "\n"
+                             "  format       Windows bitmap, 40-byte header\n"
+                             "  size         5 x 3 pixels, bottom row first\n"
+                             "  depth        4 bits per pixel\n"
+                             "  colours      9\n"
+                             "  resolution   300 x unknown dpi, 11811 x unknown pixels per metre\n"
+                             "  compression  none\n");
+  EXPECT_EQ(run({"info", "-", at("missing"), "--json"}, text_of(file_of(test::header_for(5, -3, 24)))), 1);
+  EXPECT_EQ(out_.str(), R"([
+  {
+    "file": "-",
+    "format": "Windows bitmap",
+    "variant": "40-byte header",
+    "width": 5,
+    "height": 3,
+    "rowOrder": "top row first",
+    "depth": 24,
+    "colours": 16777216,
+    "xPixelsPerMetre": null,
+    "yPixelsPerMetre": null,
+    "xDpi": null,
+    "yDpi": null,
+    "compression": "none"
+  }
+]
+)");
+  EXPECT_EQ(run({"info", at("missing"), "--json"}), 3);
+  EXPECT_EQ(out_.str(), "[]\n");
+}
+
+TEST_F(Cli, AwkwardNames) {
+  const Bytes file = file_of(test::noise(5, 3, 24));
+  const std::string folder = at(std::string(100, 'f')) + "/" + std::string(100, 'g');
+  fs::create_directories(folder);
+  for (const std::string& name : {folder + "/x.bmp", at("g\xC3\xA4nse \xE9\xB5\x9D.bmp")}) {
+    std::ofstream(fs::path(std::u8string(name.begin(), name.end())), std::ios::binary) << text_of(file);
+    EXPECT_EQ(run({"info", name}), 0) << err_;
+    EXPECT_EQ(run({"invert", name, name + "2"}), 0) << err_;
+    EXPECT_EQ(run({"invert", name, name, "--overwrite"}), 0) << err_;
+  }
+  EXPECT_EQ(run({"info", "no\nsuch"}), 3);
+  EXPECT_THAT(err_, HasSubstr("no such: "));
+}
+
+#ifndef _WIN32
+
+TEST_F(Cli, DevicesAndStrangeFolders) {
+  const std::string in = put("in.bmp", file_of(test::noise(5, 3, 24)));
+  EXPECT_EQ(run({"convert", in, "/dev/full", "--overwrite"}), 5);
+  EXPECT_EQ(run({"convert", in, "/dev/null"}), 5);
+  EXPECT_EQ(run({"convert", in, "/dev/null", "--overwrite"}), 0);
+  EXPECT_TRUE(fs::is_character_file("/dev/full") && fs::is_character_file("/dev/null"));
+  EXPECT_EQ(run({"convert", in, "/proc/out.bmp"}), 5);
+  EXPECT_EQ(run({"info", "/dev/null"}), 4);
+}
+
+TEST_F(Cli, LinksAndPermissionsAreKept) {
+  const std::string in = put("in.bmp", file_of(test::noise(5, 3, 24)));
+  const std::string real = put("real.bmp", {1});
+  fs::permissions(real, fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
+  fs::create_symlink("real.bmp", at("link.bmp"));
+  fs::create_symlink("nowhere.bmp", at("dangling.bmp"));
+  EXPECT_EQ(run({"convert", in, at("link.bmp")}), 5);
+  EXPECT_EQ(run({"convert", in, at("link.bmp"), "--overwrite"}), 0);
+  EXPECT_TRUE(fs::is_symlink(at("link.bmp")));
+  EXPECT_EQ(run({"convert", in, at("plain.bmp")}), 0);
+  EXPECT_EQ(test::read_file(real), test::read_file(at("plain.bmp")));
+  EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
+  for (const char* flag : {"--", "--overwrite"}) EXPECT_EQ(run({"convert", in, at("dangling.bmp"), flag}), 5);
+  EXPECT_FALSE(fs::exists(at("nowhere.bmp")));
+}
+
+#endif
+
+}  // namespace
