@@ -2,13 +2,13 @@
 // ("copies"), measured in the same run: kernels against a copy between buffers that are there, exports, which return a new
 // block, against a copy into a new one.
 #include <benchmark/benchmark.h>
-#include <vorel32.h>
-
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
+
+#include <vorel32.h>
 
 #include "dib/header.h"
 #include "geometry/turn.h"
@@ -122,7 +122,8 @@ const bool registered = [] {
   for (int depth : {1, 8, 24}) {
     const std::string suffix = "/" + std::to_string(depth) + "bit";
     for (const Kernel& k : kernels)
-      benchmark::RegisterBenchmark((k.name + suffix).c_str(), [=](benchmark::State& s) { kernel(s, depth, k.quarter, k.turn); });
+      benchmark::RegisterBenchmark((k.name + suffix).c_str(),
+                                   [=](benchmark::State& s) { kernel(s, depth, k.quarter, k.turn); });
     for (const Export& e : exports)
       benchmark::RegisterBenchmark((e.name + suffix).c_str(), [=](benchmark::State& s) { exported(s, depth, e.turn); });
   }

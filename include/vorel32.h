@@ -15,9 +15,9 @@
  *  OWNERSHIP. Every handle a function returns belongs to the caller: DIB handles go to GlobalFree, bitmaps and palettes to
  *  DeleteObject. Arguments are only read and never freed, unless the function says so.
  *
- *  ERRORS. Failure is a zero result (a null handle, FALSE). The reason is the calling thread's error code, read with ImgError
- *  and put into words by ImgErrorString. Success leaves the code as it was, so read it only after a failure. Where a function
- *  says "no code", a failure leaves the thread's code as it was too.
+ *  ERRORS. Failure is a zero result (a null handle, FALSE). The reason is the calling thread's error code, read with
+ * ImgError and put into words by ImgErrorString. Success leaves the code as it was, so read it only after a failure. Where a
+ * function says "no code", a failure leaves the thread's code as it was too.
  *
  *  DAMAGED INPUT. A block shorter than its header claims is completed: missing bytes read as zero, writes past the end are
  *  dropped. Sizes are computed without wrapping; a size that no block can have fails like an allocation. A handle that is
@@ -151,38 +151,38 @@ VOREL_API HGLOBAL GlobalFree(HGLOBAL block);
 
 /** The calling thread's error codes 0 to 31. Some functions store codes of 500 and above, which have no text. */
 typedef enum ImgErrorCode {
-  IMG_OK = 0,                     /**< "Operation was successful." */
-  IMG_E_MEMORY = 1,               /**< "Not enough memory." */
-  IMG_E_CREATE_DC = 2,            /**< "Unable to create DC" */
-  IMG_E_OPEN_FILE = 3,            /**< "Can't open file" */
-  IMG_E_FILE_IO = 4,              /**< "General I/O error in reading or writting." */
-  IMG_E_OPEN_CLIPBOARD = 5,       /**< "Can't open clipboard" */
-  IMG_E_RECEIVE_CLIPBOARD = 6,    /**< "Could not receive from clipboard" */
-  IMG_E_COPY_BITS = 7,            /**< "Can't copy bits from bitmap" */
-  IMG_E_PARAMETER = 8,            /**< "Parameter error" */
-  IMG_E_FORMAT = 9,               /**< "Invalid file format" */
-  IMG_E_CREATE_PALETTE = 10,      /**< "Can't create palette" */
-  IMG_E_CREATE_BITMAP = 11,       /**< "Can't create bitmap" */
-  IMG_E_MAPPING_MODE = 12,        /**< "Mapping mode is improperly set in metafile" */
-  IMG_E_PIXEL_BITS = 13,          /**< "Invalid bit/pixel value" */
-  IMG_E_CLIPBOARD_FORMAT = 14,    /**< "Format not found in clipboard file" */
-  IMG_E_BITMAP_PARAMETERS = 15,   /**< "Can't get bitmap parameters" */
-  IMG_E_CREATE_METAFILE = 16,     /**< "Can't create metafile" */
-  IMG_E_LOCK = 17,                /**< "Can't lock global memory" */
-  IMG_E_COMPRESSED = 18,          /**< "DIB must be uncompressed" */
-  IMG_E_DIB_SIZE = 19,            /**< "Invalid DIB size" */
-  IMG_E_DITHER_PARAMETER = 20,    /**< "Paramater error in Dithering" */
-  IMG_E_HEADER_BITS = 21,         /**< "Bad bit/pixel value in DIB header" */
-  IMG_E_QUENT_BITS = 22,          /**< "The QUENT algorithm creates only 1 or 4 bit image" */
-  IMG_E_PRINTER_DC = 23,          /**< "Could not get printer DC" */
-  IMG_E_PRINTER_RASTER = 24,      /**< "Device not capable to handle raster" */
-  IMG_E_DISPLAY_DC = 25,          /**< "Could not get dispaly DC" */
-  IMG_E_SET_ABORT_PROC = 26,      /**< "Escape failed SETABORTPROC" */
-  IMG_E_START_DOC = 27,           /**< "Escape failed STARTDOC" */
-  IMG_E_NEXT_BAND = 28,           /**< "Escape failed NEXTBAND" */
-  IMG_E_CLIPBOARD = 29,           /**< "Clipboard error" */
-  IMG_E_NOTHING_TO_DO = 30,       /**< "Nothing to do." */
-  IMG_E_NOTHING_TO_CONVERT = 31   /**< "Nothing to convert." */
+  IMG_OK = 0,                   /**< "Operation was successful." */
+  IMG_E_MEMORY = 1,             /**< "Not enough memory." */
+  IMG_E_CREATE_DC = 2,          /**< "Unable to create DC" */
+  IMG_E_OPEN_FILE = 3,          /**< "Can't open file" */
+  IMG_E_FILE_IO = 4,            /**< "General I/O error in reading or writting." */
+  IMG_E_OPEN_CLIPBOARD = 5,     /**< "Can't open clipboard" */
+  IMG_E_RECEIVE_CLIPBOARD = 6,  /**< "Could not receive from clipboard" */
+  IMG_E_COPY_BITS = 7,          /**< "Can't copy bits from bitmap" */
+  IMG_E_PARAMETER = 8,          /**< "Parameter error" */
+  IMG_E_FORMAT = 9,             /**< "Invalid file format" */
+  IMG_E_CREATE_PALETTE = 10,    /**< "Can't create palette" */
+  IMG_E_CREATE_BITMAP = 11,     /**< "Can't create bitmap" */
+  IMG_E_MAPPING_MODE = 12,      /**< "Mapping mode is improperly set in metafile" */
+  IMG_E_PIXEL_BITS = 13,        /**< "Invalid bit/pixel value" */
+  IMG_E_CLIPBOARD_FORMAT = 14,  /**< "Format not found in clipboard file" */
+  IMG_E_BITMAP_PARAMETERS = 15, /**< "Can't get bitmap parameters" */
+  IMG_E_CREATE_METAFILE = 16,   /**< "Can't create metafile" */
+  IMG_E_LOCK = 17,              /**< "Can't lock global memory" */
+  IMG_E_COMPRESSED = 18,        /**< "DIB must be uncompressed" */
+  IMG_E_DIB_SIZE = 19,          /**< "Invalid DIB size" */
+  IMG_E_DITHER_PARAMETER = 20,  /**< "Paramater error in Dithering" */
+  IMG_E_HEADER_BITS = 21,       /**< "Bad bit/pixel value in DIB header" */
+  IMG_E_QUENT_BITS = 22,        /**< "The QUENT algorithm creates only 1 or 4 bit image" */
+  IMG_E_PRINTER_DC = 23,        /**< "Could not get printer DC" */
+  IMG_E_PRINTER_RASTER = 24,    /**< "Device not capable to handle raster" */
+  IMG_E_DISPLAY_DC = 25,        /**< "Could not get dispaly DC" */
+  IMG_E_SET_ABORT_PROC = 26,    /**< "Escape failed SETABORTPROC" */
+  IMG_E_START_DOC = 27,         /**< "Escape failed STARTDOC" */
+  IMG_E_NEXT_BAND = 28,         /**< "Escape failed NEXTBAND" */
+  IMG_E_CLIPBOARD = 29,         /**< "Clipboard error" */
+  IMG_E_NOTHING_TO_DO = 30,     /**< "Nothing to do." */
+  IMG_E_NOTHING_TO_CONVERT = 31 /**< "Nothing to convert." */
 } ImgErrorCode;
 
 /** Bytes that hold any message of ImgErrorString with its terminating zero. */
@@ -215,9 +215,9 @@ VOREL_API UINT VORELCALL PaletteSize(void* header);
 
 /** Reads the header and colour table of a bitmap file from where the file stands, and leaves it at the pixel data.
  *  file  open for reading, at a BITMAPFILEHEADER, a BITMAPINFOHEADER or a BITMAPCOREHEADER; stays open
- *  Returns a DIB handle without pixels: the 40-byte header, with biSizeImage and biClrUsed filled in, and the table as RGBQUAD
- *  entries (what the file is too short for is zero). NULL: IMG_E_PARAMETER (file is HFILE_ERROR), IMG_E_FILE_IO (too short),
- *  IMG_E_FORMAT (header of neither 12 nor 40 bytes); no code when memory is short. */
+ *  Returns a DIB handle without pixels: the 40-byte header, with biSizeImage and biClrUsed filled in, and the table as
+ * RGBQUAD entries (what the file is too short for is zero). NULL: IMG_E_PARAMETER (file is HFILE_ERROR), IMG_E_FILE_IO (too
+ * short), IMG_E_FORMAT (header of neither 12 nor 40 bytes); no code when memory is short. */
 VOREL_API HGLOBAL VORELCALL ReadDIBInfo(HFILE file);
 
 /** Turns each of the first biClrUsed colours of the table into its complement, in place; reserved bytes stay.
@@ -255,7 +255,8 @@ VOREL_API BOOL VORELCALL GetSystemPalette(RGBQUAD* colours);
 VOREL_API HGLOBAL VORELCALL ConvertBitmapToDIB(HBITMAP bitmap, HPALETTE palette);
 
 /** Makes a device bitmap of a DIB: monochrome for 1 bit, else in the display's format. Windows only.
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_CREATE_BITMAP; no code for what is no DIB handle or when there is no DC. */
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_CREATE_BITMAP; no code for what is no DIB handle or when there is no DC.
+ */
 VOREL_API HBITMAP VORELCALL ConvertDIBToBitmap(HGLOBAL dib);
 
 /** Makes a 1-bit copy of a device bitmap, each colour going to black or white as the platform maps it. Windows only.
@@ -276,11 +277,11 @@ VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
  *  for are zero. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code when memory is short. */
 VOREL_API HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path);
 
-/** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory block as
- *  it is, spare bytes at its end included. Nothing about the DIB is checked but that its header is there.
- *  Returns TRUE. FALSE: IMG_E_PARAMETER (NULL, or a block shorter than 40 bytes), IMG_E_LOCK (what is no handle),
- *  IMG_E_OPEN_FILE, IMG_E_FILE_IO. A write that fails part-way, on a full disk for instance, can go unnoticed: compare the
- *  file's size with 14 + GlobalSize(dib) where that matters. */
+/** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory block
+ * as it is, spare bytes at its end included. Nothing about the DIB is checked but that its header is there. Returns TRUE.
+ * FALSE: IMG_E_PARAMETER (NULL, or a block shorter than 40 bytes), IMG_E_LOCK (what is no handle), IMG_E_OPEN_FILE,
+ * IMG_E_FILE_IO. A write that fails part-way, on a full disk for instance, can go unnoticed: compare the file's size with 14
+ * + GlobalSize(dib) where that matters. */
 VOREL_API BOOL VORELCALL SaveDIB(LPCSTR path, HGLOBAL dib);
 
 #ifdef _WIN32
@@ -299,8 +300,8 @@ VOREL_API BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palett
 /* ---- Quarter turns and mirrors ------------------------------------------------------------------------------------- */
 
 /*  The five DIB functions take 1-, 4-, 8- and 24-bit DIBs (at other depths the result's pixels are all zero, but for
- *  FlipDIBVertical, which takes any) and return a new DIB handle whose block has 4 spare bytes at the end. Quarter turns swap
- *  width and height, and the two resolutions. NULL, no code: not a DIB handle, a negative size, or memory is short. */
+ *  FlipDIBVertical, which takes any) and return a new DIB handle whose block has 4 spare bytes at the end. Quarter turns
+ * swap width and height, and the two resolutions. NULL, no code: not a DIB handle, a negative size, or memory is short. */
 
 /** Turns a DIB a quarter clockwise. */
 VOREL_API HGLOBAL VORELCALL RotateDIB90(HGLOBAL dib);
@@ -322,8 +323,8 @@ VOREL_API HGLOBAL VORELCALL FlipDIBHorizontal(HGLOBAL dib);
 #ifdef _WIN32
 
 /*  The device bitmap functions handle 1, 4, 8 and 24 bits per pixel and plane; at other depths (a 32-bit display's bitmaps)
- *  the result is all zero, but for FlipBitmapVertical and InvertBitmap, which take any. Zero results: IMG_E_BITMAP_PARAMETERS
- *  (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns, IMG_E_CREATE_BITMAP. */
+ *  the result is all zero, but for FlipBitmapVertical and InvertBitmap, which take any. Zero results:
+ * IMG_E_BITMAP_PARAMETERS (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns, IMG_E_CREATE_BITMAP. */
 
 /** Turns a device bitmap a quarter counter-clockwise (its like-named DIB function turns clockwise). Windows only.
  *  Returns a new bitmap for DeleteObject. */

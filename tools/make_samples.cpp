@@ -1,8 +1,6 @@
 // Makes the sample pictures of the demo, from nothing and always the same: a scanned-looking page at 1 bit and at 8 bits of
 // grey, and a colour chart at 24, 8 and 4 bits. Integers only, so that every machine makes the same bytes.
 // usage: make_samples FOLDER
-#include <vorel32.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -10,6 +8,8 @@
 #include <cstring>
 #include <string>
 #include <vector>
+
+#include <vorel32.h>
 
 namespace {
 
@@ -46,7 +46,8 @@ using Palette = std::vector<Color>;
 
 Palette gray_ramp(int levels) {
   Palette palette;
-  for (int i = 0; i < levels; ++i) palette.push_back({i * 255 / (levels - 1), i * 255 / (levels - 1), i * 255 / (levels - 1)});
+  for (int i = 0; i < levels; ++i)
+    palette.push_back({i * 255 / (levels - 1), i * 255 / (levels - 1), i * 255 / (levels - 1)});
   return palette;
 }
 
@@ -105,7 +106,8 @@ bool save(Picture& picture, int depth, const Palette& palette, int dpi, const st
   std::memcpy(bytes, &header, sizeof header);
   for (size_t i = 0; i < palette.size(); ++i) {
     const Color color = palette[i];
-    const uint8_t entry[] = {static_cast<uint8_t>(color.blue), static_cast<uint8_t>(color.green), static_cast<uint8_t>(color.red), 0};
+    const uint8_t entry[] = {static_cast<uint8_t>(color.blue), static_cast<uint8_t>(color.green),
+                             static_cast<uint8_t>(color.red), 0};
     std::memcpy(bytes + sizeof header + i * 4, entry, 4);
   }
   for (int y = 0; y < picture.height; ++y) {
@@ -175,7 +177,8 @@ Picture page_of_text(int dpi, Color paper, Color ink) {
   text(page, margin, margin, right, margin + dpi / 2, dpi / 4, random, ink);
   text(page, margin, margin + dpi * 7 / 10, right, dpi * 5, dpi / 10, random, ink);
   frame(page, margin, dpi * 52 / 10, right, dpi * 7, std::max(1, dpi / 100), ink);
-  for (int i = 1; i < 4; ++i) stroke(page, margin + (right - margin) * i / 4, dpi * 52 / 10, margin + (right - margin) * i / 4, dpi * 7, 2, ink);
+  for (int i = 1; i < 4; ++i)
+    stroke(page, margin + (right - margin) * i / 4, dpi * 52 / 10, margin + (right - margin) * i / 4, dpi * 7, 2, ink);
   text(page, margin, dpi * 73 / 10, right, page.height - margin, dpi / 10, random, ink);
   return page;
 }

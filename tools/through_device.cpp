@@ -1,8 +1,8 @@
 // Takes a picture to a device bitmap of the display and back, and saves what comes of it.
 // usage: through_device IN.bmp OUT.bmp
-#include <vorel32.h>
-
 #include <cstdio>
+
+#include <vorel32.h>
 
 namespace {
 

@@ -21,9 +21,9 @@ DibHeader widened(const CoreHeader& core) {
   return {.width = core.width, .height = core.height, .planes = core.planes, .depth = core.depth};
 }
 
-// The image size that a file's header leaves out. It is an unsigned number: for a top-down picture it comes out as 2^32 minus
-// the picture's size, more than any block holds, so that such a file loads only if it states its size. None for a negative
-// width and for sizes that do not fit.
+// The image size that a file's header leaves out. It is an unsigned number: for a top-down picture it comes out as 2^32
+// minus the picture's size, more than any block holds, so that such a file loads only if it states its size. None for a
+// negative width and for sizes that do not fit.
 std::optional<uint32_t> computed_image_bytes(const DibHeader& header) {
   if (header.width < 0) return std::nullopt;
   const auto height = static_cast<uint32_t>(header.height);
@@ -34,8 +34,8 @@ std::optional<uint32_t> computed_image_bytes(const DibHeader& header) {
   return header.height < 0 ? 0 - value : value;
 }
 
-// Turns a table of triples, read to the table's start, into one of quads in the same place. The last entry goes first: a quad
-// never covers a triple that is still to be read.
+// Turns a table of triples, read to the table's start, into one of quads in the same place. The last entry goes first: a
+// quad never covers a triple that is still to be read.
 void expand_triples(std::span<uint8_t> table) {
   for (size_t i = table.size() / sizeof(Rgb); i-- > 0;) {
     RgbTriple triple;

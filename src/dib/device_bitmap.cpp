@@ -37,12 +37,13 @@ void fill_colors(std::span<Rgb> table, uint32_t depth, HPALETTE palette) {
   }
   PALETTEENTRY entries[256];
   GetPaletteEntries(palette, 0, count, entries);
-  std::transform(entries, entries + count, table.begin(),
-                 [](const PALETTEENTRY& entry) { return Rgb{entry.peBlue, entry.peGreen, entry.peRed, 0}; });
+  std::transform(entries, entries + count, table.begin(), [](const PALETTEENTRY& entry) {
+    return Rgb{entry.peBlue, entry.peGreen, entry.peRed, 0};
+  });
 }
 
-// Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, and up to three
-// masks, and a compressed picture is as long as it says.
+// Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, and up to
+// three masks, and a compressed picture is as long as it says.
 ByteCount bytes_read_by_device(const DibHeader& header) {
   const uint32_t rows = header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
   const ByteCount pixels = row_stride(header.depth, std::max(header.width, 0)) * rows;

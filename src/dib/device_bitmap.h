@@ -15,8 +15,8 @@ std::optional<BITMAP> describe(HBITMAP bitmap);
 // Copies the bits of a bitmap out; false unless the system hands out just as many bytes as asked for.
 bool copy_bits_out(HBITMAP bitmap, std::span<uint8_t> bits);
 
-// `palette` may be null. Every failure is unreported. Where the screen is asked for its palette and has none, the thread's code
-// says so although the conversion goes on without.
+// `palette` may be null. Every failure is unreported. Where the screen is asked for its palette and has none, the thread's
+// code says so although the conversion goes on without.
 Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette);
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib);

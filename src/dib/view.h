@@ -9,7 +9,9 @@
 namespace vorel {
 
 // Bytes that the pixels of one row take, padding not included.
-constexpr size_t row_bytes(int depth, int width) { return (static_cast<size_t>(depth) * static_cast<size_t>(width) + 7) / 8; }
+constexpr size_t row_bytes(int depth, int width) {
+  return (static_cast<size_t>(depth) * static_cast<size_t>(width) + 7) / 8;
+}
 
 // Rows of pixels in memory. Rows are counted as they are stored: in a packed DIB row 0 is the bottom line of the picture, in
 // the bits of a device bitmap the top line. Whoever makes a view has made sure that its rows lie inside the memory.
@@ -21,7 +23,7 @@ class BasicView {
 
   int width() const { return width_; }
   int height() const { return height_; }
-  int depth() const { return depth_; }                // bits from one pixel to the next
+  int depth() const { return depth_; }               // bits from one pixel to the next
   std::ptrdiff_t stride() const { return stride_; }  // bytes from one row to the next
 
   // The bytes that hold the pixels of row y.
@@ -36,8 +38,7 @@ class BasicView {
   BasicView byte_rows(int count) const { return {first_row_, stride_, count, height_, 8}; }
 
   operator BasicView<const Byte>() const  // NOLINT(google-explicit-constructor): reading is always allowed
-    requires(!std::is_const_v<Byte>)
-  {
+      requires(!std::is_const_v<Byte>) {
     return {first_row_, stride_, width_, height_, depth_};
   }
 

@@ -1,8 +1,8 @@
 // Headers and colours of packed DIBs, and bitmap files.
-#include <vorel32.h>
-
 #include <cstddef>
 #include <cstring>
+
+#include <vorel32.h>
 
 #include "dib/bitmap_file.h"
 #include "dib/inversion.h"

@@ -1,8 +1,8 @@
 // Error code, messages and version.
-#include <vorel32.h>
-
 #include <algorithm>
 #include <cstring>
+
+#include <vorel32.h>
 
 #include "frame/messages.h"
 #include "frame/thread_context.h"

@@ -51,7 +51,7 @@ template <class T>
 class [[nodiscard]] Result {
  public:
   Result(T value) : state_(std::move(value)) {}  // NOLINT(google-explicit-constructor): `return value;` and
-  Result(Error error) : state_(error) {}         // NOLINT(google-explicit-constructor): `return Error::kMemory;` both read well
+  Result(Error error) : state_(error) {}  // NOLINT(google-explicit-constructor): `return Error::kMemory;` both read well
 
   explicit operator bool() const { return state_.index() == 0; }
   T& operator*() { return std::get<0>(state_); }

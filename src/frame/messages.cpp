@@ -43,8 +43,6 @@ constexpr std::array<const char*, kMessageCodes> kMessages = {
 
 }  // namespace
 
-const char* message(int32_t code) {
-  return has_message(code) ? kMessages[static_cast<uint32_t>(code)] : "Unknown error.";
-}
+const char* message(int32_t code) { return has_message(code) ? kMessages[static_cast<uint32_t>(code)] : "Unknown error."; }
 
 }  // namespace vorel

@@ -23,8 +23,7 @@ void turn_plane(ConstDibView source, DibView result, int width_bytes, DeviceTurn
   const int height = source.height();
   switch (turn) {
     case DeviceTurn::kCounterClockwise:
-      return quarter_turn(source, result,
-                          {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
+      return quarter_turn(source, result, {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
     case DeviceTurn::kClockwise: {
       // At 1 bit the picture's bottom row is not carried over and column 0 of the result stays zero. Callers count on it.
       const ConstDibView carried = source.depth() == 1 ? source.first_rows(std::max(height - 1, 0)) : source;

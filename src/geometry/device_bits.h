@@ -38,8 +38,8 @@ DeviceBitsFormat turned_format(const DeviceBitsFormat& format, DeviceTurn turn);
 // Bytes for the result's bits: quarter turns have 4 spare ones.
 ByteCount turned_bits_size(const DeviceBitsFormat& format, DeviceTurn turn);
 
-// `bits` holds at least device_bits_size bytes, `result` turned_bits_size bytes, all zero. The planes of the result lie as the
-// source's do, whatever the result's own size.
+// `bits` holds at least device_bits_size bytes, `result` turned_bits_size bytes, all zero. The planes of the result lie as
+// the source's do, whatever the result's own size.
 void turn_device_bits(const DeviceBitsFormat& format, DeviceTurn turn, std::span<const uint8_t> bits,
                       std::span<uint8_t> result);
 

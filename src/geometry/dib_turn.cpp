@@ -39,11 +39,10 @@ void move_pixels(ConstDibView source, DibView result, DibTurn turn) {
   const int height = source.height();
   switch (turn) {
     case DibTurn::kClockwise:
-      return quarter_turn(source, result,
-                          {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
+      return quarter_turn(source, result, {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
     case DibTurn::kCounterClockwise:
-      // One column further right than the picture asks for: column 0 stays empty, and source row 0 goes to the column past the
-      // last, which is padding, the next row's first pixel, or the spare bytes. Callers count on it.
+      // One column further right than the picture asks for: column 0 stays empty, and source row 0 goes to the column past
+      // the last, which is padding, the next row's first pixel, or the spare bytes. Callers count on it.
       return quarter_turn(source, result.with_width(height + 1),
                           {.first_column = height, .column_step = -1, .first_row = 0, .row_step = 1});
     case DibTurn::kHalf: return half_turn(source, result);

@@ -1,12 +1,11 @@
 #include "geometry/turn.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <emmintrin.h>
 
 #include "dib/pixel.h"
 
@@ -34,7 +33,7 @@ using EightRows = std::array<const uint8_t*, 8>;
 EightRows rows_of_column_byte(ConstDibView source, int column_byte, QuarterTurn turn) {
   EightRows rows{};
   for (int i = 0; i < 8; ++i) {
-    const int y = (column_byte * 8 + i - turn.first_column) * turn.column_step;
+    const int y = turn.source_row_of(column_byte * 8 + i);
     if (y >= 0 && y < source.height()) rows[static_cast<size_t>(i)] = source.row(y).data();
   }
   return rows;
@@ -47,15 +46,15 @@ uint64_t gathered_bytes(const EightRows& rows, int index) {
   return bytes;
 }
 
-// Turns the bits that go to one byte of the result's rows (uint8_t) or to two neighbouring ones (uint16_t). The highest bits of
-// 16 gathered bytes are the pixels of one result row; doubling the bytes brings up the next row's.
+// Turns the bits that go to one byte of the result's rows (uint8_t) or to two neighbouring ones (uint16_t). The highest bits
+// of 16 gathered bytes are the pixels of one result row; doubling the bytes brings up the next row's.
 template <class Column>
 void quarter_turn_columns(ConstDibView source, DibView result, QuarterTurn turn, int column_byte, int x0, int x1) {
   constexpr bool kPair = sizeof(Column) == 2;
   const EightRows left = rows_of_column_byte(source, column_byte, turn);
   const EightRows right = kPair ? rows_of_column_byte(source, column_byte + 1, turn) : EightRows{};
   const std::ptrdiff_t to_next_row = turn.row_step * result.stride();
-  uint8_t* target = result.row(turn.first_row + turn.row_step * x0).data() + column_byte;
+  uint8_t* target = result.row(turn.row_of(x0)).data() + column_byte;
   for (int x = x0; x < x1; x += 8) {
     const auto low = static_cast<int64_t>(gathered_bytes(left, x / 8));
     const auto high = kPair ? static_cast<int64_t>(gathered_bytes(right, x / 8)) : 0;
@@ -73,7 +72,7 @@ void quarter_turn_columns(ConstDibView source, DibView result, QuarterTurn turn,
 }
 
 void quarter_turn_bits(ConstDibView source, DibView result, QuarterTurn turn) {
-  const int last_column = turn.first_column + turn.column_step * (source.height() - 1);
+  const int last_column = turn.column_of(source.height() - 1);
   const int first_byte = std::min(turn.first_column, last_column) / 8;
   const int last_byte = std::max(turn.first_column, last_column) / 8;
   for (int x0 = 0; x0 < source.width(); x0 += kTurnedRows) {
@@ -92,10 +91,10 @@ struct Box {
 template <int kDepth>
 void quarter_turn_box(ConstDibView source, DibView result, QuarterTurn turn, Box box) {
   for (int x = box.x0; x < box.x1; ++x) {
-    uint8_t* target = result.row(turn.first_row + turn.row_step * x).data();
+    uint8_t* target = result.row(turn.row_of(x)).data();
     for (int y = box.y0; y < box.y1; ++y) {
       const uint32_t pixel = Pixel<kDepth>::load(source.row(y).data(), x);
-      Pixel<kDepth>::store(target, turn.first_column + turn.column_step * y, pixel);
+      Pixel<kDepth>::store(target, turn.column_of(y), pixel);
     }
   }
 }
@@ -113,7 +112,7 @@ void quarter_turn_byte_tile(ConstDibView source, DibView result, QuarterTurn tur
   const __m128i bd_low = _mm_unpacklo_epi8(b, d), bd_high = _mm_unpackhi_epi8(b, d);
 
   const std::ptrdiff_t to_next_row = turn.row_step * result.stride();
-  uint8_t* target = result.row(turn.first_row + turn.row_step * x).data() + turn.first_column + turn.column_step * left_y;
+  uint8_t* target = &result.row(turn.row_of(x))[static_cast<size_t>(turn.column_of(left_y))];
   const auto put_two_rows = [&](__m128i rows) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(target), rows);
     _mm_storel_epi64(reinterpret_cast<__m128i*>(target + to_next_row), _mm_srli_si128(rows, 8));
@@ -133,7 +132,7 @@ void quarter_turn_box<8>(ConstDibView source, DibView result, QuarterTurn turn, 
     for (int y = box.y0; y < tiled_y1; y += 8) quarter_turn_byte_tile(source, result, turn, x, y);
   for (int y = box.y0; y < box.y1; ++y)
     for (int x = y < tiled_y1 ? tiled_x1 : box.x0; x < box.x1; ++x)
-      result.row(turn.first_row + turn.row_step * x)[turn.first_column + turn.column_step * y] = source.row(y)[x];
+      result.row(turn.row_of(x))[turn.column_of(y)] = source.row(y)[x];
 }
 
 // Side of the square boxes that pixels of 4 bits and more are moved in, small enough for source and result to stay in cache.
@@ -158,15 +157,13 @@ constexpr uint64_t reversed_in_bytes(uint64_t word) {
   return word;
 }
 
-// A row of up to 8 bits per pixel is one long number, first pixel highest. Mirroring reverses it and shifts out what stood in
-// the unused low bits of its last byte.
+// A row of up to 8 bits per pixel is one long number, first pixel highest. Mirroring reverses it and shifts out what stood
+// in the unused low bits of its last byte.
 template <int kDepth>
 void mirror_row(const uint8_t* source, uint8_t* result, int width) {
   const size_t bytes = row_bytes(kDepth, width);
   const int unused = static_cast<int>(bytes * 8 - static_cast<size_t>(width) * kDepth);
-  const auto reversed_word = [&](size_t i) {
-    return reversed_in_bytes<kDepth>(load_word(source + bytes - 8 - i));
-  };
+  const auto reversed_word = [&](size_t i) { return reversed_in_bytes<kDepth>(load_word(source + bytes - 8 - i)); };
   const auto reversed_byte = [&](size_t i) -> unsigned {
     return i < bytes ? static_cast<uint8_t>(reversed_in_bytes<kDepth>(source[bytes - 1 - i])) : 0;
   };
@@ -219,8 +216,7 @@ void mirror_left_right(ConstDibView source, DibView result) {
 }
 
 void mirror_top_bottom(ConstDibView source, DibView result) {
-  for (int y = 0; y < source.height(); ++y)
-    std::ranges::copy(source.row(y), result.row(source.height() - 1 - y).begin());
+  for (int y = 0; y < source.height(); ++y) std::ranges::copy(source.row(y), result.row(source.height() - 1 - y).begin());
 }
 
 }  // namespace vorel

@@ -1,7 +1,8 @@
 // One pointer per thread to a block of global memory.
 //
-// On Windows it is a thread-local-storage slot: the module's entry point makes and deletes it and frees a thread's block when
-// the thread detaches. On Linux, which sends no such notices, it is always there and frees the block when its thread ends.
+// On Windows it is a thread-local-storage slot: the module's entry point makes and deletes it and frees a thread's block
+// when the thread detaches. On Linux, which sends no such notices, it is always there and frees the block when its thread
+// ends.
 #pragma once
 
 #include "platform/win32.h"

@@ -3,13 +3,17 @@
 
 namespace vorel {
 
-// Shows the wait cursor for a scope, then the previous cursor again. Where there is no cursor it does nothing.
+// Shows the wait cursor and returns the one that was shown before. Where there is no cursor these do nothing.
+void* show_wait_cursor();
+void show_cursor(void* cursor);
+
+// The wait cursor for a scope.
 class [[nodiscard]] WaitCursor {
  public:
-  WaitCursor();
+  WaitCursor() : previous_(show_wait_cursor()) {}
   WaitCursor(const WaitCursor&) = delete;
   WaitCursor& operator=(const WaitCursor&) = delete;
-  ~WaitCursor();
+  ~WaitCursor() { show_cursor(previous_); }
 
  private:
   void* previous_;

@@ -1,8 +1,8 @@
 // Bitmap files: every kind that loads, and everything that does not.
-#include <gtest/gtest.h>
-#include <vorel32.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
+
+#include <vorel32.h>
 
 #include "platform/file.h"
 #include "support/dib.h"
@@ -50,7 +50,8 @@ class BitmapFile : public testing::Test {
 // What loading fills in.
 Bytes loaded_form(Bytes dib) {
   BITMAPINFOHEADER header = header_of(dib);
-  header.biSizeImage = static_cast<uint32_t>(stride_of(header.biWidth, header.biBitCount)) * static_cast<uint32_t>(header.biHeight);
+  header.biSizeImage =
+      static_cast<uint32_t>(stride_of(header.biWidth, header.biBitCount)) * static_cast<uint32_t>(header.biHeight);
   if (header.biBitCount <= 8) header.biClrUsed = 1u << header.biBitCount;
   std::memcpy(dib.data(), &header, sizeof header);
   return dib;
@@ -93,7 +94,8 @@ TEST_F(BitmapFile, AnOffsetPastTheEndGivesAnEmptyPicture) {
     EXPECT_EQ(Bytes(loaded.begin() + 40, loaded.end()), Bytes(28 * 4)) << offset;
   }
   const Bytes dib = noise(9, 4, 24);
-  EXPECT_EQ(bytes_of(load(file_of(dib, 0xFFFFFFF0)).get()), loaded_form(dib)) << "no file reaches 2 GB: the rows follow the table";
+  EXPECT_EQ(bytes_of(load(file_of(dib, 0xFFFFFFF0)).get()), loaded_form(dib))
+      << "no file reaches 2 GB: the rows follow the table";
 }
 
 Bytes core_file(int depth, const Bytes& rest) {
@@ -162,13 +164,13 @@ TEST_F(BitmapFile, SizesThatNoBlockHasFailWithoutACode) {
     uint32_t image_bytes, colors;
   };
   const Lie lies[] = {
-      {1 << 30, 1 << 30, 24, 0, 0},        // 2^62 bytes and more
-      {65'536, 65'536, 8, 0, 0},           // wraps to 0 in 32 bits
+      {1 << 30, 1 << 30, 24, 0, 0},  // 2^62 bytes and more
+      {65'536, 65'536, 8, 0, 0},     // wraps to 0 in 32 bits
       {INT32_MAX, INT32_MAX, 65'535, 0, 0},
-      {4, 4, 8, 0, 1u << 30},              // a table of 2^32 bytes
+      {4, 4, 8, 0, 1u << 30},  // a table of 2^32 bytes
       {4, 4, 8, 0xFFFFFFFF, 0},
       {4, 4, 8, 0x80000000, 0},
-      {4, -4, 8, 0, 0},                    // top-down without a stated size
+      {4, -4, 8, 0, 0},  // top-down without a stated size
       {-4, 4, 8, 0, 0},
   };
   for (const Lie& lie : lies) {

@@ -1,10 +1,10 @@
 // The rules that find colours and rows, on sizes that do not fit anywhere too.
 #include "dib/header.h"
 
-#include <gtest/gtest.h>
-#include <vorel32.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
+
+#include <vorel32.h>
 
 #include "dib/device_format.h"
 #include "dib/packed_dib.h"

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+
 #include <vorel32.h>
 
 #include "support/dib.h"
@@ -47,8 +48,8 @@ TEST(InvertMonoDIB, SwapsColorsAndBitsAndKeepsThePicture) {
   const Bytes before = with_header(header, {1, 2, 3, 9, 4, 5, 6, 8, 0b10100000, 0, 0, 0, 0b01000000, 1, 2, 3, 77});
   const Block dib = block_of(before);
   InvertMonoDIB(dib.get());
-  EXPECT_EQ(bytes_of(dib.get()), with_header(header, {4, 5, 6, 9, 1, 2, 3, 8, 0b01011111, 255, 255, 255, 0b10111111, 254, 253,
-                                                      252, 77}))
+  EXPECT_EQ(bytes_of(dib.get()),
+            with_header(header, {4, 5, 6, 9, 1, 2, 3, 8, 0b01011111, 255, 255, 255, 0b10111111, 254, 253, 252, 77}))
       << "reserved bytes and what follows the rows stay";
   InvertMonoDIB(dib.get());
   EXPECT_EQ(bytes_of(dib.get()), before);

@@ -2,7 +2,6 @@
 #include "exports/boundary.h"
 
 #include <gtest/gtest.h>
-
 #include <new>
 #include <stdexcept>
 

@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-#include <vorel32.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 #include <string>
 #include <thread>
+
+#include <vorel32.h>
 
 #include "support/heap.h"
 

@@ -1,7 +1,6 @@
 // The notices of thread and process, followed the way the system sends them.
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 

@@ -2,7 +2,6 @@
 #include "geometry/device_bits.h"
 
 #include <gtest/gtest.h>
-
 #include <random>
 #include <vector>
 
@@ -55,8 +54,8 @@ Place target(DeviceTurn turn, int x, int y, const DeviceBitsFormat& source) {
   return {0, 0};
 }
 
-constexpr DeviceTurn kTurns[] = {DeviceTurn::kCounterClockwise, DeviceTurn::kClockwise, DeviceTurn::kHalf, DeviceTurn::kTopBottom,
-                                 DeviceTurn::kLeftRight};
+constexpr DeviceTurn kTurns[] = {DeviceTurn::kCounterClockwise, DeviceTurn::kClockwise, DeviceTurn::kHalf,
+                                 DeviceTurn::kTopBottom, DeviceTurn::kLeftRight};
 
 void expect_turned(const DeviceBitsFormat& format, bool blocks) {
   const Bytes bits = noise(format);

@@ -1,10 +1,10 @@
 // Turns and mirrors through the exports, against a picture taken apart pixel by pixel.
-#include <gtest/gtest.h>
-#include <vorel32.h>
-
 #include <array>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <tuple>
+
+#include <vorel32.h>
 
 #include "support/dib.h"
 
@@ -25,15 +25,36 @@ struct Turn {
 };
 
 const Turn kTurns[] = {
-    {"RotateDIB90", RotateDIB90, [](int x, int y, int w, int) { return Point{y, w - 1 - x}; }, true, 4},
-    {"RotateDIB180", RotateDIB180, [](int x, int y, int w, int h) { return Point{w - 1 - x, h - 1 - y}; }, false, 2},
-    {"RotateDIB270", RotateDIB270, [](int x, int y, int, int h) { return Point{h - y, x}; }, true, 0},
-    {"FlipDIBVertical", FlipDIBVertical, [](int x, int y, int, int h) { return Point{x, h - 1 - y}; }, false, 2},
-    {"FlipDIBHorizontal", FlipDIBHorizontal, [](int x, int y, int w, int) { return Point{w - 1 - x, y}; }, false, 2},
+    {"RotateDIB90", RotateDIB90,
+     [](int x, int y, int w, int) {
+       return Point{y, w - 1 - x};
+     },
+     true, 4},
+    {"RotateDIB180", RotateDIB180,
+     [](int x, int y, int w, int h) {
+       return Point{w - 1 - x, h - 1 - y};
+     },
+     false, 2},
+    {"RotateDIB270", RotateDIB270,
+     [](int x, int y, int, int h) {
+       return Point{h - y, x};
+     },
+     true, 0},
+    {"FlipDIBVertical", FlipDIBVertical,
+     [](int x, int y, int, int h) {
+       return Point{x, h - 1 - y};
+     },
+     false, 2},
+    {"FlipDIBHorizontal", FlipDIBHorizontal,
+     [](int x, int y, int w, int) {
+       return Point{w - 1 - x, y};
+     },
+     false, 2},
 };
 
 // Widths and heights that leave part-filled bytes and words, fill them exactly, and cross the kernels' blocks.
-constexpr std::pair<int, int> kSizes[] = {{1, 1}, {3, 2}, {7, 9}, {8, 8}, {16, 4}, {31, 33}, {32, 64}, {65, 40}, {130, 70}, {600, 17}};
+constexpr std::pair<int, int> kSizes[] = {{1, 1},   {3, 2},   {7, 9},   {8, 8},    {16, 4},
+                                          {31, 33}, {32, 64}, {65, 40}, {130, 70}, {600, 17}};
 
 class Turning : public testing::TestWithParam<std::tuple<Turn, int>> {};
 
@@ -91,9 +112,13 @@ INSTANTIATE_TEST_SUITE_P(AllDepths, Turning, testing::Combine(testing::ValuesIn(
                            return std::string(std::get<0>(test.param).name) + "_" + std::to_string(std::get<1>(test.param));
                          });
 
-Bytes rows_of(const Bytes& dib, size_t colors) { return {dib.begin() + 40 + static_cast<std::ptrdiff_t>(colors) * 4, dib.end()}; }
+Bytes rows_of(const Bytes& dib, size_t colors) {
+  return {dib.begin() + 40 + static_cast<std::ptrdiff_t>(colors) * 4, dib.end()};
+}
 
-Bytes turned(HGLOBAL(VORELCALL* turn)(HGLOBAL), const Bytes& dib) { return bytes_of(Block(turn(block_of(dib).get())).get()); }
+Bytes turned(HGLOBAL(VORELCALL* turn)(HGLOBAL), const Bytes& dib) {
+  return bytes_of(Block(turn(block_of(dib).get())).get());
+}
 
 TEST(TurnedBytes, AreTheseForASmallPicture) {
   // Seen from the top: A B C D over E F G H.
@@ -101,13 +126,18 @@ TEST(TurnedBytes, AreTheseForASmallPicture) {
   Bytes rows;
   for (char c : std::string("EEEFFFGGGHHHAAABBBCCCDDD")) rows.push_back(static_cast<uint8_t>(c));
   const Bytes dib = with_header(header, rows);
-  const auto text = [&](HGLOBAL(VORELCALL* turn)(HGLOBAL)) {
+  const auto text = [&](HGLOBAL(VORELCALL * turn)(HGLOBAL)) {
     std::string seen;
     for (uint8_t byte : rows_of(turned(turn, dib), 0)) seen += byte == 0 ? '.' : static_cast<char>(byte);
     return seen;
   };
   EXPECT_EQ(text(RotateDIB90), "HHHDDD..GGGCCC..FFFBBB..EEEAAA......") << "clockwise: EA / FB / GC / HD from the top";
-  EXPECT_EQ(text(RotateDIB270), "...AAAEE" "E..BBBFF" "F..CCCGG" "G..DDDHHH...") << "one column to the right";
+  EXPECT_EQ(text(RotateDIB270),
+            "...AAAEE"
+            "E..BBBFF"
+            "F..CCCGG"
+            "G..DDDHHH...")
+      << "one column to the right";
   EXPECT_EQ(text(RotateDIB180), "DDDCCCBBBAAAHHHGGGFFFEEE....");
   EXPECT_EQ(text(FlipDIBVertical), "AAABBBCCCDDDEEEFFFGGGHHH....");
   EXPECT_EQ(text(FlipDIBHorizontal), "HHHGGGFFFEEEDDDCCCBBBAAA....");
@@ -121,12 +151,17 @@ TEST(TurnedBytes, AreTheseAtOneBit) {
 
 // Where rows have no padding, the column past the last is the next row's first pixel; for the last row it is spare.
 TEST(RotateDIB270, WritesPastRowsWithoutPadding) {
-  const Bytes at_8 = with_header([] { BITMAPINFOHEADER h = header_for(2, 4, 8); h.biClrUsed = 1; return h; }(),
-                                 {0, 0, 0, 0, 1, 5, 0, 0, 2, 6, 0, 0, 3, 7, 0, 0, 4, 8, 0, 0});
+  const Bytes at_8 = with_header(
+      [] {
+        BITMAPINFOHEADER h = header_for(2, 4, 8);
+        h.biClrUsed = 1;
+        return h;
+      }(),
+      {0, 0, 0, 0, 1, 5, 0, 0, 2, 6, 0, 0, 3, 7, 0, 0, 4, 8, 0, 0});
   EXPECT_EQ(rows_of(turned(RotateDIB270, at_8), 1), (Bytes{0, 4, 3, 2, 1, 8, 7, 6, 5, 0, 0, 0}));
 
   Bytes at_1 = with_header(header_for(2, 32, 1), Bytes(8 + 32 * 4));
-  at_1[48] = 0b11000000;          // both pixels of the bottom row
+  at_1[48] = 0b11000000;           // both pixels of the bottom row
   at_1[48 + 31 * 4] = 0b01000000;  // the right one of the top row
   EXPECT_EQ(rows_of(turned(RotateDIB270, at_1), 2), (Bytes{0, 0, 0, 0, 0b11000000, 0, 0, 0, 0b10000000, 0, 0, 0}));
 }

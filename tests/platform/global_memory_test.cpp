@@ -1,8 +1,7 @@
 // The contracts of global memory. On Windows these tests look at the system's own functions, which is what keeps the Linux
 // ones honest.
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 

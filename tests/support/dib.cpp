@@ -52,9 +52,7 @@ Bytes with_header(const BITMAPINFOHEADER& header, const Bytes& rest) {
   return bytes;
 }
 
-size_t stride_of(int width, int bits) {
-  return (static_cast<size_t>(bits) * static_cast<size_t>(width) + 31) / 32 * 4;
-}
+size_t stride_of(int width, int bits) { return (static_cast<size_t>(bits) * static_cast<size_t>(width) + 31) / 32 * 4; }
 
 Bytes noise(int width, int height, int depth) {
   BITMAPINFOHEADER header = header_for(width, height, depth);
@@ -110,7 +108,8 @@ TempFolder::~TempFolder() {
 }
 
 void write_file(const std::string& path, const Bytes& bytes) {
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
 Bytes read_file(const std::string& path) {

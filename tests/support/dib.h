@@ -1,13 +1,13 @@
 // DIBs for tests, made and looked at through the public header alone and without the library's own pixel code.
 #pragma once
 
-#include <vorel32.h>
-
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <vorel32.h>
 
 namespace test {
 

@@ -1,8 +1,8 @@
 // DIBs and device bitmaps, both ways, on the display of this session.
-#include <gtest/gtest.h>
-#include <vorel32.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
+
+#include <vorel32.h>
 
 #include "win32/support/gdi.h"
 
@@ -10,7 +10,9 @@ using namespace test;
 
 namespace {
 
-Bytes dib_of(HBITMAP bitmap, HPALETTE palette = nullptr) { return bytes_of(Block(ConvertBitmapToDIB(bitmap, palette)).get()); }
+Bytes dib_of(HBITMAP bitmap, HPALETTE palette = nullptr) {
+  return bytes_of(Block(ConvertBitmapToDIB(bitmap, palette)).get());
+}
 
 Bytes mono_dib(int width, int height) {
   Bytes dib = noise(width, height, 1);
@@ -145,7 +147,9 @@ TEST(CreateDIBPalette, HasTheDibsColors) {
   ASSERT_TRUE(palette);
   PALETTEENTRY entries[4] = {};
   EXPECT_EQ(GetPaletteEntries(palette.get(), 0, 4, entries), 3u);
-  const auto is = [](const PALETTEENTRY& e, int r, int g, int b) { return e.peRed == r && e.peGreen == g && e.peBlue == b && e.peFlags == 0; };
+  const auto is = [](const PALETTEENTRY& e, int r, int g, int b) {
+    return e.peRed == r && e.peGreen == g && e.peBlue == b && e.peFlags == 0;
+  };
   EXPECT_TRUE(is(entries[0], 3, 2, 1) && is(entries[1], 7, 6, 5) && is(entries[2], 0, 0, 0));
 
   SetImgError(5);

@@ -1,5 +1,6 @@
 // Turns of real device bitmaps: what the system hands out and takes back.
 #include <gtest/gtest.h>
+
 #include <vorel32.h>
 
 #include "win32/support/gdi.h"

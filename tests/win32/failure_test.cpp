@@ -1,8 +1,8 @@
 // Every export with its platform failing under it: the stated code, and nothing left behind.
-#include <gtest/gtest.h>
-#include <vorel32.h>
-
 #include <functional>
+#include <gtest/gtest.h>
+
+#include <vorel32.h>
 
 #include "support/heap.h"
 #include "win32/support/gdi.h"
@@ -14,7 +14,9 @@ namespace {
 
 int allocations_left = 0;
 
-HGLOBAL WINAPI failing_alloc(UINT flags, SIZE_T bytes) { return allocations_left-- > 0 ? GlobalAlloc(flags, bytes) : nullptr; }
+HGLOBAL WINAPI failing_alloc(UINT flags, SIZE_T bytes) {
+  return allocations_left-- > 0 ? GlobalAlloc(flags, bytes) : nullptr;
+}
 HDC WINAPI no_dc(HWND) { return nullptr; }
 HDC WINAPI no_memory_dc(HDC) { return nullptr; }
 HPALETTE WINAPI no_palette(const LOGPALETTE*) { return nullptr; }
@@ -52,7 +54,11 @@ const Export kExports[] = {
     {"SaveBitmap", [](Setting& s) { return SaveBitmap(s.target.c_str(), s.bitmap.get(), nullptr) != 0; }},
     {"CreateDIBPalette", [](Setting& s) { return gave(CreateDIBPalette(s.dib.get())); }},
     {"GetCurrentPalette", [](Setting&) { return gave(GetCurrentPalette()); }},
-    {"GetSystemPalette", [](Setting&) { RGBQUAD colors[256]; return GetSystemPalette(colors) != 0; }},
+    {"GetSystemPalette",
+     [](Setting&) {
+       RGBQUAD colors[256];
+       return GetSystemPalette(colors) != 0;
+     }},
     {"ConvertBitmapToDIB", [](Setting& s) { return static_cast<bool>(Block(ConvertBitmapToDIB(s.bitmap.get(), nullptr))); }},
     {"ConvertDIBToBitmap", [](Setting& s) { return gave(ConvertDIBToBitmap(s.dib.get())); }},
     {"ConvertToMonochromeBitmap", [](Setting& s) { return gave(ConvertToMonochromeBitmap(s.bitmap.get())); }},
@@ -150,16 +156,25 @@ TEST(Codes, AreTheStatedOnes) {
   const auto save = [](Setting& s) { return SaveDIB(s.target.c_str(), s.dib.get()) != 0; };
   constexpr int kUntouched = 30, kSucceeds = -1;
   EXPECT_EQ(code_after("GetDC", no_dc, [](Setting&) { return gave(GetCurrentPalette()); }), IMG_E_CREATE_DC);
-  EXPECT_EQ(code_after("GetDC", no_dc, [](Setting&) { RGBQUAD c[256]; return GetSystemPalette(c) != 0; }), kUntouched);
+  EXPECT_EQ(code_after("GetDC", no_dc,
+                       [](Setting&) {
+                         RGBQUAD c[256];
+                         return GetSystemPalette(c) != 0;
+                       }),
+            kUntouched);
   EXPECT_EQ(code_after("GetDC", no_dc, to_bitmap), kUntouched);
-  EXPECT_EQ(code_after("CreatePalette", no_palette, [](Setting& s) { return gave(CreateDIBPalette(s.dib.get())); }), IMG_E_CREATE_PALETTE);
+  EXPECT_EQ(code_after("CreatePalette", no_palette, [](Setting& s) { return gave(CreateDIBPalette(s.dib.get())); }),
+            IMG_E_CREATE_PALETTE);
   EXPECT_EQ(code_after("CreateDIBitmap", no_bitmap, to_bitmap), IMG_E_CREATE_BITMAP);
   EXPECT_EQ(code_after("CreateBitmapIndirect", no_bitmap_indirect, turn), IMG_E_CREATE_BITMAP);
   EXPECT_EQ(code_after("GetBitmapBits", no_bits, turn), IMG_E_COPY_BITS);
-  EXPECT_EQ(code_after("GetBitmapBits", no_bits, [](Setting& s) { return gave(DuplicateBitmap(s.bitmap.get())); }), IMG_E_COPY_BITS);
+  EXPECT_EQ(code_after("GetBitmapBits", no_bits, [](Setting& s) { return gave(DuplicateBitmap(s.bitmap.get())); }),
+            IMG_E_COPY_BITS);
   EXPECT_EQ(code_after("GlobalAlloc", failing_alloc, load), kUntouched);
   EXPECT_EQ(code_after("GlobalReAlloc", no_realloc, load), kUntouched);
-  EXPECT_EQ(code_after("GlobalAlloc", failing_alloc, [](Setting& s) { return static_cast<bool>(Block(RotateDIB90(s.dib.get()))); }), kUntouched);
+  EXPECT_EQ(code_after("GlobalAlloc", failing_alloc,
+                       [](Setting& s) { return static_cast<bool>(Block(RotateDIB90(s.dib.get()))); }),
+            kUntouched);
   EXPECT_EQ(code_after("_hwrite", no_write, save), IMG_E_FILE_IO);
   EXPECT_EQ(code_after("_hwrite", failed_write, save), kSucceeds) << "only a write of 0 bytes counts as failed";
 }

@@ -14,7 +14,8 @@ HGLOBAL WINAPI no_memory(UINT, SIZE_T) { return nullptr; }
 // A thread that waits until it is let go, then asks for its code and returns 100 more than that.
 class OlderThread {
  public:
-  OlderThread() : go_(CreateEventA(nullptr, TRUE, FALSE, nullptr)), thread_(CreateThread(nullptr, 0, run, go_, 0, nullptr)) {}
+  OlderThread()
+      : go_(CreateEventA(nullptr, TRUE, FALSE, nullptr)), thread_(CreateThread(nullptr, 0, run, go_, 0, nullptr)) {}
   OlderThread(const OlderThread&) = delete;
   OlderThread& operator=(const OlderThread&) = delete;
   ~OlderThread() {

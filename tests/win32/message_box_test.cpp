@@ -1,8 +1,8 @@
 // The message box that a person would see.
 #include <gtest/gtest.h>
-#include <vorel32.h>
-
 #include <string>
+
+#include <vorel32.h>
 
 namespace {
 

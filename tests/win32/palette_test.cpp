@@ -1,9 +1,9 @@
 // What only a display with a palette shows.
-#include <gtest/gtest.h>
-#include <vorel32.h>
-
 #include <array>
 #include <cstring>
+#include <gtest/gtest.h>
+
+#include <vorel32.h>
 
 #include "win32/support/gdi.h"
 
@@ -30,7 +30,8 @@ TEST_F(PaletteDisplay, CurrentPaletteHasTheSystemsEntries) {
   EXPECT_EQ(GetPaletteEntries(palette.get(), 0, 256, entries.data()), 256u);
   int wrong = 0;
   for (size_t i = 0; i < 256; ++i)
-    wrong += RGB(entries[i].peRed, entries[i].peGreen, entries[i].peBlue) != RGB(system[i].peRed, system[i].peGreen, system[i].peBlue);
+    wrong += RGB(entries[i].peRed, entries[i].peGreen, entries[i].peBlue) !=
+             RGB(system[i].peRed, system[i].peGreen, system[i].peBlue);
   EXPECT_EQ(wrong, 0);
 }
 

@@ -1,10 +1,9 @@
 #include "platform/file.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 namespace vorel {
 namespace {
@@ -46,8 +45,8 @@ int64_t FileRef::read(void* buffer, size_t bytes) const {
 }
 
 int64_t FileRef::write(const void* buffer, size_t bytes) const {
-  return move_all(
-      bytes, [&](size_t done, size_t left) { return ::write(handle_, static_cast<const char*>(buffer) + done, left); });
+  return move_all(bytes,
+                  [&](size_t done, size_t left) { return ::write(handle_, static_cast<const char*>(buffer) + done, left); });
 }
 
 std::optional<OwnedFile> OwnedFile::open_for_reading(const char* path) {

@@ -4,9 +4,9 @@
 
 namespace vorel {
 
-WaitCursor::WaitCursor() : previous_(nullptr) {}
+void* show_wait_cursor() { return nullptr; }
 
-WaitCursor::~WaitCursor() = default;
+void show_cursor(void*) {}
 
 void show_error_message(const char* text, const char* title) { std::fprintf(stderr, "%s: %s\n", title, text); }
 

@@ -4,10 +4,12 @@
 
 namespace vorel {
 
-WaitCursor::WaitCursor() : previous_(SetCursor(LoadCursor(nullptr, IDC_WAIT))) {}
+void* show_wait_cursor() { return SetCursor(LoadCursor(nullptr, IDC_WAIT)); }
 
-WaitCursor::~WaitCursor() { SetCursor(static_cast<HCURSOR>(previous_)); }
+void show_cursor(void* cursor) { SetCursor(static_cast<HCURSOR>(cursor)); }
 
-void show_error_message(const char* text, const char* title) { MessageBoxA(nullptr, text, title, MB_ICONEXCLAMATION | MB_OK); }
+void show_error_message(const char* text, const char* title) {
+  MessageBoxA(nullptr, text, title, MB_ICONEXCLAMATION | MB_OK);
+}
 
 }  // namespace vorel

@@ -1,11 +1,10 @@
 // GDI objects for tests: made, looked at, counted.
 #pragma once
 
-#include <windows.h>
-
 #include <cstdint>
 #include <utility>
 #include <vector>
+#include <windows.h>
 
 #include "support/dib.h"
 
@@ -75,7 +74,8 @@ inline size_t gdi_objects() {
 // A visible window that is the active one of this thread.
 class ActiveWindow {
  public:
-  ActiveWindow() : window_(CreateWindowA("STATIC", "test", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, nullptr, nullptr, nullptr, nullptr)) {
+  ActiveWindow()
+      : window_(CreateWindowA("STATIC", "test", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, nullptr, nullptr, nullptr, nullptr)) {
     SetActiveWindow(window_);
   }
   ActiveWindow(const ActiveWindow&) = delete;

@@ -1,10 +1,9 @@
 // Stands in for functions that VOREL32.DLL imports, to make them fail or to watch them.
 #pragma once
 
-#include <windows.h>
-
 #include <cstring>
 #include <stdexcept>
+#include <windows.h>
 
 namespace test {
 
@@ -14,7 +13,8 @@ inline void** import_slot(const char* function) {
   const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
   const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
   const auto& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-  for (auto* dll = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress); dll->Name != 0; ++dll) {
+  for (auto* dll = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress); dll->Name != 0;
+       ++dll) {
     auto* name = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + dll->OriginalFirstThunk);
     auto* slot = reinterpret_cast<void**>(base + dll->FirstThunk);
     for (; name->u1.AddressOfData != 0; ++name, ++slot) {

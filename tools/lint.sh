@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Checks formatting, and looks for faults in the code of the native build. Changes nothing.
+# usage: lint.sh [--fix]   (--fix formats what is not formatted)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+for program in clang-format clang-tidy; do
+  command -v "$program" >/dev/null || { echo "lint: $program is missing; apt-get install $program" >&2; exit 1; }
+done
+mapfile -t sources < <(git ls-files '*.h' '*.cpp' '*.c')
+if [ "${1:-}" = --fix ]; then
+  clang-format -i "${sources[@]}"
+else
+  clang-format --dry-run --Werror "${sources[@]}"
+fi
+[ -e build/native/compile_commands.json ] || cmake --preset native >/dev/null
+mapfile -t native < <(git ls-files 'src/*.cpp' 'apps/*.cpp' | grep -vE 'windows|device_(bitmap|palette|turn|bitmaps)\.cpp|module\.cpp')
+printf '%s\0' "${native[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/native 2>/dev/null
+echo "lint: clean"
