@@ -274,7 +274,8 @@ VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
 /** Loads a Windows bitmap file, with or without its file header, with a 40- or 12-byte header.
  *  path  at most 127 characters on Windows; any length on Linux
  *  Returns a DIB handle. Run-length compressed rows stay compressed and top-down ones top-down; rows the file is too short
- *  for are zero. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code when memory is short. */
+ *  for are zero. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code for sizes that no block has (a top-down picture
+ *  that does not state its size among them) and when memory is short. */
 VOREL_API HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path);
 
 /** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory block

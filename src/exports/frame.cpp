@@ -31,7 +31,8 @@ char* VORELCALL ImgErrorString(char* buffer, int code) {
     show_error_message(text, kErrorTitle);
     return nullptr;
   }
-  return std::strcpy(buffer, text);
+  std::memcpy(buffer, text, std::strlen(text) + 1);
+  return buffer;
 }
 
 void VORELCALL GetImageVersion(char* buffer, int length) {
