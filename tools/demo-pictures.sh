@@ -10,37 +10,39 @@ windows() { ./tools/run-wine.sh "build/win32/bin/$1" "${@:2}"; }
 steps=("convert" "rotate 90" "rotate 180" "rotate 270" "mirror horizontal" "mirror vertical" "invert")
 different=0 compared=0
 
+# verdict NAME SAME: counts a comparison and prints what came of it.
+verdict() {
+  compared=$((compared + 1))
+  [ "$2" = same ] || different=$((different + 1))
+  printf '%-7s %s\n' "$2" "$1"
+}
+
 say "each picture through libvorel32.so and, under Wine, through VOREL32.DLL"
 for picture in out/pictures/*.bmp; do
   name=$(basename "$picture" .bmp)
   for step in "${steps[@]}"; do
     read -r verb argument <<<"$step"
     result=$name-$verb${argument:+-$argument}.bmp
-    build/native/bin/vorel "$verb" "$picture" "out/linux/$result" ${argument:+"$argument"}
-    windows vorel.exe "$verb" "$picture" "out/windows/$result" ${argument:+"$argument"}
-    compared=$((compared + 1))
-    if cmp -s "out/linux/$result" "out/windows/$result"; then
-      printf 'same   %s\n' "$result"
+    linux_code=0 windows_code=0
+    build/native/bin/vorel "$verb" "$picture" "out/linux/$result" ${argument:+"$argument"} || linux_code=$?
+    windows vorel.exe "$verb" "$picture" "out/windows/$result" ${argument:+"$argument"} || windows_code=$?
+    if [ "$linux_code" != 0 ] && [ "$linux_code" = "$windows_code" ]; then
+      verdict "$result (refused by both, code $linux_code)" same
+    elif cmp -s "out/linux/$result" "out/windows/$result"; then
+      verdict "$result" same
     else
-      printf 'DIFFER %s\n' "$result"
-      different=$((different + 1))
+      verdict "$result" DIFFERS
     fi
   done
-  windows through_device.exe "$picture" "out/windows/$name-through-device.bmp"
+  windows through_device.exe "$picture" "out/windows/$name-through-device.bmp" || true
 done
 
 # A true-colour display keeps every colour, so the way through a device bitmap must not change a pixel.
 say "what went through a device bitmap of the display, pixel by pixel against the picture"
 for picture in out/pictures/*.bmp; do
   name=$(basename "$picture" .bmp)
-  compared=$((compared + 1))
   pixels=$(compare -metric AE "$picture" "out/windows/$name-through-device.bmp" null: 2>&1 || true)
-  if [ "$pixels" = 0 ]; then
-    printf 'same   %s\n' "$name-through-device.bmp"
-  else
-    printf 'DIFFER %s (%s pixels)\n' "$name-through-device.bmp" "$pixels"
-    different=$((different + 1))
-  fi
+  if [ "$pixels" = 0 ]; then verdict "$name-through-device.bmp" same; else verdict "$name-through-device.bmp ($pixels)" DIFFERS; fi
 done
 
 say "making the contact sheet"
@@ -50,6 +52,6 @@ done
 montage -font DejaVu-Sans -pointsize 11 -label '%t' out/sheet/*.png -tile 9x -geometry 240x240+8+8 -background '#f4f4f0' out/contact-sheet.png
 rm -rf out/sheet
 
-say "$compared results compared, $different differ ($((SECONDS)) s for this part)"
+say "$compared results compared, $different differ"
 printf 'pictures: out/pictures  Linux: out/linux  Windows: out/windows  all at a glance: out/contact-sheet.png\n'
 [ "$different" = 0 ]
