@@ -16,15 +16,19 @@
  *  DeleteObject. Arguments are only read and never freed, unless the function says so.
  *
  *  ERRORS. Failure is a zero result (a null handle, FALSE). The reason is the calling thread's error code, read with
- * ImgError and put into words by ImgErrorString. Success leaves the code as it was, so read it only after a failure. Where a
- * function says "no code", a failure leaves the thread's code as it was too.
+ *  ImgError and put into words by ImgErrorString. Success leaves the code as it was, so read it only after a failure. Where
+ *  a function says "no code", a failure leaves the thread's code as it was too.
  *
  *  DAMAGED INPUT. A block shorter than its header claims is completed: missing bytes read as zero, writes past the end are
  *  dropped. Sizes are computed without wrapping; a size that no block can have fails like an allocation. A handle that is
- *  null, freed or never was one fails as documented and does no harm.
+ *  null, freed or never was one fails as documented and does no harm (on Windows as far as the system can tell).
  *
  *  THREADS. There are no locks. Each thread has its own error code and settings; calls that share one handle must be
- *  serialised by the caller. Long operations show the wait cursor and restore the previous one (Windows).
+ *  serialised by the caller. Long operations show the wait cursor and restore the previous one (Windows). A thread that
+ *  memory is too short for to keep its error code is ended inside the call that it made.
+ *
+ *  PATHS are zero-terminated: in the system's ANSI code page and of at most 127 characters on Windows, where a name without
+ *  a folder is also looked for in the system's folders; plain bytes of any length on Linux. A null path cannot be opened.
  */
 #ifndef VOREL32_H
 #define VOREL32_H
@@ -131,8 +135,8 @@ VOREL_API HGLOBAL GlobalAlloc(UINT flags, size_t bytes);
  *  block that may not move can only shrink. */
 VOREL_API HGLOBAL GlobalReAlloc(HGLOBAL block, size_t bytes, UINT flags);
 
-/** Locks a block and counts the lock, up to 255 of them.
- *  Returns its first byte, or NULL for a handle that is none and for a block of 0 bytes. A fixed block has no count. */
+/** Locks a block. A movable block counts its locks, up to 255 of them; further ones are not counted and need no unlocking.
+ *  Returns its first byte, or NULL for a handle that is none and for a movable block of 0 bytes. */
 VOREL_API void* GlobalLock(HGLOBAL block);
 
 /** Takes one lock back.
@@ -214,10 +218,14 @@ VOREL_API void VORELCALL GetImageVersion(char* buffer, int length);
 VOREL_API UINT VORELCALL PaletteSize(void* header);
 
 /** Reads the header and colour table of a bitmap file from where the file stands, and leaves it at the pixel data.
- *  file  open for reading, at a BITMAPFILEHEADER, a BITMAPINFOHEADER or a BITMAPCOREHEADER; stays open
+ *  file  open for reading and seekable (Windows: from OpenFile or _lopen; Linux: a file descriptor), at a BITMAPFILEHEADER,
+ *        a BITMAPINFOHEADER or a BITMAPCOREHEADER; stays open. Offsets in it count from where it stands; one of 2 GB or more
+ *        to the pixel data is not followed. After a failure it stands wherever reading ended
  *  Returns a DIB handle without pixels: the 40-byte header, with biSizeImage and biClrUsed filled in, and the table as
- * RGBQUAD entries (what the file is too short for is zero). NULL: IMG_E_PARAMETER (file is HFILE_ERROR), IMG_E_FILE_IO (too
- * short), IMG_E_FORMAT (header of neither 12 nor 40 bytes); no code when memory is short. */
+ *  RGBQUAD entries (what the file is too short for is zero). biSizeImage is an unsigned number: for a top-down picture that
+ *  does not state it, it comes out as 2^32 minus the picture's size. NULL: IMG_E_PARAMETER (file is HFILE_ERROR),
+ *  IMG_E_FILE_IO (fewer than 40 bytes from the header on, even where a 12-byte header would fit), IMG_E_FORMAT (header of
+ *  neither 12 nor 40 bytes); no code for a negative width, for a size that does not fit 32 bits and when memory is short. */
 VOREL_API HGLOBAL VORELCALL ReadDIBInfo(HFILE file);
 
 /** Turns each of the first biClrUsed colours of the table into its complement, in place; reserved bytes stay.
@@ -226,45 +234,53 @@ VOREL_API HGLOBAL VORELCALL ReadDIBInfo(HFILE file);
 VOREL_API BOOL VORELCALL InvertDIBPalette(HGLOBAL dib);
 
 /** Reverses the sense of the bits of a 1-bit DIB in place: swaps its two colours and inverts every bit of the rows, padding
- *  included, so that the picture looks the same. Other depths, and what is no DIB handle, are left alone. */
+ *  included, so that the picture looks the same. The colours are those right behind a 40-byte header, the rows those right
+ *  behind two colours, whatever biSize and biClrUsed say. Where the height is negative no row is inverted, only the colours
+ *  are swapped. Other depths, and what is no DIB handle, are left alone. */
 VOREL_API void VORELCALL InvertMonoDIB(HGLOBAL dib);
 
 #ifdef _WIN32
 
 /** Makes a logical palette with a DIB's colours. Windows only.
- *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_PALETTE; no code for what is no DIB handle and for a DIB without
- *  colours (24 bits). */
+ *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_PALETTE (also for more than 65,535 colours); no code for what is
+ *  no DIB handle and for a DIB without colours (24 bits). */
 VOREL_API HPALETTE VORELCALL CreateDIBPalette(HGLOBAL dib);
 
 /** Makes a logical palette of the screen's system palette entries. Windows only.
- *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_DC, IMG_E_CREATE_PALETTE (also on a display without a palette). */
+ *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_DC, IMG_E_CREATE_PALETTE (also on a true-colour display, which has
+ *  none); no code when the system does not make the palette. */
 VOREL_API HPALETTE VORELCALL GetCurrentPalette(void);
 
 /** Fills an array with the colours that the screen shows for its system palette. Windows only.
  *  colours  as many entries as the screen's palette has (SIZEPALETTE: 256 at 8 bits); reserved bytes become 0
- *  Returns FALSE if the display has no palette or none could be made. */
+ *  Returns FALSE: the codes of GetCurrentPalette; no code if the display has no palette and for a null array. */
 VOREL_API BOOL VORELCALL GetSystemPalette(RGBQUAD* colours);
 
 /* ---- DIBs and device bitmaps (Windows only) ------------------------------------------------------------------------ */
 
 /** Makes a DIB of a device bitmap: 1, 4 or 8 bits as the bitmap has, 24 for everything deeper. Windows only.
- *  palette  the bitmap's colours, or NULL for the screen's. Where there is none, or it has more entries than the DIB, the
- *           default table stands: black and white, the 16 standard colours, or a 3-3-2 cube
- *  Returns a DIB handle; its block has 10 spare bytes at the end. NULL, no code: no bitmap, or memory is short. Asking the
- *  screen for a palette it does not have leaves IMG_E_CREATE_PALETTE as the thread's code even though the call succeeds. */
+ *  palette  selected while the system reads the bitmap; NULL for the screen's. The system fills in the colour table as it
+ *           does for GetDIBits. Where it leaves it, the palette's entries stand or, if there are none or more than the DIB
+ *           has, the default colours: black and white, the 16 standard colours, or a 3-3-2 cube
+ *  Returns a DIB handle; its block has 10 spare bytes at the end. NULL, no code: no bitmap, no screen, or memory is short.
+ *  Asking the screen for a palette it does not have leaves the code of GetCurrentPalette (IMG_E_CREATE_PALETTE on
+ *  true-colour displays) as the thread's even though the call succeeds. */
 VOREL_API HGLOBAL VORELCALL ConvertBitmapToDIB(HBITMAP bitmap, HPALETTE palette);
 
 /** Makes a device bitmap of a DIB: monochrome for 1 bit, else in the display's format. Windows only.
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_CREATE_BITMAP; no code for what is no DIB handle or when there is no DC.
- */
+ *  dib  its header must have 40 bytes
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_CREATE_BITMAP; no code for what is no DIB handle or when there is no DC. A
+ *  DIB whose palette cannot be made is converted without it, and leaves IMG_E_CREATE_PALETTE. */
 VOREL_API HBITMAP VORELCALL ConvertDIBToBitmap(HGLOBAL dib);
 
 /** Makes a 1-bit copy of a device bitmap, each colour going to black or white as the platform maps it. Windows only.
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_PARAMETER (no bitmap), IMG_E_MEMORY. */
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_PARAMETER (no bitmap), IMG_E_MEMORY; no code when the system does not make
+ *  the bitmap. */
 VOREL_API HBITMAP VORELCALL ConvertToMonochromeBitmap(HBITMAP bitmap);
 
 /** Makes a device bitmap with the same format and bits. Windows only.
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY, IMG_E_COPY_BITS (also for what is no bitmap). */
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY, IMG_E_COPY_BITS (also for what is no bitmap); no code when the
+ *  system does not make the bitmap. */
 VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */
@@ -272,17 +288,16 @@ VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
 /* ---- Bitmap files -------------------------------------------------------------------------------------------------- */
 
 /** Loads a Windows bitmap file, with or without its file header, with a 40- or 12-byte header.
- *  path  at most 127 characters on Windows; any length on Linux
  *  Returns a DIB handle. Run-length compressed rows stay compressed and top-down ones top-down; rows the file is too short
- *  for are zero. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code for sizes that no block has (a top-down picture
- *  that does not state its size among them) and when memory is short. */
+ *  for are zero; colour masks (BI_BITFIELDS) are not kept. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code for
+ *  sizes that no block has (a top-down picture that does not state its size among them) and when memory is short. */
 VOREL_API HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path);
 
 /** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory block
- * as it is, spare bytes at its end included. Nothing about the DIB is checked but that its header is there. Returns TRUE.
- * FALSE: IMG_E_PARAMETER (NULL, or a block shorter than 40 bytes), IMG_E_LOCK (what is no handle), IMG_E_OPEN_FILE,
- * IMG_E_FILE_IO. A write that fails part-way, on a full disk for instance, can go unnoticed: compare the file's size with 14
- * + GlobalSize(dib) where that matters. */
+ *  as it is, spare bytes at its end included. Nothing about the DIB is checked but that its header is there.
+ *  Returns TRUE. FALSE: IMG_E_PARAMETER (NULL, or a block shorter than 40 bytes), IMG_E_LOCK (what is no handle),
+ *  IMG_E_OPEN_FILE, IMG_E_FILE_IO. A write that fails part-way, on a full disk for instance, can go unnoticed: compare the
+ *  file's size with 14 + GlobalSize(dib) where that matters. */
 VOREL_API BOOL VORELCALL SaveDIB(LPCSTR path, HGLOBAL dib);
 
 #ifdef _WIN32
@@ -293,7 +308,7 @@ VOREL_API HBITMAP VORELCALL LoadBitmapFromFile(LPCSTR path);
 
 /** Saves a device bitmap as a bitmap file: ConvertBitmapToDIB, then SaveDIB. Windows only.
  *  palette  as for ConvertBitmapToDIB; NULL is allowed
- *  Returns TRUE, or FALSE with the codes of those two. */
+ *  Returns TRUE, or FALSE with the codes of those two; ConvertBitmapToDIB may leave its code on success too. */
 VOREL_API BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palette);
 
 #endif /* _WIN32 */
@@ -302,7 +317,8 @@ VOREL_API BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palett
 
 /*  The five DIB functions take 1-, 4-, 8- and 24-bit DIBs (at other depths the result's pixels are all zero, but for
  *  FlipDIBVertical, which takes any) and return a new DIB handle whose block has 4 spare bytes at the end. Quarter turns
- * swap width and height, and the two resolutions. NULL, no code: not a DIB handle, a negative size, or memory is short. */
+ *  swap width and height, and the two resolutions, and state the new biSizeImage; the others keep the header as it is. NULL,
+ *  no code: not a DIB handle, a header of fewer than 40 bytes, a negative width or height, or memory is short. */
 
 /** Turns a DIB a quarter clockwise. */
 VOREL_API HGLOBAL VORELCALL RotateDIB90(HGLOBAL dib);
@@ -324,8 +340,9 @@ VOREL_API HGLOBAL VORELCALL FlipDIBHorizontal(HGLOBAL dib);
 #ifdef _WIN32
 
 /*  The device bitmap functions handle 1, 4, 8 and 24 bits per pixel and plane; at other depths (a 32-bit display's bitmaps)
- *  the result is all zero, but for FlipBitmapVertical and InvertBitmap, which take any. Zero results:
- * IMG_E_BITMAP_PARAMETERS (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns, IMG_E_CREATE_BITMAP. */
+ *  the result is all zero, but for FlipBitmapVertical, which takes any. DIB sections are taken as the bitmaps they are. Zero
+ *  results: IMG_E_BITMAP_PARAMETERS (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns,
+ *  IMG_E_CREATE_BITMAP. */
 
 /** Turns a device bitmap a quarter counter-clockwise (its like-named DIB function turns clockwise). Windows only.
  *  Returns a new bitmap for DeleteObject. */
@@ -345,7 +362,8 @@ VOREL_API BOOL VORELCALL FlipBitmapVertical(HBITMAP bitmap);
 VOREL_API BOOL VORELCALL FlipBitmapHorizontal(HBITMAP bitmap);
 
 /** Inverts every bit of a device bitmap, in place. Needs an active window of the calling thread. Windows only.
- *  Returns FALSE, no code: no active window, or no device context. */
+ *  bitmap  monochrome or in the display's format; anything else stays as it is, and so does what is no bitmap
+ *  Returns TRUE, even where nothing was inverted. FALSE, no code: no active window, or no device context. */
 VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */

@@ -128,7 +128,7 @@ uint64_t row_count(const BITMAPINFOHEADER& header) {
 
 Bitmap inspect_bitmap(const Input& input) {
   const Start start = read_start(input);
-  const LibraryFile file(input.library_path());
+  const LibraryFile file(input.loading_path());
   SetImgError(file.is_open() ? IMG_OK : IMG_E_OPEN_FILE);
   const Dib dib(file.is_open() ? ReadDIBInfo(file.get()) : nullptr);
   if (!dib) {
@@ -158,7 +158,7 @@ Picture load_bitmap(const Input& input) {
   const Bitmap bitmap = inspect_bitmap(input);
   require_loadable(input, bitmap);
   SetImgError(IMG_OK);
-  Dib dib(LoadDIBFromFile(input.library_path().c_str()));
+  Dib dib(LoadDIBFromFile(input.loading_path().c_str()));
   if (!dib) fail_to_read(input);
 
   const DibLock lock(dib);

@@ -73,9 +73,9 @@ Input::Input(const std::string& name, std::istream& standard_input)
     if (!fs::is_regular_file(status)) copy(file);
   }
 
-  const auto library_path = path_for_library(path_);
-  if (!library_path) fail("the path is longer than 127 characters; move the file nearer to the root folder");
-  library_path_ = *library_path;
+  const auto loading_path = path_for_library(path_);
+  if (!loading_path) fail("the path is longer than 127 characters; move the file nearer to the root folder");
+  loading_path_ = *loading_path;
   bytes_ = fs::file_size(path_, error);
   if (error) fail(fmt::format("its size is unknown ({}); try again", error.message()));
 }

@@ -34,7 +34,7 @@ class Input {
   Input(const std::string& name, std::istream& standard_input);
 
   const std::string& label() const { return label_; }  // for messages
-  const std::string& library_path() const { return library_path_; }
+  const std::string& loading_path() const { return loading_path_; }
   const std::filesystem::path& path() const { return path_; }
   uintmax_t bytes() const { return bytes_; }
 
@@ -44,7 +44,7 @@ class Input {
   std::string label_;
   std::filesystem::path path_;
   std::optional<ScratchFile> copy_;
-  std::string library_path_;
+  std::string loading_path_;
   uintmax_t bytes_ = 0;
 };
 

@@ -17,7 +17,9 @@ bool read_whole(FileRef file, Struct& into) {
   return file.read(&into, sizeof into) == static_cast<int64_t>(sizeof into);
 }
 
-DibHeader widened(const CoreHeader& core) {
+DibHeader widened(const DibHeader& read) {
+  CoreHeader core;
+  std::memcpy(&core, &read, sizeof core);
   return {.width = core.width, .height = core.height, .planes = core.planes, .depth = core.depth};
 }
 
@@ -53,11 +55,16 @@ FileHeader file_header_for(const DibHeader& dib, size_t block_bytes) {
           .bits_offset = static_cast<uint32_t>((kFileHeaderBytes + bits_offset(dib)).value())};
 }
 
-}  // namespace
+// What a file says of its picture in front of the colour table, the missing counts filled in.
+struct FileInfo {
+  DibHeader header;
+  uint32_t table_colors;   // entries in the file
+  ByteCount table_bytes;   // their size in the file
+  bool table_has_triples;  // as core headers have them
+  int64_t bits_position;   // where the file says that the rows begin; 0: right behind the table
+};
 
-Result<OwnedBlock> read_dib_info(FileRef file) {
-  if (!file.is_open()) return Error::kParameter;
-
+Result<FileInfo> read_info(FileRef file) {
   const int64_t noted = file.position();
   FileHeader file_header;
   if (!read_whole(file, file_header)) return Error::kFileIo;
@@ -70,53 +77,60 @@ Result<OwnedBlock> read_dib_info(FileRef file) {
   if (!read_whole(file, header)) return Error::kFileIo;
   const bool is_core = header.size == kCoreHeaderBytes;
   if (!is_core && header.size != kHeaderBytes) return Error::kFormat;
-  const uint32_t colors = color_count(header);
-  const ByteCount stored_table = palette_bytes(header);
+  FileInfo info{.header = header,
+                .table_colors = color_count(header),
+                .table_bytes = palette_bytes(header),
+                .table_has_triples = is_core,
+                .bits_position = 0};
   if (is_core) {
-    CoreHeader core;
-    std::memcpy(&core, &header, sizeof core);
-    header = widened(core);
+    info.header = widened(header);
     file.seek(-static_cast<int64_t>(kHeaderBytes - kCoreHeaderBytes), SeekFrom::kCurrent);
   }
+  // Offsets are signed: one of 2 GB or more leads nowhere.
+  const bool has_offset = file_header.bits_offset != 0 && file_header.bits_offset <= INT32_MAX;
+  if (has_offset) info.bits_position = noted + file_header.bits_offset;
 
-  if (header.image_bytes == 0) {
-    const auto computed = computed_image_bytes(header);
+  if (info.header.image_bytes == 0) {
+    const auto computed = computed_image_bytes(info.header);
     if (!computed) return Error::kUnreported;
-    header.image_bytes = *computed;
+    info.header.image_bytes = *computed;
   }
-  if (header.colors_used == 0) header.colors_used = implied_colors(header.depth);
-
-  auto dib = OwnedBlock::allocate(kHeaderBytes + ByteCount(colors) * sizeof(Rgb));
-  if (!dib) return Error::kUnreported;
-  const auto lock = LockedBlock::lock(dib->get());
-  if (!lock) return Error::kUnreported;
-  write_header(lock->bytes(), header);
-  const std::span<uint8_t> table = lock->bytes().subspan(kHeaderBytes);
-  file.read(table.data(), static_cast<size_t>(stored_table.value()));  // colours the file is too short for stay black
-  if (is_core) expand_triples(table);
-
-  if (file_header.bits_offset != 0) file.seek(noted + file_header.bits_offset, SeekFrom::kStart);
-  return std::move(*dib);
+  if (info.header.colors_used == 0) info.header.colors_used = implied_colors(info.header.depth);
+  return info;
 }
 
-Result<OwnedBlock> load_dib(const char* path) {
+// A block with header and colour table, and room for so many bytes of pixels; the file then stands at these.
+Result<OwnedDib> read_up_to_rows(FileRef file, const FileInfo& info, ByteCount pixels) {
+  const ByteCount table_bytes = ByteCount(info.table_colors) * sizeof(Rgb);
+  auto dib = OwnedDib::allocate(kHeaderBytes + table_bytes + pixels);
+  if (!dib) return Error::kUnreported;
+  write_header(dib->bytes(), info.header);
+  const std::span<uint8_t> table = dib->bytes().subspan(kHeaderBytes, static_cast<size_t>(table_bytes.value()));
+  file.read(table.data(), static_cast<size_t>(info.table_bytes.value()));  // colours the file is too short for stay black
+  if (info.table_has_triples) expand_triples(table);
+  if (info.bits_position != 0) file.seek(info.bits_position, SeekFrom::kStart);
+  return dib;
+}
+
+}  // namespace
+
+Result<OwnedDib> read_dib_info(FileRef file) {
+  if (!file.is_open()) return Error::kParameter;
+  const auto info = read_info(file);
+  if (!info) return info.error();
+  return read_up_to_rows(file, *info, 0);
+}
+
+Result<OwnedDib> load_dib(const char* path) {
   const auto file = OwnedFile::open_for_reading(path);
   if (!file) return Error::kOpenFile;
-  auto dib = read_dib_info(*file);
+  const auto info = read_info(*file);
+  if (!info) return info.error();
+  auto dib = read_up_to_rows(*file, *info, info->header.image_bytes);
   if (!dib) return dib.error();
-
-  DibHeader header;
-  {
-    const auto lock = LockedDib::lock(dib->get());
-    if (!lock) return Error::kUnreported;
-    header = lock->header();
-  }
-  if (!dib->resize(bits_offset(header) + header.image_bytes)) return Error::kUnreported;
-  const auto lock = LockedDib::lock(dib->get());
-  if (!lock) return Error::kUnreported;
-  const std::span<uint8_t> pixels = lock->part(static_cast<size_t>(bits_offset(header).value()), header.image_bytes);
+  const std::span<uint8_t> pixels = dib->bytes().last(info->header.image_bytes);
   file->read(pixels.data(), pixels.size());  // rows the file is too short for stay zero
-  return std::move(*dib);
+  return dib;
 }
 
 Result<bool> save_dib(const char* path, HGLOBAL handle) {

@@ -1,16 +1,16 @@
 // Windows bitmap files: a file header, which reading can do without, and the packed DIB as it lies in memory.
 #pragma once
 
+#include "dib/packed_dib.h"
 #include "frame/error.h"
 #include "platform/file.h"
-#include "platform/memory.h"
 
 namespace vorel {
 
 // Header and colour table from where the file stands, as a DIB block without pixels; leaves the file at the pixel data.
-Result<OwnedBlock> read_dib_info(FileRef file);
+Result<OwnedDib> read_dib_info(FileRef file);
 
-Result<OwnedBlock> load_dib(const char* path);
+Result<OwnedDib> load_dib(const char* path);
 
 // Writes a whole DIB block behind a file header. A write counts as failed only if it moves nothing.
 Result<bool> save_dib(const char* path, HGLOBAL dib);

@@ -23,32 +23,35 @@ struct DeviceDibInfo {
   BITMAPINFO* get() { return reinterpret_cast<BITMAPINFO*>(this); }
 };
 
+// Entries of a palette; 0 for what is none.
 uint32_t entries_of(HPALETTE palette) {
   WORD count = 0;
-  return GetObject(palette, sizeof count, &count) == 0 ? 0 : count;
+  if (GetObjectType(palette) == OBJ_PAL) GetObject(palette, sizeof count, &count);
+  return count;
 }
 
 // The table a DIB gets from a palette; the default one where there is no palette or it has more colours than the DIB.
 void fill_colors(std::span<Rgb> table, uint32_t depth, HPALETTE palette) {
-  const uint32_t count = palette == nullptr ? 0 : entries_of(palette);
-  if (palette == nullptr || count > table.size()) {
+  const uint32_t count = entries_of(palette);
+  if (count == 0 || count > table.size()) {
     std::ranges::copy(default_colors(depth), table.begin());
     return;
   }
-  PALETTEENTRY entries[256];
+  PALETTEENTRY entries[256] = {};
   GetPaletteEntries(palette, 0, count, entries);
   std::transform(entries, entries + count, table.begin(), [](const PALETTEENTRY& entry) {
     return Rgb{entry.peBlue, entry.peGreen, entry.peRed, 0};
   });
 }
 
-// Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, and up to
-// three masks, and a compressed picture is as long as it says.
+// Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, up to three
+// masks, all planes, and a compressed picture is as long as it says.
 ByteCount bytes_read_by_device(const DibHeader& header) {
   const uint32_t rows = header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
-  const ByteCount pixels = row_stride(header.depth, std::max(header.width, 0)) * rows;
-  const uint32_t table = std::max(color_count(header), implied_colors(header.depth)) + 3;
-  return ByteCount(header.size) + ByteCount(table) * sizeof(Rgb) + std::max(pixels, ByteCount(header.image_bytes));
+  const uint32_t row_bits = uint32_t{std::max<uint16_t>(header.planes, 1)} * header.depth;
+  const ByteCount pixels = row_stride(row_bits, std::max(header.width, 0)) * rows;
+  const ByteCount table = (ByteCount(std::max(color_count(header), implied_colors(header.depth))) + 3) * sizeof(Rgb);
+  return header.size + table + std::max(pixels, ByteCount(header.image_bytes));
 }
 
 HBITMAP create_from(HDC dc, std::span<uint8_t> dib, const DibHeader& header) {
@@ -70,7 +73,10 @@ Result<OwnedBitmap> bitmap_of(const LockedDib& dib, HDC dc, HPALETTE palette) {
 
 std::optional<BITMAP> describe(HBITMAP bitmap) {
   BITMAP facts{};
-  if (bitmap == nullptr || GetObject(bitmap, sizeof facts, &facts) == 0) return std::nullopt;
+  if (GetObjectType(bitmap) != OBJ_BITMAP || GetObject(bitmap, sizeof facts, &facts) == 0) return std::nullopt;
+  // DIB sections say how wide their rows are in memory; the bits that the system hands out have rows of whole words.
+  facts.bmWidthBytes = static_cast<LONG>((int64_t{facts.bmWidth} * facts.bmBitsPixel + 15) / 16 * 2);
+  facts.bmBits = nullptr;
   return facts;
 }
 
@@ -100,6 +106,7 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette) {
   HPALETTE colors = palette != nullptr ? palette : of_screen.get();
 
   const ScreenDc screen;
+  if (!screen) return Error::kUnreported;
   const PaletteSelection selection(screen.get(), colors);
   DeviceDibInfo info{.header = *header, .colors = {}};
   const std::span<Rgb> table(info.colors, header->colors_used);

@@ -9,7 +9,7 @@
 
 namespace vorel {
 
-// None for what is no bitmap.
+// None for what is no bitmap. bmWidthBytes is that of the rows that copy_bits_out gives.
 std::optional<BITMAP> describe(HBITMAP bitmap);
 
 // Copies the bits of a bitmap out; false unless the system hands out just as many bytes as asked for.

@@ -9,7 +9,9 @@ namespace {
 // A LOGPALETTE with zeroed entries, ready to be filled.
 class LogicalPalette {
  public:
+  // None when memory is short, and for more entries than a palette can count.
   static std::optional<LogicalPalette> with_entries(uint32_t count) {
+    if (count > UINT16_MAX) return std::nullopt;
     auto memory = ZeroedBuffer::allocate(ByteCount(count) * sizeof(PALETTEENTRY) + kHeadBytes);
     if (!memory) return std::nullopt;
     return LogicalPalette(std::move(*memory), count);
@@ -40,8 +42,10 @@ Result<OwnedPalette> palette_of(const LockedDib& dib) {
   if (count == 0) return Error::kUnreported;
   const auto logical = LogicalPalette::with_entries(count);
   if (!logical) return Error::kCreatePalette;
+  const auto table = dib.complete_colors(count);
+  if (!table) return Error::kCreatePalette;
   PALETTEENTRY* entry = logical->entries();
-  for (const Rgb& color : dib.colors(count)) *entry++ = {color.red, color.green, color.blue, 0};
+  for (const Rgb& color : colors_in(*table)) *entry++ = {color.red, color.green, color.blue, 0};
   OwnedPalette palette = logical->create();
   if (!palette) return Error::kCreatePalette;
   return palette;
@@ -60,6 +64,7 @@ Result<OwnedPalette> screen_palette() {
 }
 
 Result<bool> read_screen_colors(Rgb* colors) {
+  if (colors == nullptr) return Error::kUnreported;
   const ScreenDc screen;
   if (!screen) return Error::kUnreported;
   const int count = screen_palette_size(screen.get());

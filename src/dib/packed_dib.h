@@ -14,25 +14,31 @@
 namespace vorel {
 
 // The first bytes of a block, as many as asked for. A block that is shorter stands there as a private copy completed with
-// zeros, so that kernels need no checks of their own; what they write to the copy is dropped.
+// zeros, so that kernels need no checks of their own.
 class CompleteBytes {
  public:
   // None when no block can be that large or memory for the copy is short.
   static std::optional<CompleteBytes> of(std::span<uint8_t> block, ByteCount bytes) {
-    if (bytes <= ByteCount(block.size())) return CompleteBytes(block.first(static_cast<size_t>(bytes.value())), {});
+    if (bytes <= ByteCount(block.size())) return CompleteBytes(block, block.first(static_cast<size_t>(bytes.value())), {});
     auto copy = ZeroedBuffer::allocate(bytes);
     if (!copy) return std::nullopt;
     std::ranges::copy(block, copy->bytes().begin());
     const std::span<uint8_t> completed = copy->bytes();
-    return CompleteBytes(completed, std::move(*copy));
+    return CompleteBytes(block, completed, std::move(*copy));
   }
 
   std::span<uint8_t> bytes() const { return bytes_; }
 
- private:
-  CompleteBytes(std::span<uint8_t> bytes, ZeroedBuffer copy) : bytes_(bytes), copy_(std::move(copy)) {}
+  // Puts what was written to a copy into the block; what lies past its end is dropped.
+  void write_back() const {
+    if (bytes_.size() > block_.size()) std::ranges::copy(bytes_.first(block_.size()), block_.begin());
+  }
 
-  std::span<uint8_t> bytes_;
+ private:
+  CompleteBytes(std::span<uint8_t> block, std::span<uint8_t> bytes, ZeroedBuffer copy)
+      : block_(block), bytes_(bytes), copy_(std::move(copy)) {}
+
+  std::span<uint8_t> block_, bytes_;
   ZeroedBuffer copy_;  // empty where the block itself is long enough
 };
 
@@ -60,10 +66,10 @@ class LockedDib {
     return block().subspan(offset, static_cast<size_t>(std::min(there, bytes.value())));
   }
 
-  // Those of the first `count` colour table entries that the block holds, right after its 40-byte header.
-  std::span<Rgb> colors(uint32_t count) const {
-    const std::span<uint8_t> table = part(kHeaderBytes, ByteCount(count) * sizeof(Rgb));
-    return {reinterpret_cast<Rgb*>(table.data()), table.size() / sizeof(Rgb)};
+  // The first `count` colours right after the 40-byte header, or fewer: those past the block's end are left out.
+  std::optional<CompleteBytes> complete_colors(uint32_t count) const {
+    const ByteCount there = (block().size() - kHeaderBytes + sizeof(Rgb) - 1) / sizeof(Rgb);
+    return complete(kHeaderBytes + std::min(there, ByteCount(count)) * sizeof(Rgb));
   }
 
  private:
@@ -74,6 +80,12 @@ class LockedDib {
   LockedBlock block_;
   DibHeader header_;
 };
+
+// The colours in a block's first bytes, right after its 40-byte header.
+inline std::span<Rgb> colors_in(const CompleteBytes& bytes) {
+  const std::span<uint8_t> table = bytes.bytes().subspan(kHeaderBytes);
+  return {reinterpret_cast<Rgb*>(table.data()), table.size() / sizeof(Rgb)};
+}
 
 // A new zero-filled block, locked until it is released to the caller.
 class OwnedDib {

@@ -40,7 +40,11 @@ struct Pixel {
 
  private:
   static constexpr uint32_t kMask = kDepth < 8 ? (1u << kDepth) - 1 : 0;
-  static constexpr size_t byte(int x) { return static_cast<size_t>(x) * kDepth / 8; }
+  // The bits of a row may be more than 32 bits can count, its bytes are not.
+  static constexpr size_t byte(int x) {
+    if constexpr (kDepth < 8) return static_cast<size_t>(x / (8 / kDepth));
+    return static_cast<size_t>(x) * (kDepth / 8);
+  }
   static constexpr int shift(int x) { return 8 - kDepth - x % (8 / kDepth) * kDepth; }
 };
 

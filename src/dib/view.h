@@ -10,7 +10,7 @@ namespace vorel {
 
 // Bytes that the pixels of one row take, padding not included.
 constexpr size_t row_bytes(int depth, int width) {
-  return (static_cast<size_t>(depth) * static_cast<size_t>(width) + 7) / 8;
+  return static_cast<size_t>((static_cast<uint64_t>(depth) * static_cast<uint64_t>(width) + 7) / 8);
 }
 
 // Rows of pixels in memory. Rows are counted as they are stored: in a packed DIB row 0 is the bottom line of the picture, in

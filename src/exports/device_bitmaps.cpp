@@ -74,9 +74,10 @@ HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap) {
 
 HBITMAP VORELCALL LoadBitmapFromFile(LPCSTR path) {
   return object_for_caller([&]() -> Result<OwnedBitmap> {
-    const auto dib = load_dib(path);
+    auto dib = load_dib(path);
     if (!dib) return dib.error();
-    const auto locked = LockedDib::lock(dib->get());
+    const OwnedBlock block(dib->release());
+    const auto locked = LockedDib::lock(block.get());
     if (!locked) return Error::kUnreported;
     return bitmap_of(*locked);
   });

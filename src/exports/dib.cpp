@@ -1,4 +1,5 @@
 // Headers and colours of packed DIBs, and bitmap files.
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -23,9 +24,10 @@ extern "C" {
 
 UINT VORELCALL PaletteSize(void* header) {
   if (header == nullptr) return 0;
+  // As far as a header of its size reaches; one of neither size has its depth in its first 16 bytes.
   DibHeader whole{};
   std::memcpy(&whole.size, header, sizeof whole.size);
-  std::memcpy(&whole, header, whole.size == kCoreHeaderBytes ? kCoreHeaderBytes : kHeaderBytes);
+  std::memcpy(&whole, header, whole.size == kCoreHeaderBytes ? kCoreHeaderBytes : std::clamp(whole.size, 16u, kHeaderBytes));
   const uint64_t bytes = palette_bytes(whole).value();
   return bytes <= UINT32_MAX ? static_cast<UINT>(bytes) : 0;
 }
@@ -41,7 +43,10 @@ HGLOBAL VORELCALL ReadDIBInfo(HFILE file) {
 BOOL VORELCALL InvertDIBPalette(HGLOBAL dib) {
   const auto locked = LockedDib::lock(dib);
   if (!locked || locked->header().size != kHeaderBytes) return FALSE;
-  complement_colors(locked->colors(locked->header().colors_used));
+  if (const auto table = locked->complete_colors(locked->header().colors_used)) {
+    complement_colors(colors_in(*table));
+    table->write_back();
+  }
   return TRUE;
 }
 
@@ -49,7 +54,10 @@ void VORELCALL InvertMonoDIB(HGLOBAL dib) {
   const auto locked = LockedDib::lock(dib);
   if (!locked || locked->header().depth != 1) return;
   const DibHeader& header = locked->header();
-  if (const auto colors = locked->colors(2); colors.size() == 2) swap_colors(colors[0], colors[1]);
+  if (const auto table = locked->complete(kHeaderBytes + 2 * sizeof(Rgb))) {
+    swap_colors(colors_in(*table)[0], colors_in(*table)[1]);
+    table->write_back();
+  }
   if (header.width <= 0 || header.height <= 0) return;
   const ByteCount pixels = row_stride(1, header.width) * static_cast<uint32_t>(header.height);
   invert_bits(locked->part(kHeaderBytes + 2 * sizeof(Rgb), pixels));

@@ -68,8 +68,9 @@ Result<OwnedDib> turned(const LockedDib& source, DibTurn turn) {
 
   std::ranges::copy(whole->bytes().first(static_cast<size_t>(bits_offset(header).value())), result->bytes().begin());
   write_header(result->bytes(), result_header);
-  // Without planes the rows have no length and hold no pixels.
-  if (header.planes != 0) move_pixels(view_of(whole->bytes(), header), view_of(result->bytes(), result_header), turn);
+  // Rows without length, as those without planes, hold no pixels.
+  const bool has_pixels = header.height > 0 && stored_stride(header) != ByteCount(0);
+  if (has_pixels) move_pixels(view_of(whole->bytes(), header), view_of(result->bytes(), result_header), turn);
   return result;
 }
 

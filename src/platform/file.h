@@ -23,7 +23,7 @@ class FileRef {
   // Moves the position. Returns the new one, counted from the start, or -1.
   int64_t seek(int64_t offset, SeekFrom from) const;
   int64_t position() const { return seek(0, SeekFrom::kCurrent); }
-  // The file's size; the position stays where it was.
+  // The file's size, or -1; the position stays where it was.
   int64_t size() const;
 
   // Both return the number of bytes moved, or -1.
@@ -37,7 +37,7 @@ class FileRef {
 // An open file that is closed with its scope.
 class OwnedFile : public FileRef {
  public:
-  // Neither opens a folder; a null path cannot be opened.
+  // Folders and null paths cannot be opened, nor pipes for reading.
   static std::optional<OwnedFile> open_for_reading(const char* path);
   static std::optional<OwnedFile> create(const char* path);
 

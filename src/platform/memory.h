@@ -83,15 +83,6 @@ class OwnedBlock {
   HGLOBAL get() const { return handle_; }
   [[nodiscard]] HGLOBAL release() { return std::exchange(handle_, nullptr); }
 
-  // Changes the size; new bytes are zero. The block must not be locked.
-  bool resize(ByteCount bytes) {
-    HGLOBAL resized =
-        bytes.fits_block() ? GlobalReAlloc(handle_, static_cast<size_t>(bytes.value()), GMEM_ZEROINIT) : nullptr;
-    if (resized == nullptr) return false;
-    handle_ = resized;
-    return true;
-  }
-
  private:
   HGLOBAL handle_;
 };

@@ -1,4 +1,8 @@
 // Bitmap files: every kind that loads, and everything that does not.
+#ifdef __linux__
+#include <sys/stat.h>
+#endif
+
 #include <cstring>
 #include <gtest/gtest.h>
 
@@ -140,13 +144,18 @@ TEST_F(BitmapFile, AFileCutAnywhereIsRefusedInItsHeadersAndCompletedBehindThem) 
   for (size_t size = 0; size < whole.size(); ++size) {
     const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
     if (size < 14 + 40) {
-      expect_refused(cut, size < 14 || size < 14 + 40 ? IMG_E_FILE_IO : 0);
+      expect_refused(cut, IMG_E_FILE_IO);
     } else {
       Bytes expected(whole.begin() + 14, whole.begin() + static_cast<std::ptrdiff_t>(size));
       expected.resize(whole.size() - 14);
       EXPECT_EQ(bytes_of(load(cut).get()), expected) << size;
     }
   }
+}
+
+TEST_F(BitmapFile, AShorterFormCutInItsHeaderIsRefused) {
+  for (const Bytes& whole : {noise(9, 4, 24), core_file(1, Bytes(40))})
+    for (int size = 0; size < 40; ++size) expect_refused(Bytes(whole.begin(), whole.begin() + size), IMG_E_FILE_IO);
 }
 
 TEST_F(BitmapFile, OtherHeaderSizesAreNoBitmap) {
@@ -228,6 +237,12 @@ TEST_F(BitmapFile, SavesWhateverTheBlockHolds) {
 }
 
 #ifdef __linux__
+TEST_F(BitmapFile, APipeIsNotWaitedFor) {
+  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_EQ(LoadDIBFromFile(path_.c_str()), nullptr);
+  EXPECT_EQ(ImgError(), IMG_E_OPEN_FILE);
+}
+
 TEST_F(BitmapFile, AFullDiskGoesUnnoticedByTheSaver) {
   const Block dib = block_of(noise(1, 1, 8));
   EXPECT_TRUE(SaveDIB("/dev/full", dib.get())) << "only a write that moves nothing is a failure";
@@ -253,8 +268,27 @@ TEST(ReadDIBInfo, LeavesTheFileAtTheRows) {
   EXPECT_EQ(open->size(), static_cast<int64_t>(file.size()));
   EXPECT_EQ(open->position(), 3 + 14 + 40 + 64 + 5);
 
+  // The same without a file header, which the reader only finds out by reading on.
+  write_file(path, with_header(header_for(1, 1, 24), with_header(header_for(7, 7, 24))));
+  const auto second = vorel::OwnedFile::open_for_reading(path.c_str());
+  second->seek(40, vorel::SeekFrom::kStart);
+  EXPECT_EQ(header_of(bytes_of(Block(ReadDIBInfo(second->handle())).get())).biWidth, 7);
+  EXPECT_EQ(second->position(), 80);
+
   EXPECT_EQ(ReadDIBInfo(HFILE_ERROR), nullptr);
   EXPECT_EQ(ImgError(), IMG_E_PARAMETER);
+}
+
+TEST(File, LargerThan2GBIsMeasured) {
+  TempFolder folder;
+  const std::string path = folder.path("sparse");
+  write_file(path, {1});
+  constexpr int64_t kSize = 3'500'000'000;
+  std::filesystem::resize_file(path, kSize);
+  const auto file = vorel::OwnedFile::open_for_reading(path.c_str());
+  EXPECT_EQ(file->seek(3'000'000'000, vorel::SeekFrom::kStart), 3'000'000'000);
+  EXPECT_EQ(file->size(), kSize);
+  EXPECT_EQ(file->position(), 3'000'000'000);
 }
 
 }  // namespace

@@ -23,12 +23,25 @@ TEST(InvertDIBPalette, CountOfZeroTouchesNothingAndSucceeds) {
   EXPECT_EQ(bytes_of(dib.get()), before);
 }
 
-TEST(InvertDIBPalette, StaysInsideTheBlock) {
+// Missing bytes count as zero, and what would be written to them is dropped.
+TEST(InvertDIBPalette, WorksOnAsMuchOfTheTableAsThereIs) {
   BITMAPINFOHEADER header = header_for(1, 1, 8);
-  header.biClrUsed = 1u << 30;
-  const Block dib = block_of(with_header(header, {1, 2, 3, 4, 5, 6}));
-  EXPECT_TRUE(InvertDIBPalette(dib.get()));
-  EXPECT_EQ(bytes_of(dib.get()), with_header(header, {254, 253, 252, 4, 5, 6}));
+  for (uint32_t colors : {2u, 256u, 1u << 30, 0xFFFFFFFFu}) {
+    header.biClrUsed = colors;
+    const Block dib = block_of(with_header(header, {1, 2, 3, 4, 5, 6}));
+    EXPECT_TRUE(InvertDIBPalette(dib.get()));
+    EXPECT_EQ(bytes_of(dib.get()), with_header(header, {254, 253, 252, 4, 250, 249})) << colors;
+  }
+}
+
+TEST(InvertMonoDIB, WorksOnAsMuchOfTheTableAsThereIs) {
+  const BITMAPINFOHEADER header = header_for(3, 2, 1);
+  const Block half = block_of(with_header(header, {1, 2, 3, 9}));
+  InvertMonoDIB(half.get());
+  EXPECT_EQ(bytes_of(half.get()), with_header(header, {0, 0, 0, 9}));
+  const Block most = block_of(with_header(header, {1, 2, 3, 9, 4, 5}));
+  InvertMonoDIB(most.get());
+  EXPECT_EQ(bytes_of(most.get()), with_header(header, {4, 5, 0, 9, 1, 2}));
 }
 
 TEST(InvertDIBPalette, RefusesWhatIsNoDib) {

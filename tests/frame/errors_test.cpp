@@ -1,3 +1,7 @@
+#ifndef _WIN32
+#include <pthread.h>
+#endif
+
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
@@ -32,6 +36,7 @@ TEST(Errors, TextsAreThoseThatProgramsKnow) {
   EXPECT_EQ(text_of(22), "The QUENT algorithm creates only 1 or 4 bit image");
   EXPECT_EQ(text_of(25), "Could not get dispaly DC");
   EXPECT_EQ(text_of(30), "Nothing to do.");
+  EXPECT_EQ(text_of(31), "Nothing to convert.");
 }
 
 TEST(Errors, OtherCodesStandForTheCurrentOne) {
@@ -62,6 +67,21 @@ TEST(Threads, HaveTheirOwnCode) {
   }).join();
   EXPECT_EQ(ImgError(), 8);
 }
+
+#ifndef _WIN32
+// Destructors of a thread's own may run after the library's and still call it.
+TEST(Threads, MayCallTheLibraryToTheirLastMoment) {
+  static int last_code = -1;
+  pthread_key_t key;
+  pthread_key_create(&key, [](void*) { last_code = SetImgError(7); });
+  std::thread([&] {
+    pthread_setspecific(key, &last_code);
+    SetImgError(9);
+  }).join();
+  pthread_key_delete(key);
+  EXPECT_TRUE(last_code == 9 || last_code == 0) << last_code;
+}
+#endif
 
 TEST(Threads, LeaveNothingBehind) {
   const auto run = [](int count) {

@@ -7,6 +7,9 @@
 #include <windows.h>
 #else
 #include <malloc.h>
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/allocator_interface.h>
+#endif
 #endif
 
 namespace test {
@@ -27,8 +30,15 @@ inline size_t heap_blocks() {
 
 #else
 
-// The C library counts bytes, not blocks: an upper bound for blocks of 64 bytes and more.
-inline size_t heap_blocks() { return mallinfo2().uordblks / 64; }
+// Bytes are counted here, not blocks: as many as make up the library's smallest block.
+inline size_t heap_blocks() {
+  constexpr size_t kSmallestBlock = 40;
+#ifdef __SANITIZE_ADDRESS__
+  return __sanitizer_get_current_allocated_bytes() / kSmallestBlock;
+#else
+  return mallinfo2().uordblks / kSmallestBlock;
+#endif
+}
 
 #endif
 

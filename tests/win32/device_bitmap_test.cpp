@@ -53,8 +53,9 @@ TEST(ConvertBitmapToDIB, DeeperBitmapsBecome24Bits) {
 
 TEST(ConvertBitmapToDIB, WhatIsNoBitmapGivesNothingAndNoCode) {
   SetImgError(5);
-  EXPECT_EQ(ConvertBitmapToDIB(nullptr, nullptr), nullptr);
-  EXPECT_EQ(ConvertBitmapToDIB(reinterpret_cast<HBITMAP>(0x1234), nullptr), nullptr);
+  const Object<HPEN> pen(CreatePen(PS_SOLID, 1, 0));
+  for (HBITMAP bitmap : {HBITMAP{nullptr}, reinterpret_cast<HBITMAP>(0x1234), reinterpret_cast<HBITMAP>(pen.get())})
+    EXPECT_EQ(ConvertBitmapToDIB(bitmap, nullptr), nullptr);
   EXPECT_EQ(ImgError(), 5);
 }
 
@@ -95,7 +96,7 @@ TEST(ConvertDIBToBitmap, DamagedDibsAreCompletedOrRefused) {
   BITMAPINFOHEADER compressed = header_for(64, 64, 8);
   compressed.biCompression = BI_RLE8;
   compressed.biSizeImage = 100'000;
-  EXPECT_NO_FATAL_FAILURE(Object<HBITMAP>(ConvertDIBToBitmap(block_of(with_header(compressed, {1, 2, 3})).get())));
+  EXPECT_TRUE(Object<HBITMAP>(ConvertDIBToBitmap(block_of(with_header(compressed, {1, 2, 3})).get()))) << "an empty stream";
 
   for (uint32_t size : {0u, 12u, 64u, 0xFFFFFFF0u}) {
     BITMAPINFOHEADER header = header_for(4, 4, 8);
@@ -157,9 +158,17 @@ TEST(CreateDIBPalette, HasTheDibsColors) {
   EXPECT_EQ(CreateDIBPalette(nullptr), nullptr);
   EXPECT_EQ(CreateDIBPalette(dead_handle()), nullptr);
   EXPECT_EQ(ImgError(), 5);
-  header.biClrUsed = 1u << 30;
-  EXPECT_EQ(CreateDIBPalette(block_of(with_header(header)).get()), nullptr);
-  EXPECT_EQ(ImgError(), IMG_E_CREATE_PALETTE);
+  for (uint32_t colors : {65'536u, 65'537u, 1u << 30, 0xFFFFFFFFu}) {
+    header.biClrUsed = colors;
+    const Block lying = block_of(with_header(header));
+    SetImgError(0);
+    EXPECT_EQ(CreateDIBPalette(lying.get()), nullptr);
+    EXPECT_EQ(ImgError(), IMG_E_CREATE_PALETTE) << colors;
+    if (colors > 1u << 29) {
+      EXPECT_EQ(ConvertDIBToBitmap(lying.get()), nullptr);
+      EXPECT_EQ(ImgError(), IMG_E_CREATE_BITMAP) << colors;
+    }
+  }
 }
 
 TEST(BitmapFiles, GoStraightToDeviceBitmaps) {

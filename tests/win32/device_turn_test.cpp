@@ -1,4 +1,5 @@
 // Turns of real device bitmaps: what the system hands out and takes back.
+#include <cstring>
 #include <gtest/gtest.h>
 
 #include <vorel32.h>
@@ -49,6 +50,25 @@ TEST(DeviceTurns, ComeBackAfterTheirPeriod) {
     EXPECT_TRUE(RotateBitmap180(twice.get()));
     EXPECT_EQ(bits_of(twice.get()), before) << depth;
   }
+}
+
+// A DIB section says that its rows take whole double words; the system hands them out in words.
+TEST(DeviceTurns, TakeDibSectionsAsBitmaps) {
+  struct {
+    BITMAPINFOHEADER header = header_for(5, -2, 8);
+    RGBQUAD colors[256] = {};
+  } info;
+  void* memory = nullptr;
+  const Object<HBITMAP> section(
+      CreateDIBSection(nullptr, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS, &memory, nullptr, 0));
+  ASSERT_TRUE(section);
+  std::memcpy(memory, "ABCDE...FGHIJ...", 16);
+  EXPECT_TRUE(RotateBitmap180(section.get()));
+  GdiFlush();
+  EXPECT_EQ(std::string(static_cast<const char*>(memory), 5), "JIHGF");
+  EXPECT_EQ(std::string(static_cast<const char*>(memory) + 8, 5), "EDCBA");
+  EXPECT_EQ(bits_of(Object<HBITMAP>(DuplicateBitmap(section.get())).get()),
+            (Bytes{'J', 'I', 'H', 'G', 'F', 0, 'E', 'D', 'C', 'B', 'A', 0}));
 }
 
 TEST(DeviceTurns, ClockwiseLosesTheBottomRowAtOneBit) {

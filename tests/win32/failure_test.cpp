@@ -23,9 +23,10 @@ HPALETTE WINAPI no_palette(const LOGPALETTE*) { return nullptr; }
 HBITMAP WINAPI no_bitmap(HDC, const BITMAPINFOHEADER*, DWORD, const void*, const BITMAPINFO*, UINT) { return nullptr; }
 HBITMAP WINAPI no_bitmap_indirect(const BITMAP*) { return nullptr; }
 LONG WINAPI no_bits(HBITMAP, LONG, LPVOID) { return 0; }
-HGLOBAL WINAPI no_realloc(HGLOBAL, SIZE_T, UINT) { return nullptr; }
+void* no_scratch(size_t, size_t) { return nullptr; }
 LPVOID WINAPI no_lock(HGLOBAL) { return nullptr; }
-LONG WINAPI no_write(HFILE, LPCSTR, LONG) { return 0; }
+int writes_left = 0;
+LONG WINAPI no_write(HFILE file, LPCSTR bytes, LONG count) { return writes_left-- > 0 ? _hwrite(file, bytes, count) : 0; }
 LONG WINAPI failed_write(HFILE, LPCSTR, LONG) { return -1; }
 
 // What each export works on, and how its result is thrown away.
@@ -75,67 +76,37 @@ void expect_nothing_left(const char* circumstance) {
   for (const Export& e : kExports) {
     Setting setting;
     const auto run = [&] {
-      allocations_left = 1000;
-      e.call(setting);
+      for (int allowed : {1000, 3, 2, 1, 0}) {
+        allocations_left = allowed;
+        e.call(setting);
+      }
     };
     run();  // whatever the system caches on first use
     const size_t objects = gdi_objects(), blocks = heap_blocks();
-    for (int i = 0; i < 20; ++i) run();
-    EXPECT_EQ(gdi_objects(), objects) << e.name << ", " << circumstance;
-    EXPECT_LT(heap_blocks(), blocks + 10) << e.name << ", " << circumstance;
+    for (int i = 0; i < 10; ++i) run();
+    EXPECT_EQ(gdi_objects(), objects) << e.name << ", failing: " << circumstance;
+    EXPECT_LT(heap_blocks(), blocks + 10) << e.name << ", failing: " << circumstance;
   }
 }
 
 TEST(NothingIsLeft, WhateverFails) {
   const ActiveWindow window;
-  expect_nothing_left("all well");
-  {
-    const Replacement r("GetDC", no_dc);
-    expect_nothing_left("no screen");
-  }
-  {
-    const Replacement r("CreateCompatibleDC", no_memory_dc);
-    expect_nothing_left("no memory context");
-  }
-  {
-    const Replacement r("CreatePalette", no_palette);
-    expect_nothing_left("no palette");
-  }
-  {
-    const Replacement r("CreateDIBitmap", no_bitmap);
-    expect_nothing_left("no bitmap");
-  }
-  {
-    const Replacement r("CreateBitmapIndirect", no_bitmap_indirect);
-    expect_nothing_left("no bitmap from bits");
-  }
-  {
-    const Replacement r("GetBitmapBits", no_bits);
-    expect_nothing_left("no bits");
-  }
-  {
-    const Replacement r("GlobalReAlloc", no_realloc);
-    expect_nothing_left("no growing");
-  }
-  {
-    const Replacement r("GlobalLock", no_lock);
-    expect_nothing_left("no locking");
-  }
-}
-
-TEST(NothingIsLeft, WhicheverAllocationFails) {
-  const ActiveWindow window;
   SetImgError(0);
-  const Replacement replaced("GlobalAlloc", failing_alloc);
-  for (const Export& e : kExports) {
-    Setting setting;
-    const size_t objects = gdi_objects(), blocks = heap_blocks();
-    for (int allowed = 0; allowed < 4; ++allowed) {
-      allocations_left = allowed;
-      e.call(setting);
-    }
-    EXPECT_EQ(gdi_objects(), objects) << e.name;
-    EXPECT_LT(heap_blocks(), blocks + 10) << e.name;
+  expect_nothing_left("nothing");
+  const std::pair<const char*, void (*)()> failures[] = {
+      {"GlobalAlloc", reinterpret_cast<void (*)()>(failing_alloc)},
+      {"calloc", reinterpret_cast<void (*)()>(no_scratch)},
+      {"GlobalLock", reinterpret_cast<void (*)()>(no_lock)},
+      {"GetDC", reinterpret_cast<void (*)()>(no_dc)},
+      {"CreateCompatibleDC", reinterpret_cast<void (*)()>(no_memory_dc)},
+      {"CreatePalette", reinterpret_cast<void (*)()>(no_palette)},
+      {"CreateDIBitmap", reinterpret_cast<void (*)()>(no_bitmap)},
+      {"CreateBitmapIndirect", reinterpret_cast<void (*)()>(no_bitmap_indirect)},
+      {"GetBitmapBits", reinterpret_cast<void (*)()>(no_bits)},
+  };
+  for (const auto& [import, function] : failures) {
+    const Replacement replaced(import, function);
+    expect_nothing_left(import);
   }
 }
 
@@ -154,7 +125,11 @@ TEST(Codes, AreTheStatedOnes) {
   const auto turn = [](Setting& s) { return gave(RotateBitmap90(s.bitmap.get())); };
   const auto load = [](Setting& s) { return static_cast<bool>(Block(LoadDIBFromFile(s.file.c_str()))); };
   const auto save = [](Setting& s) { return SaveDIB(s.target.c_str(), s.dib.get()) != 0; };
+  const auto duplicate = [](Setting& s) { return gave(DuplicateBitmap(s.bitmap.get())); };
+  const auto monochrome = [](Setting& s) { return gave(ConvertToMonochromeBitmap(s.bitmap.get())); };
   constexpr int kUntouched = 30, kSucceeds = -1;
+  for (const auto& call : std::vector<std::function<bool(Setting&)>>{turn, duplicate, monochrome})
+    EXPECT_EQ(code_after("calloc", no_scratch, call), IMG_E_MEMORY);
   EXPECT_EQ(code_after("GetDC", no_dc, [](Setting&) { return gave(GetCurrentPalette()); }), IMG_E_CREATE_DC);
   EXPECT_EQ(code_after("GetDC", no_dc,
                        [](Setting&) {
@@ -171,11 +146,13 @@ TEST(Codes, AreTheStatedOnes) {
   EXPECT_EQ(code_after("GetBitmapBits", no_bits, [](Setting& s) { return gave(DuplicateBitmap(s.bitmap.get())); }),
             IMG_E_COPY_BITS);
   EXPECT_EQ(code_after("GlobalAlloc", failing_alloc, load), kUntouched);
-  EXPECT_EQ(code_after("GlobalReAlloc", no_realloc, load), kUntouched);
   EXPECT_EQ(code_after("GlobalAlloc", failing_alloc,
                        [](Setting& s) { return static_cast<bool>(Block(RotateDIB90(s.dib.get()))); }),
             kUntouched);
-  EXPECT_EQ(code_after("_hwrite", no_write, save), IMG_E_FILE_IO);
+  for (int written : {0, 1}) {
+    writes_left = written;
+    EXPECT_EQ(code_after("_hwrite", no_write, save), IMG_E_FILE_IO) << "after " << written;
+  }
   EXPECT_EQ(code_after("_hwrite", failed_write, save), kSucceeds) << "only a write of 0 bytes counts as failed";
 }
 

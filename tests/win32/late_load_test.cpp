@@ -14,13 +14,13 @@ HGLOBAL WINAPI no_memory(UINT, SIZE_T) { return nullptr; }
 // A thread that waits until it is let go, then asks for its code and returns 100 more than that.
 class OlderThread {
  public:
-  OlderThread()
-      : go_(CreateEventA(nullptr, TRUE, FALSE, nullptr)), thread_(CreateThread(nullptr, 0, run, go_, 0, nullptr)) {}
+  OlderThread() : thread_(CreateThread(nullptr, 0, run, this, 0, nullptr)) { WaitForSingleObject(started_, INFINITE); }
   OlderThread(const OlderThread&) = delete;
   OlderThread& operator=(const OlderThread&) = delete;
   ~OlderThread() {
     CloseHandle(thread_);
     CloseHandle(go_);
+    CloseHandle(started_);
   }
 
   DWORD exit_code() {
@@ -32,12 +32,15 @@ class OlderThread {
   }
 
  private:
-  static DWORD WINAPI run(void* go) {
-    WaitForSingleObject(go, INFINITE);
+  static DWORD WINAPI run(void* thread) {
+    SetEvent(static_cast<OlderThread*>(thread)->started_);
+    WaitForSingleObject(static_cast<OlderThread*>(thread)->go_, INFINITE);
     return static_cast<DWORD>(img_error() + 100);
   }
 
-  HANDLE go_, thread_;
+  HANDLE started_ = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  HANDLE go_ = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  HANDLE thread_;
 };
 
 TEST(OlderThreads, GetTheirContextOnFirstUseOrEnd) {

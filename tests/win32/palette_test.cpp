@@ -42,6 +42,7 @@ TEST_F(PaletteDisplay, SystemPaletteFillsEveryColor) {
   EXPECT_EQ(colors[255].rgbRed + colors[255].rgbGreen + colors[255].rgbBlue, 3 * 255);
   for (int i = 0; i < 256; ++i) EXPECT_EQ(colors[static_cast<size_t>(i)].rgbReserved, 0) << i;
   EXPECT_EQ(colors[256].rgbReserved, 4) << "256 entries and no more";
+  EXPECT_FALSE(GetSystemPalette(nullptr));
 }
 
 TEST_F(PaletteDisplay, AnEightBitBitmapTakesThePalettesColors) {
@@ -50,6 +51,9 @@ TEST_F(PaletteDisplay, AnEightBitBitmapTakesThePalettesColors) {
   SetImgError(5);
   const Bytes dib = bytes_of(Block(ConvertBitmapToDIB(bitmap.get(), nullptr)).get());
   EXPECT_EQ(ImgError(), 5);
+  std::vector<RGBQUAD> colors(256);
+  ASSERT_TRUE(GetSystemPalette(colors.data()));
+  for (size_t i : {0u, 1u, 7u, 248u, 255u}) EXPECT_EQ(std::memcmp(&dib[40 + 4 * i], &colors[i], 3), 0) << "colour " << i;
   const BITMAPINFOHEADER header = header_of(dib);
   EXPECT_EQ(std::tuple(header.biBitCount, header.biClrUsed, header.biSizeImage), std::tuple(8, 256u, 80u));
   EXPECT_EQ(dib.size(), 40u + 1024 + 80 + 10);

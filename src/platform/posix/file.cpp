@@ -34,10 +34,11 @@ int64_t move_all(size_t bytes, Move move) {
 
 }  // namespace
 
-// Offsets are those of the classic calls: one of 2 GB or more is refused, and the position stays.
-int64_t FileRef::seek(int64_t offset, SeekFrom from) const {
-  if (offset != static_cast<int32_t>(offset)) return -1;
-  return lseek(handle_, offset, origin(from));
+int64_t FileRef::seek(int64_t offset, SeekFrom from) const { return lseek(handle_, offset, origin(from)); }
+
+int64_t FileRef::size() const {
+  struct stat facts {};
+  return fstat(handle_, &facts) == 0 ? facts.st_size : -1;
 }
 
 int64_t FileRef::read(void* buffer, size_t bytes) const {
@@ -51,11 +52,12 @@ int64_t FileRef::write(const void* buffer, size_t bytes) const {
 
 std::optional<OwnedFile> OwnedFile::open_for_reading(const char* path) {
   if (path == nullptr) return std::nullopt;
-  const int handle = ::open(path, O_RDONLY | O_CLOEXEC);
+  const int handle = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe without a writer must not hold us up
   if (handle < 0) return std::nullopt;
   OwnedFile file(handle);
   struct stat facts {};
-  if (fstat(handle, &facts) != 0 || S_ISDIR(facts.st_mode)) return std::nullopt;
+  if (fstat(handle, &facts) != 0) return std::nullopt;
+  if (S_ISDIR(facts.st_mode) || S_ISFIFO(facts.st_mode) || S_ISSOCK(facts.st_mode)) return std::nullopt;
   return file;
 }
 

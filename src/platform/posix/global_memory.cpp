@@ -44,13 +44,15 @@ void* moved_data(const void* data, size_t size, size_t bytes, bool zeroed) {
   return moved;
 }
 
+using DataPtr = std::unique_ptr<void, decltype(&std::free)>;
+
 class Blocks {
  public:
   HGLOBAL allocate(UINT flags, size_t bytes) {
     const bool zeroed = (flags & GMEM_ZEROINIT) != 0;
     const bool movable = (flags & GMEM_MOVEABLE) != 0;
     const bool empty = movable && bytes == 0;
-    std::unique_ptr<void, decltype(&std::free)> data(empty ? nullptr : new_data(bytes, zeroed), &std::free);
+    DataPtr data(empty ? nullptr : new_data(bytes, zeroed), &std::free);
     if (data == nullptr && !empty) return nullptr;
     HGLOBAL handle = movable ? add_movable(data.get(), bytes) : add_fixed(data.get(), bytes);
     if (handle != nullptr) static_cast<void>(data.release());
@@ -107,8 +109,9 @@ class Blocks {
   HGLOBAL add_movable(void* data, size_t bytes) {
     if (unused_.empty()) {
       if (movable_.size() >= kMostMovable) return nullptr;
+      if (unused_.capacity() <= movable_.size())  // giving an entry back must never need memory
+        unused_.reserve(movable_.size() * 2 + 1);
       movable_.emplace_back();
-      unused_.reserve(movable_.capacity());  // so that giving an entry back never needs memory
       unused_.push_back(movable_.size() - 1);
     }
     const size_t index = unused_.back();
@@ -158,11 +161,12 @@ class Blocks {
       return handle;
     }
     if ((flags & GMEM_MOVEABLE) == 0) return nullptr;
-    void* data = moved_data(handle, size, bytes, (flags & GMEM_ZEROINIT) != 0);
+    DataPtr data(moved_data(handle, size, bytes, (flags & GMEM_ZEROINIT) != 0), &std::free);
     if (data == nullptr) return nullptr;
+    add_fixed(data.get(), bytes);
     fixed_.erase(handle);
     std::free(handle);
-    return add_fixed(data, bytes);
+    return data.release();
   }
 
   std::vector<Block> movable_;

@@ -1,32 +1,31 @@
 #include "platform/thread_slot.h"
 
+#include <optional>
 #include <pthread.h>
 
 namespace vorel::thread_slot {
 namespace {
 
-struct Holder {
-  HGLOBAL block = nullptr;
-  Holder() = default;
-  Holder(const Holder&) = delete;
-  Holder& operator=(const Holder&) = delete;
-  ~Holder() { GlobalFree(block); }
-};
-
-thread_local Holder holder;
+// A thread's end runs the key's destructor, again and again while late calls of other destructors make new blocks. The key is
+// never deleted, so that even calls at the end of the process find it; the shared object therefore stays loaded.
+const std::optional<pthread_key_t>& slot() {
+  static const std::optional<pthread_key_t> made = []() -> std::optional<pthread_key_t> {
+    pthread_key_t key{};
+    if (pthread_key_create(&key, [](void* block) { GlobalFree(block); }) != 0) return std::nullopt;
+    return key;
+  }();
+  return made;
+}
 
 }  // namespace
 
-bool create() { return true; }
+bool create() { return slot().has_value(); }
 
 void destroy() {}
 
-HGLOBAL get() { return holder.block; }
+HGLOBAL get() { return slot() ? pthread_getspecific(*slot()) : nullptr; }
 
-bool set(HGLOBAL block) {
-  holder.block = block;
-  return true;
-}
+bool set(HGLOBAL block) { return slot() && pthread_setspecific(*slot(), block) == 0; }
 
 void end_thread() { pthread_exit(nullptr); }
 

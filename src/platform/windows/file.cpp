@@ -13,7 +13,7 @@ std::optional<HFILE> open_file(const char* path, UINT mode) {
   return handle;
 }
 
-constexpr int origin(SeekFrom from) {
+constexpr DWORD origin(SeekFrom from) {
   switch (from) {
     case SeekFrom::kStart: return FILE_BEGIN;
     case SeekFrom::kCurrent: return FILE_CURRENT;
@@ -25,11 +25,20 @@ constexpr int origin(SeekFrom from) {
 // The classic calls count in 32 bits.
 LONG one_transfer(size_t bytes) { return static_cast<LONG>(std::min<size_t>(bytes, 0x7FFFFFFF)); }
 
+// A classic handle is one of the system's own, whose calls reach past 2 GB.
+HANDLE system_handle(HFILE handle) { return reinterpret_cast<HANDLE>(static_cast<intptr_t>(handle)); }
+
 }  // namespace
 
 int64_t FileRef::seek(int64_t offset, SeekFrom from) const {
-  if (offset != static_cast<LONG>(offset)) return -1;
-  return _llseek(handle_, static_cast<LONG>(offset), origin(from));
+  LARGE_INTEGER distance, position;
+  distance.QuadPart = offset;
+  return SetFilePointerEx(system_handle(handle_), distance, &position, origin(from)) ? position.QuadPart : -1;
+}
+
+int64_t FileRef::size() const {
+  LARGE_INTEGER size;
+  return GetFileSizeEx(system_handle(handle_), &size) ? size.QuadPart : -1;
 }
 
 int64_t FileRef::read(void* buffer, size_t bytes) const { return _hread(handle_, buffer, one_transfer(bytes)); }

@@ -27,9 +27,9 @@ inline void** import_slot(const char* function) {
 }
 
 // Puts another function in an import's place for a scope.
-template <class Function>
 class Replacement {
  public:
+  template <class Function>
   Replacement(const char* name, Function* function)
       : slot_(import_slot(name)), original_(exchange(reinterpret_cast<void*>(function))) {}
   Replacement(const Replacement&) = delete;

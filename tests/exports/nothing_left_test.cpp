@@ -1,0 +1,80 @@
+// Every export that needs no windowing system, on good and on bad input: no block, lock or open file is left behind.
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <iterator>
+
+#include <vorel32.h>
+
+#include "support/dib.h"
+#include "support/heap.h"
+
+using namespace test;
+
+namespace {
+
+// Locks on a movable block; takes them back.
+int take_locks_back(HGLOBAL block) {
+  GlobalLock(block);
+  int others = 0;
+  while (GlobalUnlock(block)) ++others;
+  return others;
+}
+
+// Files that this process has open, as far as the system shows them.
+size_t open_files() {
+#ifdef __linux__
+  const std::filesystem::directory_iterator files("/proc/self/fd");
+  return static_cast<size_t>(std::distance(begin(files), end(files)));
+#else
+  DWORD handles = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &handles);
+  return handles;
+#endif
+}
+
+struct Export {
+  const char* name;
+  std::function<void(HGLOBAL dib, const std::string& path)> call;
+};
+
+const Export kExports[] = {
+    {"LoadDIBFromFile", [](HGLOBAL, const std::string& path) { Block(LoadDIBFromFile(path.c_str())); }},
+    {"SaveDIB", [](HGLOBAL dib, const std::string& path) { SaveDIB((path + ".saved").c_str(), dib); }},
+    {"InvertDIBPalette", [](HGLOBAL dib, const std::string&) { InvertDIBPalette(dib); }},
+    {"InvertMonoDIB", [](HGLOBAL dib, const std::string&) { InvertMonoDIB(dib); }},
+    {"RotateDIB90", [](HGLOBAL dib, const std::string&) { Block(RotateDIB90(dib)); }},
+    {"RotateDIB180", [](HGLOBAL dib, const std::string&) { Block(RotateDIB180(dib)); }},
+    {"RotateDIB270", [](HGLOBAL dib, const std::string&) { Block(RotateDIB270(dib)); }},
+    {"FlipDIBVertical", [](HGLOBAL dib, const std::string&) { Block(FlipDIBVertical(dib)); }},
+    {"FlipDIBHorizontal", [](HGLOBAL dib, const std::string&) { Block(FlipDIBHorizontal(dib)); }},
+};
+
+TEST(NothingIsLeft, OfGoodAndBadInput) {
+  BITMAPINFOHEADER too_large = header_for(65'536, 65'536, 8);
+  too_large.biClrUsed = 1;
+  BITMAPINFOHEADER other_size = header_for(4, 4, 8);
+  other_size.biSize = 64;
+  const std::pair<const char*, Bytes> inputs[] = {{"good", noise(30, 20, 8)},
+                                                  {"1 bit", noise(30, 20, 1)},
+                                                  {"table cut", with_header(header_for(30, 20, 8))},
+                                                  {"too large", with_header(too_large)},
+                                                  {"other header", with_header(other_size)},
+                                                  {"header cut", Bytes(39, 40)}};
+  const TempFolder folder;
+  for (const auto& [what, bytes] : inputs) {
+    const std::string path = folder.path("input.bmp");
+    write_file(path, bytes);
+    const Block dib = block_of(bytes);
+    for (const Export& e : kExports) {
+      e.call(dib.get(), path);  // whatever is kept for the next time
+      const size_t blocks = heap_blocks(), files = open_files();
+      for (int i = 0; i < 300; ++i) e.call(dib.get(), path);
+      EXPECT_LT(heap_blocks(), blocks + 200) << e.name << ", " << what;
+      EXPECT_EQ(open_files(), files) << e.name << ", " << what;
+      EXPECT_EQ(take_locks_back(dib.get()), 0) << e.name << ", " << what;
+    }
+  }
+}
+
+}  // namespace
