@@ -28,22 +28,27 @@ missing() {
   for package in "$@"; do installed "$package" || printf '%s\n' "$package"; done
 }
 
-# 32-bit Wine needs i386 packages. An archive mirror can offer an i386 security index that is older than the amd64
-# one; the plain install cannot be resolved then, and the release's own versions are taken instead.
+# 32-bit Wine needs i386 packages, whose libraries must have the very versions that amd64 has installed. An archive mirror can
+# offer an i386 security index that is out of step; then both architectures take the release's own versions of what they share.
 install_wine() {
   [ -n "$(missing "${WINE[@]}")" ] || return 0
   say "installing ${WINE[*]} (32-bit Wine, which runs the Windows build; about 600 MB)"
   dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386
   apt_get update || say "the package lists could not be refreshed whole; going on with what is there"
-  if apt_get install -y --no-install-recommends "${WINE[@]}"; then
+  if apt_get install -y --no-install-recommends "${WINE[@]}" 2>/dev/null; then
     say "Wine installed the plain way"
     return 0
   fi
-  # shellcheck disable=SC1091
-  . /etc/os-release
-  apt_get install -y -t "$VERSION_CODENAME" --allow-downgrades --no-install-recommends "${WINE[@]}" \
-    "libgstreamer-plugins-base1.0-0/$VERSION_CODENAME"
-  say "Wine installed from the release itself, because the security index for i386 is out of step"
+  say "the plain way is blocked, because the security updates for i386 are out of step; taking the release's versions of the"
+  say "libraries that amd64 and i386 share (a later apt-get upgrade brings them up to date)"
+  local preferences codename
+  codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
+  preferences=$(mktemp)
+  chmod 644 "$preferences"
+  printf 'Package: *\nPin: release n=%s, l=Debian\nPin-Priority: 1001\n' "$codename" >"$preferences"
+  apt_get install -y -o Dir::Etc::Preferences="$preferences" --allow-downgrades --no-install-recommends "${WINE[@]}"
+  rm -f "$preferences"
+  say "Wine installed in the release's versions"
 }
 
 main() {
