@@ -8,7 +8,7 @@
 #else
 #include <malloc.h>
 #ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/allocator_interface.h>
+extern "C" size_t __sanitizer_get_current_allocated_bytes();  // the compiler has it but not its header
 #endif
 #endif
 
