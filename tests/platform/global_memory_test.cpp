@@ -35,6 +35,10 @@ TEST(GlobalMemory, CountsLocks) {
   EXPECT_FALSE(GlobalUnlock(block.get()));
   EXPECT_FALSE(GlobalUnlock(block.get())) << "not locked any more";
   EXPECT_NE(GlobalReAlloc(block.get(), 100'000, 0), nullptr) << "an unlocked block may move";
+  const void* fixed = GlobalLock(block.get());
+  EXPECT_EQ(GlobalReAlloc(block.get(), 500'000'000, 0), nullptr) << "a locked one may not";
+  EXPECT_EQ(GlobalSize(block.get()), 100'000u);
+  EXPECT_EQ(GlobalLock(block.get()), fixed);
 }
 
 TEST(GlobalMemory, AFixedBlockIsItsAddress) {
