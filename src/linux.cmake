@@ -12,3 +12,5 @@ set_target_properties(vorel32 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 5 
 include(GNUInstallDirs)
 install(TARGETS vorel32 LIBRARY)
 install(FILES ${PROJECT_SOURCE_DIR}/include/vorel32.h TYPE INCLUDE)
+configure_file(vorel32.pc.in vorel32.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vorel32.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -26,3 +26,7 @@ add_library(vorel32 INTERFACE)
 add_dependencies(vorel32 vorel32_dll vorel32_import_libraries)
 target_include_directories(vorel32 INTERFACE ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(vorel32 INTERFACE ${mingw_library})
+
+install(TARGETS vorel32_dll RUNTIME)
+install(FILES ${mingw_library} ${microsoft_library} TYPE LIB)
+install(FILES ${PROJECT_SOURCE_DIR}/include/vorel32.h TYPE INCLUDE)

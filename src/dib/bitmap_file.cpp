@@ -78,7 +78,7 @@ Result<FileInfo> read_info(FileRef file) {
   const bool is_core = header.size == kCoreHeaderBytes;
   if (!is_core && header.size != kHeaderBytes) return Error::kFormat;
   FileInfo info{.header = header,
-                .table_colors = color_count(header),
+                .table_colors = DIBNumColors(header),
                 .table_bytes = palette_bytes(header),
                 .table_has_triples = is_core,
                 .bits_position = 0};

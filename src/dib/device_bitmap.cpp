@@ -50,13 +50,13 @@ ByteCount bytes_read_by_device(const DibHeader& header) {
   const uint32_t rows = header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
   const uint32_t row_bits = uint32_t{std::max<uint16_t>(header.planes, 1)} * header.depth;
   const ByteCount pixels = row_stride(row_bits, std::max(header.width, 0)) * rows;
-  const ByteCount table = (ByteCount(std::max(color_count(header), implied_colors(header.depth))) + 3) * sizeof(Rgb);
+  const ByteCount table = (ByteCount(std::max(DIBNumColors(header), implied_colors(header.depth))) + 3) * sizeof(Rgb);
   return header.size + table + std::max(pixels, ByteCount(header.image_bytes));
 }
 
 HBITMAP create_from(HDC dc, std::span<uint8_t> dib, const DibHeader& header) {
   const auto* info = reinterpret_cast<const BITMAPINFO*>(dib.data());
-  const uint8_t* pixels = dib.data() + bits_offset(header).value();
+  const uint8_t* pixels = FindDIBBits(dib.data(), header);
   return CreateDIBitmap(dc, &info->bmiHeader, CBM_INIT, pixels, info, DIB_RGB_COLORS);
 }
 

@@ -38,7 +38,7 @@ int screen_palette_size(HDC screen) { return GetDeviceCaps(screen, SIZEPALETTE);
 }  // namespace
 
 Result<OwnedPalette> palette_of(const LockedDib& dib) {
-  const uint32_t count = color_count(dib.header());
+  const uint32_t count = DIBNumColors(dib.header());
   if (count == 0) return Error::kUnreported;
   const auto logical = LogicalPalette::with_entries(count);
   if (!logical) return Error::kCreatePalette;

@@ -68,7 +68,7 @@ constexpr ByteCount row_stride(uint32_t bits_per_pixel, int32_t width) {
 constexpr uint32_t implied_colors(uint32_t depth) { return depth == 1 || depth == 4 || depth == 8 ? 1u << depth : 0; }
 
 // Entries in the colour table. A header of 12 bytes is read as a CoreHeader.
-inline uint32_t color_count(const DibHeader& header) {
+inline uint32_t DIBNumColors(const DibHeader& header) {
   if (header.size == kCoreHeaderBytes) {
     CoreHeader core;
     std::memcpy(&core, &header, sizeof core);
@@ -80,11 +80,17 @@ inline uint32_t color_count(const DibHeader& header) {
 
 // Bytes in the colour table: only a 40-byte header has entries of four bytes.
 inline ByteCount palette_bytes(const DibHeader& header) {
-  return ByteCount(color_count(header)) * (header.size == kHeaderBytes ? sizeof(Rgb) : sizeof(RgbTriple));
+  return ByteCount(DIBNumColors(header)) * (header.size == kHeaderBytes ? sizeof(Rgb) : sizeof(RgbTriple));
 }
 
 // Bytes from the block's start to the first pixel row.
 inline ByteCount bits_offset(const DibHeader& header) { return ByteCount(header.size) + palette_bytes(header); }
+
+// The first pixel row of a packed DIB that is whole.
+template <class Byte>
+Byte* FindDIBBits(Byte* dib, const DibHeader& header) {
+  return dib + bits_offset(header).value();
+}
 
 // The header of a header-sized or larger piece of memory.
 inline DibHeader read_header(std::span<const uint8_t> bytes) {

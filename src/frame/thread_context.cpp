@@ -18,13 +18,13 @@ bool attached = false;
 bool detached = false;
 
 void create_context() {
-  HGLOBAL block = GlobalAlloc(GPTR, sizeof(ThreadContext));
+  HGLOBAL block = GlobalAlloc(GPTR, sizeof(ImgThreadContext));
   if (block == nullptr) thread_slot::end_thread();
   if (!thread_slot::set(block)) {
     GlobalFree(block);
     thread_slot::end_thread();
   }
-  auto& context = *static_cast<ThreadContext*>(block);  // a fixed block's handle is its address
+  auto& context = *static_cast<ImgThreadContext*>(block);  // a fixed block's handle is its address
   std::copy(std::begin(kFirstScaleSteps), std::end(kFirstScaleSteps), context.first_scale_steps);
   std::copy(std::begin(kSecondScaleSteps), std::end(kSecondScaleSteps), context.second_scale_steps);
   context.base_scale = kBaseScale;
@@ -47,9 +47,9 @@ bool first_notice(bool& flag, bool repeats_notices) {
 
 }  // namespace
 
-ThreadContext& thread_context() {
+ImgThreadContext& thread_context() {
   if (thread_slot::get() == nullptr) create_context();
-  return *static_cast<ThreadContext*>(thread_slot::get());
+  return *static_cast<ImgThreadContext*>(thread_slot::get());
 }
 
 void set_thread_error(Error error) {

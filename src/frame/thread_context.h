@@ -10,7 +10,7 @@ namespace vorel {
 // Element 0 counts the scale steps (1 to 10) that follow it, strictly increasing, the first one equal to the base scale.
 inline constexpr int kScaleTableWords = 11;
 
-struct ThreadContext {
+struct ImgThreadContext {
   int32_t error_code;
   int32_t first_scale_steps[kScaleTableWords];
   int32_t second_scale_steps[kScaleTableWords];
@@ -21,7 +21,7 @@ struct ThreadContext {
 
 // The calling thread's context, made on its first use. A thread that cannot have one is ended: every operation reports
 // through the context, so there is nothing else it could do.
-ThreadContext& thread_context();
+ImgThreadContext& thread_context();
 
 // Stores why an operation of the calling thread failed. kUnreported leaves the code as it is.
 void set_thread_error(Error error);

@@ -30,7 +30,7 @@ DibHeader quarter_turned_header(DibHeader header) {
 // The pixels of a DIB that is whole.
 template <class Byte>
 BasicView<Byte> view_of(std::span<Byte> dib, const DibHeader& header) {
-  return {dib.data() + bits_offset(header).value(), static_cast<std::ptrdiff_t>(stored_stride(header).value()), header.width,
+  return {FindDIBBits(dib.data(), header), static_cast<std::ptrdiff_t>(stored_stride(header).value()), header.width,
           header.height, header.depth};
 }
 

@@ -243,6 +243,13 @@ TEST_F(BitmapFile, APipeIsNotWaitedFor) {
   EXPECT_EQ(ImgError(), IMG_E_OPEN_FILE);
 }
 
+TEST_F(BitmapFile, AFolderThatTakesNoFilesSaysSo) {
+  const Block dib = block_of(noise(1, 1, 8));
+  SetImgError(0);
+  EXPECT_FALSE(SaveDIB("/proc/picture.bmp", dib.get())) << "nobody may write there";
+  EXPECT_EQ(ImgError(), IMG_E_OPEN_FILE);
+}
+
 TEST_F(BitmapFile, AFullDiskGoesUnnoticedByTheSaver) {
   const Block dib = block_of(noise(1, 1, 8));
   EXPECT_TRUE(SaveDIB("/dev/full", dib.get())) << "only a write that moves nothing is a failure";

@@ -18,13 +18,13 @@ class Module : public testing::Test {
 };
 
 TEST_F(Module, EveryThreadStartsFromTheSameDefaults) {
-  ThreadContext& mine = thread_context();
+  ImgThreadContext& mine = thread_context();
   const std::vector<int32_t> first{5, 10, 20, 40, 60, 80, 0, 0, 0, 0, 0};
   const std::vector<int32_t> second{5, 10, 15, 30, 40, 50, 0, 0, 0, 0, 0};
   std::ranges::fill(mine.first_scale_steps, 7);
   mine.base_scale = 99;
   std::thread([&] {
-    ThreadContext& other = thread_context();
+    ImgThreadContext& other = thread_context();
     EXPECT_NE(&other, &mine);
     EXPECT_TRUE(std::ranges::equal(other.first_scale_steps, first));
     EXPECT_TRUE(std::ranges::equal(other.second_scale_steps, second));

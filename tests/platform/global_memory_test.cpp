@@ -73,16 +73,15 @@ TEST(GlobalMemory, BadHandlesFailWithoutHarm) {
 #endif
 }
 
+#ifndef _WIN32  // the system uses handles again
 TEST(GlobalMemory, ANewBlockNeverAnswersToAnOldHandle) {
   HGLOBAL old = GlobalAlloc(GHND, 8);
   GlobalFree(old);
   std::vector<Block> blocks;
-#ifdef _WIN32
-  GTEST_SKIP() << "the system reuses handles";
-#endif
   for (int i = 0; i < 100; ++i) blocks.emplace_back(GlobalAlloc(GHND, 8));
   EXPECT_EQ(GlobalLock(old), nullptr);
 }
+#endif
 
 TEST(GlobalMemory, ServesThreadsAtOnce) {
   std::vector<std::thread> threads;

@@ -24,7 +24,7 @@ std::string compression_name(const BITMAPINFOHEADER& header) {
 }
 
 // Entries of the colour table or, without one, what the bits of a pixel can tell apart. Masks are not looked at.
-std::optional<uint32_t> color_count(const BITMAPINFOHEADER& header) {
+std::optional<uint32_t> DIBNumColors(const BITMAPINFOHEADER& header) {
   if (header.biBitCount <= 8) return header.biClrUsed;
   if (header.biCompression == BI_BITFIELDS) return std::nullopt;
   return header.biBitCount == 16 ? 1u << 15 : 1u << 24;
@@ -53,7 +53,7 @@ Json facts_of(const std::string& file, const Bitmap& bitmap) {
           {"height", row_count(header)},
           {"rowOrder", is_top_down(header) ? "top row first" : "bottom row first"},
           {"depth", header.biBitCount},
-          {"colours", known(color_count(header))},
+          {"colours", known(DIBNumColors(header))},
           {"xPixelsPerMetre", known(x)},
           {"yPixelsPerMetre", known(y)},
           {"xDpi", known(dpi(x))},
