@@ -21,14 +21,7 @@ constexpr size_t kFileHeader = sizeof(BITMAPFILEHEADER);
 size_t table_bytes(const Bytes& dib) { return PaletteSize(const_cast<uint8_t*>(dib.data())); }
 
 Bytes file_of(const Bytes& dib) {
-  BITMAPFILEHEADER header{};
-  header.bfType = 0x4D42;
-  header.bfSize = static_cast<uint32_t>(kFileHeader + dib.size());
-  header.bfOffBits = static_cast<uint32_t>(kFileHeader + sizeof(BITMAPINFOHEADER) + table_bytes(dib));
-  Bytes file(header.bfSize);
-  std::memcpy(file.data(), &header, kFileHeader);
-  std::ranges::copy(dib, file.begin() + kFileHeader);
-  return file;
+  return test::file_of(dib, static_cast<uint32_t>(kFileHeader + sizeof(BITMAPINFOHEADER) + table_bytes(dib)));
 }
 
 Bytes file_of(const BITMAPINFOHEADER& header) {

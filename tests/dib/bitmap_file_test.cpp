@@ -21,18 +21,6 @@ void append(Bytes& bytes, const Struct& value) {
   bytes.insert(bytes.end(), data, data + sizeof value);
 }
 
-// A file header in front of a DIB; bits_offset 0 leaves it to the reader where the rows begin.
-Bytes file_of(const Bytes& dib, uint32_t bits_offset = 0) {
-  BITMAPFILEHEADER header{};
-  header.bfType = 0x4D42;
-  header.bfSize = static_cast<uint32_t>(14 + dib.size());
-  header.bfOffBits = bits_offset;
-  Bytes file;
-  append(file, header);
-  file.insert(file.end(), dib.begin(), dib.end());
-  return file;
-}
-
 class BitmapFile : public testing::Test {
  protected:
   Block load(const Bytes& file) {

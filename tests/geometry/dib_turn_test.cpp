@@ -164,16 +164,6 @@ TEST(RotateDIB270, WritesPastRowsWithoutPadding) {
   EXPECT_EQ(rows_of(turned(RotateDIB270, at_1), 2), (Bytes{0, 0, 0, 0, 0b11000000, 0, 0, 0, 0b10000000, 0, 0, 0}));
 }
 
-TEST(TurnedBytes, OnePixelPictures) {
-  for (int depth : {1, 4, 8, 24}) {
-    Bytes dib = noise(1, 1, depth);
-    dib[dib.size() - 4] |= 0x80;
-    for (auto* turn : {RotateDIB90, RotateDIB180, FlipDIBVertical, FlipDIBHorizontal})
-      EXPECT_EQ(pixel(turned(turn, dib), 0, 0), pixel(dib, 0, 0)) << depth;
-    EXPECT_EQ(pixel(turned(RotateDIB270, dib), 0, 0), 0u) << depth;
-  }
-}
-
 TEST(OtherDepths, GiveEmptyPicturesButMirrorWholeRows) {
   for (int depth : {0, 2, 16, 32}) {
     const Bytes dib = with_header(header_for(5, 3, depth), Bytes(stride_of(5, depth) * 3, 0xAB));

@@ -52,6 +52,17 @@ Bytes with_header(const BITMAPINFOHEADER& header, const Bytes& rest) {
   return bytes;
 }
 
+Bytes file_of(const Bytes& dib, uint32_t bits_offset) {
+  BITMAPFILEHEADER header{};
+  header.bfType = 0x4D42;
+  header.bfSize = static_cast<uint32_t>(sizeof header + dib.size());
+  header.bfOffBits = bits_offset;
+  Bytes file(header.bfSize);
+  std::memcpy(file.data(), &header, sizeof header);
+  std::copy(dib.begin(), dib.end(), file.begin() + sizeof header);
+  return file;
+}
+
 size_t stride_of(int width, int bits) { return (static_cast<size_t>(bits) * static_cast<size_t>(width) + 31) / 32 * 4; }
 
 Bytes noise(int width, int height, int depth) {
@@ -85,15 +96,6 @@ uint32_t pixel(const Bytes& dib, int x, int y) {
   uint32_t value = 0;
   for (size_t i = 0; i < depth; ++i) value = value << 1 | bit(row, static_cast<size_t>(x) * depth + i);
   return value;
-}
-
-bool padding_is_zero(const Bytes& dib) {
-  const BITMAPINFOHEADER header = header_of(dib);
-  const size_t stride = stride_of(header.biWidth, header.biBitCount);
-  for (int y = 0; y < header.biHeight; ++y)
-    for (size_t i = static_cast<size_t>(header.biWidth) * header.biBitCount; i < stride * 8; ++i)
-      if (bit(pixel_rows(dib) + static_cast<size_t>(y) * stride, i)) return false;
-  return true;
 }
 
 TempFolder::TempFolder() {

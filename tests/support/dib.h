@@ -46,6 +46,9 @@ BITMAPINFOHEADER header_for(int width, int height, int depth);
 // A header with whatever follows it.
 Bytes with_header(const BITMAPINFOHEADER& header, const Bytes& rest = {});
 
+// A file header in front of a DIB. Where the rows begin is left to the reader if bits_offset is 0.
+Bytes file_of(const Bytes& dib, uint32_t bits_offset = 0);
+
 size_t stride_of(int width, int bits);
 
 // A picture of repeatable noise with a colour table of noise and odd resolutions; the row padding is noise too.
@@ -53,9 +56,6 @@ Bytes noise(int width, int height, int depth);
 
 // Pixel (x, y) of a picture, y counted from the bottom line.
 uint32_t pixel(const Bytes& dib, int x, int y);
-// True when every bit of the rows' padding is 0.
-bool padding_is_zero(const Bytes& dib);
-
 // A folder that is removed with its scope.
 class TempFolder {
  public:
