@@ -128,7 +128,8 @@ Result<OwnedDib> load_dib(const char* path) {
   if (!info) return info.error();
   auto dib = read_up_to_rows(*file, *info, info->header.image_bytes);
   if (!dib) return dib.error();
-  const std::span<uint8_t> pixels = dib->bytes().last(info->header.image_bytes);
+  const auto rows_begin = static_cast<size_t>(bits_offset(info->header).value());
+  const std::span<uint8_t> pixels = dib->bytes().subspan(rows_begin, info->header.image_bytes);
   file->read(pixels.data(), pixels.size());  // rows the file is too short for stay zero
   return dib;
 }

@@ -120,6 +120,24 @@ int code_after(const char* import, Function* function, const std::function<bool(
   return call(setting) ? -1 : ImgError();
 }
 
+HGLOBAL WINAPI rounding_alloc(UINT flags, SIZE_T bytes) { return GlobalAlloc(flags, bytes / 64 * 64 + 128); }
+
+// The system may give more than it was asked for; files carry the surplus, pictures stay what they are.
+TEST(RoomierBlocks, HoldTheSamePicture) {
+  Setting setting;
+  const Bytes dib = bytes_of(setting.dib.get());
+  const Replacement replaced("GlobalAlloc", rounding_alloc);
+  const Block loaded(LoadDIBFromFile(setting.file.c_str()));
+  const Block turned(RotateDIB180(loaded.get()));
+  const Block back(RotateDIB180(turned.get()));
+  const auto rows = [](const Bytes& bytes) { return Bytes(bytes.begin() + 40, bytes.begin() + 40 + 1024 + 400); };
+  EXPECT_GT(bytes_of(loaded.get()).size(), dib.size());
+  EXPECT_EQ(rows(bytes_of(loaded.get())), rows(dib));
+  EXPECT_EQ(rows(bytes_of(back.get())), rows(dib));
+  ASSERT_TRUE(SaveDIB(setting.target.c_str(), back.get()));
+  EXPECT_EQ(read_file(setting.target).size(), 14 + GlobalSize(back.get()));
+}
+
 TEST(Codes, AreTheStatedOnes) {
   const auto to_bitmap = [](Setting& s) { return gave(ConvertDIBToBitmap(s.dib.get())); };
   const auto turn = [](Setting& s) { return gave(RotateBitmap90(s.bitmap.get())); };
