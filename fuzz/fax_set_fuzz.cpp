@@ -1,0 +1,16 @@
+// Counts and loads the pages of a page set. What it lists can only be files that are not there, or itself.
+#include <vorel32.h>
+
+#include "scratch_file.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static const fuzz::ScratchFile file(".fax");
+  const char* path = file.with({data, size});
+  GetImageFormat(path);
+  GetNumberOfImagesInFaxFile(path);
+  for (int page : {1, 2, 7, 2'147'483'647}) {
+    int status = 0;
+    GlobalFree(LoadColorFaxPage(path, page, &status));
+  }
+  return 0;
+}
