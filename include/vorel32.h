@@ -313,6 +313,143 @@ VOREL_API BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palett
 
 #endif /* _WIN32 */
 
+/* ---- Image files by format ------------------------------------------------------------------------------------------ */
+
+/** The kinds of image file, as GetImageFormat tells them and as loading and saving take them. */
+typedef enum ImgFormat {
+  IMG_FORMAT_UNKNOWN = 0,
+  IMG_FORMAT_TIFF = 1,
+  IMG_FORMAT_PCX = 2,
+  IMG_FORMAT_DCX = 3, /**< several PCX pages in one file */
+  IMG_FORMAT_GIF = 4,
+  IMG_FORMAT_TGA = 5,
+  IMG_FORMAT_BITMAP = 6,
+  IMG_FORMAT_METAFILE = 7,
+  IMG_FORMAT_CLIPBOARD = 8,
+  IMG_FORMAT_COLOR_FAX = 9, /**< a page set: a text that lists the files of a page's colour planes */
+  IMG_FORMAT_TEXT = 10,
+  IMG_FORMAT_CALS = 12,
+  IMG_FORMAT_JPEG = 13,
+  IMG_FORMAT_PNG = 14,
+  IMG_FORMAT_ENHANCED_METAFILE = 15
+} ImgFormat;
+
+/** Tells what kind of image file a file is, by its first 512 bytes and, for TGA, by the end of its name.
+ *  The tests run in a fixed order and the first that matches decides: a text that begins with a line feed is taken for PCX,
+ *  a file whose bytes 2 and 3 are 9 and 0 for a metafile, and whatever is called *.tga and bears no signature tested before,
+ *  a JPEG for instance, for TGA.
+ *  Returns an ImgFormat: IMG_FORMAT_UNKNOWN also for what cannot be read. Stores no code. */
+VOREL_API int VORELCALL GetImageFormat(LPCSTR path);
+
+/** Loads an image file of any kind. Bitmap files and colour fax page sets are read by the library itself; TIFF, PCX, DCX,
+ *  GIF, TGA, CALS, JPEG and PNG files by a codec module, which is looked for in the folder of the library first and then
+ *  where the system looks for modules. A missing module is told in a message box (on Linux: on the standard error stream).
+ *  page    of TIFF, DCX, GIF files and page sets, counted from 1; not looked at for other kinds
+ *  status  takes the loader's account of a failure; may be NULL. PCX, DCX, GIF and PNG files and page sets report there (see
+ *          "Codec modules"), other kinds leave it as it is
+ *  Returns a DIB handle. NULL: IMG_E_FORMAT (not recognised, or text; *status becomes 9 too), the codes of LoadDIBFromFile
+ *  for bitmap files and of LoadColorFaxPage for page sets; no code when a module is missing or fails. */
+VOREL_API HGLOBAL VORELCALL LoadImageIntoDIB(LPCSTR path, int page, int* status);
+
+/** Saves a DIB in a format of the caller's choice, through the codec modules like LoadImageIntoDIB.
+ *  format  an ImgFormat. PNG files and page sets can be loaded but not saved
+ *  option  GIF: 1 stores the rows interlaced, 0 in order. Other formats do not look at it
+ *  value   TIFF: the compression by its TIFF number, see ImgSaveTiff; 0 picks one. TGA: 0 stores plain rows, anything else
+ *          run-length compressed ones. Other formats do not look at it; JPEG files get quality 75
+ *  A DCX file that is there already gains a page; every other file is replaced.
+ *  Returns what the saver returned: TRUE once the file is written. FALSE: the codes of SaveDIB for bitmap files; no code for
+ *  a format that is not saved, when a module is missing and when it fails. */
+VOREL_API BOOL VORELCALL SaveDIBInImageFormat(LPCSTR path, HGLOBAL dib, int format, int option, int value);
+
+/** Counts the pages of a colour fax page set: its "TotalPages".
+ *  Returns -1 when the file does not exist (IMG_E_OPEN_FILE) or has no such entry (no code), so for other kinds of file too. */
+VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
+
+/** Loads a page of a colour fax page set.
+ *  The set is a text in the form of an initialisation file. Its section "ColorFax" states TotalPages, FirstPage (the number
+ *  of the first page, 1 if left out), Planes (1 to 4), BitsPixel (1) and Files. Where Files is TotalPages times Planes, the
+ *  section "Page1", "Page2", ... names the file of each plane as Plane0 to Plane3. Otherwise the sections "File%u", counted
+ *  from FirstPage, give the Name of a file that holds several pages, plane after plane, and how many Pages it holds. Names
+ *  of at most 128 characters are files as LoadImageIntoDIB takes them; a relative one counts from the current folder.
+ *  page    counted from 1
+ *  status  3 when the set does not exist, else what loading a plane reports there; may be NULL
+ *  Returns a DIB handle: with one plane the plane's image as it is, else a 4-bit DIB whose 16 colours have red in plane 0,
+ *  green in plane 1, blue in plane 2 and full brightness in plane 3. NULL: IMG_E_OPEN_FILE (the set does not exist),
+ *  IMG_E_MEMORY, the codes of LoadImageIntoDIB for a plane; no code for a page out of range, for a BitsPixel other than 1, for
+ *  Planes outside 1 to 4 and for planes that are not 1-bit images of one size. */
+VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status);
+
+/* ---- Codec modules -------------------------------------------------------------------------------------------------- */
+
+/*  What the library asks of a codec module, for those who call one directly or write another. A module is MERV32.DLL and so
+ *  on (on Linux MERV32.so), loaded by the call that needs it and released before that call returns; it exports its entry
+ *  points by plain name, with the calling convention of this header.
+ *
+ *    format  loads from          saves with
+ *    TIFF    MERV32  LoadTiffIntoDIB (ImgLoadPage)     MERV  SaveDIBInTiffFormat (ImgSaveTiff)
+ *    CALS    MERV32  LoadCALSIntoDIB (ImgLoadPicture)  MERV  SAVEDIBINCALSFORMAT (ImgSaveCals)
+ *    PCX     ODAL32  LoadPCXIntoDIB (ImgLoadPicture)   ODAL  SaveDIBInPCXFormat (ImgSavePicture)
+ *    DCX     ODAL32  LoadDCXIntoDIB (ImgLoadPage)      ODAL  MakeDCXFile (ImgMakeFile), SaveDIBInDCXFormat (ImgSavePicture)
+ *    GIF     SUNE32  LoadGIFIntoDIB (ImgLoadPage)      SUNE  SaveDIBInGIFFormat (ImgSaveGif)
+ *    TGA     BRIX32  LoadTGAIntoDIB (ImgLoadPicture)   BRIX  SaveDIBInTGAFormat (ImgSaveTga)
+ *    JPEG    KALO32  LoadJPEGIntoDIB (ImgLoadFile)     KALO  SaveDIBInJPEGFile (ImgSaveJpeg)
+ *    PNG     WERT32  LoadPNGIntoDIB (ImgLoadPicture)   WERT  SaveDIBInPNGFormat (ImgSavePicture), which the library never calls
+ *
+ *  The modules of this library export more than it calls: GetNumberOfImagesInTiffFile (MERV32), GetNumberOfImagesInDCXFile
+ *  (ODAL32) and GetNumberOfImagesInGIFFile (SUNE32), all ImgCountPages, and GetTiffCompression (MERV32, ImgTiffCompression).
+ *
+ *  Loaders return a new DIB handle that the caller owns: 1, 4, 8 or 24 bits, uncompressed, with the whole colour table that
+ *  the depth implies. Savers take such a DIB and read it only. Wherever there is a status variable it may be NULL; an entry
+ *  point sets it to 0 or, on failure, to one of these numbers, which ImgErrorString has texts for:
+ *     1  memory is short, or the picture is larger than a file of this size may claim
+ *     3  the file cannot be opened or created
+ *     4  reading or writing failed part-way
+ *     8  no such page; a null argument; a setting that does not suit the picture
+ *     9  the file is damaged, or of a variant that is not read
+ *    13  the format has no pixels of this depth
+ *    17  not a DIB handle
+ *    18  the DIB is compressed
+ *    19  the picture has no pixels, or more than the format can state
+ *    21  a DIB of another depth than 1, 4, 8 or 24 bits
+ */
+
+/** Loads the one picture of a file. */
+typedef HGLOBAL(VORELCALL* ImgLoadFile)(LPCSTR path);
+typedef HGLOBAL(VORELCALL* ImgLoadPicture)(LPCSTR path, int* status);
+
+/** Loads a page, counted from 1, without decoding the others. */
+typedef HGLOBAL(VORELCALL* ImgLoadPage)(LPCSTR path, int page, int* status);
+
+/** Returns the number of pages, or 0 on failure. */
+typedef int(VORELCALL* ImgCountPages)(LPCSTR path, int* status);
+
+/** Returns the TIFF number of the compression of a page, or 0 on failure. */
+typedef int(VORELCALL* ImgTiffCompression)(LPCSTR path, int page, int* status);
+
+/** Saves a picture. PCX and PNG files are replaced, a DCX file gains a page. */
+typedef BOOL(VORELCALL* ImgSavePicture)(LPCSTR path, HGLOBAL dib, int* status);
+
+/** Makes a DCX file without pages. */
+typedef BOOL(VORELCALL* ImgMakeFile)(LPCSTR path, int* status);
+
+/** Saves a picture as GIF. interlaced: 0 or 1. */
+typedef BOOL(VORELCALL* ImgSaveGif)(LPCSTR path, HGLOBAL dib, int interlaced, int* status);
+
+/** Saves a picture as TIFF.
+ *  compression  by TIFF number: 1 none, 2 modified Huffman, 3 Group 3, 4 Group 4 (these three for 1 bit alone), 5 LZW, 7 JPEG
+ *               (grey pictures of 8 bits, and 24 bits), 8 deflate, 32773 PackBits; 0 picks Group 4 for 1 bit and deflate else
+ *  page         1 makes a new file; any other number adds a page at the end of the file that is there */
+typedef BOOL(VORELCALL* ImgSaveTiff)(LPCSTR path, HGLOBAL dib, int compression, int page);
+
+/** Saves a 1-bit picture as CALS raster. The last three arguments are 0. */
+typedef BOOL(VORELCALL* ImgSaveCals)(LPCSTR path, HGLOBAL dib, int reserved1, int reserved2, int reserved3);
+
+/** Saves a picture as TGA. run_length: 0 or 1. footer: 1 ends the file with the signature of the format's second version. */
+typedef BOOL(VORELCALL* ImgSaveTga)(LPCSTR path, HGLOBAL dib, int run_length, int footer);
+
+/** Saves a picture as JPEG. quality: 1 to 100. */
+typedef BOOL(VORELCALL* ImgSaveJpeg)(LPCSTR path, HGLOBAL dib, int quality);
+
 /* ---- Quarter turns and mirrors ------------------------------------------------------------------------------------- */
 
 /*  The five DIB functions take 1-, 4-, 8- and 24-bit DIBs (at other depths the result's pixels are all zero, but for
@@ -367,6 +504,31 @@ VOREL_API BOOL VORELCALL FlipBitmapHorizontal(HBITMAP bitmap);
 VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */
+
+/* ---- Run-length compression ---------------------------------------------------------------------------------------- */
+
+/*  Both functions return a new DIB handle and, unlike most, set the thread's code to 0 when they succeed. They take the
+ *  colour table to have all 16 or 256 entries whatever biClrUsed says: pixels or codes begin at byte 104 of a 4-bit block and
+ *  1064 of an 8-bit one, and the whole table is carried over. The header is carried over too, but for biCompression and
+ *  biSizeImage. A picture 0 pixels wide or high is none the worse for it. */
+
+/** Compresses a DIB: 8 bits to BI_RLE8, 4 bits to BI_RLE4. biSizeImage becomes the number of bytes of codes.
+ *  dib  uncompressed, 8 or 4 bits per pixel; biSizeImage is not looked at
+ *  In an 8-bit picture a row's codes may end with one pixel more than the row has, and in a 4-bit one of odd width too;
+ *  readers drop it. Codes of noise are up to twice as long as the pixels, and longer in pictures 1 pixel wide.
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (not a DIB handle, a header of other than 40 bytes, compressed, another depth,
+ *  a negative width or height), IMG_E_MEMORY (also where the codes might need 2 GB, whether or not they do). */
+VOREL_API HGLOBAL VORELCALL CompressDIB(HGLOBAL dib);
+
+/** Expands a run-length compressed DIB. Pixels that the codes leave out are 0; biSizeImage becomes the size of the rows.
+ *  dib  8 bits with BI_RLE8, 4 bits with BI_RLE4, or any depth with a biCompression above 2, which is read as BI_RLE4 with
+ *       1 << biBitCount entries in the colour table. biSizeImage must not be 0 but does not end the codes: an end of bitmap
+ *       does, or the end of the block
+ *  What codes draw outside the picture is dropped. Where 8-bit codes have filled a row, a delta counts its columns from the
+ *  row's start.
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (not a DIB handle, a header of other than 40 bytes, uncompressed, another
+ *  depth, biSizeImage 0, a negative width or height), IMG_E_MEMORY (also for sizes that no block has). */
+VOREL_API HGLOBAL VORELCALL ExpandCompressedDIB(HGLOBAL dib);
 
 #ifdef __cplusplus
 }

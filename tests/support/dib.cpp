@@ -98,6 +98,30 @@ uint32_t pixel(const Bytes& dib, int x, int y) {
   return value;
 }
 
+RGBQUAD color_at(const Bytes& dib, int x, int y) {
+  const uint32_t value = pixel(dib, x, y);
+  RGBQUAD color{};
+  if (header_of(dib).biBitCount <= 8) {
+    std::memcpy(&color, dib.data() + sizeof(BITMAPINFOHEADER) + value * sizeof color, sizeof color);
+  } else {
+    color = {static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value), 0};
+  }
+  return color;
+}
+
+int largest_difference(const Bytes& a, const Bytes& b) {
+  const BITMAPINFOHEADER size = header_of(a), other = header_of(b);
+  if (size.biWidth != other.biWidth || size.biHeight != other.biHeight) return 256;
+  int largest = 0;
+  for (int y = 0; y < size.biHeight; ++y)
+    for (int x = 0; x < size.biWidth; ++x) {
+      const RGBQUAD p = color_at(a, x, y), q = color_at(b, x, y);
+      largest = std::max(
+          {largest, std::abs(p.rgbBlue - q.rgbBlue), std::abs(p.rgbGreen - q.rgbGreen), std::abs(p.rgbRed - q.rgbRed)});
+    }
+  return largest;
+}
+
 TempFolder::TempFolder() {
   std::random_device random;
   folder_ = std::filesystem::temp_directory_path() / ("vorel-test-" + std::to_string(random()));

@@ -56,6 +56,13 @@ Bytes noise(int width, int height, int depth);
 
 // Pixel (x, y) of a picture, y counted from the bottom line.
 uint32_t pixel(const Bytes& dib, int x, int y);
+
+// The same pixel in colour: blue, green, red, whatever the depth.
+RGBQUAD color_at(const Bytes& dib, int x, int y);
+
+// How far the colours of two pictures are apart in any component at most; more than 255 if their sizes differ.
+int largest_difference(const Bytes& a, const Bytes& b);
+
 // A folder that is removed with its scope.
 class TempFolder {
  public:

@@ -1,0 +1,63 @@
+// Files of a codec module, closed with their scope.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace codec {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
+
+class InputFile {
+ public:
+  // Throws Failure: only what is a file on disk can be opened.
+  explicit InputFile(const char* path);
+
+  uint64_t size() const { return size_; }
+  std::FILE* get() const { return file_.get(); }  // stands at its start until something is read
+
+  // As many bytes from `offset` on as the file has, at most `count`. Throws Failure when reading fails.
+  std::vector<uint8_t> read(uint64_t offset, uint64_t count) const;
+  std::vector<uint8_t> read_all() const { return read(0, size_); }
+
+ private:
+  FileHandle file_;
+  uint64_t size_ = 0;
+};
+
+// A file being written. Unless it is completed, its scope ends with the file as it was found: removed if it is new, cut back
+// if it was there and is being added to. A file that is replaced is lost.
+class OutputFile {
+ public:
+  enum class Mode { kReplace, kAdd };
+
+  // Throws Failure.
+  explicit OutputFile(const char* path, Mode mode = Mode::kReplace);
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  ~OutputFile();
+
+  std::FILE* get() const { return file_.get(); }
+  uint64_t found_size() const { return found_size_; }
+
+  // Throw Failure when something is not written.
+  void seek(uint64_t offset) const;
+  void write(std::span<const uint8_t> bytes) const;
+  void complete();
+
+ private:
+  std::string path_;
+  Mode mode_;
+  FileHandle file_;
+  uint64_t found_size_ = 0;
+  bool completed_ = false;
+};
+
+}  // namespace codec

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Makes picture files with other programs, each with a bitmap beside it of what that program sees in it. A file NAME has, for
+# each page that is to be compared, a 24-bit bitmap called NAME.pageN.depthD.bmp, where D is the depth that loading the page is
+# to give. Prints the files.
+# usage: make_foreign_files.sh FOLDER
+set -euo pipefail
+sources=$(cd "$(dirname "$0")" && pwd)
+folder=$1
+rm -rf "$folder"
+mkdir -p "$folder"
+cd "$folder"
+
+fail() { printf 'make_foreign_files: %s\n' "$*" >&2; exit 1; }
+
+for program in convert tiffcp ppmtopcx python3; do
+  command -v "$program" >/dev/null || fail "$program is missing; tools/setup.sh installs it"
+done
+
+# expect FILE PAGE DEPTH SEEN: notes what ImageMagick sees in a page. SEEN is its name for the page ("a.tif[0]").
+expect() { convert "$4" -alpha off -type TrueColor "bmp3:$1.page$2.depth$3.bmp"; }
+
+# Pictures to make files of: odd widths, every value, nothing symmetrical.
+mkdir source
+convert -size 61x43 plasma:red-blue -seed 7 -depth 8 -type TrueColor source/color.ppm 2>/dev/null ||
+  fail "ImageMagick does not make pictures"
+convert source/color.ppm -colorspace Gray -depth 8 source/gray.pgm
+convert source/gray.pgm -ordered-dither o4x4 -monochrome source/mono.pbm
+convert source/color.ppm -colors 200 -type Palette -depth 8 source/palette256.png
+convert source/color.ppm -colors 13 -type Palette -depth 8 source/palette16.png
+
+for script in "$sources"/foreign_*.sh; do
+  # shellcheck source=/dev/null
+  . "$script"
+done
+rm -rf source
+ls
