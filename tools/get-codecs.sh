@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
 # Builds the image codecs of the Windows build: zlib, libpng, libjpeg-turbo, libtiff and giflib as static libraries, from
-# Debian's own patched sources in the versions of the -dev packages that the native build uses, so that both read files alike.
+# Debian's own patched sources in the versions of the -dev packages that the native build uses: both builds read files alike.
 # The result is the link build/codecs-i686 to a folder with include/ and lib/ in a cache that all checkouts share; when the
-# cache has it, nothing is fetched. What was built lies in its versions.txt.
+# cache has it, nothing is fetched. Its versions.txt says what was built.
 # environment:
 #   XDG_CACHE_HOME  where the cache is kept (default: ~/.cache)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 CODECS=(zlib libpng libjpeg libtiff giflib)  # a library comes after those that it uses
-declare -A PACKAGE=([zlib]=zlib1g-dev [libpng]=libpng-dev [libjpeg]=libjpeg62-turbo-dev [libtiff]=libtiff-dev [giflib]=libgif-dev)
+declare -A PACKAGE=([zlib]=zlib1g-dev [libpng]=libpng-dev [libjpeg]=libjpeg62-turbo-dev [libtiff]=libtiff-dev
+                    [giflib]=libgif-dev)
 RELEASE_FLAGS="-O2 -D_FORTIFY_SOURCE=2 -fstack-protector-strong -ffunction-sections -fdata-sections"
 
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/vorel32
@@ -30,19 +31,20 @@ logged() { "$@" >>"$log" 2>&1; }
 installed_sources() {
   local codec
   for codec in "${CODECS[@]}"; do
-    dpkg-query -W -f "$codec \${source:Package} \${source:Version}\n" "${PACKAGE[$codec]}" 2>/dev/null | head -n 1 | grep '[^ ]$' ||
+    dpkg-query -W -f "$codec \${source:Package} \${source:Version}\n" "${PACKAGE[$codec]}" 2>/dev/null |
+      head -n 1 | grep '[^ ]$' ||
       fail "${PACKAGE[$codec]} is not installed; tools/setup.sh installs it"
   done
 }
 
-# Moves the lines, or with the argument "" the paragraphs, that name a security archive to the end: such an archive can list files
-# that only the main one has, and apt-get asks the first that lists them.
+# Moves the lines, or with the argument "" the paragraphs, that name a security archive to the end: such an archive can list
+# files that only the main one has, and apt-get asks the first that lists them.
 security_last() {
   awk -v RS="$1" -v ORS="${1:-\n\n}" '/security/ { late = late $0 ORS; next } { print } END { printf "%s", late }'
 }
 
-# The system's package sources, in either format, asked for source code; with lists and settings of our own, as the system's are
-# only read. The settings come after the system's, so they have the last word.
+# The system's package sources, in either format, asked for source code; with lists and settings of our own, as the system's
+# are only read. The settings come after the system's, so they have the last word.
 prepare_apt() {
   local list parts file
   eval "$(apt-config shell list Dir::Etc::sourcelist/f parts Dir::Etc::sourceparts/d)"
@@ -65,10 +67,12 @@ END
 }
 
 # Prints the versions of a source package that the package sources list, newest first.
-listed_versions() { apt-cache -c "$work/apt/apt.conf" showsrc --only-source "$1" 2>>"$log" | sed -n 's/^Version: //p' | sort -urV; }
+listed_versions() {
+  apt-cache -c "$work/apt/apt.conf" showsrc --only-source "$1" 2>>"$log" | sed -n 's/^Version: //p' | sort -urV
+}
 
-# Puts the source of a codec into a folder of its name, and notes its version. An archive can list files that it does not have
-# yet, or have dropped those of the installed version; then the newest version comes whose files are there.
+# Puts the source of a codec into a folder of its name, and notes its version. An archive can list files that it does not
+# have yet, or have dropped those of the installed version; then the newest version comes whose files are there.
 # apt-get checks every file against the archive's signature, so dpkg-source need not.
 fetch() {
   local codec=$1 source=$2 installed=$3 version download=$work/downloads/$1
@@ -76,7 +80,7 @@ fetch() {
     rm -rf "$download"
     mkdir -p "$download"
     if (cd "$download" && logged apt-get -q -c "$work/apt/apt.conf" source --download-only "$source=$version"); then
-      logged dpkg-source --no-check -x "$download"/*.dsc "$work/$codec" || fail "the source of $source $version cannot be unpacked"
+      logged dpkg-source --no-check -x "$download"/*.dsc "$work/$codec" || fail "$source $version cannot be unpacked"
       printf '%s %s %s\n' "$codec" "$source" "$version" >>"$work/prefix/versions.txt"
       return
     fi
@@ -135,7 +139,8 @@ build_libtiff() {
 
 # giflib multiplies sizes that a file chooses in a signed type, which has 32 bits here: they wrap instead of being undefined.
 build_giflib() {
-  describe giflib gif "dgif_lib.c egif_lib.c gifalloc.c gif_err.c gif_hash.c quantize.c openbsd-reallocarray.c" gif_lib.h -fwrapv
+  local sources="dgif_lib.c egif_lib.c gifalloc.c gif_err.c gif_hash.c quantize.c openbsd-reallocarray.c"
+  describe giflib gif "$sources" gif_lib.h -fwrapv
   build giflib
 }
 
@@ -143,6 +148,7 @@ build_giflib() {
 # another folder, so that the build takes notice.
 build_all() {
   local codec source version started
+  : >"$log"
   say "building the codecs of the Windows build (once, about a minute; log: $log)"
   rm -rf "$work"
   trap 'rm -rf "$work"' EXIT
@@ -173,11 +179,11 @@ report_other_versions() {
 
 mkdir -p build "$cache"
 sources=$(installed_sources)
-prefix=$cache/codecs-i686-$(cat <(printf '%s' "$sources") tools/get-codecs.sh cmake/i686-w64-mingw32.cmake | cksum | cut -d ' ' -f 1)
+key=$(cat <(printf '%s' "$sources") tools/get-codecs.sh cmake/i686-w64-mingw32.cmake | cksum | cut -d ' ' -f 1)
+prefix=$cache/codecs-i686-$key
 if [ ! -e "$prefix/versions.txt" ]; then
   exec 9>"$cache/codecs-i686.lock"  # one build at a time; whoever waited for it finds the work done
-  flock 9
-  : >"$log"
+  flock -n 9 || { say "waiting for another run that builds them"; flock 9; }
   [ -e "$prefix/versions.txt" ] || build_all
 fi
 [ "$(readlink build/codecs-i686)" = "$prefix" ] || ln -sfnT "$prefix" build/codecs-i686
