@@ -16,8 +16,8 @@
  *  DeleteObject. Arguments are only read and never freed, unless the function says so.
  *
  *  ERRORS. Failure is a zero result (a null handle, FALSE). The reason is the calling thread's error code, read with
- *  ImgError and put into words by ImgErrorString. Success leaves the code as it was, so read it only after a failure. Where
- *  a function says "no code", a failure leaves the thread's code as it was too.
+ *  ImgError and put into words by ImgErrorString. Success leaves the code as it was unless the function says otherwise, so
+ *  read it only after a failure. Where a function says "no code", a failure leaves the thread's code as it was too.
  *
  *  DAMAGED INPUT. A block shorter than its header claims is completed: missing bytes read as zero, writes past the end are
  *  dropped. Sizes are computed without wrapping; a size that no block can have fails like an allocation. A handle that is

@@ -8,6 +8,7 @@ say() { printf '\n== %s\n' "$*"; }
 windows() { ./tools/run-wine.sh "build/win32/bin/$1" "${@:2}"; }
 
 steps=("convert" "rotate 90" "rotate 180" "rotate 270" "mirror horizontal" "mirror vertical" "invert")
+endings=(tif png jpg gif pcx dcx tga)
 different=0 compared=0
 
 # verdict NAME SAME: counts a comparison and prints what came of it.
@@ -17,24 +18,33 @@ verdict() {
   printf '%-7s %s\n' "$2" "$1"
 }
 
+# run_both RESULT VERB ARGUMENT...: the same through both tools, each writing RESULT into its folder, and compares the two files.
+run_both() {
+  local result=$1 verb=$2 picture=$3 linux_code=0 windows_code=0
+  build/native/bin/vorel "$verb" "$picture" "out/linux/$result" "${@:4}" || linux_code=$?
+  windows vorel.exe "$verb" "$picture" "out/windows/$result" "${@:4}" || windows_code=$?
+  if [ "$linux_code" != 0 ] && [ "$linux_code" = "$windows_code" ]; then
+    verdict "$result (refused by both, code $linux_code)" same
+  elif cmp -s "out/linux/$result" "out/windows/$result"; then
+    verdict "$result" same
+  else
+    verdict "$result" DIFFERS
+  fi
+}
+
 say "each picture through libvorel32.so and, under Wine, through VOREL32.DLL"
 for picture in out/pictures/*.bmp; do
   name=$(basename "$picture" .bmp)
   for step in "${steps[@]}"; do
     read -r verb argument <<<"$step"
-    result=$name-$verb${argument:+-$argument}.bmp
-    linux_code=0 windows_code=0
-    build/native/bin/vorel "$verb" "$picture" "out/linux/$result" ${argument:+"$argument"} || linux_code=$?
-    windows vorel.exe "$verb" "$picture" "out/windows/$result" ${argument:+"$argument"} || windows_code=$?
-    if [ "$linux_code" != 0 ] && [ "$linux_code" = "$windows_code" ]; then
-      verdict "$result (refused by both, code $linux_code)" same
-    elif cmp -s "out/linux/$result" "out/windows/$result"; then
-      verdict "$result" same
-    else
-      verdict "$result" DIFFERS
-    fi
+    run_both "$name-$verb${argument:+-$argument}.bmp" "$verb" "$picture" ${argument:+"$argument"}
   done
   windows through_device.exe "$picture" "out/windows/$name-through-device.bmp" || true
+done
+
+say "each picture saved in every format, through the codec modules of both"
+for picture in out/pictures/*.bmp; do
+  for ending in "${endings[@]}"; do run_both "$(basename "$picture" .bmp).$ending" convert "$picture"; done
 done
 
 # A true-colour display keeps every colour, so the way through a device bitmap must not change a pixel.
