@@ -47,10 +47,11 @@ Resolution from_dpi(double x, double y) {
   return {per_metre(x), per_metre(y)};
 }
 
+int nearest_dpi(int per_metre) { return per_metre <= 0 ? 0 : static_cast<int>(std::round(per_metre * kMetresPerInch)); }
+
 int whole_dpi(int per_metre) {
-  if (per_metre <= 0) return 0;
-  const double dpi = std::round(per_metre * kMetresPerInch);
-  return from_dpi(dpi, dpi).x == per_metre ? static_cast<int>(dpi) : 0;
+  const int dpi = nearest_dpi(per_metre);
+  return from_dpi(dpi, dpi).x == per_metre ? dpi : 0;
 }
 
 void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t file_bytes) {
@@ -96,15 +97,20 @@ NewDib::NewDib(const Layout& layout) {
   header.biYPelsPerMeter = layout.resolution.y;
   header.biClrUsed = static_cast<uint32_t>(colors);
   std::memcpy(data, &header, sizeof header);
-  std::ranges::copy(color_bytes(layout.colors).first(std::min(layout.colors.size(), colors) * sizeof(RGBQUAD)),
-                    data + sizeof header);
-  rows_ = data + sizeof header + table;
+  table_ = {data + sizeof header, static_cast<size_t>(table)};
+  set_colors(layout.colors);
+  rows_ = table_.data() + table_.size();
 }
 
 NewDib::~NewDib() {
   if (block_ == nullptr) return;
   GlobalUnlock(block_);
   GlobalFree(block_);
+}
+
+void NewDib::set_colors(const Colors& colors) {
+  const std::span<const uint8_t> bytes = color_bytes(colors);
+  std::ranges::copy(bytes.first(std::min(bytes.size(), table_.size())), table_.begin());
 }
 
 HGLOBAL NewDib::release() {

@@ -28,6 +28,8 @@ struct Resolution {
   int x = 0, y = 0;
 };
 Resolution from_dpi(double x, double y);
+// The nearest whole number of dots per inch; 0 is unknown.
+int nearest_dpi(int per_metre);
 // Dots per inch, if that is a whole number that comes back from from_dpi() as the same pixels per metre; else 0.
 int whole_dpi(int per_metre);
 
@@ -55,11 +57,14 @@ class NewDib {
   int height() const { return height_; }
   // Whole rows, their padding included.
   std::span<uint8_t> row_from_top(int y) const { return {rows_ + (height_ - 1 - y) * stride_, stride_}; }
+  // The colour table, for formats that state it after the pixels.
+  void set_colors(const Colors& colors);
 
   [[nodiscard]] HGLOBAL release();
 
  private:
   HGLOBAL block_ = nullptr;
+  std::span<uint8_t> table_;
   uint8_t* rows_ = nullptr;
   int width_ = 0, height_ = 0;
   size_t stride_ = 0;

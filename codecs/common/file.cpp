@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <limits>
 
 #include "common/entry.h"
 
@@ -34,6 +35,7 @@ InputFile::InputFile(const char* path) : size_(size_of_file(path)) { file_ = ope
 std::vector<uint8_t> InputFile::read(uint64_t offset, uint64_t count) const {
   const uint64_t there = offset < size_ ? std::min(count, size_ - offset) : 0;
   if (there == 0) return {};
+  if (there > std::numeric_limits<std::ptrdiff_t>::max()) fail(IMG_E_MEMORY);
   std::vector<uint8_t> bytes(static_cast<size_t>(there));
   if (fseeko(get(), static_cast<int64_t>(offset), SEEK_SET) != 0) fail(IMG_E_FILE_IO);
   if (std::fread(bytes.data(), 1, bytes.size(), get()) != bytes.size()) fail(IMG_E_FILE_IO);
@@ -66,8 +68,12 @@ void OutputFile::write(std::span<const uint8_t> bytes) const {
   if (std::fwrite(bytes.data(), 1, bytes.size(), get()) != bytes.size()) fail(IMG_E_FILE_IO);
 }
 
-void OutputFile::complete() {
+void OutputFile::flush() const {
   if (std::fflush(get()) != 0 || std::ferror(get()) != 0) fail(IMG_E_FILE_IO);
+}
+
+void OutputFile::complete() {
+  flush();
   file_.reset();
   completed_ = true;
 }

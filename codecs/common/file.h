@@ -50,6 +50,7 @@ class OutputFile {
   // Throw Failure when something is not written.
   void seek(uint64_t offset) const;
   void write(std::span<const uint8_t> bytes) const;
+  void flush() const;
   void complete();
 
  private:

@@ -1,6 +1,7 @@
 #include "support/dib.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -21,6 +22,11 @@ Bytes bytes_of(HGLOBAL block) {
   Bytes bytes(data, data + GlobalSize(block));
   GlobalUnlock(block);
   return bytes;
+}
+
+Bytes joined(Bytes head, const Bytes& tail) {
+  head.insert(head.end(), tail.begin(), tail.end());
+  return head;
 }
 
 HGLOBAL dead_handle() {
@@ -107,6 +113,19 @@ RGBQUAD color_at(const Bytes& dib, int x, int y) {
     color = {static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value), 0};
   }
   return color;
+}
+
+std::string picture_of(const Bytes& dib) {
+  std::string text;
+  const BITMAPINFOHEADER header = header_of(dib);
+  for (int y = header.biHeight - 1; y >= 0; --y)
+    for (int x = 0; x < header.biWidth; ++x) {
+      const RGBQUAD color = color_at(dib, x, y);
+      char hex[8];
+      std::snprintf(hex, sizeof hex, "%02X%02X%02X", color.rgbRed, color.rgbGreen, color.rgbBlue);
+      text.append(hex).append(x + 1 < header.biWidth ? " " : y > 0 ? "/" : "");
+    }
+  return text;
 }
 
 int largest_difference(const Bytes& a, const Bytes& b) {

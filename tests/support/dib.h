@@ -35,6 +35,8 @@ class Block {
 Block block_of(const Bytes& bytes);
 Bytes bytes_of(HGLOBAL block);
 
+Bytes joined(Bytes head, const Bytes& tail);
+
 // A handle that was a block's once.
 HGLOBAL dead_handle();
 
@@ -59,6 +61,9 @@ uint32_t pixel(const Bytes& dib, int x, int y);
 
 // The same pixel in colour: blue, green, red, whatever the depth.
 RGBQUAD color_at(const Bytes& dib, int x, int y);
+
+// The colours of all pixels as text, red first, rows from the top: "FF0000 000000/0000FF FFFFFF".
+std::string picture_of(const Bytes& dib);
 
 // How far the colours of two pictures are apart in any component at most; more than 255 if their sizes differ.
 int largest_difference(const Bytes& a, const Bytes& b);

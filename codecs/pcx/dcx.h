@@ -1,0 +1,41 @@
+// DCX files: a directory, then PCX pictures.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "common/dib.h"
+#include "common/file.h"
+
+namespace codec {
+
+class DcxDirectory {
+ public:
+  struct Extent {
+    uint64_t offset = 0, size = 0;
+  };
+
+  // The signature, 1023 offsets and the 0 that ends them.
+  static constexpr size_t kBytes = 4100;
+
+  // Takes the first kBytes of a file, or the whole file if it is shorter. Throws Failure.
+  explicit DcxDirectory(std::span<const uint8_t> start);
+
+  int page_count() const { return static_cast<int>(offsets_.size()); }
+
+  // The bytes of a page, which reach to where another begins or to the end of the file. Throws Failure.
+  Extent page(int number, uint64_t file_bytes) const;
+
+  // Where in the file the offset of one more page goes. Throws Failure when there is no room.
+  uint64_t free_entry() const;
+
+ private:
+  std::vector<uint32_t> offsets_;
+};
+
+// Throw Failure. A page that cannot be added whole is not added at all.
+void make_dcx(const char* path);
+void add_dcx_page(const char* path, const SourceDib& dib);
+
+}  // namespace codec
