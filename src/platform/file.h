@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "platform/win32.h"
@@ -48,5 +49,12 @@ class OwnedFile : public FileRef {
  private:
   explicit OwnedFile(HFILE handle) : FileRef(handle) {}
 };
+
+// Whether there is anything of this name.
+bool name_exists(const char* path);
+
+// The file that a path stands for, as every function finds it: a bare name may have led to a folder that is not the current
+// one. None for what cannot be opened for reading.
+std::optional<std::string> find_file(const char* path);
 
 }  // namespace vorel

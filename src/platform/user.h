@@ -19,7 +19,9 @@ class [[nodiscard]] WaitCursor {
   void* previous_;
 };
 
-// Shows a message and waits until it is read; where there are no message boxes, writes it on the standard error stream.
+// Show a message and wait until it is read; where there are no message boxes, write it on the standard error stream. A task
+// message keeps the person from all other windows of the thread meanwhile.
 void show_error_message(const char* text, const char* title);
+void show_task_message(const char* text, const char* title);
 
 }  // namespace vorel

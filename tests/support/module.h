@@ -24,16 +24,27 @@ inline std::filesystem::path program_folder() {
 #endif
 }
 
+#ifdef _WIN32
+inline constexpr const char* kModuleEnding = ".DLL";
+#else
+inline constexpr const char* kModuleEnding = ".so";
+#endif
+
 class Module {
  public:
-  // By its name without the ending: "MERV32".
-  explicit Module(const std::string& name) {
+  // The one that was built, by its name without the ending: "MERV32".
+  explicit Module(const std::string& name) : Module(Path{program_folder() / (name + kModuleEnding)}) {}
+
+  struct Path {
+    std::filesystem::path file;
+  };
+  explicit Module(const Path& path) {
 #ifdef _WIN32
-    handle_ = LoadLibraryA((name + ".DLL").c_str());
+    handle_ = LoadLibraryW(path.file.c_str());
 #else
-    handle_ = dlopen((program_folder() / (name + ".so")).c_str(), RTLD_NOW | RTLD_LOCAL);
+    handle_ = dlopen(path.file.c_str(), RTLD_NOW | RTLD_LOCAL);
 #endif
-    if (handle_ == nullptr) throw std::runtime_error(name);
+    if (handle_ == nullptr) throw std::runtime_error(path.file.string());
   }
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;

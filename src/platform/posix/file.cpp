@@ -51,14 +51,13 @@ int64_t FileRef::write(const void* buffer, size_t bytes) const {
 }
 
 std::optional<OwnedFile> OwnedFile::open_for_reading(const char* path) {
-  if (path == nullptr) return std::nullopt;
-  const int handle = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe without a writer must not hold us up
-  if (handle < 0) return std::nullopt;
-  OwnedFile file(handle);
+  // Looked at before it is opened: to open a pipe without a writer would hold us up.
   struct stat facts {};
-  if (fstat(handle, &facts) != 0) return std::nullopt;
+  if (path == nullptr || stat(path, &facts) != 0) return std::nullopt;
   if (S_ISDIR(facts.st_mode) || S_ISFIFO(facts.st_mode) || S_ISSOCK(facts.st_mode)) return std::nullopt;
-  return file;
+  const int handle = ::open(path, O_RDONLY | O_CLOEXEC);
+  if (handle < 0) return std::nullopt;
+  return OwnedFile(handle);
 }
 
 std::optional<OwnedFile> OwnedFile::create(const char* path) {
@@ -70,6 +69,13 @@ std::optional<OwnedFile> OwnedFile::create(const char* path) {
 
 OwnedFile::~OwnedFile() {
   if (is_open()) ::close(handle_);
+}
+
+bool name_exists(const char* path) { return path != nullptr && access(path, F_OK) == 0; }
+
+std::optional<std::string> find_file(const char* path) {
+  if (!OwnedFile::open_for_reading(path)) return std::nullopt;
+  return path;
 }
 
 }  // namespace vorel

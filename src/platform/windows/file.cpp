@@ -1,6 +1,7 @@
 #include "platform/file.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vorel {
 namespace {
@@ -61,6 +62,15 @@ std::optional<OwnedFile> OwnedFile::create(const char* path) {
 
 OwnedFile::~OwnedFile() {
   if (is_open()) _lclose(handle_);
+}
+
+bool name_exists(const char* path) { return path != nullptr && GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES; }
+
+std::optional<std::string> find_file(const char* path) {
+  OFSTRUCT details{};
+  if (path == nullptr || OpenFile(path, &details, OF_EXIST) <= HFILE_ERROR) return std::nullopt;
+  const bool is_bare_name = std::strpbrk(path, "\\/:") == nullptr;
+  return is_bare_name ? details.szPathName : path;
 }
 
 }  // namespace vorel

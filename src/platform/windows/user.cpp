@@ -12,4 +12,6 @@ void show_error_message(const char* text, const char* title) {
   MessageBoxA(nullptr, text, title, MB_ICONEXCLAMATION | MB_OK);
 }
 
+void show_task_message(const char* text, const char* title) { MessageBoxA(nullptr, text, title, MB_TASKMODAL); }
+
 }  // namespace vorel

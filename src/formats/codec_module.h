@@ -1,0 +1,33 @@
+// A codec module's entry point, loaded for one call.
+#pragma once
+
+#include <string>
+#include <type_traits>
+
+#include "platform/module.h"
+
+namespace vorel {
+
+// Loads a module, by its name without the ending, and finds an entry point in it; it stays loaded for a scope. A missing
+// module or entry point is told in a message box.
+class CodecEntry {
+ public:
+  CodecEntry(const char* module, const char* entry);
+
+  void* address() const { return address_; }  // null if it is missing
+
+ private:
+  std::string file_name_;
+  LoadedModule module_;
+  void* address_ = nullptr;
+};
+
+// Calls an entry point and returns what it returns, or zero if it is missing. The module is gone again afterwards.
+template <class Function, class... Arguments>
+auto call_codec(const char* module, const char* entry, Arguments... arguments) {
+  const CodecEntry codec(module, entry);
+  using Value = std::invoke_result_t<Function, Arguments...>;
+  return codec.address() == nullptr ? Value{} : reinterpret_cast<Function>(codec.address())(arguments...);
+}
+
+}  // namespace vorel

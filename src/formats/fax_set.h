@@ -1,0 +1,22 @@
+// Colour fax page sets: a text that lists the files of a page's colour planes.
+#pragma once
+
+#include <optional>
+
+#include "dib/packed_dib.h"
+#include "dib/view.h"
+#include "frame/error.h"
+
+namespace vorel {
+
+struct LoadRequest;
+
+// None if the file does not exist, -1 if it does not say.
+std::optional<int> pages_in_fax_set(const char* path);
+
+Result<HGLOBAL> load_fax_page(const LoadRequest& request);
+
+// Sets bit 8 >> plane of each 4-bit pixel where the 1-bit picture of the same size has a set bit.
+void merge_plane(ConstDibView bits, DibView merged, int plane);
+
+}  // namespace vorel

@@ -1,0 +1,38 @@
+#include "platform/module.h"
+
+#include <climits>
+#include <dlfcn.h>
+#include <link.h>
+
+namespace vorel {
+namespace {
+
+constexpr int kLoading = RTLD_NOW | RTLD_LOCAL;
+
+// Where this code was loaded from, as it was then: the current folder may be another one by now.
+std::string own_folder() {
+  Dl_info details;
+  link_map* own = nullptr;
+  const auto* anchor = reinterpret_cast<void*>(&own_folder);
+  if (dladdr1(anchor, &details, reinterpret_cast<void**>(&own), RTLD_DL_LINKMAP) == 0) return {};
+  char folder[PATH_MAX];
+  return dlinfo(own, RTLD_DI_ORIGIN, folder) == 0 ? folder : std::string();
+}
+
+}  // namespace
+
+std::string module_file_name(const char* name) { return std::string(name) + ".so"; }
+
+LoadedModule::LoadedModule(const char* file_name) : handle_(nullptr) {
+  if (const std::string folder = own_folder(); !folder.empty())
+    handle_ = dlopen((folder + '/' + file_name).c_str(), kLoading);
+  if (handle_ == nullptr) handle_ = dlopen(file_name, kLoading);
+}
+
+LoadedModule::~LoadedModule() {
+  if (is_loaded()) dlclose(handle_);
+}
+
+void* LoadedModule::entry(const char* name) const { return dlsym(handle_, name); }
+
+}  // namespace vorel

@@ -1,0 +1,192 @@
+// Colour fax page sets, with bitmap files and DCX files as planes.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include <vorel32.h>
+
+#include "support/dib.h"
+
+using namespace test;
+
+namespace {
+
+// Whether pixel (x, y) of a test plane is set.
+bool is_set(int plane, int x, int y) { return ((x * 7 + y * 3 + plane * 5 + x * y) >> plane & 1) != 0; }
+
+Bytes plane_image(int plane, int width, int height) {
+  BITMAPINFOHEADER header = header_for(width, height, 1);
+  header.biXPelsPerMeter = 8000;
+  header.biYPelsPerMeter = 4000;
+  Bytes rest = {0, 0, 0, 0, 255, 255, 255, 0};
+  for (int y = 0; y < height; ++y) {
+    Bytes row(stride_of(width, 1), 0xFF);  // set bits in the padding must not show
+    for (int x = 0; x < width; ++x)
+      if (!is_set(plane, x, y)) row[static_cast<size_t>(x / 8)] &= static_cast<uint8_t>(~(0x80 >> x % 8));
+    rest.insert(rest.end(), row.begin(), row.end());
+  }
+  return with_header(header, rest);
+}
+
+class FaxSet : public testing::Test {
+ protected:
+  std::string put(const std::string& name, const Bytes& dib) const {
+    write_file(folder_.path(name), file_of(dib));
+    return folder_.path(name);
+  }
+  void describe(const std::string& text) const { write_file(set_, {text.begin(), text.end()}); }
+  void describe(const std::string& facts, const std::string& sections) const {
+    describe("[ColorFax]\nBitsPixel=1\n" + facts + "\n" + sections);
+  }
+  Bytes load(int page = 1) {
+    SetImgError(0);
+    status_ = 77;
+    return bytes_of(Block(LoadColorFaxPage(set_.c_str(), page, &status_)).get());
+  }
+  void expect_refused(int code, const std::string& why, int page = 1) {
+    EXPECT_TRUE(load(page).empty()) << why;
+    EXPECT_EQ(ImgError(), code) << why;
+    EXPECT_EQ(status_, code == 0 ? 77 : code) << why;
+  }
+
+  TempFolder folder_;
+  std::string set_ = folder_.path("set.fax");
+  int status_ = 0;
+};
+
+TEST_F(FaxSet, PlanesBecomeColours) {
+  for (int planes : {2, 3, 4})
+    for (int width : {1, 5, 8, 13, 16, 31}) {
+      std::string section = "[Page1]\n";
+      for (int i = 0; i < planes; ++i) {
+        section += fmt::format("Plane{}={}\n", i, put(fmt::format("{}.bmp", i), plane_image(i, width, 6)));
+      }
+      describe(fmt::format("TotalPages=1\nPlanes={0}\nFiles={0}", planes), section);
+      const Bytes page = load();
+      const BITMAPINFOHEADER header = header_of(page);
+      ASSERT_EQ(header.biBitCount, 4) << planes << " " << width;
+      EXPECT_EQ(page.size(), 40 + 64 + stride_of(width, 4) * 6);
+      EXPECT_EQ(header.biSizeImage, stride_of(width, 4) * 6);
+      EXPECT_EQ(std::vector({header.biXPelsPerMeter, header.biYPelsPerMeter}), (std::vector{8000, 4000}));
+      EXPECT_EQ(std::vector({header.biClrUsed, header.biClrImportant}), (std::vector<decltype(header.biClrUsed)>{16, 16}));
+      for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < width; ++x) {
+          uint32_t expected = 0;
+          for (int i = 0; i < planes; ++i) expected |= is_set(i, x, y) ? 8u >> i : 0;
+          ASSERT_EQ(pixel(page, x, y), expected) << planes << " " << width << " " << x << " " << y;
+        }
+    }
+}
+
+TEST_F(FaxSet, ColoursGoByTheirPlanes) {
+  describe("TotalPages=1\nPlanes=2\nFiles=2",
+           fmt::format("[Page1]\nPlane0={0}\nPlane1={0}", put("0.bmp", plane_image(0, 8, 8))));
+  const Bytes page = load();
+  const auto entry = [&](size_t i) { return Bytes(page.begin() + 40 + i * 4, page.begin() + 44 + i * 4); };
+  EXPECT_EQ(entry(1), (Bytes{0, 0, 0, 0}));
+  EXPECT_EQ(entry(2), (Bytes{128, 0, 0, 0})) << "blue comes first";
+  EXPECT_EQ(entry(9), (Bytes{0, 0, 255, 0}));
+  EXPECT_EQ(entry(12), (Bytes{0, 128, 128, 0}));
+  EXPECT_EQ(entry(15), (Bytes{255, 255, 255, 0}));
+}
+
+TEST_F(FaxSet, OnePlaneIsGivenAsItIs) {
+  Bytes image = noise(9, 4, 8);
+  const std::string file = put("any.bmp", image);
+  describe("TotalPages=7\nPlanes=257\nFiles=7\nFirstPage=5", "[Page-1]\nPlane0=\"" + file + "\"");
+  EXPECT_EQ(pixel(load(3), 8, 3), pixel(image, 8, 3)) << "the third page of those from 5 to 7; planes count in 8 bits";
+  EXPECT_TRUE(load(4).empty());
+  describe("TotalPages=7\nPlanes=1\nFiles=7", "[Page3]\nPlane0=\"" + file + "\"");
+  EXPECT_EQ(pixel(load(3), 8, 3), pixel(image, 8, 3));
+}
+
+// Two DCX files of two pages of two planes each; every image has a width of its own.
+TEST_F(FaxSet, FilesOfSeveralImagesAreWalked) {
+  int width = 10;
+  for (const char* name : {"a.dcx", "b.dcx"})
+    for (int page = 0; page < 2; ++page, ++width)
+      for (int plane = 0; plane < 2; ++plane) {
+        const Block image = block_of(plane_image(plane, width, 3));
+        ASSERT_TRUE(SaveDIBInImageFormat(folder_.path(name).c_str(), image.get(), IMG_FORMAT_DCX, 0, 0));
+      }
+  const std::string sections =
+      fmt::format("[File1]\nName={}\nPages=2\n[File2]\nName={}\nPages=2\n", folder_.path("a.dcx"), folder_.path("b.dcx"));
+  describe("TotalPages=4\nPlanes=2\nFiles=2", sections);
+  EXPECT_EQ(header_of(load(1)).biWidth, 10);
+  EXPECT_EQ(header_of(load(2)).biWidth, 11);
+  EXPECT_TRUE(load(3).empty()) << "the first page of a further file is looked for past the end of the file before";
+  EXPECT_EQ(status_, IMG_E_PARAMETER);
+  EXPECT_EQ(header_of(load(4)).biWidth, 13);
+  EXPECT_EQ(header_of(bytes_of(Block(LoadImageIntoDIB(set_.c_str(), 4, &status_)).get())).biBitCount, 4);
+}
+
+TEST_F(FaxSet, BadSetsAreRefused) {
+  const std::string small = put("small.bmp", plane_image(0, 8, 8)), wide = put("wide.bmp", plane_image(0, 9, 8));
+  const std::string gray = put("gray.bmp", noise(8, 8, 8));
+  const auto two = [&](const std::string& first, const std::string& second) {
+    describe("TotalPages=1\nPlanes=2\nFiles=2", "[Page1]\nPlane0=" + first + "\nPlane1=" + second);
+  };
+  two(small, wide);
+  expect_refused(0, "planes of two sizes");
+  two(gray, gray);
+  expect_refused(0, "planes of 8 bits");
+  two(small, "");
+  expect_refused(IMG_E_FORMAT, "a plane without a name");
+  two(small, set_);
+  expect_refused(0, "a set that lists itself second");
+  two(set_, set_);
+  expect_refused(0, "a set that lists itself first");
+  describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + set_);
+  expect_refused(0, "a set that is its own page");
+  for (const char* planes : {"0", "5", "255", "256", "-4"}) {
+    describe(fmt::format("TotalPages=1\nPlanes={0}\nFiles={0}", planes), "[Page1]\nPlane0=" + small);
+    expect_refused(0, planes);
+  }
+  describe("TotalPages=2147483647\nPlanes=2\nFiles=2147483647", "[File1]\nName=" + gray);
+  expect_refused(0, "two thousand million files", 2147483647);
+  describe("[ColorFax]\nTotalPages=1\nPlanes=1\nFiles=1\nBitsPixel=2\n[Page1]\nPlane0=" + small);
+  expect_refused(0, "2 bits per pixel");
+  describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + small);
+  for (int page : {0, 2, -1}) expect_refused(0, "no such page", page);
+}
+
+TEST_F(FaxSet, NamesOf128CharactersAreWhole) {
+  for (size_t length : {127u, 128u, 129u}) {
+    std::string name = folder_.path("");
+    name += std::string(length - name.size(), 'n');
+    // What is cut off leads to a file of the shorter name, if there is one.
+    write_file(name, file_of(noise(3, 3, 1)));
+    describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + name);
+    const bool fits = !load().empty();
+#ifdef _WIN32
+    EXPECT_EQ(fits, length == 127) << length << ": the system opens no longer paths";
+#else
+    EXPECT_EQ(fits, length <= 128) << length;
+#endif
+    std::filesystem::remove(name);
+  }
+}
+
+TEST_F(FaxSet, PagesAreCounted) {
+  const auto count = [&](const std::string& text) {
+    describe(text);
+    SetImgError(5);
+    return GetNumberOfImagesInFaxFile(set_.c_str());
+  };
+  EXPECT_EQ(count("[COLORFAX]\r\n; TotalPages=9\r\n TOTALPAGES = 12 pages\r\nTotalPages=13"), 12);
+  EXPECT_EQ(count("TotalPages=9\n[Other]\nTotalPages=9\n[ColorFax]\n"), -1);
+  EXPECT_EQ(count("[ColorFax]\nTotalPages=-3"), -3);
+  EXPECT_EQ(count(""), -1);
+  EXPECT_EQ(ImgError(), 5);
+  for (const std::string& missing : {folder_.path("missing"), folder_.path(""), std::string()}) {
+    SetImgError(0);
+    EXPECT_EQ(GetNumberOfImagesInFaxFile(missing.c_str()), -1);
+    EXPECT_EQ(ImgError(), IMG_E_OPEN_FILE);
+    EXPECT_EQ(LoadColorFaxPage(missing.c_str(), 1, &status_), nullptr);
+    EXPECT_EQ(status_, IMG_E_OPEN_FILE);
+    EXPECT_EQ(LoadColorFaxPage(missing.c_str(), 1, nullptr), nullptr);
+  }
+}
+
+}  // namespace
