@@ -5,7 +5,9 @@ set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
 
-set(CMAKE_FIND_ROOT_PATH /usr/i686-w64-mingw32)
+# tools/get-codecs.sh makes the second folder, a link; unresolved, so that a build follows when the link changes.
+get_filename_component(VOREL_CODECS ${CMAKE_CURRENT_LIST_DIR}/../build/codecs-i686 ABSOLUTE)
+set(CMAKE_FIND_ROOT_PATH /usr/i686-w64-mingw32 ${VOREL_CODECS})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
