@@ -1,8 +1,5 @@
-// Turns and mirrors of an A4 page at 300 dots per inch. Each row says how many times the copying of the same bytes it takes
-// ("copies"), measured in the same run: kernels against a copy between buffers that are there, exports, which return a new
-// block, against a copy into a new one.
+// Turns and mirrors of an A4 page at 300 dots per inch.
 #include <benchmark/benchmark.h>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -12,6 +9,7 @@
 
 #include "dib/header.h"
 #include "geometry/turn.h"
+#include "measure.h"
 
 namespace {
 
@@ -37,39 +35,15 @@ void fill(std::vector<uint8_t>& bytes) {
   }
 }
 
-double seconds(auto&& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// Times `work` as the benchmark and `copy` beside it, and reports how many of the second the first takes.
-void measure(benchmark::State& state, size_t bytes, auto&& work, auto&& copy) {
-  double worked = 0, copied = 0;
-  for (auto _ : state) worked += seconds(work);
-  const auto rounds = std::max<int64_t>(state.iterations(), 10);
-  for (int64_t i = 0; i < rounds; ++i) copied += seconds(copy);
-  state.counters["copies"] = (worked / static_cast<double>(state.iterations())) / (copied / static_cast<double>(rounds));
-  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(bytes));
-}
-
 void kernel(benchmark::State& state, int depth, bool quarter, void (*turn)(ConstDibView, DibView)) {
   Page source(kWidth, kHeight, depth);
   Page result(quarter ? kHeight : kWidth, quarter ? kWidth : kHeight, depth);
-  Page target(kWidth, kHeight, depth);
   fill(source.bytes);
-  measure(
-      state, source.bytes.size(),
-      [&] {
-        turn(source.view(), result.view());
-        benchmark::DoNotOptimize(result.bytes.data());
-        benchmark::ClobberMemory();
-      },
-      [&] {
-        std::memcpy(target.bytes.data(), source.bytes.data(), source.bytes.size());
-        benchmark::DoNotOptimize(target.bytes.data());
-        benchmark::ClobberMemory();
-      });
+  measure_kernel(state, source.bytes, [&] {
+    turn(source.view(), result.view());
+    benchmark::DoNotOptimize(result.bytes.data());
+    benchmark::ClobberMemory();
+  });
 }
 
 void exported(benchmark::State& state, int depth, HGLOBAL(VORELCALL* turn)(HGLOBAL)) {
@@ -83,15 +57,7 @@ void exported(benchmark::State& state, int depth, HGLOBAL(VORELCALL* turn)(HGLOB
   std::memcpy(bytes, &header, sizeof header);
   std::memcpy(bytes + size - pixels.size(), pixels.data(), pixels.size());
   GlobalUnlock(dib);
-  measure(
-      state, size, [&] { GlobalFree(turn(dib)); },
-      [&] {
-        auto* copy = static_cast<uint8_t*>(std::calloc(size, 1));
-        std::memcpy(copy, bytes, size);
-        benchmark::DoNotOptimize(copy);
-        benchmark::ClobberMemory();
-        std::free(copy);
-      });
+  measure_export(state, dib, turn);
   GlobalFree(dib);
 }
 

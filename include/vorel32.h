@@ -505,6 +505,31 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */
 
+/* ---- Run-length compression ---------------------------------------------------------------------------------------- */
+
+/*  Both functions return a new DIB handle and, unlike most, set the thread's code to 0 when they succeed. They take the
+ *  colour table to have all 16 or 256 entries whatever biClrUsed says: pixels or codes begin at byte 104 of a 4-bit block and
+ *  1064 of an 8-bit one, and the whole table is carried over. The header is carried over too, but for biCompression and
+ *  biSizeImage. A picture 0 pixels wide or high is none the worse for it. */
+
+/** Compresses a DIB: 8 bits to BI_RLE8, 4 bits to BI_RLE4. biSizeImage becomes the number of bytes of codes.
+ *  dib  uncompressed, 8 or 4 bits per pixel; biSizeImage is not looked at
+ *  In an 8-bit picture a row's codes may end with one pixel more than the row has, and in a 4-bit one of odd width too;
+ *  readers drop it. Codes of noise are up to twice as long as the pixels, and longer in pictures 1 pixel wide.
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (not a DIB handle, a header of other than 40 bytes, compressed, another depth,
+ *  a negative width or height), IMG_E_MEMORY (also where the codes might need 2 GB, whether or not they do). */
+VOREL_API HGLOBAL VORELCALL CompressDIB(HGLOBAL dib);
+
+/** Expands a run-length compressed DIB. Pixels that the codes leave out are 0; biSizeImage becomes the size of the rows.
+ *  dib  8 bits with BI_RLE8, 4 bits with BI_RLE4, or any depth with a biCompression above 2, which is read as BI_RLE4 with
+ *       1 << biBitCount entries in the colour table. biSizeImage must not be 0 but does not end the codes: an end of bitmap
+ *       does, or the end of the block
+ *  What codes draw outside the picture is dropped. Where 8-bit codes have filled a row, a delta counts its columns from the
+ *  row's start.
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (not a DIB handle, a header of other than 40 bytes, uncompressed, another
+ *  depth, biSizeImage 0, a negative width or height), IMG_E_MEMORY (also for sizes that no block has). */
+VOREL_API HGLOBAL VORELCALL ExpandCompressedDIB(HGLOBAL dib);
+
 #ifdef __cplusplus
 }
 #endif

@@ -48,7 +48,7 @@ Start read_start(const Input& input) {
       throw Failure(ExitCode::kInput, input.label(), "the file cannot be opened; check that no other program holds it");
     default:
       throw Failure(ExitCode::kFormat, input.label(),
-                    "the format is not recognised, or the file ends inside its header; give a Windows bitmap (.bmp)");
+                    "the format is not recognised, or the file ends inside its header; give a picture file");
   }
 }
 
@@ -115,17 +115,6 @@ void require_loadable(const Input& input, const Bitmap& bitmap) {
 
 }  // namespace
 
-uint64_t pixel_row_bytes(const BITMAPINFOHEADER& header) {
-  return (uint64_t{header.biBitCount} * static_cast<uint32_t>(header.biWidth) + 7) / 8;
-}
-
-uint64_t stored_row_bytes(const BITMAPINFOHEADER& header) { return (pixel_row_bytes(header) + 3) / 4 * 4; }
-
-uint64_t row_count(const BITMAPINFOHEADER& header) {
-  const int64_t height = header.biHeight;
-  return static_cast<uint64_t>(height < 0 ? -height : height);
-}
-
 Bitmap inspect_bitmap(const Input& input) {
   const Start start = read_start(input);
   const LibraryFile file(input.loading_path());
@@ -168,20 +157,6 @@ Picture load_bitmap(const Input& input) {
     header.biSizeImage = static_cast<uint32_t>(stored_row_bytes(header) * row_count(header));
   std::memcpy(lock.bytes().data(), &header, sizeof header);
   return {.label = input.label(), .header = header, .dib = std::move(dib)};
-}
-
-void require(const Picture& picture, Reach reach) {
-  const auto fail = [&](const std::string& text) { throw Failure(ExitCode::kFormat, picture.label, text); };
-  const auto depth = picture.header.biBitCount;
-  if (picture.header.biCompression != BI_RGB) {
-    fail("the picture is run-length compressed, so its pixels cannot be changed; save it uncompressed first");
-  }
-  if (reach >= Reach::kMovesRows && is_top_down(picture.header)) {
-    fail("the picture is stored top row first, so its pixels cannot be moved; save it bottom row first");
-  }
-  if (reach >= Reach::kMovesPixels && (depth == 16 || depth == 32)) {
-    fail(fmt::format("pixels of {} bits cannot be moved within a row; save the picture with 24 bits per pixel", depth));
-  }
 }
 
 }  // namespace vorel::cli

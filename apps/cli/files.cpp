@@ -17,9 +17,9 @@ constexpr auto kWriting = fs::perms::owner_write | fs::perms::group_write | fs::
 // Past this no picture fits into a memory block.
 constexpr uint64_t kMostBytes = (uint64_t{1} << 31) + 65536;
 
-fs::path new_name() {
+fs::path new_name(const std::string& ending) {
   std::random_device random;
-  return fmt::format("vorel-{:08x}{:08x}.tmp", random(), random());
+  return fmt::format("vorel-{:08x}{:08x}.tmp{}", random(), random(), ending);
 }
 
 // Names are UTF-8 on every system.
@@ -43,9 +43,10 @@ Copied copy_bytes(std::istream& from, std::ostream& to) {
 
 }  // namespace
 
-ScratchFile::ScratchFile() : ScratchFile(fs::temp_directory_path(), Readers::kOwner) {}
+ScratchFile::ScratchFile(const std::string& ending) : ScratchFile(fs::temp_directory_path(), Readers::kOwner, ending) {}
 
-ScratchFile::ScratchFile(const fs::path& folder, Readers readers) : path_(folder / new_name()) {
+ScratchFile::ScratchFile(const fs::path& folder, Readers readers, const std::string& ending)
+    : path_(folder / new_name(ending)) {
   if (const std::error_code error = create_new_file(path_, readers)) throw std::system_error(error);
 }
 
@@ -118,12 +119,12 @@ Output::Output(const std::string& name, bool overwrite, std::ostream& standard_o
   if (error) fail(fmt::format("the symbolic link cannot be followed ({}); name its target", error.message()));
 }
 
-void Output::write(const Dib& dib) const try {
+void Output::write(const std::string& ending, const Save& save) const try {
   const bool is_file = stream_ == nullptr && (!fs::exists(found_) || fs::is_regular_file(found_));
   if (is_file) {
-    put_in_place(dib);
+    put_in_place(ending, save);
   } else {
-    pour(dib);
+    pour(ending, save);
   }
 } catch (const std::system_error& error) {
   fail(fmt::format("the file cannot be created ({}); check that its folder is there and that you may write in it",
@@ -132,22 +133,18 @@ void Output::write(const Dib& dib) const try {
 
 void Output::fail(const std::string& text) const { throw Failure(ExitCode::kOutput, label_, text); }
 
-void Output::save(const ScratchFile& file, const Dib& dib) const {
+void Output::save_into(const ScratchFile& file, const Save& save) const {
   const auto path = path_for_library(file.path());
   if (!path) fail("the path is longer than 127 characters; choose a folder nearer to the root");
-  const bool saved = SaveDIB(path->c_str(), dib.get());
-  std::error_code error;
-  // SaveDIB can miss that a disk is full.
-  const bool whole = saved && fs::file_size(file.path(), error) == sizeof(BITMAPFILEHEADER) + GlobalSize(dib.get());
-  if (!whole) fail("the picture could not be written whole; check that there is room on the disk");
+  save(*path);
 }
 
 // Everything happens beside the target, so that it is there whole or not at all.
-void Output::put_in_place(const Dib& dib) const {
+void Output::put_in_place(const std::string& ending, const Save& save) const {
   const fs::path folder = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
-  const ScratchFile file(folder, fs::exists(found_) ? Readers::kOwner : Readers::kAsUsual);
+  const ScratchFile file(folder, fs::exists(found_) ? Readers::kOwner : Readers::kAsUsual, ending);
   if (fs::exists(found_)) fs::permissions(file.path(), found_.permissions());
-  save(file, dib);
+  save_into(file, save);
 
   std::error_code error;
   if (overwrite_) {
@@ -159,9 +156,9 @@ void Output::put_in_place(const Dib& dib) const {
 }
 
 // Devices and pipes get the bytes and are never replaced.
-void Output::pour(const Dib& dib) const {
-  const ScratchFile file;
-  save(file, dib);
+void Output::pour(const std::string& ending, const Save& save) const {
+  const ScratchFile file(ending);
+  save_into(file, save);
   std::ifstream bytes(file.path(), std::ios::binary);
   bool written;
   if (stream_ != nullptr) {

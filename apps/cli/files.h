@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -14,9 +15,10 @@ namespace vorel::cli {
 // A new, empty file with a name of its own that is removed with its scope, unless it was renamed by then.
 class ScratchFile {
  public:
-  // In the system's temporary folder, for its owner's eyes only, or in a given one. Both throw std::system_error.
-  ScratchFile();
-  ScratchFile(const std::filesystem::path& folder, Readers readers);
+  // In the system's temporary folder, for its owner's eyes only, or in a given one. The name ends as asked for. Both throw
+  // std::system_error.
+  explicit ScratchFile(const std::string& ending = "");
+  ScratchFile(const std::filesystem::path& folder, Readers readers, const std::string& ending);
   ScratchFile(const ScratchFile&) = delete;
   ScratchFile& operator=(const ScratchFile&) = delete;
   ~ScratchFile();
@@ -54,14 +56,18 @@ class Output {
   // be replaced.
   Output(const std::string& name, bool overwrite, std::ostream& standard_output);
 
-  // Writes a whole picture or leaves everything as it was. Throws Failure.
-  void write(const Dib& dib) const;
+  const std::string& label() const { return label_; }  // for messages
+
+  // Lets `save` write an empty file whose name ends as asked for, given as the library takes it, and puts that in place; or
+  // leaves everything as it was. Throws Failure, and whatever `save` throws.
+  using Save = std::function<void(const std::string& path)>;
+  void write(const std::string& ending, const Save& save) const;
 
  private:
   [[noreturn]] void fail(const std::string& text) const;
-  void save(const ScratchFile& file, const Dib& dib) const;
-  void put_in_place(const Dib& dib) const;
-  void pour(const Dib& dib) const;
+  void put_in_place(const std::string& ending, const Save& save) const;
+  void pour(const std::string& ending, const Save& save) const;
+  void save_into(const ScratchFile& file, const Save& save) const;
 
   std::string label_;
   std::filesystem::path target_;  // where a symbolic link leads to

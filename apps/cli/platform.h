@@ -25,6 +25,27 @@ std::error_code create_new_file(const std::filesystem::path& path, Readers reade
 // Renames a file, but never over another one.
 std::error_code move_to_free_name(const std::filesystem::path& from, const std::filesystem::path& to);
 
+// Whether somebody watches the standard error stream.
+bool standard_error_is_terminal();
+
+// A codec module for a scope, looked for where the library looks.
+class CodecModule {
+ public:
+  explicit CodecModule(const char* name);  // without the ending
+  CodecModule(const CodecModule&) = delete;
+  CodecModule& operator=(const CodecModule&) = delete;
+  ~CodecModule();
+
+  bool is_loaded() const { return handle_ != nullptr; }
+  void* entry(const char* name) const;  // null if there is none of this name
+
+  static std::string file_name(const char* name);
+  static std::string library_path();
+
+ private:
+  void* handle_;
+};
+
 // A file opened for the library's functions that take one, closed with its scope.
 class LibraryFile {
  public:

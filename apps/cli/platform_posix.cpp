@@ -1,5 +1,6 @@
 #include <cerrno>
 #include <csignal>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -38,6 +39,28 @@ std::error_code move_to_free_name(const std::filesystem::path& from, const std::
   }
   std::filesystem::rename(from, to, error);
   return error;
+}
+
+bool standard_error_is_terminal() { return ::isatty(STDERR_FILENO) != 0; }
+
+CodecModule::CodecModule(const char* name) {
+  const auto beside = std::filesystem::path(library_path()).replace_filename(file_name(name));
+  handle_ = ::dlopen(beside.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle_ == nullptr) handle_ = ::dlopen(file_name(name).c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
+CodecModule::~CodecModule() {
+  if (handle_ != nullptr) ::dlclose(handle_);
+}
+
+void* CodecModule::entry(const char* name) const { return ::dlsym(handle_, name); }
+
+std::string CodecModule::file_name(const char* name) { return std::string(name) + ".so"; }
+
+std::string CodecModule::library_path() {
+  Dl_info details;
+  if (::dladdr(reinterpret_cast<void*>(&LoadImageIntoDIB), &details) == 0) return {};
+  return std::filesystem::absolute(details.dli_fname).string();
 }
 
 LibraryFile::LibraryFile(const std::string& path) : handle_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}

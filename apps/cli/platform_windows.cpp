@@ -50,6 +50,39 @@ std::error_code move_to_free_name(const std::filesystem::path& from, const std::
   return MoveFileExW(from.c_str(), to.c_str(), 0) ? std::error_code() : last_error();
 }
 
+bool standard_error_is_terminal() { return _isatty(_fileno(stderr)) != 0; }
+
+namespace {
+
+std::filesystem::path library() {
+  std::wstring path(32'768, L'\0');  // the longest there is
+  path.resize(GetModuleFileNameW(GetModuleHandleW(L"VOREL32.DLL"), path.data(), static_cast<DWORD>(path.size())));
+  return path;
+}
+
+}  // namespace
+
+CodecModule::CodecModule(const char* name) {
+  const auto beside = library().replace_filename(file_name(name));
+  handle_ = LoadLibraryExW(beside.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  if (handle_ == nullptr) handle_ = LoadLibraryA(file_name(name).c_str());
+}
+
+CodecModule::~CodecModule() {
+  if (handle_ != nullptr) FreeLibrary(static_cast<HMODULE>(handle_));
+}
+
+void* CodecModule::entry(const char* name) const {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
+}
+
+std::string CodecModule::file_name(const char* name) { return std::string(name) + ".DLL"; }
+
+std::string CodecModule::library_path() {
+  const std::u8string path = library().u8string();
+  return {path.begin(), path.end()};
+}
+
 LibraryFile::LibraryFile(const std::string& path) : handle_(_lopen(path.c_str(), OF_READ)) {}
 
 LibraryFile::~LibraryFile() {

@@ -1,10 +1,11 @@
 #include "cli/run.h"
 
 #include <algorithm>
-#include <ostream>
+#include <iostream>
 
 #include <vorel32.h>
 
+#include "cli/platform.h"
 #include "cli/verb.h"
 
 namespace vorel::cli {
@@ -23,8 +24,9 @@ constexpr const char* kExitCodes =
     "Results go to standard output, everything else to standard error. Existing files are replaced with --overwrite\n"
     "only. \"vorel VERB --help\" tells more about a verb.\n\n"
     "Examples:\n"
-    "  vorel info scan.bmp\n"
-    "  vorel rotate scan.bmp upright.bmp 90";
+    "  vorel info scan.tif\n"
+    "  vorel convert scan.tif scan.png\n"
+    "  vorel rotate scan.tif upright.tif 90";
 
 std::string version() {
   char text[32] = {};
@@ -35,7 +37,7 @@ std::string version() {
 
 class CommandLine {
  public:
-  CommandLine() : app_("Look at and transform Windows bitmap files.", "vorel") {
+  CommandLine() : app_("Look at, convert and transform picture files.", "vorel") {
     app_.allow_windows_style_options(false);  // a path may begin with a slash
     app_.set_version_flag("--version", version(), "Print the version and exit");
     app_.set_help_flag("-h,--help", "Print this help and exit");
@@ -102,8 +104,25 @@ void print_error(std::ostream& errors, std::string text) {
   errors << "vorel: " << text << std::endl;
 }
 
+ExitCode each_file(const std::vector<std::string>& files, const Streams& streams,
+                   const std::function<void(const std::string&)>& work) {
+  std::vector<ExitCode> failures;
+  for (const std::string& file : files) {
+    try {
+      work(file);
+    } catch (const Failure& failure) {
+      print_error(streams.errors, failure.what());
+      failures.push_back(failure.code());
+    }
+  }
+  if (failures.empty()) return ExitCode::kDone;
+  const bool all_alike =
+      failures.size() == files.size() && std::ranges::count(failures, failures[0]) == std::ssize(failures);
+  return all_alike ? failures[0] : ExitCode::kSomeFailed;
+}
+
 int run(std::vector<std::string> arguments, std::istream& input, std::ostream& output, std::ostream& errors) noexcept {
-  const Streams streams{input, output, errors};
+  const Streams streams{input, output, errors, &errors == &std::cerr && standard_error_is_terminal()};
   try {
     try {
       return static_cast<int>(run_checked(std::move(arguments), streams));

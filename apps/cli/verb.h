@@ -5,6 +5,7 @@
 #include <functional>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "cli/failure.h"
 
@@ -14,6 +15,7 @@ struct Streams {
   std::istream& input;
   std::ostream& output;
   std::ostream& errors;
+  bool is_watched = false;  // the errors go to a terminal
 };
 
 // Does the work once the arguments are known. Throws Failure.
@@ -26,8 +28,12 @@ struct Verb {
 };
 
 // In the order of the help.
-extern const Verb kInfo, kConvert, kRotate, kMirror, kInvert;
-inline constexpr const Verb* kVerbs[] = {&kInfo, &kConvert, &kRotate, &kMirror, &kInvert};
+extern const Verb kInfo, kConvert, kPages, kRotate, kMirror, kInvert;
+inline constexpr const Verb* kVerbs[] = {&kInfo, &kConvert, &kPages, &kRotate, &kMirror, &kInvert};
+
+// Does the same for each of several files: one that fails is reported and left out. Returns the code for all of them.
+ExitCode each_file(const std::vector<std::string>& files, const Streams& streams,
+                   const std::function<void(const std::string&)>& work);
 
 // Prints an error as one line.
 void print_error(std::ostream& errors, std::string text);

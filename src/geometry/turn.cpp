@@ -2,25 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <emmintrin.h>
 
 #include "dib/pixel.h"
+#include "dib/word.h"
 
 namespace vorel {
 namespace {
-
-static_assert(std::endian::native == std::endian::little);
-
-uint64_t load_word(const uint8_t* bytes) {
-  uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
-void store_word(uint8_t* bytes, uint64_t word) { std::memcpy(bytes, &word, sizeof word); }
 
 // ---- Quarter turns ----
 

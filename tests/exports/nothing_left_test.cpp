@@ -41,6 +41,9 @@ struct Export {
 const Export kExports[] = {
     {"LoadDIBFromFile", [](HGLOBAL, const std::string& path) { Block(LoadDIBFromFile(path.c_str())); }},
     {"SaveDIB", [](HGLOBAL dib, const std::string& path) { SaveDIB((path + ".saved").c_str(), dib); }},
+    {"CompressDIB", [](HGLOBAL dib, const std::string&) { Block(CompressDIB(dib)); }},
+    {"ExpandCompressedDIB",
+     [](HGLOBAL dib, const std::string&) { Block(ExpandCompressedDIB(Block(CompressDIB(dib)).get())); }},
     {"InvertDIBPalette", [](HGLOBAL dib, const std::string&) { InvertDIBPalette(dib); }},
     {"InvertMonoDIB", [](HGLOBAL dib, const std::string&) { InvertMonoDIB(dib); }},
     {"RotateDIB90", [](HGLOBAL dib, const std::string&) { Block(RotateDIB90(dib)); }},

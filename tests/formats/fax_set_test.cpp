@@ -144,7 +144,7 @@ TEST_F(FaxSet, BadSetsAreRefused) {
     expect_refused(0, planes);
   }
   describe("TotalPages=2147483647\nPlanes=2\nFiles=2147483647", "[File1]\nName=" + gray);
-  expect_refused(0, "two thousand million files", 2147483647);
+  expect_refused(IMG_E_FORMAT, "two thousand million files", 2147483647);
   describe("[ColorFax]\nTotalPages=1\nPlanes=1\nFiles=1\nBitsPixel=2\n[Page1]\nPlane0=" + small);
   expect_refused(0, "2 bits per pixel");
   describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + small);

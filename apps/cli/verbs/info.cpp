@@ -1,12 +1,14 @@
 // vorel info: what a file says about its picture.
 #include <cmath>
 #include <fmt/format.h>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <vector>
 
 #include "cli/bitmap.h"
+#include "cli/codec.h"
 #include "cli/verb.h"
 
 namespace vorel::cli {
@@ -42,13 +44,57 @@ Json known(const std::optional<Value>& value) {
   return value ? Json(*value) : Json();
 }
 
-Json facts_of(const std::string& file, const Bitmap& bitmap) {
-  const BITMAPINFOHEADER& header = bitmap.header;
+// What is told of a page.
+struct Description {
+  const Format& format;
+  std::string variant;  // of bitmap files
+  BITMAPINFOHEADER header;
+  std::optional<int> pages;
+  int page;
+  std::optional<std::string> compression;
+};
+
+std::optional<std::string> tiff_compression(const Input& input, int page) {
+  const Codec codec(format_of(IMG_FORMAT_TIFF)->load, input.label());
+  const auto ask = codec.other<ImgTiffCompression>("GetTiffCompression");
+  const int number = ask == nullptr ? 0 : ask(input.loading_path().c_str(), page, nullptr);
+  if (number == 0) return std::nullopt;
+  return tiff_compression_name(number);
+}
+
+// Byte 2 of the header is the type; from 9 on its rows are compressed.
+std::string tga_compression(const Input& input) {
+  char start[3] = {};
+  std::ifstream(input.path(), std::ios::binary).read(start, sizeof start);
+  return start[2] >= 9 ? "run-length" : "none";
+}
+
+std::optional<std::string> compression_of(const Input& input, const Format& format, int page) {
+  if (format.compression != nullptr) return format.compression;
+  if (format.code == IMG_FORMAT_TIFF) return tiff_compression(input, page);
+  if (format.code == IMG_FORMAT_TGA) return tga_compression(input);
+  return std::nullopt;
+}
+
+Description describe(const Input& input, int page) {
+  const Format& format = recognise(input);
+  if (format.code == IMG_FORMAT_BITMAP) {
+    const Bitmap bitmap = inspect_bitmap(input);
+    return {format, bitmap.variant, bitmap.header, 1, 1, compression_name(bitmap.header)};
+  }
+  const Picture picture = load_picture(input, page);
+  return {format, "", picture.header, count_pages(input, format), page, compression_of(input, format, page)};
+}
+
+Json facts_of(const std::string& file, const Description& description) {
+  const BITMAPINFOHEADER& header = description.header;
   const auto x = known_resolution(header.biXPelsPerMeter);
   const auto y = known_resolution(header.biYPelsPerMeter);
   return {{"file", file},
-          {"format", "Windows bitmap"},
-          {"variant", bitmap.variant},
+          {"format", description.format.name},
+          {"variant", description.variant.empty() ? Json() : Json(description.variant)},
+          {"pages", known(description.pages)},
+          {"page", description.page},
           {"width", static_cast<uint32_t>(header.biWidth)},
           {"height", row_count(header)},
           {"rowOrder", is_top_down(header) ? "top row first" : "bottom row first"},
@@ -58,7 +104,7 @@ Json facts_of(const std::string& file, const Bitmap& bitmap) {
           {"yPixelsPerMetre", known(y)},
           {"xDpi", known(dpi(x))},
           {"yDpi", known(dpi(y))},
-          {"compression", compression_name(header)}};
+          {"compression", known(description.compression)}};
 }
 
 // The same for people.
@@ -69,66 +115,64 @@ std::string text_of(const Json& facts) {
     if (value.is_number_float()) return fmt::format("{}", value.get<double>());
     return value.is_string() ? value.get<std::string>() : value.dump();
   };
+  const std::string variant = facts["variant"].is_null() ? "" : ", " + word("variant");
+  const std::string order = facts["variant"].is_null() ? "" : ", " + word("rowOrder");
+  const std::string which = facts["pages"] == 1 ? "" : fmt::format(", of which this is page {}", word("page"));
   return fmt::format(
       "{}\n"
-      "  format       {}, {}\n"
-      "  size         {} x {} pixels, {}\n"
+      "  format       {}{}\n"
+      "  pages        {}{}\n"
+      "  size         {} x {} pixels{}\n"
       "  depth        {} bit{} per pixel\n"
       "  colours      {}\n"
       "  resolution   {} x {} dpi, {} x {} pixels per metre\n"
       "  compression  {}\n",
-      word("file"), word("format"), word("variant"), word("width"), word("height"), word("rowOrder"), word("depth"),
+      word("file"), word("format"), variant, word("pages"), which, word("width"), word("height"), order, word("depth"),
       facts["depth"] == 1 ? "" : "s", word("colours"), word("xDpi"), word("yDpi"), word("xPixelsPerMetre"),
       word("yPixelsPerMetre"), word("compression"));
 }
 
-// The code of several files of which some failed.
-ExitCode common_code(const std::vector<ExitCode>& failures, size_t files) {
-  if (failures.empty()) return ExitCode::kDone;
-  const bool all_alike = failures.size() == files && std::ranges::count(failures, failures[0]) == std::ssize(failures);
-  return all_alike ? failures[0] : ExitCode::kSomeFailed;
-}
-
-ExitCode describe(const std::vector<std::string>& files, bool as_json, const Streams& streams) {
+ExitCode describe(const std::vector<std::string>& files, int page, bool as_json, const Streams& streams) {
   Json list = Json::array();
-  std::vector<ExitCode> failures;
-  for (const std::string& file : files) {
-    try {
-      const Json facts = facts_of(file, inspect_bitmap(Input(file, streams.input)));
-      if (as_json) {
-        list.push_back(facts);
-      } else {
-        streams.output << text_of(facts);
-      }
-    } catch (const Failure& failure) {
-      print_error(streams.errors, failure.what());
-      failures.push_back(failure.code());
+  const ExitCode code = each_file(files, streams, [&](const std::string& file) {
+    const Json facts = facts_of(file, describe(Input(file, streams.input), page));
+    if (as_json) {
+      list.push_back(facts);
+    } else {
+      streams.output << text_of(facts);
     }
-  }
+  });
   // Names of files need not be valid UTF-8, JSON must be.
   if (as_json) streams.output << list.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-  return common_code(failures, files.size());
+  return code;
 }
 
 Action declare(CLI::App& app) {
   struct Arguments {
     std::vector<std::string> files;
+    int page = 1;
     bool as_json = false;
   };
   const auto arguments = std::make_shared<Arguments>();
-  app.add_option("FILE", arguments->files, "one or more bitmap files; - is standard input")->required()->option_text(" ");
+  app.add_option("FILE", arguments->files, "one or more picture files; - is standard input")->required()->option_text(" ");
+  app.add_option("--page", arguments->page, "page to tell about, counted from 1 (default: 1)")
+      ->check(CLI::PositiveNumber)
+      ->option_text("N");
   app.add_flag("--json", arguments->as_json, "print one JSON array with an object for each file (default: text)");
   app.footer(
-      "Files that fail are reported on standard error and left out. In JSON what is unknown is null.\n\n"
+      "Depth and colours are those of the loaded picture. Files that fail are reported on standard error and left out. In\n"
+      "JSON what is unknown is null.\n\n"
       "Examples:\n"
-      "  vorel info scan.bmp\n"
-      "  vorel info a.bmp b.bmp --json\n"
+      "  vorel info scan.tif\n"
+      "  vorel info a.bmp b.png --json\n"
       "  vorel info - < scan.bmp");
-  return [arguments](const Streams& streams) { return describe(arguments->files, arguments->as_json, streams); };
+  return [arguments](const Streams& streams) {
+    return describe(arguments->files, arguments->page, arguments->as_json, streams);
+  };
 }
 
 }  // namespace
 
-const Verb kInfo{"info", "Tell format, size, depth, colours, resolution and compression of pictures.", declare};
+const Verb kInfo{"info", "Tell format, pages, size, depth, colours, resolution and compression of pictures.", declare};
 
 }  // namespace vorel::cli

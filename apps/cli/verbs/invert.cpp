@@ -16,7 +16,7 @@ std::span<const uint8_t> color_mask(int depth) {
   }
 }
 
-void complement_pixels(const Picture& picture) {
+void complement_pixels(Picture& picture) {
   const std::span<const uint8_t> mask = color_mask(picture.header.biBitCount);
   const DibLock lock(picture.dib);
   const std::span<uint8_t> pixels = lock.pixels();
@@ -32,7 +32,7 @@ Dib negative(Picture& picture, const std::string&) {
   if (picture.header.biBitCount <= 8) {
     InvertDIBPalette(picture.dib.get());
   } else {
-    require(picture, Reach::kChangesPixels);
+    prepare(picture, Reach::kChangesPixels);
     complement_pixels(picture);
   }
   return std::move(picture.dib);
@@ -41,7 +41,8 @@ Dib negative(Picture& picture, const std::string&) {
 Action declare(CLI::App& app) {
   app.footer(
       "Up to 8 bits per pixel the colour table is complemented and the pixels stay, so run-length compressed pictures\n"
-      "work too. At 16, 24 and 32 bits the pixels are complemented, but for the bits that are no colour.\n\n"
+      "work too. At 16, 24 and 32 bits the pixels are complemented, but for the bits that are no colour. OUT has the\n"
+      "format that its ending names; see \"vorel convert --help\".\n\n"
       "Examples:\n"
       "  vorel invert negative.bmp positive.bmp\n"
       "  vorel invert drawing.bmp drawing.bmp --overwrite");

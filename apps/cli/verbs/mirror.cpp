@@ -6,14 +6,14 @@ namespace {
 
 Dib mirrored(Picture& picture, const std::string& direction) {
   const bool is_vertical = direction == "vertical";
-  require(picture, is_vertical ? Reach::kMovesRows : Reach::kMovesPixels);
+  prepare(picture, is_vertical ? Reach::kMovesRows : Reach::kMovesPixels);
   return checked(picture, is_vertical ? FlipDIBVertical(picture.dib.get()) : FlipDIBHorizontal(picture.dib.get()));
 }
 
 Action declare(CLI::App& app) {
   app.footer(
-      "IN may have 1, 4, 8 or 24 bits per pixel, and for vertical also 16 or 32, uncompressed and stored bottom row\n"
-      "first.\n\n"
+      "IN may have 1, 4, 8 or 24 bits per pixel, and for vertical also 16 or 32. OUT has the format that its ending\n"
+      "names; see \"vorel convert --help\".\n\n"
       "Examples:\n"
       "  vorel mirror slide.bmp right-way-round.bmp horizontal\n"
       "  vorel mirror picture.bmp picture.bmp vertical --overwrite");

@@ -1,32 +1,43 @@
 #include "cli/verbs/transform.h"
 
+#include "cli/verbs/saving_options.h"
+
 namespace vorel::cli {
 namespace {
 
 struct Arguments {
   std::string input, output, choice;
-  bool overwrite = false;
+  int page = 1;
+  SavingOptions saving;
 };
+
+ExitCode transform(const Arguments& arguments, Change change, const Streams& streams) {
+  const Saving saving = arguments.saving.saving_for(arguments.output);
+  const Input input(arguments.input, streams.input);
+  const Output output(arguments.output, arguments.saving.overwrite, streams.output);
+  Picture picture = load_picture(input, arguments.page);
+  picture.dib = change(picture, arguments.choice);
+  picture.header = DibLock(picture.dib).header();
+  write_picture(output, picture, saving);
+  return ExitCode::kDone;
+}
 
 }  // namespace
 
 Action declare_transform(CLI::App& app, Change change, const Choice& choice) {
   const auto arguments = std::make_shared<Arguments>();
   // A blank instead of the type, which says nothing here.
-  app.add_option("IN", arguments->input, "the bitmap file to read; - is standard input")->required()->option_text(" ");
-  app.add_option("OUT", arguments->output, "the bitmap file to write; - is standard output")->required()->option_text(" ");
-  app.add_flag("--overwrite", arguments->overwrite, "replace OUT if it exists (default: leave it alone and fail)");
+  app.add_option("IN", arguments->input, "the picture file to read; - is standard input")->required()->option_text(" ");
+  app.add_option("OUT", arguments->output, "the picture file to write; - is standard output")->required()->option_text(" ");
   if (!choice.values.empty()) {
     const auto option = app.add_option(choice.name, arguments->choice, choice.help);
     option->required()->check(CLI::IsMember(choice.values))->option_text(" ");
   }
-  return [arguments, change](const Streams& streams) {
-    const Input input(arguments->input, streams.input);
-    const Output output(arguments->output, arguments->overwrite, streams.output);
-    Picture picture = load_bitmap(input);
-    output.write(change(picture, arguments->choice));
-    return ExitCode::kDone;
-  };
+  app.add_option("--page", arguments->page, "page of IN, counted from 1 (default: 1)")
+      ->check(CLI::PositiveNumber)
+      ->option_text("N");
+  arguments->saving.declare(app);
+  return [arguments, change](const Streams& streams) { return transform(*arguments, change, streams); };
 }
 
 Dib checked(const Picture& picture, HGLOBAL result) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/bitmap.h"
+#include "cli/picture.h"
 #include "cli/verb.h"
 
 namespace vorel::cli {

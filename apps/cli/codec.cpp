@@ -1,0 +1,28 @@
+#include "cli/codec.h"
+
+#include <fmt/format.h>
+
+#include "cli/failure.h"
+
+namespace vorel::cli {
+
+Codec::Codec(const Entry& entry, const std::string& label)
+    : module_(entry.module), address_(module_.is_loaded() ? module_.entry(entry.name) : nullptr) {
+  if (!module_.is_loaded()) {
+    throw Failure(
+        ExitCode::kModule, label,
+        fmt::format("the codec module {} for this format is missing or does not load; put it beside the library {}",
+                    CodecModule::file_name(entry.module), CodecModule::library_path()));
+  }
+  if (address_ == nullptr) {
+    throw Failure(ExitCode::kModule, label,
+                  fmt::format("the codec module {} lacks {}; put this version's module beside the library {}",
+                              CodecModule::file_name(entry.module), entry.name, CodecModule::library_path()));
+  }
+}
+
+void Codec::require(const Entry& entry, const std::string& label) {
+  if (entry.module != nullptr) Codec(entry, label);
+}
+
+}  // namespace vorel::cli

@@ -1,0 +1,26 @@
+// The options of verbs that write pictures.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "cli/picture.h"
+
+namespace vorel::cli {
+
+struct SavingOptions {
+  std::string to, compression;
+  bool interlaced = false, overwrite = false;
+
+  void declare(CLI::App& app);
+
+  // How to save under a name. Throws Failure if that and the options do not tell, or do not go together.
+  Saving saving_for(const std::string& output) const;
+};
+
+// The same in help texts, under the verb's own words.
+inline constexpr const char* kSavingHelp =
+    "The ending of OUT tells its format: .bmp .tif .png .jpg .gif .pcx .dcx .tga .cal. Without one, and on standard\n"
+    "output, it is a Windows bitmap. JPEG gets quality 75; GIF keeps at most 256 colours; CALS takes 1 bit per pixel.\n\n";
+
+}  // namespace vorel::cli

@@ -1,0 +1,56 @@
+// How long an operation takes, in copies of the bytes it works on. Each row says how many times the copying of the same bytes
+// it takes ("copies"), measured in the same run: kernels against a copy between buffers that are there, exports, which return
+// a new block, against a copy into a new one.
+#pragma once
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include <vorel32.h>
+
+inline double seconds(auto&& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Times `work` as the benchmark and `copy` beside it, and reports how many of the second the first takes.
+void measure(benchmark::State& state, size_t bytes, auto&& work, auto&& copy) {
+  double worked = 0, copied = 0;
+  for (auto _ : state) worked += seconds(work);
+  const auto rounds = std::max<int64_t>(state.iterations(), 10);
+  for (int64_t i = 0; i < rounds; ++i) copied += seconds(copy);
+  state.counters["copies"] = (worked / static_cast<double>(state.iterations())) / (copied / static_cast<double>(rounds));
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(bytes));
+}
+
+void measure_kernel(benchmark::State& state, const std::vector<uint8_t>& pixels, auto&& work) {
+  std::vector<uint8_t> target(pixels.size());
+  measure(state, pixels.size(), work, [&] {
+    std::memcpy(target.data(), pixels.data(), pixels.size());
+    benchmark::DoNotOptimize(target.data());
+    benchmark::ClobberMemory();
+  });
+}
+
+// An export that makes a new DIB of another; `picture` is the block whose bytes are copied, the source itself if null.
+inline void measure_export(benchmark::State& state, HGLOBAL dib, HGLOBAL(VORELCALL* work)(HGLOBAL),
+                           HGLOBAL picture = nullptr) {
+  HGLOBAL copied = picture == nullptr ? dib : picture;
+  const void* bytes = GlobalLock(copied);
+  const size_t size = GlobalSize(copied);
+  measure(
+      state, size, [&] { GlobalFree(work(dib)); },
+      [&] {
+        void* copy = std::calloc(size, 1);
+        std::memcpy(copy, bytes, size);
+        benchmark::DoNotOptimize(copy);
+        benchmark::ClobberMemory();
+        std::free(copy);
+      });
+  GlobalUnlock(copied);
+}
