@@ -18,17 +18,18 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress() {
-    if (shown_) stream_ << "\r\033[K" << std::flush;
+    if (shown_) stream_ << fmt::format("\r{:{}}\r", "", line_.size()) << std::flush;
   }
 
   void step() {
     ++step_;
-    if (shown_) stream_ << fmt::format("\r{} {} of {}", what_, step_, steps_) << std::flush;
+    line_ = fmt::format("{} {} of {}", what_, step_, steps_);
+    if (shown_) stream_ << '\r' << line_ << std::flush;
   }
 
  private:
   std::ostream& stream_;
-  std::string what_;
+  std::string what_, line_;
   int steps_, step_ = 0;
   bool shown_;
 };

@@ -63,9 +63,9 @@ int run_length(const uint8_t* bytes, int most) {
   return count;
 }
 
-// How many bytes come before the first equal neighbours; the first three are not looked at.
+// How many bytes come before the first equal neighbours, which two are known to do.
 int literal_length(const uint8_t* bytes, int most) {
-  int count = std::min(3, most);
+  int count = 2;
   for (; count + kWordBytes <= most; count += kWordBytes)
     if (const uint64_t equal = zero_bytes(load_word(bytes + count) ^ load_word(bytes + count + 1)); equal != 0)
       return count + first_set_byte(equal);
@@ -74,11 +74,12 @@ int literal_length(const uint8_t* bytes, int most) {
 }
 
 // Writes the code or two that a row with three or more pixels left goes on with, and returns how many bytes they stand for.
-// 4-bit pixels go in pairs. Three of them take two bytes, so that the row may end up one pixel longer than it is.
+// A run or literal has two bytes at least, even where the three 4-bit pixels that are left fill only one and a half: it then
+// counts one pixel more than the row has.
 template <int kDepth>
 int encode_next(const uint8_t* bytes, int pixels_left, CodeWriter& codes) {
   constexpr int kPixels = pixels_per_byte(kDepth);
-  const int most = std::max(2, std::min(pixels_left, kMostPixels) / kPixels);
+  const int most = std::min(pixels_left, kMostPixels) / kPixels;
   if (bytes[0] == bytes[1]) {
     const int count = run_length(bytes, most);
     codes.run(count * kPixels, bytes[0]);

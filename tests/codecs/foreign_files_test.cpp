@@ -48,8 +48,8 @@ TEST_P(ForeignFile, LoadsAsItsProgramSeesIt) {
   EXPECT_LE(largest_difference(dib, expected), tolerance);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, ForeignFile, testing::ValuesIn(pages()), [](const auto& info) {
-  return std::regex_replace(info.param.expected, std::regex("[^A-Za-z0-9]"), "_");
+INSTANTIATE_TEST_SUITE_P(All, ForeignFile, testing::ValuesIn(pages()), [](const auto& row) {
+  return std::regex_replace(row.param.expected, std::regex("[^A-Za-z0-9]"), "_");
 });
 
 }  // namespace

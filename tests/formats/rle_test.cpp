@@ -79,6 +79,22 @@ TEST(CompressDIB, WritesTheseCodes) {
   }
 }
 
+TEST(CompressDIB, FindsWhereRunsAndLiteralsEnd) {
+  for (uint8_t run = 2; run <= 30; ++run)
+    for (uint8_t literal = 3; literal <= 30; ++literal) {
+      const int width = run + literal + 3;
+      Bytes row(run, 99), codes{run, 99, 0, literal};
+      for (uint8_t value = 1; value <= literal; ++value) {
+        row.push_back(value);
+        codes.push_back(value);
+      }
+      row.insert(row.end(), 3, 99);
+      if (literal % 2 != 0) codes.push_back(0xFF);
+      codes.insert(codes.end(), {3, 99, 0, 0, 0, 1});
+      ASSERT_EQ(data_of(converted(CompressDIB, dib_of(header_for(width, 1, 8), row))), codes) << +run << ", " << +literal;
+    }
+}
+
 // Bytes of so few values that runs, literals and single pixels meet in all ways, with some long runs between them.
 Bytes runs_and_noise(size_t count, unsigned seed) {
   std::minstd_rand random(seed);
@@ -203,10 +219,10 @@ TEST(ExpandCompressedDIB, ReadsOtherCompressionsAsFourBits) {
     header.biCompression = BI_BITFIELDS;
     EXPECT_EQ(data_of(converted(ExpandCompressedDIB, dib_of(header, {9, 0x12, 0, 1}))), c.data) << c.depth;
   }
-  BITMAPINFOHEADER header = coded_header(32, 2, 1);
+  BITMAPINFOHEADER header = coded_header(32, 4, 1);
   header.biCompression = 5;
-  EXPECT_EQ(data_of(converted(ExpandCompressedDIB, dib_of(header, {32, 0x12, 0, 0, 32, 0x34}))),
-            (Bytes{0x12, 0x12, 0x12, 0x12, 0x34, 0x34, 0x34, 0x34}));
+  EXPECT_EQ(data_of(converted(ExpandCompressedDIB, dib_of(header, {32, 0x12, 0, 0, 0, 0, 32, 0x34}))),
+            (Bytes{0x12, 0x12, 0x12, 0x12, 0, 0, 0, 0, 0x34, 0x34, 0x34, 0x34, 0, 0, 0, 0}));
 }
 
 TEST(DamagedDibs, LackWhatIsMissingAlone) {

@@ -90,14 +90,15 @@ Json facts_of(const std::string& file, const Description& description) {
   const BITMAPINFOHEADER& header = description.header;
   const auto x = known_resolution(header.biXPelsPerMeter);
   const auto y = known_resolution(header.biYPelsPerMeter);
+  const bool is_bitmap = description.format.code == IMG_FORMAT_BITMAP;
   return {{"file", file},
           {"format", description.format.name},
-          {"variant", description.variant.empty() ? Json() : Json(description.variant)},
+          {"variant", is_bitmap ? Json(description.variant) : Json()},
           {"pages", known(description.pages)},
           {"page", description.page},
           {"width", static_cast<uint32_t>(header.biWidth)},
           {"height", row_count(header)},
-          {"rowOrder", is_top_down(header) ? "top row first" : "bottom row first"},
+          {"rowOrder", is_bitmap ? Json(is_top_down(header) ? "top row first" : "bottom row first") : Json()},
           {"depth", header.biBitCount},
           {"colours", known(DIBNumColors(header))},
           {"xPixelsPerMetre", known(x)},
@@ -115,8 +116,7 @@ std::string text_of(const Json& facts) {
     if (value.is_number_float()) return fmt::format("{}", value.get<double>());
     return value.is_string() ? value.get<std::string>() : value.dump();
   };
-  const std::string variant = facts["variant"].is_null() ? "" : ", " + word("variant");
-  const std::string order = facts["variant"].is_null() ? "" : ", " + word("rowOrder");
+  const auto remark = [&](const char* key) { return facts[key].is_null() ? "" : ", " + word(key); };
   const std::string which = facts["pages"] == 1 ? "" : fmt::format(", of which this is page {}", word("page"));
   return fmt::format(
       "{}\n"
@@ -127,9 +127,9 @@ std::string text_of(const Json& facts) {
       "  colours      {}\n"
       "  resolution   {} x {} dpi, {} x {} pixels per metre\n"
       "  compression  {}\n",
-      word("file"), word("format"), variant, word("pages"), which, word("width"), word("height"), order, word("depth"),
-      facts["depth"] == 1 ? "" : "s", word("colours"), word("xDpi"), word("yDpi"), word("xPixelsPerMetre"),
-      word("yPixelsPerMetre"), word("compression"));
+      word("file"), word("format"), remark("variant"), word("pages"), which, word("width"), word("height"),
+      remark("rowOrder"), word("depth"), facts["depth"] == 1 ? "" : "s", word("colours"), word("xDpi"), word("yDpi"),
+      word("xPixelsPerMetre"), word("yPixelsPerMetre"), word("compression"));
 }
 
 ExitCode describe(const std::vector<std::string>& files, int page, bool as_json, const Streams& streams) {

@@ -132,10 +132,9 @@ Action declare(CLI::App& app) {
       ->option_text(" ");
   splitting->footer("Example:\n  vorel pages split fax.tif page.png");
 
-  CLI::App* joining = app.add_subcommand("join", "Write all pages of the files IN, in order, as one TIFF file.");
-  joining->add_option("IN... OUT", arguments->files, "the files to read, then the TIFF file to write")
+  CLI::App* joining = app.add_subcommand("join", "Write all pages of several files as one TIFF file.");
+  joining->add_option("FILE", arguments->files, "the files to read, in order, and last the TIFF file OUT to write")
       ->required()
-      ->expected(2, 1'000'000)
       ->option_text(" ");
   joining->footer("Example:\n  vorel pages join cover.bmp fax.tif all.tif --compression g4");
 

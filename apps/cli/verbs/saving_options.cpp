@@ -29,10 +29,7 @@ void SavingOptions::declare(CLI::App& app) {
   app.add_option("--to", to, fmt::format("format of OUT: {} (default: by its ending)", fmt::join(saving_words(), ", ")))
       ->check(CLI::IsMember(saving_words()))
       ->option_text("FORMAT");
-  app.add_option(
-         "--compression", compression,
-         "of TIFF: none, huffman, g3, g4, lzw, jpeg, deflate, packbits (default: g4 for 1 bit, else deflate); of TGA: "
-         "none, rle (default: none)")
+  app.add_option("--compression", compression, "of a TIFF or TGA file (default: the format's usual one)")
       ->check(CLI::IsMember(compression_words()))
       ->option_text("KIND");
   app.add_flag("--interlaced", interlaced, "store the rows of a GIF interlaced (default: in order)");
