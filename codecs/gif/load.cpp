@@ -96,7 +96,7 @@ HGLOBAL load_page(std::span<const uint8_t> file, int page) {
   std::optional<Frame> frame;
   for (int i = 0; i < page; ++i) {
     frame = finder.next();
-    if (!frame) fail(IMG_E_PARAMETER);
+    if (!frame) fail(i == 0 ? IMG_E_FORMAT : IMG_E_PARAMETER);
   }
   check_claim(frame->width, frame->height, 8, file.size());
   const Excerpt excerpt{finder.head(), file.subspan(frame->offset)};
