@@ -47,10 +47,11 @@ Resolution from_dpi(double x, double y) {
   return {per_metre(x), per_metre(y)};
 }
 
+int nearest_dpi(int per_metre) { return per_metre <= 0 ? 0 : static_cast<int>(std::round(per_metre * kMetresPerInch)); }
+
 int whole_dpi(int per_metre) {
-  if (per_metre <= 0) return 0;
-  const double dpi = std::round(per_metre * kMetresPerInch);
-  return from_dpi(dpi, dpi).x == per_metre ? static_cast<int>(dpi) : 0;
+  const int dpi = nearest_dpi(per_metre);
+  return from_dpi(dpi, dpi).x == per_metre ? dpi : 0;
 }
 
 void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t file_bytes) {

@@ -28,6 +28,8 @@ struct Resolution {
   int x = 0, y = 0;
 };
 Resolution from_dpi(double x, double y);
+// The nearest whole number of dots per inch; 0 is unknown.
+int nearest_dpi(int per_metre);
 // Dots per inch, if that is a whole number that comes back from from_dpi() as the same pixels per metre; else 0.
 int whole_dpi(int per_metre);
 
