@@ -266,8 +266,8 @@ TEST_F(TiffTest, VariantsOfSamples) {
        page_tags(3, 1, 8, 8, {{kSamples, {3}}}),
        {255, 0, 0, 0, 0, 0, 136, 80, 67},
        24,
-       {0xFFFFFF, 0, 0xFF0000}},
-      {"lightness of profiles", page_tags(1, 1, 8, 9, {{kSamples, {3}}}), {136, 208, 195}, 24, {0xFF0000}},
+       {0xFFFFFF, 0, 0xFF0201}},
+      {"lightness of profiles", page_tags(1, 1, 8, 9, {{kSamples, {3}}}), {136, 208, 195}, 24, {0xFF0201}},
       {"inks", page_tags(2, 1, 8, 5, {{kSamples, {4}}}), {0, 255, 128, 0, 0, 0, 0, 200}, 24, {0xFF007F, 0x373737}},
   };
   for (const Variant& variant : variants) {
