@@ -12,7 +12,7 @@ cd "$folder"
 
 fail() { printf 'make_foreign_files: %s\n' "$*" >&2; exit 1; }
 
-for program in convert tiffcp ppmtopcx pnmtopng pnmtojpeg ppmtogif python3; do
+for program in convert tiffcp pamtotiff ppmtopcx pnmtopng pnmtojpeg ppmtogif python3; do
   command -v "$program" >/dev/null || fail "$program is missing; tools/setup.sh installs it"
 done
 
