@@ -42,8 +42,8 @@ Bytes smooth(int width, int height, int depth, bool is_gray) {
     rest.insert(rest.end(), {level, is_gray ? level : uint8_t(128), level, 0});
   }
   for (int y = 0; y < height; ++y)
-    for (size_t i = 0; i < stride_of(width, depth); ++i)
-      rest.push_back(depth == 1 ? 0 : depth == 4 ? uint8_t(y / 2 * 0x11) : uint8_t(y * 2 + static_cast<int>(i) / 2));
+    for (int i = 0; i < static_cast<int>(stride_of(width, depth)); ++i)
+      rest.push_back(uint8_t(depth == 1 ? 0 : depth == 4 ? y / 2 * 0x11 : y * 2 + i / 2));
   return with_header(header_for(width, height, depth), rest);
 }
 
