@@ -89,6 +89,8 @@ void set_tags(const TiffHandle& tiff, const SourceDib& dib, const Encoding& enco
   if (encoding.photometric == PHOTOMETRIC_YCBCR) set(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
   if (encoding.photometric == PHOTOMETRIC_PALETTE) set_colors(tiff, dib.colors());
   if (encoding.predictor != PREDICTOR_NONE) set(tiff, TIFFTAG_PREDICTOR, encoding.predictor);
+  // The one encoder that every build of the library has, so that all of ours write the same bytes.
+  if (encoding.compression == COMPRESSION_ADOBE_DEFLATE) set(tiff, TIFFTAG_DEFLATE_SUBCODEC, DEFLATE_SUBCODEC_ZLIB);
   set_resolution(tiff, dib.resolution());
 }
 
