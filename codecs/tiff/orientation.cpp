@@ -1,72 +1,91 @@
 #include "tiff/orientation.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace codec {
 namespace {
 
-// Where a stored pixel belongs on the page.
-struct Placement {
-  int width, height;  // as stored
-  bool from_right, from_bottom, by_columns;
-
-  Placement(const NewDib& stored, int orientation)
-      : width(stored.width()),
-        height(stored.height()),
-        from_right(orientation == 2 || orientation == 3 || orientation == 7 || orientation == 8),
-        from_bottom(orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7),
-        by_columns(orientation >= 5) {}
-
-  std::pair<int, int> of(int column, int row) const {
-    const int along = from_right ? width - 1 - column : column;
-    const int across = from_bottom ? height - 1 - row : row;
-    return by_columns ? std::pair(across, along) : std::pair(along, across);
-  }
+struct TrueColor {
+  uint8_t blue, green, red;
 };
 
-void turn_true_color(const NewDib& stored, const Placement& placement, const NewDib& page) {
-  for (int row = 0; row < stored.height(); ++row) {
-    const auto pixels = stored.row_from_top(row);
-    for (int column = 0; column < stored.width(); ++column) {
-      const auto [x, y] = placement.of(column, row);
-      std::ranges::copy(pixels.subspan(static_cast<size_t>(column) * 3, 3),
-                        page.row_from_top(y).begin() + x * std::ptrdiff_t{3});
-    }
-  }
+// Rows with a byte, or three, for each pixel.
+void unpack(std::span<const uint8_t> row, int depth, std::span<uint8_t> line) { unpack_indices(row, depth, line); }
+void unpack(std::span<const uint8_t> row, int /*depth*/, std::span<TrueColor> line) {
+  std::memcpy(line.data(), row.data(), line.size_bytes());
+}
+void pack(std::span<const uint8_t> line, int depth, std::span<uint8_t> row) { pack_indices(line, depth, row); }
+void pack(std::span<const TrueColor> line, int /*depth*/, std::span<uint8_t> row) {
+  std::memcpy(row.data(), line.data(), line.size_bytes());
 }
 
-void turn_indices(const NewDib& stored, int depth, const Placement& placement, const NewDib& page) {
-  std::vector<uint8_t> indices(static_cast<size_t>(stored.width()));
-  const int per_byte = 8 / depth;
-  for (int row = 0; row < stored.height(); ++row) {
-    unpack_indices(stored.row_from_top(row), depth, indices);
-    for (int column = 0; column < stored.width(); ++column) {
-      const auto [x, y] = placement.of(column, row);
-      const int shift = (per_byte - 1 - x % per_byte) * depth;
-      page.row_from_top(y)[static_cast<size_t>(x / per_byte)] |=
-          static_cast<uint8_t>(indices[static_cast<size_t>(column)] << shift);
+template <class Pixel>
+class Turn {
+ public:
+  Turn(const NewDib& stored, int depth, int orientation)
+      : stored_(stored),
+        depth_(depth),
+        from_right_(orientation == 2 || orientation == 3 || orientation == 7 || orientation == 8),
+        from_bottom_(orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7) {}
+
+  void by_rows(const NewDib& page) const {
+    Line line(static_cast<size_t>(stored_.width()));
+    for (int y = 0; y < page.height(); ++y) {
+      read(y, line);
+      pack(line, depth_, page.row_from_top(y));
     }
   }
+
+  // As many stored rows at a time as make a byte of the page's rows.
+  void by_columns(const NewDib& page) const {
+    const int most = depth_ < 8 ? 8 / depth_ : 1;
+    std::vector<Line> lines(static_cast<size_t>(most), Line(static_cast<size_t>(stored_.width())));
+    Line pixels;
+    for (int x = 0; x < page.width(); x += most) {
+      pixels.resize(static_cast<size_t>(std::min(most, page.width() - x)));
+      for (size_t i = 0; i < pixels.size(); ++i) read(x + static_cast<int>(i), lines[i]);
+      const size_t offset = static_cast<size_t>(x) * static_cast<size_t>(depth_) / 8;
+      for (int y = 0; y < page.height(); ++y) {
+        for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = lines[i][static_cast<size_t>(y)];
+        pack(pixels, depth_, page.row_from_top(y).subspan(offset));
+      }
+    }
+  }
+
+ private:
+  using Line = std::vector<Pixel>;
+
+  // A stored row, counted and running as the page has it.
+  void read(int index, Line& line) const {
+    unpack(stored_.row_from_top(from_bottom_ ? stored_.height() - 1 - index : index), depth_, line);
+    if (from_right_) std::ranges::reverse(line);
+  }
+
+  const NewDib& stored_;
+  int depth_;
+  bool from_right_, from_bottom_;
+};
+
+template <class Pixel>
+HGLOBAL turned(const NewDib& stored, Layout layout, int orientation) {
+  const Turn<Pixel> turn(stored, layout.depth, orientation);
+  const bool rows_are_columns = orientation >= 5;
+  if (rows_are_columns) {
+    std::swap(layout.width, layout.height);
+    std::swap(layout.resolution.x, layout.resolution.y);
+  }
+  NewDib page(layout);
+  rows_are_columns ? turn.by_columns(page) : turn.by_rows(page);
+  return page.release();
 }
 
 }  // namespace
 
 HGLOBAL upright(NewDib& stored, const Layout& layout, int orientation) {
   if (orientation <= 1 || orientation > 8) return stored.release();
-  const Placement placement(stored, orientation);
-  Layout turned = layout;
-  if (placement.by_columns) {
-    std::swap(turned.width, turned.height);
-    std::swap(turned.resolution.x, turned.resolution.y);
-  }
-  NewDib page(turned);
-  if (layout.depth == 24) {
-    turn_true_color(stored, placement, page);
-  } else {
-    turn_indices(stored, layout.depth, placement, page);
-  }
-  return page.release();
+  return layout.depth == 24 ? turned<TrueColor>(stored, layout, orientation) : turned<uint8_t>(stored, layout, orientation);
 }
 
 }  // namespace codec

@@ -114,6 +114,16 @@ void plan_inks(const TiffHandle& tiff, TiffPage& page) {
   add_coverage(tiff, page);
 }
 
+// The a* and b* are signed numbers, or count from -128 as ICC profiles have it.
+void plan_lab(TiffPage& page, bool counts_from_lowest) {
+  if (page.samples < 3 || (page.bits != 8 && page.bits != 16)) fail(IMG_E_FORMAT);
+  page.is_lab = true;
+  plan_channels(page, false);
+  if (counts_from_lowest) return;
+  for (const size_t sample : {1, 2})
+    for (uint8_t& value : page.components[sample].values) value ^= 0x80;
+}
+
 // The JPEG codec knows how to make RGB of its own colours; others are left to the library's conversion.
 void plan_luminance(const TiffHandle& tiff, TiffPage& page) {
   const auto compression = tiff.tag<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
@@ -131,6 +141,8 @@ void plan(const TiffHandle& tiff, TiffPage& page) {
     case PHOTOMETRIC_PALETTE: return plan_palette(tiff, page);
     case PHOTOMETRIC_RGB: return plan_rgb(tiff, page);
     case PHOTOMETRIC_SEPARATED: return plan_inks(tiff, page);
+    case PHOTOMETRIC_CIELAB: return plan_lab(page, false);
+    case PHOTOMETRIC_ICCLAB: return plan_lab(page, true);
     case PHOTOMETRIC_YCBCR: return plan_luminance(tiff, page);
     default: page.layout.depth = 24;
   }

@@ -15,6 +15,7 @@ struct TiffPage {
   unsigned bits = 0, samples = 0;
   bool has_planes = false;  // each sample of its own
   bool has_tiles = false;
+  bool is_lab = false;  // once assembled, pixels are still b*, a*, L*
   uint32_t tile_width = 0, tile_height = 0;
   // Empty where the library converts the colours.
   std::vector<Component> components;

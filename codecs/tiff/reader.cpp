@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "tiff/directories.h"
+#include "tiff/lab.h"
 #include "tiff/orientation.h"
 #include "tiff/page.h"
 
@@ -30,7 +31,8 @@ std::optional<Finish> finish_of_plain_rows(const TiffPage& page) {
   const bool is_reversed = page.components[0].values[0] != 0;
   if (page.has_tiles || page.bits * page.samples != static_cast<unsigned>(page.layout.depth)) return std::nullopt;
   if (page.samples == 1) return is_reversed ? Finish::kComplement : Finish::kNone;
-  if (page.has_planes || page.samples != 3 || page.components[0].action != Action::kChannel) return std::nullopt;
+  if (page.has_planes || page.samples != 3 || page.is_lab || page.components[0].action != Action::kChannel)
+    return std::nullopt;
   return Finish::kSwapChannels;
 }
 
@@ -185,6 +187,9 @@ HGLOBAL read_tiff(Bytes& bytes, int page_number) {
   const TiffPage page = read_tags(tiff, bytes.size());
   NewDib stored(page.layout);
   read_pixels(tiff, page, stored);
+  if (page.is_lab)
+    for (int y = 0; y < stored.height(); ++y)
+      lab_to_true_color(stored.row_from_top(y).first(static_cast<size_t>(stored.width()) * 3));
   return upright(stored, page.layout, page.orientation);
 }
 
