@@ -30,6 +30,11 @@ FileHandle open_file(const char* path, const char* mode) {
 
 }  // namespace
 
+size_t read_at(std::FILE* file, uint64_t offset, std::span<uint8_t> bytes) {
+  if (fseeko(file, static_cast<int64_t>(offset), SEEK_SET) != 0) return 0;
+  return std::fread(bytes.data(), 1, bytes.size(), file);
+}
+
 InputFile::InputFile(const char* path) : size_(size_of_file(path)) { file_ = open_file(path, "rb"); }
 
 std::vector<uint8_t> InputFile::read(uint64_t offset, uint64_t count) const {
@@ -37,8 +42,7 @@ std::vector<uint8_t> InputFile::read(uint64_t offset, uint64_t count) const {
   if (there == 0) return {};
   if (there > std::numeric_limits<std::ptrdiff_t>::max()) fail(IMG_E_MEMORY);
   std::vector<uint8_t> bytes(static_cast<size_t>(there));
-  if (fseeko(get(), static_cast<int64_t>(offset), SEEK_SET) != 0) fail(IMG_E_FILE_IO);
-  if (std::fread(bytes.data(), 1, bytes.size(), get()) != bytes.size()) fail(IMG_E_FILE_IO);
+  if (read_at(get(), offset, bytes) != bytes.size()) fail(IMG_E_FILE_IO);
   return bytes;
 }
 

@@ -15,6 +15,9 @@ struct CloseFile {
 };
 using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
 
+// Reads from `offset` on into `bytes` as much as there is. Returns how many bytes that are; ferror() tells when reading failed.
+size_t read_at(std::FILE* file, uint64_t offset, std::span<uint8_t> bytes);
+
 class InputFile {
  public:
   // Throws Failure: only what is a file on disk can be opened.

@@ -1,34 +1,21 @@
 // The command line tool, run in process.
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sstream>
 
-#include "cli/run.h"
-#include "support/dib.h"
+#include "cli_fixture.h"
 
-namespace fs = std::filesystem;
-using test::Bytes;
+using namespace test;
 using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
 
-constexpr size_t kFileHeader = sizeof(BITMAPFILEHEADER);
-
-size_t table_bytes(const Bytes& dib) { return PaletteSize(const_cast<uint8_t*>(dib.data())); }
-
-Bytes file_of(const Bytes& dib) {
-  return test::file_of(dib, static_cast<uint32_t>(kFileHeader + sizeof(BITMAPINFOHEADER) + table_bytes(dib)));
-}
-
-Bytes file_of(const BITMAPINFOHEADER& header) {
+// A picture of sevens.
+Bytes blank_file(const BITMAPINFOHEADER& header) {
   Bytes dib = test::with_header(header);
   dib.resize(dib.size() + table_bytes(dib) + test::stride_of(header.biWidth, header.biBitCount) * std::abs(header.biHeight),
              7);
-  return file_of(dib);
+  return bitmap_file(dib);
 }
 
 Bytes patched(Bytes bytes, size_t offset, uint32_t value, size_t size = 4) {
@@ -45,64 +32,8 @@ Bytes core_file() {
 
 std::string text_of(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
-size_t entries(const fs::path& folder) { return std::distance(fs::directory_iterator(folder), fs::directory_iterator()); }
-
-class Cli : public testing::Test {
- protected:
-  Cli() {
-    fs::create_directory(temporary_);
-    use_for_temporary_files(temporary_);
-  }
-  // Whatever happened, nothing temporary stays.
-  ~Cli() override {
-    EXPECT_EQ(entries(temporary_), 0u);
-    for (const auto& entry : fs::directory_iterator(fs::path(at("")))) {
-      EXPECT_FALSE(entry.path().filename().string().starts_with("vorel-")) << entry.path();
-    }
-    use_for_temporary_files(usual_.string());
-  }
-
-  static void use_for_temporary_files(const std::string& folder) {
-#ifdef _WIN32
-    SetEnvironmentVariableA("TMP", folder.c_str());
-#else
-    setenv("TMPDIR", folder.c_str(), 1);
-#endif
-  }
-  std::string at(const std::string& name) const { return folder_.path(name); }
-  std::string put(const std::string& name, const Bytes& bytes) const {
-    test::write_file(at(name), bytes);
-    return at(name);
-  }
-  // Runs the tool and checks the form of its messages.
-  int run(const std::vector<std::string>& arguments, const std::string& input = "") {
-    out_.str("");
-    std::ostringstream err;
-    std::istringstream in(input);
-    const int code = vorel::cli::run(arguments, in, out_, err);
-    err_ = err.str();
-    std::istringstream lines(err_);
-    for (std::string line; std::getline(lines, line);) {
-      EXPECT_THAT(line, testing::AllOf(StartsWith("vorel: "), HasSubstr("; ")));
-    }
-    EXPECT_EQ(err_.empty(), code == 0) << err_;
-    return code;
-  }
-  Bytes converted(std::vector<std::string> verb_and_choice, const Bytes& file) {
-    verb_and_choice.insert(verb_and_choice.begin() + 1, {put("in.bmp", file), at("out.bmp"), "--overwrite"});
-    EXPECT_EQ(run(verb_and_choice), 0) << err_;
-    return test::read_file(at("out.bmp"));
-  }
-
-  const fs::path usual_ = fs::temp_directory_path();
-  test::TempFolder folder_;
-  std::string temporary_ = folder_.path("temporary");
-  std::ostringstream out_;
-  std::string err_;
-};
-
 TEST_F(Cli, ExitCodes) {
-  const std::string good = put("good.bmp", file_of(test::noise(5, 3, 24)));
+  const std::string good = put("good.bmp", bitmap_file(test::noise(5, 3, 24)));
   const std::string text = put("text.bmp", Bytes(100, 'x'));
   const std::string out = at("out.bmp");
   const struct {
@@ -144,7 +75,7 @@ TEST_F(Cli, HelpAndVersion) {
 }
 
 TEST_F(Cli, EveryTruncationIsNoticed) {
-  const Bytes whole = file_of(test::noise(9, 3, 1));
+  const Bytes whole = bitmap_file(test::noise(9, 3, 1));
   const Bytes core = core_file();
   const Bytes bare(whole.begin() + kFileHeader, whole.end());
   for (const Bytes& file : {whole, core, bare}) {
@@ -162,7 +93,7 @@ TEST_F(Cli, EveryTruncationIsNoticed) {
 }
 
 TEST_F(Cli, EveryDamagedHeaderIsNoticed) {
-  const Bytes good = file_of(test::noise(9, 3, 8));
+  const Bytes good = bitmap_file(test::noise(9, 3, 8));
   const struct {
     size_t offset;
     uint32_t value;
@@ -183,18 +114,18 @@ TEST_F(Cli, EveryKindOfPictureWorksOrIsRefused) {
   BITMAPINFOHEADER masks = test::header_for(5, 3, 16);
   masks.biCompression = BI_BITFIELDS;
   BITMAPINFOHEADER top_down = test::header_for(5, -3, 24);
-  const Bytes unstated = file_of(top_down);
+  const Bytes unstated = blank_file(top_down);
   top_down.biSizeImage = 3 * 16;
   const struct {
     const char* name;
     Bytes file;
     int info, convert, invert, rotate, horizontal, vertical;
-  } rows[] = {{"run-length", file_of(rle), 0, 0, 0, 0, 0, 0},
-              {"masks", file_of(masks), 0, 4, 4, 4, 4, 4},
-              {"top-down", file_of(top_down), 0, 0, 0, 4, 4, 4},
+  } rows[] = {{"run-length", blank_file(rle), 0, 0, 0, 0, 0, 0},
+              {"masks", blank_file(masks), 0, 4, 4, 4, 4, 4},
+              {"top-down", blank_file(top_down), 0, 0, 0, 4, 4, 4},
               {"top-down without a size", unstated, 0, 4, 4, 4, 4, 4},
-              {"16 bits", file_of(test::noise(5, 3, 16)), 0, 0, 0, 4, 4, 0},
-              {"32 bits", file_of(test::noise(5, 3, 32)), 0, 0, 0, 4, 4, 0},
+              {"16 bits", bitmap_file(test::noise(5, 3, 16)), 0, 0, 0, 4, 4, 0},
+              {"32 bits", bitmap_file(test::noise(5, 3, 32)), 0, 0, 0, 4, 4, 0},
               {"12-byte header", core_file(), 0, 0, 0, 0, 0, 0}};
   for (const auto& row : rows) {
     const std::string in = put("in.bmp", row.file);
@@ -223,14 +154,14 @@ TEST_F(Cli, TurnsAndMirrorsAreExact) {
   Bytes dib = test::with_header(test::header_for(2, 3, 8));
   dib.resize(dib.size() + table_bytes(dib));
   for (const char* row : {"EF..", "CD..", "AB.."}) dib.insert(dib.end(), row, row + 4);
-  const Bytes file = file_of(dib);
+  const Bytes file = bitmap_file(dib);
   EXPECT_EQ(picture_in(converted({"rotate", "90"}, file)), "ECA FDB ");
   EXPECT_EQ(picture_in(converted({"rotate", "180"}, file)), "FE DC BA ");
   EXPECT_EQ(picture_in(converted({"rotate", "270"}, file)), "BDF ACE ");
   EXPECT_EQ(picture_in(converted({"mirror", "horizontal"}, file)), "BA DC FE ");
   EXPECT_EQ(picture_in(converted({"mirror", "vertical"}, file)), "EF CD AB ");
   for (const int depth : {1, 4, 8, 24}) {
-    const Bytes picture = file_of(test::noise(13, 7, depth));
+    const Bytes picture = bitmap_file(test::noise(13, 7, depth));
     EXPECT_EQ(picture_in(converted({"rotate", "90"}, converted({"rotate", "270"}, picture))), picture_in(picture)) << depth;
   }
 }
@@ -244,10 +175,10 @@ TEST_F(Cli, InvertComplementsColoursAlone) {
               {32, {1, 2, 3, 4}, {254, 253, 252, 4}}};
   for (const auto& row : rows) {
     const Bytes dib = test::with_header(test::header_for(1, 1, row.depth), row.pixel);
-    const Bytes result = converted({"invert"}, file_of(dib));
+    const Bytes result = converted({"invert"}, bitmap_file(dib));
     EXPECT_EQ(Bytes(result.end() - 4, result.end()), row.negative) << row.depth;
   }
-  const Bytes file = file_of(test::noise(13, 2, 4));
+  const Bytes file = bitmap_file(test::noise(13, 2, 4));
   const Bytes negative = converted({"invert"}, file);
   EXPECT_EQ(negative[54], file[54] ^ 0xFF);
   EXPECT_EQ(negative[57], file[57]);
@@ -256,7 +187,7 @@ TEST_F(Cli, InvertComplementsColoursAlone) {
 
 // Some writers count bytes behind the last row. The result must be a file that the tool takes again.
 TEST_F(Cli, SurplusImageBytesAreNotCarriedAlong) {
-  Bytes file = file_of(test::noise(5, 3, 24));
+  Bytes file = bitmap_file(test::noise(5, 3, 24));
   const size_t pixels = file.size() - 54;
   file.resize(file.size() + 100);
   converted({"mirror", "vertical"},
@@ -264,7 +195,7 @@ TEST_F(Cli, SurplusImageBytesAreNotCarriedAlong) {
 }
 
 TEST_F(Cli, ExistingOutputsAreSafe) {
-  const std::string in = put("in.bmp", file_of(test::noise(5, 3, 24)));
+  const std::string in = put("in.bmp", bitmap_file(test::noise(5, 3, 24)));
   const std::string out = put("out.bmp", {1, 2, 3});
   EXPECT_EQ(run({"invert", in, out}), 5);
   EXPECT_EQ(test::read_file(out), Bytes({1, 2, 3}));
@@ -281,7 +212,7 @@ TEST_F(Cli, ExistingOutputsAreSafe) {
 }
 
 TEST_F(Cli, StandardStreams) {
-  const Bytes file = file_of(test::noise(5, 3, 24));
+  const Bytes file = bitmap_file(test::noise(5, 3, 24));
   const Bytes expected = converted({"rotate", "270"}, file);
   EXPECT_EQ(run({"rotate", "-", "-", "270"}, text_of(file)), 0);
   EXPECT_EQ(out_.str(), text_of(expected));
@@ -297,7 +228,7 @@ TEST_F(Cli, Info) {
   BITMAPINFOHEADER header = test::header_for(5, 3, 4);
   header.biXPelsPerMeter = 11811;
   header.biClrUsed = 9;
-  const std::string in = put("in.bmp", file_of(header));
+  const std::string in = put("in.bmp", blank_file(header));
   EXPECT_EQ(run({"info", in}), 0);
   EXPECT_EQ(out_.str(), in + "\n"
                              "  format       Windows bitmap, 40-byte header\n"
@@ -307,7 +238,7 @@ TEST_F(Cli, Info) {
                              "  colours      9\n"
                              "  resolution   300 x unknown dpi, 11811 x unknown pixels per metre\n"
                              "  compression  none\n");
-  EXPECT_EQ(run({"info", "-", at("missing"), "--json"}, text_of(file_of(test::header_for(5, -3, 24)))), 1);
+  EXPECT_EQ(run({"info", "-", at("missing"), "--json"}, text_of(blank_file(test::header_for(5, -3, 24)))), 1);
   EXPECT_EQ(out_.str(), R"([
   {
     "file": "-",
@@ -333,7 +264,7 @@ TEST_F(Cli, Info) {
 }
 
 TEST_F(Cli, AwkwardNames) {
-  const Bytes file = file_of(test::noise(5, 3, 24));
+  const Bytes file = bitmap_file(test::noise(5, 3, 24));
   const std::string folder = at(std::string(100, 'f')) + "/" + std::string(100, 'g');
   fs::create_directories(folder);
   for (const std::string& name : {folder + "/x.bmp", at("g\xC3\xA4nse \xE9\xB5\x9D.bmp")}) {
@@ -349,7 +280,7 @@ TEST_F(Cli, AwkwardNames) {
 #ifndef _WIN32
 
 TEST_F(Cli, DevicesAndStrangeFolders) {
-  const std::string in = put("in.bmp", file_of(test::noise(5, 3, 24)));
+  const std::string in = put("in.bmp", bitmap_file(test::noise(5, 3, 24)));
   EXPECT_EQ(run({"convert", in, "/dev/full", "--overwrite"}), 5);
   EXPECT_EQ(run({"convert", in, "/dev/null"}), 5);
   EXPECT_EQ(run({"convert", in, "/dev/null", "--overwrite"}), 0);
@@ -359,7 +290,7 @@ TEST_F(Cli, DevicesAndStrangeFolders) {
 }
 
 TEST_F(Cli, LinksAndPermissionsAreKept) {
-  const std::string in = put("in.bmp", file_of(test::noise(5, 3, 24)));
+  const std::string in = put("in.bmp", bitmap_file(test::noise(5, 3, 24)));
   const std::string real = put("real.bmp", {1});
   fs::permissions(real, fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
   fs::create_symlink("real.bmp", at("link.bmp"));

@@ -1,18 +1,20 @@
 #!/usr/bin/env bash
 # Makes picture files with other programs, each with a bitmap beside it of what that program sees in it. A file NAME has, for
 # each page that is to be compared, a 24-bit bitmap called NAME.pageN.depthD.bmp, where D is the depth that loading the page is
-# to give. Prints the files.
+# to give. Prints the files. What is there already stays unless one of these scripts has changed.
 # usage: make_foreign_files.sh FOLDER
 set -euo pipefail
 sources=$(cd "$(dirname "$0")" && pwd)
 folder=$1
+key=$(cat "$sources"/*.sh | cksum)
+[ "$key" != "$(cat "$folder/key" 2>/dev/null)" ] || { ls "$folder"; exit 0; }
 rm -rf "$folder"
 mkdir -p "$folder"
 cd "$folder"
 
 fail() { printf 'make_foreign_files: %s\n' "$*" >&2; exit 1; }
 
-for program in convert tiffcp ppmtopcx python3; do
+for program in convert tiffcp pamtotiff ppmtopcx pnmtopng pnmtojpeg ppmtogif python3; do
   command -v "$program" >/dev/null || fail "$program is missing; tools/setup.sh installs it"
 done
 
@@ -21,7 +23,7 @@ expect() { convert "$4" -alpha off -type TrueColor "bmp3:$1.page$2.depth$3.bmp";
 
 # Pictures to make files of: odd widths, every value, nothing symmetrical.
 mkdir source
-convert -size 61x43 plasma:red-blue -seed 7 -depth 8 -type TrueColor source/color.ppm 2>/dev/null ||
+convert -seed 7 -size 61x43 plasma:red-blue -depth 8 -type TrueColor source/color.ppm 2>/dev/null ||
   fail "ImageMagick does not make pictures"
 convert source/color.ppm -colorspace Gray -depth 8 source/gray.pgm
 convert source/gray.pgm -ordered-dither o4x4 -monochrome source/mono.pbm
@@ -33,4 +35,5 @@ for script in "$sources"/foreign_*.sh; do
   . "$script"
 done
 rm -rf source
+echo "$key" >key
 ls

@@ -68,8 +68,8 @@ TEST_F(FaxSet, PlanesBecomeColours) {
       ASSERT_EQ(header.biBitCount, 4) << planes << " " << width;
       EXPECT_EQ(page.size(), 40 + 64 + stride_of(width, 4) * 6);
       EXPECT_EQ(header.biSizeImage, stride_of(width, 4) * 6);
-      EXPECT_EQ(std::vector({header.biXPelsPerMeter, header.biYPelsPerMeter}), (std::vector{8000, 4000}));
-      EXPECT_EQ(std::vector({header.biClrUsed, header.biClrImportant}), (std::vector<decltype(header.biClrUsed)>{16, 16}));
+      EXPECT_TRUE(header.biXPelsPerMeter == 8000 && header.biYPelsPerMeter == 4000);
+      EXPECT_TRUE(header.biClrUsed == 16 && header.biClrImportant == 16);
       for (int y = 0; y < 6; ++y)
         for (int x = 0; x < width; ++x) {
           uint32_t expected = 0;

@@ -1,0 +1,43 @@
+// The images of a GIF file, found without decoding any.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace codec::gif {
+
+struct Frame {
+  size_t offset = 0;           // of the byte that its descriptor begins with
+  int width = 0, height = 0;   // pixels
+  int transparent_index = -1;  // none
+};
+
+class FrameFinder {
+ public:
+  // Throws Failure for what is no GIF file.
+  explicit FrameFinder(std::span<const uint8_t> file);
+
+  // What stands in front of all images: signature, screen descriptor and global colour table.
+  std::span<const uint8_t> head() const { return file_.first(head_bytes_); }
+
+  // The next image; none at the end, which a file may leave unsaid. Throws Failure for what cannot be passed over.
+  std::optional<Frame> next();
+
+ private:
+  uint8_t byte();
+  int word();
+  void skip(size_t count);
+  void skip_sub_blocks();
+  void skip_color_table(uint8_t flags);
+  Frame read_descriptor();
+  void read_extension();
+
+  std::span<const uint8_t> file_;
+  size_t at_ = 0;
+  size_t head_bytes_ = 0;
+  int transparent_index_ = -1;  // of the image to come
+};
+
+}  // namespace codec::gif

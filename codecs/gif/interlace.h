@@ -1,0 +1,17 @@
+// The order in which an interlaced picture has its rows.
+#pragma once
+
+namespace codec::gif {
+
+// The row, from the top, that an interlaced file of `height` rows has as its number `i`.
+constexpr int interlaced_row(int i, int height) {
+  constexpr struct { int first, step; } kPasses[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
+  for (const auto& pass : kPasses) {
+    const int rows = (height - pass.first + pass.step - 1) / pass.step;
+    if (i < rows) return pass.first + i * pass.step;
+    i -= rows;
+  }
+  return 0;
+}
+
+}  // namespace codec::gif

@@ -1,0 +1,45 @@
+// The components of a pixel on their way from the samples of a file into rows of a DIB.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "common/dib.h"
+
+namespace codec {
+
+// What the values of a component do to a row. The components of a picture are applied in the order of its samples, be it
+// pixel by pixel or plane by plane.
+enum class Action {
+  kIndices,               // are pixels of a DIB with a colour table
+  kLookUp,                // are pixels, looked up in the colour table for 24 bits
+  kChannel,               // are one channel of 24 bits
+  kDarken,                // scale what is there: the black ink of four
+  kCoverage,              // lay what is there over white
+  kPremultipliedCoverage  // the same, where it has been scaled already
+};
+
+struct Component {
+  unsigned sample = 0;
+  Action action = Action::kIndices;
+  unsigned channel = 0;               // of a DIB's pixel
+  std::array<uint8_t, 256> values{};  // by the sample, or by its upper eight bits
+};
+
+// How the samples of a row lie in memory.
+struct SampleLayout {
+  unsigned bits = 0;   // of a sample: up to 16, or a multiple of 8
+  unsigned count = 0;  // samples per pixel
+  unsigned sample = 0;
+};
+
+// Takes one sample of each pixel, `values.size()` of them, or its upper eight bits.
+void extract(std::span<const uint8_t> bytes, const SampleLayout& layout, std::span<uint8_t> values);
+
+// Applies a component's values, which are replaced by what they stand for, to a row from pixel x on. Below 8 bits per pixel x
+// must be where a byte begins.
+void apply(const Component& component, const Colors& colors, std::span<uint8_t> values, std::span<uint8_t> row, int depth,
+           size_t x);
+
+}  // namespace codec

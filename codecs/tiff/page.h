@@ -1,0 +1,31 @@
+// What the tags of a TIFF page say, and how its samples become a DIB.
+#pragma once
+
+#include <vector>
+
+#include "common/dib.h"
+#include "tiff/components.h"
+#include "tiff/handle.h"
+
+namespace codec {
+
+struct TiffPage {
+  Layout layout;  // of the DIB, before the page is turned
+  int orientation = 1;
+  unsigned bits = 0, samples = 0;
+  bool has_planes = false;  // each sample of its own
+  bool has_tiles = false;
+  bool is_lab = false;  // once assembled, pixels are still b*, a*, L*
+  uint32_t tile_width = 0, tile_height = 0;
+  // Empty where the library converts the colours.
+  std::vector<Component> components;
+  Colors colors;  // of a picture with a colour table
+
+  unsigned planes() const { return has_planes ? samples : 1; }
+  unsigned samples_in_plane() const { return has_planes ? 1 : samples; }
+};
+
+// Throws Failure for a page of a variant that is not read, and for one that claims more than a file of so many bytes may.
+TiffPage read_tags(const TiffHandle& tiff, uint64_t file_bytes);
+
+}  // namespace codec

@@ -1,0 +1,200 @@
+#include "tiff/reader.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "tiff/directories.h"
+#include "tiff/lab.h"
+#include "tiff/orientation.h"
+#include "tiff/page.h"
+
+namespace codec {
+namespace {
+
+TiffHandle open_page(Bytes& bytes, int page) {
+  if (page < 1 || page > static_cast<int>(kMostPages)) fail(IMG_E_PARAMETER);
+  const size_t pages = follow_directories(bytes, static_cast<size_t>(page)).pages;
+  if (pages == 0) fail(IMG_E_FORMAT);
+  if (pages < static_cast<size_t>(page)) fail(IMG_E_PARAMETER);
+  TiffHandle tiff(bytes, "rh");
+  tiff.check(TIFFSetDirectory(tiff.get(), static_cast<tdir_t>(page - 1)) != 0);
+  return tiff;
+}
+
+// ---- Rows that come out of the library as they are needed ----
+
+enum class Finish { kNone, kComplement, kSwapChannels };
+
+// What is left to do for rows that are decoded right into the DIB. None where samples have to be taken apart.
+std::optional<Finish> finish_of_plain_rows(const TiffPage& page) {
+  const bool is_reversed = page.components[0].values[0] != 0;
+  if (page.has_tiles || page.bits * page.samples != static_cast<unsigned>(page.layout.depth)) return std::nullopt;
+  if (page.samples == 1) return is_reversed ? Finish::kComplement : Finish::kNone;
+  if (page.has_planes || page.samples != 3 || page.is_lab || page.components[0].action != Action::kChannel)
+    return std::nullopt;
+  return Finish::kSwapChannels;
+}
+
+void finish_row(Finish finish, const Layout& layout, std::span<uint8_t> row) {
+  const auto used = row.first(static_cast<size_t>((layout.width * layout.depth + 7) / 8));
+  if (finish == Finish::kSwapChannels) swap_red_and_blue(row, static_cast<int>(layout.width));
+  if (finish == Finish::kComplement)
+    for (uint8_t& byte : used) byte = static_cast<uint8_t>(~byte);
+  const auto unused_bits = static_cast<unsigned>(used.size() * 8 - static_cast<uint64_t>(layout.width * layout.depth));
+  used.back() = static_cast<uint8_t>(used.back() >> unused_bits << unused_bits);
+}
+
+void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish, const NewDib& dib) {
+  for (int y = 0; y < dib.height(); ++y) {
+    const auto row = dib.row_from_top(y);
+    tiff.check(TIFFReadScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) > 0);
+    finish_row(finish, page.layout, row);
+  }
+}
+
+// ---- Rows and tiles whose samples are taken apart ----
+
+class Assembly {
+ public:
+  Assembly(const TiffPage& page, const NewDib& dib)
+      : page_(page), dib_(dib), values_(static_cast<size_t>(page.layout.width)) {}
+
+  bool needs_plane(unsigned plane) const {
+    return !page_.has_planes || std::ranges::any_of(page_.components, [=](const Component& c) { return c.sample == plane; });
+  }
+
+  // The row of a plane from (x, y) on, `count` pixels of it.
+  void add(unsigned plane, int y, size_t x, size_t count, std::span<const uint8_t> samples) {
+    const auto values = std::span(values_).first(count);
+    for (const Component& component : page_.components) {
+      if (page_.has_planes && component.sample != plane) continue;
+      extract(samples, {page_.bits, page_.samples_in_plane(), page_.has_planes ? 0 : component.sample}, values);
+      apply(component, page_.colors, values, dib_.row_from_top(y), page_.layout.depth, x);
+    }
+  }
+
+ private:
+  const TiffPage& page_;
+  const NewDib& dib_;
+  std::vector<uint8_t> values_;
+};
+
+// A buffer for so many pixels in a row of a plane, of the size that the library says.
+std::vector<uint8_t> sample_buffer(const TiffPage& page, int64_t pixels, tmsize_t row_bytes, tmsize_t bytes) {
+  const uint64_t needed = (static_cast<uint64_t>(pixels) * page.bits * page.samples_in_plane() + 7) / 8;
+  if (row_bytes <= 0 || bytes < row_bytes || static_cast<uint64_t>(row_bytes) < needed) fail(IMG_E_FORMAT);
+  return std::vector<uint8_t>(static_cast<size_t>(bytes));
+}
+
+void read_rows(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) {
+  const tmsize_t row_bytes = TIFFScanlineSize(tiff.get());
+  auto samples = sample_buffer(page, page.layout.width, row_bytes, row_bytes);
+  Assembly assembly(page, dib);
+  for (unsigned plane = 0; plane < page.planes(); ++plane) {
+    if (!assembly.needs_plane(plane)) continue;
+    for (int y = 0; y < dib.height(); ++y) {
+      tiff.check(TIFFReadScanline(tiff.get(), samples.data(), static_cast<uint32_t>(y), static_cast<uint16_t>(plane)) > 0);
+      assembly.add(plane, y, 0, static_cast<size_t>(dib.width()), samples);
+    }
+  }
+}
+
+void read_tiles(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) {
+  const tmsize_t row_bytes = TIFFTileRowSize(tiff.get());
+  auto samples = sample_buffer(page, page.tile_width, row_bytes, TIFFTileSize(tiff.get()));
+  const auto width = static_cast<uint32_t>(dib.width()), height = static_cast<uint32_t>(dib.height());
+  Assembly assembly(page, dib);
+  for (unsigned plane = 0; plane < page.planes(); ++plane) {
+    if (!assembly.needs_plane(plane)) continue;
+    for (uint64_t top = 0; top < height; top += page.tile_height)
+      for (uint64_t left = 0; left < width; left += page.tile_width) {
+        tiff.check(TIFFReadTile(tiff.get(), samples.data(), static_cast<uint32_t>(left), static_cast<uint32_t>(top), 0,
+                                static_cast<uint16_t>(plane)) > 0);
+        const uint64_t count = std::min<uint64_t>(page.tile_width, width - left);
+        const uint64_t rows = std::min<uint64_t>(page.tile_height, height - top);
+        for (size_t i = 0; i < rows; ++i)
+          assembly.add(plane, static_cast<int>(top + i), static_cast<size_t>(left), static_cast<size_t>(count),
+                       std::span(samples).subspan(i * static_cast<size_t>(row_bytes)));
+      }
+  }
+}
+
+// ---- Colours that the library converts ----
+
+class Conversion {
+ public:
+  explicit Conversion(const TiffHandle& tiff) : tiff_(tiff) {
+    std::array<char, 1024> message{};
+    tiff_.check(TIFFRGBAImageOK(tiff_.get(), message.data()) != 0);
+    tiff_.check(TIFFRGBAImageBegin(&image_, tiff_.get(), 1, message.data()) != 0);
+    image_.req_orientation = image_.orientation;
+  }
+  Conversion(const Conversion&) = delete;
+  Conversion& operator=(const Conversion&) = delete;
+  ~Conversion() { TIFFRGBAImageEnd(&image_); }
+
+  void rows(int first, uint32_t count, std::span<uint32_t> raster) {
+    image_.row_offset = first;
+    tiff_.check(TIFFRGBAImageGet(&image_, raster.data(), image_.width, count) != 0);
+  }
+
+ private:
+  const TiffHandle& tiff_;
+  TIFFRGBAImage image_{};
+};
+
+// Rows that are stored together, so that nothing is decoded twice.
+uint32_t rows_at_once(const TiffHandle& tiff, const TiffPage& page) {
+  constexpr uint32_t kFewRows = 64;
+  const auto height = static_cast<uint32_t>(page.layout.height);
+  const uint32_t unit = page.has_tiles ? page.tile_height : tiff.tag<uint32_t>(TIFFTAG_ROWSPERSTRIP, height);
+  if (unit == 0) fail(IMG_E_FORMAT);
+  return unit >= height ? height : std::min(height, unit * std::max(1u, kFewRows / unit));
+}
+
+void read_converted(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) {
+  Conversion conversion(tiff);
+  const uint32_t band = rows_at_once(tiff, page);
+  const auto width = static_cast<size_t>(dib.width());
+  std::vector<uint32_t> raster(width * band);
+  for (int64_t top = 0; top < dib.height(); top += band) {
+    const auto count = static_cast<uint32_t>(std::min<int64_t>(band, dib.height() - top));
+    conversion.rows(static_cast<int>(top), count, raster);
+    for (size_t i = 0; i < width * count; ++i) {
+      uint8_t* pixel = dib.row_from_top(static_cast<int>(top + static_cast<int64_t>(i / width))).data() + i % width * 3;
+      pixel[0] = static_cast<uint8_t>(TIFFGetB(raster[i]));
+      pixel[1] = static_cast<uint8_t>(TIFFGetG(raster[i]));
+      pixel[2] = static_cast<uint8_t>(TIFFGetR(raster[i]));
+    }
+  }
+}
+
+void read_pixels(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) {
+  if (page.components.empty()) return read_converted(tiff, page, dib);
+  if (page.has_tiles) return read_tiles(tiff, page, dib);
+  const auto finish = finish_of_plain_rows(page);
+  const auto row_bytes = static_cast<uint64_t>(TIFFScanlineSize(tiff.get()));
+  if (finish && row_bytes == static_cast<uint64_t>(page.layout.width * page.layout.depth + 7) / 8)
+    return read_plain_rows(tiff, page, *finish, dib);
+  read_rows(tiff, page, dib);
+}
+
+}  // namespace
+
+HGLOBAL read_tiff(Bytes& bytes, int page_number) {
+  const TiffHandle tiff = open_page(bytes, page_number);
+  const TiffPage page = read_tags(tiff, bytes.size());
+  NewDib stored(page.layout);
+  read_pixels(tiff, page, stored);
+  if (page.is_lab)
+    for (int y = 0; y < stored.height(); ++y)
+      lab_to_true_color(stored.row_from_top(y).first(static_cast<size_t>(stored.width()) * 3));
+  return upright(stored, page.layout, page.orientation);
+}
+
+int read_tiff_compression(Bytes& bytes, int page_number) {
+  return open_page(bytes, page_number).tag<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+}
+
+}  // namespace codec

@@ -1,0 +1,205 @@
+#include "tiff/writer.h"
+
+#include <algorithm>
+#include <array>
+
+#include "tiff/directories.h"
+
+namespace codec {
+namespace {
+
+bool same_colors(const Colors& a, const Colors& b) {
+  return std::ranges::equal(
+      a, b, [](RGBQUAD p, RGBQUAD q) { return p.rgbRed == q.rgbRed && p.rgbGreen == q.rgbGreen && p.rgbBlue == q.rgbBlue; });
+}
+
+bool is_gray_ramp(const SourceDib& dib) { return same_colors(dib.colors(), gray_ramp(dib.depth())); }
+
+bool is_black_on_white(const SourceDib& dib) { return same_colors(dib.colors(), {color(255, 255, 255), color(0, 0, 0)}); }
+
+int brightness(RGBQUAD color) { return 299 * color.rgbRed + 587 * color.rgbGreen + 114 * color.rgbBlue; }
+
+bool suits(const SourceDib& dib, int compression) {
+  switch (compression) {
+    case COMPRESSION_NONE:
+    case COMPRESSION_LZW:
+    case COMPRESSION_ADOBE_DEFLATE:
+    case COMPRESSION_PACKBITS: return true;
+    case COMPRESSION_CCITTRLE:
+    case COMPRESSION_CCITTFAX3:
+    case COMPRESSION_CCITTFAX4: return dib.depth() == 1;
+    case COMPRESSION_JPEG: return dib.depth() == 24 || (dib.depth() == 8 && is_gray_ramp(dib));
+    default: return false;
+  }
+}
+
+uint16_t photometric_for(const SourceDib& dib, int compression) {
+  if (dib.depth() == 24) return compression == COMPRESSION_JPEG ? PHOTOMETRIC_YCBCR : PHOTOMETRIC_RGB;
+  if (dib.depth() == 1 && (is_gray_ramp(dib) || is_black_on_white(dib))) return PHOTOMETRIC_MINISWHITE;
+  return is_gray_ramp(dib) ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_PALETTE;
+}
+
+template <class... Values>
+void set(const TiffHandle& tiff, uint32_t tag, Values... values) {
+  tiff.check(TIFFSetField(tiff.get(), tag, values...) != 0);
+}
+
+// Fax programs expect a page in one strip. Other readers like strips that are not large.
+uint32_t rows_per_strip(const SourceDib& dib, int compression) {
+  constexpr size_t kStripBytes = size_t{64} << 10;
+  constexpr size_t kJpegBlockRows = 16;
+  if (compression >= COMPRESSION_CCITTRLE && compression <= COMPRESSION_CCITTFAX4)
+    return static_cast<uint32_t>(dib.height());
+  const size_t rows = std::max<size_t>(1, kStripBytes / dib.row_from_top(0).size());
+  const size_t unit = compression == COMPRESSION_JPEG ? kJpegBlockRows : 1;
+  return static_cast<uint32_t>((rows + unit - 1) / unit * unit);
+}
+
+void set_resolution(const TiffHandle& tiff, Resolution resolution) {
+  const int x = whole_dpi(resolution.x), y = whole_dpi(resolution.y);
+  const bool are_whole = (x > 0 || resolution.x <= 0) && (y > 0 || resolution.y <= 0);
+  const auto stated = [&](int dpi, int per_metre) { return are_whole ? dpi : per_metre / 100.0; };
+  set(tiff, TIFFTAG_RESOLUTIONUNIT, are_whole ? RESUNIT_INCH : RESUNIT_CENTIMETER);
+  if (resolution.x > 0) set(tiff, TIFFTAG_XRESOLUTION, stated(x, resolution.x));
+  if (resolution.y > 0) set(tiff, TIFFTAG_YRESOLUTION, stated(y, resolution.y));
+}
+
+void set_colors(const TiffHandle& tiff, const Colors& colors) {
+  std::array<std::vector<uint16_t>, 3> maps;
+  const auto widened = [](uint8_t value) { return static_cast<uint16_t>(value * 257); };
+  for (const RGBQUAD& color : colors) {
+    maps[0].push_back(widened(color.rgbRed));
+    maps[1].push_back(widened(color.rgbGreen));
+    maps[2].push_back(widened(color.rgbBlue));
+  }
+  set(tiff, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data());
+}
+
+void set_tags(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding) {
+  const bool is_true_color = dib.depth() == 24;
+  set(tiff, TIFFTAG_IMAGEWIDTH, dib.width());
+  set(tiff, TIFFTAG_IMAGELENGTH, dib.height());
+  set(tiff, TIFFTAG_BITSPERSAMPLE, is_true_color ? 8 : dib.depth());
+  set(tiff, TIFFTAG_SAMPLESPERPIXEL, is_true_color ? 3 : 1);
+  set(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  set(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+  set(tiff, TIFFTAG_COMPRESSION, encoding.compression);
+  set(tiff, TIFFTAG_PHOTOMETRIC, encoding.photometric);
+  set(tiff, TIFFTAG_ROWSPERSTRIP, rows_per_strip(dib, encoding.compression));
+  if (encoding.photometric == PHOTOMETRIC_YCBCR) set(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+  if (encoding.photometric == PHOTOMETRIC_PALETTE) set_colors(tiff, dib.colors());
+  if (encoding.predictor != PREDICTOR_NONE) set(tiff, TIFFTAG_PREDICTOR, encoding.predictor);
+  // The one encoder that every build of the library has, so that all of ours write the same bytes.
+  if (encoding.compression == COMPRESSION_ADOBE_DEFLATE) set(tiff, TIFFTAG_DEFLATE_SUBCODEC, DEFLATE_SUBCODEC_ZLIB);
+  set_resolution(tiff, dib.resolution());
+}
+
+// The file being written. Where a page is added, the one change to what was there, the link to the new page, is held back until
+// the page is written.
+class PageBytes : public Bytes {
+ public:
+  explicit PageBytes(OutputFile& file) : file_(file), size_(file.found_size()) {}
+
+  size_t read(uint64_t offset, std::span<uint8_t> bytes) noexcept override { return read_at(file_.get(), offset, bytes); }
+
+  size_t write(uint64_t offset, std::span<const uint8_t> bytes) noexcept override {
+    try {
+      if (offset < file_.found_size()) {
+        held_back_.push_back({offset, {bytes.begin(), bytes.end()}});
+      } else {
+        put(offset, bytes);
+        size_ = std::max(size_, offset + bytes.size());
+      }
+      return bytes.size();
+    } catch (...) {
+      failed_ = true;
+      return 0;
+    }
+  }
+
+  uint64_t size() const noexcept override { return size_; }
+  bool failed() const noexcept override { return failed_ || std::ferror(file_.get()) != 0; }
+
+  void complete() {
+    if (std::fflush(file_.get()) != 0) fail(IMG_E_FILE_IO);
+    for (const Change& change : held_back_) put(change.offset, change.bytes);
+    file_.complete();
+  }
+
+ private:
+  struct Change {
+    uint64_t offset;
+    std::vector<uint8_t> bytes;
+  };
+
+  void put(uint64_t offset, std::span<const uint8_t> bytes) const {
+    file_.seek(offset);
+    file_.write(bytes);
+  }
+
+  OutputFile& file_;
+  uint64_t size_;
+  std::vector<Change> held_back_;
+  bool failed_ = false;
+};
+
+// Pages of a file that another can be added to.
+size_t pages_in(const char* path) {
+  const InputFile file(path);
+  FileBytes bytes(file);
+  const DirectoryChain chain = follow_directories(bytes);
+  if (!chain.ends || chain.pages >= kMostPages) fail(IMG_E_FORMAT);
+  return chain.pages;
+}
+
+}  // namespace
+
+Encoding encoding_for(const SourceDib& dib, int compression) {
+  constexpr int kMostJpegPixels = 65'500;  // in a row
+  if (compression == 0) compression = dib.depth() == 1 ? COMPRESSION_CCITTFAX4 : COMPRESSION_ADOBE_DEFLATE;
+  if (!suits(dib, compression)) fail(IMG_E_PARAMETER);
+  if (compression == COMPRESSION_JPEG && dib.width() > kMostJpegPixels) fail(IMG_E_DIB_SIZE);
+  const uint16_t photometric = photometric_for(dib, compression);
+  const bool predicts = compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE;
+  const bool has_gradients = dib.depth() >= 8 && photometric != PHOTOMETRIC_PALETTE;
+  return {.compression = static_cast<uint16_t>(compression),
+          .photometric = photometric,
+          .predictor = static_cast<uint16_t>(predicts && has_gradients ? PREDICTOR_HORIZONTAL : PREDICTOR_NONE),
+          .is_complemented = photometric == PHOTOMETRIC_MINISWHITE && is_gray_ramp(dib)};
+}
+
+Encoding group4_encoding(const SourceDib& dib) {
+  return {.compression = COMPRESSION_CCITTFAX4,
+          .photometric = PHOTOMETRIC_MINISWHITE,
+          .is_complemented = brightness(dib.colors()[1]) > brightness(dib.colors()[0])};
+}
+
+void write_picture(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding) {
+  set_tags(tiff, dib, encoding);
+  std::vector<uint8_t> row;  // of our own, since the library changes rows while it encodes them
+  for (int y = 0; y < dib.height(); ++y) {
+    const auto source = dib.row_from_top(y);
+    row.assign(source.begin(), source.end());
+    if (dib.depth() == 24) swap_red_and_blue(row, dib.width());
+    if (encoding.is_complemented)
+      for (uint8_t& byte : row) byte = static_cast<uint8_t>(~byte);
+    tiff.check(TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) > 0);
+  }
+}
+
+void save_tiff(const char* path, const SourceDib& dib, int compression, bool adds_page) {
+  const Encoding encoding = encoding_for(dib, compression);
+  const size_t page = adds_page ? pages_in(path) : 0;
+  OutputFile file(path, adds_page ? OutputFile::Mode::kAdd : OutputFile::Mode::kReplace);
+  PageBytes bytes(file);
+  {
+    const TiffHandle tiff(bytes, adds_page ? "a" : "w");
+    set(tiff, TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
+    set(tiff, TIFFTAG_PAGENUMBER, static_cast<int>(page), 0);
+    write_picture(tiff, dib, encoding);
+    tiff.check(TIFFWriteDirectory(tiff.get()) != 0);
+  }
+  bytes.complete();
+}
+
+}  // namespace codec

@@ -1,0 +1,29 @@
+// DIBs into TIFF pages.
+#pragma once
+
+#include "common/dib.h"
+#include "tiff/handle.h"
+
+namespace codec {
+
+// How a picture is put into a page.
+struct Encoding {
+  uint16_t compression = COMPRESSION_NONE;
+  uint16_t photometric = PHOTOMETRIC_MINISWHITE;
+  uint16_t predictor = PREDICTOR_NONE;
+  bool is_complemented = false;  // bits, for a photometric of the other sense
+};
+
+// `compression` is by TIFF number, or 0 for a good choice. Throws Failure if it does not suit the picture.
+Encoding encoding_for(const SourceDib& dib, int compression);
+
+// One strip of bits in which black is 1, as fax machines have it.
+Encoding group4_encoding(const SourceDib& dib);
+
+// Throws Failure. The directory is left to be written.
+void write_picture(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding);
+
+// Makes a file of one page, or adds a page to the file that is there, which is as it was if that fails. Throws Failure.
+void save_tiff(const char* path, const SourceDib& dib, int compression, bool adds_page);
+
+}  // namespace codec

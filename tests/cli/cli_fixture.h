@@ -1,0 +1,85 @@
+// The command line tool, run in process.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/run.h"
+#include "support/dib.h"
+
+namespace test {
+
+namespace fs = std::filesystem;
+
+inline constexpr size_t kFileHeader = sizeof(BITMAPFILEHEADER);
+
+inline size_t table_bytes(const Bytes& dib) { return PaletteSize(const_cast<uint8_t*>(dib.data())); }
+
+inline Bytes bitmap_file(const Bytes& dib) {
+  return file_of(dib, static_cast<uint32_t>(kFileHeader + sizeof(BITMAPINFOHEADER) + table_bytes(dib)));
+}
+
+inline size_t entries(const fs::path& folder) {
+  return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+}
+
+class Cli : public testing::Test {
+ protected:
+  Cli() {
+    fs::create_directory(temporary_);
+    use_for_temporary_files(temporary_);
+  }
+  // Whatever happened, nothing temporary stays.
+  ~Cli() override {
+    EXPECT_EQ(entries(temporary_), 0u);
+    for (const auto& entry : fs::directory_iterator(fs::path(at("")))) {
+      EXPECT_FALSE(entry.path().filename().string().starts_with("vorel-")) << entry.path();
+    }
+    use_for_temporary_files(usual_.string());
+  }
+
+  static void use_for_temporary_files(const std::string& folder) {
+#ifdef _WIN32
+    SetEnvironmentVariableA("TMP", folder.c_str());
+#else
+    setenv("TMPDIR", folder.c_str(), 1);
+#endif
+  }
+  std::string at(const std::string& name) const { return folder_.path(name); }
+  std::string put(const std::string& name, const Bytes& bytes) const {
+    write_file(at(name), bytes);
+    return at(name);
+  }
+  // Runs the tool and checks the form of its messages.
+  int run(const std::vector<std::string>& arguments, const std::string& input = "") {
+    out_.str("");
+    std::ostringstream err;
+    std::istringstream in(input);
+    const int code = vorel::cli::run(arguments, in, out_, err);
+    err_ = err.str();
+    std::istringstream lines(err_);
+    for (std::string line; std::getline(lines, line);) {
+      EXPECT_THAT(line, testing::AllOf(testing::StartsWith("vorel: "), testing::HasSubstr("; ")));
+    }
+    EXPECT_EQ(err_.empty(), code == 0) << err_;
+    return code;
+  }
+  Bytes converted(std::vector<std::string> verb_and_choice, const Bytes& file) {
+    verb_and_choice.insert(verb_and_choice.begin() + 1, {put("in.bmp", file), at("out.bmp"), "--overwrite"});
+    EXPECT_EQ(run(verb_and_choice), 0) << err_;
+    return read_file(at("out.bmp"));
+  }
+
+  const fs::path usual_ = fs::temp_directory_path();
+  TempFolder folder_;
+  std::string temporary_ = folder_.path("temporary");
+  std::ostringstream out_;
+  std::string err_;
+};
+
+}  // namespace test

@@ -1,0 +1,155 @@
+// Pictures of every format through the tool.
+#include <cstdlib>
+
+#include "cli_fixture.h"
+#include "support/module.h"
+
+using namespace test;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr const char* kEndings[] = {"tif", "png", "gif", "pcx", "dcx", "tga", "jpg", "cal", "bmp"};
+
+// Black and white at 1 bit, which every format holds.
+Bytes bilevel(int width, int height) {
+  Bytes dib = noise(width, height, 1);
+  const uint8_t table[] = {0, 0, 0, 0, 255, 255, 255, 0};
+  std::copy(std::begin(table), std::end(table), dib.begin() + sizeof(BITMAPINFOHEADER));
+  return dib;
+}
+
+class CliFormats : public Cli {
+ protected:
+  Bytes dib_in(const std::string& name) const {
+    const Bytes file = read_file(at(name));
+    return {file.begin() + kFileHeader, file.end()};
+  }
+};
+
+TEST_F(CliFormats, EveryFormatComesBack) {
+  const Bytes picture = bilevel(33, 21);
+  put("in.bmp", bitmap_file(picture));
+  for (const std::string ending : kEndings) {
+    const std::string file = at("file." + ending);
+    ASSERT_EQ(run({"convert", at("in.bmp"), file}), 0) << err_;
+    ASSERT_EQ(run({"info", file}), 0) << err_;
+    EXPECT_THAT(out_.str(), HasSubstr("33 x 21 pixels"));
+    EXPECT_THAT(out_.str(), testing::Not(HasSubstr("compression  unknown"))) << ending;
+    ASSERT_EQ(run({"convert", file, at("back.bmp"), "--overwrite"}), 0) << err_;
+    EXPECT_LE(largest_difference(dib_in("back.bmp"), picture), ending == "jpg" ? 60 : 0) << ending;
+  }
+}
+
+TEST_F(CliFormats, StreamsTakeTheFormatThatIsNamed) {
+  const Bytes picture = noise(9, 5, 24), file = bitmap_file(picture);
+  ASSERT_EQ(run({"convert", "-", "-", "--to", "png"}, {file.begin(), file.end()}), 0) << err_;
+  const std::string png = out_.str();
+  EXPECT_EQ(png.substr(1, 3), "PNG");
+  ASSERT_EQ(run({"rotate", "-", at("out"), "180", "--to", "tga"}, png), 0) << err_;
+  fs::rename(at("out"), at("out.tga"));
+  ASSERT_EQ(run({"rotate", at("out.tga"), at("back.bmp"), "180"}), 0) << err_;
+  EXPECT_EQ(largest_difference(dib_in("back.bmp"), picture), 0);
+}
+
+TEST_F(CliFormats, PagesAreCountedSplitAndJoined) {
+  put("a.bmp", bitmap_file(bilevel(5, 4)));
+  put("b.bmp", bitmap_file(noise(6, 4, 8)));
+  ASSERT_EQ(run({"pages", "join", at("a.bmp"), at("b.bmp"), at("two.tif")}), 0) << err_;
+  ASSERT_EQ(run({"pages", "join", at("two.tif"), at("a.bmp"), at("two.tif"), at("five.tif")}), 0) << err_;
+  ASSERT_EQ(run({"pages", "count", at("five.tif")}), 0) << err_;
+  EXPECT_EQ(out_.str(), "5\n");
+  ASSERT_EQ(run({"info", at("five.tif"), "--page", "4", "--json"}), 0) << err_;
+  EXPECT_THAT(out_.str(), HasSubstr("\"pages\": 5,\n    \"page\": 4,\n    \"width\": 5,"));
+  EXPECT_THAT(out_.str(), HasSubstr("\"compression\": \"Group 4\""));
+  ASSERT_EQ(run({"pages", "split", at("five.tif"), at("page.png")}), 0) << err_;
+  for (int page = 1; page <= 5; ++page) EXPECT_TRUE(fs::exists(at("page-" + std::to_string(page) + ".png")));
+  ASSERT_EQ(run({"convert", at("page-5.png"), at("back.bmp")}), 0) << err_;
+  EXPECT_EQ(largest_difference(dib_in("back.bmp"), noise(6, 4, 8)), 0);
+  EXPECT_EQ(run({"pages", "count", at("a.bmp"), at("missing.tif"), at("two.tif")}), 1);
+  EXPECT_EQ(out_.str(), "1 " + at("a.bmp") + "\n2 " + at("two.tif") + "\n");
+}
+
+TEST_F(CliFormats, WhatDoesNotGoTogetherIsRefused) {
+  const std::string gray = put("gray.bmp", bitmap_file(noise(9, 5, 8)));
+  const std::string sixteen = put("sixteen.bmp", bitmap_file(noise(9, 5, 16)));
+  const struct {
+    std::vector<std::string> arguments;
+    int code;
+    const char* message;
+  } rows[] = {{{"convert", gray, at("out.webp")}, 2, "--to with one of tiff"},
+              {{"convert", gray, at("out.png"), "--compression", "lzw"}, 2, "PNG files have no compression"},
+              {{"convert", gray, at("out.tga"), "--compression", "g4"}, 2, "TGA files have no compression"},
+              {{"convert", gray, at("out.tif"), "--interlaced"}, 2, "only GIF files"},
+              {{"convert", gray, at("out.tif"), "--compression", "g4"}, 4, "Group 4 compresses 1 bit"},
+              {{"convert", gray, at("out.tif"), "--compression", "jpeg"}, 5, "suit a picture"},
+              {{"convert", gray, at("out.cal")}, 4, "CALS raster holds 1 bit"},
+              {{"convert", sixteen, at("out.png")}, 4, "pixels of 16 bits"},
+              {{"convert", gray, at("out.png"), "--page", "2"}, 2, "there is no page 2; the file has 1 page"},
+              {{"convert", gray, at("out.png"), "--page", "0"}, 2, "convert --help"},
+              {{"pages", "join", gray}, 2, "nothing to join"},
+              {{"pages", "join", gray, at("out.png")}, 2, "--to tiff"},
+              {{"pages", "split", gray, "-", "--to", "png"}, 2, "give OUT a name"},
+              {{"pages"}, 2, "pages --help"}};
+  const size_t files = entries(at(""));
+  for (const auto& row : rows) {
+    EXPECT_EQ(run(row.arguments), row.code) << row.message;
+    EXPECT_THAT(err_, HasSubstr(row.message));
+    EXPECT_EQ(entries(at("")), files) << "nothing is left of an output";
+  }
+}
+
+TEST_F(CliFormats, DamagedFilesAreRefused) {
+  put("in.bmp", bitmap_file(bilevel(200, 100)));
+  for (const std::string ending : {"tif", "png", "gif", "pcx", "dcx", "tga", "jpg"}) {
+    const std::string file = at("file." + ending);
+    ASSERT_EQ(run({"convert", at("in.bmp"), file}), 0) << err_;
+    Bytes bytes = read_file(file);
+    bytes.resize(bytes.size() / 2);
+    write_file(file, bytes);
+    EXPECT_EQ(run({"convert", file, at("out.bmp")}), 4) << ending;
+    EXPECT_FALSE(fs::exists(at("out.bmp"))) << ending;
+  }
+}
+
+TEST_F(CliFormats, RunLengthCodesBehindAShortTableAreExpanded) {
+  BITMAPINFOHEADER header = header_for(4, 1, 8);
+  header.biCompression = BI_RLE8;
+  header.biSizeImage = 6;
+  header.biClrUsed = 2;
+  const Bytes codes = {9, 8, 7, 0, 60, 50, 40, 0, 3, 0, 1, 1, 0, 1};
+  put("rle.bmp", bitmap_file(with_header(header, codes)));
+  ASSERT_EQ(run({"convert", at("rle.bmp"), at("out.png")}), 0) << err_;
+  ASSERT_EQ(run({"convert", at("out.png"), at("out.bmp")}), 0) << err_;
+  EXPECT_EQ(color_at(dib_in("out.bmp"), 2, 0).rgbRed, 7);
+  EXPECT_EQ(color_at(dib_in("out.bmp"), 3, 0).rgbBlue, 60);
+}
+
+// The tool in a folder of its own, where the library has no modules beside it.
+TEST_F(CliFormats, AMissingModuleHasACodeOfItsOwn) {
+#ifdef _WIN32
+  const std::string tool = "vorel.exe", library = "VOREL32.DLL";
+#else
+  const std::string tool = "vorel", library = "libvorel32.so.5";
+#endif
+  for (const std::string& file : {tool, library}) fs::copy_file(program_folder() / file, at(file));
+  const std::string png = put("in.png", {0x89, 'P', 'N', 'G', 0});
+  const std::string bmp = put("in.bmp", bitmap_file(noise(5, 5, 8)));
+  const auto exit_code = [&](const std::string& arguments) {
+    const int result = std::system((at(tool) + " " + arguments + " 2>" + at("errors.txt")).c_str());
+#ifdef _WIN32
+    return result;
+#else
+    return WEXITSTATUS(result);
+#endif
+  };
+  for (const std::string& arguments : {"info " + png, "convert " + bmp + " " + at("out.gif")}) {
+    EXPECT_EQ(exit_code(arguments), 7) << arguments;
+    const Bytes said = read_file(at("errors.txt"));
+    EXPECT_THAT(std::string(said.begin(), said.end()), HasSubstr("is missing or does not load; put it beside the library"));
+  }
+  EXPECT_EQ(exit_code("convert " + bmp + " " + at("out.bmp")), 0);
+  EXPECT_FALSE(fs::exists(at("out.gif")));
+}
+
+}  // namespace

@@ -1,0 +1,141 @@
+// JPEG files through the entry points of their modules.
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+#include <vorel32.h>
+
+#include "support/dib.h"
+#include "support/module.h"
+
+using namespace test;
+
+namespace {
+
+class JpegTest : public testing::Test {
+ protected:
+  Bytes load() { return bytes_of(Block(load_jpeg(path.c_str())).get()); }
+  Bytes load_file(const Bytes& file) {
+    write_file(path, file);
+    return load();
+  }
+  bool save(const Bytes& dib, int quality = 100) { return save_jpeg(path.c_str(), block_of(dib).get(), quality) != FALSE; }
+  Bytes saved(const Bytes& dib, int quality = 100) {
+    EXPECT_TRUE(save(dib, quality));
+    return read_file(path);
+  }
+
+  Module loader{"KALO32"}, saver{"KALO"};
+  ImgLoadFile load_jpeg = loader.entry<ImgLoadFile>("LoadJPEGIntoDIB");
+  ImgSaveJpeg save_jpeg = saver.entry<ImgSaveJpeg>("SaveDIBInJPEGFile");
+  TempFolder folder;
+  std::string path = folder.path("picture.jpg");
+};
+
+// A picture whose colours change slowly, as JPEG likes it. Greys run backwards in the colour table.
+Bytes smooth(int width, int height, int depth, bool is_gray) {
+  Bytes rest;
+  const int last = (1 << depth) - 1;
+  for (int i = last; depth <= 8 && i >= 0; --i) {
+    const auto level = uint8_t(i * 255 / last);
+    rest.insert(rest.end(), {level, is_gray ? level : uint8_t(128), level, 0});
+  }
+  for (int y = 0; y < height; ++y)
+    for (int i = 0; i < static_cast<int>(stride_of(width, depth)); ++i)
+      rest.push_back(uint8_t(depth == 1 ? 0 : depth == 4 ? y / 2 * 0x11 : y * 2 + i / 2));
+  return with_header(header_for(width, height, depth), rest);
+}
+
+TEST_F(JpegTest, PicturesComeBackMuchAsTheyWereSaved) {
+  for (const int depth : {1, 4, 8, 24})
+    for (const int width : {1, 9, 83})
+      for (const bool is_gray : {false, true}) {
+        const Bytes dib = smooth(width, 21, depth, is_gray);
+        ASSERT_TRUE(save(dib));
+        const Bytes loaded = load();
+        EXPECT_LE(largest_difference(loaded, dib), is_gray && depth <= 8 ? 2 : 8) << depth << ' ' << width << ' ' << is_gray;
+        EXPECT_EQ(header_of(loaded).biBitCount, is_gray && depth <= 8 ? 8 : 24);
+      }
+}
+
+TEST_F(JpegTest, ResolutionsAreKeptAsNearAsTheyCanBeStated) {
+  const struct {
+    int x, y, loaded_x, loaded_y;
+  } cases[] = {{11811, 7874, 11811, 7874},
+               {5000, 10000, 5000, 10000},
+               {5001, 10000, 5000, 10000},
+               {11811, 0, 0, 0},
+               {-1, -1, 0, 0},
+               {2000000000, 2000000000, 0, 0}};
+  for (const auto& c : cases) {
+    Bytes dib = smooth(8, 8, 24, false);
+    BITMAPINFOHEADER header = header_of(dib);
+    header.biXPelsPerMeter = c.x, header.biYPelsPerMeter = c.y;
+    std::memcpy(dib.data(), &header, sizeof header);
+    ASSERT_TRUE(save(dib));
+    const BITMAPINFOHEADER loaded = header_of(load());
+    EXPECT_EQ(loaded.biXPelsPerMeter, c.loaded_x) << c.x;
+    EXPECT_EQ(loaded.biYPelsPerMeter, c.loaded_y) << c.y;
+  }
+}
+
+TEST_F(JpegTest, QualityIsKeptInItsRange) {
+  const Bytes dib = noise(32, 32, 24), lowest = saved(dib, 1), highest = saved(dib, 100);
+  EXPECT_LT(lowest.size() * 3, highest.size());
+  EXPECT_EQ(saved(dib, -5), lowest);
+  EXPECT_EQ(saved(dib, 1000), highest);
+}
+
+// Where the two bytes of a marker stand.
+std::ptrdiff_t marker(const Bytes& file, uint8_t code) {
+  const Bytes wanted{0xFF, code};
+  return std::search(file.begin(), file.end(), wanted.begin(), wanted.end()) - file.begin();
+}
+constexpr uint8_t kFrame = 0xC0, kScan = 0xDA, kTables = 0xDB;
+
+TEST_F(JpegTest, LostPixelsAreAFailureAndStrayBytesAreNot) {
+  const Bytes good = saved(smooth(83, 21, 24, false), 75), whole = load();
+  ASSERT_FALSE(whole.empty());
+  for (size_t size = 0; size < good.size(); size += size < 640 ? 1 : 1 + good.size() / 64)
+    EXPECT_EQ(load_file({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)}), Bytes()) << size;
+
+  Bytes file = good;
+  file.insert(file.begin() + marker(good, kTables), {0, 0, 0});
+  EXPECT_EQ(load_file(file), whole);
+  file = good;
+  const auto pixels = static_cast<size_t>(marker(good, kScan)) + 40;
+  file[pixels] = 0xFF, file[pixels + 1] = 0xD9;  // the end, too soon
+  EXPECT_EQ(load_file(file), Bytes());
+  for (const auto& [offset, value] : {std::pair{4, 12}, {5, 0xFF}, {9, 2}}) {  // bits per sample, height, components
+    file = good;
+    file[static_cast<size_t>(marker(good, kFrame) + offset)] = static_cast<uint8_t>(value);
+    EXPECT_EQ(load_file(file), Bytes()) << offset;
+  }
+}
+
+// A progressive picture of one block: after the first scan one for each of its 63 other coefficients, and again to refine.
+TEST_F(JpegTest, ScansMayBeManyButNotTooMany) {
+  Bytes file = saved(smooth(8, 8, 8, true));
+  file[static_cast<size_t>(marker(file, kFrame)) + 1] = 0xC2;
+  const auto last_coefficient = static_cast<size_t>(marker(file, kScan)) + 8;
+  file[last_coefficient] = 0;
+  file.resize(file.size() - 2);
+  for (const int bits : {0x01, 0x10}) {
+    for (uint8_t i = 1; i <= 63; ++i) file.insert(file.end(), {0xFF, kScan, 0, 8, 1, 1, 0, i, i, uint8_t(bits), 0xAF});
+    Bytes ended = file;
+    ended.insert(ended.end(), {0xFF, 0xD9});
+    EXPECT_EQ(load_file(ended).empty(), bits == 0x10);
+  }
+}
+
+TEST_F(JpegTest, WhatCannotBeSavedLeavesTheFileAlone) {
+  const Bytes file = saved(smooth(8, 8, 24, false));
+  EXPECT_FALSE(save(noise(65501, 1, 1)));
+  EXPECT_FALSE(save(noise(4, 4, 16)));
+  EXPECT_FALSE(save_jpeg(path.c_str(), nullptr, 75));
+  EXPECT_EQ(read_file(path), file);
+  EXPECT_EQ(load_jpeg(folder.path("missing").c_str()), nullptr);
+}
+
+}  // namespace

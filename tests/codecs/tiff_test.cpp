@@ -1,0 +1,438 @@
+// TIFF and CALS files through the modules' entry points.
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+
+#include "support/dib.h"
+#include "support/module.h"
+
+using namespace test;
+
+namespace {
+
+struct Modules {
+  Module merv32{"MERV32"}, merv{"MERV"};
+  ImgLoadPage load_page = merv32.entry<ImgLoadPage>("LoadTiffIntoDIB");
+  ImgLoadPicture load_cals = merv32.entry<ImgLoadPicture>("LoadCALSIntoDIB");
+  ImgCountPages count_pages = merv32.entry<ImgCountPages>("GetNumberOfImagesInTiffFile");
+  ImgTiffCompression compression_of = merv32.entry<ImgTiffCompression>("GetTiffCompression");
+  ImgSaveTiff save_tiff = merv.entry<ImgSaveTiff>("SaveDIBInTiffFormat");
+  ImgSaveCals save_cals = merv.entry<ImgSaveCals>("SAVEDIBINCALSFORMAT");
+};
+
+class TiffTest : public testing::Test {
+ protected:
+  bool save(const Bytes& dib, int compression = 0, int page = 1) const {
+    return modules_.save_tiff(path_.c_str(), block_of(dib).get(), compression, page) != FALSE;
+  }
+
+  // What loading returns, and its status; empty on failure.
+  Bytes load(int page = 1) { return bytes_of(Block(modules_.load_page(path_.c_str(), page, &status_)).get()); }
+  Bytes load_cals() { return bytes_of(Block(modules_.load_cals(path_.c_str(), &status_)).get()); }
+  Bytes load_file(const Bytes& file) {
+    write_file(path_, file);
+    return load();
+  }
+
+  Modules modules_;
+  TempFolder folder_;
+  std::string path_ = folder_.path("picture");
+  int status_ = -1;
+};
+
+using Table = std::vector<RGBQUAD>;
+const RGBQUAD kBlack{0, 0, 0, 0}, kWhite{255, 255, 255, 0};
+
+Table ramp(int depth) {
+  Table table;
+  const int last = (1 << depth) - 1;
+  for (int i = 0; i <= last; ++i) {
+    const auto level = static_cast<uint8_t>(i * 255 / last);
+    table.push_back({level, level, level, 0});
+  }
+  return table;
+}
+
+Bytes with_table(Bytes dib, const Table& table) {
+  std::memcpy(dib.data() + sizeof(BITMAPINFOHEADER), table.data(), table.size() * sizeof(RGBQUAD));
+  return dib;
+}
+
+// Neighbouring pixels differ little, as JPEG likes it.
+Bytes smooth(int width, int height, int depth) {
+  Bytes dib = noise(width, height, depth);
+  const size_t stride = stride_of(width, depth), rows = dib.size() - stride * static_cast<size_t>(height);
+  for (size_t i = rows; i < dib.size(); ++i)
+    dib[i] = static_cast<uint8_t>((i - rows) / stride * 2 + (i - rows) % stride / 3);
+  return depth == 8 ? with_table(dib, ramp(8)) : dib;
+}
+
+TEST_F(TiffTest, PicturesComeBackAsTheyWereSaved) {
+  const std::map<int, std::vector<int>> compressions = {
+      {1, {0, 1, 2, 3, 4, 5, 8, 32773}}, {4, {0, 1, 5, 8, 32773}}, {8, {0, 1, 5, 8, 32773}}, {24, {0, 1, 5, 8, 32773}}};
+  for (const auto& [depth, numbers] : compressions)
+    for (const int compression : numbers)
+      for (const int width : {1, 9, 301}) {
+        const Bytes plain = noise(width, 5, depth);
+        for (const Bytes& dib : {plain, depth == 24 ? plain : with_table(plain, ramp(depth))}) {
+          SCOPED_TRACE(testing::Message() << depth << " bits, compression " << compression << ", width " << width);
+          ASSERT_TRUE(save(dib, compression));
+          const Bytes loaded = load();
+          EXPECT_EQ(status_, IMG_OK);
+          EXPECT_EQ(largest_difference(loaded, dib), 0);
+          EXPECT_EQ(header_of(loaded).biBitCount, depth);
+          EXPECT_EQ(header_of(loaded).biXPelsPerMeter, 11811);
+          EXPECT_EQ(header_of(loaded).biYPelsPerMeter, 7874);
+          const int expected = compression != 0 ? compression : depth == 1 ? 4 : 8;
+          EXPECT_EQ(modules_.compression_of(path_.c_str(), 1, nullptr), expected);
+        }
+      }
+}
+
+TEST_F(TiffTest, JpegKeepsPicturesNearly) {
+  for (const int depth : {8, 24}) {
+    const Bytes dib = smooth(70, 90, depth);
+    ASSERT_TRUE(save(dib, 7));
+    const Bytes loaded = load();
+    EXPECT_LE(largest_difference(loaded, dib), 12) << depth;
+    EXPECT_EQ(header_of(loaded).biBitCount, depth);
+  }
+}
+
+TEST_F(TiffTest, ResolutionsOfAnyKindComeBack) {
+  for (const auto& [x, y] : {std::pair(3937, 3937), {11812, 7874}, {0, 0}, {2835, 0}, {1, 12'345'678}}) {
+    BITMAPINFOHEADER header = header_for(3, 1, 24);
+    header.biXPelsPerMeter = x;
+    header.biYPelsPerMeter = y;
+    ASSERT_TRUE(save(with_header(header, Bytes(12))));
+    const Bytes loaded = load();
+    EXPECT_EQ(header_of(loaded).biXPelsPerMeter, x);
+    EXPECT_EQ(header_of(loaded).biYPelsPerMeter, y);
+  }
+}
+
+TEST_F(TiffTest, OneInBilevelFilesIsBlackAndComesBackAsZero) {
+  constexpr uint8_t kRow = 0b01110010;
+  for (const bool white_first : {false, true}) {
+    Bytes dib = with_table(noise(8, 1, 1), white_first ? Table{kWhite, kBlack} : Table{kBlack, kWhite});
+    dib[dib.size() - 4] = kRow;
+    const uint8_t black = white_first ? kRow : static_cast<uint8_t>(~kRow);
+    ASSERT_TRUE(save(dib, 1));
+    EXPECT_EQ(read_file(path_)[8], black);
+    ASSERT_TRUE(modules_.save_cals(path_.c_str(), block_of(dib).get(), 0, 0, 0));
+    for (const Bytes& loaded : {load_cals(), (save(dib, 4), load())}) {
+      ASSERT_EQ(loaded.size(), 52u);
+      EXPECT_EQ(loaded[40], 0);  // the table begins with black
+      EXPECT_EQ(loaded[44], 255);
+      EXPECT_EQ(loaded[48], static_cast<uint8_t>(~black));
+    }
+  }
+}
+
+TEST_F(TiffTest, PagesAreAddedAtTheEnd) {
+  const std::vector<Bytes> pages = {noise(20, 30, 1), noise(7, 5, 24), noise(300, 2, 8)};
+  Bytes before;
+  for (size_t i = 0; i < pages.size(); ++i) {
+    ASSERT_TRUE(save(pages[i], 0, static_cast<int>(i) + 1));
+    Bytes after = read_file(path_);
+    ASSERT_GT(after.size(), before.size());
+    int changed = 0;
+    for (size_t k = 0; k < before.size(); ++k) changed += before[k] != after[k];
+    EXPECT_LE(changed, 4);  // the link to the new page
+    before = after;
+  }
+  EXPECT_EQ(modules_.count_pages(path_.c_str(), &status_), 3);
+  for (const int page : {3, 1, 2}) EXPECT_EQ(largest_difference(load(page), pages[static_cast<size_t>(page) - 1]), 0);
+  for (const int page : {0, 4, -1, 1 << 30}) {
+    EXPECT_TRUE(load(page).empty());
+    EXPECT_EQ(status_, IMG_E_PARAMETER);
+  }
+}
+
+TEST_F(TiffTest, WhatCannotBeSavedLeavesTheFileAlone) {
+  EXPECT_FALSE(save(noise(3, 3, 8), 0, 2));
+  EXPECT_FALSE(std::filesystem::exists(path_));
+
+  write_file(path_, {'n', 'o', ' ', 't', 'i', 'f', 'f'});
+  const Bytes text = read_file(path_);
+  EXPECT_FALSE(save(noise(3, 3, 8), 0, 2));
+  const std::vector<std::pair<int, int>> unsuitable = {{1, 7},  {4, 2},  {4, 7},  {8, 3},    {8, 7},
+                                                       {24, 4}, {24, 6}, {1, -1}, {8, 65536}};
+  for (const auto& [depth, compression] : unsuitable)
+    EXPECT_FALSE(save(noise(9, 9, depth), compression)) << depth << ", " << compression;
+  for (const int depth : {4, 8, 24})
+    EXPECT_FALSE(modules_.save_cals(path_.c_str(), block_of(noise(9, 9, depth)).get(), 0, 0, 0));
+  EXPECT_FALSE(save(noise(65'501, 1, 24), 7));
+  EXPECT_FALSE(modules_.save_cals(path_.c_str(), block_of(noise(1'000'000, 1, 1)).get(), 0, 0, 0));
+  EXPECT_FALSE(modules_.save_tiff(path_.c_str(), dead_handle(), 1, 1));
+  EXPECT_EQ(read_file(path_), text);
+
+  // A last page that is linked to the first.
+  ASSERT_TRUE(save(noise(3, 3, 8)));
+  Bytes loop = read_file(path_);
+  size_t directory = 0;
+  std::memcpy(&directory, &loop[4], 4);
+  std::memcpy(&loop[directory + 2 + loop[directory] * size_t{12}], &loop[4], 4);
+  write_file(path_, loop);
+  EXPECT_EQ(modules_.count_pages(path_.c_str(), nullptr), 1);
+  EXPECT_FALSE(save(noise(3, 3, 8), 0, 2));
+  EXPECT_EQ(read_file(path_), loop);
+}
+
+// ---- Files made by hand ----
+
+constexpr uint16_t kWidth = 256, kHeight = 257, kBits = 258, kCompression = 259, kPhotometric = 262, kOffset = 273,
+                   kOrientation = 274, kSamples = 277, kRowsPerStrip = 278, kByteCount = 279, kUnit = 296, kColorMap = 320,
+                   kTileWidth = 322, kTileLength = 323, kTileOffset = 324, kTileByteCount = 325, kExtraSamples = 338,
+                   kSubsampling = 530, kSampleFormat = 339;
+
+using Tags = std::map<uint16_t, std::vector<uint32_t>>;
+
+void put(Bytes& bytes, uint32_t value, int width) {
+  for (int i = 0; i < width; ++i) bytes.push_back(static_cast<uint8_t>(value >> 8 * i));
+}
+
+// A file of one page: pixels from offset 8 on, then the directory, then lists of values. All values are 32 bits wide, but for
+// lists, which are of 16.
+Bytes tiff_file(const Tags& tags, Bytes pixels) {
+  pixels.resize((pixels.size() + 1) / 2 * 2);
+  Bytes file = {'I', 'I', 42, 0};
+  const auto directory = static_cast<uint32_t>(8 + pixels.size());
+  put(file, directory, 4);
+  file.insert(file.end(), pixels.begin(), pixels.end());
+  put(file, static_cast<uint32_t>(tags.size()), 2);
+  Bytes lists;
+  for (const auto& [tag, values] : tags) {
+    const bool is_list = values.size() > 2;
+    put(file, tag, 2);
+    put(file, values.size() > 1 ? 3 : 4, 2);
+    put(file, static_cast<uint32_t>(values.size()), 4);
+    if (is_list) {
+      put(file, directory + static_cast<uint32_t>(6 + tags.size() * 12 + lists.size()), 4);
+      for (const uint32_t value : values) put(lists, value, 2);
+    } else {
+      put(file, values[0], values.size() == 1 ? 4 : 2);
+      if (values.size() == 2) put(file, values[1], 2);
+    }
+  }
+  put(file, 0, 4);
+  file.insert(file.end(), lists.begin(), lists.end());
+  return file;
+}
+
+Tags page_tags(uint32_t width, uint32_t height, uint32_t bits, uint32_t photometric, const Tags& more = {}) {
+  Tags tags = more;
+  tags.merge(Tags{{kWidth, {width}}, {kHeight, {height}}, {kBits, {bits}}, {kPhotometric, {photometric}}, {kOffset, {8}}});
+  tags.merge(Tags{{kSamples, {1}}, {kCompression, {1}}, {kRowsPerStrip, {height}}, {kByteCount, {1000}}});
+  return tags;
+}
+
+struct Variant {
+  const char* name;
+  Tags tags;
+  Bytes pixels;
+  int depth;
+  std::vector<uint32_t> colors;  // of the row, as 0xRRGGBB
+};
+
+TEST_F(TiffTest, VariantsOfSamples) {
+  const Tags alpha = {{kSamples, {2}}, {kExtraSamples, {2}}};
+  const std::vector<Variant> variants = {
+      {"2 bits from white", page_tags(4, 1, 2, 0), {0x1B}, 4, {0xFFFFFF, 0xAAAAAA, 0x555555, 0}},
+      {"4 bits from white", page_tags(2, 1, 4, 0), {0x0E}, 4, {0xFFFFFF, 0x111111}},
+      {"3 bits", page_tags(2, 1, 3, 1), {0x1C}, 8, {0, 0xFFFFFF}},
+      {"12 bits", page_tags(2, 1, 12, 1), {0xAB, 0xCD, 0xEF}, 8, {0xABABAB, 0xDEDEDE}},
+      {"16 bits", page_tags(2, 1, 16, 0), {0xFF, 0x12, 0x00, 0xFE}, 8, {0xEDEDED, 0x010101}},
+      {"32 bits", page_tags(1, 1, 32, 1), {1, 2, 3, 4}, 8, {0x040404}},
+      {"grey with alpha", page_tags(3, 1, 8, 1, alpha), {100, 255, 100, 0, 0, 128}, 8, {0x646464, 0xFFFFFF, 0x7F7F7F}},
+      {"1 bit with alpha", page_tags(4, 1, 1, 1, alpha), {0b00011011}, 8, {0xFFFFFF, 0, 0xFFFFFF, 0xFFFFFF}},
+      {"white and black palette",
+       page_tags(8, 1, 1, 3, {{kColorMap, {0xFFFF, 0, 0xFFFF, 0, 0xFFFF, 0}}}),
+       {0x0F},
+       1,
+       {0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0, 0, 0, 0}},
+      {"palette of bytes", page_tags(2, 1, 1, 3, {{kColorMap, {1, 4, 2, 5, 3, 6}}}), {0x40}, 1, {0x010203, 0x040506}},
+      {"4-bit colours", page_tags(1, 1, 4, 2, {{kSamples, {3}}}), {0x0F, 0x80}, 24, {0x00FF88}},
+      {"premultiplied", page_tags(1, 1, 8, 2, {{kSamples, {4}}, {kExtraSamples, {1}}}), {10, 100, 0, 100}, 24, {0xA5FF9B}},
+      {"unspecified extra", page_tags(1, 1, 8, 2, {{kSamples, {4}}, {kExtraSamples, {0}}}), {1, 2, 3, 0}, 24, {0x010203}},
+      {"luminance",
+       page_tags(2, 1, 8, 6, {{kSamples, {3}}, {kSubsampling, {1, 1}}}),
+       {128, 128, 128, 76, 85, 255},
+       24,
+       {0x808080, 0xFE0000}},
+      {"lightness",
+       page_tags(3, 1, 8, 8, {{kSamples, {3}}}),
+       {255, 0, 0, 0, 0, 0, 136, 80, 67},
+       24,
+       {0xFFFFFF, 0, 0xFF0201}},
+      {"lightness of profiles", page_tags(1, 1, 8, 9, {{kSamples, {3}}}), {136, 208, 195}, 24, {0xFF0201}},
+      {"inks", page_tags(2, 1, 8, 5, {{kSamples, {4}}}), {0, 255, 128, 0, 0, 0, 0, 200}, 24, {0xFF007F, 0x373737}},
+  };
+  for (const Variant& variant : variants) {
+    SCOPED_TRACE(variant.name);
+    const Bytes loaded = load_file(tiff_file(variant.tags, variant.pixels));
+    ASSERT_EQ(status_, IMG_OK);
+    EXPECT_EQ(header_of(loaded).biBitCount, variant.depth);
+    for (size_t x = 0; x < variant.colors.size(); ++x) {
+      const RGBQUAD found = color_at(loaded, static_cast<int>(x), 0);
+      EXPECT_EQ(found.rgbRed << 16 | found.rgbGreen << 8 | found.rgbBlue, variant.colors[x]) << x;
+    }
+  }
+}
+
+std::string letters_of(const Bytes& dib) {
+  std::string rows;
+  for (int y = header_of(dib).biHeight - 1; y >= 0; --y) {
+    for (int x = 0; x < header_of(dib).biWidth; ++x) rows += static_cast<char>(pixel(dib, x, y));
+    rows += y > 0 ? "/" : "";
+  }
+  return rows;
+}
+
+TEST_F(TiffTest, PagesAreTurnedUpright) {
+  const std::vector<std::string> upright = {"ABC/DEF",  "CBA/FED",  "FED/CBA",  "DEF/ABC",
+                                            "AD/BE/CF", "DA/EB/FC", "FC/EB/DA", "CF/BE/AD"};
+  for (uint32_t i = 0; i < upright.size(); ++i) {
+    const Tags tags = page_tags(3, 2, 8, 1, {{kOrientation, {i + 1}}, {kUnit, {2}}});
+    EXPECT_EQ(letters_of(load_file(tiff_file(tags, {'A', 'B', 'C', 'D', 'E', 'F'}))), upright[i]) << i + 1;
+  }
+  // At 1 and 24 bits a half turn is seen where rows are part-filled.
+  for (const uint32_t bits : {1u, 8u}) {
+    const Tags tags =
+        page_tags(bits == 1 ? 5 : 2, 1, bits, bits == 1 ? 1 : 2, {{kOrientation, {3}}, {kSamples, {bits == 1 ? 1u : 3u}}});
+    const Bytes loaded = load_file(tiff_file(tags, bits == 1 ? Bytes{0b10110000} : Bytes{1, 2, 3, 4, 5, 6}));
+    const Bytes row(loaded.end() - (bits == 1 ? 4 : 8), loaded.end());
+    EXPECT_EQ(row, bits == 1 ? Bytes({0b01101000, 0, 0, 0}) : Bytes({6, 5, 4, 3, 2, 1, 0, 0}));
+  }
+}
+
+TEST_F(TiffTest, HeadersThatLieAreRefused) {
+  const uint32_t most = 0xFFFFFFFF;
+  const Tags tile = {{kTileOffset, {8}}, {kTileByteCount, {8}}};
+  const auto with_tile = [&](uint32_t width, uint32_t height) {
+    Tags tags = tile;
+    tags.merge(Tags{{kTileWidth, {width}}, {kTileLength, {height}}});
+    return tags;
+  };
+  const std::vector<std::pair<Tags, int>> lies = {
+      {page_tags(0, 1, 8, 1), IMG_E_FORMAT},
+      {page_tags(1, 0, 8, 1), IMG_E_FORMAT},
+      {page_tags(1, 1, 0, 1), IMG_E_FORMAT},
+      {page_tags(1, 1, 8, 77), IMG_E_FORMAT},
+      {page_tags(1, 1, 8, 2), IMG_E_FORMAT},
+      {page_tags(1, 1, 8, 5, {{kSamples, {3}}}), IMG_E_FORMAT},
+      {page_tags(1, 1, 32, 1, {{kSampleFormat, {3}}}), IMG_E_FORMAT},
+      {page_tags(1, 1, 8, 1, {{kCompression, {4711}}}), IMG_E_FORMAT},
+      {page_tags(1, 1, 8, 1, {{kOffset, {most}}}), IMG_E_FORMAT},
+      {page_tags(100, 100, 8, 1), IMG_E_FORMAT},
+      {page_tags(most, 1, 1, 1), IMG_E_MEMORY},
+      {page_tags(100'000, 100'000, 1, 0, {{kCompression, {4}}}), IMG_E_MEMORY},
+      {page_tags(1, 1, 8, 1, with_tile(30'000, 30'000)), IMG_E_MEMORY},
+      {page_tags(1, 1 << 9, 8, 1, with_tile(1 << 22, 1)), IMG_E_MEMORY},
+      {page_tags(20, 20, 1, 1, with_tile(5, 5)), IMG_E_FORMAT},
+  };
+  for (size_t i = 0; i < lies.size(); ++i) {
+    EXPECT_TRUE(load_file(tiff_file(lies[i].first, Bytes(8))).empty()) << i;
+    EXPECT_EQ(status_, lies[i].second) << i;
+  }
+  EXPECT_TRUE(load_file({}).empty());
+  EXPECT_EQ(status_, IMG_E_FORMAT);
+  EXPECT_EQ(modules_.count_pages(path_.c_str(), &status_), 0);
+  EXPECT_EQ(status_, IMG_E_FORMAT);
+  EXPECT_EQ(modules_.load_page(folder_.path("missing").c_str(), 1, &status_), nullptr);
+  EXPECT_EQ(status_, IMG_E_OPEN_FILE);
+  EXPECT_EQ(modules_.load_page(nullptr, 1, nullptr), nullptr);
+}
+
+TEST_F(TiffTest, FilesThatAreCutOffAreRefused) {
+  for (const int compression : {1, 5, 7, 8}) {
+    ASSERT_TRUE(save(smooth(50, 40, 24), compression));
+    const Bytes file = read_file(path_);
+    for (size_t length = 0; length < file.size(); length += length < 64 ? 1 : file.size() / 64) {
+      EXPECT_TRUE(load_file(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length))).empty()) << length;
+      EXPECT_EQ(status_, IMG_E_FORMAT);
+    }
+  }
+}
+
+// ---- CALS ----
+
+Bytes with_record(Bytes file, const std::string& record, size_t at) {
+  std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(at * 128), 128, ' ');
+  std::ranges::copy(record, file.begin() + static_cast<std::ptrdiff_t>(at * 128));
+  return file;
+}
+
+class CalsTest : public TiffTest {
+ protected:
+  Bytes saved(const Bytes& dib) {
+    EXPECT_TRUE(modules_.save_cals(path_.c_str(), block_of(dib).get(), 0, 0, 0));
+    return read_file(path_);
+  }
+  Bytes load_file(const Bytes& file) {
+    write_file(path_, file);
+    return load_cals();
+  }
+};
+
+TEST_F(CalsTest, PicturesComeBackBlackOnWhite) {
+  for (const int width : {1, 31, 64, 2481}) {
+    const Bytes dib = with_table(noise(width, 7, 1), {kWhite, kBlack});
+    const Bytes file = saved(dib);
+    const Bytes loaded = load_cals();
+    EXPECT_EQ(status_, IMG_OK);
+    EXPECT_EQ(largest_difference(loaded, dib), 0) << width;
+    EXPECT_EQ(header_of(loaded).biXPelsPerMeter, 11811);
+    EXPECT_EQ(header_of(loaded).biYPelsPerMeter, 11811);  // the format has one density
+  }
+  const std::string header(128, ' ');
+  const Bytes file = saved(noise(12, 34, 1));
+  EXPECT_EQ(std::string(file.begin(), file.begin() + 9), "srcdocid:");
+  EXPECT_EQ(std::string(file.begin() + 1024, file.begin() + 1046), "rpelcnt: 000012,000034");
+  EXPECT_EQ(std::string(file.begin() + 1152, file.begin() + 1166), "rdensty: 0300 ");
+}
+
+TEST_F(CalsTest, RecordsAreFoundWhereverTheyAre) {
+  const Bytes dib = with_table(noise(40, 20, 1), {kBlack, kWhite});
+  Bytes file = saved(dib);
+  file = with_record(file, "notes: moved", 8);
+  file = with_record(file, "RPELCNT:40, 20", 15);
+  EXPECT_EQ(largest_difference(load_file(file), dib), 0);
+}
+
+TEST_F(CalsTest, DrawingsAreTurnedUpright) {
+  // An L: its corner and its long side tell each turn and mirror apart.
+  Bytes dib = with_table(noise(2, 3, 1), {kWhite, kBlack});
+  for (size_t row = 0; row < 3; ++row) dib[48 + row * 4] = row == 0 ? 0b11000000 : 0b10000000;
+  const Bytes file = saved(dib);
+  const std::map<std::string, std::string> seen = {{"000,270", "01/01/00"}, {"000,090", "00/01/01"}, {"180,090", "10/10/00"},
+                                                   {"180,270", "00/10/10"}, {"270,270", "000/011"},  {"270,090", "000/110"},
+                                                   {"090,270", "110/000"},  {"090,090", "011/000"},  {"270,180", "000/011"},
+                                                   {"090,000", "110/000"}};
+  for (const auto& [orientation, rows] : seen) {
+    std::string found = letters_of(load_file(with_record(file, "rorient: " + orientation, 7)));
+    for (char& bit : found) bit = bit == '/' ? bit : static_cast<char>(bit + '0');
+    EXPECT_EQ(found, rows) << orientation;
+  }
+}
+
+TEST_F(CalsTest, DamagedFilesAreRefused) {
+  const Bytes file = saved(noise(40, 20, 1));
+  const std::vector<std::pair<std::string, size_t>> damages = {
+      {"", 8},         {"rpelcnt: 000040", 8},  {"rpelcnt: 000000,000020", 8}, {"rpelcnt: -00040,000020", 8},
+      {"rtype: 2", 6}, {"rorient: 045,270", 7}, {"rorient: 000,180", 7}};
+  for (const auto& [record, at] : damages) {
+    EXPECT_TRUE(load_file(with_record(file, record, at)).empty()) << record;
+    EXPECT_EQ(status_, IMG_E_FORMAT);
+  }
+  EXPECT_TRUE(load_file(with_record(file, "rpelcnt: 999999,999999", 8)).empty());
+  EXPECT_EQ(status_, IMG_E_MEMORY);
+  for (size_t length = 0; length <= 2048; length += 64) {
+    EXPECT_TRUE(load_file(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length))).empty()) << length;
+    EXPECT_EQ(status_, IMG_E_FORMAT);
+  }
+}
+
+}  // namespace
