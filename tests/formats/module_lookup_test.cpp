@@ -10,6 +10,7 @@
 
 #include "support/module.h"
 #ifdef _WIN32
+#include "win32/support/imports.h"
 #include "win32/support/message_box.h"
 #endif
 
@@ -19,7 +20,24 @@ namespace {
 
 #ifdef _WIN32
 constexpr const char* kLibrary = "VOREL32.DLL";
-using test::MessageBoxes;
+
+// Notes what would be shown; real boxes take two seconds each on a screen without a window manager.
+class MessageBoxes {
+ public:
+  MessageBoxes() { seen_.clear(); }
+  const std::vector<std::string>& seen() const { return seen_; }
+
+ private:
+  static int WINAPI note(HWND owner, LPCSTR text, LPCSTR title, UINT kind) {
+    EXPECT_TRUE(owner == nullptr && kind == MB_TASKMODAL);
+    seen_.push_back(std::string(title) + ": " + text);
+    return IDOK;
+  }
+
+  inline static std::vector<std::string> seen_;
+  test::Replacement replacement_{"MessageBoxA", note};
+};
+
 bool is_in_memory(const std::string& module) { return GetModuleHandleA(module.c_str()) != nullptr; }
 #else
 constexpr const char* kLibrary = "libvorel32.so.5";
@@ -136,6 +154,15 @@ TEST_F(ModuleLookup, AnInstalledModuleComesBeforeAnyOther) {
 }
 
 #ifdef _WIN32
+TEST_F(ModuleLookup, ThePersonSeesABox) {
+  const test::MessageBoxes boxes;
+  const auto load = library_->entry<decltype(&LoadImageIntoDIB)>("LoadImageIntoDIB");
+  EXPECT_EQ(load(put_file("a.tga", ""), 1, nullptr), nullptr);
+  put_module("WERT32", folder_, "BRIX32");
+  EXPECT_EQ(load("a.tga", 1, nullptr), nullptr);
+  EXPECT_EQ(boxes.seen(), (Messages{no_module("BRIX32"), no_entry("BRIX32", "LoadTGAIntoDIB")}));
+}
+
 TEST_F(ModuleLookup, TheSystemLooksElsewhere) {
   put_module("WERT32", ".", "KALO32");
   EXPECT_EQ(shown_by_loading(put_file("a.jpg", kJpegStart)), Messages{no_entry("KALO32", "LoadJPEGIntoDIB")});

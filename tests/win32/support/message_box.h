@@ -7,7 +7,7 @@
 
 namespace test {
 
-// Reads every message box of this thread as it is activated and presses its button, for a scope.
+// Presses the button of every message box of this thread and reads the box, for a scope.
 class MessageBoxes {
  public:
   MessageBoxes() : hook_(SetWindowsHookExA(WH_CBT, read_and_press, nullptr, GetCurrentThreadId())) { seen_.clear(); }
@@ -28,9 +28,10 @@ class MessageBoxes {
   static LRESULT CALLBACK read_and_press(int code, WPARAM window, LPARAM details) {
     constexpr int kTextOfABox = 0xFFFF;
     HWND box = reinterpret_cast<HWND>(window);
-    if (code == HCBT_ACTIVATE && GetDlgItem(box, kTextOfABox) != nullptr) {
-      seen_.push_back(text_of(box) + ": " + text_of(GetDlgItem(box, kTextOfABox)));
-      PostMessageW(box, WM_COMMAND, IDOK, 0);
+    if (GetDlgItem(box, kTextOfABox) != nullptr) {
+      if (code == HCBT_ACTIVATE) PostMessageW(box, WM_COMMAND, IDOK, 0);
+      // Some boxes are activated before they have their text; all have it when they go.
+      if (code == HCBT_DESTROYWND) seen_.push_back(text_of(box) + ": " + text_of(GetDlgItem(box, kTextOfABox)));
     }
     return CallNextHookEx(nullptr, code, window, details);
   }
