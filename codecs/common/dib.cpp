@@ -39,6 +39,13 @@ Colors gray_ramp(int depth) {
   return ramp;
 }
 
+bool same_colors(const Colors& a, const Colors& b) {
+  return std::ranges::equal(
+      a, b, [](RGBQUAD p, RGBQUAD q) { return p.rgbRed == q.rgbRed && p.rgbGreen == q.rgbGreen && p.rgbBlue == q.rgbBlue; });
+}
+
+bool is_gray_ramp(const SourceDib& dib) { return same_colors(dib.colors(), gray_ramp(dib.depth())); }
+
 Resolution from_dpi(double x, double y) {
   const auto per_metre = [](double dpi) {
     const double value = std::round(dpi / kMetresPerInch);

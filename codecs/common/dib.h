@@ -100,6 +100,10 @@ class SourceDib {
   Colors colors_;
 };
 
+bool same_colors(const Colors& a, const Colors& b);
+// Whether the colour table has the greys of the depth in their order, so that pixels are brightness.
+bool is_gray_ramp(const SourceDib& dib);
+
 // Rows of one byte per pixel from and to rows of 1, 4 or 8 bits per pixel. An index that the depth has no room for loses its
 // upper bits.
 void pack_indices(std::span<const uint8_t> indices, int depth, std::span<uint8_t> row);

@@ -6,6 +6,8 @@
 #include <optional>
 #include <span>
 
+#include "common/byte_source.h"
+
 namespace codec::gif {
 
 struct Frame {
@@ -26,16 +28,14 @@ class FrameFinder {
   std::optional<Frame> next();
 
  private:
-  uint8_t byte();
-  int word();
-  void skip(size_t count);
+  size_t position() const { return file_.size() - source_.rest().size(); }
   void skip_sub_blocks();
   void skip_color_table(uint8_t flags);
   Frame read_descriptor();
   void read_extension();
 
   std::span<const uint8_t> file_;
-  size_t at_ = 0;
+  ByteSource source_;
   size_t head_bytes_ = 0;
   int transparent_index_ = -1;  // of the image to come
 };

@@ -58,12 +58,6 @@ class Writer {
   png_infop info_ = nullptr;
 };
 
-bool is_gray_ramp(const SourceDib& dib) {
-  return std::ranges::equal(dib.colors(), gray_ramp(dib.depth()), [](const RGBQUAD& a, const RGBQUAD& b) {
-    return a.rgbRed == b.rgbRed && a.rgbGreen == b.rgbGreen && a.rgbBlue == b.rgbBlue;
-  });
-}
-
 int color_type_of(const SourceDib& dib) {
   if (dib.depth() == 24) return PNG_COLOR_TYPE_RGB;
   return is_gray_ramp(dib) ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_PALETTE;

@@ -10,12 +10,6 @@ namespace {
 
 constexpr int kMostPixels = std::numeric_limits<uint16_t>::max();
 
-bool is_gray_ramp(const Colors& colors) {
-  return std::ranges::equal(colors, gray_ramp(8), [](const RGBQUAD& a, const RGBQUAD& b) {
-    return a.rgbRed == b.rgbRed && a.rgbGreen == b.rgbGreen && a.rgbBlue == b.rgbBlue;
-  });
-}
-
 // How many pixels from `at` on are alike, as far as a packet goes.
 size_t run_at(std::span<const uint8_t> row, size_t at, size_t pixel_bytes) {
   const auto first = row.subspan(at, pixel_bytes);
@@ -52,7 +46,7 @@ void append_packets(std::span<const uint8_t> row, size_t pixel_bytes, std::vecto
 
 TgaWriter::TgaWriter(const SourceDib& dib, bool is_compressed) : dib_(dib) {
   if (dib.width() > kMostPixels || dib.height() > kMostPixels) fail(IMG_E_DIB_SIZE);
-  const bool is_gray = dib.depth() == 8 && is_gray_ramp(dib.colors());
+  const bool is_gray = dib.depth() == 8 && is_gray_ramp(dib);
   const bool is_indexed = dib.depth() <= 8 && !is_gray;
   const int kind = is_indexed ? TgaHeader::kIndexed : is_gray ? TgaHeader::kGray : TgaHeader::kColor;
   header_.kind = static_cast<uint8_t>(kind | (is_compressed ? TgaHeader::kRunLength : 0));

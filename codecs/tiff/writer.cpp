@@ -8,13 +8,6 @@
 namespace codec {
 namespace {
 
-bool same_colors(const Colors& a, const Colors& b) {
-  return std::ranges::equal(
-      a, b, [](RGBQUAD p, RGBQUAD q) { return p.rgbRed == q.rgbRed && p.rgbGreen == q.rgbGreen && p.rgbBlue == q.rgbBlue; });
-}
-
-bool is_gray_ramp(const SourceDib& dib) { return same_colors(dib.colors(), gray_ramp(dib.depth())); }
-
 bool is_black_on_white(const SourceDib& dib) { return same_colors(dib.colors(), {color(255, 255, 255), color(0, 0, 0)}); }
 
 int brightness(RGBQUAD color) { return 299 * color.rgbRed + 587 * color.rgbGreen + 114 * color.rgbBlue; }
