@@ -30,7 +30,6 @@ class FrameFinder {
  private:
   size_t position() const { return file_.size() - source_.rest().size(); }
   void skip_sub_blocks();
-  void skip_color_table(uint8_t flags);
   Frame read_descriptor();
   void read_extension();
 
