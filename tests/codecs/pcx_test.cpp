@@ -12,6 +12,7 @@
 #ifndef _WIN32
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #endif
 
 using namespace test;
@@ -249,7 +250,21 @@ TEST_F(PcxTest, DcxDirectoriesOfOthers) {
   EXPECT_EQ(status, IMG_E_FORMAT);
 }
 
+// The euro sign of Windows, and no text at all in UTF-8.
+TEST_F(PcxTest, NamesAreTheSystemsOwn) {
+  path += "\x80.dcx";
+  ASSERT_TRUE(modules.make_dcx(path.c_str(), &status));
+  ASSERT_TRUE(add(noise(20, 9, 8))) << status;
+  EXPECT_EQ(largest_difference(load_page(1), noise(20, 9, 8)), 0) << status;
+}
+
 #ifndef _WIN32
+TEST_F(PcxTest, PipesAreNotWaitedFor) {
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  EXPECT_EQ(modules.load_pcx(path.c_str(), &status), nullptr);
+  EXPECT_EQ(status, IMG_E_OPEN_FILE);
+}
+
 TEST_F(PcxTest, DcxFileIsAsBeforeWhenThereIsNoRoomForAPage) {
   ASSERT_TRUE(modules.make_dcx(path.c_str(), &status));
   ASSERT_TRUE(add(noise(20, 9, 8)));
