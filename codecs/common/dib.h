@@ -17,6 +17,9 @@ constexpr RGBQUAD color(int red, int green, int blue) {
   return {static_cast<uint8_t>(blue), static_cast<uint8_t>(green), static_cast<uint8_t>(red), 0};
 }
 
+// In thousandths of a component, 0 to 255,000.
+constexpr int brightness(RGBQUAD entry) { return 299 * entry.rgbRed + 587 * entry.rgbGreen + 114 * entry.rgbBlue; }
+
 // Greys from black to white, as many as the depth has: at 1 bit just black and white.
 Colors gray_ramp(int depth);
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "common/byte_source.h"
 #include "common/entry.h"
 #include "pcx/pcx.h"
 
@@ -13,8 +14,6 @@ namespace {
 
 constexpr uint32_t kSignature = 0x3ADE68B1;
 constexpr size_t kMostPages = 1023;
-
-std::span<const uint8_t> bytes_of(const uint32_t& word) { return {reinterpret_cast<const uint8_t*>(&word), sizeof word}; }
 
 }  // namespace
 
@@ -52,7 +51,7 @@ uint64_t DcxDirectory::free_entry() const {
 void make_dcx(const char* path) {
   std::array<uint32_t, DcxDirectory::kBytes / sizeof(uint32_t)> words{kSignature};
   OutputFile file(path);
-  file.write({reinterpret_cast<const uint8_t*>(words.data()), sizeof words});
+  file.write(bytes_of(words));
   file.complete();
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "common/byte_source.h"
 #include "common/entry.h"
 #include "pcx/pcx.h"
 
@@ -12,13 +13,7 @@ constexpr int kMostPlaneBytes = 65'534;
 
 PcxColor stored(const RGBQUAD& entry) { return {entry.rgbRed, entry.rgbGreen, entry.rgbBlue}; }
 
-std::span<const uint8_t> bytes_of(const PcxHeader& header) {
-  return {reinterpret_cast<const uint8_t*>(&header), sizeof header};
-}
-
 uint16_t stored_dpi(int per_metre) { return static_cast<uint16_t>(std::min(nearest_dpi(per_metre), 65'535)); }
-
-int brightness(const RGBQUAD& entry) { return 3 * entry.rgbRed + 6 * entry.rgbGreen + entry.rgbBlue; }
 
 void append_runs(std::span<const uint8_t> plane, std::vector<uint8_t>& out) {
   for (size_t i = 0; i < plane.size();) {

@@ -2,6 +2,7 @@
 #include <array>
 #include <limits>
 
+#include "common/byte_source.h"
 #include "common/entry.h"
 #include "tga/tga.h"
 
@@ -59,7 +60,7 @@ TgaWriter::TgaWriter(const SourceDib& dib, bool is_compressed) : dib_(dib) {
 }
 
 void TgaWriter::write(const OutputFile& file) const {
-  file.write({reinterpret_cast<const uint8_t*>(&header_), sizeof header_});
+  file.write(bytes_of(header_));
   if (header_.has_map == 1) write_map(file);
   write_rows(file);
 }
