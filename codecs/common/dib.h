@@ -1,6 +1,7 @@
 // Packed DIBs as codec modules make and read them: 1, 4, 8 or 24 bits, uncompressed, with rows counted from the top.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -118,6 +119,10 @@ void swap_red_and_blue(std::span<uint8_t> row, int width);
 // A colour component that lies over white paper.
 constexpr uint8_t over_white(int value, int alpha) {
   return static_cast<uint8_t>((value * alpha + 255 * (255 - alpha) + 127) / 255);
+}
+// The same for one that has been scaled by its alpha already.
+constexpr uint8_t premultiplied_over_white(int value, int alpha) {
+  return static_cast<uint8_t>(std::min(value + 255 - alpha, 255));
 }
 
 }  // namespace codec
