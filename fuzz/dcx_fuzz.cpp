@@ -20,6 +20,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   GlobalFree(page(1));
   GlobalFree(page(codec::at_entry(nullptr, pages)));
   const uint64_t entry = codec::at_entry(nullptr, [&] { return codec::DcxDirectory(file).free_entry(); });
-  if (entry + sizeof(uint32_t) > codec::DcxDirectory::kBytes - sizeof(uint32_t)) std::abort();
+  if (entry + codec::DcxDirectory::kEntryBytes > codec::DcxDirectory::kBytes) std::abort();
   return 0;
 }

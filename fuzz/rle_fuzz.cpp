@@ -13,7 +13,7 @@
 namespace {
 
 constexpr size_t kParameterBytes = 8;
-constexpr uint64_t kMostBytes = 16 << 20;
+constexpr uint64_t kMostBytes = 1 << 20;
 
 using Bytes = std::vector<uint8_t>;
 

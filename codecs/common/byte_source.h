@@ -1,4 +1,4 @@
-// The bytes of a file in memory, taken one after another.
+// Headers as bytes, and the bytes of a file in memory taken one after another.
 #pragma once
 
 #include <bit>
@@ -12,6 +12,12 @@
 namespace codec {
 
 static_assert(std::endian::native == std::endian::little, "headers are copied as they lie in files");
+
+template <class Header>
+std::span<const uint8_t> bytes_of(const Header& header) {
+  static_assert(std::is_trivially_copyable_v<Header>);
+  return {reinterpret_cast<const uint8_t*>(&header), sizeof header};
+}
 
 // Throws Failure where the bytes end.
 class ByteSource {

@@ -30,6 +30,23 @@ std::span<uint8_t> color_bytes(Colors& colors) {
   return {reinterpret_cast<uint8_t*>(colors.data()), colors.size() * sizeof(RGBQUAD)};
 }
 
+template <unsigned kDepth>
+uint8_t packed_byte(std::span<const uint8_t> indices) {
+  constexpr unsigned kPerByte = 8 / kDepth, kMask = (1u << kDepth) - 1;
+  unsigned byte = 0;
+  for (unsigned i = 0; i < kPerByte; ++i) byte = byte << kDepth | (i < indices.size() ? indices[i] & kMask : 0);
+  return static_cast<uint8_t>(byte);
+}
+
+// Whole bytes first, whose loops have no ends to look for.
+template <unsigned kDepth>
+void pack(std::span<const uint8_t> indices, std::span<uint8_t> row) {
+  constexpr size_t kPerByte = 8 / kDepth;
+  const size_t whole = indices.size() / kPerByte;
+  for (size_t i = 0; i < whole; ++i) row[i] = packed_byte<kDepth>(indices.subspan(i * kPerByte).template first<kPerByte>());
+  if (indices.size() % kPerByte != 0) row[whole] = packed_byte<kDepth>(indices.subspan(whole * kPerByte));
+}
+
 }  // namespace
 
 Colors gray_ramp(int depth) {
@@ -176,16 +193,10 @@ std::span<const uint8_t> SourceDib::row_from_top(int y) const {
 }
 
 void pack_indices(std::span<const uint8_t> indices, int depth, std::span<uint8_t> row) {
-  if (depth == 8) {
-    std::ranges::copy(indices, row.begin());
-    return;
-  }
-  const size_t per_byte = 8u / static_cast<unsigned>(depth);
-  const unsigned mask = (1u << depth) - 1;
-  for (size_t x = 0; x < indices.size(); x += per_byte) {
-    unsigned byte = 0;
-    for (size_t i = 0; i < per_byte; ++i) byte = byte << depth | (x + i < indices.size() ? indices[x + i] & mask : 0);
-    row[x / per_byte] = static_cast<uint8_t>(byte);
+  switch (depth) {
+    case 1: return pack<1>(indices, row);
+    case 4: return pack<4>(indices, row);
+    default: std::ranges::copy(indices, row.begin());
   }
 }
 

@@ -1,6 +1,7 @@
 // Packed DIBs as codec modules make and read them: 1, 4, 8 or 24 bits, uncompressed, with rows counted from the top.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -16,6 +17,9 @@ using Colors = std::vector<RGBQUAD>;
 constexpr RGBQUAD color(int red, int green, int blue) {
   return {static_cast<uint8_t>(blue), static_cast<uint8_t>(green), static_cast<uint8_t>(red), 0};
 }
+
+// In thousandths of a component, 0 to 255,000.
+constexpr int brightness(RGBQUAD entry) { return 299 * entry.rgbRed + 587 * entry.rgbGreen + 114 * entry.rgbBlue; }
 
 // Greys from black to white, as many as the depth has: at 1 bit just black and white.
 Colors gray_ramp(int depth);
@@ -115,6 +119,10 @@ void swap_red_and_blue(std::span<uint8_t> row, int width);
 // A colour component that lies over white paper.
 constexpr uint8_t over_white(int value, int alpha) {
   return static_cast<uint8_t>((value * alpha + 255 * (255 - alpha) + 127) / 255);
+}
+// The same for one that has been scaled by its alpha already.
+constexpr uint8_t premultiplied_over_white(int value, int alpha) {
+  return static_cast<uint8_t>(std::min(value + 255 - alpha, 255));
 }
 
 }  // namespace codec

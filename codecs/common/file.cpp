@@ -1,25 +1,54 @@
 #include "common/file.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <limits>
+#include <optional>
+#include <sys/stat.h>
+#include <utility>
 
 #include "common/entry.h"
 
 #ifdef _WIN32
+#include <io.h>
+#define close _close
+#define dup _dup
+#define fileno _fileno
 #define fseeko _fseeki64
+#define ftruncate _chsize_s
+#else
+#include <unistd.h>
 #endif
 
 namespace codec {
-namespace fs = std::filesystem;
 namespace {
 
-uint64_t size_of_file(const char* path) {
-  std::error_code error;
-  if (path == nullptr || !fs::is_regular_file(path, error)) fail(IMG_E_OPEN_FILE);
-  const uint64_t size = fs::file_size(path, error);
-  if (error) fail(IMG_E_OPEN_FILE);
-  return size;
+// The size of what is a file on disk. Asked for by its name, before it is opened, because opening a pipe would wait for its
+// writer. The name goes to the system as it came: std::filesystem would translate it, on Windows to a name of another file.
+std::optional<uint64_t> size_of_file(const char* path) {
+#ifdef _WIN32
+  struct _stat64 facts {};
+  const bool is_there = path != nullptr && _stat64(path, &facts) == 0;
+#else
+  struct stat facts {};
+  const bool is_there = path != nullptr && stat(path, &facts) == 0;
+#endif
+  if (!is_there || !S_ISREG(facts.st_mode)) return std::nullopt;
+  return static_cast<uint64_t>(facts.st_size);
+}
+
+uint64_t size_to_open(const char* path) {
+  const auto size = size_of_file(path);
+  if (!size) fail(IMG_E_OPEN_FILE);
+  return *size;
+}
+
+// Closes the file first, because that may still write what it holds back.
+void close_and_cut(FileHandle file, uint64_t size) {
+  const int descriptor = dup(fileno(file.get()));
+  file.reset();
+  if (descriptor < 0) return;
+  [[maybe_unused]] const auto ignored = ftruncate(descriptor, static_cast<int64_t>(size));
+  close(descriptor);
 }
 
 FileHandle open_file(const char* path, const char* mode) {
@@ -35,7 +64,7 @@ size_t read_at(std::FILE* file, uint64_t offset, std::span<uint8_t> bytes) {
   return std::fread(bytes.data(), 1, bytes.size(), file);
 }
 
-InputFile::InputFile(const char* path) : size_(size_of_file(path)) { file_ = open_file(path, "rb"); }
+InputFile::InputFile(const char* path) : size_(size_to_open(path)) { file_ = open_file(path, "rb"); }
 
 std::vector<uint8_t> InputFile::read(uint64_t offset, uint64_t count) const {
   const uint64_t there = offset < size_ ? std::min(count, size_ - offset) : 0;
@@ -49,18 +78,17 @@ std::vector<uint8_t> InputFile::read(uint64_t offset, uint64_t count) const {
 OutputFile::OutputFile(const char* path, Mode mode) : mode_(mode) {
   if (path == nullptr) fail(IMG_E_OPEN_FILE);
   path_ = path;
-  if (mode == Mode::kAdd) found_size_ = size_of_file(path);
+  if (mode == Mode::kAdd) found_size_ = size_to_open(path);
   file_ = open_file(path, mode == Mode::kAdd ? "r+b" : "wb");
 }
 
 OutputFile::~OutputFile() {
   if (completed_) return;
-  file_.reset();
-  std::error_code ignored;
   if (mode_ == Mode::kAdd) {
-    fs::resize_file(path_, found_size_, ignored);
-  } else if (fs::is_regular_file(path_, ignored)) {
-    fs::remove(path_, ignored);
+    close_and_cut(std::move(file_), found_size_);
+  } else {
+    file_.reset();
+    if (size_of_file(path_.c_str())) std::remove(path_.c_str());
   }
 }
 

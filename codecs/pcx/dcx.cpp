@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "common/byte_source.h"
 #include "common/entry.h"
 #include "pcx/pcx.h"
 
@@ -13,8 +14,6 @@ namespace {
 
 constexpr uint32_t kSignature = 0x3ADE68B1;
 constexpr size_t kMostPages = 1023;
-
-std::span<const uint8_t> bytes_of(const uint32_t& word) { return {reinterpret_cast<const uint8_t*>(&word), sizeof word}; }
 
 }  // namespace
 
@@ -43,16 +42,16 @@ DcxDirectory::Extent DcxDirectory::page(int number, uint64_t file_bytes) const {
 uint64_t DcxDirectory::free_entry() const {
   if (offsets_.size() == kMostPages) fail(IMG_E_PARAMETER);
   const uint64_t entry = sizeof kSignature + offsets_.size() * sizeof(uint32_t);
-  // Other programs may leave less room in front of their first page: for one more offset, and a 0 after it.
+  // Other programs may leave less room in front of their first page.
   const auto first_page = std::ranges::min_element(offsets_);
-  if (first_page != offsets_.end() && *first_page < entry + 2 * sizeof(uint32_t)) fail(IMG_E_PARAMETER);
+  if (first_page != offsets_.end() && *first_page < entry + kEntryBytes) fail(IMG_E_PARAMETER);
   return entry;
 }
 
 void make_dcx(const char* path) {
   std::array<uint32_t, DcxDirectory::kBytes / sizeof(uint32_t)> words{kSignature};
   OutputFile file(path);
-  file.write({reinterpret_cast<const uint8_t*>(words.data()), sizeof words});
+  file.write(bytes_of(words));
   file.complete();
 }
 
@@ -61,16 +60,16 @@ void add_dcx_page(const char* path, const SourceDib& dib) {
   const DcxDirectory directory(InputFile(path).read(0, DcxDirectory::kBytes));
   const uint64_t entry = directory.free_entry();
   OutputFile file(path, OutputFile::Mode::kAdd);
-  // Room for a whole directory, in case the file that has no pages yet has less.
-  const uint64_t begin =
-      directory.page_count() == 0 ? std::max<uint64_t>(file.found_size(), DcxDirectory::kBytes) : file.found_size();
+  // A file that has no pages yet gets room for a whole directory, in case it has less.
+  const uint64_t directory_end = directory.page_count() == 0 ? DcxDirectory::kBytes : entry + DcxDirectory::kEntryBytes;
+  const uint64_t begin = std::max(file.found_size(), directory_end);
   if (begin > std::numeric_limits<uint32_t>::max()) fail(IMG_E_PARAMETER);
   file.seek(begin);
   page.write(file);
   file.flush();
   // Only now that the page is there does the directory change.
   file.seek(entry);
-  file.write(bytes_of(static_cast<uint32_t>(begin)));
+  file.write(bytes_of(std::array{static_cast<uint32_t>(begin), 0u}));
   file.complete();
 }
 

@@ -19,6 +19,9 @@ class DcxDirectory {
   // The signature, 1023 offsets and the 0 that ends them.
   static constexpr size_t kBytes = 4100;
 
+  // One more offset and the 0 that ends them: what is behind the last offset need not be 0.
+  static constexpr size_t kEntryBytes = 8;
+
   // Takes the first kBytes of a file, or the whole file if it is shorter. Throws Failure.
   explicit DcxDirectory(std::span<const uint8_t> start);
 
@@ -27,7 +30,7 @@ class DcxDirectory {
   // The bytes of a page, which reach to where another begins or to the end of the file. Throws Failure.
   Extent page(int number, uint64_t file_bytes) const;
 
-  // Where in the file the offset of one more page goes. Throws Failure when there is no room.
+  // Where in the file kEntryBytes for one more page go. Throws Failure when there is no room.
   uint64_t free_entry() const;
 
  private:

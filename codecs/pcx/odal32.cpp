@@ -1,4 +1,5 @@
 // ODAL32: loads PCX and DCX files.
+#include <algorithm>
 #include <type_traits>
 
 #include "common/entry.h"
@@ -12,10 +13,19 @@ codec::DcxDirectory directory_of(const codec::InputFile& file) {
   return codec::DcxDirectory(file.read(0, codec::DcxDirectory::kBytes));
 }
 
+// The header decides first whether the rest is worth its memory.
+HGLOBAL load_picture(const codec::InputFile& file, uint64_t offset, uint64_t size) {
+  codec::check_pcx_start(file.read(offset, std::min<uint64_t>(size, sizeof(codec::PcxHeader))));
+  return codec::read_pcx(file.read(offset, size));
+}
+
 }  // namespace
 
 CODEC_ENTRY HGLOBAL VORELCALL LoadPCXIntoDIB(LPCSTR path, int* status) {
-  return codec::at_entry(status, [&] { return codec::read_pcx(codec::InputFile(path).read_all()); });
+  return codec::at_entry(status, [&] {
+    const codec::InputFile file(path);
+    return load_picture(file, 0, file.size());
+  });
 }
 static_assert(std::is_same_v<decltype(&LoadPCXIntoDIB), ImgLoadPicture>);
 
@@ -23,7 +33,7 @@ CODEC_ENTRY HGLOBAL VORELCALL LoadDCXIntoDIB(LPCSTR path, int page, int* status)
   return codec::at_entry(status, [&] {
     const codec::InputFile file(path);
     const auto [offset, size] = directory_of(file).page(page, file.size());
-    return codec::read_pcx(file.read(offset, size));
+    return load_picture(file, offset, size);
   });
 }
 static_assert(std::is_same_v<decltype(&LoadDCXIntoDIB), ImgLoadPage>);

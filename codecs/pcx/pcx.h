@@ -44,6 +44,9 @@ inline constexpr uint8_t kPcxTableMark = 12;
 inline constexpr uint8_t kPcxRunMark = 0xC0;
 inline constexpr uint8_t kPcxLongestRun = 63;
 
+// Takes the start of a file, or of a page of one. Throws Failure unless it is a header of what read_pcx() reads.
+void check_pcx_start(std::span<const uint8_t> start);
+
 // Reads a file, or a page of one. Throws Failure.
 [[nodiscard]] HGLOBAL read_pcx(std::span<const uint8_t> file);
 
@@ -56,12 +59,13 @@ class PcxWriter {
   void write(const OutputFile& file) const;
 
  private:
+  void suit_readers_without_tables();
   void write_colors_of_8_bits(const OutputFile& file) const;
   void write_lines(const OutputFile& file) const;
 
   const SourceDib& dib_;
   PcxHeader header_{};
-  uint8_t inversion_ = 0;  // of the bits of a row
+  uint8_t kept_bits_ = 0xFF, inversion_ = 0;  // what becomes of each byte of a row
 };
 
 }  // namespace codec

@@ -30,6 +30,12 @@ bool is_sound(const PcxHeader& header) {
          height_of(header) > 0 && header.plane_bytes >= (width_of(header) * header.plane_depth + 7) / 8;
 }
 
+PcxHeader take_sound_header(ByteSource& source) {
+  const auto header = source.take_header<PcxHeader>();
+  if (!is_sound(header)) fail(IMG_E_FORMAT);
+  return header;
+}
+
 Colors colors_of(std::span<const PcxColor> stored) {
   Colors colors;
   for (const PcxColor& entry : stored) colors.push_back(color(entry.red, entry.green, entry.blue));
@@ -38,24 +44,26 @@ Colors colors_of(std::span<const PcxColor> stored) {
 
 bool is_black(const PcxColor& entry) { return entry.red == 0 && entry.green == 0 && entry.blue == 0; }
 
-// Versions 0 and 3 have no table, and one that is all black is none either: the colours are those of the display adapters
-// that the format was made for, in the order of their planes (blue, green, red, bright).
+// Versions 0 and 3 have no table, and one that is all black is none either: the picture is said to be grey, or has the
+// colours of the display adapters that the format was made for, in the order of their planes (blue, green, red, bright).
 Colors sixteen_colors(const PcxHeader& header) {
   static constexpr PcxColor kStandard[] = {{0, 0, 0},     {0, 0, 170},    {0, 170, 0},    {0, 170, 170},
                                            {170, 0, 0},   {170, 0, 170},  {170, 85, 0},   {170, 170, 170},
                                            {85, 85, 85},  {85, 85, 255},  {85, 255, 85},  {85, 255, 255},
                                            {255, 85, 85}, {255, 85, 255}, {255, 255, 85}, {255, 255, 255}};
   const bool has_table = header.version != 0 && header.version != 3 && !std::ranges::all_of(header.colors, is_black);
-  return has_table ? colors_of(header.colors) : colors_of(kStandard);
+  if (has_table) return colors_of(header.colors);
+  const bool is_gray = header.palette_kind == PcxHeader::kGrayPalette;
+  return is_gray ? gray_ramp(header.plane_depth * header.planes) : colors_of(kStandard);
 }
 
-// Many programs leave a table in bi-level files that has nothing to do with them. One that stops after two different colours
+// Many programs leave a table in bi-level files that has nothing to do with them, or none. One that stops after two colours
 // was meant; otherwise 0 is black and 1 white.
 Colors two_colors(const PcxHeader& header) {
   const std::span<const PcxColor> table = header.colors;
-  const bool differ = std::memcmp(&table[0], &table[1], sizeof(PcxColor)) != 0;
-  const bool is_meant = differ && std::ranges::all_of(table.subspan(2), is_black);
-  return is_meant ? colors_of(table.first(2)) : gray_ramp(1);
+  const auto two = table.first(2);
+  const bool is_meant = !std::ranges::all_of(two, is_black) && std::ranges::all_of(table.subspan(2), is_black);
+  return is_meant ? colors_of(two) : gray_ramp(1);
 }
 
 // Some programs put the picture's own size there.
@@ -167,12 +175,13 @@ void line_to_row(const Line& line, std::span<uint8_t> row) {
   std::ranges::copy(line.bytes.first((line.width() * line.header.plane_depth + 7) / 8), row.begin());
 }
 
-// The table ends the file or, where a page is padded, stands right after the pixels. Version 5 pictures of 8 bits that say that
-// they are coloured have one; others without one are grey.
+// The table stands right after the pixels or, where something is between them, ends the file. Some tables have the mark in
+// them, so the first place counts where both have it. Version 5 pictures of 8 bits that say that they are coloured have a
+// table; others without one are grey.
 Colors colors_after_pixels(const PcxHeader& header, std::span<const uint8_t> rest) {
   constexpr size_t kColors = 256, kBytes = 1 + kColors * sizeof(PcxColor);
   std::array<PcxColor, kColors> table;
-  for (const size_t at : {rest.size() - std::min(rest.size(), kBytes), size_t{0}}) {
+  for (const size_t at : {size_t{0}, rest.size() - std::min(rest.size(), kBytes)}) {
     if (rest.size() - at < kBytes || rest[at] != kPcxTableMark) continue;
     std::memcpy(table.data(), &rest[at + 1], sizeof table);
     return colors_of(table);
@@ -184,14 +193,18 @@ Colors colors_after_pixels(const PcxHeader& header, std::span<const uint8_t> res
 
 }  // namespace
 
+void check_pcx_start(std::span<const uint8_t> start) {
+  ByteSource source(start);
+  take_sound_header(source);
+}
+
 HGLOBAL read_pcx(std::span<const uint8_t> file) {
   ByteSource source(file);
-  const auto header = source.take_header<PcxHeader>();
-  if (!is_sound(header)) fail(IMG_E_FORMAT);
+  const PcxHeader header = take_sound_header(source);
   const Layout layout = layout_of(header);
-  check_claim(layout.width, layout.height, layout.depth, file.size());
   LineBytes lines(source, header.encoding == PcxHeader::kRunLength);
   std::vector<uint8_t> bytes(size_t{header.planes} * header.plane_bytes);
+  // However much the header claims, the picture takes no more memory than the file has bytes for.
   if (!lines.can_give(uint64_t{bytes.size()} * static_cast<uint64_t>(layout.height))) fail(IMG_E_FORMAT);
 
   NewDib dib(layout);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "common/byte_source.h"
 #include "common/entry.h"
 #include "pcx/pcx.h"
 
@@ -12,13 +13,7 @@ constexpr int kMostPlaneBytes = 65'534;
 
 PcxColor stored(const RGBQUAD& entry) { return {entry.rgbRed, entry.rgbGreen, entry.rgbBlue}; }
 
-std::span<const uint8_t> bytes_of(const PcxHeader& header) {
-  return {reinterpret_cast<const uint8_t*>(&header), sizeof header};
-}
-
 uint16_t stored_dpi(int per_metre) { return static_cast<uint16_t>(std::min(nearest_dpi(per_metre), 65'535)); }
-
-int brightness(const RGBQUAD& entry) { return 3 * entry.rgbRed + 6 * entry.rgbGreen + entry.rgbBlue; }
 
 void append_runs(std::span<const uint8_t> plane, std::vector<uint8_t>& out) {
   for (size_t i = 0; i < plane.size();) {
@@ -77,11 +72,20 @@ PcxWriter::PcxWriter(const SourceDib& dib) : dib_(dib) {
   header_.dpi_y = stored_dpi(dib.resolution().y);
   header_.palette_kind = PcxHeader::kColorPalette;
   if (has_bit_planes) std::ranges::transform(dib.colors(), header_.colors.begin(), stored);
-  // Many programs take 0 for black in bi-level files, whatever the table says.
-  if (dib.depth() == 1 && brightness(dib.colors()[0]) > brightness(dib.colors()[1])) {
-    inversion_ = 0xFF;
-    std::swap(header_.colors[0], header_.colors[1]);
-  }
+  if (has_bit_planes) suit_readers_without_tables();
+}
+
+// Many programs take 0 for black and 1 for white in bi-level files, whatever the table says, and a table that is all black
+// for none. Pixels of colours that are all alike become 0, or at 1 bit 1 if they are bright.
+void PcxWriter::suit_readers_without_tables() {
+  const Colors& colors = dib_.colors();
+  const bool are_alike = same_colors(colors, Colors(colors.size(), colors[0]));
+  if (are_alike) kept_bits_ = 0;
+  if (dib_.depth() != 1) return;
+  const RGBQUAD other = are_alike ? color(127, 127, 127) : colors[1];
+  if (brightness(colors[0]) <= brightness(other)) return;
+  inversion_ = 0xFF;
+  std::swap(header_.colors[0], header_.colors[1]);
 }
 
 void PcxWriter::write(const OutputFile& file) const {
@@ -97,7 +101,7 @@ void PcxWriter::write_lines(const OutputFile& file) const {
   for (int y = 0; y < dib_.height(); ++y) {
     const auto source = dib_.row_from_top(y);
     row.assign(source.begin(), source.end());
-    for (uint8_t& byte : row) byte ^= inversion_;
+    for (uint8_t& byte : row) byte = static_cast<uint8_t>((byte & kept_bits_) ^ inversion_);
     clear_padding(row, width * depth);
     if (depth == 24) {
       row_to_color_planes(row, width, plane_bytes, line);

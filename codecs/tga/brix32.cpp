@@ -6,6 +6,11 @@
 #include "tga/tga.h"
 
 CODEC_ENTRY HGLOBAL VORELCALL LoadTGAIntoDIB(LPCSTR path, int* status) {
-  return codec::at_entry(status, [&] { return codec::read_tga(codec::InputFile(path).read_all()); });
+  return codec::at_entry(status, [&] {
+    const codec::InputFile file(path);
+    // The header decides first whether the rest is worth its memory.
+    codec::check_tga_start(file.read(0, sizeof(codec::TgaHeader)));
+    return codec::read_tga(file.read_all());
+  });
 }
 static_assert(std::is_same_v<decltype(&LoadTGAIntoDIB), ImgLoadPicture>);

@@ -1,6 +1,7 @@
 // TGA pictures.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -31,19 +32,38 @@ struct TgaHeader {
   int base_kind() const { return kind & ~kRunLength; }
   bool is_compressed() const { return (kind & kRunLength) != 0; }
 };
+
+// Ends files of the format's second version.
+struct TgaFooter {
+  static constexpr std::array<char, 18> kSignature = {"TRUEVISION-XFILE."};
+
+  uint32_t extension, developer_area;  // where they begin; 0 where there is none
+  std::array<char, 18> signature;
+};
+
+struct TgaExtension {
+  enum AlphaKind : uint8_t { kNoAlpha = 0, kNoUse = 1, kNoUseButKept = 2, kStraight = 3, kPremultiplied = 4 };
+
+  uint16_t size;
+  std::array<uint8_t, 492> unused;
+  uint8_t alpha_kind;
+};
 #pragma pack(pop)
-static_assert(sizeof(TgaHeader) == 18);
+static_assert(sizeof(TgaHeader) == 18 && sizeof(TgaFooter) == 26 && sizeof(TgaExtension) == 495);
 
 // A packet is a byte and then either a pixel that is repeated, or pixels as they are.
 inline constexpr uint8_t kTgaRunMark = 0x80;
 inline constexpr size_t kTgaLongestPacket = 128;
+
+// Takes the start of a file. Throws Failure unless it is a header of what read_tga() reads.
+void check_tga_start(std::span<const uint8_t> start);
 
 // Throws Failure.
 [[nodiscard]] HGLOBAL read_tga(std::span<const uint8_t> file);
 
 class TgaWriter {
  public:
-  // Throws Failure for a picture that the format cannot state.
+  // Throws Failure for a picture that the format cannot state. Pictures with a colour map are never compressed.
   TgaWriter(const SourceDib& dib, bool is_compressed);
 
   // Rows go from the bottom up. Throws Failure.

@@ -27,24 +27,70 @@ bool is_sound(const TgaHeader& header) {
          (header.descriptor & TgaHeader::kInterleaved) == 0 && (header.descriptor & TgaHeader::kAlphaBits) <= 8;
 }
 
-// Bits that the descriptor does not call alpha say nothing.
-bool has_alpha(const TgaHeader& header) { return (header.descriptor & TgaHeader::kAlphaBits) != 0; }
+TgaHeader take_sound_header(ByteSource& source) {
+  const auto header = source.take_header<TgaHeader>();
+  if (!is_sound(header)) fail(IMG_E_FORMAT);
+  return header;
+}
 
-RGBQUAD color_over_white(const RGBQUAD& entry, int alpha) {
-  return color(over_white(entry.rgbRed, alpha), over_white(entry.rgbGreen, alpha), over_white(entry.rgbBlue, alpha));
+enum class Alpha { kIgnored, kStraight, kPremultiplied };
+
+// What the extension area says of alpha. Files need not have one.
+uint8_t stated_alpha_kind(std::span<const uint8_t> file) {
+  constexpr uint8_t kUnstated = TgaExtension::kStraight;
+  if (file.size() < sizeof(TgaFooter)) return kUnstated;
+  const auto footer = ByteSource(file.last(sizeof(TgaFooter))).take_header<TgaFooter>();
+  if (footer.signature != TgaFooter::kSignature || footer.extension == 0) return kUnstated;
+  if (uint64_t{footer.extension} + sizeof(TgaExtension) > file.size()) return kUnstated;
+  const auto extension = ByteSource(file.subspan(footer.extension)).take_header<TgaExtension>();
+  return extension.size < sizeof extension ? kUnstated : extension.alpha_kind;
+}
+
+// Bits that the descriptor does not call alpha say nothing.
+Alpha alpha_of(const TgaHeader& header, std::span<const uint8_t> file) {
+  if ((header.descriptor & TgaHeader::kAlphaBits) == 0) return Alpha::kIgnored;
+  const uint8_t kind = stated_alpha_kind(file);
+  if (kind <= TgaExtension::kNoUseButKept) return Alpha::kIgnored;
+  return kind == TgaExtension::kPremultiplied ? Alpha::kPremultiplied : Alpha::kStraight;
+}
+
+uint8_t component_over_white(int value, int alpha, Alpha meaning) {
+  return meaning == Alpha::kPremultiplied ? premultiplied_over_white(value, alpha) : over_white(value, alpha);
 }
 
 // A colour of a map or a pixel: blue, green, red and alpha, or five bits of each and perhaps one of alpha.
-RGBQUAD color_at(const uint8_t* bytes, int depth, bool with_alpha) {
-  if (depth >= 24) {
-    const RGBQUAD opaque = color(bytes[2], bytes[1], bytes[0]);
-    return depth == 32 && with_alpha ? color_over_white(opaque, bytes[3]) : opaque;
-  }
+RGBQUAD opaque_color_at(const uint8_t* bytes, int depth) {
+  if (depth >= 24) return color(bytes[2], bytes[1], bytes[0]);
   const int word = bytes[0] | bytes[1] << 8;
-  const bool is_transparent = depth == 16 && with_alpha && (word & 0x8000) == 0;
-  if (is_transparent) return color(255, 255, 255);
   const auto component = [&](int shift) { return ((word >> shift & 31) * 255 + 15) / 31; };
   return color(component(10), component(5), component(0));
+}
+
+int color_alpha_at(const uint8_t* bytes, int depth) {
+  if (depth == 32) return bytes[3];
+  return depth == 16 && (bytes[1] & 0x80) == 0 ? 0 : 255;
+}
+
+RGBQUAD color_at(const uint8_t* bytes, int depth, Alpha meaning) {
+  const RGBQUAD opaque = opaque_color_at(bytes, depth);
+  if (meaning == Alpha::kIgnored) return opaque;
+  const auto component = [&](int value) { return component_over_white(value, color_alpha_at(bytes, depth), meaning); };
+  return color(component(opaque.rgbRed), component(opaque.rgbGreen), component(opaque.rgbBlue));
+}
+
+int gray_alpha_at(const uint8_t* bytes, int depth) { return depth == 16 ? bytes[1] : 255; }
+
+uint8_t gray_at(const uint8_t* bytes, int depth, Alpha meaning) {
+  return meaning == Alpha::kIgnored ? bytes[0] : component_over_white(bytes[0], gray_alpha_at(bytes, depth), meaning);
+}
+
+// Fills `out` with as many copies as fit.
+void repeat(std::span<const uint8_t> bytes, std::span<uint8_t> out) {
+  if (bytes.size() == 1) {
+    std::ranges::fill(out, bytes[0]);
+  } else {
+    for (size_t at = 0; at < out.size(); at += bytes.size()) std::ranges::copy(bytes, &out[at]);
+  }
 }
 
 // Pixels one after another. Packets may go on from one line to the next.
@@ -58,17 +104,24 @@ class PixelBytes {
     return pixels <= (is_compressed_ ? stored / (1 + pixel_bytes_) * kTgaLongestPacket : stored / pixel_bytes_);
   }
 
+  struct Stretch {
+    std::span<const uint8_t> stored;  // the one pixel of a run, or all pixels
+    size_t bytes;                     // of the pixels that it gives
+  };
+
+  // The next pixels, as far as their packet goes and `most` bytes at most.
+  Stretch next(size_t most) {
+    if (left_ == 0) next_packet(most);
+    const size_t bytes = std::min(left_, most);
+    left_ -= bytes;
+    return {is_run_ ? pixel_ : source_.take(bytes), bytes};
+  }
+
   void read(std::span<uint8_t> line) {
     while (!line.empty()) {
-      if (left_ == 0) next_packet(line.size());
-      const size_t bytes = std::min(left_, line.size());
-      if (is_run_) {
-        for (size_t at = 0; at < bytes; at += pixel_bytes_) std::ranges::copy(pixel_, &line[at]);
-      } else {
-        std::ranges::copy(source_.take(bytes), line.begin());
-      }
+      const auto [stored, bytes] = next(line.size());
+      repeat(stored, line.first(bytes));
       line = line.subspan(bytes);
-      left_ -= bytes;
     }
   }
 
@@ -92,32 +145,56 @@ class PixelBytes {
 
 struct Picture {
   TgaHeader header;
-  Colors map;  // from index 0 on
-  std::span<const uint8_t> pixels;
+  Alpha alpha;
+  std::span<const uint8_t> map, pixels;
 
   size_t pixel_bytes() const { return bytes_for(header.depth); }
+  size_t line_bytes() const { return header.width * pixel_bytes(); }
   PixelBytes reader() const { return {ByteSource(pixels), pixel_bytes(), header.is_compressed()}; }
-  std::vector<uint8_t> empty_line() const { return std::vector<uint8_t>(header.width * pixel_bytes()); }
 };
 
-Colors read_map(const TgaHeader& header, std::span<const uint8_t> bytes) {
-  Colors map(header.map_first);
-  const size_t entry_bytes = bytes_for(header.map_depth);
-  for (size_t at = 0; at < bytes.size(); at += entry_bytes)
-    map.push_back(color_at(&bytes[at], header.map_depth, has_alpha(header)));
-  return map;
+template <class Test>
+bool any_entry(std::span<const uint8_t> entries, size_t entry_bytes, Test test) {
+  for (size_t at = 0; at < entries.size(); at += entry_bytes)
+    if (test(&entries[at])) return true;
+  return false;
+}
+
+// Looks at pixels as they are stored, so that long runs cost no more than short ones.
+template <class Test>
+bool any_pixel(const Picture& picture, Test test) {
+  PixelBytes pixels = picture.reader();
+  for (uint64_t left = uint64_t{picture.line_bytes()} * picture.header.height; left > 0;) {
+    const auto [stored, bytes] = pixels.next(static_cast<size_t>(std::min<uint64_t>(left, picture.line_bytes())));
+    if (any_entry(stored, picture.pixel_bytes(), test)) return true;
+    left -= bytes;
+  }
+  return false;
+}
+
+bool any_alpha(const Picture& picture) {
+  const TgaHeader& header = picture.header;
+  switch (header.base_kind()) {
+    case TgaHeader::kIndexed:
+      return any_entry(picture.map, bytes_for(header.map_depth),
+                       [&](const uint8_t* entry) { return color_alpha_at(entry, header.map_depth) != 0; });
+    case TgaHeader::kGray:
+      return any_pixel(picture, [&](const uint8_t* pixel) { return gray_alpha_at(pixel, header.depth) != 0; });
+    default: return any_pixel(picture, [&](const uint8_t* pixel) { return color_alpha_at(pixel, header.depth) != 0; });
+  }
 }
 
 // The format has no signature: a header that fits together, and enough bytes, are all there is to know it by.
 Picture parse(std::span<const uint8_t> file) {
   ByteSource source(file);
-  const auto header = source.take_header<TgaHeader>();
-  if (!is_sound(header)) fail(IMG_E_FORMAT);
+  const TgaHeader header = take_sound_header(source);
   source.take(header.name_bytes);
   const auto map = source.take(header.has_map == 1 ? header.map_count * bytes_for(header.map_depth) : 0);
-  Picture picture{header, {}, source.rest()};
+  Picture picture{header, alpha_of(header, file), map, source.rest()};
+  // However much the header claims, the picture takes no more memory than the file has bytes for.
   if (!picture.reader().can_give(uint64_t{header.width} * header.height)) fail(IMG_E_FORMAT);
-  if (header.base_kind() == TgaHeader::kIndexed) picture.map = read_map(header, map);
+  // Nobody means a picture to be seen through everywhere; some programs leave zeros where others have alpha.
+  if (picture.alpha != Alpha::kIgnored && !any_alpha(picture)) picture.alpha = Alpha::kIgnored;
   return picture;
 }
 
@@ -132,10 +209,9 @@ void reverse_pixels(std::span<uint8_t> line, size_t pixel_bytes) {
 template <class Convert>
 HGLOBAL read_lines(const Picture& picture, int depth, const Colors& colors, Convert convert) {
   const TgaHeader& header = picture.header;
-  check_claim(header.width, header.height, depth, picture.pixels.size());
   NewDib dib({.width = header.width, .height = header.height, .depth = depth, .colors = colors});
   PixelBytes pixels = picture.reader();
-  std::vector<uint8_t> line = picture.empty_line();
+  std::vector<uint8_t> line(picture.line_bytes());
   for (int i = 0; i < dib.height(); ++i) {
     pixels.read(line);
     if ((header.descriptor & TgaHeader::kRightToLeft) != 0) reverse_pixels(line, picture.pixel_bytes());
@@ -143,6 +219,12 @@ HGLOBAL read_lines(const Picture& picture, int depth, const Colors& colors, Conv
     convert(std::span<const uint8_t>(line), dib.row_from_top(is_top_down ? i : dib.height() - 1 - i));
   }
   return dib.release();
+}
+
+// Makes a DIB of pixels that lie in files as they do in DIBs.
+HGLOBAL read_as_stored(const Picture& picture, const Colors& colors) {
+  return read_lines(picture, picture.header.depth, colors,
+                    [](std::span<const uint8_t> line, std::span<uint8_t> row) { std::ranges::copy(line, row.begin()); });
 }
 
 // Makes a 24-bit DIB of pixels that `color_of` tells the colour of.
@@ -158,53 +240,64 @@ HGLOBAL read_colors(const Picture& picture, ColorOf color_of) {
   });
 }
 
-size_t highest_index(const Picture& picture) {
-  PixelBytes pixels = picture.reader();
-  std::vector<uint8_t> line = picture.empty_line();
-  uint8_t highest = 0;
-  for (int i = 0; i < picture.header.height; ++i) {
-    pixels.read(line);
-    highest = std::max(highest, *std::ranges::max_element(line));
-  }
-  return highest;
+Colors colors_of_map(const Picture& picture) {
+  const TgaHeader& header = picture.header;
+  Colors colors(header.map_first);
+  const size_t entry_bytes = bytes_for(header.map_depth);
+  for (size_t at = 0; at < picture.map.size(); at += entry_bytes)
+    colors.push_back(color_at(&picture.map[at], header.map_depth, picture.alpha));
+  return colors;
+}
+
+// The depth that has a place for every colour of the map and for every index: one outside the map is black.
+int depth_of_indices(const Picture& picture, size_t colors) {
+  int depth = depth_for_colors(colors);
+  const auto has_no_place = [&](const uint8_t* pixel) { return *pixel >> depth != 0; };
+  while (depth < 8 && any_pixel(picture, has_no_place)) depth = depth == 1 ? 4 : 8;
+  return depth;
 }
 
 HGLOBAL read_indexed(const Picture& picture) {
-  const Colors& map = picture.map;
+  const Colors map = colors_of_map(picture);
   if (picture.header.depth == 16) {
     return read_colors(picture, [&](const uint8_t* pixel) {
       const size_t index = pixel[0] | static_cast<size_t>(pixel[1]) << 8;
       return index < map.size() ? map[index] : color(0, 0, 0);
     });
   }
-  // An index outside the map is black, so it needs a place in the table.
-  int depth = depth_for_colors(map.size());
-  if (depth < 8) depth = std::max(depth, depth_for_colors(highest_index(picture) + 1));
+  const int depth = depth_of_indices(picture, map.size());
   return read_lines(picture, depth, map,
                     [&](std::span<const uint8_t> line, std::span<uint8_t> row) { pack_indices(line, depth, row); });
 }
 
 HGLOBAL read_gray(const Picture& picture) {
-  const size_t pixel_bytes = picture.pixel_bytes();
-  const bool with_alpha = pixel_bytes == 2 && has_alpha(picture.header);
+  const TgaHeader& header = picture.header;
+  if (header.depth == 8) return read_as_stored(picture, gray_ramp(8));
   return read_lines(picture, 8, gray_ramp(8), [&](std::span<const uint8_t> line, std::span<uint8_t> row) {
-    for (size_t x = 0; x < picture.header.width; ++x) {
-      const uint8_t* pixel = &line[x * pixel_bytes];
-      row[x] = with_alpha ? over_white(pixel[0], pixel[1]) : pixel[0];
-    }
+    for (size_t x = 0; x < header.width; ++x)
+      row[x] = gray_at(&line[x * picture.pixel_bytes()], header.depth, picture.alpha);
   });
+}
+
+HGLOBAL read_true_color(const Picture& picture) {
+  const int depth = picture.header.depth;
+  if (depth == 24) return read_as_stored(picture, {});
+  return read_colors(picture, [&](const uint8_t* pixel) { return color_at(pixel, depth, picture.alpha); });
 }
 
 }  // namespace
 
+void check_tga_start(std::span<const uint8_t> start) {
+  ByteSource source(start);
+  take_sound_header(source);
+}
+
 HGLOBAL read_tga(std::span<const uint8_t> file) {
   const Picture picture = parse(file);
-  const int depth = picture.header.depth;
-  const bool with_alpha = has_alpha(picture.header);
   switch (picture.header.base_kind()) {
     case TgaHeader::kIndexed: return read_indexed(picture);
     case TgaHeader::kGray: return read_gray(picture);
-    default: return read_colors(picture, [=](const uint8_t* pixel) { return color_at(pixel, depth, with_alpha); });
+    default: return read_true_color(picture);
   }
 }
 

@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <array>
 #include <limits>
 
+#include "common/byte_source.h"
 #include "common/entry.h"
 #include "tga/tga.h"
 
@@ -49,7 +49,9 @@ TgaWriter::TgaWriter(const SourceDib& dib, bool is_compressed) : dib_(dib) {
   const bool is_gray = dib.depth() == 8 && is_gray_ramp(dib);
   const bool is_indexed = dib.depth() <= 8 && !is_gray;
   const int kind = is_indexed ? TgaHeader::kIndexed : is_gray ? TgaHeader::kGray : TgaHeader::kColor;
-  header_.kind = static_cast<uint8_t>(kind | (is_compressed ? TgaHeader::kRunLength : 0));
+  // Format detection takes packets and a map together for a metafile.
+  const bool has_packets = is_compressed && !is_indexed;
+  header_.kind = static_cast<uint8_t>(kind | (has_packets ? TgaHeader::kRunLength : 0));
   header_.has_map = is_indexed ? 1 : 0;
   header_.map_count = static_cast<uint16_t>(is_indexed ? dib.colors().size() : 0);
   header_.map_depth = is_indexed ? 24 : 0;
@@ -59,7 +61,7 @@ TgaWriter::TgaWriter(const SourceDib& dib, bool is_compressed) : dib_(dib) {
 }
 
 void TgaWriter::write(const OutputFile& file) const {
-  file.write({reinterpret_cast<const uint8_t*>(&header_), sizeof header_});
+  file.write(bytes_of(header_));
   if (header_.has_map == 1) write_map(file);
   write_rows(file);
 }
@@ -82,11 +84,7 @@ void TgaWriter::write_rows(const OutputFile& file) const {
 }
 
 void write_tga_footer(const OutputFile& file) {
-  constexpr size_t kOffsets = 8;  // of two areas that may stand behind the pixels; 0 where there is none
-  static constexpr char kSignature[] = "TRUEVISION-XFILE.";
-  std::array<uint8_t, kOffsets + sizeof kSignature> footer{};
-  std::ranges::copy(kSignature, &footer[kOffsets]);
-  file.write(footer);
+  file.write(bytes_of(TgaFooter{.extension = 0, .developer_area = 0, .signature = TgaFooter::kSignature}));
 }
 
 }  // namespace codec

@@ -10,8 +10,6 @@ namespace {
 
 bool is_black_on_white(const SourceDib& dib) { return same_colors(dib.colors(), {color(255, 255, 255), color(0, 0, 0)}); }
 
-int brightness(RGBQUAD color) { return 299 * color.rgbRed + 587 * color.rgbGreen + 114 * color.rgbBlue; }
-
 bool suits(const SourceDib& dib, int compression) {
   switch (compression) {
     case COMPRESSION_NONE:

@@ -9,12 +9,13 @@ by_imagemagick() {
   convert "$1.tga" -auto-orient -background white -flatten -depth 16 "source/$1.miff"
   expect "$1.tga" 1 "$2" "source/$1.miff"
 }
+convert source/palette16.png source/palette16.ppm
 for corner in TopLeft TopRight BottomLeft BottomRight; do
   by_imagemagick "tga-$corner" 24 source/color.ppm -orient "$corner"
+  by_imagemagick "tga-$corner-packets" 24 source/palette16.ppm -orient "$corner" -compress rle
 done
 by_imagemagick tga-16-colors 4 source/palette16.png
 by_imagemagick tga-256-colors 8 source/palette256.png
-by_imagemagick tga-packets 24 source/color.ppm -compress rle
 convert source/color.ppm \( source/gray.pgm -negate \) -alpha off -compose CopyOpacity -composite source/tga-alpha.png
 by_imagemagick tga-alpha 24 source/tga-alpha.png -compress rle
 
@@ -24,7 +25,6 @@ by_netpbm_tga() {
   tgatoppm "$1.tga" >"source/$1.ppm" 2>/dev/null
   expect "$1.tga" 1 "$2" "source/$1.ppm"
 }
-convert source/palette16.png source/palette16.ppm
 by_netpbm_tga tga-map 4 source/palette16.ppm -cmap -norle
 by_netpbm_tga tga-color 24 source/color.ppm -rgb
 by_netpbm_tga tga-gray 8 source/gray.pgm -mono

@@ -12,6 +12,7 @@
 #ifndef _WIN32
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #endif
 
 using namespace test;
@@ -65,9 +66,10 @@ struct Variant {
     bytes[1] = static_cast<uint8_t>(version);
     bytes[2] = static_cast<uint8_t>(encoding);
     bytes[3] = static_cast<uint8_t>(plane_depth);
-    word(4, 3);  // pictures need not begin at 0
+    word(4, 3);  // pictures need not begin at 0, 0
+    word(6, 1);
     word(8, 3 + width - 1);
-    word(10, height - 1);
+    word(10, 1 + height - 1);
     word(12, dpi_x);
     word(14, dpi_y);
     for (size_t i = 0; i < colors * 3; ++i) bytes[16 + i] = static_cast<uint8_t>(i + 1);
@@ -115,6 +117,8 @@ TEST_F(PcxTest, SavedBytesAreAsOthersReadThem) {
 
 TEST_F(PcxTest, VariantsLoad) {
   const Bytes with_table = joined({1, 0, 12}, Bytes(768, 0x11)), padded = joined(with_table, Bytes(100));
+  Bytes ramp(768 + 38);  // padded so that its entry 12 looks like the mark of a table that ends the file
+  for (size_t i = 0; i < 768; ++i) ramp[i] = static_cast<uint8_t>(i / 3);
   const struct {
     const char* name;
     Variant variant;
@@ -134,12 +138,20 @@ TEST_F(PcxTest, VariantsLoad) {
        {0x16, 0x90},
        4,
        "0000AA AA5500 5555FF"},
+      {"sixteen greys",
+       {.version = 3, .plane_depth = 4, .width = 3, .palette_kind = 2},
+       {0x16, 0x90},
+       4,
+       "111111 666666 999999"},
+      {"four greys", {.planes = 2, .width = 4, .palette_kind = 2}, {0x50, 0, 0x30, 0}, 4, "000000 555555 AAAAAA FFFFFF"},
       {"plain", {.encoding = 0, .plane_depth = 8, .planes = 3, .width = 2}, {0xC1, 2, 3, 4, 5, 6}, 24, "C10305 020406"},
       {"a run over planes", {.plane_depth = 8, .planes = 3, .width = 2}, {0xC4, 7, 0xC0, 1, 8, 9}, 24, "070708 070709"},
       {"alpha", {.plane_depth = 8, .planes = 4, .width = 2}, {1, 1, 2, 2, 3, 3, 0xC1, 0xFF, 0}, 24, "010203 FFFFFF"},
       {"grey", {.plane_depth = 8, .width = 2, .palette_kind = 2}, {0xC1, 0xFE, 5}, 8, "FEFEFE 050505"},
       {"table", {.plane_depth = 8, .width = 2, .palette_kind = 1}, with_table, 8, "111111 111111"},
       {"padding after the table", {.plane_depth = 8, .width = 2}, padded, 8, "111111 111111"},
+      {"padding after a ramp", {.plane_depth = 8, .width = 2}, joined({1, 0, 12}, ramp), 8, "010101 000000"},
+      {"padding before the table", {.plane_depth = 8, .width = 2}, joined({1, 0}, with_table), 8, "111111 111111"},
   };
   for (const auto& [name, variant, data, depth, picture] : kVariants) {
     SCOPED_TRACE(name);
@@ -160,11 +172,10 @@ TEST_F(PcxTest, RefusesWhatIsNotRead) {
   for (const Variant& variant :
        {Variant{.version = 1}, Variant{.version = 6}, Variant{.encoding = 2}, Variant{.plane_depth = 3},
         Variant{.planes = 0}, Variant{.planes = 5}, Variant{.plane_depth = 2, .planes = 2}, Variant{.plane_bytes = 1},
-        Variant{.width = 0}, Variant{.height = 0}, Variant{.width = 60'000, .height = 65'000},
-        Variant{.plane_bytes = 65'535, .width = 65'000, .height = 65'000}, Variant{.encoding = 0, .height = 501},
-        Variant{.plane_depth = 8, .width = 2, .height = 500, .palette_kind = 1}}) {
+        Variant{.width = 0}, Variant{.height = 0}, Variant{.plane_bytes = 65'535, .width = 65'000, .height = 65'000},
+        Variant{.encoding = 0, .height = 501}, Variant{.plane_depth = 8, .width = 2, .height = 500, .palette_kind = 1}}) {
     EXPECT_EQ(load(variant.file(data)), Bytes());
-    EXPECT_NE(status, IMG_OK);
+    EXPECT_EQ(status, IMG_E_FORMAT);
   }
   Bytes unsigned_file = Variant{}.file(data);
   unsigned_file[0] = 11;
@@ -182,6 +193,24 @@ TEST_F(PcxTest, FilesThatAreCutOffDoNotLoad) {
       EXPECT_EQ(status, IMG_E_FORMAT);
     }
   }
+  ASSERT_TRUE(modules.make_dcx(path.c_str(), &status) && add(noise(3, 3, 1)));
+  const Bytes pages = read_file(path);
+  for (size_t size = 0; size < 4100 + 128; size += size == 16 ? 4080 : 1) {
+    write_file(path, {pages.begin(), pages.begin() + static_cast<std::ptrdiff_t>(size)});
+    EXPECT_EQ(load_page(1), Bytes()) << size;
+    EXPECT_EQ(status, IMG_E_FORMAT);
+  }
+}
+
+TEST_F(PcxTest, PicturesOfOneColorComeBackAndLookTheSameWithoutTheTable) {
+  for (const int depth : {1, 4})
+    for (const uint8_t value : {uint8_t{0}, uint8_t{255}}) {
+      Bytes dib = noise(16, 1, depth);
+      std::fill_n(dib.begin() + 40, 4 << depth, value);
+      const Bytes file = saved(dib);
+      EXPECT_EQ(file[129], depth == 1 ? value : 0) << depth;
+      EXPECT_EQ(largest_difference(load(file), dib), 0) << depth;
+    }
 }
 
 TEST_F(PcxTest, SaverLeavesTheFileWhenItRefuses) {
@@ -235,6 +264,15 @@ TEST_F(PcxTest, DcxDirectoriesOfOthers) {
   EXPECT_EQ(largest_difference(load_page(1), noise(20, 9, 8)), 0);
   EXPECT_EQ(largest_difference(load_page(2), noise(3, 3, 1)), 0);
 
+  // What is behind the end of a directory need not be 0, and a file need not have what its directory has room for.
+  for (const Bytes& file : {joined({0xB1, 0x68, 0xDE, 0x3A, 20, 0, 0, 0, 0, 0, 0, 0, 9, 9, 9, 9, 0, 0, 0, 0}, picture),
+                            Bytes{0xB1, 0x68, 0xDE, 0x3A, 0, 64, 0, 0, 0, 0, 0, 0}}) {
+    write_file(path, file);
+    EXPECT_TRUE(add(noise(3, 3, 1)));
+    EXPECT_EQ(modules.count_pages(path.c_str(), nullptr), 2);
+    EXPECT_EQ(largest_difference(load_page(2), noise(3, 3, 1)), 0);
+  }
+
   Bytes full = joined({0xB1, 0x68, 0xDE, 0x3A}, Bytes(4096, 1));
   write_file(path, full);
   EXPECT_EQ(modules.count_pages(path.c_str(), nullptr), 1023);
@@ -249,7 +287,28 @@ TEST_F(PcxTest, DcxDirectoriesOfOthers) {
   EXPECT_EQ(status, IMG_E_FORMAT);
 }
 
+// The euro sign of Windows, and no text at all in UTF-8.
+TEST_F(PcxTest, NamesAreTheSystemsOwn) {
+  path += "\x80.dcx";
+  ASSERT_TRUE(modules.make_dcx(path.c_str(), &status));
+  ASSERT_TRUE(add(noise(20, 9, 8))) << status;
+  EXPECT_EQ(largest_difference(load_page(1), noise(20, 9, 8)), 0) << status;
+}
+
 #ifndef _WIN32
+TEST_F(PcxTest, TheHeaderIsLookedAtBeforeTheWholeFile) {
+  write_file(path, {});
+  std::filesystem::resize_file(path, uint64_t{1} << 40);  // more than fits memory
+  EXPECT_EQ(modules.load_pcx(path.c_str(), &status), nullptr);
+  EXPECT_EQ(status, IMG_E_FORMAT);
+}
+
+TEST_F(PcxTest, PipesAreNotWaitedFor) {
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  EXPECT_EQ(modules.load_pcx(path.c_str(), &status), nullptr);
+  EXPECT_EQ(status, IMG_E_OPEN_FILE);
+}
+
 TEST_F(PcxTest, DcxFileIsAsBeforeWhenThereIsNoRoomForAPage) {
   ASSERT_TRUE(modules.make_dcx(path.c_str(), &status));
   ASSERT_TRUE(add(noise(20, 9, 8)));

@@ -1,4 +1,5 @@
 // TGA files through the entry points of their modules.
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -65,17 +66,26 @@ struct Variant {
   }
 };
 
+Bytes with_gray_ramp(Bytes dib) {
+  for (size_t i = 0; i < 256 * 4; ++i) dib[40 + i] = static_cast<uint8_t>(i % 4 == 3 ? 0 : i / 4);
+  return dib;
+}
+
+// Through the library too, which must not take any of them for files of another format.
 TEST_F(TgaTest, PicturesComeBack) {
   for (const int depth : {1, 4, 8, 24})
     for (const int width : {1, 7, 8, 9, 300})
       for (const int run_length : {0, 1}) {
         SCOPED_TRACE(testing::Message() << depth << " bits, " << width << " wide, packets " << run_length);
-        const Bytes dib = noise(width, 5, depth), loaded = load(saved(dib, run_length));
-        ASSERT_EQ(status, IMG_OK);
+        const Bytes dib = noise(width, 5, depth);
+        ASSERT_TRUE(SaveDIBInImageFormat(path.c_str(), block_of(dib).get(), IMG_FORMAT_TGA, 0, run_length));
+        const Bytes loaded = bytes_of(Block(LoadImageIntoDIB(path.c_str(), 1, nullptr)).get());
         EXPECT_EQ(header_of(loaded).biBitCount, depth);
         EXPECT_EQ(header_of(loaded).biXPelsPerMeter, 0);
         EXPECT_EQ(largest_difference(loaded, dib), 0);
       }
+  const Bytes gray = with_gray_ramp(noise(300, 5, 8));
+  EXPECT_EQ(largest_difference(load(saved(gray, 1)), gray), 0);
 }
 
 TEST_F(TgaTest, SavedBytesAreAsOthersReadThem) {
@@ -93,9 +103,7 @@ TEST_F(TgaTest, SavedBytesAreAsOthersReadThem) {
   EXPECT_EQ(std::string(with_footer.end() - 26, with_footer.end()),
             std::string(8, '\0') + std::string("TRUEVISION-XFILE.", 18));
 
-  Bytes ramp(256 * 4);
-  for (size_t i = 0; i < ramp.size(); ++i) ramp[i] = static_cast<uint8_t>(i % 4 == 3 ? 0 : i / 4);
-  const Bytes gray = saved(with_header(header_for(3, 1, 8), joined(ramp, {5, 5, 6, 0})), 1, 0);
+  const Bytes gray = saved(with_gray_ramp(with_header(header_for(3, 1, 8), joined(Bytes(256 * 4), {5, 5, 6, 0}))), 1, 0);
   EXPECT_EQ(Bytes(gray.begin(), gray.begin() + 8), Bytes({0, 0, 11, 0, 0, 0, 0, 0}));
   EXPECT_EQ(Bytes(gray.begin() + 18, gray.end()), Bytes({2, 5, 5, 6}));
 }
@@ -126,6 +134,9 @@ TEST_F(TgaTest, VariantsLoad) {
       {"16 bits with alpha", {.depth = 16, .descriptor = 1}, {0x1F, 0x80, 0x1F, 0}, 24, "0000FF FFFFFF"},
       {"32 bits without alpha", {.depth = 32}, {1, 2, 3, 0, 4, 5, 6, 0}, 24, "030201 060504"},
       {"32 bits with alpha", {.depth = 32, .descriptor = 8}, {1, 2, 3, 255, 0, 0, 0, 51}, 24, "030201 CCCCCC"},
+      {"16 bits with no alpha set", {.kind = 10, .depth = 16, .descriptor = 1}, {0x81, 0x1F, 0}, 24, "0000FF 0000FF"},
+      {"32 bits with no alpha set", {.depth = 32, .descriptor = 8}, {1, 2, 3, 0, 4, 5, 6, 0}, 24, "030201 060504"},
+      {"grey with no alpha set", {.kind = 3, .depth = 16, .descriptor = 8}, {9, 0, 7, 0}, 8, "090909 070707"},
       {"grey with alpha", {.kind = 3, .depth = 16, .descriptor = 8}, {9, 255, 0, 51}, 8, "090909 CCCCCC"},
       {"an unused map", {.kind = 3, .depth = 8, .map_count = 1, .map_depth = 15}, {77, 77, 8, 9}, 8, "080808 090909"},
       {"two colours",
@@ -148,11 +159,21 @@ TEST_F(TgaTest, VariantsLoad) {
        {1, 2, 3, 4, 5, 6, 1, 19},
        8,
        "060504 000000"},
+      {"packets with an index outside",
+       {.kind = 9, .depth = 8, .map_count = 2, .map_depth = 24},
+       {1, 2, 3, 4, 5, 6, 0x81, 15},
+       4,
+       "000000 000000"},
       {"a map with alpha",
        {.kind = 1, .depth = 8, .descriptor = 8, .map_count = 2, .map_depth = 32},
        {1, 2, 3, 255, 0, 0, 0, 51, 0, 1},
        1,
        "030201 CCCCCC"},
+      {"a map with no alpha set",
+       {.kind = 1, .depth = 8, .descriptor = 8, .map_count = 1, .map_depth = 32},
+       {1, 2, 3, 0, 0, 0},
+       1,
+       "030201 030201"},
       {"indices of 16 bits",
        {.kind = 1, .depth = 16, .map_first = 300, .map_count = 1, .map_depth = 24},
        {1, 2, 3, 44, 1, 45, 1},
@@ -166,6 +187,25 @@ TEST_F(TgaTest, VariantsLoad) {
     EXPECT_EQ(header_of(dib).biBitCount, depth);
     EXPECT_EQ(picture_of(dib), picture);
   }
+}
+
+TEST_F(TgaTest, TheExtensionAreaSaysWhatAlphaIs) {
+  const std::string opaque = "030201 1E140A", straight = "030201 D2D0CE", premultiplied = "030201 EAE0D6";
+  const Bytes picture = Variant{.depth = 32, .descriptor = 8}.file({1, 2, 3, 255, 10, 20, 30, 51});
+  Bytes extension(495), footer(8);
+  extension[0] = 0xEF, extension[1] = 1;  // its size
+  footer[0] = static_cast<uint8_t>(picture.size());
+  for (const char c : std::string("TRUEVISION-XFILE.", 18)) footer.push_back(static_cast<uint8_t>(c));
+  for (const auto& [kind, expected] :
+       {std::pair(0, opaque), {1, opaque}, {2, opaque}, {3, straight}, {4, premultiplied}, {5, straight}}) {
+    extension[494] = static_cast<uint8_t>(kind);
+    Bytes file = joined(joined(picture, extension), footer);
+    EXPECT_EQ(picture_of(load(file)), expected) << kind;
+    file[file.size() - 26] = 0;
+    EXPECT_EQ(picture_of(load(file)), straight);
+  }
+  footer[3] = 0xFF;
+  EXPECT_EQ(picture_of(load(joined(picture, footer))), straight);
 }
 
 TEST_F(TgaTest, RefusesWhatIsNotRead) {
@@ -183,6 +223,15 @@ TEST_F(TgaTest, RefusesWhatIsNotRead) {
   EXPECT_EQ(load_tga(folder.path("none").c_str(), &status), nullptr);
   EXPECT_EQ(status, IMG_E_OPEN_FILE);
 }
+
+#ifndef _WIN32
+TEST_F(TgaTest, TheHeaderIsLookedAtBeforeTheWholeFile) {
+  write_file(path, {});
+  std::filesystem::resize_file(path, uint64_t{1} << 40);  // more than fits memory
+  EXPECT_EQ(load_tga(path.c_str(), &status), nullptr);
+  EXPECT_EQ(status, IMG_E_FORMAT);
+}
+#endif
 
 TEST_F(TgaTest, FilesThatAreCutOffDoNotLoad) {
   for (const int depth : {1, 4, 8, 24})
