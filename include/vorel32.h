@@ -355,7 +355,8 @@ VOREL_API HGLOBAL VORELCALL LoadImageIntoDIB(LPCSTR path, int page, int* status)
  *  format  an ImgFormat. PNG files and page sets can be loaded but not saved
  *  option  GIF: 1 stores the rows interlaced, 0 in order. Other formats do not look at it
  *  value   TIFF: the compression by its TIFF number, see ImgSaveTiff; 0 picks one. TGA: 0 stores plain rows, anything else
- *          run-length compressed ones. Other formats do not look at it; JPEG files get quality 75
+ *          run-length compressed ones where there is no colour table. Other formats do not look at it; JPEG files get
+ *          quality 75
  *  A DCX file that is there already gains a page; every other file is replaced.
  *  Returns what the saver returned: TRUE once the file is written. FALSE: the codes of SaveDIB for bitmap files; no code for
  *  a format that is not saved, when a module is missing and when it fails. */
