@@ -342,8 +342,9 @@ typedef enum ImgFormat {
 VOREL_API int VORELCALL GetImageFormat(LPCSTR path);
 
 /** Loads an image file of any kind. Bitmap files and colour fax page sets are read by the library itself; TIFF, PCX, DCX,
- *  GIF, TGA, CALS, JPEG and PNG files by a codec module, which is looked for in the folder of the library first and then
- *  where the system looks for modules. A missing module is told in a message box (on Linux: on the standard error stream).
+ *  GIF, TGA, CALS, JPEG and PNG files by a codec module, which is looked for in the folder of the library and, if there is
+ *  no file of its name, where the system looks for modules. A missing module is told in a message box (on Linux: on the
+ *  standard error stream).
  *  page    of TIFF, DCX, GIF files and page sets, counted from 1; not looked at for other kinds
  *  status  takes the loader's account of a failure; may be NULL. PCX, DCX, GIF and PNG files and page sets report there (see
  *          "Codec modules"), other kinds leave it as it is
