@@ -27,8 +27,9 @@
  *  serialised by the caller. Long operations show the wait cursor and restore the previous one (Windows). A thread that
  *  memory is too short for to keep its error code is ended inside the call that it made.
  *
- *  PATHS are zero-terminated: in the system's ANSI code page and of at most 127 characters on Windows, where a name without
- *  a folder is also looked for in the system's folders; plain bytes of any length on Linux. A null path cannot be opened.
+ *  PATHS are zero-terminated: in the system's ANSI code page on Windows, plain bytes on Linux. A name without a folder is in
+ *  the current folder. On Windows bitmap files and colour fax page sets are opened by paths of at most 127 characters, and
+ *  by a name without a folder also in the system's folders. A null path cannot be opened.
  */
 #ifndef VOREL32_H
 #define VOREL32_H

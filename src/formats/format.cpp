@@ -65,7 +65,7 @@ bool is_called_tga(const char* path) {
 
 FileStart read_file_start(const char* path) {
   FileStart start;
-  if (const auto file = OwnedFile::open_for_reading(path)) {
+  if (const auto file = OwnedFile::open_as_named(path)) {
     const int64_t count = file->read(start.bytes.data(), start.bytes.size());
     start.count = static_cast<size_t>(std::max<int64_t>(0, count));
   }
