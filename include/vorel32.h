@@ -365,7 +365,8 @@ VOREL_API HGLOBAL VORELCALL LoadImageIntoDIB(LPCSTR path, int page, int* status)
 VOREL_API BOOL VORELCALL SaveDIBInImageFormat(LPCSTR path, HGLOBAL dib, int format, int option, int value);
 
 /** Counts the pages of a colour fax page set: its "TotalPages".
- *  Returns -1 when the file does not exist (IMG_E_OPEN_FILE) or has no such entry (no code), so for other kinds of file too. */
+ *  Returns -1 when the file does not exist (IMG_E_OPEN_FILE), when memory is short (IMG_E_MEMORY), and when there is no such
+ *  entry (no code), so for other kinds of file too. */
 VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
 
 /** Loads a page of a colour fax page set.

@@ -2,9 +2,11 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
 #include <string>
 
 #include "dib/header.h"
+#include "dib/packed_dib.h"
 #include "formats/image_file.h"
 #include "platform/file.h"
 #include "platform/profile.h"
@@ -179,10 +181,10 @@ Result<HGLOBAL> merged_page(const Profile& profile, const PageSet& set, Place pl
 
 }  // namespace
 
-std::optional<int> pages_in_fax_set(const char* path) {
+Result<int> pages_in_fax_set(const char* path) {
   const auto file = find_file(path);
-  if (!file) return std::nullopt;
-  return Profile(*file).number(kSetSection, kTotalPages, -1);
+  if (!file) return Error::kOpenFile;
+  return Profile(*file).number(kSetSection, kTotalPages, kUnknownPages);
 }
 
 Result<HGLOBAL> load_fax_page(const LoadRequest& request) {

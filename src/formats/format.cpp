@@ -53,6 +53,11 @@ bool is_text(const FileStart& start) {
   return carriage_return != std::string_view::npos && start.bytes[carriage_return + 1] == '\n';
 }
 
+bool is_page_set(const char* path) {
+  const auto pages = pages_in_fax_set(path);
+  return pages && *pages >= 1;
+}
+
 // TGA files have no signature; their name counts, with or without a dot.
 bool is_called_tga(const char* path) {
   const std::string_view name = path == nullptr ? "" : path;
@@ -82,7 +87,7 @@ ImgFormat recognise(const FileStart& start, const char* path) {
   if (is_clipboard_file(start)) return IMG_FORMAT_CLIPBOARD;
   if (is_metafile(start)) return IMG_FORMAT_METAFILE;
   if (is_enhanced_metafile(start)) return IMG_FORMAT_ENHANCED_METAFILE;
-  if (pages_in_fax_set(path).value_or(0) >= 1) return IMG_FORMAT_COLOR_FAX;
+  if (is_page_set(path)) return IMG_FORMAT_COLOR_FAX;
   if (is_called_tga(path)) return IMG_FORMAT_TGA;
   if (is_jpeg(start)) return IMG_FORMAT_JPEG;
   if (is_cals(start)) return IMG_FORMAT_CALS;
