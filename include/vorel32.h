@@ -380,7 +380,7 @@ VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
  *  Returns a DIB handle: with one plane the plane's image as it is, else a 4-bit DIB whose 16 colours have red in plane 0,
  *  green in plane 1, blue in plane 2 and full brightness in plane 3. NULL: IMG_E_OPEN_FILE (the set does not exist),
  *  IMG_E_MEMORY, the codes of LoadImageIntoDIB for a plane; no code for a page out of range, for a BitsPixel other than 1, for
- *  Planes outside 1 to 4 and for planes that are not 1-bit images of one size. */
+ *  Planes outside 1 to 4 and for planes that are not 1-bit images of one size with all their rows. */
 VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status);
 
 /* ---- Codec modules -------------------------------------------------------------------------------------------------- */

@@ -39,6 +39,12 @@ class FaxSet : public testing::Test {
   void describe(const std::string& facts, const std::string& sections) const {
     describe("[ColorFax]\nBitsPixel=1\n" + facts + "\n" + sections);
   }
+  // Adds a plane to a DCX file.
+  std::string add(const std::string& name, int plane, int width) const {
+    const Block image = block_of(plane_image(plane, width, 3));
+    EXPECT_TRUE(SaveDIBInImageFormat(folder_.path(name).c_str(), image.get(), IMG_FORMAT_DCX, 0, 0));
+    return folder_.path(name);
+  }
   Bytes load(int page = 1) {
     SetImgError(0);
     status_ = 77;
@@ -48,6 +54,17 @@ class FaxSet : public testing::Test {
     EXPECT_TRUE(load(page).empty()) << why;
     EXPECT_EQ(ImgError(), code) << why;
     EXPECT_EQ(status_, code == 0 ? 77 : code) << why;
+  }
+
+  static void expect_planes(const Bytes& page, int planes, int width, int height) {
+    const BITMAPINFOHEADER header = header_of(page);
+    ASSERT_TRUE(header.biWidth == width && header.biHeight == height && header.biBitCount == 4) << planes << " " << width;
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x) {
+        uint32_t expected = 0;
+        for (int i = 0; i < planes; ++i) expected |= is_set(i, x, y) ? 8u >> i : 0;
+        ASSERT_EQ(pixel(page, x, y), expected) << planes << " " << width << " " << x << " " << y;
+      }
   }
 
   TempFolder folder_;
@@ -65,17 +82,11 @@ TEST_F(FaxSet, PlanesBecomeColours) {
       describe(fmt::format("TotalPages=1\nPlanes={0}\nFiles={0}", planes), section);
       const Bytes page = load();
       const BITMAPINFOHEADER header = header_of(page);
-      ASSERT_EQ(header.biBitCount, 4) << planes << " " << width;
       EXPECT_EQ(page.size(), 40 + 64 + stride_of(width, 4) * 6);
       EXPECT_EQ(header.biSizeImage, stride_of(width, 4) * 6);
       EXPECT_TRUE(header.biXPelsPerMeter == 8000 && header.biYPelsPerMeter == 4000);
       EXPECT_TRUE(header.biClrUsed == 16 && header.biClrImportant == 16);
-      for (int y = 0; y < 6; ++y)
-        for (int x = 0; x < width; ++x) {
-          uint32_t expected = 0;
-          for (int i = 0; i < planes; ++i) expected |= is_set(i, x, y) ? 8u >> i : 0;
-          ASSERT_EQ(pixel(page, x, y), expected) << planes << " " << width << " " << x << " " << y;
-        }
+      expect_planes(page, planes, width, 6);
     }
 }
 
@@ -101,24 +112,50 @@ TEST_F(FaxSet, OnePlaneIsGivenAsItIs) {
   EXPECT_EQ(pixel(load(3), 8, 3), pixel(image, 8, 3));
 }
 
-// Two DCX files of two pages of two planes each; every image has a width of its own.
+// Two DCX files of two pages of two planes each; every page has a width of its own.
 TEST_F(FaxSet, FilesOfSeveralImagesAreWalked) {
   int width = 10;
   for (const char* name : {"a.dcx", "b.dcx"})
     for (int page = 0; page < 2; ++page, ++width)
-      for (int plane = 0; plane < 2; ++plane) {
-        const Block image = block_of(plane_image(plane, width, 3));
-        ASSERT_TRUE(SaveDIBInImageFormat(folder_.path(name).c_str(), image.get(), IMG_FORMAT_DCX, 0, 0));
-      }
-  const std::string sections =
-      fmt::format("[File1]\nName={}\nPages=2\n[File2]\nName={}\nPages=2\n", folder_.path("a.dcx"), folder_.path("b.dcx"));
-  describe("TotalPages=4\nPlanes=2\nFiles=2", sections);
-  EXPECT_EQ(header_of(load(1)).biWidth, 10);
-  EXPECT_EQ(header_of(load(2)).biWidth, 11);
-  EXPECT_TRUE(load(3).empty()) << "the first page of a further file is looked for past the end of the file before";
-  EXPECT_EQ(status_, IMG_E_PARAMETER);
-  EXPECT_EQ(header_of(load(4)).biWidth, 13);
-  EXPECT_EQ(header_of(bytes_of(Block(LoadImageIntoDIB(set_.c_str(), 4, &status_)).get())).biBitCount, 4);
+      for (int plane = 0; plane < 2; ++plane) add(name, plane, width);
+  for (int first : {1, 3}) {
+    describe(fmt::format("FirstPage={}\nTotalPages={}\nPlanes=2\nFiles=2", first, first + 3),
+             fmt::format("[File{}]\nName={}\nPages=2\n[File{}]\nName={}\nPages=2\n", first, folder_.path("a.dcx"), first + 1,
+                         folder_.path("b.dcx")));
+    expect_planes(load(1), 2, 10, 3);
+    expect_planes(load(2), 2, 11, 3);
+    EXPECT_TRUE(load(3).empty()) << "the first page of a further file is looked for past the end of the file before";
+    EXPECT_EQ(status_, IMG_E_PARAMETER);
+    expect_planes(load(4), 2, 13, 3);
+    expect_planes(bytes_of(Block(LoadImageIntoDIB(set_.c_str(), 4, &status_)).get()), 2, 13, 3);
+  }
+}
+
+TEST_F(FaxSet, FilesOfTheirOwnAreAskedForTheImageOfThePagesNumber) {
+  std::string sections;
+  for (int page : {1, 2}) {
+    sections += fmt::format("[Page{}]\n", page);
+    for (int plane : {0, 1}) {
+      sections += fmt::format("Plane{}={}\n", plane, add(fmt::format("{}.dcx", plane), plane, 20 + page));
+    }
+  }
+  describe("TotalPages=2\nPlanes=2\nFiles=4", sections);
+  for (int page : {1, 2}) expect_planes(load(page), 2, 20 + page, 3);
+}
+
+TEST_F(FaxSet, SetsInsideSetsEndAtEight) {
+  const Bytes plane = plane_image(0, 8, 8);
+  std::string inner = put("plane.bmp", plane);
+  for (int depth = 1; depth <= 9; ++depth) {
+    set_ = folder_.path(fmt::format("{}.fax", depth));
+    describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + inner);
+    if (depth == 9) {
+      expect_refused(0, "nine sets");
+    } else {
+      EXPECT_EQ(picture_of(load()), picture_of(plane)) << depth;
+    }
+    inner = set_;
+  }
 }
 
 TEST_F(FaxSet, BadSetsAreRefused) {
@@ -128,7 +165,17 @@ TEST_F(FaxSet, BadSetsAreRefused) {
     describe("TotalPages=1\nPlanes=2\nFiles=2", "[Page1]\nPlane0=" + first + "\nPlane1=" + second);
   };
   two(small, wide);
-  expect_refused(0, "planes of two sizes");
+  expect_refused(0, "planes of two widths");
+  two(small, put("high.bmp", plane_image(0, 8, 9)));
+  expect_refused(0, "planes of two heights");
+  Bytes odd = plane_image(0, 8, 8);
+  odd[16] = BI_RLE8;
+  two(small, put("compressed.bmp", odd));
+  expect_refused(0, "a compressed plane");
+  odd = plane_image(0, 8, 8);
+  odd[20] = 8 * 4 - 1;
+  two(put("cut.bmp", odd), small);
+  expect_refused(0, "a plane whose block ends before its rows do");
   two(gray, gray);
   expect_refused(0, "planes of 8 bits");
   two(small, "");
@@ -143,8 +190,10 @@ TEST_F(FaxSet, BadSetsAreRefused) {
     describe(fmt::format("TotalPages=1\nPlanes={0}\nFiles={0}", planes), "[Page1]\nPlane0=" + small);
     expect_refused(0, planes);
   }
-  describe("TotalPages=2147483647\nPlanes=2\nFiles=2147483647", "[File1]\nName=" + gray);
+  describe("TotalPages=2147483647\nPlanes=1\nFiles=2147483646", "[File1]\nName=" + gray);
   expect_refused(IMG_E_FORMAT, "two thousand million files", 2147483647);
+  describe("TotalPages=2147483647\nPlanes=2\nFiles=2147483647", "[File1]\nName=" + small);
+  expect_refused(0, "an image of a number that no file can have", 2147483647);
   describe("[ColorFax]\nTotalPages=1\nPlanes=1\nFiles=1\nBitsPixel=2\n[Page1]\nPlane0=" + small);
   expect_refused(0, "2 bits per pixel");
   describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + small);
