@@ -366,15 +366,16 @@ VOREL_API BOOL VORELCALL SaveDIBInImageFormat(LPCSTR path, HGLOBAL dib, int form
 
 /** Counts the pages of a colour fax page set: its "TotalPages".
  *  Returns -1 when the file does not exist (IMG_E_OPEN_FILE), when memory is short (IMG_E_MEMORY), and when there is no such
- *  entry (no code), so for other kinds of file too. */
+ *  entry (no code), so for other kinds of file too and for whatever is larger than 1 MB. */
 VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
 
 /** Loads a page of a colour fax page set.
- *  The set is a text in the form of an initialisation file. Its section "ColorFax" states TotalPages, FirstPage (the number
- *  of the first page, 1 if left out), Planes (1 to 4), BitsPixel (1) and Files. Where Files is TotalPages times Planes, the
- *  section "Page1", "Page2", ... names the file of each plane as Plane0 to Plane3. Otherwise the sections "File%u", counted
- *  from FirstPage, give the Name of a file that holds several pages, plane after plane, and how many Pages it holds. Names
- *  of at most 128 characters are files as LoadImageIntoDIB takes them; a relative one counts from the current folder.
+ *  The set is a text in the form of an initialisation file, of at most 1 MB. Its section "ColorFax" states TotalPages,
+ *  FirstPage (the number of the first page, 1 if left out), Planes (1 to 4), BitsPixel (1) and Files. Where Files is
+ *  TotalPages times Planes, the section "Page1", "Page2", ... names the file of each plane as Plane0 to Plane3. Otherwise
+ *  the sections "File%u", counted from FirstPage, give the Name of a file that holds several pages, plane after plane,
+ *  and how many Pages it holds. Names of at most 128 characters are files as LoadImageIntoDIB takes them; a relative one
+ *  counts from the current folder.
  *  page    counted from 1
  *  status  3 when the set does not exist, else what loading a plane reports there; may be NULL
  *  Returns a DIB handle: with one plane the plane's image as it is, else a 4-bit DIB whose 16 colours have red in plane 0,

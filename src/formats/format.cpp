@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "formats/fax_set.h"
+#include "platform/ascii.h"
 #include "platform/file.h"
 
 namespace vorel {
@@ -61,9 +62,7 @@ bool is_page_set(const char* path) {
 // TGA files have no signature; their name counts, with or without a dot.
 bool is_called_tga(const char* path) {
   const std::string_view name = path == nullptr ? "" : path;
-  if (name.size() < 3) return false;
-  return std::ranges::equal(name.substr(name.size() - 3), std::string_view("TGA"),
-                            [](char c, char wanted) { return (c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c) == wanted; });
+  return name.size() >= 3 && equal_ignoring_case(name.substr(name.size() - 3), "TGA");
 }
 
 }  // namespace
