@@ -27,8 +27,9 @@
  *  serialised by the caller. Long operations show the wait cursor and restore the previous one (Windows). A thread that
  *  memory is too short for to keep its error code is ended inside the call that it made.
  *
- *  PATHS are zero-terminated: in the system's ANSI code page and of at most 127 characters on Windows, where a name without
- *  a folder is also looked for in the system's folders; plain bytes of any length on Linux. A null path cannot be opened.
+ *  PATHS are zero-terminated: in the system's ANSI code page on Windows, plain bytes on Linux. A name without a folder is in
+ *  the current folder. On Windows bitmap files and colour fax page sets are opened by paths of at most 127 characters, and
+ *  by a name without a folder also in the system's folders. A null path cannot be opened.
  */
 #ifndef VOREL32_H
 #define VOREL32_H
@@ -342,8 +343,9 @@ typedef enum ImgFormat {
 VOREL_API int VORELCALL GetImageFormat(LPCSTR path);
 
 /** Loads an image file of any kind. Bitmap files and colour fax page sets are read by the library itself; TIFF, PCX, DCX,
- *  GIF, TGA, CALS, JPEG and PNG files by a codec module, which is looked for in the folder of the library first and then
- *  where the system looks for modules. A missing module is told in a message box (on Linux: on the standard error stream).
+ *  GIF, TGA, CALS, JPEG and PNG files by a codec module, which is looked for in the folder of the library and, if there is
+ *  no file of its name, where the system looks for modules. A missing module is told in a message box (on Linux: on the
+ *  standard error stream).
  *  page    of TIFF, DCX, GIF files and page sets, counted from 1; not looked at for other kinds
  *  status  takes the loader's account of a failure; may be NULL. PCX, DCX, GIF and PNG files and page sets report there (see
  *          "Codec modules"), other kinds leave it as it is
@@ -363,21 +365,23 @@ VOREL_API HGLOBAL VORELCALL LoadImageIntoDIB(LPCSTR path, int page, int* status)
 VOREL_API BOOL VORELCALL SaveDIBInImageFormat(LPCSTR path, HGLOBAL dib, int format, int option, int value);
 
 /** Counts the pages of a colour fax page set: its "TotalPages".
- *  Returns -1 when the file does not exist (IMG_E_OPEN_FILE) or has no such entry (no code), so for other kinds of file too. */
+ *  Returns -1 when the file does not exist (IMG_E_OPEN_FILE), when memory is short (IMG_E_MEMORY), and when there is no such
+ *  entry (no code), so for other kinds of file too and for whatever is larger than 1 MB. */
 VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
 
 /** Loads a page of a colour fax page set.
- *  The set is a text in the form of an initialisation file. Its section "ColorFax" states TotalPages, FirstPage (the number
- *  of the first page, 1 if left out), Planes (1 to 4), BitsPixel (1) and Files. Where Files is TotalPages times Planes, the
- *  section "Page1", "Page2", ... names the file of each plane as Plane0 to Plane3. Otherwise the sections "File%u", counted
- *  from FirstPage, give the Name of a file that holds several pages, plane after plane, and how many Pages it holds. Names
- *  of at most 128 characters are files as LoadImageIntoDIB takes them; a relative one counts from the current folder.
+ *  The set is a text in the form of an initialisation file, of at most 1 MB. Its section "ColorFax" states TotalPages,
+ *  FirstPage (the number of the first page, 1 if left out), Planes (1 to 4), BitsPixel (1) and Files. Where Files is
+ *  TotalPages times Planes, the section "Page1", "Page2", ... names the file of each plane as Plane0 to Plane3. Otherwise
+ *  the sections "File%u", counted from FirstPage, give the Name of a file that holds several pages, plane after plane,
+ *  and how many Pages it holds. Names of at most 128 characters are files as LoadImageIntoDIB takes them; a relative one
+ *  counts from the current folder.
  *  page    counted from 1
  *  status  3 when the set does not exist, else what loading a plane reports there; may be NULL
  *  Returns a DIB handle: with one plane the plane's image as it is, else a 4-bit DIB whose 16 colours have red in plane 0,
  *  green in plane 1, blue in plane 2 and full brightness in plane 3. NULL: IMG_E_OPEN_FILE (the set does not exist),
  *  IMG_E_MEMORY, the codes of LoadImageIntoDIB for a plane; no code for a page out of range, for a BitsPixel other than 1, for
- *  Planes outside 1 to 4 and for planes that are not 1-bit images of one size. */
+ *  Planes outside 1 to 4 and for planes that are not 1-bit images of one size with all their rows. */
 VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status);
 
 /* ---- Codec modules -------------------------------------------------------------------------------------------------- */

@@ -112,4 +112,10 @@ class OwnedDib {
   std::optional<LockedBlock> lock_;  // declared after the block, so that it is unlocked before it is freed
 };
 
+// What an operation has made, handed to the caller.
+inline Result<HGLOBAL> released(Result<OwnedDib> dib) {
+  if (!dib) return dib.error();
+  return dib->release();
+}
+
 }  // namespace vorel

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <type_traits>
 #include <utility>
 
 #include "frame/error.h"
@@ -60,12 +61,16 @@ class Both {
   Second second_;
 };
 
-// Runs an export's body, which returns a Result, and returns its value or zero.
+// What a body gives when it succeeds.
+template <class Body>
+using BoundaryValue = std::decay_t<decltype(*std::declval<Body>()())>;
+
+// Runs an export's body, which returns a Result, and returns its value or, on failure, zero unless the export has another
+// value for it.
 //
 // Only exceptions are stopped: ending the thread, which is how a thread without a context goes, may unwind through here.
 template <class Report, class Body>
-auto at_boundary(Report how, Body&& body) {
-  using Value = std::decay_t<decltype(*body())>;
+BoundaryValue<Body> at_boundary(Report how, Body&& body, BoundaryValue<Body> failure = {}) {
   Error error = Error::kMemory;
   try {
     auto result = std::forward<Body>(body)();
@@ -75,7 +80,7 @@ auto at_boundary(Report how, Body&& body) {
     // Running out of memory is the only thing the standard library's own types fail at here.
   }
   how.report(error);
-  return Value{};
+  return failure;
 }
 
 // The same for exports that report nothing.

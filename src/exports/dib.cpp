@@ -33,11 +33,7 @@ UINT VORELCALL PaletteSize(void* header) {
 }
 
 HGLOBAL VORELCALL ReadDIBInfo(HFILE file) {
-  return at_boundary(ThreadCode{}, [&]() -> Result<HGLOBAL> {
-    auto dib = read_dib_info(FileRef(file));
-    if (!dib) return dib.error();
-    return dib->release();
-  });
+  return at_boundary(ThreadCode{}, [&] { return released(read_dib_info(FileRef(file))); });
 }
 
 BOOL VORELCALL InvertDIBPalette(HGLOBAL dib) {
@@ -64,11 +60,7 @@ void VORELCALL InvertMonoDIB(HGLOBAL dib) {
 }
 
 HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path) {
-  return at_boundary(ThreadCode{}, [&]() -> Result<HGLOBAL> {
-    auto dib = load_dib(path);
-    if (!dib) return dib.error();
-    return dib->release();
-  });
+  return at_boundary(ThreadCode{}, [&] { return released(load_dib(path)); });
 }
 
 BOOL VORELCALL SaveDIB(LPCSTR path, HGLOBAL dib) {

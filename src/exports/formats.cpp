@@ -24,12 +24,8 @@ BOOL VORELCALL SaveDIBInImageFormat(LPCSTR path, HGLOBAL dib, int format, int op
 }
 
 int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path) {
-  constexpr int kUnknown = -1;  // the one export whose failure is not zero
-  return at_silent_boundary([&]() -> Result<int> {
-    const auto pages = pages_in_fax_set(path);
-    if (!pages) set_thread_error(Error::kOpenFile);
-    return pages.value_or(kUnknown);
-  });
+  return at_boundary(
+      ThreadCode{}, [&] { return pages_in_fax_set(path); }, kUnknownPages);
 }
 
 HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status) {

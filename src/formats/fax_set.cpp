@@ -1,10 +1,15 @@
 #include "formats/fax_set.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "dib/header.h"
+#include "dib/packed_dib.h"
 #include "formats/image_file.h"
 #include "platform/file.h"
 #include "platform/profile.h"
@@ -66,8 +71,8 @@ Place place_in_own_file(const PageSet& set, int page) {
   return {"Page" + std::to_string(page - set.first_page + 1), "Plane0", page};
 }
 
-// The first page of every file but the first is looked for in the file before, past its last image. Sets in use are made
-// that way.
+// The first page of every file but the first is looked for in the file before, past its last image. That rule is kept: to
+// count in another way would give the callers of a set other pages.
 Place place_in_shared_file(const Profile& profile, const PageSet& set, int page) {
   const auto section_of = [&](int64_t file) {
     return "File" + std::to_string(static_cast<uint32_t>(set.first_page + file));
@@ -82,7 +87,8 @@ Place place_in_shared_file(const Profile& profile, const PageSet& set, int page)
   return {section, "Name", (page - start) * set.planes + 1};
 }
 
-// A plane's image, whole. None for what is no 1-bit picture of the wanted size.
+// A plane's image. None for what is no 1-bit picture, and for a block shorter than its rows: to complete it would let a few
+// bytes ask for gigabytes.
 class PlaneImage {
  public:
   static std::optional<PlaneImage> lock(HGLOBAL image) {
@@ -92,25 +98,24 @@ class PlaneImage {
     if (header.depth != 1 || header.compression != Compression::kNone || header.width <= 0 || header.height <= 0) {
       return std::nullopt;
     }
-    auto bytes = dib->complete(kRowsOffset + row_stride(1, header.width) * static_cast<uint32_t>(header.height));
-    if (!bytes) return std::nullopt;
-    return PlaneImage(std::move(*dib), std::move(*bytes));
+    const ByteCount bytes = kRowsOffset + row_stride(1, header.width) * static_cast<uint32_t>(header.height);
+    if (bytes > ByteCount(dib->block().size())) return std::nullopt;
+    return PlaneImage(std::move(*dib));
   }
 
   const DibHeader& header() const { return dib_.header(); }
   ConstDibView rows() const {
     const auto stride = static_cast<std::ptrdiff_t>(row_stride(1, header().width).value());
-    return {bytes_.bytes().data() + kRowsOffset, stride, header().width, header().height, 1};
+    return {dib_.block().data() + kRowsOffset, stride, header().width, header().height, 1};
   }
 
  private:
   // The rows are taken to lie behind two colours, whatever the header counts.
   static constexpr uint32_t kRowsOffset = kHeaderBytes + 2 * sizeof(Rgb);
 
-  PlaneImage(LockedDib dib, CompleteBytes bytes) : dib_(std::move(dib)), bytes_(std::move(bytes)) {}
+  explicit PlaneImage(LockedDib dib) : dib_(std::move(dib)) {}
 
   LockedDib dib_;
-  CompleteBytes bytes_;
 };
 
 // The 4-bit picture that the planes of a page go into.
@@ -156,6 +161,7 @@ Result<HGLOBAL> merged_page(const Profile& profile, const PageSet& set, Place pl
   for (int plane = 0; plane < set.planes; ++plane) {
     if (plane > 0 && set.has_file_per_plane()) place.key = "Plane" + std::to_string(plane);
     if (plane > 0 && !set.has_file_per_plane()) ++place.image;
+    if (!std::in_range<int>(place.image)) return Error::kUnreported;
     const std::string name = profile.text(place.section.c_str(), place.key.c_str(), kMostNameCharacters);
     auto loaded = load_image({.path = name.c_str(),
                               .page = static_cast<int>(place.image),
@@ -179,10 +185,10 @@ Result<HGLOBAL> merged_page(const Profile& profile, const PageSet& set, Place pl
 
 }  // namespace
 
-std::optional<int> pages_in_fax_set(const char* path) {
+Result<int> pages_in_fax_set(const char* path) {
   const auto file = find_file(path);
-  if (!file) return std::nullopt;
-  return Profile(*file).number(kSetSection, kTotalPages, -1);
+  if (!file) return Error::kOpenFile;
+  return Profile(*file).number(kSetSection, kTotalPages, kUnknownPages);
 }
 
 Result<HGLOBAL> load_fax_page(const LoadRequest& request) {
@@ -207,6 +213,7 @@ void merge_plane(ConstDibView bits, DibView merged, int plane) {
     const uint8_t* from = bits.row_from_top(y).data();
     uint8_t* to = merged.row_from_top(y).data();
     const auto add = [&](uint8_t byte, int count) {
+      if (byte == 0) return;  // what is never written to takes no memory
       for (int i = 0; i < count; ++i) to[i] = static_cast<uint8_t>(to[i] | kSpread[byte][static_cast<size_t>(i)] >> plane);
     };
     for (int i = 0; i < whole_bytes; ++i, to += 4) add(from[i], 4);

@@ -1,18 +1,18 @@
 // Colour fax page sets: a text that lists the files of a page's colour planes.
 #pragma once
 
-#include <optional>
-
-#include "dib/packed_dib.h"
 #include "dib/view.h"
 #include "frame/error.h"
+#include "platform/win32.h"
 
 namespace vorel {
 
 struct LoadRequest;
 
-// None if the file does not exist, -1 if it does not say.
-std::optional<int> pages_in_fax_set(const char* path);
+// How many pages a file has that does not say.
+inline constexpr int kUnknownPages = -1;
+
+Result<int> pages_in_fax_set(const char* path);
 
 Result<HGLOBAL> load_fax_page(const LoadRequest& request);
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "formats/fax_set.h"
+#include "platform/ascii.h"
 #include "platform/file.h"
 
 namespace vorel {
@@ -53,19 +54,22 @@ bool is_text(const FileStart& start) {
   return carriage_return != std::string_view::npos && start.bytes[carriage_return + 1] == '\n';
 }
 
+bool is_page_set(const char* path) {
+  const auto pages = pages_in_fax_set(path);
+  return pages && *pages >= 1;
+}
+
 // TGA files have no signature; their name counts, with or without a dot.
 bool is_called_tga(const char* path) {
   const std::string_view name = path == nullptr ? "" : path;
-  if (name.size() < 3) return false;
-  return std::ranges::equal(name.substr(name.size() - 3), std::string_view("TGA"),
-                            [](char c, char wanted) { return (c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c) == wanted; });
+  return name.size() >= 3 && equal_ignoring_case(name.substr(name.size() - 3), "TGA");
 }
 
 }  // namespace
 
 FileStart read_file_start(const char* path) {
   FileStart start;
-  if (const auto file = OwnedFile::open_for_reading(path)) {
+  if (const auto file = OwnedFile::open_as_named(path)) {
     const int64_t count = file->read(start.bytes.data(), start.bytes.size());
     start.count = static_cast<size_t>(std::max<int64_t>(0, count));
   }
@@ -82,7 +86,7 @@ ImgFormat recognise(const FileStart& start, const char* path) {
   if (is_clipboard_file(start)) return IMG_FORMAT_CLIPBOARD;
   if (is_metafile(start)) return IMG_FORMAT_METAFILE;
   if (is_enhanced_metafile(start)) return IMG_FORMAT_ENHANCED_METAFILE;
-  if (pages_in_fax_set(path).value_or(0) >= 1) return IMG_FORMAT_COLOR_FAX;
+  if (is_page_set(path)) return IMG_FORMAT_COLOR_FAX;
   if (is_called_tga(path)) return IMG_FORMAT_TGA;
   if (is_jpeg(start)) return IMG_FORMAT_JPEG;
   if (is_cals(start)) return IMG_FORMAT_CALS;

@@ -21,11 +21,7 @@ Result<HGLOBAL> loaded(HGLOBAL dib) {
   return dib;
 }
 
-Result<HGLOBAL> load_bitmap(const LoadRequest& request) {
-  auto dib = load_dib(request.path);
-  if (!dib) return dib.error();
-  return dib->release();
-}
+Result<HGLOBAL> load_bitmap(const LoadRequest& request) { return released(load_dib(request.path)); }
 
 Result<HGLOBAL> load_page_set(const LoadRequest& request) {
   if (request.enclosing_sets >= kMostEnclosingSets) return Error::kUnreported;

@@ -1,4 +1,4 @@
-// Files by their classic handles. Windows goes through OpenFile, _hread and their kin, Linux through file descriptors.
+// Files by their classic handles. Windows goes through OpenFile, _lopen, _hread and their kin, Linux through file descriptors.
 #pragma once
 
 #include <cstddef>
@@ -38,8 +38,11 @@ class FileRef {
 // An open file that is closed with its scope.
 class OwnedFile : public FileRef {
  public:
-  // Folders and null paths cannot be opened, nor pipes for reading.
+  // Folders and null paths cannot be opened, nor pipes for reading. On Windows OpenFile does it, which takes no path of more
+  // than 127 characters and looks for a bare name in the system's folders too.
   static std::optional<OwnedFile> open_for_reading(const char* path);
+  // Takes the path as it stands: it may be longer, and a bare name is in the current folder alone.
+  static std::optional<OwnedFile> open_as_named(const char* path);
   static std::optional<OwnedFile> create(const char* path);
 
   OwnedFile(OwnedFile&& other) noexcept : FileRef(std::exchange(other.handle_, HFILE_ERROR)) {}

@@ -12,8 +12,8 @@ std::string module_file_name(const char* name);
 // A module for a scope.
 class LoadedModule {
  public:
-  // Looks in the folder of this library first, so that no file of the same name elsewhere can stand in for an installed
-  // module, and then wherever the system looks.
+  // Looks in the folder of this library first and, if there is no file of this name, wherever the system looks. No file
+  // elsewhere can stand in for an installed module, not even for one that does not load.
   explicit LoadedModule(const char* file_name);
   LoadedModule(const LoadedModule&) = delete;
   LoadedModule& operator=(const LoadedModule&) = delete;

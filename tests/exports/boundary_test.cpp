@@ -59,6 +59,7 @@ TEST(Boundary, ExceptionsBecomeTheMemoryCode) {
   EXPECT_EQ(code, 1);
   EXPECT_EQ(at_boundary(ClearedVariable(&code), too_long), 0);
   EXPECT_EQ(code, 1);
+  EXPECT_EQ(at_boundary(ThreadCode{}, runs_out, -1), -1) << "an export whose failure is not zero";
 }
 
 }  // namespace

@@ -41,6 +41,7 @@ struct Export {
 const Export kExports[] = {
     {"LoadDIBFromFile", [](HGLOBAL, const std::string& path) { Block(LoadDIBFromFile(path.c_str())); }},
     {"SaveDIB", [](HGLOBAL dib, const std::string& path) { SaveDIB((path + ".saved").c_str(), dib); }},
+    {"GetImageFormat", [](HGLOBAL, const std::string& path) { GetImageFormat(path.c_str()); }},
     {"CompressDIB", [](HGLOBAL dib, const std::string&) { Block(CompressDIB(dib)); }},
     {"ExpandCompressedDIB",
      [](HGLOBAL dib, const std::string&) { Block(ExpandCompressedDIB(Block(CompressDIB(dib)).get())); }},
@@ -52,6 +53,50 @@ const Export kExports[] = {
     {"FlipDIBVertical", [](HGLOBAL dib, const std::string&) { Block(FlipDIBVertical(dib)); }},
     {"FlipDIBHorizontal", [](HGLOBAL dib, const std::string&) { Block(FlipDIBHorizontal(dib)); }},
 };
+
+std::string beside(const std::string& path, const char* name) {
+  return std::filesystem::path(path).replace_filename(name).string();
+}
+
+// A page set of two planes beside a path; the second may be missing.
+void write_set(const std::string& path, const char* second_plane) {
+  write_file(beside(path, "plane.bmp"), file_of(noise(30, 20, 1)));
+  const std::string text =
+      "[ColorFax]\nTotalPages=1\nPlanes=2\nFiles=2\nBitsPixel=1\n[Page1]\nPlane0=" + beside(path, "plane.bmp") +
+      "\nPlane1=" + beside(path, second_plane);
+  write_file(path, {text.begin(), text.end()});
+}
+
+// A TIFF file and page sets are what these go by; DIBs go through the modules' own tests.
+const Export kFileExports[] = {
+    {"SaveDIBInImageFormat, TIFF",
+     [](HGLOBAL dib, const std::string& path) {
+       EXPECT_TRUE(SaveDIBInImageFormat(beside(path, "a.tif").c_str(), dib, IMG_FORMAT_TIFF, 0, 0));
+     }},
+    {"LoadImageIntoDIB, TIFF",
+     [](HGLOBAL, const std::string& path) {
+       EXPECT_TRUE(Block(LoadImageIntoDIB(beside(path, "a.tif").c_str(), 1, nullptr)));
+     }},
+    {"GetNumberOfImagesInFaxFile",
+     [](HGLOBAL, const std::string& path) { EXPECT_EQ(GetNumberOfImagesInFaxFile(beside(path, "good.fax").c_str()), 1); }},
+    {"LoadColorFaxPage",
+     [](HGLOBAL, const std::string& path) {
+       EXPECT_TRUE(Block(LoadColorFaxPage(beside(path, "good.fax").c_str(), 1, nullptr)));
+     }},
+    {"LoadColorFaxPage, second plane missing",
+     [](HGLOBAL, const std::string& path) {
+       EXPECT_FALSE(Block(LoadColorFaxPage(beside(path, "broken.fax").c_str(), 1, nullptr)));
+     }},
+};
+
+void expect_nothing_left(const Export& e, HGLOBAL dib, const std::string& path, const char* what) {
+  for (int i = 0; i < 20; ++i) e.call(dib, path);  // whatever is kept for the next time
+  const size_t blocks = heap_blocks(), files = open_files();
+  for (int i = 0; i < 300; ++i) e.call(dib, path);
+  EXPECT_LT(heap_blocks(), blocks + 200) << e.name << ", " << what;
+  EXPECT_EQ(open_files(), files) << e.name << ", " << what;
+  EXPECT_EQ(take_locks_back(dib), 0) << e.name << ", " << what;
+}
 
 TEST(NothingIsLeft, OfGoodAndBadInput) {
   BITMAPINFOHEADER too_large = header_for(65'536, 65'536, 8);
@@ -69,14 +114,19 @@ TEST(NothingIsLeft, OfGoodAndBadInput) {
     const std::string path = folder.path("input.bmp");
     write_file(path, bytes);
     const Block dib = block_of(bytes);
-    for (const Export& e : kExports) {
-      e.call(dib.get(), path);  // whatever is kept for the next time
-      const size_t blocks = heap_blocks(), files = open_files();
-      for (int i = 0; i < 300; ++i) e.call(dib.get(), path);
-      EXPECT_LT(heap_blocks(), blocks + 200) << e.name << ", " << what;
-      EXPECT_EQ(open_files(), files) << e.name << ", " << what;
-      EXPECT_EQ(take_locks_back(dib.get()), 0) << e.name << ", " << what;
-    }
+    for (const Export& e : kExports) expect_nothing_left(e, dib.get(), path, what);
+    EXPECT_TRUE(std::filesystem::remove(path)) << "what is open cannot be removed on Windows";
+  }
+}
+
+TEST(NothingIsLeft, OfModulesAndPageSets) {
+  const TempFolder folder;
+  write_set(folder.path("good.fax"), "plane.bmp");
+  write_set(folder.path("broken.fax"), "missing.bmp");
+  const Block dib = block_of(noise(30, 20, 8));
+  for (const Export& e : kFileExports) expect_nothing_left(e, dib.get(), folder.path(""), "good");
+  for (const char* name : {"a.tif", "good.fax", "broken.fax", "plane.bmp"}) {
+    EXPECT_TRUE(std::filesystem::remove(folder.path(name))) << name;
   }
 }
 

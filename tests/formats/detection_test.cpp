@@ -47,6 +47,8 @@ const Row kRows[] = {
     {"TGA by a name without a dot", with(0, {}), 5, "xtga"},
     {"TGA name, other bytes", {0xFF, 0xD8}, 5, "file.tga"},
     {"GIF called TGA", bytes("GIF89a"), 4, "file.tga"},
+    {"CALS called TGA", bytes("srcdocid:"), 5, "file.tga"},
+    {"text called TGA", bytes("one\r\n"), 5, "file.tga"},
     {"empty, called TGA", {}, 5, "file.tga"},
     {"JPEG", {0xFF, 0xD8, 0xFF, 0xE0}, 13},
     {"CALS", with(100, bytes("srcdocid:")), 12},
@@ -63,8 +65,8 @@ const Row kRows[] = {
     {"text with a low byte out of sight", with(0, bytes(std::string(100, 'x') + "\r\n" + std::string(410, 'x'))), 10},
     {"carriage return as last searched byte", bytes(std::string(510, 'x') + "\r\n"), 10},
     {"carriage return past it", bytes(std::string(511, 'x') + "\r\n"), 0},
-    {"PNG", bytes("\x89PNG\r\n\x1A\n"), 10},
-    {"PNG's whole start", {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13}, 14},
+    {"PNG's eight bytes of signature alone are text", bytes("\x89PNG\r\n\x1A\n"), 10},
+    {"PNG", {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13}, 14},
     {"empty", {}, 0},
     {"zeros", Bytes(600), 0},
     {"page set", bytes("[ColorFax]\r\nTotalPages=2\r\n"), 9},
@@ -80,6 +82,18 @@ TEST(Detection, GoesByTheFirstTestThatMatches) {
     EXPECT_EQ(GetImageFormat(folder.path(row.name).c_str()), row.format) << row.what;
   }
   EXPECT_EQ(ImgError(), 7);
+}
+
+TEST(Detection, PathsAreTakenAsTheyStand) {
+  TempFolder folder;
+  std::string name = folder.path("");
+  name.append(180 - name.size(), 'n');
+  write_file(name, bytes("GIF89a"));
+  EXPECT_EQ(GetImageFormat(name.c_str()), IMG_FORMAT_GIF);
+#ifdef _WIN32
+  EXPECT_NE(GetImageFormat("C:\\windows\\win.ini"), IMG_FORMAT_UNKNOWN);
+  EXPECT_EQ(GetImageFormat("win.ini"), IMG_FORMAT_UNKNOWN) << "the system's folders are not looked through";
+#endif
 }
 
 TEST(Detection, WhatCannotBeReadGoesByItsName) {

@@ -9,6 +9,7 @@
 #include "support/dib.h"
 
 using namespace test;
+using namespace std::string_literals;
 
 namespace {
 
@@ -39,6 +40,12 @@ class FaxSet : public testing::Test {
   void describe(const std::string& facts, const std::string& sections) const {
     describe("[ColorFax]\nBitsPixel=1\n" + facts + "\n" + sections);
   }
+  // Adds a plane to a DCX file.
+  std::string add(const std::string& name, int plane, int width) const {
+    const Block image = block_of(plane_image(plane, width, 3));
+    EXPECT_TRUE(SaveDIBInImageFormat(folder_.path(name).c_str(), image.get(), IMG_FORMAT_DCX, 0, 0));
+    return folder_.path(name);
+  }
   Bytes load(int page = 1) {
     SetImgError(0);
     status_ = 77;
@@ -48,6 +55,17 @@ class FaxSet : public testing::Test {
     EXPECT_TRUE(load(page).empty()) << why;
     EXPECT_EQ(ImgError(), code) << why;
     EXPECT_EQ(status_, code == 0 ? 77 : code) << why;
+  }
+
+  static void expect_planes(const Bytes& page, int planes, int width, int height) {
+    const BITMAPINFOHEADER header = header_of(page);
+    ASSERT_TRUE(header.biWidth == width && header.biHeight == height && header.biBitCount == 4) << planes << " " << width;
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x) {
+        uint32_t expected = 0;
+        for (int i = 0; i < planes; ++i) expected |= is_set(i, x, y) ? 8u >> i : 0;
+        ASSERT_EQ(pixel(page, x, y), expected) << planes << " " << width << " " << x << " " << y;
+      }
   }
 
   TempFolder folder_;
@@ -65,17 +83,11 @@ TEST_F(FaxSet, PlanesBecomeColours) {
       describe(fmt::format("TotalPages=1\nPlanes={0}\nFiles={0}", planes), section);
       const Bytes page = load();
       const BITMAPINFOHEADER header = header_of(page);
-      ASSERT_EQ(header.biBitCount, 4) << planes << " " << width;
       EXPECT_EQ(page.size(), 40 + 64 + stride_of(width, 4) * 6);
       EXPECT_EQ(header.biSizeImage, stride_of(width, 4) * 6);
       EXPECT_TRUE(header.biXPelsPerMeter == 8000 && header.biYPelsPerMeter == 4000);
       EXPECT_TRUE(header.biClrUsed == 16 && header.biClrImportant == 16);
-      for (int y = 0; y < 6; ++y)
-        for (int x = 0; x < width; ++x) {
-          uint32_t expected = 0;
-          for (int i = 0; i < planes; ++i) expected |= is_set(i, x, y) ? 8u >> i : 0;
-          ASSERT_EQ(pixel(page, x, y), expected) << planes << " " << width << " " << x << " " << y;
-        }
+      expect_planes(page, planes, width, 6);
     }
 }
 
@@ -101,24 +113,50 @@ TEST_F(FaxSet, OnePlaneIsGivenAsItIs) {
   EXPECT_EQ(pixel(load(3), 8, 3), pixel(image, 8, 3));
 }
 
-// Two DCX files of two pages of two planes each; every image has a width of its own.
+// Two DCX files of two pages of two planes each; every page has a width of its own.
 TEST_F(FaxSet, FilesOfSeveralImagesAreWalked) {
   int width = 10;
   for (const char* name : {"a.dcx", "b.dcx"})
     for (int page = 0; page < 2; ++page, ++width)
-      for (int plane = 0; plane < 2; ++plane) {
-        const Block image = block_of(plane_image(plane, width, 3));
-        ASSERT_TRUE(SaveDIBInImageFormat(folder_.path(name).c_str(), image.get(), IMG_FORMAT_DCX, 0, 0));
-      }
-  const std::string sections =
-      fmt::format("[File1]\nName={}\nPages=2\n[File2]\nName={}\nPages=2\n", folder_.path("a.dcx"), folder_.path("b.dcx"));
-  describe("TotalPages=4\nPlanes=2\nFiles=2", sections);
-  EXPECT_EQ(header_of(load(1)).biWidth, 10);
-  EXPECT_EQ(header_of(load(2)).biWidth, 11);
-  EXPECT_TRUE(load(3).empty()) << "the first page of a further file is looked for past the end of the file before";
-  EXPECT_EQ(status_, IMG_E_PARAMETER);
-  EXPECT_EQ(header_of(load(4)).biWidth, 13);
-  EXPECT_EQ(header_of(bytes_of(Block(LoadImageIntoDIB(set_.c_str(), 4, &status_)).get())).biBitCount, 4);
+      for (int plane = 0; plane < 2; ++plane) add(name, plane, width);
+  for (int first : {1, 3}) {
+    describe(fmt::format("FirstPage={}\nTotalPages={}\nPlanes=2\nFiles=2", first, first + 3),
+             fmt::format("[File{}]\nName={}\nPages=2\n[File{}]\nName={}\nPages=2\n", first, folder_.path("a.dcx"), first + 1,
+                         folder_.path("b.dcx")));
+    expect_planes(load(1), 2, 10, 3);
+    expect_planes(load(2), 2, 11, 3);
+    EXPECT_TRUE(load(3).empty()) << "the first page of a further file is looked for past the end of the file before";
+    EXPECT_EQ(status_, IMG_E_PARAMETER);
+    expect_planes(load(4), 2, 13, 3);
+    expect_planes(bytes_of(Block(LoadImageIntoDIB(set_.c_str(), 4, &status_)).get()), 2, 13, 3);
+  }
+}
+
+TEST_F(FaxSet, FilesOfTheirOwnAreAskedForTheImageOfThePagesNumber) {
+  std::string sections;
+  for (int page : {1, 2}) {
+    sections += fmt::format("[Page{}]\n", page);
+    for (int plane : {0, 1}) {
+      sections += fmt::format("Plane{}={}\n", plane, add(fmt::format("{}.dcx", plane), plane, 20 + page));
+    }
+  }
+  describe("TotalPages=2\nPlanes=2\nFiles=4", sections);
+  for (int page : {1, 2}) expect_planes(load(page), 2, 20 + page, 3);
+}
+
+TEST_F(FaxSet, SetsInsideSetsEndAtEight) {
+  const Bytes plane = plane_image(0, 8, 8);
+  std::string inner = put("plane.bmp", plane);
+  for (int depth = 1; depth <= 9; ++depth) {
+    set_ = folder_.path(fmt::format("{}.fax", depth));
+    describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + inner);
+    if (depth == 9) {
+      expect_refused(0, "nine sets");
+    } else {
+      EXPECT_EQ(picture_of(load()), picture_of(plane)) << depth;
+    }
+    inner = set_;
+  }
 }
 
 TEST_F(FaxSet, BadSetsAreRefused) {
@@ -128,7 +166,17 @@ TEST_F(FaxSet, BadSetsAreRefused) {
     describe("TotalPages=1\nPlanes=2\nFiles=2", "[Page1]\nPlane0=" + first + "\nPlane1=" + second);
   };
   two(small, wide);
-  expect_refused(0, "planes of two sizes");
+  expect_refused(0, "planes of two widths");
+  two(small, put("high.bmp", plane_image(0, 8, 9)));
+  expect_refused(0, "planes of two heights");
+  Bytes odd = plane_image(0, 8, 8);
+  odd[16] = BI_RLE8;
+  two(small, put("compressed.bmp", odd));
+  expect_refused(0, "a compressed plane");
+  odd = plane_image(0, 8, 8);
+  odd[20] = 8 * 4 - 1;
+  two(put("cut.bmp", odd), small);
+  expect_refused(0, "a plane whose block ends before its rows do");
   two(gray, gray);
   expect_refused(0, "planes of 8 bits");
   two(small, "");
@@ -143,8 +191,10 @@ TEST_F(FaxSet, BadSetsAreRefused) {
     describe(fmt::format("TotalPages=1\nPlanes={0}\nFiles={0}", planes), "[Page1]\nPlane0=" + small);
     expect_refused(0, planes);
   }
-  describe("TotalPages=2147483647\nPlanes=2\nFiles=2147483647", "[File1]\nName=" + gray);
+  describe("TotalPages=2147483647\nPlanes=1\nFiles=2147483646", "[File1]\nName=" + gray);
   expect_refused(IMG_E_FORMAT, "two thousand million files", 2147483647);
+  describe("TotalPages=2147483647\nPlanes=2\nFiles=2147483647", "[File1]\nName=" + small);
+  expect_refused(0, "an image of a number that no file can have", 2147483647);
   describe("[ColorFax]\nTotalPages=1\nPlanes=1\nFiles=1\nBitsPixel=2\n[Page1]\nPlane0=" + small);
   expect_refused(0, "2 bits per pixel");
   describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + small);
@@ -168,17 +218,88 @@ TEST_F(FaxSet, NamesOf128CharactersAreWhole) {
   }
 }
 
+// A text in UTF-16, without its byte order mark.
+std::string wide(const std::string& text, bool high_byte_first) {
+  std::string units;
+  for (char c : text) units += high_byte_first ? std::string{'\0', c} : std::string{c, '\0'};
+  return units;
+}
+
+// Both builds take the same numbers from the same texts, although the system's own functions read them on Windows.
 TEST_F(FaxSet, PagesAreCounted) {
-  const auto count = [&](const std::string& text) {
+  const std::string zeros(40, '0');
+  const std::pair<std::string, int> values[] = {{"12 pages", 12},
+                                                {"-3", -3},
+                                                {"+5", 5},
+                                                {"- 5", 0},
+                                                {"017", 17},
+                                                {"0x1f", 31},
+                                                {"0XF", 0},
+                                                {"0o17", 15},
+                                                {"0b102", 2},
+                                                {"-0x10", -16},
+                                                {"0x", 0},
+                                                {"five", 0},
+                                                {"4294967297", 1},
+                                                {zeros.substr(2 + 11) + "12", 12},
+                                                {zeros.substr(1 + 11) + "12", 1},
+                                                {"\" \1\t5\"", 5},
+                                                {"\1\0025", 5},
+                                                {"'5'", 5},
+                                                {"\"5", 0},
+                                                {"", -1},
+                                                {"\"\"", -1},
+                                                {"5\0"
+                                                 "6"s,
+                                                 5},
+                                                {"5\x1A", 5}};
+  SetImgError(5);
+  for (const auto& [value, count] : values) {
+    describe("[ColorFax]\nTotalPages=" + value);
+    EXPECT_EQ(GetNumberOfImagesInFaxFile(set_.c_str()), count) << value;
+  }
+  const std::string set = "[ColorFax]\nTotalPages=7";
+  std::string long_section = "[" + std::string(200'000, 'x') + "]\n";
+  for (int i = 0; i < 20'000; ++i) long_section += std::to_string(i) + "=\n";
+  const std::pair<std::string, int> texts[] = {{"[COLORFAX]\r\n; TotalPages=9\r\n TOTALPAGES\t= 12\r\nTotalPages=13", 12},
+                                               {"TotalPages=9\n[Other]\nTotalPages=9\n[ColorFax]\n", -1},
+                                               {"[ColorFax]\n[x]\n" + set, -1},
+                                               {"[ColorFax]\n[x\nTotalPages=7", 7},
+                                               {"[ ColorFax\t] x\nTotalPages=7", 7},
+                                               {"[ColorFax]]\nTotalPages=7", -1},
+                                               {"[ColorFax\nTotalPages=7", -1},
+                                               {"[ColorFax]\nTotalPages\nTotalPages=7", -1},
+                                               {"[ColorFax]\nTotalPages=\nTotalPages=7", -1},
+                                               {"[ColorFax]\r=\r\x1ATotalPages=7\rTotalPages=8", 7},
+                                               {"[ColorFax]\n\0TotalPages=7"s, -1},
+                                               {"[ColorFax\0x]\nTotalPages\0x=7"s, 7},
+                                               {"\xEF\xBB\xBF" + set, 7},
+                                               {"\xFF\xFE" + wide(set, false), 7},
+                                               {"\xFE\xFF" + wide(set, true), 7},
+                                               {wide(set, false), -1},
+                                               {long_section + set, 7},
+                                               {set + "\n" + std::string((1 << 20) - set.size() - 1, ';'), 7},
+                                               {set + "\n" + std::string((1 << 20) - set.size(), ';'), -1},
+                                               {"", -1}};
+  for (const auto& [text, count] : texts) {
     describe(text);
-    SetImgError(5);
-    return GetNumberOfImagesInFaxFile(set_.c_str());
-  };
-  EXPECT_EQ(count("[COLORFAX]\r\n; TotalPages=9\r\n TOTALPAGES = 12 pages\r\nTotalPages=13"), 12);
-  EXPECT_EQ(count("TotalPages=9\n[Other]\nTotalPages=9\n[ColorFax]\n"), -1);
-  EXPECT_EQ(count("[ColorFax]\nTotalPages=-3"), -3);
-  EXPECT_EQ(count(""), -1);
+    EXPECT_EQ(GetNumberOfImagesInFaxFile(set_.c_str()), count) << text.substr(0, 80);
+    EXPECT_EQ(GetImageFormat(set_.c_str()) == IMG_FORMAT_COLOR_FAX, count > 0) << text.substr(0, 80);
+  }
   EXPECT_EQ(ImgError(), 5);
+}
+
+#ifndef _WIN32
+TEST_F(FaxSet, NamesInUtf16AreFoundAsUtf8) {
+  const Bytes plane = plane_image(0, 8, 8);
+  put("\xC3\xA9\xF0\x9F\x96\xA8.bmp", plane);
+  describe("\xFF\xFE" + wide("[ColorFax]\nBitsPixel=1\nTotalPages=1\nPlanes=1\nFiles=1\n[Page1]\nPlane0=", false) +
+           wide(folder_.path(""), false) + "\xE9\0\x3D\xD8\xA8\xDD"s + wide(".bmp", false));
+  EXPECT_EQ(picture_of(load()), picture_of(plane));
+}
+#endif
+
+TEST_F(FaxSet, MissingSetsSaySo) {
   for (const std::string& missing : {folder_.path("missing"), folder_.path(""), std::string()}) {
     SetImgError(0);
     EXPECT_EQ(GetNumberOfImagesInFaxFile(missing.c_str()), -1);

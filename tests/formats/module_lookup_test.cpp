@@ -63,6 +63,13 @@ bool is_in_memory(const std::string& module) {
 
 const fs::path kBuilt = test::program_folder().parent_path();
 
+// Where the system finds modules by their bare names: on Linux in the run path of this program.
+#ifdef _WIN32
+const fs::path kElsewhere = ".";
+#else
+const fs::path kElsewhere = test::program_folder() / "elsewhere";
+#endif
+
 std::string file_name(const std::string& module) { return module + test::kModuleEnding; }
 
 class ModuleLookup : public testing::Test {
@@ -79,10 +86,21 @@ class ModuleLookup : public testing::Test {
     fs::current_path(kBuilt);
     std::error_code ignored;
     fs::remove_all(folder_, ignored);
+    if (kElsewhere.is_absolute())
+      for (const auto& entry : fs::directory_iterator(kElsewhere)) fs::remove(entry);
   }
 
   void put_module(const std::string& module, const fs::path& folder, const std::string& as) const {
+    fs::remove(folder / file_name(as));
     fs::copy_file(kBuilt / file_name(module), folder / file_name(as));
+  }
+  static std::vector<std::string> taken_calls() {
+    std::vector<std::string> lines;
+    std::ifstream calls("calls.txt");
+    for (std::string line; std::getline(calls, line);) lines.push_back(line);
+    calls.close();
+    fs::remove("calls.txt");
+    return lines;
   }
   static const char* put_file(const char* name, const std::string& content) {
     std::ofstream(name, std::ios::binary) << content;
@@ -120,24 +138,66 @@ class ModuleLookup : public testing::Test {
 using Messages = std::vector<std::string>;
 const std::string kJpegStart = "\xFF\xD8\xFF";
 
-TEST_F(ModuleLookup, AMissingModuleIsNamed) {
-  EXPECT_EQ(shown_by_loading(put_file("a.tif", "II*")), Messages{no_module("MERV32")});
-  EXPECT_EQ(shown_by_loading(put_file("a.pcx", "\n")), Messages{no_module("ODAL32")});
-  EXPECT_EQ(shown_by_loading(put_file("a.dcx", "\xB1\x68\xDE\x3A")), Messages{no_module("ODAL32")});
-  EXPECT_EQ(shown_by_loading(put_file("a.gif", "GIF89a")), Messages{no_module("SUNE32")});
-  EXPECT_EQ(shown_by_loading(put_file("a.tga", "")), Messages{no_module("BRIX32")});
-  EXPECT_EQ(shown_by_loading(put_file("a.cal", "srcdocid:")), Messages{no_module("MERV32")});
-  EXPECT_EQ(shown_by_loading(put_file("a.jpg", kJpegStart)), Messages{no_module("KALO32")});
-  EXPECT_EQ(shown_by_loading(put_file("a.png", "\x89PNG")), Messages{no_module("WERT32")});
+// What is loaded as page 3 with a status of 77, and which call that makes of which module.
+const struct {
+  const char *module, *file;
+  std::string content;
+  const char* call;
+} kLoaded[] = {
+    {"MERV32", "a.tif", "II*", "LoadTiffIntoDIB a.tif 3 null"},
+    {"MERV32", "a.cal", "srcdocid:", "LoadCALSIntoDIB a.cal null"},
+    {"ODAL32", "a.pcx", "\n", "LoadPCXIntoDIB a.pcx &77"},
+    {"ODAL32", "a.dcx", "\xB1\x68\xDE\x3A", "LoadDCXIntoDIB a.dcx 3 &77"},
+    {"SUNE32", "a.gif", "GIF89a", "LoadGIFIntoDIB a.gif 3 &77"},
+    {"BRIX32", "a.tga", "", "LoadTGAIntoDIB a.tga null"},
+    {"KALO32", "a.jpg", kJpegStart, "LoadJPEGIntoDIB a.jpg"},
+    {"WERT32", "a.png", "\x89PNG", "LoadPNGIntoDIB a.png &77"},
+};
 
-  EXPECT_EQ(shown_by_saving("a.tif", IMG_FORMAT_TIFF), Messages{no_module("MERV")});
-  EXPECT_EQ(shown_by_saving("a.cal", IMG_FORMAT_CALS), Messages{no_module("MERV")});
-  EXPECT_EQ(shown_by_saving("a.pcx", IMG_FORMAT_PCX), Messages{no_module("ODAL")});
-  EXPECT_EQ(shown_by_saving("a.gif", IMG_FORMAT_GIF), Messages{no_module("SUNE")});
-  EXPECT_EQ(shown_by_saving("a.tga", IMG_FORMAT_TGA), Messages{no_module("BRIX")});
-  EXPECT_EQ(shown_by_saving("a.jpg", IMG_FORMAT_JPEG), Messages{no_module("KALO")});
-  EXPECT_EQ(shown_by_saving("a.dcx", IMG_FORMAT_DCX), Messages{no_module("ODAL")}) << "the file is there, none is made";
-  EXPECT_EQ(shown_by_saving("new.dcx", IMG_FORMAT_DCX), (Messages{no_module("ODAL"), no_module("ODAL")}));
+// What is saved with option 4 and a value.
+const struct {
+  const char *module, *file;
+  int format, value;
+  std::vector<std::string> calls;
+} kSaved[] = {
+    {"MERV", "a.tif", IMG_FORMAT_TIFF, 6, {"SaveDIBInTiffFormat a.tif dib7 6 1"}},
+    {"MERV", "a.cal", IMG_FORMAT_CALS, 6, {"SAVEDIBINCALSFORMAT a.cal dib7 0 0 0"}},
+    {"ODAL", "a.pcx", IMG_FORMAT_PCX, 6, {"SaveDIBInPCXFormat a.pcx dib7 &6"}},
+    {"ODAL", "there.dcx", IMG_FORMAT_DCX, 6, {"SaveDIBInDCXFormat there.dcx dib7 &6"}},
+    {"ODAL", "new.dcx", IMG_FORMAT_DCX, 6, {"MakeDCXFile new.dcx &6", "SaveDIBInDCXFormat new.dcx dib7 &99"}},
+    {"SUNE", "a.gif", IMG_FORMAT_GIF, 6, {"SaveDIBInGIFFormat a.gif dib7 4 &6"}},
+    {"BRIX", "a.tga", IMG_FORMAT_TGA, 6, {"SaveDIBInTGAFormat a.tga dib7 1 1"}},
+    {"BRIX", "a.tga", IMG_FORMAT_TGA, 0, {"SaveDIBInTGAFormat a.tga dib7 0 1"}},
+    {"KALO", "a.jpg", IMG_FORMAT_JPEG, 6, {"SaveDIBInJPEGFile a.jpg dib7 75"}},
+};
+
+TEST_F(ModuleLookup, AMissingModuleIsNamed) {
+  for (const auto& row : kLoaded)
+    EXPECT_EQ(shown_by_loading(put_file(row.file, row.content)), Messages{no_module(row.module)}) << row.file;
+  put_file("there.dcx", "");
+  for (const auto& row : kSaved)
+    EXPECT_EQ(shown_by_saving(row.file, row.format), Messages(row.calls.size(), no_module(row.module))) << row.file;
+}
+
+TEST_F(ModuleLookup, EveryFormatHasItsCallAndArguments) {
+  const auto load = library_->entry<decltype(&LoadImageIntoDIB)>("LoadImageIntoDIB");
+  const auto save = library_->entry<decltype(&SaveDIBInImageFormat)>("SaveDIBInImageFormat");
+  const auto number = [](HGLOBAL dib) { return reinterpret_cast<intptr_t>(dib); };
+  for (const auto& row : kLoaded) {
+    put_module("RECORDER", folder_, row.module);
+    int status = 77;
+    EXPECT_EQ(number(load(put_file(row.file, row.content), 3, &status)), 1234) << row.file;
+    EXPECT_EQ(taken_calls(), std::vector<std::string>{row.call});
+    EXPECT_EQ(status, std::string(row.call).ends_with("&77") ? 99 : 77) << row.file << ": the caller's own variable";
+    EXPECT_FALSE(is_in_memory(file_name(row.module))) << row.module;
+  }
+  put_file("there.dcx", "");
+  for (const auto& row : kSaved) {
+    put_module("RECORDER", folder_, row.module);
+    EXPECT_EQ(save(row.file, reinterpret_cast<HGLOBAL>(intptr_t{7}), row.format, 4, row.value), 1234) << row.file;
+    EXPECT_EQ(taken_calls(), row.calls);
+    EXPECT_FALSE(is_in_memory(file_name(row.module))) << row.module;
+  }
 }
 
 TEST_F(ModuleLookup, AModuleWithoutTheEntryPointIsNamed) {
@@ -147,10 +207,18 @@ TEST_F(ModuleLookup, AModuleWithoutTheEntryPointIsNamed) {
 }
 
 TEST_F(ModuleLookup, AnInstalledModuleComesBeforeAnyOther) {
+  put_module("WERT32", kElsewhere, "KALO32");
+  EXPECT_EQ(shown_by_loading(put_file("a.jpg", kJpegStart)), Messages{no_entry("KALO32", "LoadJPEGIntoDIB")})
+      << "the system looks elsewhere";
   put_module("KALO32", folder_, "KALO32");
-  put_module("WERT32", ".", "KALO32");
   EXPECT_EQ(shown_by_loading(put_file("a.jpg", kJpegStart)), Messages{});
   EXPECT_FALSE(is_in_memory(file_name("KALO32"))) << "it goes when the call ends";
+}
+
+TEST_F(ModuleLookup, ADamagedModuleIsNotReplaced) {
+  put_module("KALO32", kElsewhere, "KALO32");
+  std::ofstream(folder_ / file_name("KALO32")) << "damaged";
+  EXPECT_EQ(shown_by_loading(put_file("a.jpg", kJpegStart)), Messages{no_module("KALO32")});
 }
 
 #ifdef _WIN32
@@ -161,11 +229,6 @@ TEST_F(ModuleLookup, ThePersonSeesABox) {
   put_module("WERT32", folder_, "BRIX32");
   EXPECT_EQ(load("a.tga", 1, nullptr), nullptr);
   EXPECT_EQ(boxes.seen(), (Messages{no_module("BRIX32"), no_entry("BRIX32", "LoadTGAIntoDIB")}));
-}
-
-TEST_F(ModuleLookup, TheSystemLooksElsewhere) {
-  put_module("WERT32", ".", "KALO32");
-  EXPECT_EQ(shown_by_loading(put_file("a.jpg", kJpegStart)), Messages{no_entry("KALO32", "LoadJPEGIntoDIB")});
 }
 #else
 TEST_F(ModuleLookup, NothingIsLoadedFromTheCurrentFolder) {

@@ -60,6 +60,8 @@ std::optional<OwnedFile> OwnedFile::open_for_reading(const char* path) {
   return OwnedFile(handle);
 }
 
+std::optional<OwnedFile> OwnedFile::open_as_named(const char* path) { return open_for_reading(path); }
+
 std::optional<OwnedFile> OwnedFile::create(const char* path) {
   if (path == nullptr) return std::nullopt;
   const int handle = ::open(path, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);

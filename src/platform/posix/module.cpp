@@ -4,6 +4,8 @@
 #include <dlfcn.h>
 #include <link.h>
 
+#include "platform/file.h"
+
 namespace vorel {
 namespace {
 
@@ -23,10 +25,9 @@ std::string own_folder() {
 
 std::string module_file_name(const char* name) { return std::string(name) + ".so"; }
 
-LoadedModule::LoadedModule(const char* file_name) : handle_(nullptr) {
-  if (const std::string folder = own_folder(); !folder.empty())
-    handle_ = dlopen((folder + '/' + file_name).c_str(), kLoading);
-  if (handle_ == nullptr) handle_ = dlopen(file_name, kLoading);
+LoadedModule::LoadedModule(const char* file_name) {
+  const std::string beside_us = own_folder() + '/' + file_name;
+  handle_ = dlopen(name_exists(beside_us.c_str()) ? beside_us.c_str() : file_name, kLoading);
 }
 
 LoadedModule::~LoadedModule() {

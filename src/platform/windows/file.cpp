@@ -54,6 +54,12 @@ std::optional<OwnedFile> OwnedFile::open_for_reading(const char* path) {
   return OwnedFile(*handle);
 }
 
+std::optional<OwnedFile> OwnedFile::open_as_named(const char* path) {
+  const HFILE handle = path == nullptr ? HFILE_ERROR : _lopen(path, OF_READ);
+  if (handle == HFILE_ERROR) return std::nullopt;
+  return OwnedFile(handle);
+}
+
 std::optional<OwnedFile> OwnedFile::create(const char* path) {
   const auto handle = open_file(path, OF_CREATE | OF_READWRITE);
   if (!handle) return std::nullopt;

@@ -19,11 +19,13 @@ std::wstring own_folder() {
   return path.substr(0, path.find_last_of(L"\\/") + 1);
 }
 
-HMODULE load_beside_us(const std::string& file_name) {
+HMODULE load(const std::string& file_name) {
   const std::wstring folder = own_folder();
-  if (folder.empty()) return nullptr;
-  const std::wstring path = folder + std::wstring(file_name.begin(), file_name.end());
-  return LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);  // what it depends on comes from there too
+  const std::wstring beside_us = folder + std::wstring(file_name.begin(), file_name.end());
+  const bool is_there = !folder.empty() && GetFileAttributesW(beside_us.c_str()) != INVALID_FILE_ATTRIBUTES;
+  if (!is_there) return LoadLibraryA(file_name.c_str());
+  return LoadLibraryExW(beside_us.c_str(), nullptr,
+                        LOAD_WITH_ALTERED_SEARCH_PATH);  // what it depends on comes from there too
 }
 
 HMODULE handle_of(void* module) { return static_cast<HMODULE>(module); }
@@ -32,9 +34,7 @@ HMODULE handle_of(void* module) { return static_cast<HMODULE>(module); }
 
 std::string module_file_name(const char* name) { return std::string(name) + ".DLL"; }
 
-LoadedModule::LoadedModule(const char* file_name) : handle_(load_beside_us(file_name)) {
-  if (handle_ == nullptr) handle_ = LoadLibraryA(file_name);
-}
+LoadedModule::LoadedModule(const char* file_name) : handle_(load(file_name)) {}
 
 LoadedModule::~LoadedModule() {
   if (is_loaded()) FreeLibrary(handle_of(handle_));
