@@ -45,8 +45,9 @@ bool standard_error_is_terminal() { return ::isatty(STDERR_FILENO) != 0; }
 
 CodecModule::CodecModule(const char* name) {
   const auto beside = std::filesystem::path(library_path()).replace_filename(file_name(name));
-  handle_ = ::dlopen(beside.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (handle_ == nullptr) handle_ = ::dlopen(file_name(name).c_str(), RTLD_NOW | RTLD_LOCAL);
+  std::error_code ignored;
+  const bool is_there = std::filesystem::exists(beside, ignored);
+  handle_ = ::dlopen(is_there ? beside.c_str() : file_name(name).c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
 CodecModule::~CodecModule() {

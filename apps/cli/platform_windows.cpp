@@ -64,8 +64,10 @@ std::filesystem::path library() {
 
 CodecModule::CodecModule(const char* name) {
   const auto beside = library().replace_filename(file_name(name));
-  handle_ = LoadLibraryExW(beside.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-  if (handle_ == nullptr) handle_ = LoadLibraryA(file_name(name).c_str());
+  std::error_code ignored;
+  const bool is_there = std::filesystem::exists(beside, ignored);
+  handle_ = is_there ? LoadLibraryExW(beside.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)
+                     : LoadLibraryA(file_name(name).c_str());
 }
 
 CodecModule::~CodecModule() {
