@@ -505,6 +505,63 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */
 
+/* ---- Turning by any angle, skewing, scaling, cutting ---------------------------------------------------------------- */
+
+/** Turns a DIB about its centre by any whole number of degrees, picking the nearest pixel. The result is just large enough, has
+ *  even sides, and 0 (colour 0, black) where the picture does not reach.
+ *  dib      1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
+ *  angle    degrees, positive counter-clockwise
+ *  method   1 steps along rows by counting; any other number follows exact positions and rounds at each pixel
+ *  status   takes 0, or 500 (compressed), 501 (width or height is a multiple of 65,536, 0 for instance), 503 (memory is short),
+ *           505 (not a handle), 506 (null, or another header). The thread's code stays as it was
+ *  corners  takes eight numbers, x and y of the turned corners seen from the centre, in whole pixels: first stored row left and
+ *           right, last stored row right and left; y counts rows as they are stored, upwards. May be NULL
+ *  Resolutions are mixed by the angle. At 0 degrees an odd width or height makes the result one larger, and the source's first
+ *  column or row is not seen in it.
+ *  Returns a DIB handle, or NULL. */
+VOREL_API HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners);
+
+/** Shears a DIB: moves its rows or columns, each by a whole number of pixels. The result is larger by the offset and has 0 where
+ *  the picture does not reach.
+ *  dib        1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
+ *  direction  not 0: rows move right; 0: columns move up
+ *  offset     pixels by which the edge that moves furthest does. Rows: the upper ones if positive, else the lower ones. Columns:
+ *             the right ones if positive, else the left ones
+ *  error      takes the code of a failure; not written on success. May be NULL
+ *  corners    takes eight numbers, x and y of four corners in the result, from the upper left one clockwise, y downwards from the
+ *             top. For columns they are those of the rectangle that the picture has grown to. Written once dib is found good
+ *  Returns a DIB handle, and sets the thread's code to 0. NULL, code in both: IMG_E_PARAMETER (null, or another header),
+ *  IMG_E_LOCK, IMG_E_COMPRESSED, IMG_E_DIB_SIZE (width or height 0), IMG_E_MEMORY. */
+VOREL_API HGLOBAL VORELCALL SkewDIB(HGLOBAL dib, int direction, int offset, int* error, int* corners);
+
+/** Scales a DIB to a size in pixels.
+ *  dib            1 bit: nearest pixel. 4, 8, 24 bits: interpolated, below 24 bits with the nearest colour of the table; black at
+ *                 the beginning of a row becomes colour 0 whatever that is
+ *  mode           0 linear, anything else cubic convolution with a = -1 (Keys, 1981); not looked at for 1 bit
+ *  width, height  of 4, 8 and 24 bits the low 16 bits count
+ *  Resolutions and the rest of the header stay as they are; with 1 bit so does biSizeImage.
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null), IMG_E_MEMORY (also: not a handle), IMG_E_HEADER_BITS (another depth),
+ *  IMG_E_DIB_SIZE (a side of 0, or a picture wider than 65,535 or without pixels); no code for 1 bit. */
+VOREL_API HGLOBAL VORELCALL ScaleDIB(HGLOBAL dib, int mode, unsigned width, unsigned height);
+
+/** Magnifies the lower left part of a grey DIB, interpolating like ScaleDIB.
+ *  dib                 4, 8 or 24 bits. Below 24 bits each colour counts as its grey, (blue + green + red + 1) / 3, and what comes
+ *                      out goes to the colour nearest to that grey; at 24 bits each component is interpolated by itself
+ *  width, height       of the part, from the first stored row and column on, in pixels
+ *  x_factor, y_factor  from 1
+ *  mode                0 linear, anything else cubic
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null, a part that is empty or reaches outside, a factor below 1), IMG_E_MEMORY
+ *  (also: not a handle), IMG_E_HEADER_BITS (another depth), IMG_E_DIB_SIZE (a side of the result is more than 65,535). */
+VOREL_API HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int x_factor, int y_factor, int mode);
+
+/** Cuts a DIB in two at a line.
+ *  line           rows of the upper part, from 1 to one less than all
+ *  first, second  take the handles of the lower and the upper part. Each is set once its block is there; after a failure they
+ *                 may hold handles that are dead
+ *  Both parts state the image size of the first.
+ *  Returns TRUE. FALSE, no code: not a DIB handle, another depth than 1, 4, 8 or 24 bits, a line outside, or memory is short. */
+VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second);
+
 /* ---- Run-length compression ---------------------------------------------------------------------------------------- */
 
 /*  Both functions return a new DIB handle and, unlike most, set the thread's code to 0 when they succeed. They take the

@@ -64,6 +64,11 @@ constexpr ByteCount row_stride(uint32_t bits_per_pixel, int32_t width) {
   return (uint64_t{bits_per_pixel} * static_cast<uint32_t>(width) + 31) / 32 * 4;
 }
 
+// Bytes in the rows of an uncompressed picture, for a width and height of at least 0.
+inline ByteCount rows_bytes(const DibHeader& header) {
+  return row_stride(header.depth, header.width) * static_cast<uint32_t>(header.height);
+}
+
 // Colours that the depth implies: 2, 16 or 256, or none.
 constexpr uint32_t implied_colors(uint32_t depth) { return depth == 1 || depth == 4 || depth == 8 ? 1u << depth : 0; }
 
