@@ -135,6 +135,30 @@ Result<OwnedBitmap> bitmap_of(const LockedDib& dib) {
   return screen ? bitmap_of(dib, screen.get(), colors) : Error::kUnreported;
 }
 
+bool read_back(HBITMAP bitmap, const LockedDib& dib) {
+  const DibHeader& header = dib.header();
+  const auto whole = dib.complete(bytes_read_by_device(header));
+  if (!whole) return false;
+  // The system may write more colours than the DIB has room for.
+  DeviceDibInfo info{.header = header, .colors = {}};
+  const size_t head = static_cast<size_t>(bits_offset(header).value());
+  const auto table =
+      colors_in(*whole).first(std::min(std::size(info.colors), head / sizeof(Rgb) - kHeaderBytes / sizeof(Rgb)));
+  std::ranges::copy(table, info.colors);
+  if (const auto shown = screen_colors())
+    std::ranges::copy(std::span(*shown).first(std::min(shown->size(), table.size())), info.colors);
+
+  const ScreenDc screen;
+  const auto palette = screen_palette();
+  if (!palette) set_thread_error(palette.error());
+  const PaletteSelection selection(screen.get(), palette ? palette->get() : nullptr);
+  GetDIBits(screen.get(), bitmap, 0, static_cast<UINT>(std::abs(header.height)), whole->bytes().data() + head, info.get(),
+            DIB_RGB_COLORS);
+  std::ranges::copy(std::span(info.colors).first(table.size()), table.begin());
+  whole->write_back();
+  return true;
+}
+
 Result<OwnedBitmap> monochrome_copy(HBITMAP bitmap) {
   const auto facts = describe(bitmap);
   if (!facts) return Error::kParameter;
