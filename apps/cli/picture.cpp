@@ -29,7 +29,8 @@ Failure unknown_format(const Input& input, int code) {
       return failure("clipboard files are not loaded by this tool; save the picture as an image file");
     case IMG_FORMAT_TEXT: return failure("this is a text; give a picture file");
     default:
-      return failure("the format is not recognised, or the file is damaged; give a picture file (TGA files go by their name)");
+      return failure(
+          "the format is not recognised, or the file is damaged; give a picture file (TGA files go by their name)");
   }
 }
 

@@ -1,0 +1,100 @@
+#include "cli/pixels.h"
+
+#include <algorithm>
+
+#include "cli/failure.h"
+
+namespace vorel::cli {
+namespace {
+
+void set_image_size(Picture& picture) {
+  picture.header.biSizeImage = static_cast<uint32_t>(stored_row_bytes(picture.header) * row_count(picture.header));
+  const DibLock lock(picture.dib);
+  std::memcpy(lock.bytes().data(), &picture.header, sizeof picture.header);
+}
+
+}  // namespace
+
+Pixels::Pixels(const DibLock& lock)
+    : header_(lock.header()),
+      table_(lock.bytes().subspan(sizeof header_, PaletteSize(lock.bytes().data()))),
+      rows_(lock.pixels()) {}
+
+std::span<uint8_t> Pixels::row(int y) const {
+  const auto stride = static_cast<size_t>(stored_row_bytes(header_));
+  return rows_.subspan(static_cast<size_t>(height() - 1 - y) * stride, stride);
+}
+
+uint32_t Pixels::at(int x, int y) const {
+  const auto bytes = row(y);
+  const size_t bit = static_cast<size_t>(x) * header_.biBitCount, byte = bit / 8;
+  if (depth() == 24) return bytes[byte] | uint32_t{bytes[byte + 1]} << 8 | uint32_t{bytes[byte + 2]} << 16;
+  const auto mask = (1u << depth()) - 1;
+  return bytes[byte] >> (8 - header_.biBitCount - bit % 8) & mask;
+}
+
+void Pixels::set(int x, int y, uint32_t value) {
+  const auto bytes = row(y);
+  const size_t bit = static_cast<size_t>(x) * header_.biBitCount, byte = bit / 8;
+  if (depth() == 24) {
+    for (size_t i = 0; i < 3; ++i) bytes[byte + i] = static_cast<uint8_t>(value >> 8 * i);
+    return;
+  }
+  const size_t shift = 8 - header_.biBitCount - bit % 8;
+  const auto mask = ((1u << depth()) - 1) << shift;
+  bytes[byte] = static_cast<uint8_t>((bytes[byte] & ~mask) | (value << shift & mask));
+}
+
+uint32_t Pixels::color_at(int x, int y) const {
+  const uint32_t value = at(x, y);
+  if (depth() == 24) return value;
+  const size_t entry = size_t{value} * sizeof(RGBQUAD);
+  if (entry + sizeof(RGBQUAD) > table_.size()) return 0;
+  return table_[entry] | uint32_t{table_[entry + 1]} << 8 | uint32_t{table_[entry + 2]} << 16;
+}
+
+Picture blank_like(const Picture& picture, int width, int height, int depth) {
+  Picture blank{.label = picture.label, .header = picture.header, .dib = {}};
+  blank.header.biWidth = width;
+  blank.header.biHeight = height;
+  blank.header.biBitCount = static_cast<uint16_t>(depth);
+  const DibLock source(picture.dib);
+  size_t table = PaletteSize(source.bytes().data());
+  if (depth == 24) table = blank.header.biClrUsed = blank.header.biClrImportant = 0;
+  const uint64_t bytes = sizeof blank.header + table + stored_row_bytes(blank.header) * row_count(blank.header);
+  blank.dib.reset(bytes > INT32_MAX ? nullptr : GlobalAlloc(GHND, static_cast<size_t>(bytes)));
+  if (!blank.dib)
+    throw Failure(ExitCode::kLimit, picture.label, "there is not enough memory for the result; ask for a smaller one");
+  std::ranges::copy(source.bytes().subspan(sizeof blank.header, table),
+                    DibLock(blank.dib).bytes().begin() + sizeof blank.header);
+  set_image_size(blank);
+  return blank;
+}
+
+void complement_bits(Picture& picture) {
+  const DibLock lock(picture.dib);
+  const auto pixels = lock.pixels();
+  const auto used = static_cast<size_t>(pixel_row_bytes(picture.header)),
+             stride = static_cast<size_t>(stored_row_bytes(picture.header));
+  const auto spare_bits = used * 8 - static_cast<size_t>(picture.header.biWidth) * picture.header.biBitCount;
+  for (size_t y = 0; y < row_count(picture.header); ++y) {
+    const auto row = pixels.subspan(y * stride, stride);
+    for (uint8_t& byte : row.first(used)) byte = static_cast<uint8_t>(~byte);
+    row[used - 1] &= static_cast<uint8_t>(0xFF << spare_bits);
+    std::ranges::fill(row.subspan(used), uint8_t{0});
+  }
+}
+
+Picture cut_off(const Picture& picture, int line, Side side) {
+  HGLOBAL below = nullptr, above = nullptr;
+  if (!CutDIB(picture.dib.get(), line, &below, &above))
+    throw Failure(ExitCode::kLimit, picture.label,
+                  "there is not enough memory for the result; close programs or scale it down");
+  Dib parts[] = {Dib(above), Dib(below)};
+  Picture part{.label = picture.label, .header = {}, .dib = std::move(parts[side == Side::kAbove ? 0 : 1])};
+  part.header = DibLock(part.dib).header();
+  set_image_size(part);  // the library gives both the size of the lower part
+  return part;
+}
+
+}  // namespace vorel::cli

@@ -1,0 +1,120 @@
+// vorel combine: paints one picture onto another. The library does so through a display's bitmaps; here it is the same on every
+// machine.
+#include <algorithm>
+#include <fmt/format.h>
+
+#include "cli/pixels.h"
+#include "cli/verbs/extent.h"
+#include "cli/verbs/saving_options.h"
+#include "cli/verbs/transform.h"
+
+namespace vorel::cli {
+namespace {
+
+struct Arguments {
+  std::string base, overlay, output, at = "0,0", mask, mode = "replace";
+  SavingOptions saving;
+};
+
+Picture load(const std::string& name, const Streams& streams) {
+  Picture picture = load_picture(Input(name, streams.input), 1);
+  prepare(picture, Reach::kMovesPixels);
+  return picture;
+}
+
+bool have_same_colors(const Picture& a, const Picture& b) {
+  if (a.header.biBitCount != b.header.biBitCount) return false;
+  const DibLock a_lock(a.dib), b_lock(b.dib);
+  const auto table = [](const DibLock& lock) {
+    return lock.bytes().subspan(sizeof(BITMAPINFOHEADER), PaletteSize(lock.bytes().data()));
+  };
+  return std::ranges::equal(table(a_lock), table(b_lock));
+}
+
+Picture in_true_color(const Picture& picture) {
+  Picture result = blank_like(picture, picture.header.biWidth, picture.header.biHeight, 24);
+  const DibLock source_lock(picture.dib), result_lock(result.dib);
+  const Pixels from(source_lock);
+  Pixels to(result_lock);
+  for (int y = 0; y < from.height(); ++y)
+    for (int x = 0; x < from.width(); ++x) to.set(x, y, from.color_at(x, y));
+  return result;
+}
+
+uint32_t mixed(const std::string& mode, uint32_t below, uint32_t above) {
+  return mode == "or" ? below | above : mode == "xor" ? below ^ above : above;
+}
+
+void paint(Picture& base, const Picture& overlay, const std::optional<Picture>& mask, Position at, const std::string& mode) {
+  const DibLock base_lock(base.dib), overlay_lock(overlay.dib), mask_lock(mask ? mask->dib : overlay.dib);
+  Pixels target(base_lock);
+  const Pixels source(overlay_lock), through(mask_lock);
+  const auto begin = [](int offset) { return static_cast<int>(std::max<int64_t>(0, -int64_t{offset})); };
+  const auto end = [](int offset, int count, int room) {
+    return static_cast<int>(std::min<int64_t>(count, int64_t{room} - offset));
+  };
+  for (int y = begin(at.y); y < end(at.y, source.height(), target.height()); ++y)
+    for (int x = begin(at.x); x < end(at.x, source.width(), target.width()); ++x) {
+      if (mask && through.color_at(x, y) == 0) continue;
+      target.set(at.x + x, at.y + y, mixed(mode, target.at(at.x + x, at.y + y), source.at(x, y)));
+    }
+}
+
+std::optional<Picture> load_mask(const Arguments& arguments, const Picture& overlay, const Streams& streams) {
+  if (arguments.mask.empty()) return std::nullopt;
+  Picture mask = load(arguments.mask, streams);
+  if (mask.header.biBitCount != 1)
+    throw Failure(ExitCode::kFormat, mask.label, "the mask must have 1 bit per pixel; save it in black and white");
+  if (mask.header.biWidth != overlay.header.biWidth || mask.header.biHeight != overlay.header.biHeight) {
+    throw Failure(ExitCode::kFormat, mask.label,
+                  fmt::format("the mask must be as large as {}, {} x {} pixels; scale or crop it", overlay.label,
+                              overlay.header.biWidth, overlay.header.biHeight));
+  }
+  return mask;
+}
+
+ExitCode combine(const Arguments& arguments, const Streams& streams) {
+  const Saving saving = arguments.saving.saving_for(arguments.output);
+  const Output output(arguments.output, arguments.saving.overwrite, streams.output);
+  Picture base = load(arguments.base, streams), overlay = load(arguments.overlay, streams);
+  const std::optional<Picture> mask = load_mask(arguments, overlay, streams);
+  if (!have_same_colors(base, overlay)) {
+    base = in_true_color(base);
+    overlay = in_true_color(overlay);
+  }
+  paint(base, overlay, mask, parse_position(arguments.at), arguments.mode);
+  write_picture(output, base, saving);
+  return ExitCode::kDone;
+}
+
+Action declare(CLI::App& app) {
+  app.footer(
+      "OUT is as large as BASE; what of OVERLAY lies outside is left out. or and xor work on the pixels as numbers: in\n"
+      "black and white, with white as 1, or lets white win and xor inverts under white. Pictures of different depth or\n"
+      "colours are combined at 24 bits per pixel. The files may have 1, 4, 8 or 24 bits per pixel. OUT has the format that\n"
+      "its ending names; see \"vorel convert --help\".\n\n"
+      "Examples:\n"
+      "  vorel combine page.tif stamp.tif stamped.tif --at 1900,120\n"
+      "  vorel combine photo.bmp logo.bmp out.bmp --mask shape.bmp\n"
+      "  vorel combine page1.tif page2.tif difference.tif --mode xor");
+  const auto arguments = std::make_shared<Arguments>();
+  declare_argument(app, "BASE", arguments->base, "the picture file to paint on; - is standard input");
+  declare_argument(app, "OVERLAY", arguments->overlay, "the picture file to paint");
+  declare_argument(app, "OUT", arguments->output, "the picture file to write; - is standard output");
+  app.add_option("--at", arguments->at, "where OVERLAY goes in BASE: its left upper corner, counted from 0 (default: 0,0)")
+      ->check(is_position())
+      ->option_text("X,Y");
+  app.add_option("--mask", arguments->mask, "a picture of 1 bit and OVERLAY's size; black leaves BASE as it is")
+      ->option_text("FILE");
+  app.add_option("--mode", arguments->mode, "replace, or, xor (default: replace)")
+      ->check(CLI::IsMember({"replace", "or", "xor"}))
+      ->option_text("MODE");
+  arguments->saving.declare(app);
+  return [arguments](const Streams& streams) { return combine(*arguments, streams); };
+}
+
+}  // namespace
+
+const Verb kCombine{"combine", "Paint one picture onto another.", declare};
+
+}  // namespace vorel::cli
