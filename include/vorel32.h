@@ -562,6 +562,30 @@ VOREL_API HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int
  *  Returns TRUE. FALSE, no code: not a DIB handle, another depth than 1, 4, 8 or 24 bits, a line outside, or memory is short. */
 VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second);
 
+#ifdef _WIN32
+
+/** Paints a device bitmap onto another. Windows only.
+ *  x, y    where the source's left upper corner goes. The system combines as many pixels as the target has, so what lies
+ *          beyond the source in the system's hands is combined too
+ *  target  the bitmap to paint on; one that is NULL becomes a copy of the source, for DeleteObject
+ *  mask    of the source's size, or NULL; one in colour is made monochrome first. White lets the source through
+ *  flag    without a mask: 0 replaces, anything else ORs. With a mask: 0 replaces, anything else XORs
+ *  With a mask the source is ANDed with it and a monochrome mask is inverted: both lose their contents.
+ *  Returns TRUE. FALSE: 501 (mask and source differ in size), 506 (no source), 507 (the source cannot be copied), the codes of
+ *  ConvertToMonochromeBitmap; no code when the system does not paint. */
+VOREL_API BOOL VORELCALL CombineBMP(int x, int y, HBITMAP* target, HBITMAP source, HBITMAP mask, int flag);
+
+/** Paints a DIB onto another by way of device bitmaps, so that colours are those of the display. Windows only.
+ *  target  the DIB to paint on, changed in place; one that is NULL becomes a copy of the source (without pixels if that states
+ *          no biSizeImage), for GlobalFree
+ *  The rest is as for CombineBMP, but that source and mask stay as they are.
+ *  Returns TRUE. FALSE: 504 (no memory for the copy), 505 (not a DIB handle), 506 (no source), 508 (the source to be copied is
+ *  compressed), 510 (a DIB cannot be converted), the codes of CombineBMP. A display without a palette leaves
+ *  IMG_E_CREATE_PALETTE even though the call succeeds. */
+VOREL_API BOOL VORELCALL CombineDIB(int x, int y, HGLOBAL* target, HGLOBAL source, HGLOBAL mask, int flag);
+
+#endif /* _WIN32 */
+
 /* ---- Run-length compression ---------------------------------------------------------------------------------------- */
 
 /*  Both functions return a new DIB handle and, unlike most, set the thread's code to 0 when they succeed. They take the
