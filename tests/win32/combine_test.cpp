@@ -133,7 +133,9 @@ TEST(CombineDIB, EveryRuleAndDepth) {
   HGLOBAL handle = target.get();
   EXPECT_TRUE(CombineDIB(1, 0, &handle, source.get(), nullptr, 1));
   const bool has_palette = facts_of(colored(0, 0, 0).get()).bmBitsPixel <= 8;
-  if (!has_palette) EXPECT_EQ(bytes_of(handle), with_header(header, {10, 20, 30, 40 | 1, 50 | 2, 60 | 3, 0, 0}));
+  if (!has_palette) {
+    EXPECT_EQ(bytes_of(handle), with_header(header, {10, 20, 30, 40 | 1, 50 | 2, 60 | 3, 0, 0}));
+  }
 }
 
 TEST(CombineDIB, WithoutATargetAndFailures) {
