@@ -57,8 +57,7 @@ Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, Stepping steppi
   if (corners != nullptr) store(rotation.corners, corners);
   if (!rotation.is_countable()) return Error::kTurnMemory;
 
-  const bool has_pixels = header.width > 0 && header.height > 0;
-  const auto whole = source.complete(bits_offset(header) + (has_pixels ? rows_bytes(header) : 0));
+  const auto whole = source.complete(bits_offset(header) + pixel_bytes(header));
   if (!whole) return Error::kTurnMemory;
   const auto head = whole->bytes().first(static_cast<size_t>(bits_offset(header).value()));
   const DibHeader result_header = turned_header(header, rotation, angle);
@@ -66,7 +65,7 @@ Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, Stepping steppi
   if (!result) return result.error() == Error::kLock ? Error::kTurnLock : Error::kTurnMemory;
 
   const auto target = pixels_at(result->bytes(), bits_offset(header), result_header);
-  if (has_pixels) rotate(pixels_at(whole->bytes(), bits_offset(header), header), target, rotation, stepping);
+  if (has_pixels(header)) rotate(pixels_at(whole->bytes(), bits_offset(header), header), target, rotation, stepping);
   return result;
 }
 

@@ -51,13 +51,11 @@ Result<OwnedDib> skewed(const LockedDib& source, SkewDirection direction, int32_
   const ByteCount image = rows_bytes(result_header);
   result_header.image_bytes = static_cast<uint32_t>(image.value());
 
-  const bool has_pixels = header.width > 0 && header.height > 0;
-  const ByteCount pixels = has_pixels ? rows_bytes(header) : 0;
-  const auto whole = source.complete(bits_offset(header) + pixels);
+  const auto whole = source.complete(bits_offset(header) + pixel_bytes(header));
   if (!whole) return Error::kMemory;
   auto result =
       OwnedDib::with_head(whole->bytes().first(static_cast<size_t>(bits_offset(header).value())), result_header, image);
-  if (!result || !has_pixels) return result;
+  if (!result || !has_pixels(header)) return result;
 
   const auto kernel = direction == SkewDirection::kRows ? skew_rows : skew_columns;
   kernel(pixels_at(whole->bytes(), bits_offset(header), header),
