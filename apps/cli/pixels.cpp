@@ -71,6 +71,37 @@ Picture blank_like(const Picture& picture, int width, int height, int depth) {
   return blank;
 }
 
+Picture in_true_color(const Picture& picture) {
+  Picture result = blank_like(picture, picture.header.biWidth, picture.header.biHeight, 24);
+  const DibLock source_lock(picture.dib), result_lock(result.dib);
+  const Pixels from(source_lock);
+  Pixels to(result_lock);
+  for (int y = 0; y < from.height(); ++y)
+    for (int x = 0; x < from.width(); ++x) to.set(x, y, from.color_at(x, y));
+  return result;
+}
+
+LevelCounts count_levels(const Picture& picture) {
+  LevelCounts counts{};
+  const DibLock lock(picture.dib);
+  const Pixels pixels(lock);
+  for (int y = 0; y < pixels.height(); ++y)
+    for (int x = 0; x < pixels.width(); ++x) {
+      const uint32_t color = pixels.color_at(x, y);
+      ++counts[((color & 0xFF) + (color >> 8 & 0xFF) + (color >> 16) + 1) / 3];
+    }
+  return counts;
+}
+
+bool has_gray_ramp(const Picture& picture) {
+  const DibLock lock(picture.dib);
+  const auto table = lock.bytes().subspan(sizeof picture.header, PaletteSize(lock.bytes().data()));
+  if (picture.header.biBitCount != 8 || table.size() != 256 * sizeof(RGBQUAD)) return false;
+  for (size_t i = 0; i < table.size(); ++i)
+    if (i % 4 != 3 && table[i] != i / 4) return false;
+  return true;
+}
+
 void complement_bits(Picture& picture) {
   const DibLock lock(picture.dib);
   const auto pixels = lock.pixels();

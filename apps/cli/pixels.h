@@ -1,6 +1,7 @@
 // The pixels of a picture that the tool works on by itself, and what the library's functions leave to their callers.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -35,6 +36,16 @@ class Pixels {
 
 // A new picture of another size, or depth, with the rest of the header and the colour table of another. Its pixels are 0.
 Picture blank_like(const Picture& picture, int width, int height, int depth);
+
+// The same picture with 24 bits per pixel.
+Picture in_true_color(const Picture& picture);
+
+// The greys of a picture's pixels, (blue + green + red + 1) / 3, counted.
+using LevelCounts = std::array<uint64_t, 256>;
+LevelCounts count_levels(const Picture& picture);
+
+// Whether the table of a picture of 8 bits goes from black to white in steps of one, so that its pixels are greys.
+bool has_gray_ramp(const Picture& picture);
 
 // Turns every bit of the pixels round, and clears those that only fill up rows.
 void complement_bits(Picture& picture);

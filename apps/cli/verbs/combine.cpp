@@ -31,16 +31,6 @@ bool have_same_colors(const Picture& a, const Picture& b) {
   return std::ranges::equal(table(a_lock), table(b_lock));
 }
 
-Picture in_true_color(const Picture& picture) {
-  Picture result = blank_like(picture, picture.header.biWidth, picture.header.biHeight, 24);
-  const DibLock source_lock(picture.dib), result_lock(result.dib);
-  const Pixels from(source_lock);
-  Pixels to(result_lock);
-  for (int y = 0; y < from.height(); ++y)
-    for (int x = 0; x < from.width(); ++x) to.set(x, y, from.color_at(x, y));
-  return result;
-}
-
 uint32_t mixed(const std::string& mode, uint32_t below, uint32_t above) {
   return mode == "or" ? below | above : mode == "xor" ? below ^ above : above;
 }
