@@ -10,16 +10,13 @@ namespace test {
 
 namespace {
 
-size_t colors_of(const BITMAPINFOHEADER& header) {
-  return header.biClrUsed != 0 ? header.biClrUsed : header.biBitCount <= 8 ? size_t{1} << header.biBitCount : 0;
-}
-
 // A packed DIB taken apart.
 struct Picture {
   Bytes bytes;
   BITMAPINFOHEADER header = header_of(bytes);
   int width = header.biWidth, height = header.biHeight, depth = header.biBitCount;
-  size_t colors = colors_of(header), head = sizeof header + 4 * colors, stride = stride_of(width, depth);
+  size_t colors = header.biClrUsed != 0 ? header.biClrUsed : depth <= 8 ? size_t{1} << depth : 0;
+  size_t head = sizeof header + 4 * colors, stride = stride_of(width, depth);
 
   explicit Picture(Bytes dib) : bytes(std::move(dib)) {}
 
@@ -36,28 +33,18 @@ struct Picture {
   uint8_t* row(int y) { return bytes.data() + head + static_cast<size_t>(y) * stride; }
 
   uint32_t pixel(int x, int y) const {
-    const uint8_t* at = row(y);
-    switch (depth) {
-      case 1: return at[x / 8] >> (7 - x % 8) & 1u;
-      case 4: return at[x / 2] >> (x % 2 == 0 ? 4 : 0) & 15u;
-      case 8: return at[x];
-      case 24: return at[3 * x] | at[3 * x + 1] * 0x100u | at[3 * x + 2] * 0x10000u;
-      default: return 0;
-    }
+    const uint8_t* at = row(y) + x * depth / 8;
+    if (depth == 24) return at[0] | at[1] * 0x100u | at[2] * 0x10000u;
+    return at[0] >> (8 - depth - x * depth % 8) & ((1u << depth) - 1);
   }
 
   // Sets a pixel that is still zero.
   void set(int x, int y, uint32_t value) {
-    uint8_t* at = row(y);
-    switch (depth) {
-      case 1: at[x / 8] |= static_cast<uint8_t>(value << (7 - x % 8)); break;
-      case 4: at[x / 2] |= static_cast<uint8_t>(value << (x % 2 == 0 ? 4 : 0)); break;
-      case 8: at[x] = static_cast<uint8_t>(value); break;
-      case 24:
-        for (int i = 0; i < 3; ++i) at[3 * x + i] = static_cast<uint8_t>(value >> 8 * i);
-        break;
-      default: break;
-    }
+    uint8_t* at = row(y) + x * depth / 8;
+    if (depth == 24)
+      for (int i = 0; i < 3; ++i) at[i] = static_cast<uint8_t>(value >> 8 * i);
+    else
+      at[0] |= static_cast<uint8_t>(value << (8 - depth - x * depth % 8));
   }
 };
 
@@ -208,12 +195,6 @@ uint8_t weighed(const Taps& taps, auto&& sample) {
   return static_cast<uint8_t>(std::clamp(sum, 0, 255));
 }
 
-std::vector<Color> table_of(const Picture& picture) {
-  std::vector<Color> table(picture.colors);
-  for (size_t i = 0; i < table.size(); ++i) std::memcpy(table[i].data(), &picture.bytes[40 + 4 * i], 3);
-  return table;
-}
-
 uint32_t nearest(const std::vector<Color>& table, Color color) {
   const auto distance = [&](const Color& entry) {
     int sum = 0;
@@ -227,11 +208,13 @@ uint32_t nearest(const std::vector<Color>& table, Color color) {
 // The first stored rows and columns in another size.
 Bytes interpolated(const Picture& source, int old_width, int old_height, int width, int height, bool cubic, bool grey) {
   Picture result = Picture::like(source, resized(source.header, width, height));
-  const std::vector<Color> table = table_of(source);
-  std::vector<Color> shown(256);
-  std::copy(table.begin(), table.end(), shown.begin());
-  if (grey)
-    for (Color& c : shown) c.fill(static_cast<uint8_t>((c[0] + c[1] + c[2] + 1) / 3));
+  std::vector<Color> table(source.colors), shown(256);
+  for (size_t i = 0; i < table.size(); ++i) {
+    Color& color = table[i];
+    std::memcpy(color.data(), &source.bytes[40 + 4 * i], 3);
+    shown[i] = color;
+    if (grey) shown[i].fill(static_cast<uint8_t>((color[0] + color[1] + color[2] + 1) / 3));
+  }
   const auto sample = [&](int x, int y, size_t component) -> int {
     if (y < 0) return 0;
     x = std::clamp(x, 0, old_width - 1);
@@ -250,11 +233,8 @@ Bytes interpolated(const Picture& source, int old_width, int old_height, int wid
       for (size_t c = 0; c < 3; ++c)
         color[c] = weighed(down, [&](int y) -> int { return weighed(across, [&](int x) { return sample(x, y, c); }); });
       black_so_far = black_so_far && color == Color{};
-      if (source.depth == 24) {
-        result.set(i, j, color[0] | color[1] * 0x100u | color[2] * 0x10000u);
-      } else {
-        result.set(i, j, black_so_far ? 0 : nearest(table, color));
-      }
+      const uint32_t true_color = color[0] | color[1] * 0x100u | color[2] * 0x10000u;
+      result.set(i, j, source.depth == 24 ? true_color : black_so_far ? 0 : nearest(table, color));
     }
   }
   return result.bytes;
