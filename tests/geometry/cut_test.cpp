@@ -50,6 +50,7 @@ TEST(CutDIB, RefusesLinesOutsideAndNowhereToPut) {
   EXPECT_FALSE(CutDIB(dib.get(), 5, nullptr, &second));
   EXPECT_FALSE(CutDIB(dib.get(), 5, &first, nullptr));
   EXPECT_EQ(first, nullptr);
+  EXPECT_FALSE(CutDIB(block_of(with_header(header_for(-9, 2, 1))).get(), 1, &first, &second)) << "no rows are that long";
   EXPECT_EQ(ImgError(), 7);
 }
 

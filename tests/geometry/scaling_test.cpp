@@ -166,9 +166,9 @@ TEST(Scaling, TellsWhyItRefusesASize) {
 
 TEST(ScaleDIB, TakesTheLow16BitsAndTheLongestSides) {
   EXPECT_EQ(header_of(scaled(noise(9, 1, 8), false, 70'000, 1)).biWidth, 4464);
-  const Bytes small = noise(9, 2, 24), wide = noise(65'535, 1, 24), bits = noise(9, 2, 1);
+  const Bytes narrow = noise(9, 2, 24), wide = noise(65'535, 1, 24), bits = noise(9, 2, 1);
   for (bool cubic : {false, true}) {
-    EXPECT_TRUE(scaled(small, cubic, 65'535, 2) == plain_scaling(small, cubic, 65'535, 2));
+    EXPECT_TRUE(scaled(narrow, cubic, 65'535, 2) == plain_scaling(narrow, cubic, 65'535, 2));
     EXPECT_TRUE(scaled(wide, cubic, 9, 65'535) == plain_scaling(wide, cubic, 9, 65'535));
   }
   EXPECT_TRUE(scaled(bits, false, 100'000, 3) == plain_nearest(bits, 0, 0, 9, 2, 100'000, 3));

@@ -181,9 +181,9 @@ Taps linear_taps(int at, int old_size, int new_size) {
 Taps cubic_taps(int at, int old_size, int new_size) {
   const auto index = static_cast<int>(int64_t{at} * old_size / new_size);
   const double d = static_cast<double>(at) * old_size / new_size - index;
-  const auto near = [](double u) { return static_cast<int>(255 * (u * u * u - 2 * u * u + 1)); };
-  const auto far = [](double u) { return static_cast<int>(255 * (u * u * u - 5 * u * u + 8 * u - 4)); };
-  return {index - 1, {far(std::abs(d + 1)), near(std::abs(d)), near(std::abs(d - 1)), far(std::abs(d - 2))}};
+  const auto inner = [](double u) { return static_cast<int>(255 * (u * u * u - 2 * u * u + 1)); };
+  const auto outer = [](double u) { return static_cast<int>(255 * (u * u * u - 5 * u * u + 8 * u - 4)); };
+  return {index - 1, {outer(std::abs(d + 1)), inner(std::abs(d)), inner(std::abs(d - 1)), outer(std::abs(d - 2))}};
 }
 
 uint8_t weighed(const Taps& taps, auto&& sample) {
