@@ -23,7 +23,7 @@ void fill(std::span<uint8_t> part, std::span<const uint8_t> head, std::span<cons
 
 bool cut(const LockedDib& source, int32_t line, CutHandles parts) {
   const DibHeader& header = source.header();
-  if (line <= 0 || line >= header.height) return false;
+  if (header.width < 0 || line <= 0 || line >= header.height) return false;
   if (header.depth != 24 && implied_colors(header.depth) == 0) return false;
   DibHeader lower = header, upper = header;
   lower.height = header.height - line;

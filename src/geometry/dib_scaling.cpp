@@ -12,11 +12,8 @@ bool is_interpolated(int depth) { return depth == 4 || depth == 8 || depth == 24
 // In front of a result's pixels. The same as in the source, but for headers of other than 40 bytes.
 ByteCount head_bytes(const DibHeader& header) { return kHeaderBytes + palette_bytes(header); }
 
-// The colours that pixels can name.
-std::span<const Rgb> colors_of(const CompleteBytes& whole, const DibHeader& header) {
-  const uint32_t count = std::min(DIBNumColors(header), implied_colors(header.depth));
-  return colors_in(whole).first(count);
-}
+// How many colours pixels can name.
+uint32_t color_count(const DibHeader& header) { return std::min(DIBNumColors(header), implied_colors(header.depth)); }
 
 using Scaler = void (*)(ConstDibView, std::span<const Rgb>, DibView, Interpolation);
 
@@ -28,13 +25,14 @@ Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, Sca
   result_header.height = size.height;
   result_header.image_bytes = static_cast<uint32_t>(rows_bytes(result_header).value());
 
-  const auto whole = source.complete(std::max(head_bytes(header), bits_offset(header) + rows_bytes(header)));
+  const ByteCount colors_end = kHeaderBytes + ByteCount(color_count(header)) * sizeof(Rgb);
+  const auto whole = source.complete(std::max({head_bytes(header), colors_end, bits_offset(header) + rows_bytes(header)}));
   if (!whole) return Error::kMemory;
   const auto head = whole->bytes().first(static_cast<size_t>(head_bytes(header).value()));
   auto result = OwnedDib::with_head(head, result_header, rows_bytes(result_header));
   if (!result) return Error::kMemory;
   const ConstDibView pixels = pixels_at(whole->bytes(), bits_offset(header), header);
-  scale(pixels.with_width(area.width).first_rows(area.height), colors_of(*whole, header),
+  scale(pixels.with_width(area.width).first_rows(area.height), colors_in(*whole).first(color_count(header)),
         pixels_at(result->bytes(), head_bytes(header), result_header), interpolation);
   return result;
 }

@@ -35,18 +35,20 @@ void copy_shifted(std::span<const uint8_t> source, std::span<uint8_t> target, in
   if (count < target.size()) target[count] = static_cast<uint8_t>(source[count - 1] << (8 - bits));
 }
 
-// Copies pixels `first` to `end` of a row to the same columns of another, whose pixels there are zero.
+// Copies columns `first` to before `end` of a row to the same columns of another, whose pixels there are zero.
 template <int kDepth>
 void copy_columns(const uint8_t* source, uint8_t* target, int first, int end) {
-  const auto one_by_one = [&](int stop) {
-    for (; first < stop; ++first) Pixel<kDepth>::store(target, first, Pixel<kDepth>::load(source, first));
+  const uint64_t first_bit = uint64_t{kDepth} * static_cast<uint64_t>(first);
+  const uint64_t last_bit = uint64_t{kDepth} * static_cast<uint64_t>(end) - 1;
+  const auto first_byte = static_cast<size_t>(first_bit / 8), last_byte = static_cast<size_t>(last_bit / 8);
+  const int head = 0xFF >> first_bit % 8, tail = 0xFF00 >> (last_bit % 8 + 1);
+  const auto merge = [&](size_t byte, int mask) {
+    target[byte] = static_cast<uint8_t>(target[byte] | (source[byte] & mask));
   };
-  constexpr int kUnit = kDepth < 8 ? 8 / kDepth : 1;  // pixels to a byte
-  one_by_one(std::min(end, (first + kUnit - 1) / kUnit * kUnit));
-  const int whole = (end - first) / kUnit * kUnit;
-  if (whole > 0) std::memcpy(target + row_bytes(kDepth, first), source + row_bytes(kDepth, first), row_bytes(kDepth, whole));
-  first += std::max(whole, 0);
-  one_by_one(end);
+  if (first_byte == last_byte) return merge(first_byte, head & tail);
+  merge(first_byte, head);
+  std::memcpy(target + first_byte + 1, source + first_byte + 1, last_byte - first_byte - 1);
+  merge(last_byte, tail);
 }
 
 // The end of the columns from `first` on that move as far as it does.

@@ -51,6 +51,21 @@ const Export kExports[] = {
     {"RotateDIB270", [](HGLOBAL dib, const std::string&) { Block(RotateDIB270(dib)); }},
     {"FlipDIBVertical", [](HGLOBAL dib, const std::string&) { Block(FlipDIBVertical(dib)); }},
     {"FlipDIBHorizontal", [](HGLOBAL dib, const std::string&) { Block(FlipDIBHorizontal(dib)); }},
+    {"RotateDIB",
+     [](HGLOBAL dib, const std::string&) {
+       int status = 0;
+       Block(RotateDIB(dib, 17, 1, &status, nullptr));
+     }},
+    {"SkewDIB", [](HGLOBAL dib, const std::string&) { Block(SkewDIB(dib, 1, 5, nullptr, nullptr)); }},
+    {"ScaleDIB", [](HGLOBAL dib, const std::string&) { Block(ScaleDIB(dib, 1, 20, 30)); }},
+    {"ScaleGrayDIB", [](HGLOBAL dib, const std::string&) { Block(ScaleGrayDIB(dib, 20, 10, 2, 2, 0)); }},
+    {"CutDIB",
+     [](HGLOBAL dib, const std::string&) {
+       HGLOBAL first = nullptr, second = nullptr;
+       if (!CutDIB(dib, 7, &first, &second)) return;
+       Block{first};
+       Block{second};
+     }},
 };
 
 TEST(NothingIsLeft, OfGoodAndBadInput) {
