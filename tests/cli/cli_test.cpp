@@ -63,7 +63,8 @@ TEST_F(Cli, ExitCodes) {
 }
 
 TEST_F(Cli, HelpAndVersion) {
-  for (const char* verb : {"info", "convert", "pages", "rotate", "mirror", "skew", "scale", "cut", "crop", "combine", "invert"}) {
+  for (const char* verb : {"info", "convert", "pages", "rotate", "mirror", "skew", "scale", "cut", "crop", "combine",
+                           "invert", "tone", "lut", "histogram", "filter", "gray", "expand", "clean"}) {
     EXPECT_EQ(run({verb, "--help"}), 0);
     EXPECT_THAT(out_.str(), HasSubstr(std::string("\n  vorel ") + verb));
   }

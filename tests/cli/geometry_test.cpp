@@ -10,19 +10,6 @@ namespace {
 
 constexpr int kDepths[] = {1, 4, 8, 24};
 
-Bytes dib_in(const Bytes& file) { return {file.begin() + kFileHeader, file.end()}; }
-
-// A picture whose pixels are all of one byte, with a table from black to white.
-Bytes plain(int width, int height, int depth, uint8_t byte) {
-  Bytes dib = noise(width, height, depth);
-  std::fill(dib.begin() + 40, dib.end(), byte);
-  if (depth <= 8) {
-    const size_t colors = size_t{1} << depth;
-    for (size_t i = 0; i < colors * 4; ++i) dib[40 + i] = static_cast<uint8_t>(i % 4 == 3 ? 0 : i / 4 * 255 / (colors - 1));
-  }
-  return dib;
-}
-
 struct Place {
   int x, y;
 };
