@@ -517,7 +517,7 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
  *  corners  takes eight numbers, x and y of the turned corners seen from the centre, in whole pixels: first stored row left and
  *           right, last stored row right and left; y counts rows as they are stored, upwards. May be NULL
  *  Resolutions are mixed by the angle. At 0 degrees an odd width or height makes the result one larger, and the source's first
- *  column or row is not seen in it.
+ *  column or row may not be seen in it.
  *  Returns a DIB handle, or NULL. */
 VOREL_API HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners);
 
@@ -556,8 +556,8 @@ VOREL_API HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int
 
 /** Cuts a DIB in two at a line.
  *  line           rows of the upper part, from 1 to one less than all
- *  first, second  take the handles of the lower and the upper part. Each is set once its block is there; after a failure they
- *                 may hold handles that are dead
+ *  first, second  take the handles of the lower and the upper part. Each is set once its block is there, to NULL if memory is
+ *                 short; after a failure they may hold handles that are dead
  *  Both parts state the image size of the first.
  *  Returns TRUE. FALSE, no code: not a DIB handle, another depth than 1, 4, 8 or 24 bits, a line outside, or memory is short. */
 VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second);
@@ -580,7 +580,7 @@ VOREL_API BOOL VORELCALL CombineBMP(int x, int y, HBITMAP* target, HBITMAP sourc
  *          no biSizeImage), for GlobalFree
  *  The rest is as for CombineBMP, but that source and mask stay as they are.
  *  Returns TRUE. FALSE: 504 (no memory for the copy), 505 (not a DIB handle), 506 (no source), 508 (the source to be copied is
- *  compressed), 510 (a DIB cannot be converted), the codes of CombineBMP. A display without a palette leaves
+ *  compressed), 510 (a DIB cannot be converted, or the target is compressed), IMG_E_MEMORY, the codes of CombineBMP. A display without a palette leaves
  *  IMG_E_CREATE_PALETTE even though the call succeeds. */
 VOREL_API BOOL VORELCALL CombineDIB(int x, int y, HGLOBAL* target, HGLOBAL source, HGLOBAL mask, int flag);
 

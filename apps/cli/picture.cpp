@@ -223,6 +223,17 @@ std::optional<int> count_pages(const Input& input, const Format& format) {
   return pages;
 }
 
+void keep_pages(const Input& input, const Output& output) {
+  if (!output.replaces(input)) return;
+  const auto pages = count_pages(input, recognise(input));
+  if (!pages || *pages == 1) return;
+  throw Failure(
+      ExitCode::kWrongUse, input.label(),
+      fmt::format("the file has {} pages, and one of them would take the place of all; give OUT another name, or use "
+                  "\"vorel pages split\" and \"join\"",
+                  *pages));
+}
+
 Picture load_picture(const Input& input, int page) {
   const Format& format = recognise(input);
   Codec::require(format.load, input.label());

@@ -1,6 +1,7 @@
 #include "cli/pixels.h"
 
 #include <algorithm>
+#include <climits>
 
 #include "cli/failure.h"
 
@@ -13,12 +14,19 @@ void set_image_size(Picture& picture) {
   std::memcpy(lock.bytes().data(), &picture.header, sizeof picture.header);
 }
 
+std::span<uint8_t> table_of(const DibLock& lock) {
+  return lock.bytes().subspan(sizeof(BITMAPINFOHEADER), PaletteSize(lock.bytes().data()));
+}
+
+void for_each_byte(Picture& picture, auto&& change) {
+  const DibLock lock(picture.dib);
+  const auto rows = lock.pixels().first(static_cast<size_t>(stored_row_bytes(picture.header) * row_count(picture.header)));
+  std::ranges::transform(rows, rows.begin(), change);
+}
+
 }  // namespace
 
-Pixels::Pixels(const DibLock& lock)
-    : header_(lock.header()),
-      table_(lock.bytes().subspan(sizeof header_, PaletteSize(lock.bytes().data()))),
-      rows_(lock.pixels()) {}
+Pixels::Pixels(const DibLock& lock) : header_(lock.header()), table_(table_of(lock)), rows_(lock.pixels()) {}
 
 std::span<uint8_t> Pixels::row(int y) const {
   const auto stride = static_cast<size_t>(stored_row_bytes(header_));
@@ -27,7 +35,8 @@ std::span<uint8_t> Pixels::row(int y) const {
 
 uint32_t Pixels::at(int x, int y) const {
   const auto bytes = row(y);
-  const size_t bit = static_cast<size_t>(x) * header_.biBitCount, byte = bit / 8;
+  const uint64_t bit = static_cast<uint64_t>(x) * header_.biBitCount;
+  const auto byte = static_cast<size_t>(bit / 8);
   if (depth() == 24) return bytes[byte] | uint32_t{bytes[byte + 1]} << 8 | uint32_t{bytes[byte + 2]} << 16;
   const auto mask = (1u << depth()) - 1;
   return bytes[byte] >> (8 - header_.biBitCount - bit % 8) & mask;
@@ -35,12 +44,13 @@ uint32_t Pixels::at(int x, int y) const {
 
 void Pixels::set(int x, int y, uint32_t value) {
   const auto bytes = row(y);
-  const size_t bit = static_cast<size_t>(x) * header_.biBitCount, byte = bit / 8;
+  const uint64_t bit = static_cast<uint64_t>(x) * header_.biBitCount;
+  const auto byte = static_cast<size_t>(bit / 8);
   if (depth() == 24) {
     for (size_t i = 0; i < 3; ++i) bytes[byte + i] = static_cast<uint8_t>(value >> 8 * i);
     return;
   }
-  const size_t shift = 8 - header_.biBitCount - bit % 8;
+  const uint64_t shift = 8 - header_.biBitCount - bit % 8;
   const auto mask = ((1u << depth()) - 1) << shift;
   bytes[byte] = static_cast<uint8_t>((bytes[byte] & ~mask) | (value << shift & mask));
 }
@@ -95,7 +105,7 @@ LevelCounts count_levels(const Picture& picture) {
 
 bool has_gray_ramp(const Picture& picture) {
   const DibLock lock(picture.dib);
-  const auto table = lock.bytes().subspan(sizeof picture.header, PaletteSize(lock.bytes().data()));
+  const auto table = table_of(lock);
   if (picture.header.biBitCount != 8 || table.size() != 256 * sizeof(RGBQUAD)) return false;
   for (size_t i = 0; i < table.size(); ++i)
     if (i % 4 != 3 && table[i] != i / 4) return false;
@@ -103,17 +113,54 @@ bool has_gray_ramp(const Picture& picture) {
 }
 
 void complement_bits(Picture& picture) {
+  for_each_byte(picture, [](uint8_t byte) { return static_cast<uint8_t>(~byte); });
+}
+
+void clear_padding(Picture& picture) {
   const DibLock lock(picture.dib);
-  const auto pixels = lock.pixels();
   const auto used = static_cast<size_t>(pixel_row_bytes(picture.header)),
              stride = static_cast<size_t>(stored_row_bytes(picture.header));
   const auto spare_bits = used * 8 - static_cast<size_t>(picture.header.biWidth) * picture.header.biBitCount;
   for (size_t y = 0; y < row_count(picture.header); ++y) {
-    const auto row = pixels.subspan(y * stride, stride);
-    for (uint8_t& byte : row.first(used)) byte = static_cast<uint8_t>(~byte);
+    const auto row = lock.pixels().subspan(y * stride, stride);
     row[used - 1] &= static_cast<uint8_t>(0xFF << spare_bits);
     std::ranges::fill(row.subspan(used), uint8_t{0});
   }
+}
+
+int nearest_index(const Picture& picture, uint32_t color) {
+  const DibLock lock(picture.dib);
+  const auto table = table_of(lock);
+  const size_t count = std::min(table.size() / sizeof(RGBQUAD), size_t{1} << std::min<int>(picture.header.biBitCount, 8));
+  int nearest = 0, least = INT_MAX;
+  for (size_t i = 0; i < count; ++i) {
+    int distance = 0;
+    for (size_t component = 0; component < 3; ++component) {
+      const int difference = table[i * sizeof(RGBQUAD) + component] - static_cast<int>(color >> 8 * component & 0xFF);
+      distance += difference * difference;
+    }
+    if (distance < least) nearest = static_cast<int>(i);
+    least = std::min(least, distance);
+  }
+  return nearest;
+}
+
+void exchange_with_first(Picture& picture, int index) {
+  if (index == 0) return;
+  {
+    const DibLock lock(picture.dib);
+    const auto table = table_of(lock);
+    std::swap_ranges(table.begin(), table.begin() + sizeof(RGBQUAD),
+                     table.begin() + static_cast<std::ptrdiff_t>(index * sizeof(RGBQUAD)));
+  }
+  const int depth = picture.header.biBitCount, mask = (1 << depth) - 1;
+  std::array<uint8_t, 256> exchanged{};  // for all pixels of a byte at once
+  for (int byte = 0; byte < 256; ++byte)
+    for (int shift = 0; shift < 8; shift += depth) {
+      const int pixel = byte >> shift & mask, other = pixel == 0 ? index : pixel == index ? 0 : pixel;
+      exchanged[static_cast<size_t>(byte)] |= static_cast<uint8_t>(other << shift);
+    }
+  for_each_byte(picture, [&](uint8_t byte) { return exchanged[byte]; });
 }
 
 Picture cut_off(const Picture& picture, int line, Side side) {

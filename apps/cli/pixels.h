@@ -47,8 +47,17 @@ LevelCounts count_levels(const Picture& picture);
 // Whether the table of a picture of 8 bits goes from black to white in steps of one, so that its pixels are greys.
 bool has_gray_ramp(const Picture& picture);
 
-// Turns every bit of the pixels round, and clears those that only fill up rows.
+// Turns every bit of the pixels round.
 void complement_bits(Picture& picture);
+
+// Clears the bits that only fill up rows.
+void clear_padding(Picture& picture);
+
+// The index of the colour of a table that is nearest to one, given as a pixel of 24 bits is; 0 if there is no table.
+int nearest_index(const Picture& picture, uint32_t color);
+
+// Lets colour 0 of a picture of at most 8 bits and another one change places, in the table and in all pixels.
+void exchange_with_first(Picture& picture, int index);
 
 // The part of a picture above or below a line. Throws Failure when memory is short.
 enum class Side { kAbove, kBelow };

@@ -44,10 +44,14 @@ void fill_colors(std::span<Rgb> table, uint32_t depth, HPALETTE palette) {
   });
 }
 
+uint32_t row_count(const DibHeader& header) {
+  return header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
+}
+
 // Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, up to three
 // masks, all planes, and a compressed picture is as long as it says.
 ByteCount bytes_read_by_device(const DibHeader& header) {
-  const uint32_t rows = header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
+  const uint32_t rows = row_count(header);
   const uint32_t row_bits = uint32_t{std::max<uint16_t>(header.planes, 1)} * header.depth;
   const ByteCount pixels = row_stride(row_bits, std::max(header.width, 0)) * rows;
   const ByteCount table = (ByteCount(std::max(DIBNumColors(header), implied_colors(header.depth))) + 3) * sizeof(Rgb);
@@ -152,8 +156,7 @@ bool read_back(HBITMAP bitmap, const LockedDib& dib) {
   const auto palette = screen_palette();
   if (!palette) set_thread_error(palette.error());
   const PaletteSelection selection(screen.get(), palette ? palette->get() : nullptr);
-  GetDIBits(screen.get(), bitmap, 0, static_cast<UINT>(std::abs(header.height)), whole->bytes().data() + head, info.get(),
-            DIB_RGB_COLORS);
+  GetDIBits(screen.get(), bitmap, 0, row_count(header), whole->bytes().data() + head, info.get(), DIB_RGB_COLORS);
   std::ranges::copy(std::span(info.colors).first(table.size()), table.begin());
   whole->write_back();
   return true;

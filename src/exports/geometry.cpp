@@ -65,6 +65,7 @@ BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second) {
   return at_silent_boundary([&]() -> Result<BOOL> {
     const auto source = LockedDib::lock(dib);
     if (!source || first == nullptr || second == nullptr) return Error::kUnreported;
+    const WaitCursor cursor;
     return cut(*source, line, {first, second});
   });
 }

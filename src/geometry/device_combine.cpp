@@ -2,6 +2,7 @@
 
 #include "dib/device_bitmap.h"
 #include "dib/packed_dib.h"
+#include "platform/user.h"
 
 namespace vorel {
 namespace {
@@ -108,6 +109,7 @@ Result<bool> combine_dibs(Place at, HGLOBAL* target, HGLOBAL source, HGLOBAL mas
     *target = copy->release();
     return true;
   }
+  const WaitCursor cursor;
   const auto source_bitmap = bitmap_for(source), target_bitmap = bitmap_for(*target);
   if (!source_bitmap || !target_bitmap) return Error::kCombineBitmap;
   OwnedBitmap mask_bitmap;
@@ -118,6 +120,8 @@ Result<bool> combine_dibs(Place at, HGLOBAL* target, HGLOBAL source, HGLOBAL mas
   }
   const auto locked = LockedDib::lock(*target);
   if (!locked) return Error::kCombineLock;
+  // What comes back has no run-length codes, and no room to be counted on.
+  if (locked->header().compression != Compression::kNone) return Error::kCombineBitmap;
   HBITMAP painted = target_bitmap->get();
   const auto combined = combine_bitmaps(at, &painted, source_bitmap->get(), mask_bitmap.get(), flag);
   if (combined && *combined && !read_back(painted, *locked)) return Error::kMemory;

@@ -10,7 +10,7 @@ struct CutHandles {
 };
 
 // Cuts a picture `line` rows below its top. The lower part goes to a new DIB in `first`, the upper one to `second`; both are set
-// as soon as their blocks are there and keep the numbers of blocks that a failure has freed again.
+// as soon as their blocks are there, or are not to be had, and keep the numbers of blocks that a failure has freed again.
 bool cut(const LockedDib& source, int32_t line, CutHandles parts);
 
 }  // namespace vorel

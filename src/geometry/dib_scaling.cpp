@@ -70,7 +70,8 @@ Result<OwnedDib> ScaleDIBRect(const LockedDib& source, Rect rect, Size size) {
   result_header.width = size.width;
   result_header.height = size.height;
 
-  const ByteCount head = ByteCount(kHeaderBytes) + ByteCount(DIBNumColors(header)) * sizeof(Rgb);
+  const bool counts_colors = header.size != kCoreHeaderBytes && header.colors_used != 0;
+  const ByteCount head = kHeaderBytes + ByteCount(counts_colors ? header.colors_used : DIBNumColors(header)) * sizeof(Rgb);
   const auto whole = source.complete(std::max(head, bits_offset(header) + rows_bytes(header)));
   if (!whole) return Error::kUnreported;
   const ByteCount image = rows_bytes(result_header) + row_stride(header.depth, size.width) + kSpareBytes;

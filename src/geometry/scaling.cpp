@@ -144,8 +144,9 @@ std::span<Byte> whole_row_from_top(BasicView<Byte> view, int y) {
 void for_each_row(ConstDibView source, Rect rect, DibView result, auto&& fill) {
   int previous = -1;
   for (int y = 0; y < result.height(); ++y) {
-    const int in_rect = nearest(y, rect.height, result.height()), row = rect.y + in_rect;
-    if (in_rect >= rect.height || row >= source.height()) break;
+    const int in_rect = nearest(y, rect.height, result.height());
+    if (in_rect >= rect.height || in_rect >= source.height() - rect.y) break;
+    const int row = rect.y + in_rect;
     if (row == previous)
       std::ranges::copy(whole_row_from_top(result, y - 1), whole_row_from_top(result, y).begin());
     else

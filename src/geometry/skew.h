@@ -17,8 +17,8 @@ constexpr uint64_t shift_of(int at, int count, int32_t offset, int scale = 1) {
 // Both want a zero-filled result that is larger by the offset, in width or in height. Views of a depth that pixels are not
 // copied at are left alone.
 
-// Moves rows right. Whole bytes are moved: bits behind a row's last pixel come along. Below 8 bits per pixel shifts are
-// rounded down, from there on up.
+// Moves rows right. Whole bytes are moved: bits behind a row's last pixel come along. Shifts are rounded down to whole pixels, at
+// 8 bits up; at 24 bits up to whole bytes first.
 void skew_rows(ConstDibView source, DibView result, int32_t offset);
 
 // Moves columns towards later rows: up in the picture.

@@ -129,11 +129,53 @@ TEST_F(CliGeometry, Combine) {
   EXPECT_EQ(combined(pair(0x90), pair(0x50), with_mask("xor")), picture("1101"));
   EXPECT_EQ(combined(pair(0x00), pair(0xF0), {"--at", "2,0"}), picture("0011"));
   EXPECT_EQ(combined(pair(0x00), pair(0xF0), {"--at=-3,0"}), picture("1000"));
-  EXPECT_EQ(combined(pair(0x00), pair(0xF0), {"--at", "0,1"}), picture("0000"));
+  for (const char* outside : {"--at=0,1", "--at=-4,0", "--at=2147483647,0", "--at=-2147483648,0", "--at=0,-2147483648"})
+    EXPECT_EQ(combined(pair(0x00), pair(0xF0), {outside}), picture("0000")) << outside;
   // Other colours: at 24 bits.
   EXPECT_EQ(combined(plain(2, 1, 4, 0x33), plain(1, 1, 24, 0x77), {}), "777777 333333");
   EXPECT_EQ(run({"combine", at("base.bmp"), at("overlay.bmp"), at("out.bmp"), "--overwrite", mask[0], mask[1]}), 4);
   EXPECT_THAT(err_, HasSubstr("as large as"));
+}
+
+// A picture of 8 bits whose table is white, red, black and no more.
+Bytes short_table(int width, int height, uint8_t index) {
+  BITMAPINFOHEADER header = header_for(width, height, 8);
+  header.biClrUsed = 3;
+  return with_header(header, joined({255, 255, 255, 0, 0, 0, 255, 0, 0, 0, 0, 0},
+                                    Bytes(stride_of(width, 8) * static_cast<size_t>(height), index)));
+}
+
+TEST_F(CliGeometry, ColoursOfOddTables) {
+  const Bytes black = bitmap_file(short_table(8, 4, 2));
+  const auto red_of = [](const Bytes& dib, int x, int y) { return color_at(dib, x, y).rgbRed; };
+  EXPECT_EQ(red_of(dib_in(converted({"scale", "16x8"}, black)), 0, 0), 0);
+  EXPECT_EQ(red_of(dib_in(converted({"rotate", "45", "--white"}, black)), 0, 0), 255);
+  const Bytes paper = bitmap_file(short_table(8, 4, 0));
+  EXPECT_EQ(red_of(dib_in(converted({"rotate", "45"}, paper)), 0, 0), 0);
+  // What only fills up rows does not come to light.
+  Bytes padded = plain(5, 2, 1, 0);
+  padded[48] = padded[52] = 0x07;
+  const Bytes skewed = dib_in(converted({"skew", "horizontal", "6"}, bitmap_file(padded)));
+  EXPECT_EQ(picture_of(skewed).find('F'), std::string::npos);
+  // Numbers that no colour stands for.
+  put("overlay.bmp", bitmap_file(short_table(8, 4, 1)));
+  ASSERT_EQ(run({"combine", put("base.bmp", black), at("overlay.bmp"), at("out.bmp"), "--overwrite", "--mode", "or"}), 0)
+      << err_;
+  EXPECT_EQ(red_of(dib_in(read_file(at("out.bmp"))), 0, 0), 255);
+}
+
+TEST_F(CliGeometry, NothingIsLostByWritingInPlace) {
+  const Bytes file = bitmap_file(noise(9, 6, 8));
+  const std::string in = put("in.bmp", file);
+  EXPECT_EQ(run({"cut", in, in, at("missing/below.bmp"), "3", "--overwrite"}), 5);
+  EXPECT_EQ(read_file(in), file);
+  EXPECT_EQ(run({"cut", in, at("same.bmp"), at("same.bmp"), "3"}), 2);
+  const std::string pages = at("pages.tif");
+  ASSERT_EQ(run({"pages", "join", in, in, pages}), 0) << err_;
+  const Bytes joined_pages = read_file(pages);
+  EXPECT_EQ(run({"rotate", pages, pages, "90", "--overwrite"}), 2);
+  EXPECT_THAT(err_, HasSubstr("2 pages"));
+  EXPECT_EQ(read_file(pages), joined_pages);
 }
 
 TEST_F(CliGeometry, Refusals) {
@@ -147,6 +189,7 @@ TEST_F(CliGeometry, Refusals) {
               {{"scale", in, out, "0x5"}, 2, "640x480"},
               {{"scale", in, out, "-5%"}, 2, "scale --help"},
               {{"scale", in, out, "70000x1"}, 6, "65535"},
+              {{"scale", in, out, "50%", "--fit"}, 2, "leave --fit out"},
               {{"cut", in, out, at("out2.bmp"), "8"}, 2, "from 1 to 7"},
               {{"cut", in, out, at("out2.bmp"), "0"}, 2, "from 1 to 7"},
               {{"crop", in, out, "5,0", "6x1"}, 2, "10 x 8"},

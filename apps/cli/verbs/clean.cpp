@@ -29,6 +29,7 @@ ExitCode clean(const Arguments& arguments, const Streams& streams) {
   const Saving saving = arguments.saving.saving_for(arguments.output);
   const Input input(arguments.input, streams.input);
   const Output output(arguments.output, arguments.saving.overwrite || arguments.dry_run, streams.output);
+  if (!arguments.dry_run) keep_pages(input, output);
   Picture picture = load_picture(input, arguments.page);
   prepare(picture, Reach::kMovesPixels);
   Picture cleaned{.label = picture.label,

@@ -1,6 +1,7 @@
 // vorel combine: paints one picture onto another. The library does so through a display's bitmaps; here it is the same on every
 // machine.
 #include <algorithm>
+#include <array>
 #include <fmt/format.h>
 
 #include "cli/pixels.h"
@@ -16,19 +17,28 @@ struct Arguments {
   SavingOptions saving;
 };
 
-Picture load(const std::string& name, const Streams& streams) {
-  Picture picture = load_picture(Input(name, streams.input), 1);
+Picture load(const std::string& name, const Streams& streams, const Output& output) {
+  const Input input(name, streams.input);
+  keep_pages(input, output);
+  Picture picture = load_picture(input, 1);
   prepare(picture, Reach::kMovesPixels);
   return picture;
 }
 
-bool have_same_colors(const Picture& a, const Picture& b) {
+// Whether pixels can be combined as numbers: the same depth and colours, and where numbers are mixed a colour for each that may
+// come out.
+bool can_stay_indexed(const Picture& a, const Picture& b, const std::string& mode) {
   if (a.header.biBitCount != b.header.biBitCount) return false;
   const DibLock a_lock(a.dib), b_lock(b.dib);
   const auto table = [](const DibLock& lock) {
     return lock.bytes().subspan(sizeof(BITMAPINFOHEADER), PaletteSize(lock.bytes().data()));
   };
-  return std::ranges::equal(table(a_lock), table(b_lock));
+  const auto a_table = table(a_lock), b_table = table(b_lock);
+  if (a_table.size() != b_table.size()) return false;
+  for (size_t i = 0; i < a_table.size(); ++i)
+    if (i % sizeof(RGBQUAD) != 3 && a_table[i] != b_table[i]) return false;
+  const int depth = a.header.biBitCount;
+  return mode == "replace" || depth == 24 || a_table.size() >= sizeof(RGBQUAD) << depth;
 }
 
 uint32_t mixed(const std::string& mode, uint32_t below, uint32_t above) {
@@ -39,20 +49,21 @@ void paint(Picture& base, const Picture& overlay, const std::optional<Picture>& 
   const DibLock base_lock(base.dib), overlay_lock(overlay.dib), mask_lock(mask ? mask->dib : overlay.dib);
   Pixels target(base_lock);
   const Pixels source(overlay_lock), through(mask_lock);
-  const auto begin = [](int offset) { return static_cast<int>(std::max<int64_t>(0, -int64_t{offset})); };
+  const auto begin = [](int offset, int count) { return static_cast<int>(std::clamp<int64_t>(-int64_t{offset}, 0, count)); };
   const auto end = [](int offset, int count, int room) {
-    return static_cast<int>(std::min<int64_t>(count, int64_t{room} - offset));
+    return static_cast<int>(std::clamp<int64_t>(int64_t{room} - offset, 0, count));
   };
-  for (int y = begin(at.y); y < end(at.y, source.height(), target.height()); ++y)
-    for (int x = begin(at.x); x < end(at.x, source.width(), target.width()); ++x) {
+  for (int y = begin(at.y, source.height()); y < end(at.y, source.height(), target.height()); ++y)
+    for (int x = begin(at.x, source.width()); x < end(at.x, source.width(), target.width()); ++x) {
       if (mask && through.color_at(x, y) == 0) continue;
       target.set(at.x + x, at.y + y, mixed(mode, target.at(at.x + x, at.y + y), source.at(x, y)));
     }
 }
 
-std::optional<Picture> load_mask(const Arguments& arguments, const Picture& overlay, const Streams& streams) {
+std::optional<Picture> load_mask(const Arguments& arguments, const Picture& overlay, const Streams& streams,
+                                 const Output& output) {
   if (arguments.mask.empty()) return std::nullopt;
-  Picture mask = load(arguments.mask, streams);
+  Picture mask = load(arguments.mask, streams, output);
   if (mask.header.biBitCount != 1)
     throw Failure(ExitCode::kFormat, mask.label, "the mask must have 1 bit per pixel; save it in black and white");
   if (mask.header.biWidth != overlay.header.biWidth || mask.header.biHeight != overlay.header.biHeight) {
@@ -65,10 +76,12 @@ std::optional<Picture> load_mask(const Arguments& arguments, const Picture& over
 
 ExitCode combine(const Arguments& arguments, const Streams& streams) {
   const Saving saving = arguments.saving.saving_for(arguments.output);
+  if (std::ranges::count(std::array{arguments.base, arguments.overlay, arguments.mask}, "-") > 1)
+    throw Failure(ExitCode::kWrongUse, "standard input", "it can be read once only; give the other picture by name");
   const Output output(arguments.output, arguments.saving.overwrite, streams.output);
-  Picture base = load(arguments.base, streams), overlay = load(arguments.overlay, streams);
-  const std::optional<Picture> mask = load_mask(arguments, overlay, streams);
-  if (!have_same_colors(base, overlay)) {
+  Picture base = load(arguments.base, streams, output), overlay = load(arguments.overlay, streams, output);
+  const std::optional<Picture> mask = load_mask(arguments, overlay, streams, output);
+  if (!can_stay_indexed(base, overlay, arguments.mode)) {
     base = in_true_color(base);
     overlay = in_true_color(overlay);
   }

@@ -23,16 +23,24 @@ ExitCode cut(const CutArguments& arguments, const Streams& streams) {
   const Input input(arguments.input, streams.input);
   const Output above(arguments.above, arguments.saving.overwrite, streams.output);
   const Output below(arguments.below, arguments.saving.overwrite, streams.output);
+  if (above.is_same_as(below))
+    throw Failure(ExitCode::kWrongUse, above.label(), "both parts would go there; give each a file of its own");
+  keep_pages(input, above);
+  keep_pages(input, below);
   Picture picture = load_picture(input, arguments.page);
   prepare(picture, Reach::kMovesPixels);
+  if (picture.header.biHeight == 1)
+    throw Failure(ExitCode::kWrongUse, input.label(), "the picture has one row only; there is nothing to cut");
   if (arguments.line < 1 || arguments.line >= picture.header.biHeight) {
     throw Failure(ExitCode::kWrongUse, input.label(),
                   fmt::format("there is nothing on one side of line {}; give one from 1 to {}", arguments.line,
                               picture.header.biHeight - 1));
   }
   Picture upper = cut_off(picture, arguments.line, Side::kAbove), lower = cut_off(picture, arguments.line, Side::kBelow);
-  write_picture(above, upper, above_saving);
+  // The input itself is replaced last, when the other part is safe.
+  if (!above.replaces(input)) write_picture(above, upper, above_saving);
   write_picture(below, lower, below_saving);
+  if (above.replaces(input)) write_picture(above, upper, above_saving);
   return ExitCode::kDone;
 }
 
@@ -82,7 +90,8 @@ Dib cropped(Picture& picture, const CropArguments& arguments) {
         ExitCode::kWrongUse, picture.label,
         fmt::format("the picture has {} x {} pixels, and the piece reaches outside; ask for one inside", width, height));
   }
-  Picture piece = rows_of(std::move(picture), at.y, size.height);
+  Picture piece =
+      rows_of({.label = picture.label, .header = picture.header, .dib = std::move(picture.dib)}, at.y, size.height);
   if (size.width == width) return std::move(piece.dib);
   piece = rows_of(turned(piece, RotateDIB90), at.x, size.width);
   return std::move(turned(turned(piece, RotateDIB90), RotateDIB180).dib);

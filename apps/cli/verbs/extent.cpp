@@ -1,6 +1,7 @@
 #include "cli/verbs/extent.h"
 
 #include <charconv>
+#include <cmath>
 #include <utility>
 
 namespace vorel::cli {
@@ -44,7 +45,8 @@ std::optional<double> parse_percent(const std::string& text) {
   double percent = 0;
   const char* const end = text.data() + text.size();
   const auto number = std::from_chars(text.data(), end, percent);
-  const bool is_percent = number.ec == std::errc() && number.ptr + 1 == end && *number.ptr == '%' && percent > 0;
+  const bool is_percent =
+      number.ec == std::errc() && number.ptr + 1 == end && *number.ptr == '%' && percent > 0 && std::isfinite(percent);
   return is_percent ? std::optional(percent) : std::nullopt;
 }
 

@@ -16,8 +16,14 @@ Dib turned_by_quarters(Picture& picture, int degrees) {
 }
 
 Dib turned_by_any(Picture& picture, int degrees) {
+  constexpr int kUncountedSize = 501;
   int status = 0;
-  return checked(picture, RotateDIB(picture.dib.get(), -degrees, 0, &status, nullptr));
+  HGLOBAL turned = RotateDIB(picture.dib.get(), -degrees, 0, &status, nullptr);
+  if (status == kUncountedSize) {
+    throw Failure(ExitCode::kFormat, picture.label,
+                  "pictures as wide or as high as a multiple of 65536 pixels are turned by quarters only; crop the picture");
+  }
+  return checked(picture, turned);
 }
 
 struct Options {

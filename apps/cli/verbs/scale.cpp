@@ -19,12 +19,13 @@ struct Options {
 
 // Half a pixel counts as one, and nothing is smaller than one.
 int whole_pixels(const Picture& picture, double pixels) {
-  if (pixels > kMostPixels) {
+  const double rounded = std::floor(pixels + 0.5);
+  if (rounded > kMostPixels) {
     throw Failure(
         ExitCode::kLimit, picture.label,
-        fmt::format("a side would have {:.0f} pixels, and at most {:.0f} can be made; ask for less", pixels, kMostPixels));
+        fmt::format("a side would have {:.0f} pixels, and at most {:.0f} can be made; ask for less", rounded, kMostPixels));
   }
-  return std::max(1, static_cast<int>(std::floor(pixels + 0.5)));
+  return std::max(1, static_cast<int>(rounded));
 }
 
 Extent result_size(const Picture& picture, const Options& options) {
@@ -56,12 +57,27 @@ Dib nearest(const Picture& picture, Extent size) {
   return std::move(result.dib);
 }
 
+// The library takes black at the beginning of a row for colour 0, so that is made the colour nearest to black.
+Dib interpolated(Picture& picture, Extent size, bool cubic) {
+  if (picture.header.biWidth > kMostPixels) {
+    throw Failure(
+        ExitCode::kLimit, picture.label,
+        fmt::format("pictures wider than {:.0f} pixels are scaled with --method nearest only; use that", kMostPixels));
+  }
+  const auto scale = [&](Picture& source) {
+    return checked(source, ScaleDIB(source.dib.get(), cubic ? 1 : 0, static_cast<unsigned>(size.width),
+                                    static_cast<unsigned>(size.height)));
+  };
+  return on_background(picture, false, scale);
+}
+
 Dib scaled(Picture& picture, const Options& options) {
   prepare(picture, Reach::kMovesPixels);
+  if (options.fit && parse_percent(options.size))
+    throw Failure(ExitCode::kWrongUse, picture.label, "a percentage keeps the proportions anyway; leave --fit out");
   const Extent size = result_size(picture, options);
   if (options.method == "nearest" || picture.header.biBitCount == 1) return nearest(picture, size);
-  return checked(picture, ScaleDIB(picture.dib.get(), options.method == "cubic" ? 1 : 0, static_cast<unsigned>(size.width),
-                                   static_cast<unsigned>(size.height)));
+  return interpolated(picture, size, options.method == "cubic");
 }
 
 Action declare(CLI::App& app) {

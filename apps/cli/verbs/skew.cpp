@@ -14,6 +14,7 @@ struct Options {
 Dib sheared(Picture& picture, const Options& options) {
   prepare(picture, Reach::kMovesPixels);
   return on_background(picture, options.white, [&](Picture& source) {
+    clear_padding(source);  // the library moves whole bytes
     int corners[8];
     return checked(source,
                    SkewDIB(source.dib.get(), options.direction == "horizontal" ? 1 : 0, options.pixels, nullptr, corners));

@@ -16,6 +16,7 @@ ExitCode transform(const Arguments& arguments, const Change& change, const Strea
   const Saving saving = arguments.saving.saving_for(arguments.output);
   const Input input(arguments.input, streams.input);
   const Output output(arguments.output, arguments.saving.overwrite, streams.output);
+  keep_pages(input, output);
   Picture picture = load_picture(input, arguments.page);
   picture.dib = change(picture);
   picture.header = DibLock(picture.dib).header();
@@ -39,11 +40,20 @@ void declare_page(CLI::App& app, int& page) {
 }
 
 Dib on_background(Picture& picture, bool is_white, const Change& change) {
-  if (!is_white) return change(picture);
-  complement_bits(picture);
+  constexpr uint32_t kBlack = 0, kWhite = 0xFFFFFF;
+  const bool has_table = picture.header.biBitCount <= 8;
+  const int index = nearest_index(picture, is_white ? kWhite : kBlack);
+  const auto prepare_or_undo = [&](Picture& what) {
+    if (has_table)
+      exchange_with_first(what, index);
+    else if (is_white)
+      complement_bits(what);
+  };
+  prepare_or_undo(picture);
   Picture result{.label = picture.label, .header = {}, .dib = change(picture)};
   result.header = DibLock(result.dib).header();
-  complement_bits(result);
+  prepare_or_undo(result);
+  clear_padding(result);
   return std::move(result.dib);
 }
 

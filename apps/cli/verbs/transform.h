@@ -24,10 +24,10 @@ CLI::Option* declare_argument(CLI::App& app, const std::string& name, Value& val
 // The option of verbs that read a page.
 void declare_page(CLI::App& app, int& page);
 
-// Runs a change whose result has pixels of 0 where it puts nothing; with `is_white` they come out as the last colour.
+// Runs a change whose result has pixels of 0 where it puts nothing. They come out as the colour nearest to black or to white.
 Dib on_background(Picture& picture, bool is_white, const Change& change);
 inline constexpr const char* kWhiteHelp =
-    "fill what the picture leaves free with white, the last colour of its table (default: black, the first one)";
+    "fill what the picture leaves free with white, or the colour nearest to it (default: black)";
 
 // Takes what a function of the library returned. Throws Failure if that is nothing, which means that memory is short.
 Dib checked(const Picture& picture, HGLOBAL result);
