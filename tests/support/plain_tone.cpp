@@ -101,6 +101,13 @@ Bytes plain_24_bits(const Bytes& dib) {
   return result.bytes;
 }
 
+Bytes kernel_file(const std::vector<int>& kernel, size_t number_bytes) {
+  Bytes bytes;
+  for (int value : kernel)
+    for (size_t i = 0; i < number_bytes; ++i) bytes.push_back(static_cast<uint8_t>(value >> 8 * i));
+  return bytes;
+}
+
 namespace {
 
 struct Kernel {

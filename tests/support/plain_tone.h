@@ -25,6 +25,9 @@ struct PlainFilter {
   std::vector<int> kernel = {};  // the caller's: coefficients and divisor
 };
 
+// Its kernel as a file of little-endian numbers of so many bytes each.
+Bytes kernel_file(const std::vector<int>& kernel, size_t number_bytes);
+
 Bytes plain_convolution(const Bytes& dib, bool copied, const PlainFilter& filter);
 
 Bytes plain_color_convolution(const Bytes& dib, bool copied, int intensity_mode, const PlainFilter& filter);

@@ -19,21 +19,7 @@ struct Operation {
   bool works_in_place;
   std::function<HGLOBAL(HGLOBAL, bool copied)> run;
   std::function<Bytes(const Bytes&, bool copied)> plain;
-  bool wants_grays = false;  // else most pictures would be refused
 };
-
-// Names of operations get a number, so that parameters need not be spelt out in them.
-void add(std::vector<Operation>& all, Operation operation) {
-  operation.name += "_" + std::to_string(all.size());
-  all.push_back(std::move(operation));
-}
-
-Bytes as_file(const std::vector<int>& kernel, size_t size) {
-  Bytes bytes;
-  for (int value : kernel)
-    for (size_t i = 0; i < size; ++i) bytes.push_back(static_cast<uint8_t>(value >> 8 * i));
-  return bytes;
-}
 
 std::vector<int> random_kernel(int size, int least, int greatest, int divisor) {
   std::minstd_rand random(static_cast<unsigned>(size));
@@ -61,85 +47,58 @@ std::vector<PlainFilter> filters() {
   return all;
 }
 
-// Both filtering exports; their kernels differ in the size of numbers.
 void add_filters(std::vector<Operation>& all, const TempFolder& folder) {
   for (const PlainFilter& filter : filters()) {
-    const std::string ints = folder.path("i" + std::to_string(all.size())),
-                      shorts = folder.path("s" + std::to_string(all.size()));
-    write_file(ints, as_file(filter.kernel, 4));
-    write_file(shorts, as_file(filter.kernel, 2));
-    add(all, {"Convolve", 8, true,
-              [=](HGLOBAL dib, bool copied) {
-                return Convolve(dib, copied, filter.type, filter.size, filter.type == 2 ? ints.c_str() : nullptr,
-                                filter.type == 1 ? filter.kernel.data() : nullptr, nullptr);
-              },
-              [=](const Bytes& dib, bool copied) { return plain_convolution(dib, copied, filter); }});
+    const std::string number = std::to_string(all.size()), ints = folder.path("i" + number),
+                      shorts = folder.path("s" + number);
+    write_file(ints, kernel_file(filter.kernel, 4));
+    write_file(shorts, kernel_file(filter.kernel, 2));
+    const auto file = [=](const std::string& path) { return filter.type == 2 ? path.c_str() : nullptr; };
+    all.push_back({"Convolve " + number, 8, true,
+                   [=](HGLOBAL dib, bool copied) {
+                     return Convolve(dib, copied, filter.type, filter.size, file(ints), filter.kernel.data(), nullptr);
+                   },
+                   [=](const Bytes& dib, bool copied) { return plain_convolution(dib, copied, filter); }});
     for (int mode : {0, 1})
-      add(all, {"ColorConvolution", 24, true,
-                [=](HGLOBAL dib, bool copied) {
-                  const std::vector<short> kernel(filter.kernel.begin(), filter.kernel.end());
-                  return ColorConvolution(dib, copied, mode, static_cast<short>(filter.type), filter.size,
-                                          filter.type == 2 ? shorts.c_str() : nullptr,
-                                          filter.type == 1 ? kernel.data() : nullptr, nullptr);
-                },
-                [=](const Bytes& dib, bool copied) { return plain_color_convolution(dib, copied, mode, filter); }});
+      all.push_back({"ColorConvolution " + number, 24, true,
+                     [=](HGLOBAL dib, bool copied) {
+                       const std::vector<short> kernel(filter.kernel.begin(), filter.kernel.end());
+                       return ColorConvolution(dib, copied, mode, static_cast<short>(filter.type), filter.size, file(shorts),
+                                               kernel.data(), nullptr);
+                     },
+                     [=](const Bytes& dib, bool copied) { return plain_color_convolution(dib, copied, mode, filter); }});
   }
 }
 
 void add_tones(std::vector<Operation>& all) {
   const Bytes table = plain_table({}, 90, -20);
-  add(all,
-      {"ApplyLUT", 8, true, [=](HGLOBAL dib, bool copied) { return ApplyLUT(dib, block_of(table).get(), copied, nullptr); },
-       [=](const Bytes& dib, bool copied) { return plain_lookup(dib, table, copied); }});
-  add(all, {"Convert8to24", 8, false, [](HGLOBAL dib, bool) { return Convert8to24(dib); },
-            [](const Bytes& dib, bool) { return plain_24_bits(dib); }});
+  all.push_back({"ApplyLUT", 8, true,
+                 [=](HGLOBAL dib, bool copied) { return ApplyLUT(dib, block_of(table).get(), copied, nullptr); },
+                 [=](const Bytes& dib, bool copied) { return plain_lookup(dib, table, copied); }});
+  all.push_back({"Convert8to24", 8, false, [](HGLOBAL dib, bool) { return Convert8to24(dib); },
+                 [](const Bytes& dib, bool) { return plain_24_bits(dib); }});
   for (int depth : {4, 8, 24})
     for (const auto& [brightness, contrast] :
          {std::pair<short, short>{0, 0}, {100, 0}, {0, 100}, {37, -100}, {-61, 33}, {-9, -77}})
-      add(all, {"ColorBrightnessContrast", depth, false,
-                [=](HGLOBAL dib, bool) { return ColorBrightnessContrast(dib, brightness, contrast); },
-                [=](const Bytes& dib, bool) { return plain_brightness(dib, brightness, contrast); }});
+      all.push_back({"ColorBrightnessContrast", depth, false,
+                     [=](HGLOBAL dib, bool) { return ColorBrightnessContrast(dib, brightness, contrast); },
+                     [=](const Bytes& dib, bool) { return plain_brightness(dib, brightness, contrast); }});
 }
 
 void add_grays(std::vector<Operation>& all) {
-  for (int depth : {4, 8, 24})
-    for (bool weighted : {false, true})
-      add(all, {"ConvColorDIBtoGrayscale", depth, false,
-                [=](HGLOBAL dib, bool) { return ConvColorDIBtoGrayscale(dib, 9, weighted); },
-                [=](const Bytes& dib, bool) { return plain_gray(dib, 0, weighted); }});
-  for (int grade : {0, 1, 2}) {
-    add(all, {"ConvColorDIBtoGrayscale", 1, false, [=](HGLOBAL dib, bool) { return ConvColorDIBtoGrayscale(dib, grade, 0); },
-              [=](const Bytes& dib, bool) { return plain_gray(dib, grade, false); }});
-    add(all, {"ConvMonoDIBtoGrayscale", 1, false, [=](HGLOBAL dib, bool) { return ConvMonoDIBtoGrayscale(dib, grade); },
-              [=](const Bytes& dib, bool) { return plain_mono_gray(dib, grade); }});
-  }
+  for (int depth : {1, 4, 8, 24})
+    for (int grade : {0, 1, 2})
+      all.push_back({"ConvColorDIBtoGrayscale", depth, false,
+                     [=](HGLOBAL dib, bool) { return ConvColorDIBtoGrayscale(dib, grade, grade); },
+                     [=](const Bytes& dib, bool) { return plain_gray(dib, grade, grade != 0); }});
+  for (int grade : {0, 1, 2})
+    all.push_back({"ConvMonoDIBtoGrayscale", 1, false, [=](HGLOBAL dib, bool) { return ConvMonoDIBtoGrayscale(dib, grade); },
+                   [=](const Bytes& dib, bool) { return plain_mono_gray(dib, grade); }});
   for (int depth : {1, 8})
     for (int level : {20, 33, 50, 60, 87, 100})
       for (bool full : {false, true})
-        add(all, {"CleanImage", depth, false, [=](HGLOBAL dib, bool) { return CleanImage(dib, level, full); },
-                  [=](const Bytes& dib, bool) { return plain_cleaning(dib, level, full); }, true});
-}
-
-const std::vector<Operation>& operations() {
-  static const TempFolder folder;
-  static const std::vector<Operation> all = [] {
-    std::vector<Operation> list;
-    add_filters(list, folder);
-    add_tones(list);
-    add_grays(list);
-    return list;
-  }();
-  return all;
-}
-
-// Grey tables of as many levels as there are entries, the first of them white or black.
-Bytes with_grays(Bytes dib, bool white_first) {
-  const int colors = 1 << header_of(dib).biBitCount;
-  for (int k = 0; k < colors; ++k) {
-    const int level = (white_first ? colors - 1 - k : k) * 255 / (colors - 1);
-    std::fill_n(dib.begin() + 40 + 4 * k, 3, static_cast<uint8_t>(level));
-  }
-  return dib;
+        all.push_back({"CleanImage", depth, false, [=](HGLOBAL dib, bool) { return CleanImage(dib, level, full); },
+                       [=](const Bytes& dib, bool) { return plain_cleaning(dib, level, full); }});
 }
 
 struct Named {
@@ -147,88 +106,64 @@ struct Named {
   Bytes dib;
 };
 
-// Widths and heights that fill bytes and words exactly or not, edges that meet, tables shorter and longer than the depth implies,
-// and images larger or smaller than they state.
-std::vector<Named> pictures(const Operation& operation) {
+// Widths and heights that fill bytes and words exactly or not, edges that meet, grey tables, tables shorter and longer than the
+// depth implies, images larger or smaller than they state, and blocks that end early.
+std::vector<Named> pictures(int depth) {
   std::vector<Named> all;
   for (const auto& [width, height] : {std::pair{1, 1}, {2, 2}, {3, 4}, {9, 5}, {5, 6}, {33, 17}, {64, 9}, {32, 3}}) {
     const std::string size = std::to_string(width) + " x " + std::to_string(height);
-    const Bytes dib = noise(width, height, operation.depth);
-    all.push_back({size, dib});
-    if (operation.depth <= 8) {
-      all.push_back({size + ", white first", with_grays(dib, true)});
-      all.push_back({size + ", black first", with_grays(dib, false)});
-    }
-    if (operation.wants_grays) continue;
-    const auto stated = [&](uint32_t bytes) {
-      return with_header_changed(dib, [=](BITMAPINFOHEADER& header) { header.biSizeImage = bytes; });
+    const auto add = [&](const char* what, const Bytes& dib) { all.push_back({size + what, dib}); };
+    const Bytes dib = noise(width, height, depth);
+    const auto changed = [&](const Bytes& bytes, auto field, uint32_t value) {
+      return with_header_changed(bytes, [=](BITMAPINFOHEADER& header) { header.*field = value; });
     };
-    all.push_back({size + ", 5 bytes stated", stated(5)});
-    all.push_back({size + ", 5,000 bytes stated", stated(5000)});
-    if (operation.depth == 4 || operation.depth == 8) all.push_back({size + ", 5 colours", with_colors(dib, 5)});
-    if (operation.depth == 8) {
-      const auto more = [](BITMAPINFOHEADER& header) { header.biClrUsed = 260; };
-      all.push_back({size + ", 260 colours", with_header_changed(joined(dib, Bytes(16, 0x35)), more)});
+    add("", dib);
+    add(", 5 bytes stated", changed(dib, &BITMAPINFOHEADER::biSizeImage, 5));
+    add(", 5,000 bytes stated", changed(dib, &BITMAPINFOHEADER::biSizeImage, 5000));
+    for (size_t there : {size_t{40}, size_t{47}, dib.size() - std::min<size_t>(33, dib.size() - 40)})
+      add(", cut", Bytes(dib.begin(), dib.begin() + static_cast<std::ptrdiff_t>(there)));
+    if (depth == 4 || depth == 8) add(", 5 colours", with_colors(dib, 5));
+    if (depth == 8) add(", 260 colours", changed(joined(dib, Bytes(16, 0x35)), &BITMAPINFOHEADER::biClrUsed, 260));
+    for (bool white_first : {false, true}) {
+      Bytes gray = dib;
+      for (int k = 0, colors = 1 << depth; depth <= 8 && k < colors; ++k)
+        std::fill_n(gray.begin() + 40 + 4 * k, 3,
+                    static_cast<uint8_t>((white_first ? colors - 1 - k : k) * 255 / (colors - 1)));
+      add(white_first ? ", white first" : ", black first", gray);
+      add(", cut", Bytes(gray.begin(), gray.end() - 3));
+      add(", more behind", joined(gray, Bytes(9, 0xFF)));
     }
   }
-  if (operation.name.starts_with("Convert8to24")) all.push_back({"rows of more than 65,535 bytes", noise(22'000, 3, 8)});
+  if (depth == 8) all.push_back({"rows of more than 65,535 bytes at 24 bits", noise(22'000, 3, 8)});
   return all;
 }
 
-// The block that an operation makes, of which the source must be the one or the other.
+// The block that an operation gives. Its source is that block or stays as it is.
 Bytes run(const Operation& operation, const Bytes& dib, bool copied) {
   const Block source = block_of(dib);
   HGLOBAL result = operation.run(source.get(), copied);
-  if (!copied) {
-    EXPECT_EQ(result, source.get());
-    return bytes_of(result);
-  }
+  EXPECT_EQ(result == source.get(), !copied);
+  if (!copied) return bytes_of(result);
   EXPECT_TRUE(bytes_of(source.get()) == dib) << "the source is only read";
   return bytes_of(Block(result).get());
 }
 
-class ToneOperation : public testing::TestWithParam<Operation> {};
-
-TEST_P(ToneOperation, AgreesWithTheSameOnePixelAtATime) {
-  const Operation& operation = GetParam();
-  for (const Named& picture : pictures(operation)) {
-    EXPECT_TRUE(run(operation, picture.dib, true) == operation.plain(picture.dib, true)) << picture.name;
-    if (!operation.works_in_place) continue;
-    EXPECT_TRUE(run(operation, picture.dib, false) == operation.plain(picture.dib, false)) << picture.name << ", in place";
-  }
-}
-
-// Missing bytes are zero, and nothing is written where there is nothing.
-TEST_P(ToneOperation, CompletesShortBlocks) {
-  const Operation& operation = GetParam();
-  Bytes whole = noise(33, 17, operation.depth);
-  if (operation.wants_grays) whole = with_grays(whole, true);
-  for (size_t there : {size_t{40}, size_t{47}, whole.size() - 33}) {
-    const auto end = static_cast<std::ptrdiff_t>(there);
-    const Bytes cut(whole.begin(), whole.begin() + end);
-    Bytes completed = cut;
-    completed.resize(whole.size());
-    if (operation.wants_grays) {  // a copy of the block, as long as that
-      const Bytes cleaned = run(operation, cut, true), expected = operation.plain(cut, true);
-      EXPECT_TRUE(cleaned == expected) << there;
-      continue;
-    }
-    EXPECT_TRUE(run(operation, cut, true) == operation.plain(completed, true)) << there;
-    if (!operation.works_in_place) continue;
-    const Bytes changed = operation.plain(completed, false);
-    EXPECT_TRUE(run(operation, cut, false) == Bytes(changed.begin(), changed.begin() + end)) << there;
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ToneOperation, testing::ValuesIn(operations()),
-                         [](const auto& test) { return test.param.name; });
-
-TEST(Tone, GivesTheSameBytesOnEveryBuild) {
+TEST(Tone, AgreesWithTheSameOnePixelAtATimeOnEveryBuild) {
+  const TempFolder folder;
+  std::vector<Operation> operations;
+  add_filters(operations, folder);
+  add_tones(operations);
+  add_grays(operations);
   uint64_t hash = 0xCBF29CE484222325;  // FNV-1a
-  for (const Operation& operation : operations())
-    for (const Named& picture : pictures(operation))
-      for (uint8_t byte : run(operation, picture.dib, true)) hash = (hash ^ byte) * 0x100000001B3;
-  EXPECT_EQ(hash, 15387314504600711419u);
+  for (const Operation& operation : operations)
+    for (const auto& [name, dib] : pictures(operation.depth)) {
+      const Bytes result = run(operation, dib, true);
+      SCOPED_TRACE(operation.name + ", " + std::to_string(operation.depth) + " bits, " + name);
+      EXPECT_TRUE(result == operation.plain(dib, true));
+      EXPECT_TRUE(!operation.works_in_place || run(operation, dib, false) == operation.plain(dib, false));
+      for (uint8_t byte : result) hash = (hash ^ byte) * 0x100000001B3;
+    }
+  EXPECT_EQ(hash, 7487835143641582091u);
 }
 
 }  // namespace

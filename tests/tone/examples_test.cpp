@@ -1,12 +1,10 @@
 // Small pictures with results made by hand, and what holds for every picture.
 #include <algorithm>
-#include <cstring>
 #include <gtest/gtest.h>
 
 #include <vorel32.h>
 
 #include "support/dib.h"
-#include "support/plain_tone.h"
 
 using namespace test;
 
@@ -91,21 +89,6 @@ TEST(ColorConvolution, MovesAllComponentsAlike) {
   EXPECT_EQ(picture_of(color_convolved(one(255, 255, 255), 0, 1, 3, {0, 0, 0, 0, 1, 0, 0, 0, 0, -32768})), "000000");
   const Bytes flat = with_header(header_for(4, 3, 24), Bytes(36, 77));
   for (int size : {3, 5, 7}) EXPECT_EQ(color_convolved(flat, 0, 3, size), flat) << size;
-}
-
-// Where nothing is limited, a grey picture comes out as it does at 8 bits.
-TEST(ColorConvolution, AgreesWithConvolveOnGreys) {
-  Bytes gray = noise(33, 17, 8), colors = with_header(header_for(33, 17, 24), Bytes(stride_of(33, 24) * 17));
-  for (int y = 0; y < 17; ++y)
-    for (int x = 0; x < 33; ++x) {
-      uint8_t& value = gray[1064 + static_cast<size_t>(y) * 36 + static_cast<size_t>(x)];
-      value = static_cast<uint8_t>(64 + value % 128);
-      std::memset(&colors[40 + static_cast<size_t>(y) * 100 + static_cast<size_t>(3 * x)], value, 3);
-    }
-  for (const auto& [type, size] : {std::pair<short, int>{3, 3}, {3, 5}, {3, 7}, {4, 3}, {4, 5}, {5, 3}, {6, 3}, {5, 5}}) {
-    const Bytes filtered = bytes_of(Block(Convolve(block_of(gray).get(), 1, type, size, nullptr, nullptr, nullptr)).get());
-    EXPECT_EQ(picture_of(color_convolved(colors, 1, type, size)), picture_of(filtered)) << type << ", " << size;
-  }
 }
 
 TEST(ColorBrightnessContrast, TurnsAbout128) {

@@ -2,10 +2,12 @@
 #include <climits>
 #include <functional>
 #include <gtest/gtest.h>
+#include <set>
 
 #include <vorel32.h>
 
 #include "support/dib.h"
+#include "support/plain_tone.h"
 
 using namespace test;
 
@@ -17,80 +19,79 @@ constexpr int kUntouched = 77;
 struct Export {
   const char* name;
   bool tells_thread;  // else its own variable
-  int depth;
+  std::set<int> depths;
+  int other_depth, bad_parameter;  // codes
   std::function<HGLOBAL(HGLOBAL dib, bool good, int* error)> call;
-  int bad_parameter;
-  std::vector<std::pair<int, int>> other_depths;  // and their codes; not listed are those that it takes
 };
 
-const std::vector<std::pair<int, int>> kOnly8 = {{0, 13}, {1, 13}, {2, 13}, {4, 13}, {16, 13}, {24, 13}, {32, 13}};
-
 const Export kExports[] = {
-    {"ComputeHistogram", false, 8,
+    {"ComputeHistogram",
+     false,
+     {8},
+     13,
+     17,
      [](HGLOBAL dib, bool good, int* error) {
        const Block histogram(ComputeHistogram(nullptr, IMG_ALLOCATE, nullptr, nullptr, nullptr));
        const int origin[] = {1000, 1000};
        return ComputeHistogram(dib, IMG_COMPUTE, good ? histogram.get() : dead_handle(), origin, error);
-     },
-     17, kOnly8},
-    {"ApplyLUT", false, 8,
+     }},
+    {"ApplyLUT",
+     false,
+     {8},
+     13,
+     17,
      [](HGLOBAL dib, bool good, int* error) {
        return ApplyLUT(dib, good ? block_of(Bytes(256)).get() : dead_handle(), 0, error);
-     },
-     17, kOnly8},
-    {"ColorBrightnessContrast",
-     true,
-     24,
-     [](HGLOBAL dib, bool good, int*) { return ColorBrightnessContrast(dib, good ? 100 : 101, -100); },
+     }},
+    {"Convolve",
+     false,
+     {8},
+     13,
      8,
-     {{0, 13}, {1, 13}, {2, 13}, {16, 13}, {32, 13}}},
-    {"Convert8to24",
-     true,
-     8,
-     [](HGLOBAL dib, bool, int*) { return Convert8to24(dib); },
-     0,
-     {{0, 13}, {1, 13}, {2, 13}, {4, 13}, {16, 13}, {24, 31}, {32, 13}}},
-    {"Convolve", false, 8,
-     [](HGLOBAL dib, bool good, int* error) { return Convolve(dib, 0, good ? 3 : 0, 3, nullptr, nullptr, error); }, 8,
-     kOnly8},
+     [](HGLOBAL dib, bool good, int* error) { return Convolve(dib, 0, good ? 3 : 0, 3, nullptr, nullptr, error); }},
     {"ColorConvolution",
      false,
-     24,
+     {24},
+     13,
+     8,
      [](HGLOBAL dib, bool good, int* error) {
        return ColorConvolution(dib, 0, 0, 3, good ? 3 : 2, nullptr, nullptr, error);
-     },
+     }},
+    {"ColorBrightnessContrast",
+     true,
+     {4, 8, 24},
+     13,
      8,
-     {{0, 13}, {1, 13}, {2, 13}, {4, 13}, {8, 13}, {16, 13}, {32, 13}}},
+     [](HGLOBAL dib, bool good, int*) { return ColorBrightnessContrast(dib, good ? 100 : 101, -100); }},
+    {"Convert8to24", true, {8}, 13, 0, [](HGLOBAL dib, bool, int*) { return Convert8to24(dib); }},
     {"ConvColorDIBtoGrayscale",
      true,
-     1,
-     [](HGLOBAL dib, bool good, int*) { return ConvColorDIBtoGrayscale(dib, good ? 2 : 3, 0); },
+     {1, 4, 8, 24},
+     13,
      8,
-     {{0, 13}, {2, 13}, {16, 13}, {32, 13}}},
+     [](HGLOBAL dib, bool good, int*) { return ConvColorDIBtoGrayscale(dib, good ? 2 : 3, 0); }},
     {"ConvMonoDIBtoGrayscale",
      true,
-     1,
-     [](HGLOBAL dib, bool good, int*) { return ConvMonoDIBtoGrayscale(dib, good ? 2 : -1); },
+     {1},
+     18,
      8,
-     {{0, 18}, {2, 18}, {4, 18}, {8, 18}, {16, 18}, {24, 18}, {32, 18}}},
+     [](HGLOBAL dib, bool good, int*) { return ConvMonoDIBtoGrayscale(dib, good ? 2 : -1); }},
 };
 
 // Calls and looks where the code is told, and that it is not told elsewhere.
 void expect(const Export& e, HGLOBAL dib, bool good, int code, const std::string& what) {
   SetImgError(7);
   int error = kUntouched;
-  HGLOBAL result = e.call(dib, good, &error);
+  for (int* variable : {&error, static_cast<int*>(nullptr)}) {
+    HGLOBAL result = e.call(dib, good, variable);
+    EXPECT_EQ(result != nullptr, code == 0) << e.name << ", " << what;
+    if (e.tells_thread) GlobalFree(result);
+  }
   EXPECT_EQ(e.tells_thread ? ImgError() : error, code) << e.name << ", " << what;
   EXPECT_EQ(e.tells_thread ? error : ImgError(), e.tells_thread ? kUntouched : 7) << e.name << ", " << what;
-  EXPECT_EQ(result != nullptr, code == 0) << e.name << ", " << what;
-  if (e.tells_thread) GlobalFree(result);
-  SetImgError(7);
-  HGLOBAL untold = e.call(dib, good, nullptr);
-  EXPECT_EQ(untold != nullptr, code == 0) << e.name << ", " << what;
-  if (e.tells_thread) GlobalFree(untold);
 }
 
-Bytes picture(int width, int height, int depth) { return with_header(header_for(width, height, depth), Bytes(3000, 0xAB)); }
+Block picture(const BITMAPINFOHEADER& header) { return block_of(with_header(header, Bytes(3000, 0xAB))); }
 
 TEST(ToneExports, CheckTheDibFromItsHeaderToItsSizeAndThenTheRest) {
   for (const Export& e : kExports) {
@@ -100,206 +101,164 @@ TEST(ToneExports, CheckTheDibFromItsHeaderToItsSizeAndThenTheRest) {
     BITMAPINFOHEADER header = header_for(0, 9, 2);
     header.biSize = 64;
     header.biCompression = 1;
-    const auto next = [&](int code, const char* what) {
-      expect(e, block_of(with_header(header, Bytes(3000, 0xAB))).get(), false, code, what);
-    };
-    next(8, "another header");
+    expect(e, picture(header).get(), false, 8, "another header");
     header.biSize = 40;
-    next(18, "compressed");
+    expect(e, picture(header).get(), false, 18, "compressed");
     header.biCompression = 0;
-    // Of the greys one calls another depth compressed, and the other looks at the size first.
-    next(e.depth != 1 ? 13 : e.other_depths[1].second == 18 ? 18 : 19, "2 bits");
-    header.biBitCount = static_cast<uint16_t>(e.depth);
-    next(19, "no width");
+    expect(e, picture(header).get(), false, e.depths.size() < 4 ? e.other_depth : 19, "2 bits");
+    header.biBitCount = static_cast<uint16_t>(*e.depths.begin());
+    expect(e, picture(header).get(), false, 19, "no width");
     header.biWidth = 9;
     header.biHeight = 0;
-    next(19, "no height");
+    expect(e, picture(header).get(), false, 19, "no height");
     header.biHeight = 9;
-    next(e.bad_parameter, "parameter");
-    expect(e, block_of(with_header(header, Bytes(3000, 0xAB))).get(), true, 0, "good");
-  }
-}
-
-TEST(ToneExports, RefuseOtherDepths) {
-  for (const Export& e : kExports)
+    expect(e, picture(header).get(), false, e.bad_parameter, "parameter");
     for (int depth : {0, 1, 2, 4, 8, 16, 24, 32}) {
-      int code = 0;
-      for (const auto& [other, told] : e.other_depths)
-        if (other == depth) code = told;
-      expect(e, block_of(picture(9, 9, depth)).get(), true, code, std::to_string(depth) + " bits");
+      header.biBitCount = static_cast<uint16_t>(depth);
+      const bool nothing_to_do = depth == 24 && std::string(e.name) == "Convert8to24";
+      expect(e, picture(header).get(), true,
+             nothing_to_do              ? 31
+             : e.depths.contains(depth) ? 0
+                                        : e.other_depth,
+             std::to_string(depth));
     }
-  Bytes planes = with_header_changed(picture(9, 9, 1), [](BITMAPINFOHEADER& header) { header.biPlanes = 2; });
-  expect(kExports[7], block_of(planes).get(), true, 18, "two planes");
+  }
+  BITMAPINFOHEADER planes = header_for(9, 9, 1);
+  planes.biPlanes = 2;
+  expect(kExports[7], picture(planes).get(), true, 18, "two planes");
 }
 
 // Some look at 16 bits of a size. Negative ones give no pixels where the picture itself is changed, and no copy.
 TEST(ToneExports, RefuseSizesThatMeanNothing) {
   struct Size {
     int width, height;
-    int low_words, low_width, in_place, gray;  // codes by what is looked at and made
+    uint32_t colors;
+    int in_place, low_width, low_words, gray;  // codes by what is made, and what is looked at
   };
-  for (const Size& size : {Size{65'536, 1, 19, 19, 0, 0},
-                           {1, 65'536, 19, 0, 0, 0},
-                           {-9, 9, 1, 0, 0, 1},
-                           {9, -9, 1, 0, 0, 1},
-                           {INT_MAX, INT_MAX, 1, 1, 1, 1},
-                           {65'537, 65'537, 1, 1, 1, 1},
-                           {INT_MIN, INT_MIN, 19, 19, 0, 1}})
-    for (const Export& e : kExports) {
-      const std::string name = e.name;
-      const int code = name == "ColorBrightnessContrast" || name == "Convert8to24" ? size.low_words
-                       : name == "ColorConvolution"                                ? size.low_width
-                       : e.tells_thread                                            ? size.gray
-                                                                                   : size.in_place;
-      expect(e, block_of(picture(size.width, size.height, e.depth)).get(), true, code,
+  for (const Size& size : {Size{65'536, 1, 1, 0, 19, 19, 0},
+                           {1, 65'536, 1, 0, 0, 19, 0},
+                           {-9, 9, 1, 0, 0, 1, 1},
+                           {9, -9, 1, 0, 0, 1, 1},
+                           {INT_MIN, INT_MIN, 1, 0, 19, 19, 1},
+                           {INT_MAX, INT_MAX, 1, 1, 1, 1, 1},
+                           {65'537, 65'537, 1, 1, 1, 1, 1},
+                           {9, 9, 1u << 30, 1, 1, 1, 1},
+                           {9, 9, UINT_MAX, 1, 1, 1, 1}})
+    for (size_t i = 0; i < std::size(kExports); ++i) {
+      BITMAPINFOHEADER header = header_for(size.width, size.height, *kExports[i].depths.begin());
+      header.biClrUsed = size.colors;
+      expect(kExports[i], picture(header).get(), true,
+             i < 3   ? size.in_place
+             : i < 4 ? size.low_width
+             : i < 6 ? size.low_words
+                     : size.gray,
              std::to_string(size.width) + " x " + std::to_string(size.height));
     }
-  for (const Export& e : kExports)
-    for (uint32_t colors : {1u << 30, 0xFFFFFFFFu}) {
-      const auto claim = [=](BITMAPINFOHEADER& header) { header.biClrUsed = colors; };
-      expect(e, block_of(with_header_changed(picture(9, 9, e.depth), claim)).get(), true, 1, "a table of 4 GB");
-    }
 }
 
-TEST(ToneExports, DoNothingForOtherOperations) {
+TEST(ToneExports, LookAtTheirOtherArgumentsFirst) {
   int error = kUntouched;
-  EXPECT_EQ(ComputeHistogram(nullptr, 33, nullptr, nullptr, &error), nullptr);
-  EXPECT_EQ(error, 0);
-  error = kUntouched;
-  EXPECT_EQ(ComputeLUT(nullptr, 29, dead_handle(), 0, 0, &error), nullptr);
-  EXPECT_EQ(error, 0);
-  EXPECT_EQ(ComputeLUT(nullptr, IMG_COMPUTE, nullptr, 0, 0, &error), nullptr);
-  EXPECT_EQ(error, 8);
-  const Block dib = block_of(picture(9, 9, 8)), histogram = block_of(Bytes(512));
-  EXPECT_EQ(ComputeHistogram(dib.get(), IMG_COMPUTE, histogram.get(), nullptr, &error), nullptr);
-  EXPECT_EQ(error, 8);
+  const auto told = [&](HGLOBAL result) { return result == nullptr ? std::exchange(error, kUntouched) : -1; };
+  const Block dib = picture(header_for(9, 9, 8)), block = block_of(Bytes(512));
   const int origin[] = {0, 0};
-  for (HGLOBAL first : {HGLOBAL{nullptr}, dead_handle()}) {
-    EXPECT_EQ(ComputeHistogram(first, IMG_COMPUTE, nullptr, origin, &error), nullptr);
-    EXPECT_EQ(error, 8);
-  }
-  EXPECT_EQ(ApplyLUT(dead_handle(), nullptr, 0, &error), nullptr);
-  EXPECT_EQ(error, 8) << "both handles are looked at before either is locked";
+  EXPECT_EQ(told(ComputeHistogram(nullptr, 33, nullptr, nullptr, &error)), 0) << "no such operation";
+  EXPECT_EQ(told(ComputeLUT(nullptr, 29, block.get(), 0, 0, &error)), 0);
+  EXPECT_EQ(told(ComputeLUT(nullptr, IMG_COMPUTE, nullptr, 0, 0, &error)), 8);
+  EXPECT_EQ(told(ComputeHistogram(dib.get(), IMG_COMPUTE, block.get(), nullptr, &error)), 8);
+  EXPECT_EQ(told(ComputeHistogram(dead_handle(), IMG_COMPUTE, nullptr, origin, &error)), 8);
+  EXPECT_EQ(told(ApplyLUT(dead_handle(), nullptr, 0, &error)), 8);
 }
 
-// Types, sizes and kernels, which both filtering exports judge alike.
-TEST(Filters, RefuseKernelsAndLeaveThePictureAlone) {
+// Types, sizes and kernels, which both filtering exports judge alike; a refused picture stays as it is.
+TEST(Filters, RefuseKernels) {
   const TempFolder folder;
-  const std::string ints = folder.path("ints"), shorts = folder.path("shorts"), missing = folder.path("missing");
-  const std::vector<int> sobel = {-1, 0, 1, -2, 0, 2, -1, 0, 1, 0};
+  const std::vector<int> sobel = {-1, 0, 1, -2, 0, 2, -1, 0, 1, 0}, ones(50, 1);
   struct Case {
-    const char* what;
     int type, size;
     std::vector<int> kernel;
-    size_t bytes_missing = 0;
     bool is_good = false;
+    size_t bytes_missing = 0;
   };
-  const std::vector<int> seven(50, 1), five(26, 1);
   const Case cases[] = {
-      {"type 0", 0, 3, {}},
-      {"type 7", 7, 3, {}},
-      {"type -1", -1, 3, {}},
-      {"size 2", 3, 2, {}},
-      {"size 4", 3, 4, {}},
-      {"size 6", 3, 6, {}},
-      {"size 8", 3, 8, {}},
-      {"weighted 7", 4, 7, {}},
-      {"sharpen 7", 5, 7, {}},
-      {"sharpen 4", 6, 4, {}},
-      {"box 7", 3, 7, {}, 0, true},
-      {"sobel", 1, 3, sobel, 0, true},
-      {"seven", 1, 7, seven, 0, true},
-      {"four", 1, 4, seven},
-      {"six", 1, 6, seven},
-      {"no kernel", 1, 3, {}},
-      {"128", 1, 3, {0, 0, 0, 0, 128, 0, 0, 0, 0, 1}},
-      {"-128", 1, 3, {0, 0, 0, 0, -128, 0, 0, 0, 0, 1}},
-      {"2 x 64", 1, 3, {64, 0, 0, 0, 64, 0, 0, 0, 0, 1}},
-      {"2 x -64", 1, 3, {-64, 0, 0, 0, -64, 0, 0, 0, 0, 1}},
-      {"127 and -127", 1, 3, {-127, 0, 0, 0, 127, 0, 0, 0, 0, 1}, 0, true},
-      {"SHRT_MIN", 1, 3, {SHRT_MIN, 0, 0, 0, 0, 0, 0, 0, 0, 1}},
-      {"file", 2, 3, sobel, 0, true},
-      {"file of 5", 2, 5, five, 0, true},
-      {"file of 7", 2, 7, seven},
-      {"file of 4", 2, 4, seven},
-      {"file of 128", 2, 3, {0, 0, 0, 0, 128, 0, 0, 0, 0, 1}},
-      {"file too short", 2, 3, sobel, 1},
-      {"empty file", 2, 3, {}},
-      {"no file", 2, -3, {}},
+      {0, 3, ones},
+      {7, 3, ones},
+      {-1, 3, ones},  // types
+      {3, 2, {}},
+      {3, 4, {}},
+      {3, 6, {}},
+      {3, 8, {}},
+      {3, 7, {}, true},  // sizes
+      {4, 7, {}},
+      {5, 7, {}},
+      {6, 4, {}},
+      {6, 5, {}, true},  //
+      {1, 4, ones},
+      {1, 6, ones},
+      {1, 7, ones, true},
+      {2, 7, ones},
+      {2, 4, ones},  //
+      {1, 3, sobel, true},
+      {2, 3, sobel, true},
+      {2, 5, ones, true},  // kernels
+      {1, 3, {}},
+      {2, 3, {}},
+      {2, 3, sobel, false, 1},  // missing, no file, a file too short
+      {1, 3, {0, 0, 0, 0, 128, 0, 0, 0, 0, 1}},
+      {2, 3, {0, 0, 0, 0, -128, 0, 0, 0, 0, 1}},
+      {1, 3, {64, 0, 0, 0, 64, 0, 0, 0, 0, 1}},
+      {1, 3, {-64, 0, 0, 0, -64, 0, 0, 0, 0, 1}},
+      {1, 3, {-127, 0, 0, 0, 127, 0, 0, 0, 0, 1}, true},
+      {1, 3, {SHRT_MIN, 0, 0, 0, 0, 0, 0, 0, 0, 1}},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    Bytes whole_ints, whole_shorts;
-    for (int value : c.kernel)
-      for (size_t i = 0; i < 4; ++i) {
-        whole_ints.push_back(static_cast<uint8_t>(value >> 8 * i));
-        if (i < 2) whole_shorts.push_back(static_cast<uint8_t>(value >> 8 * i));
-      }
-    whole_ints.resize(whole_ints.size() - c.bytes_missing);
-    whole_shorts.resize(whole_shorts.size() - c.bytes_missing);
-    write_file(ints, whole_ints);
-    write_file(shorts, whole_shorts);
-    const std::vector<short> short_kernel(c.kernel.begin(), c.kernel.end());
-    const bool has_file = c.size > 0;
+  for (const Case& c : cases)
     for (bool colored : {false, true}) {
+      SCOPED_TRACE(testing::Message() << "case " << &c - cases << (colored ? ", colour" : ", grey"));
+      const std::string path = folder.path(std::to_string(&c - cases) + (colored ? "s" : "i"));
+      Bytes file = kernel_file(c.kernel, colored ? 2 : 4);
+      file.resize(file.size() - c.bytes_missing);
+      if (!file.empty()) write_file(path, file);
+      const std::vector<short> shorts(c.kernel.begin(), c.kernel.end());
+      const int* kernel = c.kernel.empty() ? nullptr : c.kernel.data();
       const Bytes dib = noise(9, 9, colored ? 24 : 8);
       const Block block = block_of(dib);
       int error = kUntouched;
-      const int size = std::abs(c.size);
-      const char* file = c.type != 2 ? nullptr : has_file ? (colored ? shorts : ints).c_str() : missing.c_str();
-      HGLOBAL result =
-          colored ? ColorConvolution(block.get(), 0, 0, static_cast<short>(c.type), size, file,
-                                     c.kernel.empty() ? nullptr : short_kernel.data(), &error)
-                  : Convolve(block.get(), 0, c.type, size, file, c.kernel.empty() ? nullptr : c.kernel.data(), &error);
-      EXPECT_EQ(result, c.is_good ? block.get() : nullptr) << colored;
-      EXPECT_EQ(error, c.is_good ? 0 : 8) << colored;
-      EXPECT_EQ(bytes_of(block.get()) == dib, !c.is_good) << colored;
+      HGLOBAL result = colored ? ColorConvolution(block.get(), 0, 0, static_cast<short>(c.type), c.size, path.c_str(),
+                                                  kernel == nullptr ? nullptr : shorts.data(), &error)
+                               : Convolve(block.get(), 0, c.type, c.size, path.c_str(), kernel, &error);
+      EXPECT_EQ(result, c.is_good ? block.get() : nullptr);
+      EXPECT_EQ(error, c.is_good ? 0 : 8);
+      EXPECT_EQ(bytes_of(block.get()) == dib, !c.is_good);
     }
-  }
   EXPECT_EQ(Convolve(block_of(noise(9, 9, 8)).get(), 0, 2, 3, nullptr, nullptr, nullptr), nullptr) << "no name";
 }
 
-TEST(CleanImage, GivesNothingAndNoCodeForWhatItDoesNotClean) {
-  const Bytes black_first = {0, 0, 0, 0, 255, 255, 255, 0}, red = {0, 0, 0, 0, 0, 0, 255, 0};
-  const Bytes bits = with_header(header_for(9, 9, 1), joined(black_first, Bytes(36)));
-  const Bytes bytes = with_header(header_for(9, 9, 8), Bytes(1024 + 108));
+// Nothing and no code for what is not cleaned. Sizes that lie are no worse: only what is in the block is looked at.
+TEST(CleanImage, RefusesInSilence) {
   const auto cleaned = [](const Bytes& dib, int level) {
     SetImgError(7);
-    const bool is_cleaned(Block(CleanImage(block_of(dib).get(), level, 1)));
+    const Block result(CleanImage(block_of(dib).get(), level, 1));
     EXPECT_EQ(ImgError(), 7);
-    return is_cleaned;
+    EXPECT_EQ(GlobalSize(result.get()), result ? dib.size() : 0);
+    return static_cast<bool>(result);
   };
-  for (const Bytes& dib : {bits, bytes}) {
-    for (int level : {20, 100}) EXPECT_TRUE(cleaned(dib, level));
-    for (int level : {19, 101, 0, INT_MIN, INT_MAX}) EXPECT_FALSE(cleaned(dib, level));
+  const auto all_black = [](int width, int height, int depth) {
+    return with_header(header_for(width, height, depth), Bytes(1100));
+  };
+  for (int depth : {1, 8}) {
+    for (int level : {20, 100}) EXPECT_TRUE(cleaned(all_black(9, 9, depth), level));
+    for (int level : {19, 101, 0, INT_MIN, INT_MAX}) EXPECT_FALSE(cleaned(all_black(9, 9, depth), level));
+    Bytes colored = all_black(9, 9, depth);
+    colored[40 + (size_t{4} << depth) - 2] = 1;
+    EXPECT_FALSE(cleaned(colored, 50));
+    for (const auto& [width, height] : {std::pair{-9, 9}, {9, -9}, {INT_MIN, INT_MIN}, {0, 9}, {9, 0}, {64, 900}})
+      EXPECT_TRUE(cleaned(all_black(width, height, depth), 50)) << width;
+    for (const auto& [width, height] : {std::pair{INT_MAX, INT_MAX}, {32, INT_MAX}})
+      EXPECT_FALSE(cleaned(all_black(width, height, depth), 50));
   }
-  EXPECT_FALSE(cleaned(with_header(header_for(9, 9, 1), joined(red, Bytes(36))), 50));
-  Bytes last_is_red = bytes;
-  last_is_red[40 + 255 * 4 + 2] = 1;
-  EXPECT_FALSE(cleaned(last_is_red, 50));
-  EXPECT_FALSE(cleaned(with_header_changed(bytes, [](BITMAPINFOHEADER& header) { header.biPlanes = 2; }), 50));
-  for (int depth : {0, 4, 16, 24, 32}) EXPECT_FALSE(cleaned(picture(9, 9, depth), 50)) << depth;
-  EXPECT_EQ(CleanImage(nullptr, 50, 1), nullptr);
-  EXPECT_EQ(CleanImage(dead_handle(), 50, 1), nullptr);
+  EXPECT_FALSE(cleaned(with_header_changed(all_black(9, 9, 8), [](BITMAPINFOHEADER& header) { header.biPlanes = 2; }), 50));
+  for (int depth : {0, 4, 16, 24, 32}) EXPECT_FALSE(cleaned(all_black(9, 9, depth), 50)) << depth;
   EXPECT_FALSE(cleaned(Bytes(39, 40), 50));
-}
-
-// Sizes that lie are no worse: the copy is as long as the block, and so is what is looked at.
-TEST(CleanImage, StaysInsideTheBlock) {
-  for (int depth : {1, 8})
-    for (const auto& [width, height] : {std::pair{INT_MAX, INT_MAX},
-                                        {-9, 9},
-                                        {9, -9},
-                                        {32, INT_MAX},
-                                        {INT_MAX, 3},
-                                        {INT_MIN, INT_MIN},
-                                        {0, 9},
-                                        {9, 0},
-                                        {64, 20}}) {
-      const Bytes dib = with_header(header_for(width, height, depth), Bytes((size_t{4} << depth) + 70));
-      const Block result(CleanImage(block_of(dib).get(), 50, 1));
-      EXPECT_EQ(GlobalSize(result.get()), result ? dib.size() : 0);
-    }
+  for (HGLOBAL none : {HGLOBAL{nullptr}, dead_handle()}) EXPECT_EQ(CleanImage(none, 50, 1), nullptr);
 }
 
 }  // namespace
