@@ -10,196 +10,153 @@ using namespace test;
 
 namespace {
 
-using Rows = std::vector<std::vector<int>>;  // from the top
+using Rows = std::vector<std::vector<int>>;  // as they are stored
 
 Bytes at_8_bits(const Rows& rows) {
-  const int width = static_cast<int>(rows[0].size()), height = static_cast<int>(rows.size());
-  Bytes dib = with_header(header_for(width, height, 8), Bytes(1024 + stride_of(width, 8) * rows.size()));
-  for (size_t y = 0; y < rows.size(); ++y)
-    for (size_t x = 0; x < rows[y].size(); ++x)
-      dib[1064 + (rows.size() - 1 - y) * stride_of(width, 8) + x] = static_cast<uint8_t>(rows[y][x]);
+  Bytes dib = with_header(header_for(static_cast<int>(rows[0].size()), static_cast<int>(rows.size()), 8), Bytes(1024));
+  for (const auto& row : rows) {
+    dib.insert(dib.end(), row.begin(), row.end());
+    dib.resize(dib.size() + stride_of(static_cast<int>(row.size()), 8) - row.size());
+  }
   return dib;
 }
 
-Rows rows_of(const Bytes& dib) {
-  const BITMAPINFOHEADER header = header_of(dib);
-  Rows rows(static_cast<size_t>(header.biHeight));
-  for (int y = 0; y < header.biHeight; ++y)
-    for (int x = 0; x < header.biWidth; ++x)
-      rows[static_cast<size_t>(header.biHeight - 1 - y)].push_back(static_cast<int>(pixel(dib, x, y)));
+Rows rows_of(HGLOBAL result) {
+  const Block owned(result);
+  const Bytes dib = bytes_of(result);
+  Rows rows(static_cast<size_t>(header_of(dib).biHeight));
+  for (size_t y = 0; y < rows.size(); ++y)
+    for (int x = 0; x < header_of(dib).biWidth; ++x) rows[y].push_back(static_cast<int>(pixel(dib, x, static_cast<int>(y))));
   return rows;
 }
 
-Rows uniform(size_t width, size_t height, int value) { return Rows(height, std::vector<int>(width, value)); }
-
 Rows convolved(const Rows& rows, int type, int size, const std::vector<int>& kernel = {}) {
-  return rows_of(
-      bytes_of(Block(Convolve(block_of(at_8_bits(rows)).get(), 1, type, size, nullptr, kernel.data(), nullptr)).get()));
+  return rows_of(Convolve(block_of(at_8_bits(rows)).get(), 1, type, size, nullptr, kernel.data(), nullptr));
 }
 
-Bytes color_convolved(const Bytes& dib, int mode, short type, int size, const std::vector<short>& kernel = {}) {
-  return bytes_of(Block(ColorConvolution(block_of(dib).get(), 1, mode, type, size, nullptr, kernel.data(), nullptr)).get());
+TEST(Convolve, LeavesUniformPicturesButForTheSecondPixelOfARow) {
+  const Rows uniform(8, std::vector<int>(9, 201));
+  for (const auto& [type, size] : {std::pair{3, 3}, {3, 5}, {3, 7}, {4, 3}, {5, 3}, {5, 5}, {6, 3}})
+    EXPECT_EQ(convolved(uniform, type, size), uniform) << type << ", " << size;
+  EXPECT_EQ(convolved(Rows(2, std::vector<int>(5, 100)), 4, 5), Rows(2, {106, 100, 106, 100, 100}));
+  EXPECT_EQ(convolved({{255, 255, 255, 255, 255}}, 4, 5), (Rows{{16, 255, 16, 255, 255}})) << "272";
+  EXPECT_EQ(convolved({{100, 100, 100, 100, 100}}, 6, 5), (Rows{{0, 100, 0, 100, 100}})) << "-900";
 }
 
-TEST(Convolve, LeavesUniformPicturesAsTheyAre) {
-  for (int type : {3, 4, 5, 6}) EXPECT_EQ(convolved(uniform(7, 6, 201), type, 3), uniform(7, 6, 201)) << type;
-  for (int size : {5, 7}) EXPECT_EQ(convolved(uniform(9, 8, 201), 3, size), uniform(9, 8, 201)) << size;
-  EXPECT_EQ(convolved(uniform(9, 8, 201), 5, 5), uniform(9, 8, 201));
-  EXPECT_EQ(convolved(uniform(6, 2, 100), 4, 5), Rows(2, {106, 100, 106, 100, 100, 100}))
-      << "the second pixel counts once more";
-  EXPECT_EQ(convolved(uniform(5, 1, 255), 4, 5), (Rows{{16, 255, 16, 255, 255}})) << "272";
-  EXPECT_EQ(convolved(uniform(5, 1, 100), 6, 5), (Rows{{0, 100, 0, 100, 100}})) << "-900";
-}
-
-// The picture around a single pixel shows the kernel, turned by 180 degrees.
+// A single pixel shows the kernel turned by 180 degrees, seen from the top; so its rows are stored first row first.
 TEST(Convolve, PutsTheFirstCoefficientOnTheUpperLeftNeighbour) {
-  Rows rows = uniform(5, 5, 0);
-  rows[2][2] = 1;
-  EXPECT_EQ(convolved(rows, 1, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 1}),
-            (Rows{{0, 0, 0, 0, 0}, {0, 9, 8, 7, 0}, {0, 6, 5, 4, 0}, {0, 3, 2, 1, 0}, {0, 0, 0, 0, 0}}));
-  EXPECT_EQ(convolved({{10, 20}, {30, 40}}, 1, 3, {1, 0, 0, 0, 0, 0, 0, 0, 0, 1}), (Rows{{10, 10}, {10, 10}}));
-  EXPECT_EQ(convolved({{10, 20}, {30, 40}}, 1, 3, {0, 1, 0, 0, 0, 0, 0, 0, 0, 1}), (Rows{{10, 20}, {10, 20}}));
-  EXPECT_EQ(convolved({{10, 20}, {30, 40}}, 1, 3, {0, 0, 0, 0, 0, 1, 0, 0, 0, 1}), (Rows{{20, 20}, {40, 40}}));
+  EXPECT_EQ(convolved({{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 0}}, 1, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 1}),
+            (Rows{{0, 0, 0, 0}, {0, 3, 2, 1}, {0, 6, 5, 4}, {0, 9, 8, 7}}));
 }
 
 TEST(Convolve, DividesClampsAndKeepsEightBits) {
-  const Rows gray = uniform(1, 1, 100);
-  EXPECT_EQ(convolved(gray, 1, 3, {1, 1, 1, 1, 1, 1, 1, 1, 1, 0}), gray) << "divisor 9";
-  EXPECT_EQ(convolved(gray, 1, 3, {-1, -1, -1, -1, -1, -1, -1, -1, -1, -9}), gray);
-  EXPECT_EQ(convolved(gray, 1, 3, {1, 1, 1, 0, 0, 0, 0, 0, 0, 1}), (Rows{{44}})) << "300";
-  EXPECT_EQ(convolved(gray, 1, 3, {4, -1, 0, 0, 0, 0, 0, 0, 0, 1}), (Rows{{255}})) << "300, limited";
-  EXPECT_EQ(convolved(gray, 1, 3, {4, -1, 0, 0, 0, 0, 0, 0, 0, 3}), (Rows{{85}})) << "limited before it is divided";
-  EXPECT_EQ(convolved(gray, 1, 3, {0, 0, 0, 0, -1, 0, 0, 0, 0, 8}), (Rows{{0xF3}})) << "-12.5 down, in 8 bits";
-  EXPECT_EQ(convolved(gray, 1, 3, {0, 0, 0, 0, -1, 0, 0, 0, 0, 7}), (Rows{{0xF2}})) << "-14.3 towards zero";
-  EXPECT_EQ(convolved({{10, 10, 250}}, 1, 3, {0, 0, 0, -1, 0, 1, 0, 0, 0, 0}), (Rows{{0, 240, 240}}));
-  EXPECT_EQ(convolved(gray, 1, 3, {0, 0, 0, 0, 1, 0, 0, 0, 0, -2'147'483'647 - 1}), (Rows{{0}})) << "has no opposite";
+  const auto of_100 = [](const std::vector<int>& kernel) { return convolved({{100}}, 1, 3, kernel)[0][0]; };
+  EXPECT_EQ(of_100({1, 1, 1, 1, 1, 1, 1, 1, 1, 0}), 100) << "divisor 9";
+  EXPECT_EQ(of_100({-1, -1, -1, -1, -1, -1, -1, -1, -1, -9}), 100);
+  EXPECT_EQ(of_100({1, 1, 1, 0, 0, 0, 0, 0, 0, 1}), 44) << "300";
+  EXPECT_EQ(of_100({4, -1, 0, 0, 0, 0, 0, 0, 0, 1}), 255) << "300, limited";
+  EXPECT_EQ(of_100({4, -1, 0, 0, 0, 0, 0, 0, 0, 3}), 85) << "limited before it is divided";
+  EXPECT_EQ(of_100({-1, 0, 0, 0, 0, 0, 0, 0, 0, 8}), 0xF3) << "-12.5 down, in 8 bits";
+  EXPECT_EQ(of_100({-1, 0, 0, 0, 0, 0, 0, 0, 0, 7}), 0xF2) << "-14.3 towards zero";
+  EXPECT_EQ(of_100({1, 0, 0, 0, 0, 0, 0, 0, 0, -2'147'483'647 - 1}), 0) << "has no opposite";
+  EXPECT_EQ(convolved({{10, 10, 250}}, 1, 3, {0, 0, 0, -1, 0, 1, 0, 0, 0, 0}), (Rows{{0, 240, 240}})) << "divisor 1";
 }
 
 TEST(ColorConvolution, MovesAllComponentsAlike) {
-  const auto one = [](uint8_t blue, uint8_t green, uint8_t red) {
-    return with_header(header_for(1, 1, 24), {blue, green, red, 0});
+  const auto one = [](const Bytes& pixel, int mode, const std::vector<short>& kernel) {
+    const Block dib = block_of(with_header(header_for(1, 1, 24), pixel));
+    ColorConvolution(dib.get(), 0, mode, 1, 3, nullptr, kernel.data(), nullptr);
+    return picture_of(bytes_of(dib.get()));
   };
-  const std::vector<short> twice = {0, 0, 0, 0, 2, 0, 0, 0, 0, 1}, none = {1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
-  EXPECT_EQ(picture_of(color_convolved(one(255, 0, 0), 1, 1, 3, twice)), "4E4EFF") << "intensity 78";
-  EXPECT_EQ(picture_of(color_convolved(one(0, 0, 255), 1, 1, 3, twice)), "FF1D1D") << "29";
-  EXPECT_EQ(picture_of(color_convolved(one(0, 0, 100), 0, 1, 3, twice)), "852121") << "33";
-  EXPECT_EQ(picture_of(color_convolved(one(50, 60, 100), 0, 1, 3, none)), "1E0000") << "divisor 1, less 70";
-  EXPECT_EQ(picture_of(color_convolved(one(10, 35, 255), 0, 1, 3, {0, 0, 0, 0, -1, 0, 0, 0, 0, 8})), "8E0000")
-      << "-12.5 down";
-  EXPECT_EQ(picture_of(color_convolved(one(255, 255, 255), 0, 1, 3, {0, 0, 0, 0, 1, 0, 0, 0, 0, -32768})), "000000");
-  const Bytes flat = with_header(header_for(4, 3, 24), Bytes(36, 77));
-  for (int size : {3, 5, 7}) EXPECT_EQ(color_convolved(flat, 0, 3, size), flat) << size;
+  const std::vector<short> twice = {2, 0, 0, 0, 0, 0, 0, 0, 0, 1}, none = {1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
+  EXPECT_EQ(one({255, 0, 0, 0}, 1, twice), "4E4EFF") << "intensity 78";
+  EXPECT_EQ(one({0, 0, 255, 0}, 1, twice), "FF1D1D") << "29";
+  EXPECT_EQ(one({0, 0, 100, 0}, 0, twice), "852121") << "33";
+  EXPECT_EQ(one({50, 60, 100, 0}, 0, none), "1E0000") << "divisor 1, less 70";
+  EXPECT_EQ(one({10, 35, 255, 0}, 0, {-1, 0, 0, 0, 0, 0, 0, 0, 0, 8}), "8E0000") << "-12.5 down";
+  EXPECT_EQ(one({255, 255, 255, 0}, 0, {1, 0, 0, 0, 0, 0, 0, 0, 0, -32768}), "000000") << "has no opposite";
 }
 
 TEST(ColorBrightnessContrast, TurnsAbout128) {
-  const Bytes dib = with_header(header_for(3, 1, 24), {0, 126, 127, 128, 191, 192, 255, 64, 63, 9, 9, 9});
+  const Bytes levels = {0, 126, 127, 128, 191, 192, 255, 64, 63};
   const auto changed = [&](short brightness, short contrast) {
-    const Bytes result = bytes_of(Block(ColorBrightnessContrast(block_of(dib).get(), brightness, contrast)).get());
-    return Bytes(result.begin() + 40, result.end());
+    const Block dib = block_of(with_header(header_for(3, 1, 24), joined(levels, {9, 9, 9})));
+    const Bytes result = bytes_of(Block(ColorBrightnessContrast(dib.get(), brightness, contrast)).get());
+    return Bytes(result.begin() + 40, result.begin() + 49);
   };
-  EXPECT_EQ(changed(0, 0), (Bytes{0, 126, 127, 128, 191, 192, 255, 64, 63, 0, 0, 0}));
-  EXPECT_EQ(changed(100, 0), (Bytes{128, 254, 255, 255, 255, 255, 255, 192, 191, 0, 0, 0}));
-  EXPECT_EQ(changed(0, 100), (Bytes{0, 124, 126, 128, 254, 255, 255, 0, 0, 0, 0, 0}));
-  for (short brightness : std::initializer_list<short>{-100, 0, 55})
-    EXPECT_EQ(changed(brightness, -100), joined(Bytes(9, 128), Bytes(3)));
+  EXPECT_EQ(changed(0, 0), levels);
+  EXPECT_EQ(changed(100, 0), (Bytes{128, 254, 255, 255, 255, 255, 255, 192, 191}));
+  EXPECT_EQ(changed(0, 100), (Bytes{0, 124, 126, 128, 254, 255, 255, 0, 0}));
+  EXPECT_EQ(changed(55, -100), Bytes(9, 128));
 }
 
 TEST(Grayscale, SmoothsBitsALittleLaterThanTheyAre) {
-  const auto smoothed = [](int width, const std::vector<uint8_t>& stored_rows, int grade) {
-    Bytes dib = with_header(header_for(width, static_cast<int>(stored_rows.size()), 1), Bytes(8));
-    for (uint8_t bits : stored_rows) dib = joined(dib, {bits, 0, 0, 0});
-    Rows rows = rows_of(bytes_of(Block(ConvColorDIBtoGrayscale(block_of(dib).get(), grade, 0)).get()));
-    std::reverse(rows.begin(), rows.end());
-    return rows;
+  const auto smoothed = [](const std::vector<uint8_t>& rows, int grade) {
+    Bytes dib = with_header(header_for(8, static_cast<int>(rows.size()), 1), Bytes(8));
+    for (uint8_t bits : rows) dib = joined(dib, {bits, 0, 0, 0});
+    return rows_of(ConvColorDIBtoGrayscale(block_of(dib).get(), grade, 0));
   };
-  const std::vector<uint8_t> lone = {0, 0, 0b00001000, 0, 0, 0, 0};
-  const std::vector<int> none(9, 0);
-  EXPECT_EQ(smoothed(9, lone, 0), (Rows{none, none, {0, 0, 0, 0, 255, 0, 0, 0, 0}, none, none, none, none}));
-  EXPECT_EQ(smoothed(9, lone, 1), (Rows{none,
-                                        none,
-                                        {0, 0, 0, 8, 31, 8, 0, 0, 0},
-                                        {0, 0, 0, 31, 99, 31, 0, 0, 0},
-                                        {0, 0, 0, 8, 31, 8, 0, 0, 0},
-                                        none,
-                                        none}));
-  EXPECT_EQ(smoothed(9, lone, 2), (Rows{none,
-                                        none,
-                                        {0, 0, 0, 3, 7, 3, 0, 0, 0},
-                                        {0, 0, 3, 16, 25, 16, 3, 0, 0},
-                                        {0, 0, 7, 25, 39, 25, 7, 0, 0},
-                                        {0, 0, 3, 16, 25, 16, 3, 0, 0},
-                                        {0, 0, 0, 3, 7, 3, 0, 0, 0}}));
-  // Pixels 3 and 4 of the last row stand in for those before the first and behind the last.
-  const std::vector<uint8_t> edges = {0, 0, 0, 0, 0, 0b00011000};
-  EXPECT_EQ(smoothed(8, edges, 1)[5], (std::vector<int>{8, 0, 8, 39, 39, 8, 0, 8}));
-  EXPECT_EQ(smoothed(8, edges, 2)[5], (std::vector<int>{3, 0, 3, 10, 10, 3, 0, 3}));
-  EXPECT_EQ(smoothed(8, {0b00011000, 0, 0, 0}, 2), smoothed(8, {0b00011000, 0, 0, 0}, 1)) << "fewer than 6 rows";
-  EXPECT_EQ(smoothed(8, {0b00011000, 0, 0}, 2), smoothed(8, {0b00011000, 0, 0}, 0)) << "fewer than 4";
+  const std::vector<int> none(8, 0);
+  const std::vector<uint8_t> lone = {0b00001000, 0, 0, 0, 0, 0}, second = {0, 0b00001000, 0, 0, 0, 0};
+  EXPECT_EQ(smoothed(lone, 0), (Rows{{0, 0, 0, 0, 255, 0, 0, 0}, none, none, none, none, none}));
+  EXPECT_EQ(smoothed(second, 1),
+            (Rows{none, {0, 0, 0, 8, 31, 8, 0, 8}, {0, 0, 0, 31, 99, 31, 0, 31}, {0, 0, 0, 8, 31, 8, 0, 8}, none, none}))
+      << "pixel 4 stands in for the one behind the last";
+  EXPECT_EQ(smoothed(second, 2), (Rows{none,
+                                       {0, 0, 0, 3, 7, 3, 0, 3},
+                                       {0, 0, 3, 16, 25, 16, 6, 16},
+                                       {0, 0, 7, 25, 39, 25, 14, 25},
+                                       {0, 0, 3, 16, 25, 16, 6, 16},
+                                       {0, 0, 0, 3, 7, 3, 0, 3}}));
+  EXPECT_EQ(smoothed({0b00110000}, 1), (Rows{{47, 47, 208, 208, 47, 0, 0, 0}}));
+  for (size_t rows : {4, 5})
+    EXPECT_EQ(smoothed(std::vector<uint8_t>(rows, 0x1C), 2), smoothed(std::vector<uint8_t>(rows, 0x1C), 1));
+  EXPECT_EQ(smoothed({0x1C, 0x80, 3}, 2), smoothed({0x1C, 0x80, 3}, 0));
 }
 
-TEST(Grayscale, WeighsColours) {
-  const Bytes red = with_header(header_for(1, 1, 24), {0, 0, 255, 0});
-  const auto gray = [&](int weighted) {
-    return picture_of(bytes_of(Block(ConvColorDIBtoGrayscale(block_of(red).get(), 0, weighted)).get()));
-  };
-  EXPECT_EQ(gray(0), "555555");
-  EXPECT_EQ(gray(1), "4E4E4E");
-}
-
-TEST(Grayscale, LooksTheSameWhicheverColourIsTheLighter) {
+TEST(Grayscale, WeighsColoursAndLooksTheSameWhicheverIsTheLighter) {
+  const Block red = block_of(with_header(header_for(1, 1, 24), {0, 0, 255, 0}));
+  EXPECT_EQ(rows_of(ConvColorDIBtoGrayscale(red.get(), 0, 0)), Rows{{85}});
+  EXPECT_EQ(rows_of(ConvColorDIBtoGrayscale(red.get(), 0, 1)), Rows{{78}});
   for (int grade : {0, 1, 2}) {
-    Bytes dark = noise(37, 9, 1);
-    std::fill_n(dark.begin() + 40, 8, uint8_t{0});
-    Bytes light = dark;
-    std::fill_n(dark.begin() + 40, 3, uint8_t{200});
-    std::fill_n(light.begin() + 44, 3, uint8_t{200});
+    Bytes dark = noise(37, 9, 1), light = dark;
+    for (size_t i = 0; i < 8; ++i)
+      dark[40 + i] = static_cast<uint8_t>(50 * i), light[40 + i] = static_cast<uint8_t>(50 * (i ^ 4));
     std::transform(light.begin() + 48, light.end(), light.begin() + 48,
                    [](uint8_t byte) { return static_cast<uint8_t>(~byte); });
-    const auto gray = [&](const Bytes& dib) {
-      return bytes_of(Block(ConvMonoDIBtoGrayscale(block_of(dib).get(), grade)).get());
-    };
-    EXPECT_TRUE(gray(dark) == gray(light)) << grade;
+    EXPECT_EQ(rows_of(ConvMonoDIBtoGrayscale(block_of(dark).get(), grade)),
+              rows_of(ConvMonoDIBtoGrayscale(block_of(light).get(), grade)));
+    const Block full = block_of(with_header(header_for(40, 7, 1), Bytes(8 + 56, 0xFF)));
+    EXPECT_EQ(rows_of(ConvColorDIBtoGrayscale(full.get(), grade, 0)), Rows(7, std::vector<int>(40, 255)));
   }
-  Bytes full = with_header(header_for(40, 40, 1), Bytes(8 + 320, 0xFF));
-  for (int grade : {0, 1, 2})
-    EXPECT_EQ(rows_of(bytes_of(Block(ConvColorDIBtoGrayscale(block_of(full).get(), grade, 0)).get())), uniform(40, 40, 255));
 }
 
-// A speck and a hole of one pixel in rows of 16, white being the second colour or the first.
+// One pixel that all its neighbours differ from, where black is the first colour or the second.
 TEST(CleanImage, TakesSpecksOffAndFillsHoles) {
-  const Bytes colors = {0, 0, 0, 0, 255, 255, 255, 0}, exchanged = {255, 255, 255, 0, 0, 0, 0, 0};
-  const auto picture = [](const Bytes& table, const std::vector<uint8_t>& first_bytes) {
-    Bytes rows;
-    for (uint8_t byte : first_bytes) rows = joined(rows, {byte, 0xFF, 0, 0});
-    return with_header(header_for(16, static_cast<int>(first_bytes.size()), 1), joined(table, rows));
+  const auto middle = [](bool black_first, uint8_t around, int level, int mode) {
+    Bytes rows(20, around);
+    rows[8] = around ^ 0b00100000;
+    const Bytes colors = black_first ? Bytes{0, 0, 0, 0, 9, 9, 9, 0} : Bytes{9, 9, 9, 0, 0, 0, 0, 0};
+    return rows_of(CleanImage(block_of(with_header(header_for(8, 5, 1), joined(colors, rows))).get(), level, mode))[2][2];
   };
-  const auto cleaned = [&](const Bytes& table, const std::vector<uint8_t>& bytes, int level, int mode) {
-    std::vector<uint8_t> result;
-    const Bytes dib = bytes_of(Block(CleanImage(block_of(picture(table, bytes)).get(), level, mode)).get());
-    for (size_t i = 48; i < dib.size(); i += 4) result.push_back(dib[i]);
-    return result;
-  };
-  const std::vector<uint8_t> speck = {0, 0, 0b00100000, 0, 0}, hole = {0xFF, 0xFF, 0b11011111, 0xFF, 0xFF};
   for (int level : {20, 50, 100})
     for (int mode : {0, 1}) {
-      EXPECT_EQ(cleaned(exchanged, speck, level, mode)[2] & 0b00100000, 0);
-      EXPECT_EQ(cleaned(exchanged, hole, level, mode)[2] & 0b00100000, mode == 1 && level < 100 ? 0b00100000 : 0);
-      EXPECT_EQ(cleaned(colors, hole, level, mode)[2] & 0b00100000, mode == 1 && level > 20 ? 0b00100000 : 0);
+      EXPECT_EQ(middle(false, 0, level, mode), 0);
+      EXPECT_EQ(middle(false, 0xFF, level, mode), mode == 1 && level < 100) << "eight neighbours are not more than eight";
+      EXPECT_EQ(middle(true, 0xFF, level, mode), mode == 1 && level > 20);
     }
-  EXPECT_EQ(cleaned(exchanged, {0xA5, 0, 0, 0x5A}, 50, 1)[0], 0xA5) << "edges stay";
-  EXPECT_EQ(cleaned(exchanged, {0xA5, 0, 0, 0x5A}, 50, 1)[3], 0x5A);
 }
 
 TEST(CleanImage, TakesTheNeighbourOfItsRank) {
-  const auto middle = [](int first_level, int level, int mode, int value) {
+  const auto middle = [](uint8_t first_level, int level, int mode, int value) {
     Bytes dib = at_8_bits({{10, 20, 30}, {40, value, 50}, {60, 70, 80}});
-    for (size_t k = 0; k < 256; ++k) std::fill_n(&dib[40 + 4 * k], 3, static_cast<uint8_t>(k == 0 ? first_level : 9));
-    return rows_of(bytes_of(Block(CleanImage(block_of(dib).get(), level, mode)).get()))[1][1];
+    std::fill_n(dib.begin() + 40, 3, first_level);
+    return rows_of(CleanImage(block_of(dib).get(), level, mode))[1][1];
   };
   EXPECT_EQ(middle(0, 20, 1, 128), 10);
   EXPECT_EQ(middle(0, 50, 1, 128), 40);
   EXPECT_EQ(middle(0, 89, 0, 4), 80);
-  EXPECT_EQ(middle(0, 100, 0, 251), 80);
+  EXPECT_EQ(middle(0, 100, 0, 251), 80) << "the ninth is the eighth";
   EXPECT_EQ(middle(255, 100, 1, 128), 10);
   EXPECT_EQ(middle(255, 20, 1, 128), 80);
   for (int value : {5, 250}) EXPECT_EQ(middle(0, 50, 0, value), value) << "gentle";

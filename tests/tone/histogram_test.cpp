@@ -68,6 +68,9 @@ TEST(ComputeHistogram, MovesTheSquareInsideAndRemembersItForAllPicturesAndBlocks
   EXPECT_EQ(counted(other, nines, {0, 144}), Bytes(512, 9));
   EXPECT_EQ(ComputeHistogram(nullptr, IMG_FREE, GlobalAlloc(GHND, 512), nullptr, nullptr), nullptr);
   EXPECT_EQ(counted(picture, nines, {0, 144}), Bytes(512, 9)) << "freeing forgets nothing";
+  const int same[] = {0, 144};
+  HGLOBAL dead = dead_handle();
+  EXPECT_EQ(ComputeHistogram(picture.get(), IMG_COMPUTE, dead, same, nullptr), dead) << "not even looked at";
   const Block flat = block_of(with_header(header_for(256, 256, 8), Bytes(1024 + 65'536, 3)));
   EXPECT_EQ(counted(flat, new_histogram(), {0, 0}), Bytes(512)) << "65,536 wraps to 0";
 }

@@ -115,12 +115,9 @@ TEST(ToneExports, CheckTheDibFromItsHeaderToItsSizeAndThenTheRest) {
     expect(e, picture(header).get(), false, e.bad_parameter, "parameter");
     for (int depth : {0, 1, 2, 4, 8, 16, 24, 32}) {
       header.biBitCount = static_cast<uint16_t>(depth);
-      const bool nothing_to_do = depth == 24 && std::string(e.name) == "Convert8to24";
-      expect(e, picture(header).get(), true,
-             nothing_to_do              ? 31
-             : e.depths.contains(depth) ? 0
-                                        : e.other_depth,
-             std::to_string(depth));
+      int code = e.depths.contains(depth) ? 0 : e.other_depth;
+      if (depth == 24 && std::string(e.name) == "Convert8to24") code = 31;
+      expect(e, picture(header).get(), true, code, std::to_string(depth) + " bits");
     }
   }
   BITMAPINFOHEADER planes = header_for(9, 9, 1);
@@ -133,25 +130,22 @@ TEST(ToneExports, RefuseSizesThatMeanNothing) {
   struct Size {
     int width, height;
     uint32_t colors;
-    int in_place, low_width, low_words, gray;  // codes by what is made, and what is looked at
+    int codes[4];  // where the picture is changed; for colour filters; where low words count; for greys
   };
-  for (const Size& size : {Size{65'536, 1, 1, 0, 19, 19, 0},
-                           {1, 65'536, 1, 0, 0, 19, 0},
-                           {-9, 9, 1, 0, 0, 1, 1},
-                           {9, -9, 1, 0, 0, 1, 1},
-                           {INT_MIN, INT_MIN, 1, 0, 19, 19, 1},
-                           {INT_MAX, INT_MAX, 1, 1, 1, 1, 1},
-                           {65'537, 65'537, 1, 1, 1, 1, 1},
-                           {9, 9, 1u << 30, 1, 1, 1, 1},
-                           {9, 9, UINT_MAX, 1, 1, 1, 1}})
+  const size_t kinds[std::size(kExports)] = {0, 0, 0, 1, 2, 2, 3, 3};
+  for (const Size& size : {Size{65'536, 1, 1, {0, 19, 19, 0}},
+                           {1, 65'536, 1, {0, 0, 19, 0}},
+                           {-9, 9, 1, {0, 0, 1, 1}},
+                           {9, -9, 1, {0, 0, 1, 1}},
+                           {INT_MIN, INT_MIN, 1, {0, 19, 19, 1}},
+                           {INT_MAX, INT_MAX, 1, {1, 1, 1, 1}},
+                           {65'537, 65'537, 1, {1, 1, 1, 1}},
+                           {9, 9, 1u << 30, {1, 1, 1, 1}},
+                           {9, 9, UINT_MAX, {1, 1, 1, 1}}})
     for (size_t i = 0; i < std::size(kExports); ++i) {
       BITMAPINFOHEADER header = header_for(size.width, size.height, *kExports[i].depths.begin());
       header.biClrUsed = size.colors;
-      expect(kExports[i], picture(header).get(), true,
-             i < 3   ? size.in_place
-             : i < 4 ? size.low_width
-             : i < 6 ? size.low_words
-                     : size.gray,
+      expect(kExports[i], picture(header).get(), true, size.codes[kinds[i]],
              std::to_string(size.width) + " x " + std::to_string(size.height));
     }
 }
@@ -169,66 +163,47 @@ TEST(ToneExports, LookAtTheirOtherArgumentsFirst) {
   EXPECT_EQ(told(ApplyLUT(dead_handle(), nullptr, 0, &error)), 8);
 }
 
-// Types, sizes and kernels, which both filtering exports judge alike; a refused picture stays as it is.
-TEST(Filters, RefuseKernels) {
-  const TempFolder folder;
-  const std::vector<int> sobel = {-1, 0, 1, -2, 0, 2, -1, 0, 1, 0}, ones(50, 1);
-  struct Case {
-    int type, size;
-    std::vector<int> kernel;
-    bool is_good = false;
-    size_t bytes_missing = 0;
-  };
-  const Case cases[] = {
-      {0, 3, ones},
-      {7, 3, ones},
-      {-1, 3, ones},  // types
-      {3, 2, {}},
-      {3, 4, {}},
-      {3, 6, {}},
-      {3, 8, {}},
-      {3, 7, {}, true},  // sizes
-      {4, 7, {}},
-      {5, 7, {}},
-      {6, 4, {}},
-      {6, 5, {}, true},  //
-      {1, 4, ones},
-      {1, 6, ones},
-      {1, 7, ones, true},
-      {2, 7, ones},
-      {2, 4, ones},  //
-      {1, 3, sobel, true},
-      {2, 3, sobel, true},
-      {2, 5, ones, true},  // kernels
-      {1, 3, {}},
-      {2, 3, {}},
-      {2, 3, sobel, false, 1},  // missing, no file, a file too short
-      {1, 3, {0, 0, 0, 0, 128, 0, 0, 0, 0, 1}},
-      {2, 3, {0, 0, 0, 0, -128, 0, 0, 0, 0, 1}},
-      {1, 3, {64, 0, 0, 0, 64, 0, 0, 0, 0, 1}},
-      {1, 3, {-64, 0, 0, 0, -64, 0, 0, 0, 0, 1}},
-      {1, 3, {-127, 0, 0, 0, 127, 0, 0, 0, 0, 1}, true},
-      {1, 3, {SHRT_MIN, 0, 0, 0, 0, 0, 0, 0, 0, 1}},
-  };
-  for (const Case& c : cases)
-    for (bool colored : {false, true}) {
-      SCOPED_TRACE(testing::Message() << "case " << &c - cases << (colored ? ", colour" : ", grey"));
-      const std::string path = folder.path(std::to_string(&c - cases) + (colored ? "s" : "i"));
-      Bytes file = kernel_file(c.kernel, colored ? 2 : 4);
-      file.resize(file.size() - c.bytes_missing);
-      if (!file.empty()) write_file(path, file);
-      const std::vector<short> shorts(c.kernel.begin(), c.kernel.end());
-      const int* kernel = c.kernel.empty() ? nullptr : c.kernel.data();
-      const Bytes dib = noise(9, 9, colored ? 24 : 8);
-      const Block block = block_of(dib);
-      int error = kUntouched;
-      HGLOBAL result = colored ? ColorConvolution(block.get(), 0, 0, static_cast<short>(c.type), c.size, path.c_str(),
-                                                  kernel == nullptr ? nullptr : shorts.data(), &error)
-                               : Convolve(block.get(), 0, c.type, c.size, path.c_str(), kernel, &error);
-      EXPECT_EQ(result, c.is_good ? block.get() : nullptr);
-      EXPECT_EQ(error, c.is_good ? 0 : 8);
-      EXPECT_EQ(bytes_of(block.get()) == dib, !c.is_good);
-    }
+// Both filtering exports judge kernels alike; a refused picture stays as it is. Files are there unless they would be empty.
+void expect_filter(const PlainFilter& filter, bool is_good, size_t bytes_missing = 0) {
+  static const TempFolder folder;
+  static int files = 0;
+  for (bool colored : {false, true}) {
+    Bytes file = kernel_file(filter.kernel, colored ? 2 : 4);
+    file.resize(file.size() - bytes_missing);
+    const std::string path = folder.path(std::to_string(++files));
+    if (filter.type == 2 && !file.empty()) write_file(path, file);
+    const std::vector<short> shorts(filter.kernel.begin(), filter.kernel.end());  // without numbers, like those, null
+    const Bytes dib = noise(9, 9, colored ? 24 : 8);
+    const Block block = block_of(dib);
+    int error = kUntouched;
+    HGLOBAL result = colored
+                         ? ColorConvolution(block.get(), 0, 0, static_cast<short>(filter.type), filter.size, path.c_str(),
+                                            shorts.data(), &error)
+                         : Convolve(block.get(), 0, filter.type, filter.size, path.c_str(), filter.kernel.data(), &error);
+    SCOPED_TRACE(testing::Message() << "type " << filter.type << ", size " << filter.size << ", "
+                                    << testing::PrintToString(filter.kernel) << (colored ? ", colour" : ", grey"));
+    EXPECT_EQ(result, is_good ? block.get() : nullptr);
+    EXPECT_EQ(error, is_good ? 0 : 8);
+    EXPECT_EQ(bytes_of(block.get()) == dib, !is_good);
+  }
+}
+
+TEST(Filters, RefuseTypesSizesAndKernels) {
+  const std::vector<int> ones(50, 1), sobel = {-1, 0, 1, -2, 0, 2, -1, 0, 1, 0};
+  for (int type : {-1, 0, 1, 2, 3, 4, 5, 6, 7})
+    for (int size = 0; size < 9; ++size)
+      expect_filter({type, size, ones},
+                    type >= 1 && type <= 6 && (size == 3 || size == 5 || (size == 7 && (type == 1 || type == 3))));
+  const auto pair = [](int first, int second) { return std::vector<int>{first, 0, 0, 0, second, 0, 0, 0, 0, 1}; };
+  for (int type : {1, 2}) {
+    expect_filter({type, 3, {}}, false);
+    for (const auto& [first, second] : {std::pair{-127, 127}, {127, 0}, {64, 63}})
+      expect_filter({type, 3, pair(first, second)}, true);
+    for (const auto& [first, second] : {std::pair{128, 0}, {-128, 0}, {64, 64}, {-64, -64}, {SHRT_MIN, 0}})
+      expect_filter({type, 3, pair(first, second)}, false);
+  }
+  expect_filter({2, 3, sobel}, true);
+  expect_filter({2, 3, sobel}, false, 1);
   EXPECT_EQ(Convolve(block_of(noise(9, 9, 8)).get(), 0, 2, 3, nullptr, nullptr, nullptr), nullptr) << "no name";
 }
 
