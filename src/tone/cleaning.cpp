@@ -90,7 +90,10 @@ void take_rank_in_row(const uint8_t* below, const uint8_t* row, const uint8_t* a
                       int high) {
   for (size_t x = 1; x + 1 < result.size(); ++x) {
     uint8_t v[] = {below[x - 1], below[x], below[x + 1], row[x - 1], row[x + 1], above[x - 1], above[x], above[x + 1]};
-    for (const auto& [a, b] : kNetwork) order(v[a], v[b]);
+    [&]<size_t... kSteps>(std::index_sequence<kSteps...>) {
+      (order(v[kNetwork[kSteps].first], v[kNetwork[kSteps].second]), ...);
+    }
+    (std::make_index_sequence<std::size(kNetwork)>{});
     result[x] = row[x] < low || row[x] > high ? v[kRank - 1] : row[x];
   }
 }

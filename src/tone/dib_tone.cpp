@@ -1,6 +1,7 @@
 #include "tone/dib_tone.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vorel {
 namespace {
@@ -320,7 +321,8 @@ Result<OwnedDib> cleaned(const LockedDib& source, int level, Reach reach) {
   if (!result) return Error::kUnreported;
   std::ranges::copy(source.block(), result->bytes().begin());
   const auto to = CompleteBytes::of(result->bytes(), whole->bytes().size());
-  if (!to || !has_pixels(header)) return result;
+  if (!to) return Error::kUnreported;
+  if (!has_pixels(header)) return result;
   const bool is_black_first = colors[0].blue == 0;
   const int adjusted = is_black_first ? kMost + kLeast - level : level;
   // Bits behind the last row count as neighbours too, as far as the block goes.

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "dib/header.h"
 #include "dib/view.h"

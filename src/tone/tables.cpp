@@ -20,7 +20,7 @@ int mean_level(std::span<const uint16_t, kHistogramLevels> histogram) {
 }
 
 ComponentTable contrast_table(int32_t contrast, int32_t brightness, int mean) {
-  constexpr double kPerLevel = 0.00392156862745098;  // 1 / 255, as it has always been written
+  constexpr double kPerLevel = 0.00392156862745098;  // a product, since a quotient may differ in the last bit
   const double step = contrast + 255.0;
   double scaled = -static_cast<double>(mean) * contrast;  // 255 times the level, without brightness
   ComponentTable table;
