@@ -18,14 +18,16 @@ inline double seconds(auto&& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Times `work` as the benchmark and `copy` beside it, and reports how many of the second the first takes.
-void measure(benchmark::State& state, size_t bytes, auto&& work, auto&& copy) {
+// Times `work` as the benchmark and `copy` beside it, and reports how many of the second the first takes. Returns the seconds
+// that `work` takes.
+double measure(benchmark::State& state, size_t bytes, auto&& work, auto&& copy) {
   double worked = 0, copied = 0;
   for (auto _ : state) worked += seconds(work);
   const auto rounds = std::max<int64_t>(state.iterations(), 10);
   for (int64_t i = 0; i < rounds; ++i) copied += seconds(copy);
   state.counters["copies"] = (worked / static_cast<double>(state.iterations())) / (copied / static_cast<double>(rounds));
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(bytes));
+  return worked / static_cast<double>(state.iterations());
 }
 
 void measure_kernel(benchmark::State& state, const std::vector<uint8_t>& pixels, auto&& work) {
@@ -38,12 +40,11 @@ void measure_kernel(benchmark::State& state, const std::vector<uint8_t>& pixels,
 }
 
 // An export that makes a new DIB of another; `picture` is the block whose bytes are copied, the source itself if null.
-inline void measure_export(benchmark::State& state, HGLOBAL dib, HGLOBAL(VORELCALL* work)(HGLOBAL),
-                           HGLOBAL picture = nullptr) {
+double measure_export(benchmark::State& state, HGLOBAL dib, auto&& work, HGLOBAL picture = nullptr) {
   HGLOBAL copied = picture == nullptr ? dib : picture;
   const void* bytes = GlobalLock(copied);
   const size_t size = GlobalSize(copied);
-  measure(
+  const double worked = measure(
       state, size, [&] { GlobalFree(work(dib)); },
       [&] {
         void* copy = std::calloc(size, 1);
@@ -53,4 +54,5 @@ inline void measure_export(benchmark::State& state, HGLOBAL dib, HGLOBAL(VORELCA
         std::free(copy);
       });
   GlobalUnlock(copied);
+  return worked;
 }

@@ -1,23 +1,21 @@
 // Run-length compression of an A4 page at 300 dots per inch: as text, which is mostly runs, and as noise, which is all literals.
 #include <string>
 
-#include "dib/header.h"
 #include "formats/rle.h"
 #include "measure.h"
+#include "page.h"
 
 namespace {
 
 using namespace vorel;
 
-constexpr int kWidth = 2480, kHeight = 3508;
-
 struct Page {
   int depth;
-  std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(row_stride(static_cast<uint32_t>(depth), kWidth).value());
-  std::vector<uint8_t> pixels = std::vector<uint8_t>(static_cast<size_t>(stride) * kHeight + kBytesBehindRow);
+  std::ptrdiff_t stride = page_stride(depth);
+  std::vector<uint8_t> pixels = std::vector<uint8_t>(static_cast<size_t>(stride) * kPageHeight + kBytesBehindRow);
 
-  DibView view() { return {pixels.data(), stride, kWidth, kHeight, depth}; }
-  const uint8_t* last_row() const { return pixels.data() + stride * (kHeight - 1); }
+  DibView view() { return {pixels.data(), stride, kPageWidth, kPageHeight, depth}; }
+  const uint8_t* last_row() const { return pixels.data() + stride * (kPageHeight - 1); }
 };
 
 // Strokes of ink on paper some 40 bytes apart, or bytes without a pattern.
@@ -34,14 +32,14 @@ Page page_of(int depth, bool noise) {
 }
 
 std::vector<uint8_t> codes_of(Page& page) {
-  std::vector<uint8_t> codes(static_cast<size_t>(most_code_bytes(page.depth, kWidth, kHeight).value()));
+  std::vector<uint8_t> codes(static_cast<size_t>(most_code_bytes(page.depth, kPageWidth, kPageHeight).value()));
   codes.resize(encode_rle(page.view(), page.last_row(), codes));
   return codes;
 }
 
 void encoding(benchmark::State& state, int depth, bool noise) {
   Page page = page_of(depth, noise);
-  std::vector<uint8_t> codes(static_cast<size_t>(most_code_bytes(depth, kWidth, kHeight).value()));
+  std::vector<uint8_t> codes(static_cast<size_t>(most_code_bytes(depth, kPageWidth, kPageHeight).value()));
   measure_kernel(state, page.pixels, [&] {
     benchmark::DoNotOptimize(encode_rle(page.view(), page.last_row(), codes));
     benchmark::ClobberMemory();
@@ -59,19 +57,8 @@ void decoding(benchmark::State& state, int depth, bool noise) {
   });
 }
 
-HGLOBAL dib_of(const Page& page) {
-  const DibHeader header{.width = kWidth, .height = kHeight, .depth = static_cast<uint16_t>(page.depth)};
-  const auto begin = static_cast<size_t>(bits_offset(header).value());
-  HGLOBAL dib = GlobalAlloc(GHND, begin + page.pixels.size());
-  auto* bytes = static_cast<uint8_t*>(GlobalLock(dib));
-  std::memcpy(bytes, &header, sizeof header);
-  std::memcpy(bytes + begin, page.pixels.data(), page.pixels.size());
-  GlobalUnlock(dib);
-  return dib;
-}
-
 void exported(benchmark::State& state, int depth, bool noise, bool expands) {
-  HGLOBAL dib = dib_of(page_of(depth, noise));
+  HGLOBAL dib = page_dib(depth, page_of(depth, noise).pixels);
   HGLOBAL codes = CompressDIB(dib);
   measure_export(state, expands ? codes : dib, expands ? ExpandCompressedDIB : CompressDIB, dib);
   GlobalFree(codes);

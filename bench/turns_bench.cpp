@@ -1,62 +1,33 @@
 // Turns and mirrors of an A4 page at 300 dots per inch.
 #include <benchmark/benchmark.h>
-#include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include <vorel32.h>
 
-#include "dib/header.h"
 #include "geometry/turn.h"
 #include "measure.h"
+#include "page.h"
 
 namespace {
 
 using namespace vorel;
 
-constexpr int kWidth = 2480, kHeight = 3508;
-
-struct Page {
-  int width, height, depth;
-  std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(row_stride(static_cast<uint32_t>(depth), width).value());
-  std::vector<uint8_t> bytes = std::vector<uint8_t>(static_cast<size_t>(stride) * static_cast<size_t>(height));
-
-  Page(int w, int h, int d) : width(w), height(h), depth(d) {}
-  DibView view() { return {bytes.data(), stride, width, height, depth}; }
-};
-
-// Text-like bytes: mostly paper, some ink.
-void fill(std::vector<uint8_t>& bytes) {
-  uint32_t state = 1;
-  for (uint8_t& byte : bytes) {
-    state = state * 1'664'525 + 1'013'904'223;
-    byte = state >> 28 == 0 ? static_cast<uint8_t>(state >> 16) : 0xFF;
-  }
-}
-
 void kernel(benchmark::State& state, int depth, bool quarter, void (*turn)(ConstDibView, DibView)) {
-  Page source(kWidth, kHeight, depth);
-  Page result(quarter ? kHeight : kWidth, quarter ? kWidth : kHeight, depth);
-  fill(source.bytes);
-  measure_kernel(state, source.bytes, [&] {
-    turn(source.view(), result.view());
-    benchmark::DoNotOptimize(result.bytes.data());
+  const std::vector<uint8_t> page = page_pixels(depth);
+  const int width = quarter ? kPageHeight : kPageWidth, height = quarter ? kPageWidth : kPageHeight;
+  std::vector<uint8_t> turned(static_cast<size_t>(page_stride(depth, width) * height));
+  const ConstDibView source(page.data(), page_stride(depth), kPageWidth, kPageHeight, depth);
+  const DibView result(turned.data(), page_stride(depth, width), width, height, depth);
+  measure_kernel(state, page, [&] {
+    turn(source, result);
+    benchmark::DoNotOptimize(turned.data());
     benchmark::ClobberMemory();
   });
 }
 
 void exported(benchmark::State& state, int depth, HGLOBAL(VORELCALL* turn)(HGLOBAL)) {
-  const Page page(kWidth, kHeight, depth);
-  DibHeader header{.width = kWidth, .height = kHeight, .depth = static_cast<uint16_t>(depth)};
-  const size_t size = static_cast<size_t>(bits_offset(header).value()) + page.bytes.size();
-  HGLOBAL dib = GlobalAlloc(GHND, size);
-  auto* bytes = static_cast<uint8_t*>(GlobalLock(dib));
-  std::vector<uint8_t> pixels(page.bytes.size());
-  fill(pixels);
-  std::memcpy(bytes, &header, sizeof header);
-  std::memcpy(bytes + size - pixels.size(), pixels.data(), pixels.size());
-  GlobalUnlock(dib);
+  HGLOBAL dib = page_dib(depth, page_pixels(depth));
   measure_export(state, dib, turn);
   GlobalFree(dib);
 }

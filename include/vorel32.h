@@ -510,6 +510,184 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */
 
+/* ---- Turning by any angle, skewing, scaling, cutting ---------------------------------------------------------------- */
+
+/** Turns a DIB about its centre by any whole number of degrees, picking the nearest pixel. The result is just large enough, has
+ *  even sides, and 0 (colour 0, black) where the picture does not reach.
+ *  dib      1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
+ *  angle    degrees, positive counter-clockwise
+ *  method   1 steps along rows by counting; any other number follows exact positions and rounds at each pixel
+ *  status   takes 0, or 500 (compressed), 501 (width or height is a multiple of 65,536, 0 for instance), 503 (memory is short),
+ *           505 (not a handle), 506 (null, or another header). The thread's code stays as it was
+ *  corners  takes eight numbers, x and y of the turned corners seen from the centre, in whole pixels: first stored row left and
+ *           right, last stored row right and left; y counts rows as they are stored, upwards. May be NULL
+ *  Resolutions are mixed by the angle. At 0 degrees an odd width or height makes the result one larger, and the source's first
+ *  column or row may not be seen in it.
+ *  Returns a DIB handle, or NULL. */
+VOREL_API HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners);
+
+/** Shears a DIB: moves its rows or columns, each by a whole number of pixels. The result is larger by the offset and has 0 where
+ *  the picture does not reach.
+ *  dib        1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
+ *  direction  not 0: rows move right; 0: columns move up
+ *  offset     pixels by which the edge that moves furthest does. Rows: the upper ones if positive, else the lower ones. Columns:
+ *             the right ones if positive, else the left ones
+ *  error      takes the code of a failure; not written on success. May be NULL
+ *  corners    takes eight numbers, x and y of four corners in the result, from the upper left one clockwise, y downwards from the
+ *             top. For columns they are those of the rectangle that the picture has grown to. Written once dib is found good
+ *  Returns a DIB handle, and sets the thread's code to 0. NULL, code in both: IMG_E_PARAMETER (null, or another header),
+ *  IMG_E_LOCK, IMG_E_COMPRESSED, IMG_E_DIB_SIZE (width or height 0), IMG_E_MEMORY. */
+VOREL_API HGLOBAL VORELCALL SkewDIB(HGLOBAL dib, int direction, int offset, int* error, int* corners);
+
+/** Scales a DIB to a size in pixels.
+ *  dib            1 bit: nearest pixel. 4, 8, 24 bits: interpolated, below 24 bits with the nearest colour of the table; black at
+ *                 the beginning of a row becomes colour 0 whatever that is
+ *  mode           0 linear, anything else cubic convolution with a = -1 (Keys, 1981); not looked at for 1 bit
+ *  width, height  of 4, 8 and 24 bits the low 16 bits count
+ *  Resolutions and the rest of the header stay as they are; with 1 bit so does biSizeImage.
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null), IMG_E_MEMORY (also: not a handle), IMG_E_HEADER_BITS (another depth),
+ *  IMG_E_DIB_SIZE (a side of 0, or a picture wider than 65,535 or without pixels); no code for 1 bit. */
+VOREL_API HGLOBAL VORELCALL ScaleDIB(HGLOBAL dib, int mode, unsigned width, unsigned height);
+
+/** Magnifies the lower left part of a grey DIB, interpolating like ScaleDIB.
+ *  dib                 4, 8 or 24 bits. Below 24 bits each colour counts as its grey, (blue + green + red + 1) / 3, and what comes
+ *                      out goes to the colour nearest to that grey; at 24 bits each component is interpolated by itself
+ *  width, height       of the part, from the first stored row and column on, in pixels
+ *  x_factor, y_factor  from 1
+ *  mode                0 linear, anything else cubic
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null, a part that is empty or reaches outside, a factor below 1), IMG_E_MEMORY
+ *  (also: not a handle), IMG_E_HEADER_BITS (another depth), IMG_E_DIB_SIZE (a side of the result is more than 65,535). */
+VOREL_API HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int x_factor, int y_factor, int mode);
+
+/** Cuts a DIB in two at a line.
+ *  line           rows of the upper part, from 1 to one less than all
+ *  first, second  take the handles of the lower and the upper part. Each is set once its block is there, to NULL if memory is
+ *                 short; after a failure they may hold handles that are dead
+ *  Both parts state the image size of the first.
+ *  Returns TRUE. FALSE, no code: not a DIB handle, another depth than 1, 4, 8 or 24 bits, a line outside, or memory is short. */
+VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second);
+
+#ifdef _WIN32
+
+/** Paints a device bitmap onto another. Windows only.
+ *  x, y    where the source's left upper corner goes. The system combines as many pixels as the target has, so what lies
+ *          beyond the source in the system's hands is combined too
+ *  target  the bitmap to paint on; one that is NULL becomes a copy of the source, for DeleteObject
+ *  mask    of the source's size, or NULL; one in colour is made monochrome first. White lets the source through
+ *  flag    without a mask: 0 replaces, anything else ORs. With a mask: 0 replaces, anything else XORs
+ *  With a mask the source is ANDed with it and a monochrome mask is inverted: both lose their contents.
+ *  Returns TRUE. FALSE: 501 (mask and source differ in size), 506 (no source), 507 (the source cannot be copied), the codes of
+ *  ConvertToMonochromeBitmap; no code when the system does not paint. */
+VOREL_API BOOL VORELCALL CombineBMP(int x, int y, HBITMAP* target, HBITMAP source, HBITMAP mask, int flag);
+
+/** Paints a DIB onto another by way of device bitmaps, so that colours are those of the display. Windows only.
+ *  target  the DIB to paint on, changed in place; one that is NULL becomes a copy of the source (without pixels if that states
+ *          no biSizeImage), for GlobalFree
+ *  The rest is as for CombineBMP, but that source and mask stay as they are.
+ *  Returns TRUE. FALSE: 504 (no memory for the copy), 505 (not a DIB handle), 506 (no source), 508 (the source to be copied is
+ *  compressed), 510 (a DIB cannot be converted, or the target is compressed), IMG_E_MEMORY, the codes of CombineBMP. A display without a palette leaves
+ *  IMG_E_CREATE_PALETTE even though the call succeeds. */
+VOREL_API BOOL VORELCALL CombineDIB(int x, int y, HGLOBAL* target, HGLOBAL source, HGLOBAL mask, int flag);
+
+#endif /* _WIN32 */
+
+/* ---- Tone and colour ------------------------------------------------------------------------------------------------ */
+
+/** What ComputeHistogram and ComputeLUT are to do. Any other number does nothing and returns NULL with error 0. */
+typedef enum ImgOperation { IMG_ALLOCATE = 30, IMG_COMPUTE = 31, IMG_FREE = 32 } ImgOperation;
+
+/** Counts how often each value occurs in a square of 256 x 256 pixels that is dragged about an 8-bit DIB; less where the picture is
+ *  smaller. What comes into the square and leaves it is all that is counted anew on short ways.
+ *    IMG_ALLOCATE  returns a new histogram block: 256 counters of 16 bits. Counters wrap: a square of one value counts to 0
+ *    IMG_COMPUTE   makes the counters those of the square and returns `histogram`. The thread remembers the square that it
+ *                  counted last, for whatever picture and block, and does not count it again: start a new picture with
+ *                  IMG_ALLOCATE
+ *    IMG_FREE      frees the block and returns NULL
+ *  dib     IMG_COMPUTE: 8 bits. Pixel values are counted, whatever their colours
+ *  origin  IMG_COMPUTE: x and y of the square's left upper corner, y from the top; moved inside the picture
+ *  error   takes 0, or IMG_E_MEMORY, IMG_E_PARAMETER (a null argument, a header of other than 40 bytes), IMG_E_LOCK (not a
+ *          handle), IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (not 8 bits), IMG_E_DIB_SIZE. The thread's code stays as it was
+ *  Returns NULL on failure. */
+VOREL_API HGLOBAL VORELCALL ComputeHistogram(HGLOBAL dib, int operation, HGLOBAL histogram, const int* origin, int* error);
+
+/** Makes a lookup table of contrast and brightness.
+ *    IMG_ALLOCATE  returns a new block of 256 bytes, in which each level stays what it is
+ *    IMG_COMPUTE   makes entry i the level i + contrast * (i - mean) / 255 + brightness, between 0 and 255, and returns `table`.
+ *                  On a thread that never allocated a table it writes nothing
+ *    IMG_FREE      frees the block and returns its number
+ *  histogram  IMG_COMPUTE: its mean level is what contrast turns about; 128 without one, or where it counts nothing
+ *  contrast   0 none; -255 flattens the table to the mean
+ *  error      takes 0, or IMG_E_MEMORY, IMG_E_PARAMETER (no table). The thread's code stays as it was
+ *  Returns NULL on failure. */
+VOREL_API HGLOBAL VORELCALL ComputeLUT(HGLOBAL histogram, int operation, HGLOBAL table, int contrast, int brightness,
+                                       int* error);
+
+/** Runs an 8-bit DIB through a lookup table. Each pixel becomes the table's level for the mean of its colour,
+ *  (blue + green + red + 1) / 3, and the colour table greys from black to white, as far as it goes.
+ *  table      a block of 256 bytes
+ *  make_copy  0 changes the DIB itself and returns it; anything else returns a new one
+ *  error      as for ComputeHistogram
+ *  Returns NULL on failure. */
+VOREL_API HGLOBAL VORELCALL ApplyLUT(HGLOBAL dib, HGLOBAL table, int make_copy, int* error);
+
+/** Changes brightness, then contrast, of the colours of a 4- or 8-bit DIB or of the pixels of a 24-bit one.
+ *  brightness, contrast  percent, from -100 to 100; low 16 bits of what is passed. Contrast turns about 128
+ *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_PARAMETER (null, another header, percentages out of range),
+ *  IMG_E_LOCK, IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (another depth), IMG_E_DIB_SIZE, IMG_E_MEMORY. */
+VOREL_API HGLOBAL VORELCALL ColorBrightnessContrast(HGLOBAL dib, short brightness, short contrast);
+
+/** Makes a 24-bit copy of an 8-bit DIB. biSizeImage counts rows by the low 16 bits of their length.
+ *  Returns a DIB handle and sets the thread's code to 0. NULL: 31 (24 bits already), else as ColorBrightnessContrast. */
+VOREL_API HGLOBAL VORELCALL Convert8to24(HGLOBAL dib);
+
+/** Filters an 8-bit DIB, whose pixel values are taken for greys; the colour table becomes greys from black to white, as far as it
+ *  goes. Rows and columns at the edges are repeated beyond them.
+ *  make_copy    0 changes the DIB itself and returns it; anything else returns a new one
+ *  type         1 the caller's kernel, 2 one from a file, 3 box blur, 4 weighted blur, 5 sharpen by four neighbours, 6 by eight
+ *  size         of the kernel: 3 or 5; types 1 and 3 also 7
+ *  kernel_file  type 2: size x size coefficients row by row and the divisor, 32-bit little-endian whole numbers, no more
+ *  kernel       type 1: the same in memory
+ *  error        takes 0, or a code as for ComputeHistogram; IMG_E_PARAMETER also for another type or size, and for a kernel that is
+ *               missing or out of bounds. The thread's code stays as it was
+ *  A kernel's first row is for the row above in the picture, its first column for the left neighbour. Coefficients, and the sums of
+ *  the positive and of the negative ones, are at most 127 either way. Divisor 0 stands for the sum of all, or 1 where that is 0.
+ *  Where a kernel has both signs, and for types 5 and 6, sums are limited to 0 to 255 before they are divided. Quotients keep their
+ *  low 8 bits. Of size 5, types 4 and 6 count the second pixel of each row once too often; see docs/behaviour.md.
+ *  Returns NULL on failure. */
+VOREL_API HGLOBAL VORELCALL Convolve(HGLOBAL dib, int make_copy, int type, int size, LPCSTR kernel_file, const int* kernel,
+                                     int* error);
+
+/** Filters a 24-bit DIB by its intensity: what the filter changes is added to blue, green and red alike, within 0 to 255.
+ *  intensity_mode  1 (8 blue + 15 green + 3 red) / 26; anything else the mean
+ *  type            low 16 bits count
+ *  kernel_file, kernel  of 16-bit whole numbers
+ *  The rest is as for Convolve, but that sums are never limited before they are divided. */
+VOREL_API HGLOBAL VORELCALL ColorConvolution(HGLOBAL dib, int make_copy, int intensity_mode, short type, int size,
+                                             LPCSTR kernel_file, const short* kernel, int* error);
+
+/** Makes a grey copy: 8 bits, of a 4-bit DIB 4 bits. 4 and 8 bits keep their pixels and get a grey colour table.
+ *  grade     1 bit: 0 plain, 1 smoothed over 3 x 3 pixels, 2 over 5 x 5 (in pictures below 6 rows over 3 x 3, below 4 not at all).
+ *            Set bits come out white whatever the colour table says. Smoothed pictures come out 1 or 2 stored rows later
+ *  weighted  0 the mean of blue, green and red; else (8 red + 15 green + 3 blue) / 26; not looked at for 1 bit
+ *  Returns a DIB handle and sets the thread's code to 0. NULL: as ColorBrightnessContrast; IMG_E_PARAMETER for another grade. */
+VOREL_API HGLOBAL VORELCALL ConvColorDIBtoGrayscale(HGLOBAL dib, int grade, int weighted);
+
+/** Makes an 8-bit grey copy of a 1-bit DIB. Its colour table falls from white to black, and pixels say how dark they are: the bits
+ *  of the darker colour count.
+ *  grade  as for ConvColorDIBtoGrayscale
+ *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_COMPRESSED (also: not 1 bit, or not one plane), else as
+ *  ConvColorDIBtoGrayscale. */
+VOREL_API HGLOBAL VORELCALL ConvMonoDIBtoGrayscale(HGLOBAL dib, int grade);
+
+/** Takes specks off a grey DIB of 1 or 8 bits, by the eight neighbours of each pixel. Edges stay as they are.
+ *  level  strength, 20 to 100. Where colour 0 is black, 120 - level takes its place
+ *         1 bit: a pixel with more set neighbours than level * 8 / 100 is set, one with fewer is cleared
+ *         8 bits: a pixel takes the value of its neighbour of rank (120 - level) * 9 / 100, counted from the smallest
+ *  mode   0 gentle: 1 bit, only pixels with fewer than four set neighbours; 8 bits, only values below 5 and above 250. Else all
+ *  Returns a DIB handle for a block of the same size. NULL, no code: not a DIB handle, another depth, a colour that is no grey, a
+ *  level out of range, or memory is short. */
+VOREL_API HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode);
+
 /* ---- Run-length compression ---------------------------------------------------------------------------------------- */
 
 /*  Both functions return a new DIB handle and, unlike most, set the thread's code to 0 when they succeed. They take the

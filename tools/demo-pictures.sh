@@ -7,7 +7,10 @@ cd "$(dirname "$0")/.."
 say() { printf '\n== %s\n' "$*"; }
 windows() { ./tools/run-wine.sh "build/win32/bin/$1" "${@:2}"; }
 
-steps=("convert" "rotate 90" "rotate 180" "rotate 270" "mirror horizontal" "mirror vertical" "invert")
+steps=("convert" "rotate 90" "rotate 180" "rotate 270" "rotate -17 --white" "mirror horizontal" "mirror vertical"
+       "skew horizontal 150 --white" "skew vertical -100" "scale 30%" "scale 150% --method cubic" "scale 50% --method nearest"
+       "crop 100,80 300x200" "invert" "tone --brightness 10 --contrast 30" "lut --contrast 80 --square 100,100" "filter sharpen"
+       "filter blur --size 5" "gray --weighted" "gray --smooth 2" "expand" "clean 60")
 endings=(tif png jpg gif pcx dcx tga)
 different=0 compared=0
 
@@ -36,11 +39,26 @@ say "each picture through libvorel32.so and, under Wine, through VOREL32.DLL"
 for picture in out/pictures/*.bmp; do
   name=$(basename "$picture" .bmp)
   for step in "${steps[@]}"; do
-    read -r verb argument <<<"$step"
-    run_both "$name-$verb${argument:+-$argument}.bmp" "$verb" "$picture" ${argument:+"$argument"}
+    read -ra words <<<"$step"
+    result=$(tr -s ' ,%' '-' <<<"$name $step").bmp
+    run_both "$result" "${words[0]}" "$picture" "${words[@]:1}"
   done
   windows through_device.exe "$picture" "out/windows/$name-through-device.bmp" || true
 done
+
+say "pictures painted onto the page, and the page cut in two"
+page=out/pictures/page-1bit.bmp
+if [ -f "$page" ]; then
+  for tool in linux windows; do
+    vorel=build/native/bin/vorel
+    [ $tool = linux ] || vorel="windows vorel.exe"
+    $vorel combine $page out/pictures/chart-24bit.bmp out/$tool/stamped.bmp --at 600,1300
+    $vorel cut $page out/$tool/above.bmp out/$tool/below.bmp 1700
+  done
+  for result in stamped above below; do
+    cmp -s out/linux/$result.bmp out/windows/$result.bmp && verdict $result.bmp same || verdict $result.bmp DIFFERS
+  done
+fi
 
 say "each picture saved in every format, through the codec modules of both"
 for picture in out/pictures/*.bmp; do

@@ -119,6 +119,17 @@ Output::Output(const std::string& name, bool overwrite, std::ostream& standard_o
   if (error) fail(fmt::format("the symbolic link cannot be followed ({}); name its target", error.message()));
 }
 
+bool Output::replaces(const Input& input) const {
+  std::error_code error;
+  return stream_ == nullptr && fs::equivalent(target_, input.path(), error);
+}
+
+bool Output::is_same_as(const Output& other) const {
+  if (stream_ != nullptr || other.stream_ != nullptr) return stream_ == other.stream_;
+  std::error_code error;
+  return fs::weakly_canonical(target_, error) == fs::weakly_canonical(other.target_, error);
+}
+
 void Output::write(const std::string& ending, const Save& save) const try {
   const bool is_file = stream_ == nullptr && (!fs::exists(found_) || fs::is_regular_file(found_));
   if (is_file) {

@@ -58,6 +58,10 @@ class Output {
 
   const std::string& label() const { return label_; }  // for messages
 
+  // Whether this is the file of an input, or of another output.
+  bool replaces(const Input& input) const;
+  bool is_same_as(const Output& other) const;
+
   // Lets `save` write an empty file whose name ends as asked for, given as the library takes it, and puts that in place; or
   // leaves everything as it was. Throws Failure, and whatever `save` throws.
   using Save = std::function<void(const std::string& path)>;

@@ -29,7 +29,8 @@ Failure unknown_format(const Input& input, int code) {
       return failure("clipboard files are not loaded by this tool; save the picture as an image file");
     case IMG_FORMAT_TEXT: return failure("this is a text; give a picture file");
     default:
-      return failure("the format is not recognised, or the file is damaged; give a picture file (TGA files go by their name)");
+      return failure(
+          "the format is not recognised, or the file is damaged; give a picture file (TGA files go by their name)");
   }
 }
 
@@ -220,6 +221,17 @@ std::optional<int> count_pages(const Input& input, const Format& format) {
   const int pages = count(input.loading_path().c_str(), &status);
   if (pages < 1) throw not_loaded(input, format, status);
   return pages;
+}
+
+void keep_pages(const Input& input, const Output& output) {
+  if (!output.replaces(input)) return;
+  const auto pages = count_pages(input, recognise(input));
+  if (!pages || *pages == 1) return;
+  throw Failure(
+      ExitCode::kWrongUse, input.label(),
+      fmt::format("the file has {} pages, and one of them would take the place of all; give OUT another name, or use "
+                  "\"vorel pages split\" and \"join\"",
+                  *pages));
 }
 
 Picture load_picture(const Input& input, int page) {

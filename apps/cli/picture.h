@@ -38,6 +38,9 @@ const Format& recognise(const Input& input);
 // The number of pages; none if the module does not tell. Throws Failure for a damaged file.
 std::optional<int> count_pages(const Input& input, const Format& format);
 
+// Throws Failure if a file of several pages would be replaced by one of them.
+void keep_pages(const Input& input, const Output& output);
+
 // Loads a page, counted from 1. Throws Failure.
 Picture load_picture(const Input& input, int page);
 

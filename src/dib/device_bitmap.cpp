@@ -44,10 +44,14 @@ void fill_colors(std::span<Rgb> table, uint32_t depth, HPALETTE palette) {
   });
 }
 
+uint32_t row_count(const DibHeader& header) {
+  return header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
+}
+
 // Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, up to three
 // masks, all planes, and a compressed picture is as long as it says.
 ByteCount bytes_read_by_device(const DibHeader& header) {
-  const uint32_t rows = header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
+  const uint32_t rows = row_count(header);
   const uint32_t row_bits = uint32_t{std::max<uint16_t>(header.planes, 1)} * header.depth;
   const ByteCount pixels = row_stride(row_bits, std::max(header.width, 0)) * rows;
   const ByteCount table = (ByteCount(std::max(DIBNumColors(header), implied_colors(header.depth))) + 3) * sizeof(Rgb);
@@ -133,6 +137,29 @@ Result<OwnedBitmap> bitmap_of(const LockedDib& dib) {
   }
   const ScreenDc screen;
   return screen ? bitmap_of(dib, screen.get(), colors) : Error::kUnreported;
+}
+
+bool read_back(HBITMAP bitmap, const LockedDib& dib) {
+  const DibHeader& header = dib.header();
+  const auto whole = dib.complete(bytes_read_by_device(header));
+  if (!whole) return false;
+  // The system may write more colours than the DIB has room for.
+  DeviceDibInfo info{.header = header, .colors = {}};
+  const size_t head = static_cast<size_t>(bits_offset(header).value());
+  const auto table =
+      colors_in(*whole).first(std::min(std::size(info.colors), head / sizeof(Rgb) - kHeaderBytes / sizeof(Rgb)));
+  std::ranges::copy(table, info.colors);
+  if (const auto shown = screen_colors())
+    std::ranges::copy(std::span(*shown).first(std::min(shown->size(), table.size())), info.colors);
+
+  const ScreenDc screen;
+  const auto palette = screen_palette();
+  if (!palette) set_thread_error(palette.error());
+  const PaletteSelection selection(screen.get(), palette ? palette->get() : nullptr);
+  GetDIBits(screen.get(), bitmap, 0, row_count(header), whole->bytes().data() + head, info.get(), DIB_RGB_COLORS);
+  std::ranges::copy(std::span(info.colors).first(table.size()), table.begin());
+  whole->write_back();
+  return true;
 }
 
 Result<OwnedBitmap> monochrome_copy(HBITMAP bitmap) {

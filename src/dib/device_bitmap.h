@@ -21,6 +21,10 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette);
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib);
 
+// Reads a bitmap back into a DIB, in the DIB's own size and format: pixels, and of its colour table what the system fills in,
+// which otherwise gets the screen's colours. False when memory is short.
+bool read_back(HBITMAP bitmap, const LockedDib& dib);
+
 Result<OwnedBitmap> monochrome_copy(HBITMAP bitmap);
 
 Result<OwnedBitmap> duplicate(HBITMAP bitmap);

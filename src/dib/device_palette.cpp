@@ -63,8 +63,7 @@ Result<OwnedPalette> screen_palette() {
   return logical->create();
 }
 
-Result<bool> read_screen_colors(Rgb* colors) {
-  if (colors == nullptr) return Error::kUnreported;
+Result<std::vector<Rgb>> screen_colors() {
   const ScreenDc screen;
   if (!screen) return Error::kUnreported;
   const int count = screen_palette_size(screen.get());
@@ -74,11 +73,12 @@ Result<bool> read_screen_colors(Rgb* colors) {
   if (!*palette) return Error::kUnreported;
 
   const PaletteSelection selection(screen.get(), palette->get());
+  std::vector<Rgb> colors;
   for (int i = 0; i < count; ++i) {
     const COLORREF shown = GetNearestColor(screen.get(), PALETTEINDEX(i));
-    colors[i] = {GetBValue(shown), GetGValue(shown), GetRValue(shown), 0};
+    colors.push_back({GetBValue(shown), GetGValue(shown), GetRValue(shown), 0});
   }
-  return true;
+  return colors;
 }
 
 }  // namespace vorel

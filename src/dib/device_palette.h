@@ -1,6 +1,8 @@
 // Logical palettes: of a DIB, and of the screen.
 #pragma once
 
+#include <vector>
+
 #include "dib/packed_dib.h"
 #include "frame/error.h"
 #include "platform/windows/gdi.h"
@@ -13,7 +15,7 @@ Result<OwnedPalette> palette_of(const LockedDib& dib);
 // The screen's system palette entries.
 Result<OwnedPalette> screen_palette();
 
-// What the screen shows for each entry of its system palette. The array holds as many entries as that has.
-Result<bool> read_screen_colors(Rgb* colors);
+// What the screen shows for each entry of its system palette.
+Result<std::vector<Rgb>> screen_colors();
 
 }  // namespace vorel

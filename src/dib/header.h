@@ -64,6 +64,20 @@ constexpr ByteCount row_stride(uint32_t bits_per_pixel, int32_t width) {
   return (uint64_t{bits_per_pixel} * static_cast<uint32_t>(width) + 31) / 32 * 4;
 }
 
+// Bytes in the rows of an uncompressed picture, for a width and height of at least 0.
+inline ByteCount rows_bytes(const DibHeader& header) {
+  return row_stride(header.depth, header.width) * static_cast<uint32_t>(header.height);
+}
+
+// Pictures of a negative or no size are taken for pictures without pixels by whatever does not refuse them.
+inline bool has_pixels(const DibHeader& header) { return header.width > 0 && header.height > 0; }
+inline ByteCount pixel_bytes(const DibHeader& header) { return has_pixels(header) ? rows_bytes(header) : 0; }
+
+// Bytes that a header says its rows take.
+inline ByteCount stated_image_bytes(const DibHeader& header) {
+  return header.image_bytes != 0 ? ByteCount(header.image_bytes) : rows_bytes(header);
+}
+
 // Colours that the depth implies: 2, 16 or 256, or none.
 constexpr uint32_t implied_colors(uint32_t depth) { return depth == 1 || depth == 4 || depth == 8 ? 1u << depth : 0; }
 

@@ -81,6 +81,13 @@ class LockedDib {
   DibHeader header_;
 };
 
+// The pixels of a DIB that is whole, `offset` bytes from its start.
+template <class Byte>
+BasicView<Byte> pixels_at(std::span<Byte> dib, ByteCount offset, const DibHeader& header) {
+  return {dib.data() + offset.value(), static_cast<std::ptrdiff_t>(row_stride(header.depth, header.width).value()),
+          header.width, header.height, header.depth};
+}
+
 // The colours in a block's first bytes, right after its 40-byte header.
 inline std::span<Rgb> colors_in(const CompleteBytes& bytes) {
   const std::span<uint8_t> table = bytes.bytes().subspan(kHeaderBytes);
@@ -96,6 +103,22 @@ class OwnedDib {
     auto lock = LockedBlock::lock(block->get());
     if (!lock) return Error::kLock;
     return OwnedDib(std::move(*block), std::move(*lock));
+  }
+
+  // The same, asked for once more when memory is short.
+  static Result<OwnedDib> allocate_or_retry(ByteCount bytes) {
+    auto dib = allocate(bytes);
+    return !dib && dib.error() == Error::kMemory ? allocate(bytes) : std::move(dib);
+  }
+
+  // A DIB with `header` for its header and the colour table of another, whose first bytes, as far as the table goes, are `head`.
+  static Result<OwnedDib> with_head(std::span<const uint8_t> head, const DibHeader& header, ByteCount image_bytes,
+                                    Result<OwnedDib> (*make)(ByteCount) = allocate) {
+    auto dib = make(ByteCount(head.size()) + image_bytes);
+    if (!dib) return dib;
+    std::ranges::copy(head, dib->bytes().begin());
+    write_header(dib->bytes(), header);
+    return dib;
   }
 
   std::span<uint8_t> bytes() const { return lock_->bytes(); }

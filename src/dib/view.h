@@ -13,6 +13,16 @@ constexpr size_t row_bytes(int depth, int width) {
   return static_cast<size_t>((static_cast<uint64_t>(depth) * static_cast<uint64_t>(width) + 7) / 8);
 }
 
+// In pixels.
+struct Size {
+  int width = 0, height = 0;
+};
+
+// A part of a picture, counted from its top left corner.
+struct Rect {
+  int x = 0, y = 0, width = 0, height = 0;
+};
+
 // Rows of pixels in memory. Rows are counted as they are stored: in a packed DIB row 0 is the bottom line of the picture, in
 // the bits of a device bitmap the top line. Whoever makes a view has made sure that its rows lie inside the memory.
 template <class Byte>
@@ -30,6 +40,8 @@ class BasicView {
   std::span<Byte> row(int y) const { return {first_row_ + y * stride_, row_bytes(depth_, width_)}; }
   // Row y of a packed DIB counted from the top of the picture.
   std::span<Byte> row_from_top(int y) const { return row(height_ - 1 - y); }
+
+  Size size() const { return {width_, height_}; }
 
   // The same memory, fewer rows or another width.
   BasicView first_rows(int height) const { return {first_row_, stride_, width_, height, depth_}; }

@@ -1,10 +1,13 @@
-// Palettes, device bitmaps and what converts to and from them.
+// Palettes, device bitmaps, what converts to and from them, and what goes by way of them.
+#include <algorithm>
+
 #include <vorel32.h>
 
 #include "dib/bitmap_file.h"
 #include "dib/device_bitmap.h"
 #include "dib/device_palette.h"
 #include "exports/boundary.h"
+#include "geometry/device_combine.h"
 #include "geometry/device_turn.h"
 
 using namespace vorel;
@@ -45,7 +48,13 @@ HPALETTE VORELCALL CreateDIBPalette(HGLOBAL dib) {
 HPALETTE VORELCALL GetCurrentPalette(void) { return object_for_caller(screen_palette); }
 
 BOOL VORELCALL GetSystemPalette(RGBQUAD* colours) {
-  return at_boundary(ThreadCode{}, [&] { return read_screen_colors(reinterpret_cast<Rgb*>(colours)); });
+  return at_boundary(ThreadCode{}, [&]() -> Result<bool> {
+    if (colours == nullptr) return Error::kUnreported;
+    const auto shown = screen_colors();
+    if (!shown) return shown.error();
+    std::ranges::copy(*shown, reinterpret_cast<Rgb*>(colours));
+    return true;
+  });
 }
 
 HGLOBAL VORELCALL ConvertBitmapToDIB(HBITMAP bitmap, HPALETTE palette) {
@@ -100,6 +109,14 @@ BOOL VORELCALL FlipBitmapHorizontal(HBITMAP bitmap) { return rewritten_bitmap(bi
 
 BOOL VORELCALL InvertBitmap(HBITMAP bitmap) {
   return at_silent_boundary([&] { return invert_in_place(bitmap); });
+}
+
+BOOL VORELCALL CombineBMP(int x, int y, HBITMAP* target, HBITMAP source, HBITMAP mask, int flag) {
+  return at_boundary(ThreadCode{}, [&] { return combine_bitmaps({x, y}, target, source, mask, flag != 0); });
+}
+
+BOOL VORELCALL CombineDIB(int x, int y, HGLOBAL* target, HGLOBAL source, HGLOBAL mask, int flag) {
+  return at_boundary(ThreadCode{}, [&] { return combine_dibs({x, y}, target, source, mask, flag != 0); });
 }
 
 }  // extern "C"

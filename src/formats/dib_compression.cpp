@@ -13,10 +13,6 @@ ByteCount data_offset(const DibHeader& header) {
   return kHeaderBytes + colors * sizeof(Rgb);
 }
 
-ByteCount image_size(const DibHeader& header) {
-  return row_stride(header.depth, header.width) * static_cast<uint32_t>(header.height);
-}
-
 bool has_picture(const DibHeader& header) { return header.size == kHeaderBytes && header.width >= 0 && header.height >= 0; }
 
 bool is_compressible(const DibHeader& header) {
@@ -49,7 +45,7 @@ Result<OwnedDib> with_table_of(const LockedDib& source, DibHeader header, ByteCo
 Result<size_t> encode(const LockedDib& source, std::span<uint8_t> codes) {
   const DibHeader& header = source.header();
   const auto begin = static_cast<size_t>(data_offset(header).value());
-  const auto whole = source.complete(begin + image_size(header));
+  const auto whole = source.complete(begin + rows_bytes(header));
   if (!whole) return Error::kMemory;
   const auto stride = static_cast<size_t>(row_stride(header.depth, header.width).value());
   const ConstDibView picture(whole->bytes().data() + begin, static_cast<std::ptrdiff_t>(stride), header.width, header.height,
@@ -100,7 +96,7 @@ Result<OwnedDib> expanded(const LockedDib& source) {
   if (!is_expandable(source.header())) return Error::kParameter;
   DibHeader header = source.header();
   header.compression = Compression::kNone;
-  auto result = with_table_of(source, header, image_size(header));
+  auto result = with_table_of(source, header, rows_bytes(header));
   if (!result) return result.error();
   // Not biSizeImage but the end of the block ends the codes: they say themselves where the bitmap ends.
   const auto begin = static_cast<size_t>(data_offset(header).value());

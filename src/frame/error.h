@@ -42,6 +42,22 @@ enum class Error : int32_t {
   kNothingToDo = 30,
   kNothingToConvert = 31,
 
+  // What a turn by any angle tells its caller.
+  kTurnCompressed = 500,
+  kTurnSize = 501,
+  kTurnMemory = 503,
+  kTurnLock = 505,
+  kTurnParameter = 506,
+
+  // What combining stores in the thread's code.
+  kCombineSizes = 501,
+  kCombineMemory = 504,
+  kCombineLock = 505,
+  kCombineParameter = 506,
+  kCombineCopy = 507,
+  kCombineCompressed = 508,
+  kCombineBitmap = 510,
+
   // The operation fails and whatever would report it stays as it was.
   kUnreported = -1,
 };

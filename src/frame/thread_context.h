@@ -14,9 +14,11 @@ struct ImgThreadContext {
   int32_t error_code;
   int32_t first_scale_steps[kScaleTableWords];
   int32_t second_scale_steps[kScaleTableWords];
-  int32_t base_scale;  // the scale that stands for 100 % in both tables
-  int32_t setting;     // starts at 4, beside the page layout settings; nothing reads it
-  int32_t histogram_results[4];
+  int32_t base_scale;                // the scale that stands for 100 % in both tables
+  int32_t setting;                   // starts at 4, beside the page layout settings; nothing reads it
+  int32_t histogram_bytes;           // of a histogram block, once one was allocated
+  int32_t histogram_x, histogram_y;  // the square that was last counted
+  int32_t table_length;              // of a lookup table, once one was allocated
 };
 
 // The calling thread's context, made on its first use. A thread that cannot have one is ended: every operation reports

@@ -1,6 +1,7 @@
 // The command line tool, run in process.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -22,6 +23,17 @@ inline size_t table_bytes(const Bytes& dib) { return PaletteSize(const_cast<uint
 
 inline Bytes bitmap_file(const Bytes& dib) {
   return file_of(dib, static_cast<uint32_t>(kFileHeader + sizeof(BITMAPINFOHEADER) + table_bytes(dib)));
+}
+
+inline Bytes dib_in(const Bytes& file) { return {file.begin() + kFileHeader, file.end()}; }
+
+// A picture whose pixels are all of one byte, with a table from black to white.
+inline Bytes plain(int width, int height, int depth, uint8_t byte) {
+  Bytes dib = noise(width, height, depth);
+  std::fill(dib.begin() + 40, dib.end(), byte);
+  const size_t colors = depth <= 8 ? size_t{1} << depth : 0;
+  for (size_t i = 0; i < colors * 4; ++i) dib[40 + i] = static_cast<uint8_t>(i % 4 == 3 ? 0 : i / 4 * 255 / (colors - 1));
+  return dib;
 }
 
 inline size_t entries(const fs::path& folder) {

@@ -45,6 +45,32 @@ const Export kExports[] = {
     {"CompressDIB", [](HGLOBAL dib, const std::string&) { Block(CompressDIB(dib)); }},
     {"ExpandCompressedDIB",
      [](HGLOBAL dib, const std::string&) { Block(ExpandCompressedDIB(Block(CompressDIB(dib)).get())); }},
+    {"ComputeHistogram",
+     [](HGLOBAL dib, const std::string&) {
+       const Block histogram(ComputeHistogram(nullptr, IMG_ALLOCATE, nullptr, nullptr, nullptr));
+       const int origin[] = {5, 5};
+       ComputeHistogram(dib, IMG_COMPUTE, histogram.get(), origin, nullptr);
+     }},
+    {"ApplyLUT",
+     [](HGLOBAL dib, const std::string&) {
+       const Block table(ComputeLUT(nullptr, IMG_ALLOCATE, nullptr, 0, 0, nullptr));
+       Block(ApplyLUT(dib, table.get(), 1, nullptr));
+     }},
+    {"ColorBrightnessContrast", [](HGLOBAL dib, const std::string&) { Block(ColorBrightnessContrast(dib, 9, 9)); }},
+    {"Convert8to24", [](HGLOBAL dib, const std::string&) { Block(Convert8to24(dib)); }},
+    {"Convolve",
+     [](HGLOBAL dib, const std::string& path) {
+       Block(Convolve(dib, 1, 3, 3, nullptr, nullptr, nullptr));
+       Block(Convolve(dib, 1, 2, 3, path.c_str(), nullptr, nullptr));
+     }},
+    {"ColorConvolution",
+     [](HGLOBAL dib, const std::string&) {
+       Block(ColorConvolution(Block(Convert8to24(dib)).get(), 1, 1, 3, 3, nullptr, nullptr, nullptr));
+     }},
+    {"ConvColorDIBtoGrayscale", [](HGLOBAL dib, const std::string&) { Block(ConvColorDIBtoGrayscale(dib, 2, 1)); }},
+    {"ConvMonoDIBtoGrayscale", [](HGLOBAL dib, const std::string&) { Block(ConvMonoDIBtoGrayscale(dib, 1)); }},
+    {"CleanImage",
+     [](HGLOBAL dib, const std::string&) { Block(CleanImage(Block(ConvColorDIBtoGrayscale(dib, 0, 1)).get(), 50, 1)); }},
     {"InvertDIBPalette", [](HGLOBAL dib, const std::string&) { InvertDIBPalette(dib); }},
     {"InvertMonoDIB", [](HGLOBAL dib, const std::string&) { InvertMonoDIB(dib); }},
     {"RotateDIB90", [](HGLOBAL dib, const std::string&) { Block(RotateDIB90(dib)); }},
@@ -52,6 +78,21 @@ const Export kExports[] = {
     {"RotateDIB270", [](HGLOBAL dib, const std::string&) { Block(RotateDIB270(dib)); }},
     {"FlipDIBVertical", [](HGLOBAL dib, const std::string&) { Block(FlipDIBVertical(dib)); }},
     {"FlipDIBHorizontal", [](HGLOBAL dib, const std::string&) { Block(FlipDIBHorizontal(dib)); }},
+    {"RotateDIB",
+     [](HGLOBAL dib, const std::string&) {
+       int status = 0;
+       Block(RotateDIB(dib, 17, 1, &status, nullptr));
+     }},
+    {"SkewDIB", [](HGLOBAL dib, const std::string&) { Block(SkewDIB(dib, 1, 5, nullptr, nullptr)); }},
+    {"ScaleDIB", [](HGLOBAL dib, const std::string&) { Block(ScaleDIB(dib, 1, 20, 30)); }},
+    {"ScaleGrayDIB", [](HGLOBAL dib, const std::string&) { Block(ScaleGrayDIB(dib, 20, 10, 2, 2, 0)); }},
+    {"CutDIB",
+     [](HGLOBAL dib, const std::string&) {
+       HGLOBAL first = nullptr, second = nullptr;
+       if (!CutDIB(dib, 7, &first, &second)) return;
+       Block{first};
+       Block{second};
+     }},
 };
 
 std::string beside(const std::string& path, const char* name) {

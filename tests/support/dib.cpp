@@ -82,6 +82,14 @@ Bytes noise(int width, int height, int depth) {
   return with_header(header, rest);
 }
 
+Bytes with_colors(const Bytes& dib, size_t count) {
+  const auto table = dib.begin() + sizeof(BITMAPINFOHEADER);
+  BITMAPINFOHEADER header = header_of(dib);
+  header.biClrUsed = static_cast<uint32_t>(count);
+  return with_header(header, joined(Bytes(table, table + static_cast<std::ptrdiff_t>(4 * count)),
+                                    Bytes(table + (std::ptrdiff_t{4} << header.biBitCount), dib.end())));
+}
+
 namespace {
 
 const uint8_t* pixel_rows(const Bytes& dib) {

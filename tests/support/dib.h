@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -55,6 +56,18 @@ size_t stride_of(int width, int bits);
 
 // A picture of repeatable noise with a colour table of noise and odd resolutions; the row padding is noise too.
 Bytes noise(int width, int height, int depth);
+
+// A picture of at most 8 bits, cut to its first colours; its pixels may go past them.
+Bytes with_colors(const Bytes& dib, size_t count);
+
+// The same with a header field changed.
+template <class Change>
+Bytes with_header_changed(Bytes dib, Change change) {
+  BITMAPINFOHEADER header = header_of(dib);
+  change(header);
+  std::memcpy(dib.data(), &header, sizeof header);
+  return dib;
+}
 
 // Pixel (x, y) of a picture, y counted from the bottom line.
 uint32_t pixel(const Bytes& dib, int x, int y);

@@ -5,7 +5,7 @@
 namespace vorel::cli {
 namespace {
 
-Dib unchanged(Picture& picture, const std::string&) { return std::move(picture.dib); }
+Dib unchanged(Picture& picture) { return std::move(picture.dib); }
 
 Action declare(CLI::App& app) {
   app.footer(std::string(kSavingHelp) +

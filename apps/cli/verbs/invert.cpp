@@ -28,7 +28,7 @@ void complement_pixels(Picture& picture) {
   }
 }
 
-Dib negative(Picture& picture, const std::string&) {
+Dib negative(Picture& picture) {
   if (picture.header.biBitCount <= 8) {
     InvertDIBPalette(picture.dib.get());
   } else {

@@ -17,9 +17,11 @@ Action declare(CLI::App& app) {
       "Examples:\n"
       "  vorel mirror slide.bmp right-way-round.bmp horizontal\n"
       "  vorel mirror picture.bmp picture.bmp vertical --overwrite");
-  return declare_transform(
-      app, mirrored,
-      {"DIRECTION", "horizontal exchanges left and right, vertical top and bottom", {"horizontal", "vertical"}});
+  const auto direction = std::make_shared<std::string>();
+  const Action action = declare_transform(app, [direction](Picture& picture) { return mirrored(picture, *direction); });
+  declare_argument(app, "DIRECTION", *direction, "horizontal exchanges left and right, vertical top and bottom")
+      ->check(CLI::IsMember({"horizontal", "vertical"}));
+  return action;
 }
 
 }  // namespace

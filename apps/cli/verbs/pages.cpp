@@ -111,7 +111,10 @@ struct Arguments {
 
 Action declare(CLI::App& app) {
   app.require_subcommand(1);
-  app.get_formatter()->label("SUBCOMMAND", "count|split|join ...");
+  const auto formatter = std::make_shared<CLI::Formatter>();  // the tool's own is shared by all verbs
+  formatter->column_width(24);
+  formatter->label("SUBCOMMAND", "count|split|join ...");
+  app.formatter(formatter);
   app.footer(
       "TIFF, DCX and GIF files and colour fax page sets have pages; any other picture file counts as one page.\n\n"
       "Examples:\n"

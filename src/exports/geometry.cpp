@@ -1,0 +1,73 @@
+// Turning by any angle, skewing, scaling and cutting.
+#include <vorel32.h>
+
+#include "exports/boundary.h"
+#include "geometry/dib_cut.h"
+#include "geometry/dib_rotation.h"
+#include "geometry/dib_scaling.h"
+#include "geometry/dib_skew.h"
+#include "platform/user.h"
+
+using namespace vorel;
+
+namespace {
+
+// Locks a DIB, runs `work` on it and hands the new DIB out.
+Result<HGLOBAL> made_from(HGLOBAL dib, Error no_handle, Error no_lock, auto&& work) {
+  if (dib == nullptr) return no_handle;
+  const auto source = LockedDib::lock(dib);
+  if (!source) return no_lock;
+  const WaitCursor cursor;
+  auto result = work(*source);
+  if (!result) return result.error();
+  return result->release();
+}
+
+Interpolation interpolation_of(int mode) { return mode == 0 ? Interpolation::kLinear : Interpolation::kCubic; }
+
+}  // namespace
+
+extern "C" {
+
+HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners) {
+  return at_boundary(ClearedVariable(status), [&] {
+    return made_from(dib, Error::kTurnParameter, Error::kTurnLock, [&](const LockedDib& source) {
+      return rotated(source, angle, method == 1 ? Stepping::kInteger : Stepping::kExact, corners);
+    });
+  });
+}
+
+HGLOBAL VORELCALL SkewDIB(HGLOBAL dib, int direction, int offset, int* error, int* corners) {
+  set_thread_error(Error::kNone);
+  return at_boundary(Both(ThreadCode{}, FailureVariable(error)), [&] {
+    return made_from(dib, Error::kParameter, Error::kLock, [&](const LockedDib& source) {
+      return skewed(source, direction != 0 ? SkewDirection::kRows : SkewDirection::kColumns, offset, corners);
+    });
+  });
+}
+
+HGLOBAL VORELCALL ScaleDIB(HGLOBAL dib, int mode, unsigned width, unsigned height) {
+  return at_boundary(ThreadCode{}, [&] {
+    return made_from(dib, Error::kParameter, Error::kMemory,
+                     [&](const LockedDib& source) { return scaled(source, interpolation_of(mode), width, height); });
+  });
+}
+
+HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int x_factor, int y_factor, int mode) {
+  return at_boundary(ThreadCode{}, [&] {
+    return made_from(dib, Error::kParameter, Error::kMemory, [&](const LockedDib& source) {
+      return magnified(source, {width, height}, x_factor, y_factor, interpolation_of(mode));
+    });
+  });
+}
+
+BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second) {
+  return at_silent_boundary([&]() -> Result<BOOL> {
+    const auto source = LockedDib::lock(dib);
+    if (!source || first == nullptr || second == nullptr) return Error::kUnreported;
+    const WaitCursor cursor;
+    return cut(*source, line, {first, second});
+  });
+}
+
+}  // extern "C"

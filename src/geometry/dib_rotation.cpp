@@ -1,0 +1,72 @@
+#include "geometry/dib_rotation.h"
+
+#include <cstdlib>
+
+namespace vorel {
+namespace {
+
+Error check(const DibHeader& header) {
+  const auto low_word = [](int32_t size) { return static_cast<uint16_t>(size); };
+  if (header.size != kHeaderBytes) return Error::kTurnParameter;
+  if (header.compression != Compression::kNone) return Error::kTurnCompressed;
+  if (low_word(header.width) == 0 || low_word(header.height) == 0) return Error::kTurnSize;
+  return Error::kNone;
+}
+
+struct Resolution {
+  int32_t x, y;
+};
+
+// The two resolutions mixed by how far the angle is from the last quarter turn. The divisor is a little more than a quarter, so
+// that every quarter turn but none at all, the half turn too, counts as 90 degrees behind one and exchanges them.
+Resolution blended(const DibHeader& header, int angle) {
+  constexpr double kInchesPerMetre = 39.37;
+  const int dpi_x = static_cast<int>(header.x_per_metre / kInchesPerMetre);
+  const int dpi_y = static_cast<int>(header.y_per_metre / kInchesPerMetre);
+  const double share = std::abs(angle - 90 * static_cast<int>(angle / 90.001)) / 90.0;
+  const auto per_metre = [&](int own, int other) {
+    return static_cast<int32_t>((own * (1 - share) + other * share) * kInchesPerMetre + 0.5);
+  };
+  return {per_metre(dpi_x, dpi_y), per_metre(dpi_y, dpi_x)};
+}
+
+void store(const std::array<Point, 4>& corners, int32_t* numbers) {
+  for (const Point& corner : corners) {
+    *numbers++ = static_cast<int32_t>(static_cast<int64_t>(corner.x));
+    *numbers++ = static_cast<int32_t>(static_cast<int64_t>(corner.y));
+  }
+}
+
+DibHeader turned_header(DibHeader header, const Rotation& rotation, int angle) {
+  header.width = static_cast<int32_t>(rotation.width);
+  header.height = static_cast<int32_t>(rotation.height);
+  header.image_bytes = static_cast<uint32_t>(rows_bytes(header).value());
+  const Resolution resolution = blended(header, angle);
+  header.x_per_metre = resolution.x;
+  header.y_per_metre = resolution.y;
+  return header;
+}
+
+}  // namespace
+
+Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, Stepping stepping, int32_t* corners) {
+  const DibHeader& header = source.header();
+  if (const Error refusal = check(header); refusal != Error::kNone) return refusal;
+  angle = Rotation::normalized(angle);
+  const Rotation rotation(header.width, header.height, angle);
+  if (corners != nullptr) store(rotation.corners, corners);
+  if (!rotation.is_countable()) return Error::kTurnMemory;
+
+  const auto whole = source.complete(bits_offset(header) + pixel_bytes(header));
+  if (!whole) return Error::kTurnMemory;
+  const auto head = whole->bytes().first(static_cast<size_t>(bits_offset(header).value()));
+  const DibHeader result_header = turned_header(header, rotation, angle);
+  auto result = OwnedDib::with_head(head, result_header, rows_bytes(result_header), OwnedDib::allocate_or_retry);
+  if (!result) return result.error() == Error::kLock ? Error::kTurnLock : Error::kTurnMemory;
+
+  const auto target = pixels_at(result->bytes(), bits_offset(header), result_header);
+  if (has_pixels(header)) rotate(pixels_at(whole->bytes(), bits_offset(header), header), target, rotation, stepping);
+  return result;
+}
+
+}  // namespace vorel

@@ -1,0 +1,87 @@
+#include "geometry/dib_scaling.h"
+
+#include <limits>
+
+namespace vorel {
+namespace {
+
+constexpr int kMostPixels = std::numeric_limits<uint16_t>::max();  // a side, of what is interpolated and of the result
+
+bool is_interpolated(int depth) { return depth == 4 || depth == 8 || depth == 24; }
+
+// In front of a result's pixels. The same as in the source, but for headers of other than 40 bytes.
+ByteCount head_bytes(const DibHeader& header) { return kHeaderBytes + palette_bytes(header); }
+
+// How many colours pixels can name.
+uint32_t color_count(const DibHeader& header) { return std::min(DIBNumColors(header), implied_colors(header.depth)); }
+
+using Scaler = void (*)(ConstDibView, std::span<const Rgb>, DibView, Interpolation);
+
+// Scales the first rows and columns of a picture, as many as `area` says and as there are.
+Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, Scaler scale, Interpolation interpolation) {
+  const DibHeader& header = source.header();
+  DibHeader result_header = header;
+  result_header.width = size.width;
+  result_header.height = size.height;
+  result_header.image_bytes = static_cast<uint32_t>(rows_bytes(result_header).value());
+
+  const ByteCount colors_end = kHeaderBytes + ByteCount(color_count(header)) * sizeof(Rgb);
+  const auto whole = source.complete(std::max({head_bytes(header), colors_end, bits_offset(header) + rows_bytes(header)}));
+  if (!whole) return Error::kMemory;
+  const auto head = whole->bytes().first(static_cast<size_t>(head_bytes(header).value()));
+  auto result = OwnedDib::with_head(head, result_header, rows_bytes(result_header));
+  if (!result) return Error::kMemory;
+  const ConstDibView pixels = pixels_at(whole->bytes(), bits_offset(header), header);
+  scale(pixels.with_width(area.width).first_rows(area.height), colors_in(*whole).first(color_count(header)),
+        pixels_at(result->bytes(), head_bytes(header), result_header), interpolation);
+  return result;
+}
+
+}  // namespace
+
+Result<OwnedDib> scaled(const LockedDib& source, Interpolation interpolation, uint32_t width, uint32_t height) {
+  const DibHeader& header = source.header();
+  if (header.depth == 1)
+    return ScaleDIBRect(source, {0, 0, header.width, header.height}, {static_cast<int>(width), static_cast<int>(height)});
+  if (!is_interpolated(header.depth)) return Error::kHeaderBits;
+  const Size size = {static_cast<uint16_t>(width), static_cast<uint16_t>(height)};
+  if (size.width == 0 || size.height == 0) return Error::kDibSize;
+  if (header.width < 1 || header.height < 1 || header.width > kMostPixels) return Error::kDibSize;
+  return interpolated(source, {header.width, header.height}, size, scale_colors, interpolation);
+}
+
+Result<OwnedDib> magnified(const LockedDib& source, Size area, int x_factor, int y_factor, Interpolation interpolation) {
+  const DibHeader& header = source.header();
+  if (!is_interpolated(header.depth)) return Error::kHeaderBits;
+  if (area.width < 1 || area.height < 1 || area.width > header.width || area.height > header.height)
+    return Error::kParameter;
+  if (x_factor < 1 || y_factor < 1) return Error::kParameter;
+  const int64_t width = int64_t{area.width} * x_factor, height = int64_t{area.height} * y_factor;
+  if (width > kMostPixels || height > kMostPixels) return Error::kDibSize;
+  return interpolated(source, area, {static_cast<int>(width), static_cast<int>(height)}, scale_levels, interpolation);
+}
+
+Result<OwnedDib> ScaleDIBRect(const LockedDib& source, Rect rect, Size size) {
+  constexpr uint32_t kSpareBytes = 16;
+  const DibHeader& header = source.header();
+  if (rect.width < 1 || rect.height < 1 || size.width < 1 || size.height < 1) return Error::kUnreported;
+  if (rect.x < 0 || rect.y < 0 || rect.x >= header.width || rect.y >= header.height) return Error::kUnreported;
+  DibHeader result_header = header;
+  result_header.width = size.width;
+  result_header.height = size.height;
+
+  const bool counts_colors = header.size != kCoreHeaderBytes && header.colors_used != 0;
+  const ByteCount head = kHeaderBytes + ByteCount(counts_colors ? header.colors_used : DIBNumColors(header)) * sizeof(Rgb);
+  const auto whole = source.complete(std::max(head, bits_offset(header) + rows_bytes(header)));
+  if (!whole) return Error::kUnreported;
+  const ByteCount image = rows_bytes(result_header) + row_stride(header.depth, size.width) + kSpareBytes;
+  auto result = OwnedDib::with_head(whole->bytes().first(static_cast<size_t>(head.value())), result_header, image);
+  const auto columns = ZeroedBuffer::allocate(ByteCount(static_cast<uint32_t>(size.width)) * sizeof(int));
+  if (!result || !columns) return Error::kUnreported;
+  scale_nearest(pixels_at(whole->bytes(), bits_offset(header), header), rect,
+                pixels_at(result->bytes(), head, result_header),
+                {reinterpret_cast<int*>(columns->bytes().data()), static_cast<size_t>(size.width)});
+  return result;
+}
+
+}  // namespace vorel

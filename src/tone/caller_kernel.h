@@ -1,0 +1,54 @@
+// Kernels as callers give them: by number, in memory or in a file.
+#pragma once
+
+#include <vector>
+
+#include "frame/error.h"
+#include "platform/file.h"
+#include "tone/convolution.h"
+
+namespace vorel {
+
+// Coefficients are whole numbers of 16 or 32 bits, row by row, with the divisor behind them; in a file they are little-endian and
+// nothing else. Every refusal is kParameter.
+template <class Number>
+class CallerKernel {
+ public:
+  int type, size;
+  const char* file;       // of type 2
+  const Number* numbers;  // of type 1
+
+  Result<Kernel> make() const {
+    if (!is_known()) return Error::kParameter;
+    const auto filter = static_cast<FilterType>(type);
+    if (filter >= FilterType::kBox) return built_in_kernel(filter, size);
+    const std::vector<int32_t> all = filter == FilterType::kFromMemory ? given() : read();
+    Kernel kernel{.size = size};
+    if (all.empty() || !set_coefficients(kernel, all)) return Error::kParameter;
+    return kernel;
+  }
+
+ private:
+  bool is_known() const {
+    const bool takes_large = type == static_cast<int>(FilterType::kFromMemory) || type == static_cast<int>(FilterType::kBox);
+    return type >= static_cast<int>(FilterType::kFromMemory) && type <= static_cast<int>(FilterType::kSharpenMore) &&
+           size >= 3 && size <= (takes_large ? kMostKernelSize : 5) && size % 2 != 0;
+  }
+
+  size_t count() const { return static_cast<size_t>(size * size + 1); }
+
+  std::vector<int32_t> given() const {
+    if (numbers == nullptr) return {};
+    return {numbers, numbers + count()};
+  }
+
+  std::vector<int32_t> read() const {
+    std::vector<Number> stored(count());
+    const auto opened = OwnedFile::open_for_reading(file);
+    const auto bytes = static_cast<int64_t>(stored.size() * sizeof(Number));
+    if (!opened || opened->read(stored.data(), static_cast<size_t>(bytes)) != bytes) return {};
+    return {stored.begin(), stored.end()};
+  }
+};
+
+}  // namespace vorel

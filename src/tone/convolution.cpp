@@ -1,0 +1,104 @@
+#include "tone/convolution.h"
+
+namespace vorel {
+namespace {
+
+constexpr int kMostWeight = 127;  // of a coefficient, and of all positive or all negative ones together
+
+using Rows3 = std::array<std::array<int16_t, 3>, 3>;
+using Rows5 = std::array<std::array<int16_t, 5>, 5>;
+
+constexpr Rows3 kBlur3 = {{{1, 2, 1}, {2, 4, 2}, {1, 2, 1}}};
+constexpr Rows5 kBlur5 = {{{0, 1, 1, 1, 0}, {1, 2, 4, 2, 1}, {1, 4, 8, 4, 1}, {1, 2, 4, 2, 1}, {0, 1, 1, 1, 0}}};
+constexpr Rows3 kSharpen3 = {{{0, -1, 0}, {-1, 5, -1}, {0, -1, 0}}};
+constexpr Rows5 kSharpen5 = {
+    {{-1, -2, -1, -2, -1}, {-2, 1, 3, 1, -2}, {-1, 3, 9, 3, -1}, {-2, 1, 3, 1, -2}, {-1, -2, -1, -2, -1}}};
+constexpr Rows3 kSharpenMore3 = {{{-1, -1, -1}, {-1, 9, -1}, {-1, -1, -1}}};
+constexpr Rows5 kSharpenMore5 = {
+    {{-1, -2, -4, -2, -1}, {-2, 1, 4, 1, -2}, {-4, 4, 17, 4, -4}, {-2, 1, 4, 1, -2}, {-1, -2, -4, -2, -1}}};
+
+template <size_t kSize>
+Kernel kernel_of(const std::array<std::array<int16_t, kSize>, kSize>& rows, int32_t divisor, bool clamps_sums) {
+  Kernel kernel{.size = static_cast<int>(kSize), .divisor = divisor, .clamps_sums = clamps_sums};
+  for (size_t i = 0; i < kSize; ++i) std::ranges::copy(rows[i], kernel.weights[i].begin());
+  return kernel;
+}
+
+Kernel box(int size) {
+  Kernel kernel{.size = size, .divisor = size * size};
+  for (int i = 0; i < size; ++i) std::fill_n(kernel.weights[static_cast<size_t>(i)].begin(), size, int16_t{1});
+  return kernel;
+}
+
+}  // namespace
+
+Kernel built_in_kernel(FilterType type, int size) {
+  const bool is_small = size == 3;
+  Kernel kernel;
+  switch (type) {
+    case FilterType::kBlur: kernel = is_small ? kernel_of(kBlur3, 16, false) : kernel_of(kBlur5, 44, false); break;
+    case FilterType::kSharpen: kernel = is_small ? kernel_of(kSharpen3, 1, true) : kernel_of(kSharpen5, 1, true); break;
+    case FilterType::kSharpenMore:
+      kernel = is_small ? kernel_of(kSharpenMore3, 1, true) : kernel_of(kSharpenMore5, 1, true);
+      break;
+    default: return box(size);
+  }
+  kernel.repeats_left_border = !is_small && type != FilterType::kSharpen;
+  return kernel;
+}
+
+bool set_coefficients(Kernel& kernel, std::span<const int32_t> numbers) {
+  int positive = 0, negative = 0;
+  for (int row = 0; row < kernel.size; ++row)
+    for (int column = 0; column < kernel.size; ++column) {
+      const int32_t weight = numbers[static_cast<size_t>(row * kernel.size + column)];
+      if (weight > kMostWeight || weight < -kMostWeight) return false;
+      (weight > 0 ? positive : negative) += std::abs(weight);
+      kernel.weights[static_cast<size_t>(row)][static_cast<size_t>(column)] = static_cast<int16_t>(weight);
+    }
+  if (positive > kMostWeight || negative > kMostWeight) return false;
+  kernel.divisor = numbers.back();
+  if (kernel.divisor == 0) kernel.divisor = positive - negative;
+  if (kernel.divisor == 0) kernel.divisor = 1;
+  kernel.clamps_sums = positive != 0 && negative != 0;
+  if (kernel.divisor < 0) {
+    kernel.divisor = static_cast<int32_t>(0 - static_cast<uint32_t>(kernel.divisor));
+    for (auto& row : kernel.weights)
+      for (int16_t& weight : row) weight = static_cast<int16_t>(-weight);
+  }
+  return true;
+}
+
+void Convolution::repeat_edges(int y) {
+  std::vector<uint8_t>& row = stored(y);
+  const auto reach = static_cast<std::ptrdiff_t>(kernel_.reach());
+  std::fill(row.begin(), row.begin() + reach, row[static_cast<size_t>(reach)]);
+  std::fill(row.end() - reach, row.end(), *(row.end() - reach - 1));
+}
+
+void Convolution::sum_row(int y) {
+  std::ranges::fill(sums_, int16_t{0});
+  for (int row = 0; row < kernel_.size; ++row) {
+    // The first row of the kernel is for the row above, which is stored later.
+    const uint8_t* const source = stored(std::clamp(y + kernel_.reach() - row, 0, height_ - 1)).data();
+    for (int column = 0; column < kernel_.size; ++column) {
+      const auto weight = static_cast<int16_t>(kernel_.weight(row, column));
+      if (weight == 0) continue;
+      const uint8_t* const shifted = source + column;
+      int16_t* const sums = sums_.data();
+      for (int x = 0; x < width_; ++x) sums[x] = static_cast<int16_t>(sums[x] + weight * shifted[x]);
+    }
+    if (kernel_.repeats_left_border) add_left_border(source, row);
+  }
+}
+
+// Two of the kernels of size 5 count their outermost columns twice for the second pixel of a row. Callers count on what comes of
+// it.
+void Convolution::add_left_border(const uint8_t* row, int kernel_row) {
+  if (width_ < 2) return;
+  const int second = row[kernel_.reach() + 1];
+  sums_[0] = static_cast<int16_t>(sums_[0] + kernel_.weight(kernel_row, kernel_.size - 1) * second);
+  if (width_ > 2) sums_[2] = static_cast<int16_t>(sums_[2] + kernel_.weight(kernel_row, 0) * second);
+}
+
+}  // namespace vorel
