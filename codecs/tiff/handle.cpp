@@ -1,7 +1,11 @@
 #include "tiff/handle.h"
 
+#include <array>
 #include <cstdarg>
+#include <cstdio>
 #include <limits>
+#include <optional>
+#include <string_view>
 
 namespace codec {
 namespace {
@@ -32,8 +36,33 @@ toff_t seek(thandle_t handle, toff_t offset, int origin) {
 
 int close(thandle_t /*handle*/) { return 0; }
 
-// The library's messages are for people; what went wrong is told by its results.
-int keep_silent(TIFF* /*tiff*/, void* /*data*/, const char* /*module*/, const char* /*format*/, va_list /*values*/) {
+// The row of a strip that a message of the Group 4 decoder says is not whole. A row that is ended before its first pixel is
+// none: that is how data says that it ends.
+std::optional<unsigned> broken_row(const char* message) {
+  unsigned row = 0, pixels = 0;
+  if (std::sscanf(message, "Premature EOF at line %u", &row) == 1) return row;
+  if (std::sscanf(message, "Bad code word at line %u", &row) == 1) return row;
+  if (std::sscanf(message, "Premature EOL at line %u of %*s %*u (got %u", &row, &pixels) == 2 && pixels > 0) return row;
+  return std::nullopt;
+}
+
+// Whether rows are missing that the data was still to give. Once it has said that it ends, the decoder counts fewer rows than
+// are read, and complains about each.
+bool is_before_end(TIFF* tiff, unsigned row) {
+  if (TIFFIsTiled(tiff) != 0) return true;
+  uint32_t rows_per_strip = 0;
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rows_per_strip);
+  return rows_per_strip != 0 && TIFFCurrentRow(tiff) % rows_per_strip == row;
+}
+
+// The library's messages are for people; what went wrong is told by its results. Group 4 data is the exception: whatever is
+// wrong with it, the library makes do with white pixels.
+int take_message(TIFF* tiff, void* client, const char* module, const char* format, va_list values) {
+  if (module == nullptr || std::string_view(module) != "Fax4Decode") return 1;
+  std::array<char, 200> message{};
+  std::vsnprintf(message.data(), message.size(), format, values);
+  const auto row = broken_row(message.data());
+  if (row && is_before_end(tiff, *row)) static_cast<TiffHandle::Client*>(client)->lost_pixels = true;
   return 1;
 }
 
@@ -54,8 +83,8 @@ TiffHandle::TiffHandle(Bytes& bytes, const char* mode) : client_(new Client{byte
   const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
   if (!options) fail(IMG_E_MEMORY);
   TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), largest_allocation(bytes.size()));
-  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keep_silent, nullptr);
-  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), keep_silent, nullptr);
+  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), take_message, client_.get());
+  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), take_message, client_.get());
   tiff_.reset(TIFFClientOpenExt("", mode, client_.get(), read, write, seek, close, size, nullptr, nullptr, options.get()));
   check(tiff_ != nullptr);
 }
