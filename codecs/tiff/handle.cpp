@@ -40,8 +40,9 @@ int close(thandle_t /*handle*/) { return 0; }
 // none: that is how data says that it ends.
 std::optional<unsigned> broken_row(const char* message) {
   unsigned row = 0, pixels = 0;
-  if (std::sscanf(message, "Premature EOF at line %u", &row) == 1) return row;
-  if (std::sscanf(message, "Bad code word at line %u", &row) == 1) return row;
+  for (const char* text :
+       {"Premature EOF at line %u", "Bad code word at line %u", "Uncompressed data (not supported) at line %u"})
+    if (std::sscanf(message, text, &row) == 1) return row;
   if (std::sscanf(message, "Premature EOL at line %u of %*s %*u (got %u", &row, &pixels) == 2 && pixels > 0) return row;
   return std::nullopt;
 }
@@ -55,14 +56,21 @@ bool is_before_end(TIFF* tiff, unsigned row) {
   return rows_per_strip != 0 && TIFFCurrentRow(tiff) % rows_per_strip == row;
 }
 
-// The library's messages are for people; what went wrong is told by its results. Group 4 data is the exception: whatever is
-// wrong with it, the library makes do with white pixels.
+// Whether something is lost without which the library makes do, and of which nothing but a message tells: pixels of Group 4
+// data, in whose place there is white, and colours, in whose place there is grey.
+bool tells_loss(TIFF* tiff, std::string_view module, const char* message) {
+  if (module == "TIFFReadDirectory") return std::string_view(message).starts_with("IO error during reading of \"ColorMap\"");
+  if (module != "Fax4Decode") return false;
+  const auto row = broken_row(message);
+  return row && is_before_end(tiff, *row);
+}
+
+// Other messages are for people; what went wrong is told by the library's results.
 int take_message(TIFF* tiff, void* client, const char* module, const char* format, va_list values) {
-  if (module == nullptr || std::string_view(module) != "Fax4Decode") return 1;
   std::array<char, 200> message{};
   std::vsnprintf(message.data(), message.size(), format, values);
-  const auto row = broken_row(message.data());
-  if (row && is_before_end(tiff, *row)) static_cast<TiffHandle::Client*>(client)->lost_pixels = true;
+  if (module != nullptr && tells_loss(tiff, module, message.data()))
+    static_cast<TiffHandle::Client*>(client)->has_loss = true;
   return 1;
 }
 
