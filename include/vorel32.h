@@ -407,9 +407,9 @@ VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status)
  *  the depth implies. Savers take such a DIB and read it only. Wherever there is a status variable it may be NULL; an entry
  *  point sets it to 0 or, on failure, to one of these numbers, which ImgErrorString has texts for:
  *     1  memory is short, or the picture is larger than a file of this size may claim
- *     3  the file cannot be opened or created
+ *     3  the file cannot be opened or created, or its path is null
  *     4  reading or writing failed part-way
- *     8  no such page; a null argument; a setting that does not suit the picture
+ *     8  no such page; a null handle or a block that is no DIB; a setting that does not suit the picture
  *     9  the file is damaged, or of a variant that is not read
  *    13  the format has no pixels of this depth
  *    17  not a DIB handle

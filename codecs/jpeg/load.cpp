@@ -1,4 +1,5 @@
 // KALO32: loads JPEG files.
+#include <algorithm>
 #include <type_traits>
 
 #include "common/dib.h"
@@ -32,6 +33,7 @@ class Decompressor {
   }
 
   const jpeg_decompress_struct& header() const { return jpeg_; }
+  bool has_several_scans() { return jpeg_has_multiple_scans(&jpeg_) != FALSE; }
 
   // Decodes all rows, each into what row(y) returns, and then calls done(y).
   template <class Row, class Done>
@@ -57,8 +59,12 @@ class Decompressor {
 
   // Each scan goes over the whole picture, however few bytes it has in the file.
   static void check_scans(j_common_ptr jpeg) {
-    constexpr int kMostScans = 100;
-    if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > kMostScans) jpeg->err->error_exit(jpeg);
+    constexpr uint64_t kMostPixels = uint64_t{1} << 31;  // in all scans together
+    constexpr uint64_t kAlwaysFine = 20, kMostScans = 100;
+    const auto& picture = *reinterpret_cast<j_decompress_ptr>(jpeg);
+    const uint64_t pixels = uint64_t{picture.image_width} * picture.image_height;
+    if (static_cast<uint64_t>(picture.input_scan_number) > std::clamp(kMostPixels / pixels, kAlwaysFine, kMostScans))
+      jpeg->err->error_exit(jpeg);
   }
 
   jpeg_decompress_struct jpeg_{};
@@ -94,6 +100,9 @@ void read_inks(Decompressor& jpeg, const NewDib& dib) {
       [&](int y) { paint_inks(samples.data(), are_light, dib.row_from_top(y).first(width * 3)); });
 }
 
+// What libjpeg keeps of each pixel until it has seen all scans: a coefficient of each component.
+int coefficient_bits(Decompressor& jpeg) { return jpeg.has_several_scans() ? jpeg.header().num_components * 16 : 0; }
+
 HGLOBAL load(const char* path) {
   const InputFile file(path);
   Decompressor jpeg;
@@ -102,7 +111,7 @@ HGLOBAL load(const char* path) {
   const bool is_gray = header.jpeg_color_space == JCS_GRAYSCALE;
   const bool has_inks = header.jpeg_color_space == JCS_CMYK || header.jpeg_color_space == JCS_YCCK;
   const int depth = is_gray ? 8 : 24;
-  check_claim(header.image_width, header.image_height, depth, file.size());
+  check_claim(header.image_width, header.image_height, depth + coefficient_bits(jpeg), file.size());
   NewDib dib({header.image_width, header.image_height, depth, is_gray ? gray_ramp(8) : Colors{}, resolution_of(header)});
   if (has_inks) {
     read_inks(jpeg, dib);

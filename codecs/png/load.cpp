@@ -1,4 +1,5 @@
 // WERT32: loads PNG files.
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <type_traits>
@@ -131,7 +132,7 @@ Colors Reader::grays() const {
   Colors ramp = gray_ramp(bits());
   png_color_16p transparent = nullptr;
   png_get_tRNS(png_, info_, nullptr, nullptr, &transparent);
-  if (transparent != nullptr && transparent->gray < ramp.size()) ramp[transparent->gray] = kWhite;
+  if (transparent != nullptr) ramp[transparent->gray % ramp.size()] = kWhite;  // only as many bits as a pixel has count
   return ramp;
 }
 
@@ -153,8 +154,9 @@ HGLOBAL load(const char* path) {
   const InputFile file(path);
   Reader reader(file);
   reader.read_header();
-  check_claim(reader.width(), reader.height(), reader.channels() * reader.bits(), file.size());
-  NewDib dib({reader.width(), reader.height(), depth_of(reader), reader.colors(), reader.resolution()});
+  const int depth = depth_of(reader);
+  check_claim(reader.width(), reader.height(), std::max(depth, reader.channels() * reader.bits()), file.size());
+  NewDib dib({reader.width(), reader.height(), depth, reader.colors(), reader.resolution()});
   reader.read_rows(dib);
   return dib.release();
 }

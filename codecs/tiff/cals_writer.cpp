@@ -1,4 +1,3 @@
-#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -22,9 +21,8 @@ std::vector<uint8_t> group4_data(const SourceDib& dib) {
 // The format asks for a density, so a picture of unknown resolution states that of most scanners.
 int density_of(Resolution resolution) {
   constexpr int kUsual = 300, kMost = 9'999;
-  constexpr double kMetresPerInch = 0.0254;
-  const double dots_per_inch = std::round(resolution.x * kMetresPerInch);
-  return dots_per_inch >= 1 && dots_per_inch <= kMost ? static_cast<int>(dots_per_inch) : kUsual;
+  const int dots_per_inch = nearest_dpi(resolution.x);
+  return dots_per_inch >= 1 && dots_per_inch <= kMost ? dots_per_inch : kUsual;
 }
 
 std::string formatted(const char* format, int first, int second = 0) {

@@ -8,10 +8,6 @@ namespace {
 
 constexpr uint8_t scaled(int value, int factor) { return static_cast<uint8_t>((value * factor + 127) / 255); }
 
-constexpr uint8_t over_white_premultiplied(int value, int alpha) {
-  return static_cast<uint8_t>(std::min(value + 255 - alpha, 255));
-}
-
 void extract_bits(std::span<const uint8_t> bytes, const SampleLayout& layout, std::span<uint8_t> values) {
   size_t position = size_t{layout.sample} * layout.bits;
   for (uint8_t& value : values) {
@@ -58,7 +54,7 @@ void apply(const Component& component, const Colors& colors, std::span<uint8_t> 
       return;
     case Action::kDarken: return blend(values, pixels, channels, scaled);
     case Action::kCoverage: return blend(values, pixels, channels, over_white);
-    case Action::kPremultipliedCoverage: return blend(values, pixels, channels, over_white_premultiplied);
+    case Action::kPremultipliedCoverage: return blend(values, pixels, channels, premultiplied_over_white);
   }
 }
 

@@ -1,7 +1,11 @@
 #include "tiff/handle.h"
 
+#include <array>
 #include <cstdarg>
+#include <cstdio>
 #include <limits>
+#include <optional>
+#include <string_view>
 
 namespace codec {
 namespace {
@@ -32,8 +36,41 @@ toff_t seek(thandle_t handle, toff_t offset, int origin) {
 
 int close(thandle_t /*handle*/) { return 0; }
 
-// The library's messages are for people; what went wrong is told by its results.
-int keep_silent(TIFF* /*tiff*/, void* /*data*/, const char* /*module*/, const char* /*format*/, va_list /*values*/) {
+// The row of a strip that a message of the Group 4 decoder says is not whole. A row that is ended before its first pixel is
+// none: that is how data says that it ends.
+std::optional<unsigned> broken_row(const char* message) {
+  unsigned row = 0, pixels = 0;
+  for (const char* text :
+       {"Premature EOF at line %u", "Bad code word at line %u", "Uncompressed data (not supported) at line %u"})
+    if (std::sscanf(message, text, &row) == 1) return row;
+  if (std::sscanf(message, "Premature EOL at line %u of %*s %*u (got %u", &row, &pixels) == 2 && pixels > 0) return row;
+  return std::nullopt;
+}
+
+// Whether rows are missing that the data was still to give. Once it has said that it ends, the decoder counts fewer rows than
+// are read, and complains about each.
+bool is_before_end(TIFF* tiff, unsigned row) {
+  if (TIFFIsTiled(tiff) != 0) return true;
+  uint32_t rows_per_strip = 0;
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rows_per_strip);
+  return rows_per_strip != 0 && TIFFCurrentRow(tiff) % rows_per_strip == row;
+}
+
+// Whether something is lost without which the library makes do, and of which nothing but a message tells: pixels of Group 4
+// data, in whose place there is white, and colours, in whose place there is grey.
+bool tells_loss(TIFF* tiff, std::string_view module, const char* message) {
+  if (module == "TIFFReadDirectory") return std::string_view(message).starts_with("IO error during reading of \"ColorMap\"");
+  if (module != "Fax4Decode") return false;
+  const auto row = broken_row(message);
+  return row && is_before_end(tiff, *row);
+}
+
+// Other messages are for people; what went wrong is told by the library's results.
+int take_message(TIFF* tiff, void* client, const char* module, const char* format, va_list values) {
+  std::array<char, 200> message{};
+  std::vsnprintf(message.data(), message.size(), format, values);
+  if (module != nullptr && tells_loss(tiff, module, message.data()))
+    static_cast<TiffHandle::Client*>(client)->has_loss = true;
   return 1;
 }
 
@@ -54,8 +91,8 @@ TiffHandle::TiffHandle(Bytes& bytes, const char* mode) : client_(new Client{byte
   const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
   if (!options) fail(IMG_E_MEMORY);
   TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), largest_allocation(bytes.size()));
-  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keep_silent, nullptr);
-  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), keep_silent, nullptr);
+  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), take_message, client_.get());
+  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), take_message, client_.get());
   tiff_.reset(TIFFClientOpenExt("", mode, client_.get(), read, write, seek, close, size, nullptr, nullptr, options.get()));
   check(tiff_ != nullptr);
 }

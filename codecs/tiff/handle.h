@@ -1,4 +1,4 @@
-// libtiff over bytes of ours: silent, and with limits on what a file can make it allocate.
+// libtiff over bytes of ours: silent, strict about what is lost, and with limits on what a file can make it allocate.
 #pragma once
 
 #include <memory>
@@ -22,14 +22,15 @@ class TiffHandle {
     return TIFFGetFieldDefaulted(get(), tag, &value) != 0 ? value : otherwise;
   }
 
-  // Throws Failure unless the library succeeded.
+  // Throws Failure unless the library succeeded, and without loss.
   void check(bool succeeded) const {
-    if (!succeeded) fail(client_->bytes.failed() ? IMG_E_FILE_IO : IMG_E_FORMAT);
+    if (!succeeded || client_->has_loss) fail(client_->bytes.failed() ? IMG_E_FILE_IO : IMG_E_FORMAT);
   }
 
   struct Client {
     Bytes& bytes;
     uint64_t position = 0;
+    bool has_loss = false;
   };
 
  private:

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace codec {
 namespace {
@@ -13,11 +12,29 @@ double share(double value) {
   return value > kLinearUpTo ? value * value * value : 3 * kLinearUpTo * kLinearUpTo * (value - 4.0 / 29);
 }
 
-// From IEC 61966-2-1.
+constexpr double fifth_root(double value) {
+  double root = 1;
+  for (int i = 0; i < 20; ++i) root -= (root - value / (root * root * root * root)) / 5;  // Newton's steps
+  return root;
+}
+
+// The light that a value from 0 to 1 stands for, from IEC 61966-2-1.
+constexpr double gamma_decoded(double value) {
+  if (value <= 0.04045) return value / 12.92;
+  const double base = (value + 0.055) / 1.055, root = fifth_root(base);
+  return base * base * root * root;  // to the power of 2.4
+}
+
+// Where the light begins that each level but the first stands for. Basic arithmetic makes this table, and all that is left to
+// do is to compare: the C library's powers may differ in their last bits.
+constexpr auto kFirstLights = [] {
+  std::array<double, 255> lights{};
+  for (size_t i = 0; i < lights.size(); ++i) lights[i] = gamma_decoded((static_cast<double>(i) + 0.5) / 255);
+  return lights;
+}();
+
 uint8_t gamma_encoded(double light) {
-  light = std::clamp(light, 0.0, 1.0);
-  const double value = light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
-  return static_cast<uint8_t>(std::lround(value * 255));
+  return static_cast<uint8_t>(std::ranges::upper_bound(kFirstLights, light) - kFirstLights.begin());
 }
 
 }  // namespace

@@ -171,6 +171,18 @@ void check_size(const TiffPage& page, uint64_t file_bytes) {
   if (page.tile_width < page.layout.width && page.tile_width % 8 != 0 && page.layout.depth < 8) fail(IMG_E_FORMAT);
 }
 
+// Strips and tiles may share bytes, but a small file that has very many of the same long one would take hours.
+void check_data(const TiffHandle& tiff, const TiffPage& page, uint64_t file_bytes) {
+  constexpr uint64_t kAlwaysFine = uint64_t{16} << 20, kMostUses = 64, kMostFileBytes = uint64_t{1} << 56;
+  uint64_t rest = kAlwaysFine + kMostUses * std::min(file_bytes, kMostFileBytes);
+  const uint32_t count = page.has_tiles ? TIFFNumberOfTiles(tiff.get()) : TIFFNumberOfStrips(tiff.get());
+  for (uint32_t i = 0; i < count; ++i) {
+    const uint64_t bytes = std::min(TIFFGetStrileByteCount(tiff.get(), i), file_bytes);
+    if (bytes > rest) fail(IMG_E_FORMAT);
+    rest -= bytes;
+  }
+}
+
 }  // namespace
 
 TiffPage read_tags(const TiffHandle& tiff, uint64_t file_bytes) {
@@ -190,6 +202,7 @@ TiffPage read_tags(const TiffHandle& tiff, uint64_t file_bytes) {
   plan(tiff, page);
   check_samples(tiff, page);
   check_size(page, file_bytes);
+  check_data(tiff, page, file_bytes);
   return page;
 }
 

@@ -18,9 +18,7 @@ Result<HGLOBAL> made_from(HGLOBAL dib, Error no_handle, Error no_lock, auto&& wo
   const auto source = LockedDib::lock(dib);
   if (!source) return no_lock;
   const WaitCursor cursor;
-  auto result = work(*source);
-  if (!result) return result.error();
-  return result->release();
+  return released(work(*source));
 }
 
 Interpolation interpolation_of(int mode) { return mode == 0 ? Interpolation::kLinear : Interpolation::kCubic; }

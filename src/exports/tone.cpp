@@ -101,11 +101,6 @@ Result<HGLOBAL> computed(HGLOBAL table, HGLOBAL histogram, int contrast, int bri
 
 Where where(int make_copy) { return make_copy != 0 ? Where::kCopy : Where::kInPlace; }
 
-Result<HGLOBAL> released(Result<OwnedDib> dib) {
-  if (!dib) return dib.error();
-  return dib->release();
-}
-
 // Locks a DIB that is looked at in the usual order, and runs `work` on it.
 Result<HGLOBAL> made_from(HGLOBAL dib, auto&& check, auto&& work) {
   if (dib == nullptr) return Error::kParameter;

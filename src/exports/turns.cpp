@@ -15,9 +15,7 @@ HGLOBAL turned_handle(HGLOBAL dib, DibTurn turn) {
     const auto source = LockedDib::lock(dib);
     if (!source) return Error::kUnreported;
     const WaitCursor cursor;
-    auto result = turned(*source, turn);
-    if (!result) return result.error();
-    return result->release();
+    return released(turned(*source, turn));
   });
 }
 

@@ -129,6 +129,25 @@ TEST_F(JpegTest, ScansMayBeManyButNotTooMany) {
   }
 }
 
+constexpr uint8_t kSequential = 0xC9, kProgressive = 0xCA;  // both in arithmetic code
+
+// A grey square in arithmetic code of no bytes, which reads as zeros: after the first scan one for each coefficient from 1 on.
+Bytes square_without_data(uint8_t frame, int size, int scans) {
+  const auto high = static_cast<uint8_t>(size >> 8), low = static_cast<uint8_t>(size);
+  const auto last = static_cast<uint8_t>(frame == kProgressive ? 0 : 63);
+  Bytes file = joined({0xFF, 0xD8, 0xFF, kTables, 0, 67, 0}, Bytes(64, 1));
+  file = joined(file, {0xFF, frame, 0, 11, 8, high, low, high, low, 1, 1, 0x11, 0, 0xFF, kScan, 0, 8, 1, 1, 0, 0, last, 0});
+  for (uint8_t i = 1; i < scans; ++i) file = joined(file, {0xFF, kScan, 0, 8, 1, 1, 0, i, i, 0});
+  return joined(file, {0xFF, 0xD9});
+}
+
+TEST_F(JpegTest, SmallFilesDoNotTakeMuchTimeOrMemory) {
+  EXPECT_FALSE(load_file(square_without_data(kSequential, 12'000, 1)).empty());
+  EXPECT_EQ(load_file(square_without_data(kProgressive, 12'000, 1)), Bytes()) << "what it keeps until the last scan";
+  EXPECT_FALSE(load_file(square_without_data(kProgressive, 9'000, 20)).empty());
+  EXPECT_EQ(load_file(square_without_data(kProgressive, 9'000, 27)), Bytes()) << "pixels of all scans";
+}
+
 TEST_F(JpegTest, WhatCannotBeSavedLeavesTheFileAlone) {
   const Bytes file = saved(smooth(8, 8, 24, false));
   EXPECT_FALSE(save(noise(65501, 1, 1)));

@@ -102,6 +102,7 @@ TEST_F(PngTest, SamplesBecomeColors) {
       {"high bytes", file_of_row(2, 16, 0, {0x12, 0xFF, 0x80, 0x00}), 8, {0x121212, 0x808080}},
       {"high bytes of colours", file_of_row(1, 16, 2, {1, 0xFF, 2, 0xFF, 3, 0xFF}), 24, {0x010203}},
       {"grey key", file_of_row(3, 2, 0, {0x1B}, chunk("tRNS", {0, 1})), 4, {0, 0xFFFFFF, 0xAAAAAA}},
+      {"grey key with surplus bits", file_of_row(3, 2, 0, {0x1B}, chunk("tRNS", {1, 5})), 4, {0, 0xFFFFFF, 0xAAAAAA}},
       {"16-bit grey key", file_of_row(2, 16, 0, {1, 2, 1, 3}, chunk("tRNS", {1, 2})), 8, {0xFFFFFF, 0x010101}},
       {"colour key", file_of_row(2, 8, 2, {1, 2, 3, 1, 2, 4}, chunk("tRNS", {0, 1, 0, 2, 0, 3})), 24, {0xFFFFFF, 0x010204}},
       {"alpha, whatever the gamma", file_of_row(2, 8, 4, {100, 128, 0, 0}, kGamma), 8, {0xB1B1B1, 0xFFFFFF}},
@@ -130,6 +131,7 @@ TEST_F(PngTest, WhatCannotBeReadHasAStatus) {
       {"no such depth", file_of_row(1, 3, 0, {0}), 9},
       {"no colours", file_of_row(1, 8, 3, {0}), 9},
       {"a lie", file_of_row(500000000, 8, 0, {0}, {}, 500000000), 1},
+      {"a lie about 2 bits, of which 4 are made", file_of_row(40'000, 2, 0, {0}, {}, 20'000), 1},
       {"too few rows", file_of_row(1, 8, 0, {0}, {}, 2), 9},
   };
   for (const auto& c : cases) {

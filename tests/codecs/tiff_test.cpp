@@ -346,14 +346,68 @@ TEST_F(TiffTest, HeadersThatLieAreRefused) {
   EXPECT_EQ(modules_.load_page(nullptr, 1, nullptr), nullptr);
 }
 
+TEST_F(TiffTest, StripsThatShareBytesAreFineUpToALimit) {
+  for (const uint32_t strips : {300u, 400u}) {
+    const Tags shared = {{kRowsPerStrip, {1}},
+                         {kOffset, std::vector<uint32_t>(strips, 8)},
+                         {kByteCount, std::vector<uint32_t>(strips, 65'000)}};
+    EXPECT_EQ(load_file(tiff_file(page_tags(1, strips, 8, 1, shared), Bytes(65'000))).empty(), strips == 400);
+  }
+}
+
+Bytes first_bytes(const Bytes& file, size_t length) {
+  return {file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length)};
+}
+
 TEST_F(TiffTest, FilesThatAreCutOffAreRefused) {
-  for (const int compression : {1, 5, 7, 8}) {
-    ASSERT_TRUE(save(smooth(50, 40, 24), compression));
+  for (const auto& [compression, depth] :
+       {std::pair(1, 24), {1, 8}, {2, 1}, {3, 1}, {4, 1}, {5, 8}, {7, 24}, {8, 24}, {32773, 4}}) {
+    ASSERT_TRUE(save(noise(50, 40, depth), compression));
     const Bytes file = read_file(path_);
-    for (size_t length = 0; length < file.size(); length += length < 64 ? 1 : file.size() / 64) {
-      EXPECT_TRUE(load_file(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length))).empty()) << length;
+    uint32_t directory = 0;
+    std::memcpy(&directory, &file[4], 4);
+    const size_t entries = file[directory], end = directory + 2 + entries * 12 + 4;
+    for (size_t length = 0; length < file.size();) {
+      EXPECT_TRUE(load_file(first_bytes(file, length)).empty()) << compression << ", " << length;
       EXPECT_EQ(status_, IMG_E_FORMAT);
+      const size_t next = length + file.size() / 64;
+      length = length < directory ? std::min<size_t>(directory, next) : length < end ? length + 1 : next;
     }
+  }
+}
+
+// A white row is a bit of 1; data says with twice 000000000001 that it ends.
+TEST_F(TiffTest, Group4DataEndsWhenItSaysSo) {
+  const auto page = [](uint32_t height, const Tags& more) {
+    Tags tags = more;
+    tags.merge(Tags{{kCompression, {4}}});
+    return page_tags(16, height, 1, 0, tags);
+  };
+  const auto tile = [](uint32_t bytes) {
+    return Tags{{kTileWidth, {16}}, {kTileLength, {16}}, {kTileOffset, {8}}, {kTileByteCount, {bytes}}};
+  };
+  const auto strips = [](uint32_t bytes) { return Tags{{kRowsPerStrip, {2}}, {kOffset, {8, 9}}, {kByteCount, {1, bytes}}}; };
+  const struct {
+    const char* name;
+    Tags tags;
+    Bytes data;
+    bool loads;
+  } cases[] = {
+      {"all rows", page(2, {{kByteCount, {1}}}), {0xC0}, true},
+      {"a row missing", page(3, {{kByteCount, {1}}}), {0xC0}, false},
+      {"a row missing after the end", page(3, {{kByteCount, {4}}}), {0xC0, 0x04, 0x00, 0x40}, true},
+      {"many rows missing after the end", page(9, {{kByteCount, {6}}}), {0xC0, 0x04, 0x00, 0x40, 0, 0}, true},
+      {"a row broken off", page(2, {{kByteCount, {1}}}), {0x98}, false},  // the second: 3 white pixels and how many black?
+      {"a code that is none", page(2, {{kByteCount, {4}}}), {0x90, 0, 0, 0}, false},
+      {"a row that is not coded", page(2, {{kByteCount, {3}}}), {0x81, 0xE0, 0}, false},
+      {"two strips", page(4, strips(1)), {0xC0, 0xC0}, true},
+      {"a row of the second missing", page(4, strips(1)), {0xC0, 0x80}, false},
+      {"a tile", page(16, tile(2)), {0xFF, 0xFF}, true},
+      {"rows of the tile missing", page(16, tile(1)), {0xFF}, false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(load_file(tiff_file(c.tags, c.data)).empty(), !c.loads) << c.name;
+    EXPECT_EQ(status_, c.loads ? IMG_OK : IMG_E_FORMAT) << c.name;
   }
 }
 
@@ -429,10 +483,25 @@ TEST_F(CalsTest, DamagedFilesAreRefused) {
   }
   EXPECT_TRUE(load_file(with_record(file, "rpelcnt: 999999,999999", 8)).empty());
   EXPECT_EQ(status_, IMG_E_MEMORY);
-  for (size_t length = 0; length <= 2048; length += 64) {
-    EXPECT_TRUE(load_file(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length))).empty()) << length;
-    EXPECT_EQ(status_, IMG_E_FORMAT);
+}
+
+TEST_F(CalsTest, DrawingsThatAreCutOffAreRefused) {
+  constexpr size_t kEndOfData = 3;  // twice 000000000001, which may be missing
+  const Bytes dib = with_table(noise(40, 20, 1), {kWhite, kBlack}), file = saved(dib);
+  for (size_t length = 0; length < file.size(); length += length < 2048 ? 64 : 1) {
+    const Bytes loaded = load_file(first_bytes(file, length));
+    if (length + kEndOfData < file.size()) {
+      EXPECT_TRUE(loaded.empty()) << length;
+      EXPECT_EQ(status_, IMG_E_FORMAT);
+    } else {
+      EXPECT_EQ(largest_difference(loaded, dib), 0) << length;
+    }
   }
+  // Data that says it ends before the last row leaves the rest white.
+  const Bytes taller = load_file(with_record(file, "rpelcnt: 000040,000023", 8));
+  EXPECT_EQ(header_of(taller).biHeight, 23);
+  EXPECT_EQ(picture_of(taller).substr(0, picture_of(dib).size()), picture_of(dib));
+  EXPECT_EQ(color_at(taller, 39, 0).rgbRed, 255);
 }
 
 }  // namespace
