@@ -2,6 +2,7 @@
 #include <climits>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 
 #include <vorel32.h>
 
@@ -190,6 +191,33 @@ TEST(Dithering, RefusesInOrderAndLeavesLocksBehind) {
             << depth << " to " << bits;
       }
   }
+}
+
+// Pictures of a negative height fail when there is no turning back, and lock; a block too short for a header has no depth.
+TEST(BiLevel, CopesWithSizesAndHeadersThatLie) {
+  for (const auto& [width, height, dithered, halftoned] : {std::tuple{0, 9, Outcome{0, 0}, Outcome{0, 0}},
+                                                           {9, 0, {0, 0}, {0, 0}},
+                                                           {9, -9, {1, 1}, {1, 0}},
+                                                           {INT_MAX, INT_MAX, {1, 0}, {1, 0}},
+                                                           {1, INT_MAX, {1, 0}, {1, 0}}}) {
+    SCOPED_TRACE(testing::Message() << width << " x " << height);
+    const Block dib = block_of(with_header(header_for(width, height, 8)));
+    for (const Dither& dither : kDithers) EXPECT_EQ(dither_outcome(dither, dib.get(), 4), dithered) << dither.name;
+    EXPECT_EQ(halftone_outcome(dib.get(), 1), halftoned);
+  }
+  const Block cut = block_of(Bytes(39, 40));
+  for (const Dither& dither : kDithers) EXPECT_EQ(dither_outcome(dither, cut.get(), 1), (Outcome{20, 1})) << dither.name;
+  EXPECT_EQ(halftone_outcome(cut.get(), 1), (Outcome{8, 1}));
+  const Bytes dib = noise(30, 5, 8);
+  const auto same = [&](auto change) {
+    const Bytes changed = with_header_changed(dib, change);
+    return dithered(kDithers[1], changed, 4) == plain_dither(changed, PlainDither::jarvis, 4) &&
+           (header_of(changed).biSize != 40 || halftone(changed, 1, 9) == plain_halftone(changed, 1, 9));
+  };
+  EXPECT_TRUE(same([](BITMAPINFOHEADER& header) { header.biCompression = BI_RLE8; }));
+  EXPECT_TRUE(same([](BITMAPINFOHEADER& header) { header.biSize = 64; }));
+  EXPECT_TRUE(same([](BITMAPINFOHEADER& header) { header.biSizeImage = 7; }));
+  EXPECT_TRUE(same([](BITMAPINFOHEADER& header) { header.biClrUsed = 300; }));
 }
 
 TEST(Halftone, RefusesInOrderAndLeavesLocksBehind) {

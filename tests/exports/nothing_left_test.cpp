@@ -75,7 +75,7 @@ const Export kExports[] = {
     {"DitherSharp", [](HGLOBAL dib, const std::string&) { run_and_unlock(DitherSharp(dib, 1), dib); }},
     {"Halftone",
      [](HGLOBAL dib, const std::string&) {
-       for (WORD method : {0, 1, 2}) run_and_unlock(Halftone(dib, method, 5, nullptr), dib);
+       for (const WORD method : {WORD{0}, WORD{1}, WORD{2}}) run_and_unlock(Halftone(dib, method, 5, nullptr), dib);
      }},
     {"InvertDIBPalette", [](HGLOBAL dib, const std::string&) { InvertDIBPalette(dib); }},
     {"InvertMonoDIB", [](HGLOBAL dib, const std::string&) { InvertMonoDIB(dib); }},
