@@ -57,11 +57,15 @@ std::string pixels(const Bytes& dib) {
   return text;
 }
 
+// One error alone, which the rows that follow show two rows below: what is added makes the others white without a remainder.
+const std::vector<Bytes> kOneError = {{100, 241, 245}, {241, 245, 249}, {245, 124, 0}};
+
 TEST(Dithering, GivesThePixelsWorkedOutByHand) {
   const auto& [floyd, jarvis, smooth, sharp] = kDithers;
   const Bytes gray = picture(3, 8, {{128, 128, 128}, {128, 128, 128}});
   EXPECT_EQ(pixels(dithered(floyd, gray, 1)), "010 011");
   EXPECT_EQ(pixels(dithered(jarvis, picture(3, 8, {{128, 128, 128}}), 1)), "010");
+  EXPECT_EQ(pixels(dithered(jarvis, picture(3, 8, kOneError), 1)), "011 111 100");
   for (const Dither& dither : {smooth, sharp})
     EXPECT_EQ(pixels(dithered(dither, picture(4, 8, {{100, 100, 100, 100}}), 1)), "1001") << dither.name;
   EXPECT_EQ(pixels(dithered(floyd, picture(1, 24, {{0, 95, 125}, {0, 95, 125}}), 4)), "0 C") << "green takes red's error";
@@ -89,6 +93,7 @@ TEST(Halftone, GivesThePixelsWorkedOutByHand) {
   EXPECT_EQ(pixels(halftone(picture(4, 8, {row}), 0, 0)), "0011");
   EXPECT_EQ(pixels(halftone(picture(4, 8, {row}), 0, 255)), "1111");
   EXPECT_EQ(pixels(halftone(picture(4, 8, {row}), 0, -255)), "0000");
+  EXPECT_EQ(pixels(halftone(picture(3, 8, kOneError), 1, 0)), "011 111 110") << "unlike DitherJJN's";
   const std::string all(16, '1'), last = "0" + all.substr(1);
   std::string tile;
   for (int y = 0; y < 32; ++y) tile += (y % 16 == 15 ? last + last : all + all) + (y < 31 ? " " : "");
