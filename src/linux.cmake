@@ -7,7 +7,8 @@ target_link_options(vorel32 PRIVATE -Wl,--version-script=${map} -Wl,-z,nodelete)
 if(NOT VOREL_SANITIZE)
   target_link_options(vorel32 PRIVATE -Wl,--no-undefined)
 endif()
-set_target_properties(vorel32 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 5 LINK_DEPENDS ${map})
+# Without a search path of its own: modules come from its folder by their whole names, and else from wherever the program looks.
+set_target_properties(vorel32 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 5 LINK_DEPENDS ${map} INSTALL_RPATH "")
 
 include(GNUInstallDirs)
 install(TARGETS vorel32 LIBRARY)
