@@ -13,6 +13,8 @@ size_t plane_width(int depth, int width) {
 
 Channels::Channels(ConstDibView picture, std::span<const Rgb> colors) : picture_(picture), colors_(colors) {
   planes_.fill(std::vector<uint8_t>(plane_width(picture.depth(), picture.width())));
+  std::ranges::transform(colors, luminances_.begin(),
+                         [](Rgb c) { return static_cast<uint8_t>(luminance_of(c.red, c.green, c.blue)); });
 }
 
 void Channels::read(int y) {
@@ -33,9 +35,16 @@ void Channels::read(int y) {
 }
 
 void Channels::read_luminance(int y) {
-  read(y);
-  for (size_t x = 0; x < width(); ++x)
-    planes_[0][x] = static_cast<uint8_t>(luminance_of(planes_[0][x], planes_[1][x], planes_[2][x]));
+  const uint8_t* const row = picture_.row(y).data();
+  std::vector<uint8_t>& levels = planes_[0];
+  if (picture_.depth() == 24) {
+    for (size_t x = 0; x < static_cast<size_t>(picture_.width()); ++x)
+      levels[x] = static_cast<uint8_t>(luminance_of(row[3 * x + 2], row[3 * x + 1], row[3 * x]));
+  } else if (picture_.depth() == 8) {
+    for (size_t x = 0; x < width(); ++x) levels[x] = luminances_[row[x]];
+  } else {
+    for (size_t x = 0; x < width(); ++x) levels[x] = luminances_[Pixel<4>::load(row, static_cast<int>(x))];
+  }
 }
 
 }  // namespace vorel

@@ -34,6 +34,7 @@ class Channels {
  private:
   ConstDibView picture_;
   std::span<const Rgb> colors_;
+  std::array<uint8_t, 256> luminances_{};       // of the colours
   std::array<std::vector<uint8_t>, 3> planes_;  // red, green, blue
 };
 

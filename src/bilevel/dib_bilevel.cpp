@@ -43,13 +43,17 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method) {
   const ByteCount offset = kHeaderBytes + ByteCount(implied_colors(header.depth)) * sizeof(Rgb);
   const auto whole = source.complete(offset + pixel_bytes(header));
   if (!whole) return Error::kMemory;
+  // Scratch memory is no larger than a block, on any build.
+  constexpr uint32_t kPlanes = 3, kErrorBytes = 3 * kPlanes * sizeof(int16_t);
+  const ByteCount plane = plane_width(header.depth, std::max(header.width, 0));
+  if (header.width < 0 || !(plane * kPlanes).fits_block()) return Error::kMemory;
   const bool is_empty = !has_pixels(header);
   DibHeader shown = header;
   if (is_empty) shown.width = shown.height = 0;
   Channels channels(pixels_at(whole->bytes(), offset, shown), table_of(*whole, header.depth));
 
   const DibHeader result_header = reduced_header(header, bits);
-  auto result = reduced(result_header);
+  auto result = (plane * kErrorBytes).fits_block() ? reduced(result_header) : Error::kMemory;
   if (!result) {
     source.leave_locked();
     return result;
@@ -74,6 +78,8 @@ Result<OwnedDib> halftoned(LockedDib& source, HalftoneMethod method, int brightn
   const auto whole = source.complete(std::max(table_end, offset + pixel_bytes(header)));
   if (!whole) return Error::kMemory;
   const DibHeader result_header = reduced_header(header, 1);
+  if (header.width < 0 || !(row_stride(header.depth, header.width) * 2 * sizeof(int32_t)).fits_block())
+    return Error::kMemory;
   auto result = reduced(result_header);
   if (!result || !has_pixels(header)) return result;
   const auto memory = source.block().size() > whole->bytes().size() ? source.block() : whole->bytes();

@@ -83,8 +83,9 @@ struct JarvisJudiceNinke {
   static void spread(const ErrorRows<Number>& rows, int x, int error) {
     const int one = share_of<1, 48>(error), three = share_of<3, 48>(error), five = share_of<5, 48>(error),
               seven = share_of<7, 48>(error);
-    add(rows.current[x + 1], seven);
-    add(rows.current[x + 2], five);
+    Number* const current = rows.current + x;
+    add(current[1], seven);
+    add(current[2], five);
     Number* const below = rows.below + x;
     add(below[-2], three);
     add(below[-1], five);

@@ -58,7 +58,7 @@ constexpr int kMostRed = 7, kMostGreen = 7;
 
 // Makes numbers eight reds, eight greens and four blues, pixel by pixel.
 template <class Method, int kMostBlue>
-void index_row(std::array<Errors, kChannels>& errors, int width, uint8_t* indices) {
+void index_row(std::vector<Errors>& errors, int width, uint8_t* indices) {
   const Rows red = errors[0].rows(), green = errors[1].rows(), blue = errors[2].rows();
   const auto quantized = [](const Rows& rows, int x, int step, int most) {
     const int value = rows.current[x], level = std::clamp(value / step, 0, most);
@@ -80,7 +80,7 @@ struct FourNeighbors {
   static constexpr int kMostBlue = 3;
 
   // What is left of red goes on in all colours. Callers count on it.
-  static void advance(std::array<Errors, kChannels>& errors, int channels) {
+  static void advance(std::vector<Errors>& errors, int channels) {
     for (int channel = 0; channel < channels; ++channel) errors[static_cast<size_t>(channel)].current.copy(errors[0].below);
   }
 };
@@ -90,7 +90,7 @@ struct TwelveNeighbors {
   using ForIndices = ForBits;
   static constexpr int kMostBlue = 4;  // one more than there are: it counts as the lowest green
 
-  static void advance(std::array<Errors, kChannels>& errors, int channels) {
+  static void advance(std::vector<Errors>& errors, int channels) {
     for (int channel = 0; channel < channels; ++channel) {
       Errors& rows = errors[static_cast<size_t>(channel)];
       rows.current.copy(rows.below);
@@ -105,8 +105,8 @@ void read_channels(Channels& source, int y, int result_depth) {
 
 template <class Method>
 void diffuse(Channels& source, DibView result) {
-  std::array errors = {Errors(source.width()), Errors(source.width()), Errors(source.width())};
   BitRows bits(result);
+  std::vector<Errors> errors(static_cast<size_t>(bits.channels()), Errors(source.width()));
   for (int y = 0; y < result.height(); ++y) {
     read_channels(source, y, result.depth());
     for (int channel = 0; channel < bits.channels(); ++channel)
@@ -125,19 +125,17 @@ void diffuse(Channels& source, DibView result) {
 // ---- Blocks of two by two ----
 
 constexpr int kBlock = 4;
+using Block = std::array<int, kBlock>;
 
-// The positions of a block from the brightest to the darkest.
-std::array<int, kBlock> ranked(const std::array<int, kBlock>& block) {
-  int brightest = 0, darkest = 0;
-  for (int i = 1; i < kBlock; ++i) {
-    if (block[static_cast<size_t>(i)] > block[static_cast<size_t>(brightest)]) brightest = i;
-    if (block[static_cast<size_t>(i)] <= block[static_cast<size_t>(darkest)]) darkest = i;
-  }
-  int rest[2] = {};
-  for (int i = 0, count = 0; i < kBlock; ++i)
-    if (i != brightest && i != darkest) rest[count++] = i;
-  if (block[static_cast<size_t>(rest[0])] <= block[static_cast<size_t>(rest[1])]) std::swap(rest[0], rest[1]);
-  return {brightest, rest[0], rest[1], darkest};
+// How many of a block are brighter than each, the earlier of two alike counting as brighter - but of the middle two alike, the later.
+Block ranks_of(const Block& w) {
+  const int b01 = w[1] > w[0], b02 = w[2] > w[0], b03 = w[3] > w[0], b12 = w[2] > w[1], b13 = w[3] > w[1], b23 = w[3] > w[2];
+  Block ranks = {b01 + b02 + b03, 1 - b01 + b12 + b13, 2 - b02 - b12 + b23, 3 - b03 - b13 - b23};
+  const int low = std::max(std::min(w[0], w[1]), std::min(w[2], w[3])),
+            high = std::min(std::max(w[0], w[1]), std::max(w[2], w[3]));
+  const int flip = low == high ? 3 : 0;  // of ranks 1 and 2
+  for (int& rank : ranks) rank ^= rank == 1 || rank == 2 ? flip : 0;
+  return ranks;
 }
 
 // Moves the light of each block of two by two pixels to its brightest ones, and what does not make them white to the block to the
@@ -145,24 +143,24 @@ std::array<int, kBlock> ranked(const std::array<int, kBlock>& block) {
 template <bool kHalves>
 void redistribute_row(int16_t* current, int16_t* below, int width, uint8_t* bits) {
   RowWriter<1> writer(bits, 0);
-  int carried = 0, negative = 0;
+  int carried = 0;
+  Block block = {0, current[0], 0, below[0]};
   for (int x = 0; x < width; ++x) {
-    std::array<int, kBlock> block = {current[x], current[x + 1], below[x], below[x + 1]};
-    int sum = static_cast<int16_t>(block[0] + block[1] + block[2] + block[3] + negative + carried);
-    negative = std::min(sum, 0);
-    sum = std::max(sum, 0);
-    const int whites = sum / kWhite, rest = sum % kWhite;
-    const auto order = ranked(block);
-    for (int rank = 0; rank < kBlock; ++rank)
-      block[static_cast<size_t>(order[static_cast<size_t>(rank)])] = rank < whites ? kWhite : rank == whites ? rest : 0;
+    block = {block[1], current[x + 1], block[3], below[x + 1]};
+    const int sum = block[0] + block[1] + block[2] + block[3] + carried;
+    if (sum >= kBlock * kWhite) {
+      block.fill(kWhite);  // paper, mostly: no need to rank
+    } else {
+      const Block ranks = ranks_of(block);
+      for (size_t i = 0; i < kBlock; ++i) block[i] = std::clamp(sum - kWhite * ranks[i], 0, kWhite);
+    }
     const bool is_white = block[0] == kWhite;
     writer.put(is_white ? 1 : 0);
     carried = is_white ? 0 : kHalves ? block[0] / 2 : block[0];
-    current[x] = static_cast<int16_t>(block[0]);
-    current[x + 1] = static_cast<int16_t>(block[1]);
     below[x] = static_cast<int16_t>(block[2]);
-    below[x + 1] = static_cast<int16_t>(block[3]);
   }
+  current[width] = static_cast<int16_t>(block[1]);
+  below[width] = static_cast<int16_t>(block[3]);
 }
 
 template <bool kHalves>
@@ -171,8 +169,8 @@ void redistribute(Channels& source, DibView result) {
     Row current, below;
   };
   const size_t width = source.width();
-  std::array pairs = {Pair{Row(width), Row(width)}, Pair{Row(width), Row(width)}, Pair{Row(width), Row(width)}};
   BitRows bits(result);
+  std::vector<Pair> pairs(static_cast<size_t>(bits.channels()), Pair{Row(width), Row(width)});
   const auto pair = [&](int channel) -> Pair& { return pairs[static_cast<size_t>(channel)]; };
   const auto load = [&](Row& row, int channel) { std::ranges::copy(source.plane(channel), row.data()); };
   const auto work = [&](int y) {

@@ -6,6 +6,7 @@
 
 #include "bilevel/channels.h"
 #include "bilevel/diffusion.h"
+#include "dib/pixel.h"
 
 namespace vorel {
 namespace {
@@ -41,7 +42,12 @@ class LuminancePlane {
   // The first pixels of a row.
   void read(int y, std::span<uint8_t> row) const {
     const size_t begin = static_cast<size_t>(y) * row_length();
-    for (size_t x = 0; x < row.size(); ++x) row[x] = at(begin + x);
+    if (source_.depth() == 24) return read_true_color(begin, row);
+    const std::span<const uint8_t> bytes = memory_.subspan(static_cast<size_t>(y) * static_cast<size_t>(source_.stride()));
+    if (source_.depth() == 8)
+      for (size_t x = 0; x < row.size(); ++x) row[x] = levels_[bytes[x]];
+    else
+      for (size_t x = 0; x < row.size(); ++x) row[x] = levels_[Pixel<4>::load(bytes.data(), static_cast<int>(x))];
   }
 
  private:
@@ -51,19 +57,22 @@ class LuminancePlane {
 
   uint8_t byte(size_t offset) const { return offset < memory_.size() ? memory_[offset] : 0; }
 
-  uint8_t at(size_t position) const {
-    if (source_.depth() == 8) return levels_[byte(position)];
-    if (source_.depth() == 4) return levels_[position % 2 == 0 ? byte(position / 2) >> 4 : byte(position / 2) & 0xF];
-    return true_color_at(position);
-  }
-
   // 24-bit pixels lie closer together than rows are long: as many to a row as it has, rounded up to four. So a row of the result
   // shows several rows of the source, and the picture ends early. Callers count on it.
-  uint8_t true_color_at(size_t position) const {
-    const size_t per_row = plane_width(24, source_.width()), y = position / per_row;
-    if (y >= static_cast<size_t>(source_.height())) return level(0, 0, 0);
-    const size_t offset = y * static_cast<size_t>(source_.stride()) + position % per_row * 3;
-    return level(byte(offset + 2), byte(offset + 1), byte(offset));
+  void read_true_color(size_t begin, std::span<uint8_t> row) const {
+    const size_t per_row = plane_width(24, source_.width());
+    size_t y = begin / per_row, x = begin % per_row;
+    for (uint8_t& to : row) {
+      if (y >= static_cast<size_t>(source_.height())) {
+        to = level(0, 0, 0);
+        continue;
+      }
+      const size_t offset = y * static_cast<size_t>(source_.stride()) + 3 * x;
+      to = level(byte(offset + 2), byte(offset + 1), byte(offset));
+      if (++x < per_row) continue;
+      x = 0;
+      ++y;
+    }
   }
 
   ConstDibView source_;
@@ -85,7 +94,8 @@ void halftone(ConstDibView source, std::span<const uint8_t> memory, std::span<co
   const LuminancePlane plane(source, memory, colors, brightness);
   const int width = result.width();
   std::vector<uint8_t> levels(static_cast<size_t>(width));
-  Row current(plane.row_length()), below(plane.row_length()), further(plane.row_length());
+  const size_t length = method == HalftoneMethod::kDiffusion ? plane.row_length() : 0;
+  Row current(length), below(length), further(length);
   for (int y = 0; y < result.height(); ++y) {
     uint8_t* const bits = result.row(y).data();
     plane.read(y, levels);
