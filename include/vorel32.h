@@ -55,6 +55,7 @@ extern "C" {
 
 typedef int BOOL;
 typedef unsigned int UINT;
+typedef uint16_t WORD;
 typedef int HFILE;     /**< An open file: its POSIX file descriptor. */
 typedef void* HGLOBAL; /**< A global memory block: an opaque value, for a movable block not an address. */
 typedef const char* LPCSTR;
@@ -687,6 +688,43 @@ VOREL_API HGLOBAL VORELCALL ConvMonoDIBtoGrayscale(HGLOBAL dib, int grade);
  *  Returns a DIB handle for a block of the same size. NULL, no code: not a DIB handle, another depth, a colour that is no grey, a
  *  level out of range, or memory is short. */
 VOREL_API HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode);
+
+/* ---- Black and white, and few colours ------------------------------------------------------------------------------- */
+
+/*  The four functions reduce a DIB of 4, 8 or 24 bits to fixed colours by error diffusion:
+ *    bits 1   black and white, by luminance, (30 red + 59 green + 11 blue) / 100
+ *    bits 4   red, green and blue on or off, each by itself; pixels are 8 red + 4 green + 2 blue
+ *    bits 8   eight reds, eight greens, four blues (3-3-2); DitherFS4 and DitherJJN only
+ *  Colour tables of 16 or 256 entries are taken to be there whatever biClrUsed says, and neither header size nor compression is
+ *  looked at. They return a DIB handle and set the thread's code to 0. NULL: IMG_E_PARAMETER (other bits), IMG_E_DITHER_PARAMETER
+ *  (as many bits as the DIB has or more, another depth; one lock on the DIB stays behind), IMG_E_MEMORY (a lock may stay behind
+ *  too), and for what is no handle:
+ *                              null               not a DIB handle
+ *    DitherFS4                 IMG_E_PARAMETER    IMG_E_LOCK
+ *    DitherJJN, Smooth, Sharp  IMG_E_LOCK         IMG_E_MEMORY
+ */
+
+/** Spreads errors over four neighbours, after Floyd and Steinberg (1976), but that shares for the row below replace each other. */
+VOREL_API HGLOBAL VORELCALL DitherFS4(HGLOBAL dib, int bits);
+
+/** Spreads errors over twelve neighbours, after Jarvis, Judice and Ninke (1976), with the same remark on the second row below. */
+VOREL_API HGLOBAL VORELCALL DitherJJN(HGLOBAL dib, int bits);
+
+/** Moves the light of each block of 2 x 2 pixels into its brightest ones; what is left goes to the right. bits: 1 or 4. */
+VOREL_API HGLOBAL VORELCALL DitherSmooth(HGLOBAL dib, int bits);
+
+/** The same, but half of what is left goes to the right, which keeps edges sharper. bits: 1 or 4. */
+VOREL_API HGLOBAL VORELCALL DitherSharp(HGLOBAL dib, int bits);
+
+/** Makes a black and white copy of a DIB of 4, 8 or 24 bits.
+ *  method      0 threshold: what is lighter than 128 becomes white; 1 error diffusion over twelve neighbours; 2 ordered, by a 16 x 16
+ *              matrix of thresholds (Bayer, 1973)
+ *  brightness  added to the luminance of each pixel, within 0 to 255
+ *  error       takes the code of a failure; not written on success. May be NULL. The thread's code stays as it was
+ *  Of 24-bit pictures rows are put together from several rows, and the picture ends early; make them grey first.
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null, another method; another depth, which leaves a lock on the DIB behind),
+ *  IMG_E_MEMORY (also: not a DIB handle). */
+VOREL_API HGLOBAL VORELCALL Halftone(HGLOBAL dib, WORD method, int brightness, WORD* error);
 
 /* ---- Run-length compression ---------------------------------------------------------------------------------------- */
 

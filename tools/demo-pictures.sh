@@ -10,7 +10,9 @@ windows() { ./tools/run-wine.sh "build/win32/bin/$1" "${@:2}"; }
 steps=("convert" "rotate 90" "rotate 180" "rotate 270" "rotate -17 --white" "mirror horizontal" "mirror vertical"
        "skew horizontal 150 --white" "skew vertical -100" "scale 30%" "scale 150% --method cubic" "scale 50% --method nearest"
        "crop 100,80 300x200" "invert" "tone --brightness 10 --contrast 30" "lut --contrast 80 --square 100,100" "filter sharpen"
-       "filter blur --size 5" "gray --weighted" "gray --smooth 2" "expand" "clean 60")
+       "filter blur --size 5" "gray --weighted" "gray --smooth 2" "expand" "clean 60"
+       "dither" "dither --method jjn" "dither --method smooth" "dither --method sharp --bits 4" "dither --bits 8"
+       "halftone" "halftone --method diffusion" "halftone --method threshold")
 endings=(tif png jpg gif pcx dcx tga)
 different=0 compared=0
 

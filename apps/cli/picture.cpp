@@ -203,6 +203,13 @@ void prepare(Picture& picture, Reach reach) {
   }
 }
 
+void complete_table(Picture& picture) {
+  const int depth = picture.header.biBitCount;
+  if (depth > 8 || picture.header.biClrUsed == 0 || picture.header.biClrUsed == 1u << depth) return;
+  picture.dib = with_whole_table(picture);
+  picture.header = DibLock(picture.dib).header();
+}
+
 const Format& recognise(const Input& input) {
   const int code = GetImageFormat(input.loading_path().c_str());
   if (code == IMG_FORMAT_UNKNOWN && begins_with_a_bitmap_header(input)) return *format_of(IMG_FORMAT_BITMAP);

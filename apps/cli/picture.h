@@ -32,6 +32,9 @@ enum class Reach { kChangesPixels, kMovesRows, kMovesPixels };
 // Makes a picture's pixels reachable: expands run-length compressed ones. Throws Failure where there is no way.
 void prepare(Picture& picture, Reach reach);
 
+// Makes the colour table of a picture of at most 8 bits as long as the depth has colours.
+void complete_table(Picture& picture);
+
 // What a file holds. Throws Failure for what the tool cannot load.
 const Format& recognise(const Input& input);
 

@@ -18,6 +18,23 @@ std::span<uint8_t> table_of(const DibLock& lock) {
   return lock.bytes().subspan(sizeof(BITMAPINFOHEADER), PaletteSize(lock.bytes().data()));
 }
 
+// A black picture of 8 bits with a grey ramp.
+Picture blank_with_greys(const std::string& label, BITMAPINFOHEADER header) {
+  constexpr size_t kColors = 256;
+  header.biBitCount = 8;
+  header.biClrUsed = kColors;
+  header.biClrImportant = 0;
+  Picture gray{.label = label, .header = header, .dib = {}};
+  const uint64_t bytes = sizeof header + kColors * sizeof(RGBQUAD) + stored_row_bytes(header) * row_count(header);
+  gray.dib.reset(GlobalAlloc(GHND, static_cast<size_t>(bytes)));  // less than the 24-bit picture that is there
+  if (!gray.dib) throw std::bad_alloc();
+  const DibLock lock(gray.dib);
+  for (size_t i = 0; i < kColors * sizeof(RGBQUAD); ++i)
+    lock.bytes()[sizeof header + i] = static_cast<uint8_t>(i % sizeof(RGBQUAD) == 3 ? 0 : i / sizeof(RGBQUAD));
+  set_image_size(gray);
+  return gray;
+}
+
 void for_each_byte(Picture& picture, auto&& change) {
   const DibLock lock(picture.dib);
   const auto rows = lock.pixels().first(static_cast<size_t>(stored_row_bytes(picture.header) * row_count(picture.header)));
@@ -89,6 +106,20 @@ Picture in_true_color(const Picture& picture) {
   for (int y = 0; y < from.height(); ++y)
     for (int x = 0; x < from.width(); ++x) to.set(x, y, from.color_at(x, y));
   return result;
+}
+
+Dib luminance_of(const Picture& picture) {
+  const int width = picture.header.biWidth, height = picture.header.biHeight;
+  Picture gray = blank_with_greys(picture.label, picture.header);
+  const DibLock source_lock(picture.dib), gray_lock(gray.dib);
+  const Pixels from(source_lock);
+  Pixels to(gray_lock);
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width; ++x) {
+      const uint32_t color = from.color_at(x, y);
+      to.set(x, y, (30 * (color >> 16) + 59 * (color >> 8 & 0xFF) + 11 * (color & 0xFF)) / 100);
+    }
+  return std::move(gray.dib);
 }
 
 LevelCounts count_levels(const Picture& picture) {

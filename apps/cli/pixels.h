@@ -40,6 +40,9 @@ Picture blank_like(const Picture& picture, int width, int height, int depth);
 // The same picture with 24 bits per pixel.
 Picture in_true_color(const Picture& picture);
 
+// The same picture of a 24-bit one in 8-bit greys, by luminance: (30 red + 59 green + 11 blue) / 100.
+Dib luminance_of(const Picture& picture);
+
 // The greys of a picture's pixels, (blue + green + red + 1) / 3, counted.
 using LevelCounts = std::array<uint64_t, 256>;
 LevelCounts count_levels(const Picture& picture);

@@ -56,6 +56,9 @@ class LockedDib {
   bool has_header() const { return block().size() >= kHeaderBytes; }
   const DibHeader& header() const { return header_; }
 
+  // The lock outlives its scope. A few failures are known to leave it behind.
+  void leave_locked() { block_.leave_locked(); }
+
   std::span<uint8_t> block() const { return block_.bytes(); }
   std::optional<CompleteBytes> complete(ByteCount bytes) const { return CompleteBytes::of(block(), bytes); }
 

@@ -56,6 +56,9 @@ class LockedBlock {
 
   std::span<uint8_t> bytes() const { return bytes_; }
 
+  // The lock outlives its scope.
+  void leave_locked() { handle_ = nullptr; }
+
  private:
   LockedBlock(HGLOBAL handle, std::span<uint8_t> bytes) : handle_(handle), bytes_(bytes) {}
 

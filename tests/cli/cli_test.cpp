@@ -63,8 +63,9 @@ TEST_F(Cli, ExitCodes) {
 }
 
 TEST_F(Cli, HelpAndVersion) {
-  for (const char* verb : {"info", "convert", "pages", "rotate", "mirror", "skew", "scale", "cut", "crop", "combine",
-                           "invert", "tone", "lut", "histogram", "filter", "gray", "expand", "clean"}) {
+  for (const char* verb :
+       {"info",   "convert", "pages", "rotate",    "mirror", "skew", "scale",  "cut",   "crop",   "combine",
+        "invert", "tone",    "lut",   "histogram", "filter", "gray", "expand", "clean", "dither", "halftone"}) {
     EXPECT_EQ(run({verb, "--help"}), 0);
     EXPECT_THAT(out_.str(), HasSubstr(std::string("\n  vorel ") + verb));
   }

@@ -73,6 +73,28 @@ TEST_F(CliTone, CleaningReports) {
   EXPECT_EQ(picture_of(dib_in(read_file(out))).find('0'), std::string::npos);
 }
 
+TEST_F(CliTone, FewColours) {
+  const struct {
+    std::vector<std::string> arguments;
+    int depth;
+  } rows[] = {{{"dither"}, 1},
+              {{"dither", "--method", "sharp", "--bits", "4"}, 4},
+              {{"dither", "--method", "jjn", "--bits", "8"}, 8},
+              {{"halftone"}, 1},
+              {{"halftone", "--method", "diffusion"}, 1}};
+  for (const auto& row : rows) {
+    const Bytes result = dib_in(converted(row.arguments, bitmap_file(plain(64, 32, 24, 128))));
+    ASSERT_EQ(header_of(result).biBitCount, row.depth);
+    double sum = 0;
+    for (int y = 0; y < 32; ++y)
+      for (int x = 0; x < 64; ++x) sum += color_at(result, x, y).rgbGreen;
+    EXPECT_NEAR(sum / (64 * 32), 128, 40) << row.arguments[0] << row.depth;
+  }
+  const Bytes light =
+      dib_in(converted({"halftone", "--method", "threshold", "--brightness", "60"}, bitmap_file(plain(9, 5, 24, 100))));
+  EXPECT_EQ(picture_of(light).find('0'), std::string::npos);
+}
+
 TEST_F(CliTone, Refusals) {
   const std::string bits = put("bits.bmp", bitmap_file(plain(9, 9, 1, 0))),
                     colors = put("colors.bmp", bitmap_file(noise(9, 9, 8))), out = at("out.bmp");
@@ -80,16 +102,21 @@ TEST_F(CliTone, Refusals) {
     std::vector<std::string> arguments;
     int code;
     const char* message;
-  } rows[] = {{{"tone", bits, out}, 4, "gray"},
-              {{"tone", colors, out, "--contrast", "101"}, 2, "tone --help"},
-              {{"lut", bits, out}, 4, "8 bits"},
-              {{"filter", bits, out, "box"}, 4, "expand"},
-              {{"filter", colors, out, "blur", "--size", "7"}, 2, "out of bounds"},
-              {{"filter", colors, out, "kernel", "--kernel", "1,2"}, 2, "9 numbers"},
-              {{"filter", colors, out, "box", "--kernel", "1"}, 2, "leave it out"},
-              {{"filter", colors, out, "kernel", "--kernel", "200,0,0,0,0,0,0,0,0,1"}, 2, "out of bounds"},
-              {{"clean", colors, out, "50"}, 4, "greys"},
-              {{"clean", bits, out, "10"}, 2, "clean --help"}};
+  } rows[] = {
+      {{"tone", bits, out}, 4, "gray"},
+      {{"tone", colors, out, "--contrast", "101"}, 2, "tone --help"},
+      {{"lut", bits, out}, 4, "8 bits"},
+      {{"filter", bits, out, "box"}, 4, "expand"},
+      {{"filter", colors, out, "blur", "--size", "7"}, 2, "out of bounds"},
+      {{"filter", colors, out, "kernel", "--kernel", "1,2"}, 2, "9 numbers"},
+      {{"filter", colors, out, "box", "--kernel", "1"}, 2, "leave it out"},
+      {{"filter", colors, out, "kernel", "--kernel", "200,0,0,0,0,0,0,0,0,1"}, 2, "out of bounds"},
+      {{"dither", bits, out}, 4, "more bits"},
+      {{"dither", colors, out, "--bits", "8"}, 4, "more bits"},
+      {{"dither", put("true.bmp", bitmap_file(noise(9, 9, 24))), out, "--bits", "8", "--method", "smooth"}, 2, "fs or jjn"},
+      {{"halftone", bits, out}, 4, "more bits"},
+      {{"clean", colors, out, "50"}, 4, "greys"},
+      {{"clean", bits, out, "10"}, 2, "clean --help"}};
   for (const auto& row : rows) {
     EXPECT_EQ(run(row.arguments), row.code) << row.message;
     EXPECT_THAT(err_, HasSubstr(row.message));

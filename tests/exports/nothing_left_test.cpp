@@ -13,14 +13,6 @@ using namespace test;
 
 namespace {
 
-// Locks on a movable block; takes them back.
-int take_locks_back(HGLOBAL block) {
-  GlobalLock(block);
-  int others = 0;
-  while (GlobalUnlock(block)) ++others;
-  return others;
-}
-
 // Files that this process has open, as far as the system shows them.
 size_t open_files() {
 #ifdef __linux__
@@ -37,6 +29,12 @@ struct Export {
   const char* name;
   std::function<void(HGLOBAL dib, const std::string& path)> call;
 };
+
+// For exports that leave a lock on some of what they refuse, but nothing else.
+void run_and_unlock(HGLOBAL result, HGLOBAL dib) {
+  if (result == nullptr) take_locks_back(dib);
+  GlobalFree(result);
+}
 
 const Export kExports[] = {
     {"LoadDIBFromFile", [](HGLOBAL, const std::string& path) { Block(LoadDIBFromFile(path.c_str())); }},
@@ -71,6 +69,14 @@ const Export kExports[] = {
     {"ConvMonoDIBtoGrayscale", [](HGLOBAL dib, const std::string&) { Block(ConvMonoDIBtoGrayscale(dib, 1)); }},
     {"CleanImage",
      [](HGLOBAL dib, const std::string&) { Block(CleanImage(Block(ConvColorDIBtoGrayscale(dib, 0, 1)).get(), 50, 1)); }},
+    {"DitherFS4", [](HGLOBAL dib, const std::string&) { run_and_unlock(DitherFS4(dib, 4), dib); }},
+    {"DitherJJN", [](HGLOBAL dib, const std::string&) { run_and_unlock(DitherJJN(dib, 1), dib); }},
+    {"DitherSmooth", [](HGLOBAL dib, const std::string&) { run_and_unlock(DitherSmooth(dib, 4), dib); }},
+    {"DitherSharp", [](HGLOBAL dib, const std::string&) { run_and_unlock(DitherSharp(dib, 1), dib); }},
+    {"Halftone",
+     [](HGLOBAL dib, const std::string&) {
+       for (const WORD method : {WORD{0}, WORD{1}, WORD{2}}) run_and_unlock(Halftone(dib, method, 5, nullptr), dib);
+     }},
     {"InvertDIBPalette", [](HGLOBAL dib, const std::string&) { InvertDIBPalette(dib); }},
     {"InvertMonoDIB", [](HGLOBAL dib, const std::string&) { InvertMonoDIB(dib); }},
     {"RotateDIB90", [](HGLOBAL dib, const std::string&) { Block(RotateDIB90(dib)); }},

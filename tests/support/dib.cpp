@@ -24,6 +24,13 @@ Bytes bytes_of(HGLOBAL block) {
   return bytes;
 }
 
+int take_locks_back(HGLOBAL block) {
+  GlobalLock(block);
+  int others = 0;
+  while (GlobalUnlock(block)) ++others;
+  return others;
+}
+
 Bytes joined(Bytes head, const Bytes& tail) {
   head.insert(head.end(), tail.begin(), tail.end());
   return head;

@@ -36,6 +36,9 @@ class Block {
 Block block_of(const Bytes& bytes);
 Bytes bytes_of(HGLOBAL block);
 
+// Locks on a movable block; takes them back.
+int take_locks_back(HGLOBAL block);
+
 Bytes joined(Bytes head, const Bytes& tail);
 
 // A handle that was a block's once.

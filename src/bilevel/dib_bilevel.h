@@ -1,0 +1,16 @@
+// Reducing packed DIBs to black and white, or to few colours.
+#pragma once
+
+#include "bilevel/dithering.h"
+#include "bilevel/halftone.h"
+#include "dib/packed_dib.h"
+
+namespace vorel {
+
+// A new DIB of 1, 4 or 8 bits. Some failures leave the source locked.
+Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method);
+
+// A new DIB of 1 bit. Another depth than 4, 8 or 24 bits leaves the source locked.
+Result<OwnedDib> halftoned(LockedDib& source, HalftoneMethod method, int brightness);
+
+}  // namespace vorel
