@@ -10,6 +10,8 @@ namespace {
 
 constexpr int kDepths[] = {1, 4, 8, 24};
 
+std::pair<int, int> extent_of(const BITMAPINFOHEADER& header) { return {header.biWidth, header.biHeight}; }
+
 struct Place {
   int x, y;
 };
@@ -18,7 +20,7 @@ struct Place {
 void expect_pixels(const Bytes& result, const Bytes& source, int width, int height,
                    const std::function<Place(int, int)>& from) {
   const BITMAPINFOHEADER header = header_of(result);
-  ASSERT_EQ(std::pair(header.biWidth, header.biHeight), std::pair(width, height));
+  ASSERT_EQ(extent_of(header), std::pair(width, height));
   EXPECT_EQ(header.biSizeImage, stride_of(width, header.biBitCount) * static_cast<size_t>(height));
   for (int y = 0; y < height; ++y)
     for (int x = 0; x < width; ++x) {
@@ -35,7 +37,7 @@ TEST_F(CliGeometry, AnyAngle) {
   for (const char* degrees : {"30", "-330"}) {
     const Bytes turned = dib_in(converted({"rotate", degrees}, bitmap_file(paper)));
     const BITMAPINFOHEADER header = header_of(turned);
-    EXPECT_EQ(std::pair(header.biWidth, header.biHeight), std::pair(44, 38));
+    EXPECT_EQ(extent_of(header), std::pair(44, 38));
     EXPECT_EQ(color_at(turned, 0, 0).rgbRed, 0) << "a corner that nothing covers";
     EXPECT_EQ(color_at(turned, 22, 19).rgbRed, 255);
     // Clockwise: the left upper corner of the paper is what lies highest.
@@ -76,7 +78,7 @@ TEST_F(CliGeometry, Scale) {
       std::vector<std::string> arguments = row.arguments;
       arguments.insert(arguments.begin(), "scale");
       const Bytes scaled = dib_in(converted(arguments, bitmap_file(noise(100, 40, depth))));
-      EXPECT_EQ(std::pair(header_of(scaled).biWidth, header_of(scaled).biHeight), std::pair(row.width, row.height));
+      EXPECT_EQ(extent_of(header_of(scaled)), std::pair(row.width, row.height));
       EXPECT_EQ(header_of(scaled).biBitCount, depth);
     }
   for (const int depth : kDepths) {
