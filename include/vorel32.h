@@ -751,6 +751,361 @@ VOREL_API HGLOBAL VORELCALL CompressDIB(HGLOBAL dib);
  *  depth, biSizeImage 0, a negative width or height), IMG_E_MEMORY (also for sizes that no block has). */
 VOREL_API HGLOBAL VORELCALL ExpandCompressedDIB(HGLOBAL dib);
 
+/* ---- Scrolling display (Windows only) ------------------------------------------------------------------------------ */
+
+/** Options of a display. */
+#define IMG_DISPLAY_FIT 0x0008u /**< the whole image in the client area, in its proportions, which the resolutions tell */
+#define IMG_DISPLAY_INVERTED 0x0020u   /**< colours drawn inverted */
+#define IMG_DISPLAY_RESOLUTION 0x0040u /**< scaled by the resolution of the screen over that of the image */
+#define IMG_DISPLAY_CENTRE 0x0080u     /**< centred in the client area */
+#define IMG_DISPLAY_STRETCH 0x0100u    /**< fills the client area, out of proportion */
+#define IMG_DISPLAY_NO_VSCROLL 0x0200u /**< no vertical scroll bar */
+#define IMG_DISPLAY_NO_HSCROLL 0x0400u /**< no horizontal scroll bar */
+#define IMG_DISPLAY_AS_BITMAP 0x0800u  /**< at the start: make a device bitmap of the DIB and paint from that */
+#define IMG_DISPLAY_FIT_WIDTH 0x1000u  /**< as wide as the client area, in proportion */
+
+/** What a display knows of its image and window, in numbers. Logical units are image pixels, device units those of the window. */
+typedef struct ImgDisplayLayout {
+  int originLogicalX, originLogicalY;         /**< the image point at the left upper corner of the client area */
+  int imageOriginDeviceX, imageOriginDeviceY; /**< where image point (0, 0) lies */
+  UINT flags;                                 /**< IMG_DISPLAY_...; 0x0004 says that a zoom has positioned the image */
+  int hScrollMin, vScrollMin, hScrollMax, vScrollMax; /**< device units; -1 where nothing can be scrolled */
+  int hScrollPos, vScrollPos;
+  int zoomViewportX, zoomWindowX, zoomViewportY, zoomWindowY; /**< zoom ratios, viewport to window; below 1 counts as 1 */
+  int centreOffsetX, centreOffsetY; /**< device units; negative for an image smaller than the window */
+  int imageWidth, imageHeight;
+  UINT bitsPerPixel;
+  int clientLeft, clientTop, clientRight, clientBottom;
+  int windowOriginX, windowOriginY; /**< logical units */
+  int screenDpiX, screenDpiY;
+  int imageDpiX, imageDpiY;
+} ImgDisplayLayout;
+
+/** A rubber-band zoom from its start to its end. The caller's; BZoomStart fills it. */
+typedef struct ImgZoomTracker {
+  int mode;                                                           /**< see BZoomStart */
+  int resultViewportX, resultWindowX, resultViewportY, resultWindowY; /**< the new ratio */
+  int resultLeft, resultTop;                                          /**< the image point for the left upper corner */
+  int screenCoordinates;                                              /**< whether points are passed in screen coordinates */
+  int anchorX, anchorY;                                               /**< where it began, client coordinates */
+  int cornerX, cornerY;                                               /**< the band's opposite corner */
+  int startViewportX, startWindowX, startViewportY, startWindowY;     /**< the ratio it began with */
+  int bandShown;
+} ImgZoomTracker;
+
+/** Entries of a table of zoom steps: how many follow (1 to 10), then so many values, each greater than the one before, the first
+ *  equal to the base. */
+#define IMG_ZOOM_TABLE_ENTRIES 11
+
+/** Replaces the calling thread's zoom steps.
+ *  base     the value that stands for 1 in a ratio, 1 to 1000; 10 in a new thread
+ *  enlarge  viewport values of enlarging ratios (enlarge : base); NULL leaves them. In a new thread 5; 10, 20, 40, 60, 80
+ *  reduce   window values of reducing ratios (base : reduce); NULL leaves them. In a new thread 5; 10, 15, 30, 40, 50
+ *  Tables have IMG_ZOOM_TABLE_ENTRIES entries; those beyond the count are kept as they are and mean nothing.
+ *  Returns 1. 0, and nothing changes, for a base or a table out of these bounds. */
+VOREL_API int VORELCALL BZoomSetScaleSteps(int base, const int* enlarge, const int* reduce);
+
+/** Copies the calling thread's zoom steps.
+ *  enlarge, reduce  take IMG_ZOOM_TABLE_ENTRIES entries; may be NULL
+ *  Returns the base. */
+VOREL_API int VORELCALL BZoomGetScaleSteps(int* enlarge, int* reduce);
+
+#ifdef _WIN32
+
+/** What a display keeps for a window: the caller's, one for each window, handed to every call. Serialise calls that share one.
+ *  sizeof is at least the 142 bytes that DisplayWmCreate clears. */
+typedef struct ImgDisplayState {
+  ImgDisplayLayout layout;
+  HPALETTE palette; /**< drawn with */
+  HGLOBAL dib;      /**< what is shown; the caller's; NULL where a bitmap is shown */
+  HBITMAP bitmap;   /**< what is drawn: the caller's, or made of the DIB */
+  WORD ownership;   /**< bit 0: the bitmap, bit 1: the palette was made here and is deleted here */
+  BYTE reserved[8];
+} ImgDisplayState;
+
+/*  A window shows an image by handing its messages on: DisplayWmCreate on WM_CREATE, DisplayStart or DisplayDIBStart for each new
+ *  image, zoom ratio or option, DisplayWmPaint on WM_PAINT, DisplayWmSize, DisplayWmHorzScroll and DisplayWmVertScroll on
+ *  WM_SIZE, WM_HSCROLL and WM_VSCROLL, DisplayWmDestroy on WM_DESTROY. DIB and bitmap must live as long as they are shown. None
+ *  of these functions stores a code. Handlers return 0, or 1 for a null window; they do nothing without a state. */
+
+/** Clears the first 142 bytes of a state. Returns 0. */
+VOREL_API LRESULT VORELCALL DisplayWmCreate(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
+
+/** Shows a device bitmap from now on.
+ *  palette  may be NULL; stays the caller's
+ *  dpi      two numbers, across and down, the bitmap's resolution; NULL for the screen's
+ *  view     four numbers, in and out; may be NULL. In: the image point for the left upper corner, in the first two. Out:
+ *           originLogicalX, originLogicalY, imageOriginDeviceX, imageOriginDeviceY
+ *  zoom     viewport X, window X, viewport Y, window Y: image pixels are drawn viewport / window times as large; NULL for 1
+ *  flags    IMG_DISPLAY_... A fitted or stretched image keeps scroll bars unless the flags take them away
+ *  Returns the flags that are stored; 0 without a state. */
+VOREL_API UINT VORELCALL DisplayStart(HWND window, HBITMAP bitmap, HPALETTE palette, const int* dpi, int* view,
+                                      const int* zoom, UINT flags, ImgDisplayState* state);
+
+/** Shows a DIB from now on, at the resolution that its header states or else the screen's.
+ *  The rest is as for DisplayStart, but that scrolling begins at the start where no view is given.
+ *  Returns `flags`; 0 without a state. */
+VOREL_API UINT VORELCALL DisplayDIBStart(HWND window, HGLOBAL dib, int* view, const int* zoom, UINT flags,
+                                         ImgDisplayState* state);
+
+/** Follows a window to its new size. */
+VOREL_API LRESULT VORELCALL DisplayWmSize(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
+
+/** Follow a scroll message, by the code in the low word of wParam. Lines are 8 pixels of the window, or the pixels that a whole
+ *  number of image pixels takes where these are more; pages are half the client area. */
+VOREL_API LRESULT VORELCALL DisplayWmHorzScroll(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
+VOREL_API LRESULT VORELCALL DisplayWmVertScroll(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
+
+/** Scrolls to a position.
+ *  position  two numbers, across and down, in device units as in the state
+ *  Returns 0; 1 without a window or position. */
+VOREL_API LRESULT VORELCALL DisplaySetScrollPos(HWND window, ImgDisplayState* state, const int* position);
+
+/** Paints: calls BeginPaint and EndPaint, draws what is seen of the image and fills what is around it with the brush of the window
+ *  class. */
+VOREL_API LRESULT VORELCALL DisplayWmPaint(HWND window, ImgDisplayState* state);
+
+/** Deletes what the state owns. */
+VOREL_API LRESULT VORELCALL DisplayWmDestroy(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
+
+/** Draw the image onto any device context as the window shows it. Return the stored flags; 0 without a state. */
+VOREL_API UINT VORELCALL DisplayImageDC(HDC dc, ImgDisplayState* state);
+VOREL_API UINT VORELCALL DisplayDIBImageDC(HDC dc, ImgDisplayState* state);
+
+/** Gives a device context the mapping of a display, so that the caller can draw in image pixels. */
+VOREL_API void VORELCALL MapDisplayDC(HDC dc, ImgDisplayState* state);
+
+/** Whether DIBs that are painted once are stretched by the library, what is seen of them only, instead of by the system: less memory
+ *  and, for large pictures shown small, less time. One switch for the whole process, 0 at first. Set returns what it was. */
+VOREL_API int VORELCALL GetLowMemStretch(void);
+VOREL_API int VORELCALL SetLowMemStretch(int value);
+
+/** Paints a DIB without a state, from WM_PAINT: calls BeginPaint and EndPaint, and shows or hides the scroll bars of the window.
+ *  scroll  four numbers; the third and fourth say how far the image is scrolled, in image pixels from 0 to its size. NULL for 0
+ *  zoom    as for DisplayStart; may be NULL. The image is drawn at its own resolution times this
+ *  flags   IMG_DISPLAY_FIT (no scroll bars) and IMG_DISPLAY_INVERTED */
+VOREL_API void VORELCALL DisplayDIBImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags);
+
+/** The same for a device bitmap, at the screen's resolution. */
+VOREL_API void VORELCALL DisplayImage(HWND window, HBITMAP bitmap, HPALETTE palette, const int* scroll, const int* zoom,
+                                      WORD flags);
+
+/*  Painting without a state, with scroll bars that work. The four numbers of `scroll` are the caller's, one set for each window,
+ *  0 at first: the ends of the two ranges, across and down (-1 where all is seen), and the two positions, all in image pixels.
+ *  The rest is as for DisplayDIBImage. */
+
+/** Paints, from WM_PAINT. */
+VOREL_API void VORELCALL DisplayCPPImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags);
+
+/** Sets ranges and bars, for a new image, ratio or size of the window, and moves positions into their ranges. */
+VOREL_API void VORELCALL DisplayCPPSize(HWND window, HGLOBAL dib, int* scroll, const int* zoom, WORD flags);
+
+/** Follow a scroll message as DisplayWmHorzScroll does, by image pixels, and paint anew. */
+VOREL_API void VORELCALL DisplayCPPHScroll(HWND window, WPARAM wParam, LPARAM lParam, HGLOBAL dib, int* scroll,
+                                           const int* zoom, WORD flags);
+VOREL_API void VORELCALL DisplayCPPVScroll(HWND window, WPARAM wParam, LPARAM lParam, HGLOBAL dib, int* scroll,
+                                           const int* zoom, WORD flags);
+
+/* ---- Zooming by hand (Windows only) --------------------------------------------------------------------------------- */
+
+/** Begins a zoom.
+ *  start              where the mouse is; NULL for (0, 0)
+ *  current            the ratio now: viewport X, window X, viewport Y, window Y as left, top, right, bottom; NULL for 1
+ *  mode               0x11 to 0x15 with the mouse, which is captured, and a rubber band; 0x21 to 0x25 without. The last digit: 1 keeps
+ *                     the ratio and moves the image, 2 goes a step larger, 3 a step smaller, 4 and 5 by a little
+ *  screenCoordinates  not 0: points of this zoom are in screen coordinates, else in client coordinates */
+VOREL_API void VORELCALL BZoomStart(HWND window, const POINT* start, const RECT* current, int mode, ImgZoomTracker* tracker,
+                                    BOOL screenCoordinates);
+
+/** Moves the band to the mouse, once that is 6 pixels away on both axes. Draws with R2_NOTXORPEN. */
+VOREL_API void VORELCALL BZoomUpdate(HWND window, const POINT* mouse, ImgZoomTracker* tracker);
+
+/** Ends a zoom: takes the band away and works out the ratio and the image point that the tracker's result fields hold, for
+ *  DisplayStart or DisplayDIBStart. A dragged rectangle fills the window; without one the mode counts.
+ *  end  where the mouse is; NULL without a mouse
+ *  The state gets the new ratio, loses IMG_DISPLAY_FIT and IMG_DISPLAY_FIT_WIDTH, and is marked as positioned (0x0004), where there
+ *  is an end. */
+VOREL_API void VORELCALL BZoomEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgDisplayState* state);
+
+/** A step without the mouse: BZoomStart and BZoomEnd at once, for modes without 0x10. */
+VOREL_API void VORELCALL BZoomStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
+                                   ImgDisplayState* state);
+
+/** A window that shows a part of a picture without a display state. */
+typedef struct ImgScreenZoom {
+  int screenDpiX, screenDpiY; /**< of the screen; where they differ, picture pixels are drawn square all the same */
+  RECT client;                /**< where the picture is shown, client coordinates */
+  RECT zoom;                  /**< the part of the picture that fills `client`, in picture pixels */
+} ImgScreenZoom;
+
+/** As BZoomEnd and BZoomStep, for such a window. The new part of the picture goes into `zoom`, its left upper corner into the
+ *  tracker too. */
+VOREL_API void VORELCALL BZoomScreenEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgScreenZoom* state);
+VOREL_API void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
+                                         ImgScreenZoom* state);
+
+/** Lets the user drag a rectangle and works out the ratio at which it fills the window, at most 5. Runs until the left button is
+ *  released, then has the window painted anew. Outside the client area it beeps and changes nothing.
+ *  start  as in the lParam of a mouse message: x in the low word, y in the high word
+ *  zoom   four numbers: viewport X, window X, viewport Y, window Y; in the ratio now, out the new one, in hundredths */
+VOREL_API void VORELCALL Zoom(HWND window, LPARAM start, int* zoom);
+
+/* ---- Magnifying lens (Windows only) --------------------------------------------------------------------------------- */
+
+/*  One lens for the whole process, used from one thread. */
+
+/** Sets the size of the lens, 180 x 80 pixels at first, its frame of 4 pixels included; for the next start. Returns 1. */
+VOREL_API int VORELCALL M_SetSizes(int width, int height);
+VOREL_API int VORELCALL M_GetWidth(void);
+VOREL_API int VORELCALL M_GetHeight(void);
+
+/** Begins to magnify: keeps a picture of the window, and hides the mouse cursor.
+ *  palette  what is drawn with; may be NULL; must live until the stop
+ *  Returns 1. */
+VOREL_API int VORELCALL M_StartMagnify(HWND window, HPALETTE palette);
+
+/** Puts back what the lens covers, and the cursor. Returns 1. */
+VOREL_API int VORELCALL M_StopMagnify(void);
+
+/** Works out which part of a bitmap the lens shows.
+ *  x, y    the point in the middle
+ *  zoom    numerator X, denominator X, numerator Y, denominator Y. Ratios below 1 become 10 / 10
+ *  source  takes the rectangle
+ *  Returns 1; 0 for a null pointer, and where one of the last two numbers is 0. */
+VOREL_API int VORELCALL M_CalcRect(int x, int y, int* zoom, RECT* source);
+
+/** Draws a part of a bitmap into the lens. What lies outside the bitmap is grey. */
+VOREL_API void VORELCALL M_StretchBitmap(HBITMAP source, int x, int y, int width, int height);
+
+/** Puts the lens on the window with its left upper corner at (x, y), and puts back what it covered before. */
+VOREL_API void VORELCALL M_CopyBitmap(HWND window, int x, int y);
+
+/* ---- Metafiles (Windows only) ---------------------------------------------------------------------------------------- */
+
+/** Draws a metafile onto a white bitmap of the screen's format.
+ *  metafile       an HMETAFILE, or an HENHMETAFILE where `enhanced` is not 0
+ *  width, height  pixels. A bitmap that large not being had, half the size is tried, and so on
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY. */
+VOREL_API HBITMAP VORELCALL DrawMetaFileIntoBitmap(HANDLE metafile, int width, int height, BOOL enhanced);
+
+/** Loads a metafile as a bitmap: a Windows metafile with or without a placeable header, or an enhanced one.
+ *  Its size comes from the placeable header, or from bounds and frame of the enhanced one, at the screen's resolution; it is five
+ *  inches square where nothing says it.
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_FILE_IO, IMG_E_MEMORY, IMG_E_CREATE_METAFILE; no code when the file cannot be
+ *  opened. */
+VOREL_API HBITMAP VORELCALL LoadMetaFileIntoBitmap(LPCSTR path);
+
+/** Save a picture as a Windows metafile with a placeable header, or as an enhanced metafile, replacing the file. They report no
+ *  failures: Return 1. */
+VOREL_API BOOL VORELCALL SaveDIBIntoMetaFile(LPCSTR path, HGLOBAL dib);
+VOREL_API BOOL VORELCALL SaveDIBIntoEnhMetaFile(LPCSTR path, HGLOBAL dib);
+VOREL_API BOOL VORELCALL SaveBitmapIntoMetaFile(LPCSTR path, HBITMAP bitmap);
+VOREL_API BOOL VORELCALL SaveBitmapIntoEnhMetaFile(LPCSTR path, HBITMAP bitmap);
+
+/** Take the metafile picture that is on the clipboard, drawn at the resolution of the owner's window.
+ *  owner  a window
+ *  Return a bitmap for DeleteObject, or a DIB handle. NULL: IMG_E_CLIPBOARD (the clipboard cannot be opened; a message box says so
+ *  too), IMG_E_MEMORY (there is no such picture); no code for what is no window, and where drawing fails, which a message box tells. */
+VOREL_API HBITMAP VORELCALL PlaceMetaFileIntoBMPFromCLP(HWND owner);
+VOREL_API HGLOBAL VORELCALL PlaceMetaFileIntoDIBFromCLP(HWND owner);
+
+/* ---- Text files and clipboard files (Windows only) ------------------------------------------------------------------- */
+
+/** Draws a text file black on white, in the system font, as large as its text takes.
+ *  ansi  0: the text is in the OEM code page
+ *  What is longer than a bitmap can be high is cut off, which a message box tells. A zero byte ends the text.
+ *  Returns a monochrome bitmap for DeleteObject and sets the thread's code to 0 once the file is read, whether or not it could be
+ *  drawn. NULL otherwise: IMG_E_OPEN_FILE, IMG_E_MEMORY, IMG_E_FILE_IO. */
+VOREL_API HBITMAP VORELCALL LoadASCIIFile(LPCSTR path, BOOL ansi);
+
+/** Draws the text in a memory block, whose last byte becomes 0.
+ *  Returns a monochrome bitmap for DeleteObject. NULL: IMG_E_MEMORY (also: not a handle), IMG_E_CREATE_DC. */
+VOREL_API HBITMAP VORELCALL LoadASCIIIntoBitmap(HGLOBAL text);
+
+/** Takes a picture out of a clipboard file.
+ *  format  CF_TEXT, CF_METAFILEPICT or CF_DIB, drawn into a device bitmap for DeleteObject; CF_BITMAP, handed out as the file has it, in a
+ *          memory block for GlobalFree
+ *  Returns NULL: IMG_E_OPEN_FILE, IMG_E_FORMAT (not a clipboard file), IMG_E_CLIPBOARD_FORMAT (nothing of this format in it, or another
+ *  format), IMG_E_FILE_IO (the file is too short for what it says), IMG_E_MEMORY, the codes of what draws; no code for a metafile that is
+ *  damaged. */
+VOREL_API HANDLE VORELCALL LoadClipboardFormat(LPCSTR path, WORD format);
+
+/** Saves a device bitmap as a clipboard file with one CF_DIB entry, replacing the file.
+ *  Returns 1. 0: IMG_E_OPEN_FILE, what ConvertBitmapToDIB leaves. */
+VOREL_API BOOL VORELCALL SaveClipboardFormat(LPCSTR path, HBITMAP bitmap);
+
+#endif /* _WIN32 */
+
+/* ---- Printing (Windows only) ----------------------------------------------------------------------------------------- */
+
+/** How pages are laid out. Numbers are 0 or 1 but for `copies`; in brackets what holds where no options are given. */
+typedef struct ImgPrintOptions {
+  int showDialog;         /**< without a printer DC: ask for printer and options (1); 0 takes the default printer */
+  int centreVertically;   /**< (1) */
+  int centreHorizontally; /**< (1) */
+  int fitProportionally;  /**< as large as the page allows, in proportion (1); wins over stretchToPage */
+  int copies;             /**< of each page, at least 1 (1) */
+  int useMemoryDC;        /**< draw on a memory DC compatible with the printer, unless that is monochrome (0) */
+  int stretchToPage;      /**< fill the page, out of proportion (0) */
+  int showPageProgress;   /**< tell in the cancel dialog which page is printed (1) */
+  int useImageDpi;        /**< the size is that of the image at its own resolution (1), else one printer dot a pixel */
+  int silent;             /**< neither cancel dialog nor abort procedure (0) */
+} ImgPrintOptions;
+
+#ifdef _WIN32
+
+/*  A job runs on one thread: PrepareToPrint, PrintDIBPage for each page, EndPrint. PrintDIB and PrintImage do all of it. They return
+ *  codes and store none. */
+
+/** Begins a job, and shows the cancel dialog.
+ *  owner         of the dialogs
+ *  printerDC     NULL: chosen in the "PRINTPAGE" dialog or, where options->showDialog is 0, the default printer
+ *  options       NULL: what holds then. Else takes the options in force, those chosen in the dialog among them
+ *  documentName  for dialogs and spooler; at most 255 bytes count
+ *  pageCount     told in the progress text
+ *  Returns 0. IMG_E_NOTHING_TO_DO (the dialog was cancelled), IMG_E_PRINTER_DC, 1 (a printer that takes no bitmaps; its DC is deleted),
+ *  -5 (no cancel dialog), the negative result of SetAbortProc, -1 (the document does not start). Call EndPrint then too. */
+VOREL_API int VORELCALL PrepareToPrint(HWND owner, HDC printerDC, ImgPrintOptions* options, LPCSTR documentName,
+                                       int pageCount);
+
+/** Prints a DIB as the next page.
+ *  imageDpi          two numbers, across and down: its resolution; NULL for what its header states
+ *  pageTag           not used
+ *  pageIndex         from 0; told in the progress text
+ *  xOffset, yOffset  move the image, in printer dots
+ *  Returns 0, also without a job; a negative result of the printer's escapes otherwise. A page stays open until the next one or the end. */
+VOREL_API int VORELCALL PrintDIBPage(HGLOBAL dib, int* imageDpi, int pageTag, int pageIndex, int xOffset, int yOffset);
+
+/** Has the next PrintDIBPage draw on the sheet of the last one. */
+VOREL_API void VORELCALL PrintPageContinue(void);
+
+/** Ends page, document and job, after a failed preparation too; nothing the second time.
+ *  printerDC  is deleted; may be NULL
+ *  Returns 0; -1 when the document cannot be ended. */
+VOREL_API int VORELCALL EndPrint(HDC printerDC);
+
+/** Prints a DIB as a job of one page. Returns 0, or the first code that is not 0 of the three. */
+VOREL_API int VORELCALL PrintDIB(HWND owner, HDC printerDC, HGLOBAL dib, LPCSTR documentName, int* imageDpi,
+                                 ImgPrintOptions* options, int pageTag);
+
+/** The same for a device bitmap; `palette` as for ConvertBitmapToDIB. Returns 1 when that fails. */
+VOREL_API int VORELCALL PrintImage(HWND owner, HDC printerDC, HBITMAP bitmap, HPALETTE palette, LPCSTR documentName,
+                                   int* imageDpi, ImgPrintOptions* options, int pageTag);
+
+/** The abort procedure of a job: lets the thread's messages through. Returns FALSE once the job is cancelled. */
+VOREL_API BOOL VORELCALL PrintAbortProc(HDC dc, int code);
+
+/** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own. The first shows the
+ *  text that message WM_USER + 1000 has in lParam in control 121. */
+VOREL_API BOOL VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+VOREL_API BOOL VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+/** Lets the user choose the default printer in the dialog "PRINTERSETUP". Returns what the dialog ends with, 0 when it is cancelled. */
+VOREL_API int VORELCALL PrinterSetup(HWND owner);
+VOREL_API BOOL VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+#endif /* _WIN32 */
+
 #ifdef __cplusplus
 }
 #endif

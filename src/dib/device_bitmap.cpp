@@ -58,17 +58,12 @@ ByteCount bytes_read_by_device(const DibHeader& header) {
   return header.size + table + std::max(pixels, ByteCount(header.image_bytes));
 }
 
-HBITMAP create_from(HDC dc, std::span<uint8_t> dib, const DibHeader& header) {
-  const auto* info = reinterpret_cast<const BITMAPINFO*>(dib.data());
-  const uint8_t* pixels = FindDIBBits(dib.data(), header);
-  return CreateDIBitmap(dc, &info->bmiHeader, CBM_INIT, pixels, info, DIB_RGB_COLORS);
-}
-
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib, HDC dc, HPALETTE palette) {
-  const auto whole = dib.complete(bytes_read_by_device(dib.header()));
+  const auto whole = DeviceDib::of(dib);
   if (!whole) return Error::kCreateBitmap;
   const PaletteSelection selection(dc, palette);
-  OwnedBitmap bitmap(create_from(dc, whole->bytes(), dib.header()));
+  const BITMAPINFO* info = whole->info();
+  OwnedBitmap bitmap(CreateDIBitmap(dc, &info->bmiHeader, CBM_INIT, whole->pixels(), info, DIB_RGB_COLORS));
   if (!bitmap) return Error::kCreateBitmap;
   return bitmap;
 }
@@ -121,6 +116,19 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette) {
   write_header(dib->bytes(), *header);
   std::memcpy(dib->bytes().data() + kHeaderBytes, table.data(), table.size_bytes());
   return dib;
+}
+
+std::optional<DeviceDib> DeviceDib::of(const LockedDib& dib) {
+  if (dib.header().size != kHeaderBytes) return std::nullopt;
+  auto whole = dib.complete(bytes_read_by_device(dib.header()));
+  if (!whole) return std::nullopt;
+  return DeviceDib(dib.header(), std::move(*whole));
+}
+
+bool DeviceDib::stretch(HDC dc, Rect to, Rect from, DWORD raster_operation) const {
+  const int rows_below = header_.height - from.y - from.height;  // the system counts the rows of a source from the bottom
+  return StretchDIBits(dc, to.x, to.y, to.width, to.height, from.x, rows_below, from.width, from.height, pixels(), info(),
+                       DIB_RGB_COLORS, raster_operation) != 0;
 }
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib) {

@@ -21,6 +21,26 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette);
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib);
 
+// A locked DIB as the system may read it: header, colours and rows are all there, completed if need be.
+class DeviceDib {
+ public:
+  // None for headers of other than 40 bytes, and when memory is short.
+  static std::optional<DeviceDib> of(const LockedDib& dib);
+
+  const DibHeader& header() const { return header_; }
+  const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(whole_.bytes().data()); }
+  const uint8_t* pixels() const { return FindDIBBits(static_cast<const uint8_t*>(whole_.bytes().data()), header_); }
+
+  // Stretches a part of the picture onto a rectangle of a context, in the context's own units. False when the system fails.
+  bool stretch(HDC dc, Rect to, Rect from, DWORD raster_operation) const;
+
+ private:
+  DeviceDib(const DibHeader& header, CompleteBytes whole) : header_(header), whole_(std::move(whole)) {}
+
+  DibHeader header_;
+  CompleteBytes whole_;
+};
+
 // Reads a bitmap back into a DIB, in the DIB's own size and format: pixels, and of its colour table what the system fills in,
 // which otherwise gets the screen's colours. False when memory is short.
 bool read_back(HBITMAP bitmap, const LockedDib& dib);

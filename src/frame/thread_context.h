@@ -3,12 +3,38 @@
 
 #include <cstdint>
 
+#include <vorel32.h>
+
 #include "frame/error.h"
 
 namespace vorel {
 
 // Element 0 counts the scale steps (1 to 10) that follow it, strictly increasing, the first one equal to the base scale.
 inline constexpr int kScaleTableWords = 11;
+
+inline constexpr int kJobNameBytes = 256;
+
+// A print job, from its preparation to its end. The system's handles are kept as the plain pointers they are.
+struct PrintJob {
+  void* dc;             // what pages are drawn on
+  void* given_dc;       // the printer's, of the caller
+  void* cancel_dialog;  // its window
+  int32_t has_abort_procedure;
+  int32_t is_cancelled;
+  int32_t spooler_code;  // the last one that the abort procedure got
+  int32_t page_is_open;
+  int32_t page_is_continued;
+  int32_t page_count;
+  ImgPrintOptions options;
+  float x_dots_per_inch, y_dots_per_inch;
+  float page_width, page_height;  // the printable page, in inches
+  float x_scale, y_scale;         // of the page that was printed last
+  int32_t planes, bits_per_pixel, is_monochrome;
+  char document[kJobNameBytes];
+  char printer[kJobNameBytes];            // chosen in the dialog
+  void *printer_names, *printer_records;  // what the dialog shows, and what it works with
+  int32_t printer_count;
+};
 
 struct ImgThreadContext {
   int32_t error_code;
@@ -19,6 +45,8 @@ struct ImgThreadContext {
   int32_t histogram_bytes;           // of a histogram block, once one was allocated
   int32_t histogram_x, histogram_y;  // the square that was last counted
   int32_t table_length;              // of a lookup table, once one was allocated
+  int32_t is_resizing;               // 1 while a display follows its window to a new size
+  PrintJob print_job;
 };
 
 // The calling thread's context, made on its first use. A thread that cannot have one is ended: every operation reports

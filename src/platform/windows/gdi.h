@@ -32,6 +32,8 @@ class OwnedObject {
 
 using OwnedBitmap = OwnedObject<HBITMAP>;
 using OwnedPalette = OwnedObject<HPALETTE>;
+using OwnedPen = OwnedObject<HPEN>;
+using OwnedRegion = OwnedObject<HRGN>;
 
 // A window's device context; without a window, the screen's.
 class WindowDc {
@@ -56,21 +58,43 @@ class ScreenDc : public WindowDc {
   ScreenDc() : WindowDc(nullptr) {}
 };
 
-// A memory device context compatible with another one or, without one, with the screen.
-class MemoryDc {
+// A device context that is deleted with its scope unless it is released to the caller.
+class OwnedDc {
  public:
-  explicit MemoryDc(HDC compatible_with) : dc_(CreateCompatibleDC(compatible_with)) {}
-  MemoryDc(const MemoryDc&) = delete;
-  MemoryDc& operator=(const MemoryDc&) = delete;
-  ~MemoryDc() {
+  explicit OwnedDc(HDC dc) : dc_(dc) {}
+  OwnedDc(OwnedDc&& other) noexcept : dc_(other.release()) {}
+  OwnedDc& operator=(OwnedDc&&) = delete;
+  ~OwnedDc() {
     if (dc_ != nullptr) DeleteDC(dc_);
   }
 
   explicit operator bool() const { return dc_ != nullptr; }
   HDC get() const { return dc_; }
+  [[nodiscard]] HDC release() { return std::exchange(dc_, nullptr); }
 
  private:
   HDC dc_;
+};
+
+// A memory device context compatible with another one or, without one, with the screen.
+class MemoryDc : public OwnedDc {
+ public:
+  explicit MemoryDc(HDC compatible_with) : OwnedDc(CreateCompatibleDC(compatible_with)) {}
+};
+
+// Keeps mapping, clipping, colours and modes of a context for a scope and brings them back, with the objects selected before.
+class [[nodiscard]] SavedDc {
+ public:
+  explicit SavedDc(HDC dc) : dc_(dc), level_(SaveDC(dc)) {}
+  SavedDc(const SavedDc&) = delete;
+  SavedDc& operator=(const SavedDc&) = delete;
+  ~SavedDc() {
+    if (level_ != 0) RestoreDC(dc_, level_);
+  }
+
+ private:
+  HDC dc_;
+  int level_;
 };
 
 // Selects an object for a scope. Declared after context and object, so that it is undone before either goes.
@@ -88,21 +112,25 @@ class [[nodiscard]] Selection {
   HGDIOBJ previous_;
 };
 
+// Whether a palette may take the screen's entries for itself, or has to do with what is there.
+enum class PaletteUse : BOOL { kForeground = FALSE, kBackground = TRUE };
+
 // Selects and realises a palette for a scope; without a palette it does nothing.
 class [[nodiscard]] PaletteSelection {
  public:
-  PaletteSelection(HDC dc, HPALETTE palette)
-      : dc_(dc), previous_(palette == nullptr ? nullptr : SelectPalette(dc, palette, FALSE)) {
+  PaletteSelection(HDC dc, HPALETTE palette, PaletteUse use = PaletteUse::kForeground)
+      : dc_(dc), use_(use), previous_(palette == nullptr ? nullptr : SelectPalette(dc, palette, static_cast<BOOL>(use))) {
     if (palette != nullptr) RealizePalette(dc);
   }
   PaletteSelection(const PaletteSelection&) = delete;
   PaletteSelection& operator=(const PaletteSelection&) = delete;
   ~PaletteSelection() {
-    if (previous_ != nullptr) SelectPalette(dc_, previous_, FALSE);
+    if (previous_ != nullptr) SelectPalette(dc_, previous_, static_cast<BOOL>(use_));
   }
 
  private:
   HDC dc_;
+  PaletteUse use_;
   HPALETTE previous_;
 };
 
