@@ -11,10 +11,12 @@ namespace {
 class Numbers {
  public:
   explicit Numbers(Bytes& bytes) : bytes_(bytes) {
-    std::array<uint8_t, 2> order{};
+    using Order = std::array<uint8_t, 2>;
+    constexpr Order kLittleEndian = {'I', 'I'}, kBigEndian = {'M', 'M'};
+    Order order{};
     bytes_.read(0, order);
-    is_big_endian_ = order[0] == 'M';
-    if (order[0] != order[1] || (order[0] != 'I' && order[0] != 'M')) fail(IMG_E_FORMAT);
+    is_big_endian_ = order == kBigEndian;
+    if (!is_big_endian_ && order != kLittleEndian) fail(IMG_E_FORMAT);
     const auto version = number(2, 2);
     if (version != 42 && version != 43) fail(IMG_E_FORMAT);
     is_large_ = version == 43;
