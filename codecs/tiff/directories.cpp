@@ -11,12 +11,11 @@ namespace {
 class Numbers {
  public:
   explicit Numbers(Bytes& bytes) : bytes_(bytes) {
-    using Order = std::array<uint8_t, 2>;
-    constexpr Order kLittleEndian = {'I', 'I'}, kBigEndian = {'M', 'M'};
-    Order order{};
+    std::array<uint8_t, 2> order{};
     bytes_.read(0, order);
-    is_big_endian_ = order == kBigEndian;
-    if (!is_big_endian_ && order != kLittleEndian) fail(IMG_E_FORMAT);
+    is_big_endian_ = order[0] == 'M';
+    if (order[1] != order[0]) fail(IMG_E_FORMAT);
+    if (!is_big_endian_ && order[0] != 'I') fail(IMG_E_FORMAT);
     const auto version = number(2, 2);
     if (version != 42 && version != 43) fail(IMG_E_FORMAT);
     is_large_ = version == 43;
