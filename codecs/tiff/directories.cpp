@@ -14,9 +14,8 @@ class Numbers {
     std::array<uint8_t, 2> order{};
     bytes_.read(0, order);
     is_big_endian_ = order[0] == 'M';
-    if (order[1] != order[0]) fail(IMG_E_FORMAT);
-    if (!is_big_endian_ && order[0] != 'I') fail(IMG_E_FORMAT);
-    const auto version = number(2, 2);
+    if (order[0] != order[1] || (order[0] != 'I' && order[0] != 'M')) fail(IMG_E_FORMAT);
+    const uint64_t version = number(2, 2).value_or(0);
     if (version != 42 && version != 43) fail(IMG_E_FORMAT);
     is_large_ = version == 43;
   }
