@@ -1,6 +1,7 @@
 #include "print/driver_setup.h"
 
 #include <algorithm>
+#include <optional>
 #include <winspool.h>
 
 #include "platform/memory.h"
@@ -48,19 +49,17 @@ class OpenedPrinter {
   HANDLE handle_ = nullptr;
 };
 
-DriverSetup set_up_by_spooler(HWND owner, PrinterDevice& device) {
+// None where the spooler does not know the printer.
+std::optional<DriverSetup> set_up_by_spooler(HWND owner, PrinterDevice& device) {
   const OpenedPrinter printer(device.name);
-  if (printer.get() == nullptr) return DriverSetup::kInvalidDriver;
+  if (printer.get() == nullptr) return std::nullopt;
   return ask_and_keep(device.name, [&](DEVMODEA* mode, DWORD wanted) {
     return DocumentPropertiesA(owner, printer.get(), device.name.data(), mode, nullptr, wanted);
   });
 }
 
-}  // namespace
-
-DriverSetup set_up_driver(HWND owner, PrinterDevice device) {
-  const LoadedModule driver(device.driver.c_str());
-  if (!driver.is_loaded()) return DriverSetup::kNoDriver;
+// None where the driver has no entry point for it.
+std::optional<DriverSetup> set_up_by_driver(HWND owner, PrinterDevice& device, const LoadedModule& driver) {
   const auto handle = reinterpret_cast<HANDLE>(driver.result());
   if (const auto set_up = reinterpret_cast<ExtDeviceModeEntry>(driver.entry("ExtDeviceMode"))) {
     return ask_and_keep(device.name, [&](DEVMODEA* mode, DWORD wanted) -> LONG {
@@ -71,7 +70,18 @@ DriverSetup set_up_driver(HWND owner, PrinterDevice device) {
     set_up(owner, handle, device.name.data(), device.port.data());
     return DriverSetup::kDone;
   }
-  return set_up_by_spooler(owner, device);
+  return std::nullopt;
+}
+
+}  // namespace
+
+DriverSetup set_up_driver(HWND owner, PrinterDevice device) {
+  const LoadedModule driver(device.driver.c_str());
+  if (driver.is_loaded()) {
+    if (const auto result = set_up_by_driver(owner, device, driver)) return *result;
+  }
+  if (const auto result = set_up_by_spooler(owner, device)) return *result;
+  return driver.is_loaded() ? DriverSetup::kInvalidDriver : DriverSetup::kNoDriver;
 }
 
 }  // namespace vorel

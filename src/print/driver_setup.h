@@ -14,7 +14,8 @@ enum class DriverSetup {
 };
 
 // Shows the dialog for one printer and keeps what was set for the thread's next job on it. The driver's own entry points come
-// first (ExtDeviceMode, then DeviceMode, which tells nothing); drivers of today have neither and are reached through the spooler.
+// first (ExtDeviceMode, then DeviceMode, which tells nothing). Drivers of today have neither, and lie where only the spooler finds
+// them: it is asked next.
 DriverSetup set_up_driver(HWND owner, PrinterDevice device);
 
 }  // namespace vorel
