@@ -6,11 +6,20 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 run=$root/tools/run-wine.sh program=$root/build/win32/bin/show_print_dialog.exe
 
+# Waits until something is drawn on the empty screen, and a moment longer.
+wait_for_dialog() {
+  for _ in $(seq 50); do
+    [ "$(xwd -root -silent | convert xwd:- -format %k info:)" = 1 ] || break
+    sleep 0.2
+  done
+  sleep 1
+}
+
 take_pictures() {
   local which
   for which in page cancel setup; do
-    "$run" "$program" "$which" 3 &
-    sleep 2
+    "$run" "$program" "$which" 4 &
+    wait_for_dialog
     xwd -root -silent | convert xwd:- -trim +repage "$1/print-$which.png"
     wait $!
     echo "$1/print-$which.png"

@@ -16,16 +16,8 @@ void CALLBACK cancel_dialog(HWND, UINT, UINT_PTR, DWORD) {
 
 // A job of nothing, so that its dialog stays: the abort procedure lets messages through until it is cancelled.
 int show_cancel_dialog() {
-  ImgPrintOptions options = {.showDialog = 0,
-                             .centreVertically = 1,
-                             .centreHorizontally = 1,
-                             .fitProportionally = 1,
-                             .copies = 1,
-                             .useMemoryDC = 0,
-                             .stretchToPage = 0,
-                             .showPageProgress = 1,
-                             .useImageDpi = 1,
-                             .silent = 0};
+  ImgPrintOptions options = {};
+  options.copies = options.showPageProgress = 1;
   const int result = PrepareToPrint(nullptr, nullptr, &options, "Order & invoice 2026-11.tif", 12);
   HGLOBAL dib = GlobalAlloc(GHND, 40 + 8 + 4);
   auto* header = static_cast<BITMAPINFOHEADER*>(GlobalLock(dib));

@@ -17,19 +17,9 @@ using testing::ElementsAre;
 namespace {
 
 constexpr int kPrinters = 1000, kDocument = 121, kCopies = 116;
-constexpr ImgPrintOptions kSilent = {.showDialog = 0,
-                                     .centreVertically = 0,
-                                     .centreHorizontally = 0,
-                                     .fitProportionally = 0,
-                                     .copies = 1,
-                                     .useMemoryDC = 0,
-                                     .stretchToPage = 0,
-                                     .showPageProgress = 1,
-                                     .useImageDpi = 0,
-                                     .silent = 1};
 
 ImgPrintOptions watched() {
-  ImgPrintOptions options = kSilent;
+  ImgPrintOptions options = silent_options();
   options.silent = 0;
   return options;
 }
@@ -273,7 +263,7 @@ TEST_F(Printing, AbortProcedureFollowsTheSpooler) {
 }
 
 TEST_F(Printing, SilentJobsHaveNoDialog) {
-  ImgPrintOptions options = kSilent;
+  ImgPrintOptions options = silent_options();
   HDC dc = printer_dc(300);
   ASSERT_EQ(prepare(dc, &options), 0);
   EXPECT_EQ(cancel_dialog(), nullptr);
@@ -338,7 +328,7 @@ TEST_F(Printing, EveryFailureHasItsCodeAndLeavesNothing) {
     EXPECT_EQ(PrintDIB(owner_, dc, dib_.get(), "Doc", nullptr, &options, 0), prepared != 0 ? prepared : ended);
     EXPECT_EQ(gdi_objects(), objects);
   }
-  ImgPrintOptions options = kSilent;
+  ImgPrintOptions options = silent_options();
   {
     const Replacement failing("CreateDCA", no_dc);
     EXPECT_EQ(prepare(nullptr, &options), IMG_E_PRINTER_DC);
@@ -348,7 +338,7 @@ TEST_F(Printing, EveryFailureHasItsCodeAndLeavesNothing) {
 }
 
 TEST_F(Printing, WhatIsNoDibIsNotPrinted) {
-  ImgPrintOptions options = kSilent;
+  ImgPrintOptions options = silent_options();
   HDC dc = printer_dc(300);
   ASSERT_EQ(prepare(dc, &options), 0);
   const Replacement counting("StartPage", counted_start);
@@ -418,7 +408,7 @@ class Bands : public Printing {
 };
 
 TEST_F(Bands, AddUpToTheUnbandedPage) {
-  ImgPrintOptions options = kSilent;
+  ImgPrintOptions options = silent_options();
   options.useImageDpi = 1;
   for (const int rows : {2, 30, 100, 1000})
     for (POINT offset : {POINT{0, 0}, {-30, 20}, {150, 260}})
@@ -447,7 +437,7 @@ TEST_F(Bands, EndWhenTheJobIsCancelledOrTheDeviceFails) {
   const Replacement failing("Escape", no_band);
   band_rows = 10;
   HDC dc = CreateCompatibleDC(nullptr);
-  ImgPrintOptions options = kSilent;
+  ImgPrintOptions options = silent_options();
   options.copies = 3;
   EXPECT_EQ(PrintDIB(owner_, dc, picture_.get(), "Doc", nullptr, &options, 0), -6);
 }

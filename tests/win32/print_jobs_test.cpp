@@ -14,16 +14,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr ImgPrintOptions kSilent = {.showDialog = 0,
-                                     .centreVertically = 0,
-                                     .centreHorizontally = 0,
-                                     .fitProportionally = 0,
-                                     .copies = 1,
-                                     .useMemoryDC = 0,
-                                     .stretchToPage = 0,
-                                     .showPageProgress = 0,
-                                     .useImageDpi = 1,
-                                     .silent = 1};
+ImgPrintOptions at_image_size() {
+  ImgPrintOptions options = silent_options();
+  options.useImageDpi = 1;
+  return options;
+}
 
 struct Box {
   double left, top, right, bottom;  // in dots of the printable page
@@ -129,7 +124,7 @@ class Jobs : public testing::Test {
 TEST_F(Jobs, PrintEveryLayout) {
   for (const int dpi : kPrinterResolutions)
     for (int layout = 0; layout < 12; ++layout) {
-      ImgPrintOptions options = kSilent;
+      ImgPrintOptions options = at_image_size();
       options.fitProportionally = layout % 3 == 1;
       options.stretchToPage = layout % 3 == 2;
       options.centreHorizontally = layout / 3 % 2;
@@ -140,7 +135,7 @@ TEST_F(Jobs, PrintEveryLayout) {
 
 TEST_F(Jobs, MoveContinueAndCopyPages) {
   const Bytes dib = signed_picture(80, 40, 24);
-  ImgPrintOptions options = kSilent;
+  ImgPrintOptions options = at_image_size();
   options.copies = 2;  // on the same sheet: this printer takes the beginning of a page that is open for nothing
   Job job(300, options, "A name & more");
   job.print(dib, nullptr, {500, 700});
@@ -161,7 +156,7 @@ TEST_F(Jobs, OfOneCallGoToTheDefaultPrinter) {
   char driver_and_port[300];
   GetProfileStringA("devices", printer_name(150).c_str(), "", driver_and_port, sizeof driver_and_port);
   WriteProfileStringA("windows", "device", (printer_name(150) + "," + driver_and_port).c_str());
-  ImgPrintOptions options = kSilent;
+  ImgPrintOptions options = at_image_size();
   int dpi[] = {100, 100};
   const Block dib = block_of(signed_picture(200, 120, 8));
   EXPECT_EQ(PrintDIB(nullptr, nullptr, dib.get(), "Silent", dpi, &options, 7), 0);

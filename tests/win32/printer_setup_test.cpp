@@ -245,8 +245,7 @@ TEST_F(PrinterSetupDialog, SetsTheNextJobUp) {
   const auto is_wide = [] {
     page = {};
     const Replacement starting("StartDocA", measured_document);
-    ImgPrintOptions options = {};
-    options.silent = 1;
+    ImgPrintOptions options = silent_options();
     EXPECT_EQ(PrepareToPrint(nullptr, nullptr, &options, "", 1), -1);
     EndPrint(nullptr);
     return page.cx > page.cy;

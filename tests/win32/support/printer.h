@@ -19,6 +19,13 @@ inline std::string printer_name(int dpi) { return "Vorel test " + std::to_string
 
 inline HDC printer_dc(int dpi) { return CreateDCA("WINSPOOL", printer_name(dpi).c_str(), nullptr, nullptr); }
 
+// An image at the top left, one printer dot a pixel, and no dialog.
+inline ImgPrintOptions silent_options() {
+  ImgPrintOptions options = {};
+  options.copies = options.showPageProgress = options.silent = 1;
+  return options;
+}
+
 inline std::string text_of_job(int dpi) {
   const Bytes bytes = read_file((printed_folder() / (std::to_string(dpi) + ".ps")).string());
   return {bytes.begin(), bytes.end()};
