@@ -1038,24 +1038,28 @@ VOREL_API BOOL VORELCALL SaveClipboardFormat(LPCSTR path, HBITMAP bitmap);
 
 /* ---- Printing (Windows only) ----------------------------------------------------------------------------------------- */
 
-/** How pages are laid out. Numbers are 0 or 1 but for `copies`; in brackets what holds where no options are given. */
+/** How pages are laid out. Numbers are 0 or 1 but for `copies`; in brackets what holds where no options are given.
+ *
+ *  A page of several copies is begun with StartPage and drawn once for each, and ended once. Printers of today take the repeated
+ *  StartPage for nothing, which makes one sheet: for more, print the page again. Below 1 copy there is no page.
+ *  In memory little comes of a job today: systems refuse to start a document there (-1), or print empty pages. */
 typedef struct ImgPrintOptions {
   int showDialog;         /**< without a printer DC: ask for printer and options (1); 0 takes the default printer */
   int centreVertically;   /**< (1) */
   int centreHorizontally; /**< (1) */
   int fitProportionally;  /**< as large as the page allows, in proportion (1); wins over stretchToPage */
-  int copies;             /**< of each page, at least 1 (1) */
-  int useMemoryDC;        /**< draw on a memory DC compatible with the printer, unless that is monochrome (0) */
+  int copies;             /**< of each page (1) */
+  int useMemoryDC;        /**< have the job on a memory DC compatible with the printer, unless that is monochrome (0) */
   int stretchToPage;      /**< fill the page, out of proportion (0) */
   int showPageProgress;   /**< tell in the cancel dialog which page is printed (1) */
-  int useImageDpi;        /**< the size is that of the image at its own resolution (1), else one printer dot a pixel */
+  int useImageDpi;        /**< as large as the image's resolution says (1), else or without one, a printer dot a pixel */
   int silent;             /**< neither cancel dialog nor abort procedure (0) */
 } ImgPrintOptions;
 
 #ifdef _WIN32
 
 /*  A job runs on one thread: PrepareToPrint, PrintDIBPage for each page, EndPrint. PrintDIB and PrintImage do all of it. They return
- *  codes and store none. */
+ *  codes and store none. Offsets move an image; what lies outside the page is cut off by the printer. */
 
 /** Begins a job, and shows the cancel dialog.
  *  owner         of the dialogs
@@ -1063,24 +1067,27 @@ typedef struct ImgPrintOptions {
  *  options       NULL: what holds then. Else takes the options in force, those chosen in the dialog among them
  *  documentName  for dialogs and spooler; at most 255 bytes count
  *  pageCount     told in the progress text
- *  Returns 0. IMG_E_NOTHING_TO_DO (the dialog was cancelled), IMG_E_PRINTER_DC, 1 (a printer that takes no bitmaps; its DC is deleted),
- *  -5 (no cancel dialog), the negative result of SetAbortProc, -1 (the document does not start). Call EndPrint then too. */
+ *  Returns 0. IMG_E_NOTHING_TO_DO (the dialog was cancelled, or gave no DC), IMG_E_PRINTER_DC, 1 (a printer that takes no bitmaps;
+ *  its DC is deleted), -5 (no cancel dialog), the negative result of SetAbortProc, -1 (the document does not start). Call EndPrint
+ *  then too. */
 VOREL_API int VORELCALL PrepareToPrint(HWND owner, HDC printerDC, ImgPrintOptions* options, LPCSTR documentName,
                                        int pageCount);
 
-/** Prints a DIB as the next page.
- *  imageDpi          two numbers, across and down: its resolution; NULL for what its header states
+/** Prints a DIB as the next page. Once the job is cancelled nothing is printed, and the result is still 0 as a rule:
+ *  PrintAbortProc(NULL, 0) tells. A DIB that is refused leaves the job as it was.
+ *  imageDpi          two numbers, across and down: its resolution; NULL for what its header states. Below 1: not known
  *  pageTag           not used
  *  pageIndex         from 0; told in the progress text
  *  xOffset, yOffset  move the image, in printer dots
- *  Returns 0, also without a job; a negative result of the printer's escapes otherwise. A page stays open until the next one or the end. */
+ *  Returns 0, also without a job. IMG_E_LOCK, IMG_E_FORMAT (the header), IMG_E_MEMORY; a negative result of the printer's escapes.
+ *  A page stays open until the next one or the end. */
 VOREL_API int VORELCALL PrintDIBPage(HGLOBAL dib, int* imageDpi, int pageTag, int pageIndex, int xOffset, int yOffset);
 
 /** Has the next PrintDIBPage draw on the sheet of the last one. */
 VOREL_API void VORELCALL PrintPageContinue(void);
 
 /** Ends page, document and job, after a failed preparation too; nothing the second time.
- *  printerDC  is deleted; may be NULL
+ *  printerDC  is deleted, and what the job made or drew on as well; may be NULL
  *  Returns 0; -1 when the document cannot be ended. */
 VOREL_API int VORELCALL EndPrint(HDC printerDC);
 
@@ -1096,11 +1103,13 @@ VOREL_API int VORELCALL PrintImage(HWND owner, HDC printerDC, HBITMAP bitmap, HP
 VOREL_API BOOL VORELCALL PrintAbortProc(HDC dc, int code);
 
 /** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own. The first shows the
- *  text that message WM_USER + 1000 has in lParam in control 121. */
+ *  text that message WM_USER + 1000 has in lParam in control 121; every command cancels the job. The second works on the options of
+ *  the thread's job and ends with a printer's DC, which the caller deletes, or with 0. */
 VOREL_API BOOL VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 VOREL_API BOOL VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
-/** Lets the user choose the default printer in the dialog "PRINTERSETUP". Returns what the dialog ends with, 0 when it is cancelled. */
+/** Lets the user choose the default printer in the dialog "PRINTERSETUP", and set printers up: that holds for the thread's next job on
+ *  the printer for which PrepareToPrint makes the DC. Returns what the dialog ends with: 1, or 0 when it is cancelled. */
 VOREL_API int VORELCALL PrinterSetup(HWND owner);
 VOREL_API BOOL VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 

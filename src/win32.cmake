@@ -1,7 +1,8 @@
 # VOREL32.DLL, and its import libraries for both linkers.
 set(def ${CMAKE_CURRENT_SOURCE_DIR}/exports/vorel32.def)
-add_library(vorel32_dll SHARED $<TARGET_OBJECTS:vorel_exports> exports/vorel32.rc ${def})
-target_link_libraries(vorel32_dll PRIVATE vorel_formats vorel_geometry vorel_tone vorel_bilevel vorel_display vorel_dll_entry gdi32 user32)
+add_library(vorel32_dll SHARED $<TARGET_OBJECTS:vorel_exports> exports/vorel32.rc print/dialogs.rc ${def})
+set_source_files_properties(print/dialogs.rc PROPERTIES OBJECT_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/print/dialog_ids.h)
+target_link_libraries(vorel32_dll PRIVATE ${subsystems} vorel_dll_entry gdi32 user32 winspool)
 target_link_options(vorel32_dll PRIVATE -Wl,--enable-stdcall-fixup,--kill-at)
 set_target_properties(vorel32_dll PROPERTIES PREFIX "" OUTPUT_NAME VOREL32 SUFFIX .DLL ARCHIVE_OUTPUT_NAME unused)
 

@@ -10,6 +10,7 @@ NATIVE=(build-essential cmake ninja-build ccache pkg-config
 CROSS=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 llvm lld clang dpkg-dev nasm)
 SCREEN=(xvfb xauth x11-apps imagemagick fonts-dejavu-core)
 PICTURES=(libtiff-tools netpbm python3-pil giflib-tools)  # they make pictures for the tests
+PAPER=(ghostscript)  # makes pictures of what was printed
 WINE=(wine wine32:i386)
 
 say() { printf 'setup: %s\n' "$*"; }
@@ -66,7 +67,7 @@ install_packages() {
 
 main() {
   local wanted
-  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${WINE[@]}")
+  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${WINE[@]}")
   if [ "${#wanted[@]}" -gt 0 ]; then
     say "installing ${wanted[*]}"
     [ -z "$(missing "${WINE[@]}")" ] || say "with 32-bit Wine, which runs the Windows build, that is about 600 MB"

@@ -35,6 +35,7 @@ void free_context() {
   HGLOBAL block = thread_slot::get();
   if (block == nullptr) return;
   thread_slot::set(nullptr);
+  GlobalFree(static_cast<ImgThreadContext*>(block)->printer_settings.device_mode);
   GlobalFree(block);
 }
 

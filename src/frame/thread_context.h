@@ -17,11 +17,14 @@ inline constexpr int kJobNameBytes = 256;
 // A print job, from its preparation to its end. The system's handles are kept as the plain pointers they are.
 struct PrintJob {
   void* dc;             // what pages are drawn on
-  void* given_dc;       // the printer's, of the caller
+  void* printer_dc;     // the printer's own; `dc` is another one if pages are drawn in memory
+  void* deleted_dc;     // one of the caller's that is gone, so that it is not deleted again
   void* cancel_dialog;  // its window
+  int32_t owns_printer_dc;
   int32_t has_abort_procedure;
   int32_t is_cancelled;
   int32_t spooler_code;  // the last one that the abort procedure got
+  int32_t document_is_open;
   int32_t page_is_open;
   int32_t page_is_continued;
   int32_t page_count;
@@ -31,9 +34,13 @@ struct PrintJob {
   float x_scale, y_scale;         // of the page that was printed last
   int32_t planes, bits_per_pixel, is_monochrome;
   char document[kJobNameBytes];
-  char printer[kJobNameBytes];            // chosen in the dialog
-  void *printer_names, *printer_records;  // what the dialog shows, and what it works with
-  int32_t printer_count;
+  char printer[kJobNameBytes];  // chosen in the dialog
+};
+
+// How a printer was set up, for the next job on it.
+struct PrinterSettings {
+  char printer[kJobNameBytes];
+  void* device_mode;  // a global block that is its own address, freed with the thread; null if there is none
 };
 
 struct ImgThreadContext {
@@ -47,6 +54,8 @@ struct ImgThreadContext {
   int32_t table_length;              // of a lookup table, once one was allocated
   int32_t is_resizing;               // 1 while a display follows its window to a new size
   PrintJob print_job;
+  PrinterSettings printer_settings;
+  void* shown_printers;  // those that an open dialog shows
 };
 
 // The calling thread's context, made on its first use. A thread that cannot have one is ended: every operation reports

@@ -32,6 +32,13 @@ Bytes core_file() {
 
 std::string text_of(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
+#ifndef _WIN32
+TEST_F(Cli, PrintsOnWindowsAlone) {
+  EXPECT_EQ(run({"print", at("missing.bmp"), "--fit"}), 2);
+  EXPECT_THAT(err_, HasSubstr("needs the Windows build"));
+}
+#endif
+
 TEST_F(Cli, ExitCodes) {
   const std::string good = put("good.bmp", bitmap_file(test::noise(5, 3, 24)));
   const std::string text = put("text.bmp", Bytes(100, 'x'));

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <vector>
 
+#include "cli/page_reader.h"
 #include "cli/picture.h"
 #include "cli/progress.h"
 #include "cli/verb.h"
@@ -11,12 +12,6 @@
 
 namespace vorel::cli {
 namespace {
-
-int known_pages(const Input& input) {
-  if (const auto pages = count_pages(input, recognise(input))) return *pages;
-  throw Failure(ExitCode::kModule, input.label(),
-                "the codec module of this format does not count pages; put this version's module beside the library");
-}
 
 ExitCode count(const std::vector<std::string>& files, const Streams& streams) {
   return each_file(files, streams, [&](const std::string& file) {
@@ -49,38 +44,6 @@ ExitCode split(const std::string& in, const std::string& out, const SavingOption
   return ExitCode::kDone;
 }
 
-// The pages of several files, one after another.
-class PageReader {
- public:
-  PageReader(const std::vector<std::string>& files, const Streams& streams) {
-    for (const std::string& file : files) {
-      inputs_.push_back(std::make_unique<Input>(file, streams.input));
-      pages_.push_back(known_pages(*inputs_.back()));
-    }
-  }
-
-  int total() const {
-    int sum = 0;
-    for (const int pages : pages_) sum += pages;
-    return sum;
-  }
-
-  std::optional<Picture> next() {
-    while (file_ < inputs_.size() && page_ == pages_[file_]) {
-      ++file_;
-      page_ = 0;
-    }
-    if (file_ == inputs_.size()) return std::nullopt;
-    return load_picture(*inputs_[file_], ++page_);
-  }
-
- private:
-  std::vector<std::unique_ptr<Input>> inputs_;
-  std::vector<int> pages_;
-  size_t file_ = 0;
-  int page_ = 0;  // the last one given, of the current file
-};
-
 ExitCode join(std::vector<std::string> files, const SavingOptions& options, const Streams& streams) {
   const std::string out = files.back();
   files.pop_back();
@@ -90,7 +53,7 @@ ExitCode join(std::vector<std::string> files, const SavingOptions& options, cons
     throw Failure(ExitCode::kWrongUse, out, "pages are joined into TIFF files; end OUT in .tif, or give --to tiff");
   }
   const Output output(out, options.overwrite, streams.output);
-  PageReader reader(files, streams);
+  PageReader reader(files, streams.input);
   Progress progress(streams, "page", reader.total());
   write_pages(
       output,

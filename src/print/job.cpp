@@ -1,0 +1,319 @@
+#include "print/job.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "dib/device_bitmap.h"
+#include "dib/device_palette.h"
+#include "frame/thread_context.h"
+#include "platform/user.h"
+#include "platform/windows/instance.h"
+#include "print/dialog_ids.h"
+#include "print/page_layout.h"
+#include "print/printers.h"
+
+namespace vorel {
+namespace {
+
+constexpr ImgPrintOptions kDefaultOptions = {.showDialog = 1,
+                                             .centreVertically = 1,
+                                             .centreHorizontally = 1,
+                                             .fitProportionally = 1,
+                                             .copies = 1,
+                                             .useMemoryDC = 0,
+                                             .stretchToPage = 0,
+                                             .showPageProgress = 1,
+                                             .useImageDpi = 1,
+                                             .silent = 0};
+
+constexpr int kNoBitmaps = 1, kNoCancelDialog = -5, kNoDocument = -1, kNotEnded = -1;
+
+constexpr int code_of(Error error) { return static_cast<int>(error); }
+
+PrintJob& current_job() { return thread_context().print_job; }
+
+HDC dc_of(const PrintJob& job) { return static_cast<HDC>(job.dc); }
+HDC printer_of(const PrintJob& job) { return static_cast<HDC>(job.printer_dc); }
+
+// ---- Beginning and end ----
+
+void close_cancel_dialog(PrintJob& job) {
+  const auto dialog = static_cast<HWND>(std::exchange(job.cancel_dialog, nullptr));
+  if (dialog != nullptr) DestroyWindow(dialog);
+}
+
+// What a job made by itself, besides its document.
+void give_back(PrintJob& job) {
+  const OwnedDc printer(job.owns_printer_dc != 0 ? printer_of(job) : nullptr);
+  const OwnedDc memory(job.dc != job.printer_dc ? dc_of(job) : nullptr);
+  job.dc = job.printer_dc = nullptr;
+  close_cancel_dialog(job);
+}
+
+// A job that the thread has never ended is given back first.
+PrintJob& begin_job(const JobRequest& request) {
+  PrintJob& job = current_job();
+  give_back(job);
+  job = PrintJob{};
+  if (request.document_name != nullptr) lstrcpynA(job.document, request.document_name, kJobNameBytes);
+  job.page_count = request.page_count;
+  job.options = request.options != nullptr ? *request.options : kDefaultOptions;
+  return job;
+}
+
+int obtain_printer(PrintJob& job, const JobRequest& request, DLGPROC dialog) {
+  job.printer_dc = request.printer_dc;
+  if (job.printer_dc != nullptr) return 0;
+  if (job.options.showDialog != 0) {
+    const INT_PTR answer = DialogBoxParamA(module_instance(), "PRINTPAGE", request.owner, dialog, 0);
+    if (answer == 0) return code_of(Error::kNothingToDo);
+    if (answer != -1) job.printer_dc = reinterpret_cast<HDC>(answer);
+  } else {
+    job.printer_dc = default_printer_dc().release();
+  }
+  job.owns_printer_dc = 1;
+  return job.printer_dc != nullptr ? 0 : code_of(Error::kPrinterDc);
+}
+
+int refuse_without_bitmaps(PrintJob& job) {
+  if ((GetDeviceCaps(printer_of(job), RASTERCAPS) & RC_BITBLT) != 0) return 0;
+  job.deleted_dc = job.printer_dc;
+  DeleteDC(printer_of(job));
+  job.printer_dc = nullptr;
+  job.owns_printer_dc = 0;
+  return kNoBitmaps;
+}
+
+int choose_job_dc(PrintJob& job) {
+  job.bits_per_pixel = GetDeviceCaps(printer_of(job), BITSPIXEL);
+  job.planes = GetDeviceCaps(printer_of(job), PLANES);
+  job.is_monochrome = job.bits_per_pixel == 1 && job.planes == 1;
+  const bool in_memory = job.options.useMemoryDC != 0 && job.is_monochrome == 0;
+  job.dc = in_memory ? MemoryDc(printer_of(job)).release() : printer_of(job);
+  if (job.dc != nullptr) return 0;
+  give_back(job);
+  return code_of(Error::kPrinterDc);
+}
+
+void show_progress(const PrintJob& job, const char* text) {
+  SendMessageA(static_cast<HWND>(job.cancel_dialog), WM_SHOW_PROGRESS, 0, reinterpret_cast<LPARAM>(text));
+}
+
+int open_cancel_dialog(PrintJob& job, HWND owner, const JobProcedures& procedures) {
+  if (job.options.silent == 1) return 0;
+  HWND dialog = CreateDialogParamA(module_instance(), "PRINTCANCELDLGBOX", owner, procedures.cancel_dialog, 0);
+  if (dialog == nullptr) return kNoCancelDialog;
+  job.cancel_dialog = dialog;
+  UpdateWindow(dialog);
+  const int installed = SetAbortProc(dc_of(job), procedures.abort);
+  if (installed < 0) return installed;
+  job.has_abort_procedure = 1;
+  show_progress(job, job.document);
+  return 0;
+}
+
+int start_document(PrintJob& job) {
+  DOCINFOA document = {};
+  document.cbSize = sizeof document;
+  document.lpszDocName = job.document;
+  const int started = StartDocA(dc_of(job), &document);
+  job.document_is_open = started > 0;
+  return started < 0 ? kNoDocument : 0;
+}
+
+void measure_page(PrintJob& job) {
+  const auto capability = [&](int index) { return GetDeviceCaps(dc_of(job), index); };
+  job.x_dots_per_inch = static_cast<float>(capability(LOGPIXELSX));
+  job.y_dots_per_inch = static_cast<float>(capability(LOGPIXELSY));
+  const PrintablePage page =
+      printable_page({capability(HORZRES), capability(VERTRES)}, {job.x_dots_per_inch, job.y_dots_per_inch});
+  job.page_width = page.size.width;
+  job.page_height = page.size.height;
+  SetMapMode(dc_of(job), MM_TEXT);
+}
+
+void end_page(PrintJob& job) {
+  if (std::exchange(job.page_is_open, 0) != 0) EndPage(dc_of(job));
+}
+
+// ---- A page ----
+
+// What a page is made of.
+struct Page {
+  PrintJob& job;
+  const DeviceDib& dib;
+  HPALETTE palette;
+  Rect image;    // its dots, before the page is moved
+  POINT offset;  // by which it is
+
+  Size pixels() const { return {std::max(dib.header().width, 0), std::max(dib.header().height, 0)}; }
+};
+
+void draw(const Page& page, Rect dots, Rect pixels) {
+  const WaitCursor cursor;
+  const PaletteSelection selection(dc_of(page.job), page.palette);
+  page.dib.stretch(dc_of(page.job), dots, pixels, SRCCOPY);
+}
+
+void draw_whole(const Page& page) {
+  const auto [width, height] = page.pixels();
+  if (width > 0 && height > 0) draw(page, page.image, {0, 0, width, height});
+}
+
+void draw_band(const Page& page, const RECT& band) {
+  const Rect on_page = {static_cast<int>(band.left - page.offset.x), static_cast<int>(band.top - page.offset.y),
+                        static_cast<int>(band.right - band.left), static_cast<int>(band.bottom - band.top)};
+  const PlacedPart part = part_in_band(page.image, page.pixels(), on_page);
+  if (part.dots.width > 0) draw(page, part.dots, part.pixels);
+}
+
+// Returns what the device says of a band that it does not give, and else 0.
+int draw_bands(const Page& page) {
+  for (;;) {
+    RECT band = {};
+    const int given = Escape(dc_of(page.job), NEXTBAND, 0, nullptr, &band);
+    if (given < 0) return given;
+    if (IsRectEmpty(&band)) return 0;
+    if (page.job.has_abort_procedure != 0) let_messages_through(0);
+    if (page.job.is_cancelled != 0) return 0;
+    draw_band(page, band);
+  }
+}
+
+// The page is not ended between copies: whether each begins a sheet is up to the device.
+int print_copies(const Page& page) {
+  PrintJob& job = page.job;
+  const bool has_bands = (GetDeviceCaps(dc_of(job), RASTERCAPS) & RC_BANDING) != 0;
+  int result = 0;
+  for (int copy = 0; copy < job.options.copies && job.is_cancelled == 0 && result == 0; ++copy) {
+    if (StartPage(dc_of(job)) < 1) {
+      job.is_cancelled = 1;
+      break;
+    }
+    job.page_is_open = 1;
+    if (has_bands) {
+      result = draw_bands(page);
+    } else {
+      draw_whole(page);
+    }
+  }
+  return result;
+}
+
+// Where the device has really dropped the document, there is none to end.
+int abort_document(PrintJob& job) {
+  const int answer = Escape(dc_of(job), ABORTDOC, 0, nullptr, nullptr);
+  if (answer > 0) job.page_is_open = job.document_is_open = 0;
+  return std::min(answer, 0);
+}
+
+void tell_page(const PrintJob& job, int index) {
+  if (job.options.showPageProgress == 0 || job.cancel_dialog == nullptr) return;
+  char text[kJobNameBytes + 50];
+  const auto number = static_cast<int>(static_cast<unsigned>(index) + 1);
+  std::snprintf(text, sizeof text, "%s  Page: %d / %d", job.document, number, job.page_count);
+  show_progress(job, text);
+}
+
+Rect place(PrintJob& job, const DibHeader& header, const int* image_dpi) {
+  const PrintablePage page = {{job.x_dots_per_inch, job.y_dots_per_inch}, {job.page_width, job.page_height}};
+  const Resolution resolution = image_resolution(job.options, image_dpi, header, page.resolution);
+  const Size pixels = {std::max(header.width, 0), std::max(header.height, 0)};
+  const auto [scale, dots] = place_image(job.options, pixels, resolution, page);
+  job.x_scale = scale.x;
+  job.y_scale = scale.y;
+  return dots;
+}
+
+LONG negated(LONG value) { return static_cast<LONG>(0 - static_cast<ULONG>(value)); }
+
+}  // namespace
+
+int prepare_job(const JobRequest& request, const JobProcedures& procedures) {
+  PrintJob& job = begin_job(request);
+  if (const int code = obtain_printer(job, request, procedures.page_dialog)) return code;
+  if (const int code = refuse_without_bitmaps(job)) return code;
+  if (const int code = choose_job_dc(job)) return code;
+  if (const int code = open_cancel_dialog(job, request.owner, procedures)) return code;
+  if (const int code = start_document(job)) return code;
+  measure_page(job);
+  if (request.options != nullptr) *request.options = job.options;
+  return 0;
+}
+
+int print_page(const PageRequest& request) {
+  PrintJob& job = current_job();
+  if (job.dc == nullptr) return 0;
+  const auto locked = LockedDib::lock(request.dib);
+  if (!locked) return code_of(Error::kLock);
+  if (locked->header().size != kHeaderBytes) return code_of(Error::kFormat);
+  const auto dib = DeviceDib::of(*locked);
+  if (!dib) return code_of(Error::kMemory);
+
+  if (std::exchange(job.page_is_continued, 0) == 0) end_page(job);
+  tell_page(job, request.index);
+  SetMapMode(dc_of(job), MM_TEXT);
+  SetWindowOrgEx(dc_of(job), negated(request.offset.x), negated(request.offset.y), nullptr);
+  const auto palette = palette_of(*locked);  // true-colour pictures have none
+  const Rect image = place(job, dib->header(), request.image_dpi);
+  const int bands = print_copies({job, *dib, palette ? palette->get() : nullptr, image, request.offset});
+  const int aborted = job.is_cancelled != 0 ? abort_document(job) : 0;
+  return aborted < 0 ? aborted : bands;
+}
+
+void continue_page() { current_job().page_is_continued = 1; }
+
+int end_job(HDC printer_dc) {
+  PrintJob& job = current_job();
+  end_page(job);
+  const bool has_document = std::exchange(job.document_is_open, 0) != 0;
+  const int result = has_document && EndDoc(dc_of(job)) <= 0 ? kNotEnded : 0;
+
+  const OwnedDc given(printer_dc != job.deleted_dc ? printer_dc : nullptr);
+  const OwnedDc drawn_on(dc_of(job) != printer_dc ? dc_of(job) : nullptr);
+  const bool has_other_printer = job.owns_printer_dc != 0 && job.printer_dc != job.dc && job.printer_dc != printer_dc;
+  const OwnedDc printer(has_other_printer ? printer_of(job) : nullptr);
+  close_cancel_dialog(job);
+  void* deleted = printer_dc != nullptr ? printer_dc : job.deleted_dc;
+  job = PrintJob{};
+  job.deleted_dc = deleted;
+  return result;
+}
+
+bool let_messages_through(int spooler_code) {
+  PrintJob& job = current_job();
+  if (spooler_code != 0) job.is_cancelled = 1;
+  if (job.is_cancelled != 0) {
+    job.spooler_code = spooler_code;
+    return false;
+  }
+  MSG message;
+  while (job.is_cancelled == 0 && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    if (message.message == WM_QUIT) {  // for the application's own loop
+      PostQuitMessage(static_cast<int>(message.wParam));
+      break;
+    }
+    const auto dialog = static_cast<HWND>(job.cancel_dialog);
+    if (dialog != nullptr && IsDialogMessageA(dialog, &message)) continue;
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+  }
+  return job.is_cancelled == 0;
+}
+
+bool follow_cancel_dialog(HWND dialog, UINT message, LPARAM text) {
+  switch (message) {
+    case WM_INITDIALOG:
+      EnableMenuItem(GetSystemMenu(dialog, FALSE), SC_CLOSE, MF_BYCOMMAND | MF_GRAYED);
+      SetFocus(dialog);
+      return true;
+    case WM_COMMAND: current_job().is_cancelled = 1; return true;
+    case WM_SHOW_PROGRESS: SetDlgItemTextA(dialog, IDC_DOCUMENT, reinterpret_cast<LPCSTR>(text)); return true;
+    default: return false;
+  }
+}
+
+}  // namespace vorel

@@ -1,0 +1,53 @@
+// Where an image comes to lie on a printed page. Lengths are in inches and single precision until they become printer dots.
+#pragma once
+
+#include <vorel32.h>
+
+#include "dib/header.h"
+#include "dib/view.h"
+
+namespace vorel {
+
+// Dots, or pixels, to the inch.
+struct Resolution {
+  float x, y;
+};
+
+struct Inches {
+  float width, height;
+};
+
+// The part of a sheet that a printer reaches.
+struct PrintablePage {
+  Resolution resolution;
+  Inches size;
+};
+
+PrintablePage printable_page(Size dots, Resolution resolution);
+
+// The resolution an image is printed at: the caller's (`given`, which may be null) or its header's where the options want the
+// image's own, and else the printer's, which makes a pixel a dot. Numbers that are no resolution count as none.
+Resolution image_resolution(const ImgPrintOptions& options, const int* given, const DibHeader& header, Resolution printer);
+
+// How much larger an image is printed than it is.
+struct PageScale {
+  float x, y;
+};
+
+struct Placement {
+  PageScale scale;
+  Rect dots;  // on the page
+};
+
+// The layout that the options ask for. Images larger than the page lie partly outside it.
+Placement place_image(const ImgPrintOptions& options, Size pixels, Resolution image, const PrintablePage& page);
+
+// A part of an image, and the dots that it is printed on.
+struct PlacedPart {
+  Rect dots, pixels;
+};
+
+// The part of an image that falls into a band of the page, at least a pixel wide and high; nothing where they do not meet.
+PlacedPart part_in_band(Rect image, Size pixels, Rect band);
+
+}  // namespace vorel

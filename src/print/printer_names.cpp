@@ -1,0 +1,59 @@
+#include "print/printer_names.h"
+
+#include <algorithm>
+
+#include "platform/ascii.h"
+
+namespace vorel {
+namespace {
+
+constexpr const char* kDriverExtension = ".DRV";
+
+// What stands before the first of some characters; it is taken off the text, with the character.
+std::string_view take_until(std::string_view& text, const char* ends) {
+  const size_t end = std::min(text.find_first_of(ends), text.size());
+  const std::string_view taken = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return taken;
+}
+
+PrinterDevice taken_apart(std::string_view text, const char* name_ends) {
+  const std::string_view name = take_until(text, name_ends);
+  const std::string_view driver = take_until(text, ",");
+  return {std::string(name), std::string(driver), std::string(text)};
+}
+
+std::string_view hidden_part(std::string_view entry) {
+  take_until(entry, "\t");
+  return entry;
+}
+
+}  // namespace
+
+PrinterDevice parse_device(std::string_view text) { return taken_apart(text, ","); }
+
+std::vector<std::string> list_entries(std::string_view name, std::string_view value, std::string_view null_port) {
+  std::vector<std::string> entries;
+  const std::string printer(name), driver(take_until(value, ","));
+  while (!value.empty()) {
+    const std::string port(take_until(value, ","));
+    if (port.empty() || equal_ignoring_case(port, null_port)) continue;
+    entries.push_back(printer + " on " + port + "\t" + printer + "=" + driver + "," + port);
+  }
+  return entries;
+}
+
+std::string device_text(std::string_view entry) {
+  std::string text(hidden_part(entry));
+  std::ranges::replace(text, '=', ',');
+  std::erase(text, '\t');
+  return text;
+}
+
+PrinterDevice device_of(std::string_view entry) {
+  PrinterDevice device = taken_apart(hidden_part(entry), "=,");
+  if (device.driver.find('.') == std::string::npos) device.driver += kDriverExtension;
+  return device;
+}
+
+}  // namespace vorel
