@@ -118,6 +118,21 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette) {
   return dib;
 }
 
+Result<OwnedDib> dib_in_screen_colors(HBITMAP bitmap) {
+  const auto palette = screen_palette();
+  if (!palette) set_thread_error(palette.error());
+  return dib_of(bitmap, palette ? palette->get() : nullptr);
+}
+
+OwnedBitmap empty_bitmap(Size size, int planes, int bits_per_pixel) {
+  if (size.width <= 0 || size.height <= 0 || planes <= 0 || bits_per_pixel <= 0) return OwnedBitmap();
+  const auto bits = static_cast<uint32_t>(planes * bits_per_pixel);
+  const ByteCount bytes = row_stride(bits, size.width) * static_cast<uint32_t>(size.height);
+  if (!bytes.fits_block()) return OwnedBitmap();
+  return OwnedBitmap(
+      CreateBitmap(size.width, size.height, static_cast<UINT>(planes), static_cast<UINT>(bits_per_pixel), nullptr));
+}
+
 std::optional<DeviceDib> DeviceDib::of(const LockedDib& dib) {
   if (dib.header().size != kHeaderBytes) return std::nullopt;
   auto whole = dib.complete(bytes_read_by_device(dib.header()));
@@ -125,8 +140,11 @@ std::optional<DeviceDib> DeviceDib::of(const LockedDib& dib) {
   return DeviceDib(dib.header(), std::move(*whole));
 }
 
+Size DeviceDib::size() const { return {header_.width, static_cast<int>(row_count(header_))}; }
+
 bool DeviceDib::stretch(HDC dc, Rect to, Rect from, DWORD raster_operation) const {
-  const int rows_below = header_.height - from.y - from.height;  // the system counts the rows of a source from the bottom
+  // The system counts the rows of a source from the bottom.
+  const int rows_below = size().height - from.y - from.height;
   return StretchDIBits(dc, to.x, to.y, to.width, to.height, from.x, rows_below, from.width, from.height, pixels(), info(),
                        DIB_RGB_COLORS, raster_operation) != 0;
 }
