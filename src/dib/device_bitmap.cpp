@@ -58,6 +58,20 @@ ByteCount bytes_read_by_device(const DibHeader& header) {
   return header.size + table + std::max(pixels, ByteCount(header.image_bytes));
 }
 
+// A header that says how many colours and bytes of rows there are, with its colours. Metafiles take both numbers at their word.
+DeviceDibInfo with_sizes_told(const DibHeader& header, std::span<const uint8_t> colors) {
+  DeviceDibInfo info{.header = header, .colors = {}};
+  std::memcpy(info.colors, colors.data(), std::min(colors.size(), sizeof info.colors));
+  const uint32_t most = implied_colors(header.depth);
+  info.header.colors_used = most == 0 ? 0 : std::min(DIBNumColors(header), most);
+  const bool is_run_length = header.compression == Compression::kRle8 || header.compression == Compression::kRle4;
+  if (!is_run_length) {
+    const ByteCount rows = row_stride(header.depth, std::max(header.width, 0)) * row_count(header);
+    info.header.image_bytes = static_cast<uint32_t>(rows.value());
+  }
+  return info;
+}
+
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib, HDC dc, HPALETTE palette) {
   const auto whole = DeviceDib::of(dib);
   if (!whole) return Error::kCreateBitmap;
@@ -143,10 +157,11 @@ std::optional<DeviceDib> DeviceDib::of(const LockedDib& dib) {
 Size DeviceDib::size() const { return {header_.width, static_cast<int>(row_count(header_))}; }
 
 bool DeviceDib::stretch(HDC dc, Rect to, Rect from, DWORD raster_operation) const {
+  DeviceDibInfo explicit_info = with_sizes_told(header_, whole_.bytes().subspan(kHeaderBytes));
   // The system counts the rows of a source from the bottom.
   const int rows_below = size().height - from.y - from.height;
-  return StretchDIBits(dc, to.x, to.y, to.width, to.height, from.x, rows_below, from.width, from.height, pixels(), info(),
-                       DIB_RGB_COLORS, raster_operation) != 0;
+  return StretchDIBits(dc, to.x, to.y, to.width, to.height, from.x, rows_below, from.width, from.height, pixels(),
+                       explicit_info.get(), DIB_RGB_COLORS, raster_operation) != 0;
 }
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib) {
