@@ -33,7 +33,7 @@ std::optional<OwnedMetafile> OwnedMetafile::make(std::span<uint8_t> bytes, Metaf
   if (kind == MetafileKind::kWindows) {
     const auto playable = playable_windows_metafile(bytes);
     handle = SetMetaFileBitsEx(static_cast<UINT>(playable.size()), playable.data());
-  } else {
+  } else if (is_playable_enhanced_metafile(bytes)) {
     handle = SetEnhMetaFileBits(static_cast<UINT>(bytes.size()), bytes.data());
   }
   if (handle == nullptr) return std::nullopt;

@@ -59,7 +59,8 @@ struct EnhancedHeader {
   uint32_t signature, version;
   uint32_t bytes;  // in the whole metafile
   uint32_t records;
-  std::array<uint8_t, 44> rest;
+  uint16_t objects;  // that it has at a time, and one more
+  std::array<uint8_t, 42> rest;
 };
 inline constexpr size_t kEnhancedHeaderBytes = 100;
 static_assert(sizeof(EnhancedHeader) == kEnhancedHeaderBytes);

@@ -48,6 +48,7 @@ EnhancedHeader enhanced_header(Edges bounds, Edges frame) {
           .version = 0x10000,
           .bytes = 120,
           .records = 2,
+          .objects = 1,
           .rest = {}};
 }
 
