@@ -7,7 +7,7 @@
 #include <string>
 #include <system_error>
 
-#include <vorel32.h>
+#include "cli/dib.h"
 
 namespace vorel::cli {
 
@@ -45,6 +45,12 @@ class CodecModule {
  private:
   void* handle_;
 };
+
+// Whether this build has what draws metafiles, text and device bitmaps.
+bool has_drawing();
+
+// A text file drawn as a bitmap, black on white. Null if that fails.
+Dib drawn_text(const std::string& path, bool is_oem);
 
 // A file opened for the library's functions that take one, closed with its scope.
 class LibraryFile {

@@ -64,6 +64,10 @@ std::string CodecModule::library_path() {
   return std::filesystem::absolute(details.dli_fname).string();
 }
 
+bool has_drawing() { return false; }
+
+Dib drawn_text(const std::string&, bool) { return nullptr; }
+
 LibraryFile::LibraryFile(const std::string& path) : handle_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
 
 LibraryFile::~LibraryFile() {

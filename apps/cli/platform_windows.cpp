@@ -85,6 +85,16 @@ std::string CodecModule::library_path() {
   return {path.begin(), path.end()};
 }
 
+bool has_drawing() { return true; }
+
+Dib drawn_text(const std::string& path, bool is_oem) {
+  HBITMAP bitmap = LoadASCIIFile(path.c_str(), !is_oem);
+  if (bitmap == nullptr) return nullptr;
+  Dib dib(ConvertBitmapToDIB(bitmap, nullptr));
+  DeleteObject(bitmap);
+  return dib;
+}
+
 LibraryFile::LibraryFile(const std::string& path) : handle_(_lopen(path.c_str(), OF_READ)) {}
 
 LibraryFile::~LibraryFile() {
