@@ -984,19 +984,22 @@ VOREL_API void VORELCALL M_CopyBitmap(HWND window, int x, int y);
 
 /** Draws a metafile onto a white bitmap of the screen's format.
  *  metafile       an HMETAFILE, or an HENHMETAFILE where `enhanced` is not 0
- *  width, height  pixels. A bitmap that large not being had, half the size is tried, and so on
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY. */
+ *  width, height  pixels, at least 1. Where no bitmap is that large, half the size is tried, and so on; the bitmap then holds the upper
+ *                 left part of a picture of the size asked for
+ *  Returns a bitmap for DeleteObject; a white one for what is no metafile. NULL: IMG_E_MEMORY. */
 VOREL_API HBITMAP VORELCALL DrawMetaFileIntoBitmap(HANDLE metafile, int width, int height, BOOL enhanced);
 
 /** Loads a metafile as a bitmap: a Windows metafile with or without a placeable header, or an enhanced one.
  *  Its size comes from the placeable header, or from bounds and frame of the enhanced one, at the screen's resolution; it is five
- *  inches square where nothing says it.
+ *  inches square where nothing says it, or what is said makes no pixel. A Windows metafile is drawn up to its last whole record, an
+ *  enhanced one that is not whole is refused.
  *  Returns a bitmap for DeleteObject. NULL: IMG_E_FILE_IO, IMG_E_MEMORY, IMG_E_CREATE_METAFILE; no code when the file cannot be
  *  opened. */
 VOREL_API HBITMAP VORELCALL LoadMetaFileIntoBitmap(LPCSTR path);
 
 /** Save a picture as a Windows metafile with a placeable header, or as an enhanced metafile, replacing the file. They report no
- *  failures: Return 1. */
+ *  failures; what is no picture costs no file.
+ *  Return 1. */
 VOREL_API BOOL VORELCALL SaveDIBIntoMetaFile(LPCSTR path, HGLOBAL dib);
 VOREL_API BOOL VORELCALL SaveDIBIntoEnhMetaFile(LPCSTR path, HGLOBAL dib);
 VOREL_API BOOL VORELCALL SaveBitmapIntoMetaFile(LPCSTR path, HBITMAP bitmap);
@@ -1005,7 +1008,8 @@ VOREL_API BOOL VORELCALL SaveBitmapIntoEnhMetaFile(LPCSTR path, HBITMAP bitmap);
 /** Take the metafile picture that is on the clipboard, drawn at the resolution of the owner's window.
  *  owner  a window
  *  Return a bitmap for DeleteObject, or a DIB handle. NULL: IMG_E_CLIPBOARD (the clipboard cannot be opened; a message box says so
- *  too), IMG_E_MEMORY (there is no such picture); no code for what is no window, and where drawing fails, which a message box tells. */
+ *  too), IMG_E_MEMORY (there is no such picture, or it cannot be drawn, which a message box tells too); no code for what is no
+ *  window. */
 VOREL_API HBITMAP VORELCALL PlaceMetaFileIntoBMPFromCLP(HWND owner);
 VOREL_API HGLOBAL VORELCALL PlaceMetaFileIntoDIBFromCLP(HWND owner);
 
@@ -1023,15 +1027,15 @@ VOREL_API HBITMAP VORELCALL LoadASCIIFile(LPCSTR path, BOOL ansi);
 VOREL_API HBITMAP VORELCALL LoadASCIIIntoBitmap(HGLOBAL text);
 
 /** Takes a picture out of a clipboard file.
- *  format  CF_TEXT, CF_METAFILEPICT or CF_DIB, drawn into a device bitmap for DeleteObject; CF_BITMAP, handed out as the file has it, in a
- *          memory block for GlobalFree
- *  Returns NULL: IMG_E_OPEN_FILE, IMG_E_FORMAT (not a clipboard file), IMG_E_CLIPBOARD_FORMAT (nothing of this format in it, or another
- *  format), IMG_E_FILE_IO (the file is too short for what it says), IMG_E_MEMORY, the codes of what draws; no code for a metafile that is
- *  damaged. */
+ *  format  CF_TEXT, CF_METAFILEPICT or CF_DIB, drawn into a device bitmap for DeleteObject; CF_BITMAP, handed out as the file has
+ *          it, in a memory block for GlobalFree
+ *  Returns the bitmap or block. NULL: IMG_E_OPEN_FILE, IMG_E_FORMAT (not a clipboard file), IMG_E_CLIPBOARD_FORMAT (nothing of this
+ *  format in it, or another format), IMG_E_FILE_IO (the file is too short for what it says), IMG_E_MEMORY, the codes of what draws;
+ *  no code for a metafile that is damaged. */
 VOREL_API HANDLE VORELCALL LoadClipboardFormat(LPCSTR path, WORD format);
 
 /** Saves a device bitmap as a clipboard file with one CF_DIB entry, replacing the file.
- *  Returns 1. 0: IMG_E_OPEN_FILE, what ConvertBitmapToDIB leaves. */
+ *  Returns 1. 0: IMG_E_OPEN_FILE, IMG_E_FILE_IO (not all could be written), what ConvertBitmapToDIB leaves. */
 VOREL_API BOOL VORELCALL SaveClipboardFormat(LPCSTR path, HBITMAP bitmap);
 
 #endif /* _WIN32 */

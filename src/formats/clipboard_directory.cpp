@@ -7,7 +7,7 @@ namespace vorel {
 
 Result<uint16_t> read_clipboard_header(std::span<const uint8_t> start) {
   ClipboardFileHeader header{.id = 0};
-  std::memcpy(&header, start.data(), std::min(start.size(), sizeof header));
+  std::ranges::copy(start.first(std::min(start.size(), sizeof header)), reinterpret_cast<uint8_t*>(&header));
   if (header.id != kClipboardFileId) return Error::kFormat;
   if (header.entries == 0) return Error::kClipboardFormat;
   return uint16_t{header.entries};
