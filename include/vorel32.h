@@ -826,7 +826,8 @@ typedef struct ImgDisplayState {
 /*  A window shows an image by handing its messages on: DisplayWmCreate on WM_CREATE, DisplayStart or DisplayDIBStart for each new
  *  image, zoom ratio or option, DisplayWmPaint on WM_PAINT, DisplayWmSize, DisplayWmHorzScroll and DisplayWmVertScroll on
  *  WM_SIZE, WM_HSCROLL and WM_VSCROLL, DisplayWmDestroy on WM_DESTROY. DIB and bitmap must live as long as they are shown. None
- *  of these functions stores a code. Handlers return 0, or 1 for a null window; they do nothing without a state. */
+ *  of these functions stores a code. Handlers return 0; those for sizes and scrolling return 1 for a null window. They do nothing
+ *  without a state. */
 
 /** Clears the first 142 bytes of a state. Returns 0. */
 VOREL_API LRESULT VORELCALL DisplayWmCreate(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
