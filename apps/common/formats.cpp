@@ -1,10 +1,10 @@
-#include "cli/formats.h"
+#include "common/formats.h"
 
 #include <algorithm>
 #include <cctype>
 #include <fmt/format.h>
 
-namespace vorel::cli {
+namespace vorel {
 namespace {
 
 const Format kFormats[] = {
@@ -102,4 +102,4 @@ std::string tiff_compression_name(int number) {
   return number == 32946 ? "deflate" : fmt::format("TIFF compression {}", number);
 }
 
-}  // namespace vorel::cli
+}  // namespace vorel

@@ -1,4 +1,4 @@
-// The image formats that the tool knows, and which codec modules they need.
+// The image formats that the programs know, and which codec modules they need.
 #pragma once
 
 #include <optional>
@@ -8,7 +8,7 @@
 
 #include <vorel32.h>
 
-namespace vorel::cli {
+namespace vorel {
 
 // One entry point of a codec module. Formats that the library handles by itself have none.
 struct Entry {
@@ -26,7 +26,7 @@ struct Format {
   const char* compression;  // none if files differ
 };
 
-// None for what the tool cannot load.
+// None for what the programs cannot load.
 const Format* format_of(int code);
 
 const Format* format_called(const std::string& word);
@@ -37,7 +37,7 @@ const Format* format_for_name(const std::string& name);
 // The words of all formats that can be saved.
 std::vector<std::string> saving_words();
 
-// The compressions of TIFF files by the words of the tool.
+// The compressions of TIFF files by the words of the command line.
 struct TiffCompression {
   const char* word;
   int number;
@@ -47,4 +47,4 @@ struct TiffCompression {
 std::span<const TiffCompression> tiff_compressions();
 std::string tiff_compression_name(int number);
 
-}  // namespace vorel::cli
+}  // namespace vorel
