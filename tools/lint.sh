@@ -13,6 +13,7 @@ else
   clang-format --dry-run --Werror "${sources[@]}"
 fi
 [ -e build/native/compile_commands.json ] || cmake --preset native >/dev/null
-mapfile -t native < <(git ls-files 'src/*.cpp' 'apps/*.cpp' | grep -vE 'windows|device_(bitmap|palette|turn|bitmaps)\.cpp|module\.cpp')
+# What the native build compiles of these folders.
+mapfile -t native < <(sed -nE "s|^ *\"file\": \"$PWD/((src\|apps\|codecs)/.*)\",?$|\1|p" build/native/compile_commands.json | sort -u)
 printf '%s\0' "${native[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/native 2>/dev/null
 echo "lint: clean"

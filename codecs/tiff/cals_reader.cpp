@@ -30,6 +30,7 @@ Record record(const std::string& text, const std::string& name) {
   const size_t begin = text.find(name);
   if (begin == std::string::npos) return record;
   const std::string value = text.substr(begin + name.size(), kCalsRecordBytes - name.size());
+  // NOLINTNEXTLINE(cert-err34-c): nine digits fit an int
   record.found = std::max(0, std::sscanf(value.c_str(), " %9d , %9d", &record.numbers[0], &record.numbers[1]));
   return record;
 }

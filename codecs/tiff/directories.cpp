@@ -15,7 +15,7 @@ class Numbers {
     bytes_.read(0, order);
     is_big_endian_ = order[0] == 'M';
     if (order[0] != order[1] || (order[0] != 'I' && order[0] != 'M')) fail(IMG_E_FORMAT);
-    const auto version = number(2, 2);
+    const uint64_t version = number(2, 2).value_or(0);
     if (version != 42 && version != 43) fail(IMG_E_FORMAT);
     is_large_ = version == 43;
   }

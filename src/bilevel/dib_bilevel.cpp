@@ -44,7 +44,7 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method) {
   const auto whole = source.complete(offset + pixel_bytes(header));
   if (!whole) return Error::kMemory;
   // Scratch memory is no larger than a block, on any build.
-  constexpr uint32_t kPlanes = 3, kErrorBytes = 3 * kPlanes * sizeof(int16_t);
+  constexpr uint64_t kPlanes = 3, kErrorBytes = 3 * kPlanes * sizeof(int16_t);
   const ByteCount plane = plane_width(header.depth, std::max(header.width, 0));
   if (header.width < 0 || !(plane * kPlanes).fits_block()) return Error::kMemory;
   const bool is_empty = !has_pixels(header);

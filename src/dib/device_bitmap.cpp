@@ -51,11 +51,12 @@ uint32_t row_count(const DibHeader& header) {
 // Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, up to three
 // masks, all planes, and a compressed picture is as long as it says.
 ByteCount bytes_read_by_device(const DibHeader& header) {
+  const bool is_compressed = header.compression != Compression::kNone && header.compression != Compression::kBitFields;
   const uint32_t rows = row_count(header);
   const uint32_t row_bits = uint32_t{std::max<uint16_t>(header.planes, 1)} * header.depth;
   const ByteCount pixels = row_stride(row_bits, std::max(header.width, 0)) * rows;
   const ByteCount table = (ByteCount(std::max(DIBNumColors(header), implied_colors(header.depth))) + 3) * sizeof(Rgb);
-  return header.size + table + std::max(pixels, ByteCount(header.image_bytes));
+  return header.size + table + (is_compressed ? std::max(pixels, ByteCount(header.image_bytes)) : pixels);
 }
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib, HDC dc, HPALETTE palette) {

@@ -51,7 +51,8 @@ bool set_coefficients(Kernel& kernel, std::span<const int32_t> numbers) {
   int positive = 0, negative = 0;
   for (int row = 0; row < kernel.size; ++row)
     for (int column = 0; column < kernel.size; ++column) {
-      const int32_t weight = numbers[static_cast<size_t>(row * kernel.size + column)];
+      const int32_t weight =
+          numbers[static_cast<size_t>(row) * static_cast<size_t>(kernel.size) + static_cast<size_t>(column)];
       if (weight > kMostWeight || weight < -kMostWeight) return false;
       (weight > 0 ? positive : negative) += std::abs(weight);
       kernel.weights[static_cast<size_t>(row)][static_cast<size_t>(column)] = static_cast<int16_t>(weight);

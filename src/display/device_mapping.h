@@ -1,0 +1,57 @@
+// Mappings, boxes and messages as the windowing system has them.
+#pragma once
+
+#include "display/mapping.h"
+#include "platform/windows/gdi.h"
+
+namespace vorel {
+
+inline RECT rect_of(const Box& box) { return {box.left, box.top, box.right, box.bottom}; }
+inline Box box_of(const RECT& rect) {
+  return {static_cast<int>(rect.left), static_cast<int>(rect.top), static_cast<int>(rect.right),
+          static_cast<int>(rect.bottom)};
+}
+inline Point point_of(const POINT& point) { return {static_cast<int>(point.x), static_cast<int>(point.y)}; }
+
+// Empty without a window.
+inline Box client_of(HWND window) {
+  RECT client{};
+  if (window != nullptr) GetClientRect(window, &client);
+  return box_of(client);
+}
+
+// Pixels for units.
+inline void unmap(HDC dc) {
+  SetMapMode(dc, MM_TEXT);
+  SetWindowOrgEx(dc, 0, 0, nullptr);
+}
+
+inline void apply(HDC dc, const Mapping& mapping) {
+  unmap(dc);
+  SetMapMode(dc, MM_ANISOTROPIC);
+  SetWindowExtEx(dc, mapping.x.window, mapping.y.window, nullptr);
+  SetViewportExtEx(dc, mapping.x.viewport, mapping.y.viewport, nullptr);
+  SetWindowOrgEx(dc, mapping.x.origin, mapping.y.origin, nullptr);
+}
+
+// What is to be painted, from WM_PAINT.
+class Painting {
+ public:
+  explicit Painting(HWND window) : window_(window), dc_(BeginPaint(window, &paint_)) {}
+  Painting(const Painting&) = delete;
+  Painting& operator=(const Painting&) = delete;
+  ~Painting() {
+    if (dc_ != nullptr) EndPaint(window_, &paint_);
+  }
+
+  explicit operator bool() const { return dc_ != nullptr; }
+  HDC dc() const { return dc_; }
+  Box box() const { return box_of(paint_.rcPaint); }
+
+ private:
+  HWND window_;
+  PAINTSTRUCT paint_{};
+  HDC dc_;
+};
+
+}  // namespace vorel

@@ -1,0 +1,19 @@
+// Wide and fractional numbers made an int: what lies outside becomes the nearest that there is, fractions are cut off.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace vorel {
+
+constexpr int saturated(int64_t value) {
+  return static_cast<int>(std::clamp<int64_t>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+constexpr int saturated(double value) {
+  constexpr double kLeast = std::numeric_limits<int>::min(), kMost = std::numeric_limits<int>::max();
+  return static_cast<int>(std::clamp(value, kLeast, kMost));
+}
+
+}  // namespace vorel

@@ -1,0 +1,48 @@
+#include "display/scrolling.h"
+
+#include <algorithm>
+
+namespace vorel {
+namespace {
+
+constexpr int kShortestLine = 8;
+
+// Past an end the thumb asks for a unit more, which brings the last pixels in.
+int64_t thumb_position(const ScrollAxis& axis, uint16_t word) {
+  const int with_sign = static_cast<int16_t>(word);
+  const int position = with_sign >= axis.least && with_sign <= axis.most ? with_sign : word;
+  return int64_t{position} + (position == axis.most ? axis.unit : 0) - (position == axis.least ? axis.unit : 0);
+}
+
+int64_t wanted_position(const ScrollAxis& axis, ScrollCode code, uint16_t word) {
+  const int64_t line = axis.unit < kShortestLine ? kShortestLine : axis.unit;
+  const int64_t page = axis.client / 2;
+  switch (code) {
+    case ScrollCode::kLineBack: return axis.position - line;
+    case ScrollCode::kLineOn: return axis.position + line;
+    case ScrollCode::kPageBack: return axis.position - page;
+    case ScrollCode::kPageOn: return axis.position + page;
+    case ScrollCode::kThumbPosition:
+    case ScrollCode::kThumbTrack: return thumb_position(axis, word);
+    case ScrollCode::kStart: return axis.least;
+    case ScrollCode::kEnd: return axis.most;
+  }
+  return axis.position;
+}
+
+}  // namespace
+
+int scroll_unit(int viewport_extent) { return std::max(viewport_extent % 16, 1); }
+
+int snapped(const ScrollAxis& axis, int64_t wanted) {
+  const int64_t least = axis.least, most = axis.most, unit = axis.unit;
+  const int64_t way_back = axis.position - std::min(most + unit, std::max(least - unit, wanted));
+  const int64_t position = axis.position - way_back / unit * unit;
+  return static_cast<int>(std::max(std::min(position, most), least));
+}
+
+int scrolled(const ScrollAxis& axis, ScrollCode code, uint16_t word) {
+  return snapped(axis, wanted_position(axis, code, word));
+}
+
+}  // namespace vorel

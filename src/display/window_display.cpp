@@ -1,0 +1,345 @@
+#include "display/window_display.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <tuple>
+
+#include "dib/device_bitmap.h"
+#include "dib/device_palette.h"
+#include "frame/thread_context.h"
+
+namespace vorel {
+namespace {
+
+// The layout of the state is for good: callers of any compiler hold it.
+constexpr size_t kClearedBytes = 142;
+static_assert(offsetof(ImgDisplayState, palette) == 120 && offsetof(ImgDisplayState, dib) == 124 &&
+              offsetof(ImgDisplayState, bitmap) == 128 && offsetof(ImgDisplayState, ownership) == 132);
+static_assert(offsetof(ImgDisplayLayout, flags) == 16 && offsetof(ImgDisplayLayout, hScrollPos) == 36 &&
+              offsetof(ImgDisplayLayout, centreOffsetX) == 60 && offsetof(ImgDisplayLayout, clientLeft) == 80 &&
+              offsetof(ImgDisplayLayout, imageDpiX) == 112);
+static_assert(sizeof(ImgDisplayState) >= kClearedBytes);
+
+constexpr WORD kOwnsBitmap = 1, kOwnsPalette = 2;
+
+void delete_owned_bitmap(ImgDisplayState& state) {
+  if (state.ownership & kOwnsBitmap) DeleteObject(state.bitmap);
+  state.bitmap = nullptr;
+  state.ownership = static_cast<WORD>(state.ownership & ~kOwnsBitmap);
+}
+
+void delete_owned_palette(ImgDisplayState& state) {
+  if (state.ownership & kOwnsPalette) DeleteObject(state.palette);
+  state.palette = nullptr;
+  state.ownership = static_cast<WORD>(state.ownership & ~kOwnsPalette);
+}
+
+void update_bar(UINT without, const ImgDisplayLayout& layout, HWND window, int bar, int least, int most,
+                const int& position) {
+  if (layout.flags & without) {
+    SetScrollRange(window, bar, -1, -1, TRUE);
+    return;
+  }
+  SetScrollRange(window, bar, least, most, FALSE);
+  SetScrollPos(window, bar, position,
+               TRUE);  // read now: a bar that comes or goes changes the window's size, and so the layout
+}
+
+void update_scroll_bar(HWND window, Direction direction, const ImgDisplayLayout& layout) {
+  if (window == nullptr) return;
+  if (direction == Direction::kHorizontal) {
+    update_bar(IMG_DISPLAY_NO_HSCROLL, layout, window, SB_HORZ, layout.hScrollMin, layout.hScrollMax, layout.hScrollPos);
+  } else {
+    update_bar(IMG_DISPLAY_NO_VSCROLL, layout, window, SB_VERT, layout.vScrollMin, layout.vScrollMax, layout.vScrollPos);
+  }
+}
+
+void update_scroll_bars(HWND window, const ImgDisplayLayout& layout) {
+  update_scroll_bar(window, Direction::kHorizontal, layout);
+  update_scroll_bar(window, Direction::kVertical, layout);
+}
+
+void set_client(ImgDisplayLayout& layout, const Box& client) {
+  std::tie(layout.clientLeft, layout.clientTop, layout.clientRight, layout.clientBottom) =
+      std::tuple(client.left, client.top, client.right, client.bottom);
+}
+
+// Bars vanish before a fitted or stretched image is laid out, so that it gets the whole window.
+void hide_bars_of_fitted(HWND window, UINT flags, ImgDisplayLayout& layout) {
+  if (!(flags & (IMG_DISPLAY_FIT | IMG_DISPLAY_STRETCH))) return;
+  layout.flags = flags;
+  layout.hScrollMin = layout.vScrollMin = layout.hScrollMax = layout.vScrollMax = -1;
+  update_scroll_bars(window, layout);
+}
+
+// What does not come from the image.
+void fill_layout(HWND window, const DisplayRequest& request, ImgDisplayLayout& layout) {
+  const WindowDc dc(window);
+  layout.screenDpiX = GetDeviceCaps(dc.get(), LOGPIXELSX);
+  layout.screenDpiY = GetDeviceCaps(dc.get(), LOGPIXELSY);
+  layout.flags = request.flags;
+  constexpr int kOneToOne[4] = {1, 1, 1, 1};
+  const int* zoom = request.zoom != nullptr ? request.zoom : kOneToOne;
+  std::tie(layout.zoomViewportX, layout.zoomWindowX, layout.zoomViewportY, layout.zoomWindowY) =
+      std::tuple(zoom[0], zoom[1], zoom[2], zoom[3]);
+  set_client(layout, client_of(window));
+}
+
+void set_image(ImgDisplayLayout& layout, int width, int height, UINT bits, Point dpi) {
+  layout.imageWidth = width;
+  layout.imageHeight = height;
+  layout.bitsPerPixel = bits;
+  layout.imageDpiX = dpi.x < 1 ? layout.screenDpiX : dpi.x;
+  layout.imageDpiY = dpi.y < 1 ? layout.screenDpiY : dpi.y;
+}
+
+void lay_out(ImgDisplayLayout& layout) { set_scroll_ranges(layout, set_up_mapping(layout, Offsets::kReset)); }
+
+// The image is known: positions, bars, and the window is to be painted.
+void begin_showing(HWND window, int* view, ImgDisplayLayout& layout) {
+  const Mapping mapping = set_up_mapping(layout, Offsets::kReset);
+  if (view != nullptr) bring_to_corner(layout, mapping, {view[0], view[1]});
+  lay_out(layout);
+  if (!clamp_positions(layout)) lay_out(layout);
+  update_scroll_bars(window, layout);
+  if (window != nullptr) InvalidateRect(window, nullptr, TRUE);
+  if (view == nullptr) return;
+  view[0] = layout.originLogicalX;
+  view[1] = layout.originLogicalY;
+  view[2] = layout.imageOriginDeviceX;
+  view[3] = layout.imageOriginDeviceY;
+}
+
+HBITMAP bitmap_or_null(const LockedDib& dib) {
+  auto bitmap = bitmap_of(dib);
+  return bitmap ? bitmap->release() : nullptr;
+}
+
+HPALETTE palette_or_null(const LockedDib& dib) {
+  auto palette = palette_of(dib);
+  return palette ? palette->release() : nullptr;
+}
+
+void take_dib(const LockedDib& dib, ImgDisplayState& state) {
+  const DibHeader& header = dib.header();
+  set_image(state.layout, header.width, header.height, header.depth,
+            {dots_per_inch(header.x_per_metre), dots_per_inch(header.y_per_metre)});
+  state.palette = palette_or_null(dib);
+  if (state.palette != nullptr) state.ownership |= kOwnsPalette;
+  if (!(state.layout.flags & IMG_DISPLAY_AS_BITMAP)) return;
+  state.bitmap = bitmap_or_null(dib);
+  if (state.bitmap != nullptr) state.ownership |= kOwnsBitmap;
+  state.layout.flags &= ~IMG_DISPLAY_AS_BITMAP;
+}
+
+void draw_bitmap(HDC dc, HBITMAP bitmap, const Box& part, DWORD operation) {
+  const MemoryDc memory(dc);
+  if (!memory) return;
+  const Selection selection(memory.get(), bitmap);
+  const int width = static_cast<int>(part.width()), height = static_cast<int>(part.height());
+  StretchBlt(dc, part.left, part.top, width, height, memory.get(), part.left, part.top, width, height, operation);
+}
+
+// A block that has become another picture since the display was started is not drawn.
+void draw_dib(HDC dc, HGLOBAL dib, const ImgDisplayLayout& layout, const Box& part, DWORD operation) {
+  const auto locked = LockedDib::lock(dib);
+  if (!locked || locked->header().width != layout.imageWidth || locked->header().height != layout.imageHeight) return;
+  const auto whole = DeviceDib::of(*locked);
+  if (!whole) return;
+  const Rect rect = {part.left, part.top, static_cast<int>(part.width()), static_cast<int>(part.height())};
+  whole->stretch(dc, rect, rect, operation);
+}
+
+// Leaves the context mapped.
+Mapping draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
+  ImgDisplayLayout& layout = state.layout;
+  const Mapping mapping = set_up_mapping(layout, Offsets::kReset);
+  set_scroll_ranges(layout, mapping);
+  apply(dc, mapping);
+  if (layout.bitsPerPixel == 1) {
+    SetStretchBltMode(dc, BLACKONWHITE);
+    SetBkColor(dc, RGB(255, 255, 255));
+  } else {
+    SetStretchBltMode(dc, COLORONCOLOR);
+  }
+  SetBkMode(dc, OPAQUE);
+  const PaletteSelection selection(dc, state.palette, PaletteUse::kBackground);
+  const Box part = visible_part(layout, mapping, painted, state.bitmap == nullptr);
+  if (part.is_empty()) return mapping;
+  const DWORD operation = layout.flags & IMG_DISPLAY_INVERTED ? NOTSRCCOPY : SRCCOPY;
+  if (state.bitmap != nullptr) {
+    draw_bitmap(dc, state.bitmap, part, operation);
+  } else {
+    draw_dib(dc, state.dib, layout, part, operation);
+  }
+  return mapping;
+}
+
+// Window classes may name a system colour, counted from 1, where others have a brush.
+HBRUSH class_brush(HWND window) {
+  const ULONG_PTR brush = GetClassLongPtrA(window, GCLP_HBRBACKGROUND);
+  constexpr ULONG_PTR kMostColors = COLOR_MENUBAR + 1;
+  return brush >= 1 && brush <= kMostColors ? GetSysColorBrush(static_cast<int>(brush - 1))
+                                            : reinterpret_cast<HBRUSH>(brush);
+}
+
+void fill_around(HDC dc, const Box& image, const Box& painted) {
+  unmap(dc);
+  ExcludeClipRect(dc, image.left, image.top, image.right, image.bottom);
+  PatBlt(dc, painted.left, painted.top, static_cast<int>(painted.width() + 1), static_cast<int>(painted.height() + 1),
+         PATCOPY);
+}
+
+ScrollAxis axis_of(const ImgDisplayLayout& layout, const Mapping& mapping, Direction direction) {
+  const Box client = client_box(layout);
+  if (direction == Direction::kHorizontal)
+    return {layout.hScrollMin, layout.hScrollMax, layout.hScrollPos, scroll_unit(mapping.x.viewport),
+            static_cast<int>(client.width())};
+  return {layout.vScrollMin, layout.vScrollMax, layout.vScrollPos, scroll_unit(mapping.y.viewport),
+          static_cast<int>(client.height())};
+}
+
+void paint_strip(HWND window, HRGN unpainted, const Box& strip) {
+  if (strip.is_empty()) return;
+  const RECT rect = rect_of(strip);
+  InvalidateRect(window, &rect, FALSE);
+  UpdateWindow(window);
+  const OwnedRegion painted(CreateRectRgnIndirect(&rect));
+  CombineRgn(unpainted, unpainted, painted.get(), RGN_DIFF);
+}
+
+// What comes into sight when the window's content moves down or right (positive) or up or left.
+Box row_strip(const Box& client, int way) {
+  return way > 0 ? Box{client.left, client.top, client.right, std::min(client.top + way, client.bottom)}
+                 : Box{client.left, std::max(client.bottom + way, client.top), client.right, client.bottom};
+}
+Box column_strip(const Box& client, int way) {
+  return way > 0 ? Box{client.left, client.top, std::min(client.left + way, client.right), client.bottom}
+                 : Box{std::max(client.right + way, client.left), client.top, client.right, client.bottom};
+}
+
+// Moves the window's content and returns what it does not cover any more.
+OwnedRegion scroll_content(HWND window, const Box& client, Point way) {
+  const WindowDc dc(window);
+  const SavedDc saved(dc.get());
+  unmap(dc.get());
+  OwnedRegion exposed(CreateRectRgn(0, 0, 0, 0));
+  const RECT area = rect_of(client);
+  ScrollDC(dc.get(), way.x, way.y, &area, &area, exposed.get(), nullptr);
+  return exposed;
+}
+
+Box scroll_content_along(HWND window, const Box& client, Direction direction, int way) {
+  const WindowDc dc(window);
+  const SavedDc saved(dc.get());
+  unmap(dc.get());
+  const RECT area = rect_of(client);
+  RECT exposed = area;
+  const bool across = direction == Direction::kHorizontal;
+  ScrollDC(dc.get(), across ? way : 0, across ? 0 : way, &area, &area, nullptr, &exposed);
+  return box_of(exposed);
+}
+
+// How far to move content for a position to become another. No window shows more than this.
+int way_between(int before, int after) {
+  constexpr int64_t kFar = 1 << 20;
+  return static_cast<int>(std::clamp(int64_t{before} - after, -kFar, kFar));
+}
+
+}  // namespace
+
+void clear(ImgDisplayState& state) { std::memset(static_cast<void*>(&state), 0, kClearedBytes); }
+
+void start_display(HWND window, HBITMAP bitmap, HPALETTE palette, const int* dpi, const DisplayRequest& request,
+                   ImgDisplayState& state) {
+  hide_bars_of_fitted(window, request.flags, state.layout);
+  fill_layout(window, request, state.layout);
+  if (bitmap != state.bitmap) delete_owned_bitmap(state);
+  if (palette != state.palette) delete_owned_palette(state);
+  state.dib = nullptr;
+  state.bitmap = bitmap;
+  state.palette = palette;
+  const BITMAP facts = describe(bitmap).value_or(BITMAP{});
+  set_image(state.layout, static_cast<int>(facts.bmWidth), static_cast<int>(facts.bmHeight),
+            UINT{facts.bmPlanes} * facts.bmBitsPixel, dpi != nullptr ? Point{dpi[0], dpi[1]} : Point{});
+  begin_showing(window, request.view, state.layout);
+}
+
+void start_display(HWND window, HGLOBAL dib, const DisplayRequest& request, ImgDisplayState& state) {
+  hide_bars_of_fitted(window, request.flags, state.layout);
+  fill_layout(window, request, state.layout);
+  delete_owned_bitmap(state);
+  delete_owned_palette(state);
+  state.dib = dib;
+  if (const auto locked = LockedDib::lock(dib)) {
+    take_dib(*locked, state);
+  } else {
+    set_image(state.layout, 0, 0, 0, {});
+  }
+  state.layout.hScrollPos = state.layout.vScrollPos = 0;
+  begin_showing(window, request.view, state.layout);
+}
+
+void follow_size(HWND window, ImgDisplayState& state) {
+  thread_context().is_resizing = 1;
+  set_client(state.layout, client_of(window));
+  lay_out(state.layout);
+  update_scroll_bars(window, state.layout);
+  thread_context().is_resizing = 0;
+}
+
+void follow_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, ImgDisplayState& state) {
+  ImgDisplayLayout& layout = state.layout;
+  const ScrollAxis axis = axis_of(layout, set_up_mapping(layout, Offsets::kKeep), direction);
+  const int position = scrolled(axis, code, word);
+  if (position == axis.position) return;
+  (direction == Direction::kHorizontal ? layout.hScrollPos : layout.vScrollPos) = position;
+  const RECT exposed =
+      rect_of(scroll_content_along(window, client_box(layout), direction, way_between(axis.position, position)));
+  update_scroll_bar(window, direction, layout);
+  InvalidateRect(window, &exposed, FALSE);
+  UpdateWindow(window);
+}
+
+void scroll_to(HWND window, Point position, ImgDisplayState& state) {
+  ImgDisplayLayout& layout = state.layout;
+  const Mapping mapping = set_up_mapping(layout, Offsets::kKeep);
+  const ScrollAxis across = axis_of(layout, mapping, Direction::kHorizontal);
+  const ScrollAxis down = axis_of(layout, mapping, Direction::kVertical);
+  layout.hScrollPos = snapped(across, position.x);
+  layout.vScrollPos = snapped(down, position.y);
+  const Point way = {way_between(across.position, layout.hScrollPos), way_between(down.position, layout.vScrollPos)};
+  if (way != Point{}) {
+    const Box client = client_box(layout);
+    const OwnedRegion exposed = scroll_content(window, client, way);
+    ValidateRgn(window, exposed.get());
+    if (way.y != 0) paint_strip(window, exposed.get(), row_strip(client, way.y));
+    if (way.x != 0) paint_strip(window, exposed.get(), column_strip(client, way.x));
+    InvalidateRgn(window, exposed.get(), FALSE);  // what other windows had covered
+  }
+  update_scroll_bars(window, layout);
+}
+
+void paint_display(HWND window, const Painting& painting, ImgDisplayState& state) {
+  const SavedDc saved(painting.dc());
+  const Selection brush(painting.dc(), class_brush(window));
+  draw_image(painting.dc(), state, painting.box());
+  const Mapping mapping = set_up_mapping(state.layout, Offsets::kKeep);
+  fill_around(painting.dc(), image_box(state.layout, mapping), painting.box());
+}
+
+void draw_display(HDC dc, ImgDisplayState& state) {
+  const SavedDc saved(dc);
+  unmap(dc);
+  RECT clipping{};
+  GetClipBox(dc, &clipping);
+  draw_image(dc, state, box_of(clipping));
+}
+
+void end_display(ImgDisplayState& state) {
+  if (state.ownership & kOwnsBitmap) delete_owned_bitmap(state);
+  if (state.ownership & kOwnsPalette) delete_owned_palette(state);
+}
+
+}  // namespace vorel
