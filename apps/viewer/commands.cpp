@@ -1,7 +1,7 @@
 #include "viewer/commands.h"
 
-#include <iterator>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "viewer/clipboard.h"
@@ -16,119 +16,65 @@ bool has_picture(const Window& window) { return window.document().is_open(); }
 bool has_file(const Window& window) { return !window.document().path().empty(); }
 bool has_pages(const Window& window) { return window.document().pages() > 1; }
 
-auto change_view(void (*action)(View&)) {
-  return [action](Window& window) { window.canvas().change(action); };
-}
-
-template <Sizing sizing>
-bool is_sized(const Window& window) {
-  return has_picture(window) && window.canvas().view().sizing() == sizing;
-}
-
-template <Option option>
-void toggle(View& view) {
-  view.toggle(option);
-}
-
-template <Option option>
-bool is_on(const Window& window) {
-  return window.canvas().view().has(option);
-}
-
-constexpr const wchar_t* kFile = L"&File";
-constexpr const wchar_t* kEdit = L"&Edit";
-constexpr const wchar_t* kView = L"&View";
-constexpr const wchar_t* kProcess = L"&Process";
-constexpr const wchar_t* kHelp = L"&Help";
-
 constexpr Key control(int code) { return {code, true, false}; }
 
-Command line(const wchar_t* menu) { return {.menu = menu}; }
+// ---- The table, menu by menu ----
+
+Command line() { return {}; }
 
 std::vector<Command> file_commands() {
   return {
-      {kFile, L"&Open...", control('O'), {}, [](Window& w) { w.ask_and_open(); }},
-      {kFile, L"&Save as...", control('S'), {}, [](Window& w) { w.save_as(); }, has_picture},
-      {kFile, L"&Load again", {kF5Key}, {}, [](Window& w) { w.load_again(); }, has_file},
-      line(kFile),
-      {kFile, L"Next &file of the folder", control(kRightKey), {}, [](Window& w) { w.open_neighbour(1); }, has_file},
-      {kFile, L"File &before", control(kLeftKey), {}, [](Window& w) { w.open_neighbour(-1); }, has_file},
-      {kFile, L"&Next page", {kPageDownKey}, {}, [](Window& w) { w.go_to_page(w.document().page() + 1); }, has_pages},
-      {kFile, L"&Page before", {kPageUpKey}, {}, [](Window& w) { w.go_to_page(w.document().page() - 1); }, has_pages},
-      line(kFile),
-      {kFile, L"E&xit", control('Q'), {}, [](Window& w) { w.close(); }},
+      {L"&Open...", control('O'), [](Window& w) { w.ask_and_open(); }},
+      {L"&Save as...", control('S'), [](Window& w) { w.save_as(); }, has_picture},
+      {L"&Load again", {kF5Key}, [](Window& w) { w.load_again(); }, has_file},
+      line(),
+      {L"Next &file of the folder", control(kRightKey), [](Window& w) { w.open_neighbour(1); }, has_file},
+      {L"File &before", control(kLeftKey), [](Window& w) { w.open_neighbour(-1); }, has_file},
+      {L"&Next page", {kPageDownKey}, [](Window& w) { w.go_to_page(w.document().page() + 1); }, has_pages},
+      {L"&Page before", {kPageUpKey}, [](Window& w) { w.go_to_page(w.document().page() - 1); }, has_pages},
+      line(),
+      {L"E&xit", control('Q'), [](Window& w) { w.close(); }},
   };
 }
 
 std::vector<Command> edit_commands() {
   return {
-      {kEdit,
-       L"&Undo",
-       control('Z'),
-       {},
-       [](Window& w) { w.undo(); },
-       [](const Window& w) { return w.document().can_undo(); }},
-      line(kEdit),
-      {kEdit, L"&Copy", control('C'), {}, [](Window& w) { w.copy(); }, has_picture},
-      {kEdit, L"&Paste", control('V'), {}, [](Window& w) { w.paste(); }, [](const Window&) { return can_paste(); }},
+      {L"&Undo", control('Z'), [](Window& w) { w.undo(); }, [](const Window& w) { return w.document().can_undo(); }},
+      line(),
+      {L"&Copy", control('C'), [](Window& w) { w.copy(); }, has_picture},
+      {L"&Paste", control('V'), [](Window& w) { w.paste(); }, [](const Window&) { return can_paste(); }},
   };
+}
+
+Command view_row(const wchar_t* name, Key key, void (*action)(View&)) {
+  return {name, key, [action](Window& w) { w.canvas().change(action); }, has_picture};
+}
+
+Command sizing_row(const wchar_t* name, Key key, Sizing sizing) {
+  return {name, key, [sizing](Window& w) { w.canvas().change([sizing](View& view) { view.set_sizing(sizing); }); },
+          has_picture, [sizing](const Window& w) { return w.canvas().view().sizing() == sizing; }};
+}
+
+Command option_row(const wchar_t* name, Key key, Option option) {
+  return {name, key, [option](Window& w) { w.canvas().change([option](View& view) { view.toggle(option); }); }, has_picture,
+          [option](const Window& w) { return w.canvas().view().has(option); }};
 }
 
 std::vector<Command> view_commands() {
   return {
-      {kView,
-       L"Zoom &in",
-       {kPlusKey},
-       {kNumpadPlusKey},
-       change_view([](View& v) { v.zoom_by_step(View::Step::kLarger); }),
-       has_picture},
-      {kView,
-       L"Zoom &out",
-       {kMinusKey},
-       {kNumpadMinusKey},
-       change_view([](View& v) { v.zoom_by_step(View::Step::kSmaller); }),
-       has_picture},
-      {kView, L"&100 %", {'1'}, {}, change_view([](View& v) { v.zoom_to_actual_size(); }), has_picture},
-      line(kView),
-      {kView,
-       L"&Fit the window",
-       {'F'},
-       {},
-       change_view([](View& v) { v.set_sizing(Sizing::kFit); }),
-       has_picture,
-       is_sized<Sizing::kFit>},
-      {kView,
-       L"Fit the &width",
-       {'W'},
-       {},
-       change_view([](View& v) { v.set_sizing(Sizing::kFitWidth); }),
-       has_picture,
-       is_sized<Sizing::kFitWidth>},
-      {kView,
-       L"&Stretch",
-       {'T'},
-       {},
-       change_view([](View& v) { v.set_sizing(Sizing::kStretch); }),
-       has_picture,
-       is_sized<Sizing::kStretch>},
-      line(kView),
-      {kView, L"&Centred", {'E'}, {}, change_view(toggle<IMG_DISPLAY_CENTRE>), has_picture, is_on<IMG_DISPLAY_CENTRE>},
-      {kView,
-       L"Size by &resolution",
-       {'Z'},
-       {},
-       change_view(toggle<IMG_DISPLAY_RESOLUTION>),
-       has_picture,
-       is_on<IMG_DISPLAY_RESOLUTION>},
-      {kView, L"In&verted", {'I'}, {}, change_view(toggle<IMG_DISPLAY_INVERTED>), has_picture, is_on<IMG_DISPLAY_INVERTED>},
-      line(kView),
-      {kView,
-       L"Magnifying &lens",
-       {kSpaceKey},
-       {},
-       [](Window& w) { w.canvas().toggle_lens(); },
-       has_picture,
-       [](const Window& w) { return w.canvas().has_lens(); }},
+      view_row(L"Zoom &in", {kPlusKey}, [](View& view) { view.zoom_by_step(View::Step::kLarger); }),
+      view_row(L"Zoom &out", {kMinusKey}, [](View& view) { view.zoom_by_step(View::Step::kSmaller); }),
+      view_row(L"&100 %", {'1'}, [](View& view) { view.zoom_to_actual_size(); }),
+      line(),
+      sizing_row(L"&Fit the window", {'F'}, Sizing::kFit),
+      sizing_row(L"Fit the &width", {'W'}, Sizing::kFitWidth),
+      sizing_row(L"&Stretch", {'T'}, Sizing::kStretch),
+      line(),
+      option_row(L"&Centred", {'E'}, IMG_DISPLAY_CENTRE),
+      option_row(L"Size by &resolution", {'Z'}, IMG_DISPLAY_RESOLUTION),
+      option_row(L"In&verted", {'I'}, IMG_DISPLAY_INVERTED),
+      line(),
+      {L"Magnifying &lens", {kSpaceKey}, [](Window& w) { w.canvas().toggle_lens(); }, has_picture},
   };
 }
 
@@ -136,53 +82,71 @@ std::vector<Command> process_commands() {
   std::vector<Command> rows;
   for (const Operation& operation : operations()) {
     const size_t number = rows.size();
-    rows.push_back({std::wstring(kProcess) + L"|" + operation.menu,
-                    operation.name,
-                    operation.key,
-                    {},
-                    [number](Window& w) { w.process(number); },
-                    has_picture});
+    rows.push_back({operation.name, operation.key, [number](Window& w) { w.process(number); }, has_picture});
+    rows.back().submenu = operation.menu;
   }
   return rows;
 }
 
 std::vector<Command> help_commands() {
   return {
-      {kHelp, L"&Mouse and keys", {kF1Key}, {}, [](Window& w) { w.explain_mouse(); }},
-      {kHelp, L"&About Vorel Viewer", {}, {}, [](Window& w) { w.tell_about(); }},
+      {L"&Mouse and keys", {kF1Key}, [](Window& w) { w.explain_mouse(); }},
+      {L"&About Vorel Viewer", {}, [](Window& w) { w.tell_about(); }},
   };
 }
 
+constexpr struct {
+  const wchar_t* name;
+  std::vector<Command> (*commands)();
+} kMenus[] = {{L"&File", file_commands},
+              {L"&Edit", edit_commands},
+              {L"&View", view_commands},
+              {L"&Process", process_commands},
+              {L"&Help", help_commands}};
+
+// Keys that do as well as another. On many keyboards the plus sign needs Shift.
+constexpr struct {
+  Key key, as;
+} kOtherKeys[] = {{{kPlusKey, false, true}, {kPlusKey}}, {{kNumpadPlusKey}, {kPlusKey}}, {{kNumpadMinusKey}, {kMinusKey}}};
+
 std::vector<Command> all_commands() {
   std::vector<Command> all;
-  for (const auto& menu : {file_commands, edit_commands, view_commands, process_commands, help_commands}) {
-    std::ranges::move(menu(), std::back_inserter(all));
+  for (const auto& menu : kMenus) {
+    for (Command& command : menu.commands()) {
+      command.menu = menu.name;
+      all.push_back(std::move(command));
+    }
   }
   return all;
 }
+
+// ---- Menu and keys for it ----
 
 std::wstring menu_text(const Command& command) {
   return command.key.code == 0 ? command.name : command.name + L"\t" + key_text(command.key);
 }
 
-// Finds menus by their paths, and makes those that are missing.
+// Finds menus by their names, and makes those that are missing.
 class MenuBuilder {
  public:
-  explicit MenuBuilder(HMENU bar) { menus_[L""] = bar; }
-
-  HMENU at(const std::wstring& path) {
-    const auto found = menus_.find(path);
-    if (found != menus_.end()) return found->second;
-    const size_t bar = path.rfind(L'|');
-    const std::wstring parent = bar == std::wstring::npos ? L"" : path.substr(0, bar);
-    const std::wstring name = bar == std::wstring::npos ? path : path.substr(bar + 1);
-    const HMENU menu = CreatePopupMenu();
-    AppendMenuW(at(parent), MF_POPUP, reinterpret_cast<UINT_PTR>(menu), name.c_str());
-    return menus_[path] = menu;
+  HMENU bar() const { return bar_; }
+  HMENU menu_of(const Command& command) {
+    const HMENU menu = menu_in(bar_, command.menu);
+    return command.submenu.empty() ? menu : menu_in(menu, command.submenu);
   }
 
  private:
-  std::map<std::wstring, HMENU> menus_;
+  HMENU menu_in(HMENU parent, const std::wstring& name) {
+    HMENU& menu = menus_[{parent, name}];
+    if (menu == nullptr) {
+      menu = CreatePopupMenu();
+      AppendMenuW(parent, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), name.c_str());
+    }
+    return menu;
+  }
+
+  HMENU bar_ = CreateMenu();
+  std::map<std::pair<HMENU, std::wstring>, HMENU> menus_;
 };
 
 ACCEL accelerator_for(const Key& key, WORD id) {
@@ -207,14 +171,13 @@ const Command* command_of(WORD id) {
 }
 
 HMENU create_menu() {
-  const HMENU bar = CreateMenu();
-  MenuBuilder menus(bar);
+  MenuBuilder menus;
   WORD id = kFirstCommandId;
   for (const Command& command : commands()) {
-    AppendMenuW(menus.at(command.menu), command.name.empty() ? MF_SEPARATOR : MF_STRING, id, menu_text(command).c_str());
-    ++id;
+    const UINT kind = command.name.empty() ? MF_SEPARATOR : MF_STRING;
+    AppendMenuW(menus.menu_of(command), kind, id++, menu_text(command).c_str());
   }
-  return bar;
+  return menus.bar();
 }
 
 // The space bar is left out: the canvas wants to know how long it is held.
@@ -222,8 +185,9 @@ HACCEL create_accelerators() {
   std::vector<ACCEL> keys;
   WORD id = kFirstCommandId;
   for (const Command& command : commands()) {
-    for (const Key& key : {command.key, command.other_key})
-      if (key.code != 0 && key.code != kSpaceKey) keys.push_back(accelerator_for(key, id));
+    if (command.key.code != 0 && command.key.code != kSpaceKey) keys.push_back(accelerator_for(command.key, id));
+    for (const auto& other : kOtherKeys)
+      if (other.as == command.key) keys.push_back(accelerator_for(other.key, id));
     ++id;
   }
   return CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));

@@ -13,12 +13,13 @@ namespace vorel::viewer {
 class ViewerWindow;
 
 struct Command {
-  std::wstring menu;             // "&Process", or with a submenu "&Process|&Filter"
-  std::wstring name = {};        // empty for a line between others
-  Key key = {}, other_key = {};  // the second one is not shown
+  std::wstring name = {};  // empty for a line between others
+  Key key = {};
   std::function<void(ViewerWindow&)> run = {};
   std::function<bool(const ViewerWindow&)> is_enabled = {};  // always, if there is none
   std::function<bool(const ViewerWindow&)> is_checked = {};  // never, if there is none
+  std::wstring menu = {};
+  std::wstring submenu = {};  // none, if it is empty
 };
 
 std::span<const Command> commands();

@@ -1,7 +1,5 @@
 #include "viewer/number_dialog.h"
 
-#include <string>
-
 #include "viewer/resource.h"
 #include "viewer/window.h"
 
@@ -10,7 +8,7 @@ namespace {
 
 class NumberDialog {
  public:
-  NumberDialog(const wchar_t* title, std::span<const Parameter> parameters, const Numbers& numbers)
+  NumberDialog(const std::wstring& title, std::span<const Parameter> parameters, const Numbers& numbers)
       : title_(title), parameters_(parameters), numbers_(numbers) {}
 
   std::optional<Numbers> run(HWND owner) {
@@ -31,7 +29,7 @@ class NumberDialog {
   }
 
   BOOL fill(HWND dialog) {
-    SetWindowTextW(dialog, title_);
+    SetWindowTextW(dialog, title_.c_str());
     for (size_t i = 0; i < kMostParameters; ++i) {
       const bool is_used = i < parameters_.size();
       for (const int control : {label(i), edit(i), range(i)})
@@ -69,14 +67,14 @@ class NumberDialog {
   static int edit(size_t i) { return IDC_FIRST_EDIT + static_cast<int>(i); }
   static int range(size_t i) { return IDC_FIRST_RANGE + static_cast<int>(i); }
 
-  const wchar_t* title_;
+  const std::wstring& title_;
   std::span<const Parameter> parameters_;
   Numbers numbers_;
 };
 
 }  // namespace
 
-std::optional<Numbers> ask_for_numbers(HWND owner, const wchar_t* title, std::span<const Parameter> parameters,
+std::optional<Numbers> ask_for_numbers(HWND owner, const std::wstring& title, std::span<const Parameter> parameters,
                                        const Numbers& numbers) {
   return NumberDialog(title, parameters, numbers).run(owner);
 }

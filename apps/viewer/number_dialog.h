@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 #include <span>
+#include <string>
 
 #include "viewer/system.h"
 
@@ -18,7 +19,7 @@ inline constexpr size_t kMostParameters = 2;
 using Numbers = std::array<int, kMostParameters>;
 
 // Returns what was entered, within the bounds of each parameter; none if it was cancelled. Begins with `numbers`.
-std::optional<Numbers> ask_for_numbers(HWND owner, const wchar_t* title, std::span<const Parameter> parameters,
+std::optional<Numbers> ask_for_numbers(HWND owner, const std::wstring& title, std::span<const Parameter> parameters,
                                        const Numbers& numbers);
 
 }  // namespace vorel::viewer

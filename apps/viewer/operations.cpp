@@ -3,6 +3,7 @@
 #include <string>
 
 #include "viewer/failure.h"
+#include "viewer/logic/texts.h"
 #include "viewer/picture.h"
 
 namespace vorel::viewer {
@@ -185,13 +186,6 @@ const Operation kOperations[] = {
     {kReduce, L"Halftone, by a th&reshold...", {}, halftoned<kThreshold>, {{L"&Brightness", -255, 255, 0}}, kAny},
 };
 
-std::wstring plain_name(const Operation& operation) {
-  std::wstring name = operation.name;
-  std::erase(name, L'&');
-  std::erase(name, L'.');
-  return name;
-}
-
 }  // namespace
 
 std::span<const Operation> operations() { return kOperations; }
@@ -199,7 +193,7 @@ std::span<const Operation> operations() { return kOperations; }
 Dib run_operation(const Operation& operation, const Dib& dib, const Numbers& numbers) {
   SetImgError(IMG_OK);
   Dib result = operation.run(dib, numbers);
-  if (!result) throw Failure(plain_name(operation) + L" is not done: " + reason(0, operation.needs));
+  if (!result) throw Failure(plain_name(operation.name) + L" is not done: " + reason(0, operation.needs));
   return result;
 }
 

@@ -255,7 +255,7 @@ void ViewerWindow::undo() {
 void ViewerWindow::process(size_t number) {
   const Operation& operation = operations()[number];
   if (!operation.parameters.empty()) {
-    const auto numbers = ask_for_numbers(window_, operation.name, operation.parameters, last_numbers_[number]);
+    const auto numbers = ask_for_numbers(window_, plain_name(operation.name), operation.parameters, last_numbers_[number]);
     if (!numbers) return;
     last_numbers_[number] = *numbers;
   }

@@ -102,6 +102,7 @@ TEST(ViewerTexts, TellAboutAPicture) {
   picture.changed = true;
   EXPECT_EQ(title_text(picture), L"fax.tif* (page 2 of 5) - 50 % - Vorel Viewer");
   EXPECT_EQ(size_text(picture), L"640 x 480 pixels, 1 bit");
+  EXPECT_EQ(plain_name(L"Scale, &linear..."), L"Scale, linear");
   EXPECT_EQ(as_reason("Not enough memory."), L"Not enough memory");
 }
 

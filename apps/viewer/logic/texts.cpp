@@ -30,6 +30,12 @@ std::wstring size_text(const PictureFacts& picture) {
 
 std::wstring percent_text(const PictureFacts& picture) { return std::to_wstring(picture.percent) + L" %"; }
 
+std::wstring plain_name(std::wstring menu_name) {
+  std::erase(menu_name, L'&');
+  while (menu_name.ends_with(L'.')) menu_name.pop_back();
+  return menu_name;
+}
+
 std::wstring as_reason(const std::string& message) {
   std::wstring reason(message.begin(), message.end());
   while (reason.ends_with(L'.') || reason.ends_with(L' ')) reason.pop_back();

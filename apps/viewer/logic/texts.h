@@ -24,6 +24,9 @@ std::wstring size_text(const PictureFacts& picture);
 
 std::wstring percent_text(const PictureFacts& picture);
 
+// The name of a command without what marks its key and its dialog: "Scale, linear" for "Scale, &linear...".
+std::wstring plain_name(std::wstring menu_name);
+
 // A message of the library, which is plain ASCII, as the last part of a sentence.
 std::wstring as_reason(const std::string& message);
 
