@@ -55,13 +55,13 @@ expect_no_window() { patiently window_is_gone "$1" || fail "the window \"$1\" di
 screenshot() {
   local before= now=
   for _ in $(seq 50); do
-    xwd -root -silent -out "$work/screen.xwd"
-    now=$(md5sum <"$work/screen.xwd")
+    import -silent -window root -crop 1000x800+0+0 +repage "$work/screen.ppm"
+    now=$(md5sum <"$work/screen.ppm")
     [ "$now" != "$before" ] || break
     before=$now
     sleep 0.2
   done
-  convert "xwd:$work/screen.xwd" "$shots/$1.png"
+  convert "$work/screen.ppm" "$shots/$1.png"
 }
 
 # color_at NAME X Y: a pixel of a screenshot, as rrggbb.
@@ -144,6 +144,7 @@ process() {
   screenshot 09-mirrored
   expect_color 09-mirrored $yellow_x $yellow_y 0000ff
   press ctrl+z
+  expect_title 'chart-24bit.bmp - *'
   screenshot 10-undone
   expect_same 01-fits-the-window 10-undone
 }
@@ -188,6 +189,11 @@ sizes_and_wheel() {
   press End
   screenshot 17-at-the-end
   press f
+  xdotool mousemove 400 10 click --repeat 2 --delay 50 1  # the title bar: as large as the screen
+  expect_title '* - 106 % - *'
+  screenshot 17-maximised
+  xdotool click --repeat 2 --delay 50 1
+  expect_title '* - 79 % - *'
 }
 
 dialogs_and_operations() {
@@ -226,7 +232,11 @@ files_and_pages() {
   expect_title 'set.tif (page 2 of 3) - *'
   press ctrl+Left
   expect_title 'saved.png - *'
-  press ctrl+Left ctrl+Left
+  press ctrl+Left ctrl+Left ctrl+Left
+  expect_title 'chart-24bit.bmp - *'
+  press ctrl+Right ctrl+Right ctrl+Right
+  screenshot 30-damaged-file
+  press ctrl+Right
   expect_title 'page-1bit.bmp - *'
   press 1
   screenshot 26-page-at-its-size

@@ -98,7 +98,9 @@ LRESULT Canvas::handle_mouse(UINT message, WPARAM wParam, LPARAM lParam) {
       return 0;
     case WM_LBUTTONUP:
     case WM_RBUTTONUP: end_band(point_of(lParam)); return 0;
-    case WM_CAPTURECHANGED: has_band_ = false; return 0;
+    case WM_CAPTURECHANGED:  // taken away; what is left of the band is painted over
+      if (std::exchange(has_band_, false)) InvalidateRect(window_, nullptr, FALSE);
+      return 0;
     case WM_MOUSEWHEEL:
     case kHorizontalWheelMessage: turn_wheel(message, wParam, lParam); return 0;
     case WM_SETCURSOR:

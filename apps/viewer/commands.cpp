@@ -14,6 +14,7 @@ using Window = ViewerWindow;
 
 bool has_picture(const Window& window) { return window.document().is_open(); }
 bool has_file(const Window& window) { return !window.document().path().empty(); }
+bool has_lens(const Window& window) { return window.canvas().has_lens(); }
 bool has_pages(const Window& window) { return window.document().pages() > 1; }
 
 constexpr Key control(int code) { return {code, true, false}; }
@@ -74,7 +75,7 @@ std::vector<Command> view_commands() {
       option_row(L"Size by &resolution", {'Z'}, IMG_DISPLAY_RESOLUTION),
       option_row(L"In&verted", {'I'}, IMG_DISPLAY_INVERTED),
       line(),
-      {L"Magnifying &lens", {kSpaceKey}, [](Window& w) { w.canvas().toggle_lens(); }, has_picture},
+      {L"Magnifying &lens", {kSpaceKey}, [](Window& w) { w.canvas().toggle_lens(); }, has_picture, has_lens},
   };
 }
 

@@ -14,44 +14,38 @@ Document Document::from_file(const std::filesystem::path& path, int page) {
   document.path_ = std::filesystem::absolute(path);
   document.page_ = page;
   document.pages_ = loaded.pages;
-  document.dib_ = std::move(loaded.dib);
+  document.current_.dib = std::move(loaded.dib);
   return document;
 }
 
 Document Document::untitled(Dib dib) {
   Document document;
-  document.dib_ = std::move(dib);
-  document.is_changed_ = true;
+  document.current_ = {std::move(dib), true};
   return document;
 }
 
 PictureFacts Document::facts() const {
   if (!is_open()) return {};
-  const BITMAPINFOHEADER header = header_of(dib_);
+  const BITMAPINFOHEADER header = header_of(current_.dib);
   return {.name = path_.empty() ? L"Untitled" : path_.filename().wstring(),
           .page = page_,
           .pages = pages_,
           .width = header.biWidth,
           .height = header.biHeight,
           .depth = header.biBitCount,
-          .changed = is_changed_};
+          .changed = current_.is_changed};
 }
 
-void Document::change(Dib dib) {
-  undo_ = std::exchange(dib_, std::move(dib));
-  is_changed_ = true;
-}
+void Document::change(Dib dib) { previous_ = std::exchange(current_, Version{std::move(dib), true}); }
 
-void Document::undo() {
-  std::swap(dib_, undo_);
-  is_changed_ = true;
-}
+void Document::undo() { std::swap(current_, previous_); }
 
 void Document::save_as(const std::filesystem::path& path, const Format& format) {
-  save_picture(path, dib_, format);
+  save_picture(path, current_.dib, format);
   path_ = path;
   page_ = pages_ = 1;
-  is_changed_ = false;
+  current_.is_changed = false;
+  previous_.is_changed = true;
 }
 
 }  // namespace vorel::viewer

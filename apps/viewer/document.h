@@ -18,10 +18,10 @@ class Document {
   // A picture that is in no file yet.
   static Document untitled(Dib dib);
 
-  bool is_open() const { return dib_ != nullptr; }
-  bool is_changed() const { return is_changed_; }
-  bool can_undo() const { return undo_ != nullptr; }
-  const Dib& dib() const { return dib_; }
+  bool is_open() const { return current_.dib != nullptr; }
+  bool is_changed() const { return current_.is_changed; }
+  bool can_undo() const { return previous_.dib != nullptr; }
+  const Dib& dib() const { return current_.dib; }
   const std::filesystem::path& path() const { return path_; }  // empty for a picture that is in no file
   int page() const { return page_; }
   int pages() const { return pages_; }
@@ -37,10 +37,14 @@ class Document {
   void save_as(const std::filesystem::path& path, const Format& format);
 
  private:
+  struct Version {
+    Dib dib;
+    bool is_changed = false;  // since it was loaded or saved
+  };
+
   std::filesystem::path path_;
   int page_ = 1, pages_ = 1;
-  Dib dib_, undo_;
-  bool is_changed_ = false;
+  Version current_, previous_;
 };
 
 }  // namespace vorel::viewer

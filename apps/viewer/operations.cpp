@@ -133,7 +133,7 @@ constexpr const wchar_t* kShape = L"&Size and shape";
 constexpr const wchar_t* kColor = L"&Colours";
 constexpr const wchar_t* kFilter = L"&Filter";
 constexpr const wchar_t* kReduce = L"&Few colours";
-constexpr const wchar_t* kGrays = L"clean takes greys of 1 or 8 bits";
+constexpr const wchar_t* kGrays = L"it takes greys of 1 or 8 bits per pixel";
 constexpr const wchar_t* kAny = L"there is not enough memory";
 
 const Operation kOperations[] = {

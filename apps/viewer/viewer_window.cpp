@@ -224,10 +224,19 @@ void ViewerWindow::save_as() {
   const fs::path offered = document_.path().empty() ? fs::path(L"Untitled.bmp") : document_.path();
   const auto choice = ask_for_file_to_save(window_, offered);
   if (!choice) return;
+  keep_pages(choice->path);
   document_.save_as(choice->path, *choice->format);
   place_ = choice->path;
   update_facts();
   tell(L"Saved as " + choice->path.filename().wstring());
+}
+
+// One page would take the place of all.
+void ViewerWindow::keep_pages(const fs::path& target) const {
+  std::error_code ignored;
+  if (document_.pages() == 1 || !fs::equivalent(target, document_.path(), ignored)) return;
+  throw Failure(L"The file has " + std::to_wstring(document_.pages()) +
+                L" pages, and this one would replace them: choose another name");
 }
 
 bool ViewerWindow::may_lose_changes() {

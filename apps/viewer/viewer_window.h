@@ -53,6 +53,7 @@ class ViewerWindow {
   enum class Beginning { kFirst, kNext };
   void show(Document document, Beginning beginning);
   void change(Dib dib);
+  void keep_pages(const std::filesystem::path& target) const;
   bool may_lose_changes();
   void update_facts();
   void tell(const std::wstring& text);
