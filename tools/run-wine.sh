@@ -63,6 +63,9 @@ start_session() {
     printf 'run-wine: setting Wine up in %s (once, 10 to 20 seconds)\n' "$WINEPREFIX" >&2
     wine wineboot -i >/dev/null 2>&1 9>&- </dev/null || fail "wineboot failed; remove $WINEPREFIX and try again"
   fi
+  # There is no window manager: Wine draws the frames itself and does not wait for one, two seconds for each window that goes.
+  grep -qs '"Managed"="N"' "$WINEPREFIX/user.reg" ||
+    wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null 2>&1 9>&- </dev/null || fail "the registry cannot be written"
   export VOREL_WINE_SESSION=$WINEPREFIX
 }
 
