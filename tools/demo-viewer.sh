@@ -53,7 +53,7 @@ expect_no_window() { patiently window_is_gone "$1" || fail "the window \"$1\" di
 screenshot() {
   local before= now=
   for _ in $(seq 50); do
-    import -silent -window root -crop 1000x800+0+0 +repage "$work/screen.ppm"
+    import -silent -window root -crop 1280x900+0+0 +repage "$work/screen.ppm"
     now=$(md5sum <"$work/screen.ppm")
     [ "$now" != "$before" ] || break
     before=$now
@@ -190,6 +190,7 @@ sizes_and_wheel() {
   xdotool mousemove 400 10 click --repeat 2 --delay 50 1  # the title bar: as large as the screen
   expect_title '* - 10[67] % - *'
   screenshot 18-maximised
+  expect_color 18-maximised 320 810 ffff00
   xdotool click --repeat 2 --delay 50 1
   expect_title '* - 79 % - *'
 }
@@ -238,9 +239,10 @@ files_and_pages() {
   expect_title 'page-1bit.bmp - *'
   press 1
   screenshot 29-page-at-its-size
-  xdotool mousemove 400 300 keydown space
+  press f
+  xdotool mousemove 400 200 keydown space
   sleep 0.5
-  xdotool mousemove 420 330
+  xdotool mousemove 420 230
   screenshot 30-lens-on-page
   xdotool keyup space
 }

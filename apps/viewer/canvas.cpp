@@ -13,6 +13,7 @@ constexpr UINT kHorizontalWheelMessage = 0x020E;  // WM_MOUSEHWHEEL, which heade
 
 void register_class() {
   WNDCLASSW window_class{};
+  window_class.style = CS_HREDRAW | CS_VREDRAW;  // a fitted picture changes wherever it is
   window_class.lpfnWndProc = send_to_object<Canvas>;
   window_class.hInstance = this_program();
   window_class.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32515));  // the cross
