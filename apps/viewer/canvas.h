@@ -25,6 +25,8 @@ class Canvas {
   void change(const std::function<void(View&)>& action);
   const View& view() const { return view_; }
 
+  void realise_palette() { view_.realise_palette(); }
+
   bool has_lens() const { return lens_.has_value(); }
   void toggle_lens();
 

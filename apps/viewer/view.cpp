@@ -81,6 +81,14 @@ void View::scroll(int bar, WPARAM wParam) {
   }
 }
 
+void View::realise_palette() {
+  if (palette() == nullptr) return;
+  const WindowDc dc(window_);
+  const HPALETTE previous = SelectPalette(dc.get(), palette(), FALSE);
+  if (RealizePalette(dc.get()) > 0) InvalidateRect(window_, nullptr, FALSE);
+  SelectPalette(dc.get(), previous, TRUE);
+}
+
 void View::destroy() { DisplayWmDestroy(window_, 0, 0, &state_); }
 
 // ---- Showing ----
@@ -96,6 +104,7 @@ void View::start_with_bars() {
   is_starting_ = true;
   DisplayDIBStart(window_, dib_, nullptr, zoom, flags(), &state_);
   is_starting_ = false;
+  realise_palette();
 }
 
 // How large the picture gets is known once it is started.
@@ -104,7 +113,6 @@ void View::start() {
   update_bars();
 }
 
-// Starting anew brings the picture back to its beginning, so the old place is looked for.
 void View::update_bars() {
   const Extent picture = displayed(), window = whole_window();
   Bars bars{};
@@ -113,10 +121,16 @@ void View::update_bars() {
   if (sizing_ == Sizing::kFitWidth) bars.vertical = needs_bar_when_as_wide(picture, window);
   if (bars == bars_) return;
   bars_ = bars;
-  const Axis across = axis(SB_HORZ), down = axis(SB_VERT);
+  const POINT corner = image_point({0, 0});
   start_with_bars();
-  scroll_to(SB_HORZ, across.position - across.first + axis(SB_HORZ).first);
-  scroll_to(SB_VERT, down.position - down.first + axis(SB_VERT).first);
+  bring(corner, {0, 0});
+}
+
+// Starting brings a picture to its beginning. Here what is in the middle of the window stays there.
+void View::start_in_place() {
+  const POINT middle = middle_of_client(window_), point = image_point(middle);
+  start();
+  bring(point, middle);
 }
 
 void View::show_first(HGLOBAL dib) {
@@ -132,6 +146,11 @@ void View::show_next(HGLOBAL dib) {
   start();
 }
 
+void View::show_changed(HGLOBAL dib) {
+  dib_ = dib;
+  start_in_place();
+}
+
 double View::scale() const { return MappedDc(window_, state_).scale(); }
 
 void View::set_sizing(Sizing sizing) {
@@ -141,7 +160,7 @@ void View::set_sizing(Sizing sizing) {
 
 void View::toggle(Option option) {
   options_ ^= option;
-  start();
+  start_in_place();
 }
 
 // ---- Zooming ----
@@ -173,8 +192,7 @@ void View::set_ratio(Ratio ratio, POINT image_point, POINT at) {
   sizing_ = Sizing::kRatio;
   ratio_ = ratio;
   start();
-  const POINT now = MappedDc(window_, state_).to_device(image_point);
-  scroll_by(now.x - at.x, now.y - at.y);
+  bring(image_point, at);
 }
 
 // A stretched picture is first shown in its proportions, which are those that a ratio keeps.
@@ -244,6 +262,11 @@ void View::keep_in_view(int bar) {
 void View::scroll_by(int x, int y) {
   if (x != 0) scroll_to(SB_HORZ, axis(SB_HORZ).position + x);
   if (y != 0) scroll_to(SB_VERT, axis(SB_VERT).position + y);
+}
+
+void View::bring(POINT image_point, POINT at) {
+  const POINT now = MappedDc(window_, state_).to_device(image_point);
+  scroll_by(now.x - at.x, now.y - at.y);
 }
 
 POINT View::image_point(POINT at) const { return MappedDc(window_, state_).to_image(at); }

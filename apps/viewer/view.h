@@ -21,12 +21,16 @@ class View {
   void paint();
   void scroll(int bar, WPARAM wParam);
   void destroy();
+  // On displays with a palette: takes the picture's colours to the front. The library paints with what is there.
+  void realise_palette();
 
-  // Shows another picture from its beginning, or none. The DIB must live until the next is shown.
-  //   show_first  at its actual size, or as small as it takes to be seen whole
-  //   show_next   as the picture before
+  // Shows another picture, or none, from its beginning. The DIB must live until the next is shown.
+  //   show_first    at its actual size, or as small as it takes to be seen whole
+  //   show_next     as the picture before
+  //   show_changed  as the picture before, and at the same place
   void show_first(HGLOBAL dib);
   void show_next(HGLOBAL dib);
+  void show_changed(HGLOBAL dib);
 
   bool is_showing() const { return dib_ != nullptr; }
   Sizing sizing() const { return sizing_; }
@@ -60,6 +64,7 @@ class View {
   };
 
   void start();
+  void start_in_place();
   void start_with_bars();
   void update_bars();
   UINT flags() const;
@@ -68,6 +73,7 @@ class View {
   Axis axis(int bar) const;
   void scroll_to(int bar, int position);
   void keep_in_view(int bar);
+  void bring(POINT image_point, POINT at);
   void set_ratio(Ratio ratio, POINT image_point, POINT at);
   Ratio current_ratio() const;
   RECT current_ratio_rect() const;

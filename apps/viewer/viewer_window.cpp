@@ -105,6 +105,8 @@ LRESULT ViewerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_SIZE: lay_out(); return 0;
     case WM_SETFOCUS: SetFocus(canvas_.window()); return 0;
     case WM_COMMAND: run_command(LOWORD(wParam)); return 0;
+    case WM_QUERYNEWPALETTE: canvas_.realise_palette(); return TRUE;
+    case WM_PALETTECHANGED: InvalidateRect(canvas_.window(), nullptr, FALSE); return 0;
     case WM_INITMENUPOPUP: show_command_states(reinterpret_cast<HMENU>(wParam)); return 0;
     case WM_DROPFILES: take_dropped(reinterpret_cast<HDROP>(wParam)); return 0;
     case kDpiMessage: follow_dpi(*reinterpret_cast<const RECT*>(lParam)); return 0;
@@ -253,12 +255,12 @@ void ViewerWindow::close() {
 
 void ViewerWindow::change(Dib dib) {
   document_.change(std::move(dib));
-  canvas_.change([this](View& view) { view.show_next(document_.dib().get()); });
+  canvas_.change([this](View& view) { view.show_changed(document_.dib().get()); });
 }
 
 void ViewerWindow::undo() {
   document_.undo();
-  canvas_.change([this](View& view) { view.show_next(document_.dib().get()); });
+  canvas_.change([this](View& view) { view.show_changed(document_.dib().get()); });
 }
 
 void ViewerWindow::process(size_t number) {
