@@ -40,8 +40,8 @@ std::vector<std::string> saving_words();
 // The compressions of TIFF files by the words of the command line.
 struct TiffCompression {
   const char* word;
-  int number;
   const char* name;
+  int number;
   bool bilevel_only;
 };
 std::span<const TiffCompression> tiff_compressions();

@@ -1,6 +1,8 @@
 #include "viewer/operations.h"
 
-#include <string>
+#include <algorithm>
+#include <cstring>
+#include <utility>
 
 #include "viewer/failure.h"
 #include "viewer/logic/texts.h"
@@ -86,13 +88,13 @@ enum FilterType : short { kBox = 3, kWeighted = 4, kSharpenByFour = 5, kSharpenB
 // Pixels of 8 bits would be taken for greys whatever their colours are.
 template <short type, int size>
 Dib filtered(const Dib& dib, const Numbers& numbers) {
-  constexpr int kMakeCopy = 1, kByWeight = 1;
-  const Dib colors = header_of(dib).biBitCount == 24 ? copy_of(dib) : in_true_color(dib, numbers);
+  constexpr int kInPlace = 0, kByWeight = 1;
+  Dib colors = header_of(dib).biBitCount == 24 ? copy_of(dib) : in_true_color(dib, numbers);
   if (!colors) return {};
   int error = IMG_OK;
-  Dib result(ColorConvolution(colors.get(), kMakeCopy, kByWeight, type, size, nullptr, nullptr, &error));
+  ColorConvolution(colors.get(), kInPlace, kByWeight, type, size, nullptr, nullptr, &error);
   SetImgError(error);
-  return result;
+  return error == IMG_OK ? std::move(colors) : Dib();
 }
 
 template <int mode>
@@ -134,56 +136,49 @@ constexpr const wchar_t* kColor = L"&Colours";
 constexpr const wchar_t* kFilter = L"&Filter";
 constexpr const wchar_t* kReduce = L"&Few colours";
 constexpr const wchar_t* kGrays = L"it takes greys of 1 or 8 bits per pixel";
-constexpr const wchar_t* kAny = L"there is not enough memory";
+
+const Parameter kAngle = {L"&Degrees to the right", -360, 360, 5};
+const Parameter kAcross = {L"&Pixels to the right", -10'000, 10'000, 100};
+const Parameter kUp = {L"&Pixels up", -10'000, 10'000, 100};
+const std::vector<Parameter> kSize = {{L"&Width in per cent", 1, 1000, 50}, {L"&Height in per cent", 1, 1000, 50}};
+const std::vector<Parameter> kTones = {{L"&Brightness in per cent", -100, 100, 10},
+                                       {L"&Contrast in per cent", -100, 100, 10}};
+const Parameter kLevel = {L"&Level", 20, 100, 60};
+const Parameter kBrightness = {L"&Brightness", -255, 255, 0};
 
 const Operation kOperations[] = {
-    {kTurn, L"A quarter to the &right", {'R'}, turned_right, {}, kAny},
-    {kTurn, L"A quarter to the &left", {'L'}, turned_left, {}, kAny},
-    {kTurn, L"By &half", {'U'}, turned_by_half, {}, kAny},
-    {kTurn, L"&Mirror left and right", {'M'}, mirrored_across, {}, kAny},
-    {kTurn, L"Mirror &top and bottom", {'M', false, true}, mirrored_down, {}, kAny},
-    {kTurn, L"By an &angle...", {'A'}, turned_by_angle, {{L"&Degrees to the right", -360, 360, 5}}, kAny},
-    {kShape,
-     L"Scale, &linear...",
-     {'S'},
-     scaled_by<kLinear>,
-     {{L"&Width in per cent", 1, 1000, 50}, {L"&Height in per cent", 1, 1000, 50}},
-     kAny},
-    {kShape,
-     L"Scale, &cubic...",
-     {},
-     scaled_by<kCubic>,
-     {{L"&Width in per cent", 1, 1000, 200}, {L"&Height in per cent", 1, 1000, 200}},
-     kAny},
-    {kShape, L"Skew &rows...", {}, skewed_rows, {{L"&Pixels to the right", -10'000, 10'000, 100}}, kAny},
-    {kShape, L"Skew c&olumns...", {}, skewed_columns, {{L"&Pixels up", -10'000, 10'000, 100}}, kAny},
-    {kColor, L"&Negative", {'N'}, negative, {}, kAny},
-    {kColor, L"&Greys", {'G'}, gray<1>, {}, kAny},
-    {kColor, L"Greys, all colours &alike", {}, gray<0>, {}, kAny},
-    {kColor,
-     L"&Brightness and contrast...",
-     {'B'},
-     brighter,
-     {{L"&Brightness in per cent", -100, 100, 10}, {L"&Contrast in per cent", -100, 100, 10}},
-     kAny},
-    {kColor, L"&24 bits", {}, in_true_color, {}, kAny},
-    {kFilter, L"&Blur, 3 x 3", {}, filtered<kBox, 3>, {}, kAny},
-    {kFilter, L"Blur, &5 x 5", {}, filtered<kBox, 5>, {}, kAny},
-    {kFilter, L"Blur, &7 x 7", {}, filtered<kBox, 7>, {}, kAny},
-    {kFilter, L"Blur with &weights", {}, filtered<kWeighted, 3>, {}, kAny},
-    {kFilter, L"&Sharpen", {}, filtered<kSharpenByFour, 3>, {}, kAny},
-    {kFilter, L"Sharpen &more", {}, filtered<kSharpenByEight, 3>, {}, kAny},
-    {kFilter, L"&Clean...", {'C'}, cleaned<kAll>, {{L"&Level", 20, 100, 60}}, kGrays},
-    {kFilter, L"Clean &gently...", {}, cleaned<kGentle>, {{L"&Level", 20, 100, 60}}, kGrays},
-    {kReduce, L"Black and white, &four neighbours", {'D'}, dithered<DitherFS4, 1>, {}, kAny},
-    {kReduce, L"Black and white, &twelve neighbours", {}, dithered<DitherJJN, 1>, {}, kAny},
-    {kReduce, L"Black and white, &smooth", {}, dithered<DitherSmooth, 1>, {}, kAny},
-    {kReduce, L"Black and white, s&harp", {}, dithered<DitherSharp, 1>, {}, kAny},
-    {kReduce, L"&8 colours", {}, dithered<DitherFS4, 4>, {}, kAny},
-    {kReduce, L"&256 colours", {}, dithered<DitherFS4, 8>, {}, kAny},
-    {kReduce, L"Halftone, &ordered...", {'H'}, halftoned<kOrdered>, {{L"&Brightness", -255, 255, 0}}, kAny},
-    {kReduce, L"Halftone, &diffusion...", {}, halftoned<kDiffusion>, {{L"&Brightness", -255, 255, 0}}, kAny},
-    {kReduce, L"Halftone, by a th&reshold...", {}, halftoned<kThreshold>, {{L"&Brightness", -255, 255, 0}}, kAny},
+    {kTurn, L"A quarter to the &right", {'R'}, turned_right},
+    {kTurn, L"A quarter to the &left", {'L'}, turned_left},
+    {kTurn, L"By &half", {'U'}, turned_by_half},
+    {kTurn, L"&Mirror left and right", {'M'}, mirrored_across},
+    {kTurn, L"Mirror &top and bottom", {'M', false, true}, mirrored_down},
+    {kTurn, L"By an &angle...", {'A'}, turned_by_angle, {kAngle}},
+    {kShape, L"Scale, &linear...", {'S'}, scaled_by<kLinear>, kSize},
+    {kShape, L"Scale, &cubic...", {}, scaled_by<kCubic>, kSize},
+    {kShape, L"Skew &rows...", {}, skewed_rows, {kAcross}},
+    {kShape, L"Skew c&olumns...", {}, skewed_columns, {kUp}},
+    {kColor, L"&Negative", {'N'}, negative},
+    {kColor, L"&Greys", {'G'}, gray<1>},
+    {kColor, L"Greys, all colours &alike", {}, gray<0>},
+    {kColor, L"&Brightness and contrast...", {'B'}, brighter, kTones},
+    {kColor, L"&24 bits", {}, in_true_color},
+    {kFilter, L"&Blur, 3 x 3", {}, filtered<kBox, 3>},
+    {kFilter, L"Blur, &5 x 5", {}, filtered<kBox, 5>},
+    {kFilter, L"Blur, &7 x 7", {}, filtered<kBox, 7>},
+    {kFilter, L"Blur with &weights", {}, filtered<kWeighted, 3>},
+    {kFilter, L"&Sharpen", {}, filtered<kSharpenByFour, 3>},
+    {kFilter, L"Sharpen &more", {}, filtered<kSharpenByEight, 3>},
+    {kFilter, L"&Clean...", {'C'}, cleaned<kAll>, {kLevel}, kGrays},
+    {kFilter, L"Clean &gently...", {}, cleaned<kGentle>, {kLevel}, kGrays},
+    {kReduce, L"Black and white, &four neighbours", {'D'}, dithered<DitherFS4, 1>},
+    {kReduce, L"Black and white, &twelve neighbours", {}, dithered<DitherJJN, 1>},
+    {kReduce, L"Black and white, &smooth", {}, dithered<DitherSmooth, 1>},
+    {kReduce, L"Black and white, s&harp", {}, dithered<DitherSharp, 1>},
+    {kReduce, L"&8 colours", {}, dithered<DitherFS4, 4>},
+    {kReduce, L"&256 colours", {}, dithered<DitherFS4, 8>},
+    {kReduce, L"Halftone, &ordered...", {'H'}, halftoned<kOrdered>, {kBrightness}},
+    {kReduce, L"Halftone, &diffusion...", {}, halftoned<kDiffusion>, {kBrightness}},
+    {kReduce, L"Halftone, by a th&reshold...", {}, halftoned<kThreshold>, {kBrightness}},
 };
 
 }  // namespace
@@ -193,7 +188,7 @@ std::span<const Operation> operations() { return kOperations; }
 Dib run_operation(const Operation& operation, const Dib& dib, const Numbers& numbers) {
   SetImgError(IMG_OK);
   Dib result = operation.run(dib, numbers);
-  if (!result) throw Failure(plain_name(operation.name) + L" is not done: " + reason(0, operation.needs));
+  if (!result) throw Failure(plain_name(operation.name) + L" is not done: " + reason(0, operation.usual_reason));
   return result;
 }
 

@@ -18,8 +18,9 @@ struct Operation {
   Key key;
   // Makes a new picture, or returns null with the reason as the thread's code.
   Dib (*run)(const Dib& dib, const Numbers& numbers);
-  std::vector<Parameter> parameters;  // asked for before it runs
-  const wchar_t* needs;               // of a picture, where the library has no code for what is wrong
+  std::vector<Parameter> parameters = {};  // asked for before it runs
+  // What is wrong where the library has no code for it.
+  const wchar_t* usual_reason = L"there is not enough memory";
 };
 
 std::span<const Operation> operations();

@@ -61,6 +61,8 @@ void ViewerWindow::attempt(const std::function<void()>& action) {
     tell(failure.text());
   } catch (const std::bad_alloc&) {
     tell(L"There is not enough memory");
+  } catch (const fs::filesystem_error&) {
+    tell(L"The system does not take this path");
   }
 }
 
