@@ -2,7 +2,7 @@
 set(map ${CMAKE_CURRENT_SOURCE_DIR}/exports/libvorel32.map)
 add_library(vorel32 SHARED $<TARGET_OBJECTS:vorel_exports> $<TARGET_OBJECTS:vorel_memory>)
 target_include_directories(vorel32 PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
-target_link_libraries(vorel32 PRIVATE vorel_formats vorel_geometry vorel_tone vorel_bilevel vorel_display)
+target_link_libraries(vorel32 PRIVATE vorel_formats vorel_metafile vorel_geometry vorel_tone vorel_bilevel vorel_display)
 target_link_options(vorel32 PRIVATE -Wl,--version-script=${map} -Wl,-z,nodelete)
 if(NOT VOREL_SANITIZE)
   target_link_options(vorel32 PRIVATE -Wl,--no-undefined)

@@ -1,7 +1,7 @@
 # VOREL32.DLL, and its import libraries for both linkers.
 set(def ${CMAKE_CURRENT_SOURCE_DIR}/exports/vorel32.def)
 add_library(vorel32_dll SHARED $<TARGET_OBJECTS:vorel_exports> exports/vorel32.rc ${def})
-target_link_libraries(vorel32_dll PRIVATE vorel_formats vorel_geometry vorel_tone vorel_bilevel vorel_display vorel_dll_entry gdi32 user32)
+target_link_libraries(vorel32_dll PRIVATE vorel_formats vorel_metafile vorel_geometry vorel_tone vorel_bilevel vorel_display vorel_dll_entry gdi32 user32)
 target_link_options(vorel32_dll PRIVATE -Wl,--enable-stdcall-fixup,--kill-at)
 set_target_properties(vorel32_dll PROPERTIES PREFIX "" OUTPUT_NAME VOREL32 SUFFIX .DLL ARCHIVE_OUTPUT_NAME unused)
 

@@ -9,7 +9,7 @@ NATIVE=(build-essential cmake ninja-build ccache pkg-config
         libtiff-dev libpng-dev libjpeg62-turbo-dev libgif-dev zlib1g-dev)
 CROSS=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 llvm lld clang dpkg-dev nasm)
 SCREEN=(xvfb xauth x11-apps xdotool imagemagick fonts-dejavu-core)
-PICTURES=(libtiff-tools netpbm python3-pil giflib-tools)  # they make pictures for the tests
+PICTURES=(libtiff-tools netpbm python3-pil giflib-tools libwmf-bin emf2svg libuemf-dev)  # they make and read pictures for the tests
 WINE=(wine wine32:i386)
 
 say() { printf 'setup: %s\n' "$*"; }

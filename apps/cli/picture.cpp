@@ -22,12 +22,7 @@ bool begins_with_a_bitmap_header(const Input& input) {
 Failure unknown_format(const Input& input, int code) {
   const auto failure = [&](const char* text) { return Failure(ExitCode::kFormat, input.label(), text); };
   switch (code) {
-    case IMG_FORMAT_METAFILE:
-    case IMG_FORMAT_ENHANCED_METAFILE:
-      return failure("metafiles are not loaded by this tool; save the picture as an image file");
-    case IMG_FORMAT_CLIPBOARD:
-      return failure("clipboard files are not loaded by this tool; save the picture as an image file");
-    case IMG_FORMAT_TEXT: return failure("this is a text; give a picture file");
+    case IMG_FORMAT_TEXT: return failure("this is a text; give a picture file, or draw it with \"vorel text\"");
     default:
       return failure(
           "the format is not recognised, or the file is damaged; give a picture file (TGA files go by their name)");
@@ -96,6 +91,7 @@ bool write_file(const std::string& path, const std::string& label, const Picture
   const Format& format = *saving.format;
   const HGLOBAL dib = picture.dib.get();
   if (format.code == IMG_FORMAT_BITMAP) return SaveDIB(path.c_str(), dib) != FALSE;
+  if (format.is_drawn) return SaveDIBInImageFormat(path.c_str(), dib, format.code, 0, 0) != FALSE;
   const Codec codec(format.save, label);
   switch (format.code) {
     case IMG_FORMAT_TIFF:
@@ -124,12 +120,17 @@ bool is_written(const std::string& path, const std::string& label, const Picture
   const Dib copy(LoadImageIntoDIB(path.c_str(), page, &status));
   if (!copy) return false;
   const BITMAPINFOHEADER header = DibLock(copy).header();
-  return header.biWidth == picture.header.biWidth && row_count(header) == row_count(picture.header);
+  // An enhanced metafile tells its size in hundredths of a millimetre, which takes the last pixel.
+  const uint64_t most_lost = saving.format->code == IMG_FORMAT_ENHANCED_METAFILE ? 1 : 0;
+  const auto is_as_long = [&](uint64_t is, uint64_t was) { return is <= was && is + most_lost >= was; };
+  return is_as_long(static_cast<uint32_t>(header.biWidth), static_cast<uint32_t>(picture.header.biWidth)) &&
+         is_as_long(row_count(header), row_count(picture.header));
 }
 
 void prepare_for(const Saving& saving, Picture& picture) {
   const auto fail = [&](const std::string& text) { throw Failure(ExitCode::kFormat, picture.label, text); };
   if (saving.format->code == IMG_FORMAT_BITMAP) return;
+  if (saving.format->is_drawn) require_drawing(picture.label, saving.format->name);
   expand(picture);
   const int depth = picture.header.biBitCount;
   if (depth == 16 || depth == 32) {
@@ -201,6 +202,13 @@ const Format& recognise(const Input& input) {
   return *format;
 }
 
+void require_drawing(const std::string& label, const char* what) {
+  if (has_drawing()) return;
+  throw Failure(
+      ExitCode::kFormat, label,
+      fmt::format("this build does not draw, which a {} needs; use the Windows build of this tool, vorel.exe", what));
+}
+
 std::optional<int> count_pages(const Input& input, const Format& format) {
   if (format.code == IMG_FORMAT_COLOR_FAX) return GetNumberOfImagesInFaxFile(input.loading_path().c_str());
   if (format.count.module == nullptr) return 1;
@@ -229,11 +237,13 @@ Picture load_picture(const Input& input, int page) {
   Codec::require(format.load, input.label());
   check_page(input, format, page);
   if (format.code == IMG_FORMAT_BITMAP) return load_bitmap(input);
+  if (format.is_drawn) require_drawing(input.label(), format.name);
 
   int status = -1;
+  SetImgError(IMG_OK);
   Dib dib(LoadImageIntoDIB(input.loading_path().c_str(), page, &status));
   if (!dib && format.code == IMG_FORMAT_COLOR_FAX) throw set_not_loaded(input);
-  if (!dib) throw not_loaded(input, format, status);
+  if (!dib) throw not_loaded(input, format, format.is_drawn ? ImgError() : status);
   const BITMAPINFOHEADER header = DibLock(dib).header();
   return {.label = input.label(), .header = header, .dib = std::move(dib)};
 }

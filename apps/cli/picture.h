@@ -38,6 +38,9 @@ void complete_table(Picture& picture);
 // What a file holds. Throws Failure for what the tool cannot load.
 const Format& recognise(const Input& input);
 
+// Throws Failure, in the name of a file, where this build does not draw.
+void require_drawing(const std::string& label, const char* what);
+
 // The number of pages; none if the module does not tell. Throws Failure for a damaged file.
 std::optional<int> count_pages(const Input& input, const Format& format);
 

@@ -6,8 +6,7 @@
 #include <string>
 #include <system_error>
 
-#include <vorel32.h>
-
+#include "common/dib.h"
 #include "common/platform.h"
 
 namespace vorel::cli {
@@ -25,6 +24,12 @@ std::error_code move_to_free_name(const std::filesystem::path& from, const std::
 
 // Whether somebody watches the standard error stream.
 bool standard_error_is_terminal();
+
+// Whether this build has what draws metafiles, text and device bitmaps.
+bool has_drawing();
+
+// A text file drawn as a bitmap, black on white. Null if that fails.
+Dib drawn_text(const std::string& path, bool is_oem);
 
 // A file opened for the library's functions that take one, closed with its scope.
 class LibraryFile {

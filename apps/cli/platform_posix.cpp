@@ -40,6 +40,10 @@ std::error_code move_to_free_name(const std::filesystem::path& from, const std::
 
 bool standard_error_is_terminal() { return ::isatty(STDERR_FILENO) != 0; }
 
+bool has_drawing() { return false; }
+
+Dib drawn_text(const std::string&, bool) { return nullptr; }
+
 LibraryFile::LibraryFile(const std::string& path) : handle_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
 
 LibraryFile::~LibraryFile() {

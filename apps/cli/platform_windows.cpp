@@ -30,6 +30,16 @@ std::error_code move_to_free_name(const std::filesystem::path& from, const std::
 
 bool standard_error_is_terminal() { return _isatty(_fileno(stderr)) != 0; }
 
+bool has_drawing() { return true; }
+
+Dib drawn_text(const std::string& path, bool is_oem) {
+  HBITMAP bitmap = LoadASCIIFile(path.c_str(), !is_oem);
+  if (bitmap == nullptr) return nullptr;
+  Dib dib(ConvertBitmapToDIB(bitmap, nullptr));
+  DeleteObject(bitmap);
+  return dib;
+}
+
 LibraryFile::LibraryFile(const std::string& path) : handle_(_lopen(path.c_str(), OF_READ)) {}
 
 LibraryFile::~LibraryFile() {

@@ -28,11 +28,11 @@ struct Verb {
 };
 
 // In the order of the help.
-extern const Verb kInfo, kConvert, kPages, kRotate, kMirror, kSkew, kScale, kCut, kCrop, kCombine, kInvert, kHistogram, kLut,
-    kTone, kFilter, kGray, kExpand, kClean, kDither, kHalftone;
-inline constexpr const Verb* kVerbs[] = {&kInfo,   &kConvert, &kPages,   &kRotate, &kMirror, &kSkew,    &kScale,
-                                         &kCut,    &kCrop,    &kCombine, &kInvert, &kTone,   &kLut,     &kHistogram,
-                                         &kFilter, &kGray,    &kExpand,  &kClean,  &kDither, &kHalftone};
+extern const Verb kInfo, kConvert, kText, kPages, kRotate, kMirror, kSkew, kScale, kCut, kCrop, kCombine, kInvert,
+    kHistogram, kLut, kTone, kFilter, kGray, kExpand, kClean, kDither, kHalftone;
+inline constexpr const Verb* kVerbs[] = {&kInfo,      &kConvert, &kText, &kPages,   &kRotate, &kMirror, &kSkew,
+                                         &kScale,     &kCut,     &kCrop, &kCombine, &kInvert, &kTone,   &kLut,
+                                         &kHistogram, &kFilter,  &kGray, &kExpand,  &kClean,  &kDither, &kHalftone};
 
 // Does the same for each of several files: one that fails is reported and left out. Returns the code for all of them.
 ExitCode each_file(const std::vector<std::string>& files, const Streams& streams,

@@ -35,6 +35,8 @@ const Format kFormats[] = {
      "LZW"},
     {IMG_FORMAT_TGA, "TGA", "tga", {"tga"}, {"BRIX32", "LoadTGAIntoDIB"}, {"BRIX", "SaveDIBInTGAFormat"}, {}, nullptr},
     {IMG_FORMAT_BITMAP, "Windows bitmap", "bmp", {"bmp", "dib"}, {}, {}, {}, nullptr},
+    {IMG_FORMAT_METAFILE, "Windows metafile", "wmf", {"wmf"}, {}, {}, {}, "none", true},
+    {IMG_FORMAT_CLIPBOARD, "clipboard file", "clp", {"clp"}, {}, {}, {}, "none", true},
     {IMG_FORMAT_COLOR_FAX, "colour fax page set", "fax", {}, {}, {}, {}, nullptr},
     {IMG_FORMAT_CALS,
      "CALS raster",
@@ -53,6 +55,7 @@ const Format kFormats[] = {
      {},
      "JPEG"},
     {IMG_FORMAT_PNG, "PNG", "png", {"png"}, {"WERT32", "LoadPNGIntoDIB"}, {"WERT", "SaveDIBInPNGFormat"}, {}, "deflate"},
+    {IMG_FORMAT_ENHANCED_METAFILE, "enhanced metafile", "emf", {"emf"}, {}, {}, {}, "none", true},
 };
 
 const TiffCompression kTiffCompressions[] = {

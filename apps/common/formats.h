@@ -24,6 +24,7 @@ struct Format {
   Entry load, save;
   Entry count;              // counts pages; none if a file has one page
   const char* compression;  // none if files differ
+  bool is_drawn = false;    // by the system: on Windows alone
 };
 
 // None for what the programs cannot load.

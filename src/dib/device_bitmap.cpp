@@ -59,6 +59,20 @@ ByteCount bytes_read_by_device(const DibHeader& header) {
   return header.size + table + (is_compressed ? std::max(pixels, ByteCount(header.image_bytes)) : pixels);
 }
 
+// A header that says how many colours and bytes of rows there are, with its colours. Metafiles take both numbers at their word.
+DeviceDibInfo with_sizes_told(const DibHeader& header, std::span<const uint8_t> colors) {
+  DeviceDibInfo info{.header = header, .colors = {}};
+  std::memcpy(info.colors, colors.data(), std::min(colors.size(), sizeof info.colors));
+  const uint32_t most = implied_colors(header.depth);
+  info.header.colors_used = most == 0 ? 0 : std::min(DIBNumColors(header), most);
+  const bool is_run_length = header.compression == Compression::kRle8 || header.compression == Compression::kRle4;
+  if (!is_run_length) {
+    const ByteCount rows = row_stride(header.depth, std::max(header.width, 0)) * row_count(header);
+    info.header.image_bytes = static_cast<uint32_t>(rows.value());
+  }
+  return info;
+}
+
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib, HDC dc, HPALETTE palette) {
   const auto whole = DeviceDib::of(dib);
   if (!whole) return Error::kCreateBitmap;
@@ -119,6 +133,21 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette) {
   return dib;
 }
 
+Result<OwnedDib> dib_in_screen_colors(HBITMAP bitmap) {
+  const auto palette = screen_palette();
+  if (!palette) set_thread_error(palette.error());
+  return dib_of(bitmap, palette ? palette->get() : nullptr);
+}
+
+OwnedBitmap empty_bitmap(Size size, int planes, int bits_per_pixel) {
+  if (size.width <= 0 || size.height <= 0 || planes <= 0 || bits_per_pixel <= 0) return OwnedBitmap();
+  const auto bits = static_cast<uint32_t>(planes * bits_per_pixel);
+  const ByteCount bytes = row_stride(bits, size.width) * static_cast<uint32_t>(size.height);
+  if (!bytes.fits_block()) return OwnedBitmap();
+  return OwnedBitmap(
+      CreateBitmap(size.width, size.height, static_cast<UINT>(planes), static_cast<UINT>(bits_per_pixel), nullptr));
+}
+
 std::optional<DeviceDib> DeviceDib::of(const LockedDib& dib) {
   if (dib.header().size != kHeaderBytes) return std::nullopt;
   auto whole = dib.complete(bytes_read_by_device(dib.header()));
@@ -126,10 +155,14 @@ std::optional<DeviceDib> DeviceDib::of(const LockedDib& dib) {
   return DeviceDib(dib.header(), std::move(*whole));
 }
 
+Size DeviceDib::size() const { return {header_.width, static_cast<int>(row_count(header_))}; }
+
 bool DeviceDib::stretch(HDC dc, Rect to, Rect from, DWORD raster_operation) const {
-  const int rows_below = header_.height - from.y - from.height;  // the system counts the rows of a source from the bottom
-  return StretchDIBits(dc, to.x, to.y, to.width, to.height, from.x, rows_below, from.width, from.height, pixels(), info(),
-                       DIB_RGB_COLORS, raster_operation) != 0;
+  DeviceDibInfo explicit_info = with_sizes_told(header_, whole_.bytes().subspan(kHeaderBytes));
+  // The system counts the rows of a source from the bottom.
+  const int rows_below = size().height - from.y - from.height;
+  return StretchDIBits(dc, to.x, to.y, to.width, to.height, from.x, rows_below, from.width, from.height, pixels(),
+                       explicit_info.get(), DIB_RGB_COLORS, raster_operation) != 0;
 }
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib) {

@@ -19,7 +19,14 @@ bool copy_bits_out(HBITMAP bitmap, std::span<uint8_t> bits);
 // code says so although the conversion goes on without.
 Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette);
 
+// The same in the colours of the screen's palette; the thread's code says so where it has none.
+Result<OwnedDib> dib_in_screen_colors(HBITMAP bitmap);
+
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib);
+
+// A bitmap without contents. None when memory is short, for sizes without a pixel and for those that no block could hold, of which
+// systems are not sure to make nothing.
+OwnedBitmap empty_bitmap(Size size, int planes, int bits_per_pixel);
 
 // A locked DIB as the system may read it: header, colours and rows are all there, completed if need be.
 class DeviceDib {
@@ -28,6 +35,7 @@ class DeviceDib {
   static std::optional<DeviceDib> of(const LockedDib& dib);
 
   const DibHeader& header() const { return header_; }
+  Size size() const;  // of the picture, whichever row comes first
   const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(whole_.bytes().data()); }
   const uint8_t* pixels() const { return FindDIBBits(static_cast<const uint8_t*>(whole_.bytes().data()), header_); }
 

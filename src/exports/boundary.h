@@ -92,4 +92,15 @@ auto at_silent_boundary(Body&& body) {
   return at_boundary(Nobody{}, std::forward<Body>(body));
 }
 
+// Runs an operation that makes a GDI object and hands the object to the caller.
+template <class Make>
+auto object_for_caller(Make make) {
+  using Handle = decltype(make()->get());
+  return at_boundary(ThreadCode{}, [&]() -> Result<Handle> {
+    auto made = make();
+    if (!made) return made.error();
+    return made->release();
+  });
+}
+
 }  // namespace vorel

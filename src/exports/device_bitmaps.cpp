@@ -14,17 +14,6 @@ using namespace vorel;
 
 namespace {
 
-// Runs an operation that makes a GDI object and hands the object to the caller.
-template <class Make>
-auto object_for_caller(Make make) {
-  using Handle = decltype(make()->get());
-  return at_boundary(ThreadCode{}, [&]() -> Result<Handle> {
-    auto made = make();
-    if (!made) return made.error();
-    return made->release();
-  });
-}
-
 HBITMAP turned_bitmap(HBITMAP bitmap, DeviceTurn turn) {
   return object_for_caller([&] { return quarter_turned(bitmap, turn); });
 }

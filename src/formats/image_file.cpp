@@ -6,6 +6,7 @@
 
 #include "dib/bitmap_file.h"
 #include "formats/codec_module.h"
+#include "formats/device_formats.h"
 #include "formats/fax_set.h"
 #include "formats/format.h"
 #include "platform/file.h"
@@ -27,9 +28,6 @@ Result<HGLOBAL> load_page_set(const LoadRequest& request) {
   if (request.enclosing_sets >= kMostEnclosingSets) return Error::kUnreported;
   return load_fax_page(request);
 }
-
-// For formats whose handler this build does not have.
-Result<HGLOBAL> load_nothing(const LoadRequest&) { return Error::kUnreported; }
 
 // How each format is loaded. Formats without a line are not.
 struct Loader {
@@ -55,8 +53,8 @@ constexpr Loader kLoaders[] = {
     {IMG_FORMAT_TGA,
      [](const LoadRequest& r) { return loaded(call_codec<ImgLoadPicture>("BRIX32", "LoadTGAIntoDIB", r.path, nullptr)); }},
     {IMG_FORMAT_BITMAP, load_bitmap},
-    {IMG_FORMAT_METAFILE, load_nothing},
-    {IMG_FORMAT_CLIPBOARD, load_nothing},
+    {IMG_FORMAT_METAFILE, load_metafile_dib},
+    {IMG_FORMAT_CLIPBOARD, load_clipboard_dib},
     {IMG_FORMAT_COLOR_FAX, load_page_set},
     {IMG_FORMAT_CALS,
      [](const LoadRequest& r) { return loaded(call_codec<ImgLoadPicture>("MERV32", "LoadCALSIntoDIB", r.path, nullptr)); }},
@@ -64,7 +62,7 @@ constexpr Loader kLoaders[] = {
      [](const LoadRequest& r) { return loaded(call_codec<ImgLoadFile>("KALO32", "LoadJPEGIntoDIB", r.path)); }},
     {IMG_FORMAT_PNG,
      [](const LoadRequest& r) { return loaded(call_codec<ImgLoadPicture>("WERT32", "LoadPNGIntoDIB", r.path, r.status)); }},
-    {IMG_FORMAT_ENHANCED_METAFILE, load_nothing},
+    {IMG_FORMAT_ENHANCED_METAFILE, load_metafile_dib},
 };
 
 Result<BOOL> save_bitmap(const SaveRequest& request) {
@@ -79,8 +77,6 @@ Result<BOOL> save_dcx_page(const SaveRequest& request) {
   if (!name_exists(request.path)) call_codec<ImgMakeFile>("ODAL", "MakeDCXFile", request.path, &status);
   return call_codec<ImgSavePicture>("ODAL", "SaveDIBInDCXFormat", request.path, request.dib, &status);
 }
-
-Result<BOOL> save_nothing(const SaveRequest&) { return Error::kUnreported; }
 
 // How each format is saved. Formats without a line are not. Where a saver takes a status variable it gets one of our own,
 // which begins with the caller's value.
@@ -112,8 +108,8 @@ constexpr Saver kSavers[] = {
        return call_codec<ImgSaveTga>("BRIX", "SaveDIBInTGAFormat", r.path, r.dib, r.value != 0 ? 1 : 0, 1);
      }},
     {IMG_FORMAT_BITMAP, save_bitmap},
-    {IMG_FORMAT_METAFILE, save_nothing},
-    {IMG_FORMAT_CLIPBOARD, save_nothing},
+    {IMG_FORMAT_METAFILE, save_windows_metafile},
+    {IMG_FORMAT_CLIPBOARD, save_clipboard_dib},
     {IMG_FORMAT_CALS,
      [](const SaveRequest& r) -> Result<BOOL> {
        return call_codec<ImgSaveCals>("MERV", "SAVEDIBINCALSFORMAT", r.path, r.dib, 0, 0, 0);
@@ -122,7 +118,7 @@ constexpr Saver kSavers[] = {
      [](const SaveRequest& r) -> Result<BOOL> {
        return call_codec<ImgSaveJpeg>("KALO", "SaveDIBInJPEGFile", r.path, r.dib, kJpegQuality);
      }},
-    {IMG_FORMAT_ENHANCED_METAFILE, save_nothing},
+    {IMG_FORMAT_ENHANCED_METAFILE, save_enhanced_metafile},
 };
 
 template <class Handler, size_t kCount>

@@ -44,6 +44,7 @@ class OwnedFile : public FileRef {
   // Takes the path as it stands: it may be longer, and a bare name is in the current folder alone.
   static std::optional<OwnedFile> open_as_named(const char* path);
   static std::optional<OwnedFile> create(const char* path);
+  static std::optional<OwnedFile> create_as_named(const char* path);
 
   OwnedFile(OwnedFile&& other) noexcept : FileRef(std::exchange(other.handle_, HFILE_ERROR)) {}
   OwnedFile& operator=(OwnedFile&&) = delete;

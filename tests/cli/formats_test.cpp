@@ -52,6 +52,40 @@ TEST_F(CliFormats, StreamsTakeTheFormatThatIsNamed) {
   EXPECT_EQ(largest_difference(dib_in("back.bmp"), picture), 0);
 }
 
+// Metafiles, clipboard files and texts. Where nothing draws them, the tool says so.
+TEST_F(CliFormats, WhatIsDrawnNeedsWindows) {
+  const std::string in = put("in.bmp", bitmap_file(bilevel(48, 24)));
+  const std::string text = put("text.txt", {'o', 'n', 'e', 13, 10, 0x84});
+#ifdef _WIN32
+  for (const std::string ending : {"wmf", "emf", "clp"}) {
+    const std::string file = at("file." + ending);
+    ASSERT_EQ(run({"convert", in, file}), 0) << err_;
+    ASSERT_EQ(run({"info", file}), 0) << err_;
+    EXPECT_THAT(out_.str(), HasSubstr("48 x 24 pixels"));
+    ASSERT_EQ(run({"convert", file, at("back.bmp"), "--overwrite"}), 0) << err_;
+    EXPECT_LE(largest_difference(dib_in("back.bmp"), bilevel(48, 24)), ending == "emf" ? 255 : 0) << ending;
+  }
+  put("odd.bmp", bitmap_file(bilevel(33, 21)));
+  EXPECT_EQ(run({"convert", at("odd.bmp"), at("odd.emf")}), 0) << "one pixel is lost";
+  ASSERT_EQ(run({"text", text, at("ansi.bmp")}), 0) << err_;
+  ASSERT_EQ(run({"text", text, at("oem.bmp"), "--oem"}), 0) << err_;
+  EXPECT_EQ(header_of(dib_in("oem.bmp")).biHeight, 32);
+  EXPECT_NE(dib_in("oem.bmp"), dib_in("ansi.bmp"));
+  EXPECT_EQ(run({"text", put("long.txt", Bytes(40'000, 13)), at("long.bmp")}), 6);
+  EXPECT_THAT(err_, HasSubstr("split the file"));
+  put("damaged.wmf", {0xD7, 0xCD, 0xC6, 0x9A});
+  EXPECT_EQ(run({"info", at("damaged.wmf")}), 3);
+#else
+  put("a.wmf", {0xD7, 0xCD, 0xC6, 0x9A});
+  const std::vector<std::string> calls[] = {
+      {"convert", in, at("b.emf")}, {"info", at("a.wmf")}, {"text", text, at("text.png")}};
+  for (const auto& arguments : calls) {
+    EXPECT_EQ(run(arguments), 4);
+    EXPECT_THAT(err_, HasSubstr("use the Windows build of this tool, vorel.exe"));
+  }
+#endif
+}
+
 TEST_F(CliFormats, PagesAreCountedSplitAndJoined) {
   put("a.bmp", bitmap_file(bilevel(5, 4)));
   put("b.bmp", bitmap_file(noise(6, 4, 8)));

@@ -69,6 +69,8 @@ std::optional<OwnedFile> OwnedFile::create(const char* path) {
   return OwnedFile(handle);
 }
 
+std::optional<OwnedFile> OwnedFile::create_as_named(const char* path) { return create(path); }
+
 OwnedFile::~OwnedFile() {
   if (is_open()) ::close(handle_);
 }

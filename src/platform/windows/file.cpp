@@ -66,6 +66,12 @@ std::optional<OwnedFile> OwnedFile::create(const char* path) {
   return OwnedFile(*handle);
 }
 
+std::optional<OwnedFile> OwnedFile::create_as_named(const char* path) {
+  const HFILE handle = path == nullptr ? HFILE_ERROR : _lcreat(path, 0);
+  if (handle == HFILE_ERROR) return std::nullopt;
+  return OwnedFile(handle);
+}
+
 OwnedFile::~OwnedFile() {
   if (is_open()) _lclose(handle_);
 }

@@ -82,6 +82,8 @@ class ActiveWindow {
   ActiveWindow& operator=(const ActiveWindow&) = delete;
   ~ActiveWindow() { DestroyWindow(window_); }
 
+  HWND get() const { return window_; }
+
  private:
   HWND window_;
 };

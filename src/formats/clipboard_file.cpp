@@ -1,0 +1,94 @@
+#include "formats/clipboard_file.h"
+
+#include "dib/device_bitmap.h"
+#include "formats/device_text.h"
+#include "metafile/device_metafile.h"
+#include "platform/file.h"
+#include "platform/memory.h"
+
+namespace vorel {
+namespace {
+
+// Leaves the file behind the entry that it has found. What the file ends before is not read.
+Result<ClipboardEntry> find_entry(FileRef file, ClipboardFormat format) {
+  std::array<uint8_t, sizeof(ClipboardFileHeader)> start{};
+  file.read(start.data(), start.size());
+  const auto count = read_clipboard_header(start);
+  if (!count) return count.error();
+  const auto directory = ZeroedBuffer::allocate(ByteCount(*count) * sizeof(ClipboardEntry));
+  if (!directory) return Error::kMemory;
+  const int64_t read = file.read(directory->bytes().data(), directory->bytes().size());
+  return find_entry(directory->bytes().first(static_cast<size_t>(std::max<int64_t>(read, 0))), format);
+}
+
+// The data of an entry. Nothing is allocated for data that the file does not have.
+Result<OwnedBlock> read_entry(FileRef file, const ClipboardEntry& entry) {
+  const int64_t size = file.size();
+  if (size < 0 || !lies_within(entry, static_cast<uint64_t>(size))) return Error::kFileIo;
+  auto block = OwnedBlock::allocate(entry.bytes);
+  if (!block) return Error::kMemory;
+  if (entry.bytes == 0) return std::move(*block);
+  const auto locked = LockedBlock::lock(block->get());
+  if (!locked) return Error::kMemory;
+  file.seek(entry.offset, SeekFrom::kStart);
+  if (file.read(locked->bytes().data(), entry.bytes) != entry.bytes) return Error::kFileIo;
+  return std::move(*block);
+}
+
+Result<OwnedBitmap> draw_metafile_picture(HGLOBAL picture) {
+  const auto locked = LockedBlock::lock(picture);
+  if (!locked || locked->bytes().size() < kPictureHeaderBytes) return Error::kFileIo;
+  const PictureLengths lengths = read_picture_header(locked->bytes().first<kPictureHeaderBytes>());
+  const auto metafile = OwnedMetafile::make(locked->bytes().subspan(kPictureHeaderBytes), MetafileKind::kWindows);
+  if (!metafile) return Error::kUnreported;
+  return draw_metafile(metafile->get(), pixels_in_file(lengths, screen_resolution()), metafile->kind());
+}
+
+Result<OwnedBitmap> draw_dib(HGLOBAL handle) {
+  const auto dib = LockedDib::lock(handle);
+  if (!dib) return Error::kUnreported;
+  return bitmap_of(*dib);
+}
+
+Result<OwnedBitmap> draw(HGLOBAL data, ClipboardFormat format) {
+  switch (format) {
+    case ClipboardFormat::kText: return draw_text(data);
+    case ClipboardFormat::kMetafilePicture: return draw_metafile_picture(data);
+    case ClipboardFormat::kDib: return draw_dib(data);
+    default: return Error::kClipboardFormat;
+  }
+}
+
+}  // namespace
+
+Result<HANDLE> load_clipboard_format(const char* path, ClipboardFormat format) {
+  const auto file = OwnedFile::open_as_named(path);
+  if (!file) return Error::kOpenFile;
+  const auto entry = find_entry(*file, format);
+  if (!entry) return entry.error();
+  if (!is_read(format)) return Error::kClipboardFormat;
+  auto data = read_entry(*file, *entry);
+  if (!data) return data.error();
+  if (format == ClipboardFormat::kBitmap) return data->release();
+  auto bitmap = draw(data->get(), format);
+  if (!bitmap) return bitmap.error();
+  return static_cast<HANDLE>(bitmap->release());
+}
+
+Result<bool> save_clipboard_file(const char* path, HBITMAP bitmap) {
+  auto dib = dib_of(bitmap, nullptr);
+  if (!dib) return dib.error();
+  const std::span<uint8_t> block = dib->bytes();
+  const DibHeader header = read_header(block);
+  const ByteCount bytes = kHeaderBytes + palette_bytes(header) + header.image_bytes;
+  const auto written = block.first(static_cast<size_t>(bytes.value()));
+  const auto file = OwnedFile::create_as_named(path);
+  if (!file) return Error::kOpenFile;
+  const ClipboardDibStart start = clipboard_start_for_dib(static_cast<uint32_t>(written.size()));
+  const bool is_whole = file->write(&start, sizeof start) == sizeof start &&
+                        file->write(written.data(), written.size()) == static_cast<int64_t>(written.size());
+  if (!is_whole) return Error::kFileIo;
+  return true;
+}
+
+}  // namespace vorel

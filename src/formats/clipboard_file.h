@@ -1,0 +1,15 @@
+// Clipboard files: one picture taken out, or one device bitmap written.
+#pragma once
+
+#include "formats/clipboard_directory.h"
+#include "frame/error.h"
+#include "platform/windows/gdi.h"
+
+namespace vorel {
+
+// A bitmap, or a memory block for ClipboardFormat::kBitmap. A metafile that is damaged is an unreported failure.
+Result<HANDLE> load_clipboard_format(const char* path, ClipboardFormat format);
+
+Result<bool> save_clipboard_file(const char* path, HBITMAP bitmap);
+
+}  // namespace vorel

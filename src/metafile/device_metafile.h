@@ -1,0 +1,43 @@
+// Metafiles drawn into bitmaps of the screen's format.
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "dib/view.h"
+#include "frame/error.h"
+#include "metafile/header.h"
+#include "platform/windows/gdi.h"
+
+namespace vorel {
+
+enum class MetafileKind { kWindows, kEnhanced };
+
+// A metafile of either kind, deleted with its scope.
+class OwnedMetafile {
+ public:
+  // Makes one of the bytes that a file has of it, changing them. None for what the system does not take.
+  static std::optional<OwnedMetafile> make(std::span<uint8_t> bytes, MetafileKind kind);
+
+  OwnedMetafile(OwnedMetafile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)), kind_(other.kind_) {}
+  OwnedMetafile& operator=(OwnedMetafile&&) = delete;
+  ~OwnedMetafile();
+
+  HANDLE get() const { return handle_; }
+  MetafileKind kind() const { return kind_; }
+
+ private:
+  OwnedMetafile(HANDLE handle, MetafileKind kind) : handle_(handle), kind_(kind) {}
+
+  HANDLE handle_;
+  MetafileKind kind_;
+};
+
+// The screen that the active window is on.
+Resolution screen_resolution();
+
+// Draws a metafile, whoever it belongs to, on a white bitmap. Where that is too large, half its size is tried, and so on: it then
+// shows the upper left part of the picture, which keeps its size.
+Result<OwnedBitmap> draw_metafile(HANDLE metafile, Size size, MetafileKind kind);
+
+}  // namespace vorel

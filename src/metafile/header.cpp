@@ -1,0 +1,112 @@
+#include "metafile/header.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace vorel {
+namespace {
+
+constexpr int kMostUnitsPerInch = 1440;
+constexpr int64_t kHundredthsOfMillimetrePerInch = 2540;
+
+template <class Integer>
+constexpr Integer clamped(int64_t value) {
+  return static_cast<Integer>(
+      std::clamp<int64_t>(value, std::numeric_limits<Integer>::min(), std::numeric_limits<Integer>::max()));
+}
+
+// None of a header that the bytes end in.
+template <class Header>
+Result<Header> header_at(std::span<const uint8_t> start, size_t offset) {
+  if (start.size() < offset + sizeof(Header)) return Error::kFileIo;
+  Header header;
+  std::memcpy(&header, start.data() + offset, sizeof header);
+  return header;
+}
+
+int16_t placeable_length(int pixels, uint16_t units_per_inch, int dots_per_inch) {
+  return dots_per_inch <= 0 ? int16_t{0} : clamped<int16_t>(int64_t{pixels} * units_per_inch / dots_per_inch);
+}
+
+Extent extent_of(const PlaceableHeader& header) {
+  return {.width = header.right - header.left,
+          .height = header.bottom - header.top,
+          .x_units = header.units_per_inch,
+          .y_units = header.units_per_inch};
+}
+
+// Bounds, of which there are as many to an inch as bounds and frame together say. Nothing but the frame remains of that in the
+// end; empty bounds mean that it says nothing.
+Extent extent_of(const EnhancedHeader& header) {
+  const auto length = [](int32_t from, int32_t to) { return int64_t{to} - from; };
+  const bool is_drawn_on =
+      length(header.bounds.left, header.bounds.right) > 0 && length(header.bounds.top, header.bounds.bottom) > 0;
+  return is_drawn_on ? Extent{.width = length(header.frame.left, header.frame.right),
+                              .height = length(header.frame.top, header.frame.bottom),
+                              .x_units = kHundredthsOfMillimetrePerInch,
+                              .y_units = kHundredthsOfMillimetrePerInch}
+                     : Extent{};
+}
+
+}  // namespace
+
+uint16_t checksum_of(const PlaceableHeader& header) {
+  std::array<uint16_t, 10> words;
+  std::memcpy(words.data(), &header, sizeof words);
+  uint16_t sum = 0;
+  for (const uint16_t word : words) sum ^= word;
+  return sum;
+}
+
+PlaceableHeader placeable_header_for(Size pixels, Resolution screen) {
+  PlaceableHeader header;
+  const int64_t mean = (int64_t{screen.x} + screen.y) / 2;
+  header.units_per_inch = static_cast<uint16_t>(std::clamp<int64_t>(mean, 0, kMostUnitsPerInch));
+  header.right = placeable_length(pixels.width, header.units_per_inch, screen.x);
+  header.bottom = placeable_length(pixels.height, header.units_per_inch, screen.y);
+  header.checksum = checksum_of(header);
+  return header;
+}
+
+Edges enhanced_frame_for(Size pixels) {
+  constexpr int kPixelsPerInch = 96;
+  const auto length = [](int count) {
+    return clamped<int32_t>(int64_t{count} * kHundredthsOfMillimetrePerInch / kPixelsPerInch);
+  };
+  return {.left = 0, .top = 0, .right = length(pixels.width), .bottom = length(pixels.height)};
+}
+
+Result<MetafileStart> read_metafile_start(std::span<const uint8_t> start) {
+  MetafileStart found;
+  const auto key = header_at<uint32_t>(start, 0);
+  if (!key) return key.error();
+  if (*key == kPlaceableKey) {
+    const auto placeable = header_at<PlaceableHeader>(start, 0);
+    if (!placeable) return placeable.error();
+    found.offset = kPlaceableBytes;
+    found.extent = extent_of(*placeable);
+  }
+  const auto windows = header_at<WindowsMetafileHeader>(start, found.offset);
+  if (!windows) return windows.error();
+  found.bytes = uint64_t{windows->words} * 2;
+  found.is_enhanced = windows->header_words * 2 != kWindowsHeaderBytes;
+  if (!found.is_enhanced) return found;
+  const auto enhanced = header_at<EnhancedHeader>(start, found.offset);
+  if (!enhanced) return enhanced.error();
+  found.bytes = enhanced->bytes;
+  found.extent = extent_of(*enhanced);
+  return found;
+}
+
+Size five_inches(Resolution screen) { return {clamped<int>(int64_t{screen.x} * 5), clamped<int>(int64_t{screen.y} * 5)}; }
+
+Size pixels_of(const Extent& extent, Resolution screen) {
+  if (extent.x_units <= 0 || extent.y_units <= 0) return five_inches(screen);
+  // A length has 33 bits at most, and a resolution 32.
+  const Size pixels{clamped<int>(extent.width * screen.x / extent.x_units),
+                    clamped<int>(extent.height * screen.y / extent.y_units)};
+  return pixels.width > 0 && pixels.height > 0 ? pixels : five_inches(screen);
+}
+
+}  // namespace vorel

@@ -1,0 +1,17 @@
+// Metafiles as files: loaded as bitmaps, and made of pictures.
+#pragma once
+
+#include "metafile/device_metafile.h"
+#include "platform/memory.h"
+
+namespace vorel {
+
+// A file that cannot be opened is an unreported failure.
+Result<OwnedBitmap> load_metafile(const char* path);
+
+// Both write what they can and report nothing. What is no picture costs no file. An enhanced metafile is made for the screen where
+// it comes from a DIB, and for none where it comes from a bitmap.
+void save_dib_in_metafile(const char* path, HGLOBAL dib, MetafileKind kind);
+void save_bitmap_in_metafile(const char* path, HBITMAP bitmap, MetafileKind kind);
+
+}  // namespace vorel

@@ -1,0 +1,34 @@
+// Sizes of metafile pictures, which come with a mapping mode and two lengths in its units. Files and the clipboard are read by
+// tables of their own, which differ, and both are kept: pictures keep the size that they always had.
+#pragma once
+
+#include "metafile/header.h"
+
+namespace vorel {
+
+// The mapping modes, by the system's numbers.
+enum class MappingMode : int32_t {
+  kText = 1,
+  kLowMetric = 2,
+  kHighMetric = 3,
+  kLowEnglish = 4,
+  kHighEnglish = 5,
+  kTwips = 6,
+  kIsotropic = 7,
+  kAnisotropic = 8,
+};
+
+// What a metafile picture says of itself.
+struct PictureLengths {
+  MappingMode mode;
+  int32_t x, y;
+};
+
+// Pixels for a picture in a clipboard file; five inches square where its lengths give none.
+Size pixels_in_file(const PictureLengths& picture, Resolution screen);
+
+// Pixels for a picture on the clipboard. The horizontal resolution counts for both axes. Sizes it does not tell, and negative
+// ones, are taken from `otherwise`, each by itself.
+Size pixels_on_clipboard(const PictureLengths& picture, int dots_per_inch, Size otherwise);
+
+}  // namespace vorel

@@ -1,0 +1,260 @@
+// What stands at a metafile's beginning, the sizes that come of it, and the records behind it.
+#include "metafile/header.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "metafile/records.h"
+#include "metafile/units.h"
+#include "support/dib.h"
+
+using namespace vorel;
+using test::Bytes;
+using test::joined;
+
+namespace {
+
+constexpr int kLeast = std::numeric_limits<int>::min(), kMost = std::numeric_limits<int>::max();
+constexpr Resolution kScreen{96, 120};
+
+std::pair<int, int> pair_of(Size size) { return {size.width, size.height}; }
+
+template <class Header>
+Bytes bytes_of(const Header& header) {
+  Bytes bytes(sizeof header);
+  std::memcpy(bytes.data(), &header, sizeof header);
+  return bytes;
+}
+
+WindowsMetafileHeader windows_header(uint32_t words) {
+  return {.type = 1,
+          .header_words = 9,
+          .version = 0x300,
+          .words = words,
+          .objects = 0,
+          .largest_record_words = 3,
+          .parameters = 0};
+}
+
+EnhancedHeader enhanced_header(Edges bounds, Edges frame) {
+  return {.type = 1,
+          .record_bytes = 100,
+          .bounds = bounds,
+          .frame = frame,
+          .signature = 0x464D4520,
+          .version = 0x10000,
+          .bytes = 120,
+          .records = 2,
+          .objects = 1,
+          .rest = {}};
+}
+
+TEST(PlaceableHeader, HasItsWellKnownBytes) {
+  const Bytes expected = {0xD7, 0xCD, 0xC6, 0x9A, 0, 0, 0, 0, 0, 0, 100, 0, 50, 0, 96, 0, 0, 0, 0, 0, 0x27, 0x57};
+  EXPECT_EQ(bytes_of(placeable_header_for({100, 50}, {96, 96})), expected);
+}
+
+TEST(PlaceableHeader, CountsInUnitsOfTheScreen) {
+  const struct {
+    Size pixels;
+    Resolution screen;
+    int right, bottom, units;
+  } rows[] = {{{100, 100}, {96, 97}, 100, 98, 96},           {{1441, 1441}, {1440, 1440}, 1441, 1441, 1440},
+              {{1000, 1000}, {2000, 1000}, 720, 1440, 1440}, {{40'000, 7}, {96, 96}, 32'767, 7, 96},
+              {{kMost, kMost}, {1, 1}, 32'767, 32'767, 1},   {{9, 9}, {0, 0}, 0, 0, 0}};
+  for (const auto& row : rows) {
+    const PlaceableHeader header = placeable_header_for(row.pixels, row.screen);
+    EXPECT_EQ(std::tuple(header.right, header.bottom, header.units_per_inch), std::tuple(row.right, row.bottom, row.units))
+        << row.pixels.width;
+  }
+}
+
+TEST(EnhancedFrame, CountsOnNinetySixPixelsPerInch) {
+  EXPECT_EQ(enhanced_frame_for({96, 100}).right, 2540);
+  EXPECT_EQ(enhanced_frame_for({96, 100}).bottom, 2645);
+  EXPECT_EQ(enhanced_frame_for({kMost, 1}).right, kMost);
+}
+
+struct File {
+  const char* name;
+  Bytes bytes;
+  size_t offset;
+  bool is_enhanced;
+  uint64_t length, block;
+  std::pair<int, int> pixels;
+};
+
+std::vector<File> files() {
+  const auto placeable = [](PlaceableHeader header) { return joined(bytes_of(header), bytes_of(windows_header(40))); };
+  const auto enhanced = [](Edges bounds, Edges frame) { return bytes_of(enhanced_header(bounds, frame)); };
+  const std::pair five_inches(480, 600);
+  return {
+      {"plain", bytes_of(windows_header(40)), 0, false, 80, 160, five_inches},
+      {"longest", bytes_of(windows_header(0xFFFFFFFF)), 0, false, 0x1FFFFFFFE, 0x3FFFFFFFC, five_inches},
+      {"an inch",
+       placeable({.left = -40, .top = 10, .right = 1400, .bottom = 1450, .units_per_inch = 1440}),
+       22,
+       false,
+       80,
+       160,
+       {96, 120}},
+      {"no units", placeable({.right = 10, .bottom = 10, .units_per_inch = 0}), 22, false, 80, 160, five_inches},
+      {"negative", placeable({.left = 10, .right = 9, .bottom = 10, .units_per_inch = 96}), 22, false, 80, 160, five_inches},
+      {"less than a pixel", placeable({.right = 1, .bottom = 10, .units_per_inch = 1440}), 22, false, 80, 160, five_inches},
+      {"all of the range",
+       placeable({.left = -32768, .top = -32768, .right = 32767, .bottom = 32767, .units_per_inch = 1}),
+       22,
+       false,
+       80,
+       160,
+       {65'535 * 96, 65'535 * 120}},
+      {"enhanced", enhanced({1, 2, 301, 102}, {0, 0, 2540, 5080}), 0, true, 120, 120, {96, 240}},
+      // Exact although 2540 x 95 / 1905 is no whole number of units.
+      {"enhanced, no rounding on the way", enhanced({0, 0, 95, 95}, {0, 0, 1905, 1905}), 0, true, 120, 120, {72, 90}},
+      {"placeable and enhanced",
+       joined(bytes_of(PlaceableHeader{}), enhanced({0, 0, 9, 9}, {0, 0, 2540, 2540})),
+       22,
+       true,
+       120,
+       120,
+       {96, 120}},
+      {"enhanced, empty frame", enhanced({0, 0, 9, 9}, {5, 5, 5, 5}), 0, true, 120, 120, five_inches},
+      {"enhanced, empty bounds", enhanced({9, 0, 9, 9}, {0, 0, 2540, 2540}), 0, true, 120, 120, five_inches},
+      {"enhanced, as far as can be",
+       enhanced({kLeast, kLeast, kMost, kMost}, {kLeast, kLeast, kMost, kMost}),
+       0,
+       true,
+       120,
+       120,
+       {162'329'472, 202'911'840}},
+  };
+}
+
+TEST(MetafileStart, TellsKindAndSize) {
+  for (const File& file : files()) {
+    const auto start = read_metafile_start(file.bytes);
+    ASSERT_TRUE(start) << file.name;
+    EXPECT_EQ(std::tuple(start->offset, start->is_enhanced, start->bytes, start->block_bytes().value()),
+              std::tuple(file.offset, file.is_enhanced, file.length, file.block))
+        << file.name;
+    EXPECT_EQ(pair_of(pixels_of(start->extent, kScreen)), file.pixels) << file.name;
+    for (size_t count = 0; count < file.bytes.size(); ++count)
+      EXPECT_FALSE(read_metafile_start(std::span(file.bytes).first(count))) << file.name << " cut to " << count;
+  }
+}
+
+TEST(MetafileStart, WhateverIsThereHasASize) {
+  std::mt19937 random(1);
+  constexpr int32_t kEdges[] = {kLeast, -32'768, -1, 0, 1, 32'767, kMost};
+  for (int i = 0; i < 2'000; ++i) {
+    Bytes bytes(kMetafileStartBytes);
+    for (size_t at = 0; at + 4 <= bytes.size(); at += 4) {
+      const auto value = static_cast<int32_t>(random() % 3 == 0 ? random() : static_cast<uint32_t>(kEdges[random() % 7]));
+      std::memcpy(&bytes[at], &value, sizeof value);
+    }
+    if (i % 2 == 0) std::memcpy(bytes.data(), &kPlaceableKey, sizeof kPlaceableKey);
+    const auto start = read_metafile_start(bytes);
+    ASSERT_TRUE(start);
+    for (const Resolution screen : {kScreen, Resolution{kMost, 1}}) {
+      const Size size = pixels_of(start->extent, screen);
+      EXPECT_TRUE(size.width > 0 && size.height > 0) << i;
+    }
+  }
+}
+
+TEST(Units, InClipboardFiles) {
+  using enum MappingMode;
+  const std::pair five_inches(480, 600);
+  const struct {
+    MappingMode mode;
+    int x, y;
+    std::pair<int, int> pixels;
+  } rows[] = {{kText, 7, 9, {7, 9}},
+              {kLowMetric, 254, 508, {96, 240}},
+              {kHighMetric, 2541, 5080, {96, 240}},
+              {kLowEnglish, 200, 100, {192, 120}},
+              {kHighEnglish, 1999, 1000, {191, 120}},
+              {kTwips, 3, 4, {60, 80}},
+              {kTwips, kMost, 1, {kMost, 20}},
+              {kIsotropic, 5080, 2540, {192, 120}},
+              {kIsotropic, -2, -3, {192, 360}},
+              {kIsotropic, 0, 0, five_inches},
+              {kIsotropic, kLeast, -1, {kMost, 120}},
+              {kAnisotropic, 5080, 2540, {192, 120}},
+              {kAnisotropic, 0, 77, five_inches},
+              {kAnisotropic, -5, 77, five_inches},
+              {kText, -7, 9, five_inches},
+              {kHighMetric, 2540, -2540, five_inches},
+              {static_cast<MappingMode>(0), 7, 9, five_inches},
+              {static_cast<MappingMode>(kMost), 7, 9, five_inches}};
+  for (const auto& row : rows)
+    EXPECT_EQ(pair_of(pixels_in_file({row.mode, row.x, row.y}, kScreen)), row.pixels) << int(row.mode) << ' ' << row.x;
+}
+
+TEST(Units, OnTheClipboard) {
+  using enum MappingMode;
+  constexpr Size kOtherwise{320, 240};
+  const struct {
+    MappingMode mode;
+    int x, y;
+    std::pair<int, int> pixels;
+    int dots_per_inch = 96;
+  } rows[] = {{kText, 7, 9, {7, 9}},
+              {kLowMetric, 254, 508, {99, 199}},
+              {kHighMetric, 2540, 5080, {99, 199}},
+              {kIsotropic, 2540, 5080, {99, 199}},
+              {kAnisotropic, 2540, 5080, {99, 199}},
+              {kLowEnglish, 200, 100, {192, 96}},
+              {kHighEnglish, 1999, 1000, {191, 96}},
+              {kTwips, 1440, 2880, {96, 192}},
+              {kAnisotropic, 0, 5080, {320, 199}},
+              {kAnisotropic, 2540, 1, {99, 240}},
+              {kText, -1, -1, {320, 240}},
+              {kHighMetric, kMost, kLeast, {84'146'298, 240}},
+              {kHighMetric, 2540, 2540, {320, 240}, 0},
+              {static_cast<MappingMode>(9), 2540, 2540, {320, 240}}};
+  for (const auto& row : rows)
+    EXPECT_EQ(pair_of(pixels_on_clipboard({row.mode, row.x, row.y}, row.dots_per_inch, kOtherwise)), row.pixels)
+        << int(row.mode) << ' ' << row.x;
+}
+
+// Three records of 4, 3 and 5 words, and the header.
+Bytes metafile_of_three_records() {
+  Bytes bytes = bytes_of(windows_header(21));
+  for (const int word : {4, 0, 0x103, 8, 3, 0, 0x1E, 5, 0, 0x20B, 1, 2}) {
+    bytes.push_back(static_cast<uint8_t>(word));
+    bytes.push_back(static_cast<uint8_t>(word >> 8));
+  }
+  return bytes;
+}
+
+size_t playable_bytes(Bytes metafile) {
+  const auto playable = playable_windows_metafile(metafile);
+  if (playable.empty()) return 0;
+  uint32_t words;
+  std::memcpy(&words, playable.data() + 6, sizeof words);
+  EXPECT_EQ(words * 2, playable.size());
+  EXPECT_EQ(playable[0], 1) << "in memory, whatever the file was";
+  return playable.size();
+}
+
+TEST(Records, EndWithTheLastWholeOne) {
+  const Bytes whole = metafile_of_three_records();
+  constexpr size_t kEnds[] = {18, 26, 32, 42};
+  for (size_t count = 0; count <= whole.size(); ++count) {
+    const auto* end = std::ranges::upper_bound(kEnds, count);
+    EXPECT_EQ(playable_bytes(Bytes(whole.begin(), whole.begin() + static_cast<int>(count))), end == kEnds ? 0 : end[-1])
+        << count;
+  }
+  for (const auto& [length, end] :
+       {std::pair(0u, 26u), {2u, 26u}, {8u, 42u}, {9u, 26u}, {0x80000003u, 26u}, {0xFFFFFFFFu, 26u}}) {
+    Bytes changed = whole;
+    std::memcpy(&changed[26], &length, 4);
+    EXPECT_EQ(playable_bytes(changed), end) << length;
+  }
+}
+
+}  // namespace
