@@ -1,6 +1,7 @@
 #include "viewer/clipboard.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "viewer/failure.h"
 #include "viewer/picture.h"
@@ -58,15 +59,39 @@ Dib without_masks(Dib dib) {
   return dib;
 }
 
-}  // namespace
-
-bool can_paste() { return IsClipboardFormatAvailable(CF_DIB) != FALSE; }
-
-Dib paste_picture(HWND owner) {
+Dib pasted_dib(HWND owner) {
   const OpenedClipboard clipboard(owner);
   const HANDLE block = GetClipboardData(CF_DIB);
   if (block == nullptr) throw Failure(L"There is no picture on the clipboard");
-  return normalised(without_masks(copy_of_block(block)));
+  return without_masks(copy_of_block(block));
+}
+
+// The library opens the clipboard itself, and draws what is there.
+Dib pasted_metafile(HWND owner) {
+  SetImgError(IMG_OK);
+  Dib dib(PlaceMetaFileIntoDIBFromCLP(owner));
+  if (!dib) throw Failure(L"The metafile on the clipboard is not pasted: " + reason(0, L"it cannot be drawn"));
+  return dib;
+}
+
+// The first that is there counts. The system makes metafile pictures of enhanced metafiles, but none of bitmaps.
+constexpr struct {
+  UINT format;
+  Dib (*paste)(HWND owner);
+} kKinds[] = {{CF_METAFILEPICT, pasted_metafile}, {CF_DIB, pasted_dib}};
+
+const auto* first_kind_there() {
+  return std::ranges::find_if(kKinds, [](const auto& kind) { return IsClipboardFormatAvailable(kind.format) != FALSE; });
+}
+
+}  // namespace
+
+bool can_paste() { return first_kind_there() != std::end(kKinds); }
+
+Dib paste_picture(HWND owner) {
+  const auto* kind = first_kind_there();
+  if (kind == std::end(kKinds)) throw Failure(L"There is no picture on the clipboard");
+  return normalised(kind->paste(owner));
 }
 
 void copy_picture(HWND owner, const Dib& dib) {
