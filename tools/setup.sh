@@ -8,7 +8,7 @@ NATIVE=(build-essential cmake ninja-build ccache pkg-config
         libfmt-dev libcli11-dev nlohmann-json3-dev googletest libbenchmark-dev
         libtiff-dev libpng-dev libjpeg62-turbo-dev libgif-dev zlib1g-dev)
 CROSS=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 llvm lld clang dpkg-dev nasm)
-SCREEN=(xvfb xauth x11-apps imagemagick fonts-dejavu-core)
+SCREEN=(xvfb xauth x11-apps xdotool imagemagick fonts-dejavu-core)
 PICTURES=(libtiff-tools netpbm python3-pil giflib-tools libwmf-bin emf2svg libuemf-dev)  # they make and read pictures for the tests
 PAPER=(ghostscript)  # makes pictures of what was printed
 WINE=(wine wine32:i386)

@@ -2,8 +2,8 @@
 // a message box, the tool says what to do and ends with a code of its own.
 #pragma once
 
-#include "cli/formats.h"
 #include "cli/platform.h"
+#include "common/formats.h"
 
 namespace vorel::cli {
 

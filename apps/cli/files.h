@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "cli/dib.h"
 #include "cli/platform.h"
+#include "common/dib.h"
 
 namespace vorel::cli {
 

@@ -63,30 +63,13 @@ void check_page(const Input& input, const Format& format, int page) {
 
 // ---- Expanding ----
 
-// The library takes the codes to lie behind as many colours as the depth has.
-Dib with_whole_table(const Picture& picture) {
-  const DibLock lock(picture.dib);
-  BITMAPINFOHEADER header = picture.header;
-  const size_t colors = size_t{1} << header.biBitCount;
-  const std::span<const uint8_t> table = lock.bytes().subspan(sizeof header, std::min<size_t>(header.biClrUsed, colors) * 4);
-  const std::span<const uint8_t> codes = lock.pixels();
-  header.biClrUsed = static_cast<uint32_t>(colors);
-  Dib whole(GlobalAlloc(GHND, sizeof header + colors * 4 + codes.size()));
-  if (!whole) throw std::bad_alloc();
-  const DibLock target(whole);
-  std::memcpy(target.bytes().data(), &header, sizeof header);
-  std::ranges::copy(table, target.bytes().begin() + sizeof header);
-  std::ranges::copy(codes, target.bytes().begin() + static_cast<std::ptrdiff_t>(sizeof header + colors * 4));
-  return whole;
-}
-
 void expand(Picture& picture) {
   if (picture.header.biCompression == BI_RGB) return;
   if (is_top_down(picture.header)) {
     throw Failure(ExitCode::kFormat, picture.label,
                   "the picture is run-length compressed top row first, which no program reads; get another copy of it");
   }
-  const Dib whole = with_whole_table(picture);
+  const Dib whole = with_whole_table(picture.dib);
   SetImgError(IMG_OK);
   picture.dib.reset(ExpandCompressedDIB(whole.get()));
   if (!picture.dib) {
@@ -207,7 +190,7 @@ void prepare(Picture& picture, Reach reach) {
 void complete_table(Picture& picture) {
   const int depth = picture.header.biBitCount;
   if (depth > 8 || picture.header.biClrUsed == 0 || picture.header.biClrUsed == 1u << depth) return;
-  picture.dib = with_whole_table(picture);
+  picture.dib = with_whole_table(picture.dib);
   picture.header = DibLock(picture.dib).header();
 }
 

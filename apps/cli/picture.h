@@ -6,7 +6,7 @@
 #include <string>
 
 #include "cli/files.h"
-#include "cli/formats.h"
+#include "common/formats.h"
 
 namespace vorel::cli {
 

@@ -1,21 +1,18 @@
-// The few things that each system does its own way.
+// The few things that each system does its own way, besides those of common/platform.h.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <system_error>
 
-#include "cli/dib.h"
+#include "common/dib.h"
+#include "common/platform.h"
 
 namespace vorel::cli {
 
 // Binary standard streams, and no message box or signal in place of an error code. Called once, by main().
 void prepare_process();
-
-// The path as the library takes it, for a file that exists. None if no spelling of it is short and plain enough.
-std::optional<std::string> path_for_library(const std::filesystem::path& path);
 
 enum class Readers { kOwner, kAsUsual };
 
@@ -27,24 +24,6 @@ std::error_code move_to_free_name(const std::filesystem::path& from, const std::
 
 // Whether somebody watches the standard error stream.
 bool standard_error_is_terminal();
-
-// A codec module for a scope, looked for where the library looks.
-class CodecModule {
- public:
-  explicit CodecModule(const char* name);  // without the ending
-  CodecModule(const CodecModule&) = delete;
-  CodecModule& operator=(const CodecModule&) = delete;
-  ~CodecModule();
-
-  bool is_loaded() const { return handle_ != nullptr; }
-  void* entry(const char* name) const;  // null if there is none of this name
-
-  static std::string file_name(const char* name);
-  static std::string library_path();
-
- private:
-  void* handle_;
-};
 
 // Whether this build has what draws metafiles, text and device bitmaps.
 bool has_drawing();

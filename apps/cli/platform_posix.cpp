@@ -1,6 +1,5 @@
 #include <cerrno>
 #include <csignal>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -14,8 +13,6 @@ void prepare_process() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
 }
-
-std::optional<std::string> path_for_library(const std::filesystem::path& path) { return path.native(); }
 
 std::error_code create_new_file(const std::filesystem::path& path, Readers readers) {
   const mode_t mode = readers == Readers::kOwner ? 0600 : 0666;
@@ -42,27 +39,6 @@ std::error_code move_to_free_name(const std::filesystem::path& from, const std::
 }
 
 bool standard_error_is_terminal() { return ::isatty(STDERR_FILENO) != 0; }
-
-CodecModule::CodecModule(const char* name) {
-  const auto beside = std::filesystem::path(library_path()).replace_filename(file_name(name));
-  std::error_code ignored;
-  const bool is_there = std::filesystem::exists(beside, ignored);
-  handle_ = ::dlopen(is_there ? beside.c_str() : file_name(name).c_str(), RTLD_NOW | RTLD_LOCAL);
-}
-
-CodecModule::~CodecModule() {
-  if (handle_ != nullptr) ::dlclose(handle_);
-}
-
-void* CodecModule::entry(const char* name) const { return ::dlsym(handle_, name); }
-
-std::string CodecModule::file_name(const char* name) { return std::string(name) + ".so"; }
-
-std::string CodecModule::library_path() {
-  Dl_info details;
-  if (::dladdr(reinterpret_cast<void*>(&LoadImageIntoDIB), &details) == 0) return {};
-  return std::filesystem::absolute(details.dli_fname).string();
-}
 
 bool has_drawing() { return false; }
 

@@ -9,7 +9,7 @@
 
 #include <vorel32.h>
 
-namespace vorel::cli {
+namespace vorel {
 
 struct FreeGlobal {
   void operator()(HGLOBAL block) const { GlobalFree(block); }
@@ -39,4 +39,7 @@ class DibLock {
   uint8_t* data_;
 };
 
-}  // namespace vorel::cli
+// A copy of a DIB of at most 8 bits whose colour table is as long as the depth has colours, as most of the library takes it to be.
+Dib with_whole_table(const Dib& dib);
+
+}  // namespace vorel

@@ -1,4 +1,4 @@
-// The image formats that the tool knows, and which codec modules they need.
+// The image formats that the programs know, and which codec modules they need.
 #pragma once
 
 #include <optional>
@@ -8,7 +8,7 @@
 
 #include <vorel32.h>
 
-namespace vorel::cli {
+namespace vorel {
 
 // One entry point of a codec module. Formats that the library handles by itself have none.
 struct Entry {
@@ -27,7 +27,7 @@ struct Format {
   bool is_drawn = false;    // by the system: on Windows alone
 };
 
-// None for what the tool cannot load.
+// None for what the programs cannot load.
 const Format* format_of(int code);
 
 const Format* format_called(const std::string& word);
@@ -38,14 +38,14 @@ const Format* format_for_name(const std::string& name);
 // The words of all formats that can be saved.
 std::vector<std::string> saving_words();
 
-// The compressions of TIFF files by the words of the tool.
+// The compressions of TIFF files by the words of the command line.
 struct TiffCompression {
   const char* word;
-  int number;
   const char* name;
+  int number;
   bool bilevel_only;
 };
 std::span<const TiffCompression> tiff_compressions();
 std::string tiff_compression_name(int number);
 
-}  // namespace vorel::cli
+}  // namespace vorel

@@ -1,10 +1,10 @@
-#include "cli/formats.h"
+#include "common/formats.h"
 
 #include <algorithm>
 #include <cctype>
 #include <fmt/format.h>
 
-namespace vorel::cli {
+namespace vorel {
 namespace {
 
 const Format kFormats[] = {
@@ -59,10 +59,10 @@ const Format kFormats[] = {
 };
 
 const TiffCompression kTiffCompressions[] = {
-    {"none", 1, "none", false},       {"huffman", 2, "modified Huffman", true},
-    {"g3", 3, "Group 3", true},       {"g4", 4, "Group 4", true},
-    {"lzw", 5, "LZW", false},         {"jpeg", 7, "JPEG", false},
-    {"deflate", 8, "deflate", false}, {"packbits", 32773, "PackBits", false},
+    {"none", "none", 1, false},       {"huffman", "modified Huffman", 2, true},
+    {"g3", "Group 3", 3, true},       {"g4", "Group 4", 4, true},
+    {"lzw", "LZW", 5, false},         {"jpeg", "JPEG", 7, false},
+    {"deflate", "deflate", 8, false}, {"packbits", "PackBits", 32773, false},
 };
 
 template <class Predicate>
@@ -105,4 +105,4 @@ std::string tiff_compression_name(int number) {
   return number == 32946 ? "deflate" : fmt::format("TIFF compression {}", number);
 }
 
-}  // namespace vorel::cli
+}  // namespace vorel

@@ -1,0 +1,58 @@
+// The part of the viewer's window that shows the picture, and what mouse and keys do there.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "viewer/lens.h"
+#include "viewer/view.h"
+
+namespace vorel::viewer {
+
+class Canvas {
+ public:
+  // What the owner wants to hear of. Both may be called while the window handles a message.
+  struct Events {
+    std::function<void()> changed;                         // the view's size
+    std::function<void(const std::wstring& text)> failed;  // why something was not done
+  };
+
+  bool create(HWND parent, Events events);
+  HWND window() const { return window_; }
+
+  // Changes of what is shown go through here, so that no lens is in the way and the owner hears of them.
+  void change(const std::function<void(View&)>& action);
+  const View& view() const { return view_; }
+
+  void realise_palette() { view_.realise_palette(); }
+
+  bool has_lens() const { return lens_.has_value(); }
+  void toggle_lens();
+
+  void attach(HWND window) { window_ = window; }
+  LRESULT handle(UINT message, WPARAM wParam, LPARAM lParam);
+
+ private:
+  LRESULT handle_display(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT handle_mouse(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT handle_key(UINT message, WPARAM wParam, LPARAM lParam);
+  void turn_wheel(UINT message, WPARAM wParam, LPARAM lParam);
+  void begin_band(POINT mouse, View::Step step);
+  void end_band(POINT mouse);
+  void cancel_band();
+  void start_lens();
+  void stop_lens();
+
+  HWND window_ = nullptr;
+  Events events_;
+  View view_;
+  std::optional<Lens> lens_;
+  bool has_band_ = false;
+  WheelSteps zoom_wheel_{1};
+  WheelSteps scroll_wheel_{kPixelsPerNotch};
+
+  static constexpr int kPixelsPerNotch = 96;
+};
+
+}  // namespace vorel::viewer

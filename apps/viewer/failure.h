@@ -1,0 +1,23 @@
+// What could not be done, in words for the status bar.
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace vorel::viewer {
+
+class Failure : public std::exception {
+ public:
+  explicit Failure(std::wstring text) : text_(std::move(text)) {}
+  const std::wstring& text() const { return text_; }
+
+ private:
+  std::wstring text_;
+};
+
+// Why the library did not do what it was asked for: by the status that the call gave or else by the thread's error code, which
+// has to be 0 before the call. `otherwise` stands for reasons that the library has no words for.
+std::wstring reason(int status, const wchar_t* otherwise);
+
+}  // namespace vorel::viewer

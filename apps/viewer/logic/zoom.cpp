@@ -1,0 +1,49 @@
+#include "viewer/logic/zoom.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace vorel::viewer {
+namespace {
+
+constexpr int kWheelNotch = 120;
+
+constexpr int last_step(const int* table) { return table[table[0]]; }
+
+int steps_of(double times, const int* table) {
+  const double steps = std::clamp(kZoomBase * times, 0.0 + kZoomBase, 0.0 + last_step(table));
+  return static_cast<int>(std::lround(steps));
+}
+
+}  // namespace
+
+Ratio ratio_for(double scale) {
+  return scale >= 1 ? Ratio{steps_of(scale, kEnlargeSteps), kZoomBase} : Ratio{kZoomBase, steps_of(1 / scale, kReduceSteps)};
+}
+
+int percent(double scale) { return std::max(1, static_cast<int>(std::lround(scale * 100))); }
+
+Bars bars_needed(Extent picture, Extent window, Extent bar) {
+  Bars bars{picture.width > window.width, picture.height > window.height};
+  if (bars.horizontal) bars.vertical = picture.height > window.height - bar.height;
+  if (bars.vertical) bars.horizontal = picture.width > window.width - bar.width;
+  return bars;
+}
+
+bool needs_bar_when_as_wide(Extent picture, Extent window) {
+  return int64_t{picture.height} * window.width > int64_t{window.height} * picture.width;
+}
+
+int position_in_view(int position, int first, int picture, int window) {
+  return std::clamp(position, first, first + std::max(0, picture - window));
+}
+
+int WheelSteps::turn(int units) {
+  rest_ += units * per_notch_;
+  const int steps = rest_ / kWheelNotch;
+  rest_ %= kWheelNotch;
+  return steps;
+}
+
+}  // namespace vorel::viewer

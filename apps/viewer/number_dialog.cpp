@@ -1,0 +1,82 @@
+#include "viewer/number_dialog.h"
+
+#include "viewer/resource.h"
+#include "viewer/window.h"
+
+namespace vorel::viewer {
+namespace {
+
+class NumberDialog {
+ public:
+  NumberDialog(const std::wstring& title, std::span<const Parameter> parameters, const Numbers& numbers)
+      : title_(title), parameters_(parameters), numbers_(numbers) {}
+
+  std::optional<Numbers> run(HWND owner) {
+    const INT_PTR result =
+        DialogBoxParamW(this_program(), MAKEINTRESOURCEW(IDD_NUMBERS), owner, procedure, reinterpret_cast<LPARAM>(this));
+    return result == IDOK ? std::optional(numbers_) : std::nullopt;
+  }
+
+ private:
+  static INT_PTR CALLBACK procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+    auto* self = reinterpret_cast<NumberDialog*>(GetWindowLongPtrW(dialog, DWLP_USER));
+    if (message == WM_INITDIALOG) return self->fill(dialog);
+    if (message != WM_COMMAND) return FALSE;
+    if (LOWORD(wParam) == IDOK && self->take(dialog)) EndDialog(dialog, IDOK);
+    if (LOWORD(wParam) == IDCANCEL) EndDialog(dialog, IDCANCEL);
+    return TRUE;
+  }
+
+  BOOL fill(HWND dialog) {
+    SetWindowTextW(dialog, title_.c_str());
+    for (size_t i = 0; i < kMostParameters; ++i) {
+      const bool is_used = i < parameters_.size();
+      for (const int control : {label(i), edit(i), range(i)})
+        ShowWindow(GetDlgItem(dialog, control), is_used ? SW_SHOW : SW_HIDE);
+      if (is_used) fill_row(dialog, i);
+    }
+    SendDlgItemMessageW(dialog, edit(0), EM_SETSEL, 0, -1);
+    SetFocus(GetDlgItem(dialog, edit(0)));
+    return FALSE;  // the focus is set
+  }
+
+  void fill_row(HWND dialog, size_t i) {
+    const Parameter& parameter = parameters_[i];
+    SetDlgItemTextW(dialog, label(i), parameter.label);
+    SetDlgItemInt(dialog, edit(i), static_cast<UINT>(numbers_[i]), TRUE);
+    const std::wstring bounds = std::to_wstring(parameter.least) + L" to " + std::to_wstring(parameter.most);
+    SetDlgItemTextW(dialog, range(i), bounds.c_str());
+  }
+
+  // What is no number within its bounds is pointed at.
+  bool take(HWND dialog) {
+    for (size_t i = 0; i < parameters_.size(); ++i) {
+      BOOL is_number = FALSE;
+      numbers_[i] = static_cast<int>(GetDlgItemInt(dialog, edit(i), &is_number, TRUE));
+      if (is_number && numbers_[i] >= parameters_[i].least && numbers_[i] <= parameters_[i].most) continue;
+      MessageBeep(MB_ICONWARNING);
+      SendDlgItemMessageW(dialog, edit(i), EM_SETSEL, 0, -1);
+      SetFocus(GetDlgItem(dialog, edit(i)));
+      return false;
+    }
+    return true;
+  }
+
+  static int label(size_t i) { return IDC_FIRST_LABEL + static_cast<int>(i); }
+  static int edit(size_t i) { return IDC_FIRST_EDIT + static_cast<int>(i); }
+  static int range(size_t i) { return IDC_FIRST_RANGE + static_cast<int>(i); }
+
+  const std::wstring& title_;
+  std::span<const Parameter> parameters_;
+  Numbers numbers_;
+};
+
+}  // namespace
+
+std::optional<Numbers> ask_for_numbers(HWND owner, const std::wstring& title, std::span<const Parameter> parameters,
+                                       const Numbers& numbers) {
+  return NumberDialog(title, parameters, numbers).run(owner);
+}
+
+}  // namespace vorel::viewer

@@ -1,0 +1,110 @@
+// The viewer's arithmetic and texts.
+#include <gtest/gtest.h>
+
+#include "viewer/logic/key.h"
+#include "viewer/logic/neighbours.h"
+#include "viewer/logic/texts.h"
+#include "viewer/logic/zoom.h"
+
+namespace vorel::viewer {
+namespace {
+
+TEST(ViewerKeys, AreNamedAsMenusShowThem) {
+  EXPECT_EQ(key_text({'S', true, true}), L"Ctrl+Shift+S");
+  EXPECT_EQ(key_text({kPageDownKey}), L"PgDn");
+  EXPECT_EQ(key_text({kRightKey, true}), L"Ctrl+Right");
+  EXPECT_EQ(key_text({}), L"");
+}
+
+TEST(ViewerZoom, GivesTheRatioNearestToAScale) {
+  EXPECT_EQ(ratio_for(1), kActualSize);
+  EXPECT_EQ(ratio_for(2.5), (Ratio{40, kZoomBase}));
+  EXPECT_EQ(ratio_for(0.4), (Ratio{kZoomBase, 40}));
+  EXPECT_EQ(ratio_for(0.0001), (Ratio{kZoomBase, 512}));
+  EXPECT_EQ(ratio_for(1000), (Ratio{256, kZoomBase}));
+}
+
+TEST(ViewerZoom, HasTablesThatTheLibraryTakes) {
+  for (const int* table : {kEnlargeSteps, kReduceSteps}) {
+    EXPECT_EQ(table[1], kZoomBase);
+    ASSERT_LE(table[0], 10);
+    for (int i = 2; i <= table[0]; ++i) EXPECT_GT(table[i], table[i - 1]);
+  }
+}
+
+// The display halves both numbers of a ratio until the first is below 17: nothing may be lost on the way.
+TEST(ViewerZoom, HasStepsThatAreDrawnExactly) {
+  for (int i = 1; i <= kEnlargeSteps[0]; ++i) {
+    int viewport = kEnlargeSteps[i], window = kZoomBase;
+    for (; viewport > 16; viewport /= 2, window /= 2) EXPECT_EQ(viewport % 2 + window % 2, 0) << kEnlargeSteps[i];
+  }
+}
+
+TEST(ViewerZoom, RoundsPerCents) {
+  EXPECT_EQ(percent(0.3333), 33);
+  EXPECT_EQ(percent(16), 1600);
+  EXPECT_EQ(percent(0.0001), 1);
+}
+
+TEST(ViewerBars, ComeWhereAPictureIsLarger) {
+  const struct {
+    Extent picture;
+    Bars bars;
+  } cases[] = {
+      {{100, 100}, {false, false}}, {{101, 80}, {true, false}},
+      {{80, 101}, {false, true}},   {{101, 90}, {true, true}},  // the bar across covers the last rows
+      {{90, 101}, {true, true}},    {{200, 200}, {true, true}},
+  };
+  for (const auto& row : cases) {
+    EXPECT_EQ(bars_needed(row.picture, {100, 100}, {15, 15}), row.bars) << row.picture.width << " x " << row.picture.height;
+  }
+  EXPECT_TRUE(needs_bar_when_as_wide({50, 60}, {100, 100}));
+  EXPECT_FALSE(needs_bar_when_as_wide({60, 50}, {100, 100}));
+}
+
+TEST(ViewerBars, KeepAWindowfulInView) {
+  constexpr int kFirst = -50, kPicture = 300, kWindow = 100;
+  EXPECT_EQ(position_in_view(-80, kFirst, kPicture, kWindow), -50);
+  EXPECT_EQ(position_in_view(20, kFirst, kPicture, kWindow), 20);
+  EXPECT_EQ(position_in_view(250, kFirst, kPicture, kWindow), 150);
+  EXPECT_EQ(position_in_view(5, 0, kWindow, kPicture), 0);
+}
+
+TEST(ViewerWheel, LosesNoPartOfANotch) {
+  WheelSteps wheel(3);
+  int steps = 0;
+  for (int i = 0; i < 8; ++i) steps += wheel.turn(15);
+  EXPECT_EQ(steps, 3);
+  EXPECT_EQ(wheel.turn(-240), -6);
+}
+
+TEST(ViewerFolder, CountsAsPeopleDo) {
+  const std::vector<std::wstring> names = {L"page10.tif", L"Page9.tif", L"page010a.tif", L"cover.png", L"page9b.tif"};
+  const std::vector<std::wstring> in_order = {L"cover.png", L"Page9.tif", L"page9b.tif", L"page10.tif", L"page010a.tif"};
+  for (size_t i = 0; i < names.size(); ++i) {
+    const std::wstring& name = in_order[i];
+    const auto next = i + 1 < names.size() ? std::optional(in_order[i + 1]) : std::nullopt;
+    const auto before = i > 0 ? std::optional(in_order[i - 1]) : std::nullopt;
+    EXPECT_EQ(neighbour(names, name, 1), next) << i;
+    EXPECT_EQ(neighbour(names, name, -1), before) << i;
+  }
+  EXPECT_EQ(neighbour(names, L"gone.gif", 1), L"Page9.tif");
+  EXPECT_EQ(neighbour(names, L"gone.gif", -1), L"cover.png");
+}
+
+TEST(ViewerTexts, TellAboutAPicture) {
+  PictureFacts picture{.name = L"fax.tif", .width = 640, .height = 480, .depth = 1, .percent = 50};
+  EXPECT_EQ(title_text({}), L"Vorel Viewer");
+  EXPECT_EQ(title_text(picture), L"fax.tif - 50 % - Vorel Viewer");
+  EXPECT_EQ(page_text(picture), L"1 page");
+  picture.page = 2;
+  picture.pages = 5;
+  picture.changed = true;
+  EXPECT_EQ(title_text(picture), L"fax.tif* (page 2 of 5) - 50 % - Vorel Viewer");
+  EXPECT_EQ(size_text(picture), L"640 x 480 pixels, 1 bit");
+  EXPECT_EQ(plain_name(L"Scale, &linear..."), L"Scale, linear");
+  EXPECT_EQ(as_reason("Not enough memory."), L"Not enough memory");
+}
+
+}  // namespace
+}  // namespace vorel::viewer
