@@ -48,14 +48,15 @@ uint32_t row_count(const DibHeader& header) {
   return header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
 }
 
-// Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, up to three
-// masks, all planes, and a compressed picture is as long as it says.
+// Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, three masks,
+// all planes, and a compressed picture is as long as it says. No more than that: a DIB that has what it needs is not copied.
 ByteCount bytes_read_by_device(const DibHeader& header) {
   const bool is_compressed = header.compression != Compression::kNone && header.compression != Compression::kBitFields;
   const uint32_t rows = row_count(header);
   const uint32_t row_bits = uint32_t{std::max<uint16_t>(header.planes, 1)} * header.depth;
   const ByteCount pixels = row_stride(row_bits, std::max(header.width, 0)) * rows;
-  const ByteCount table = (ByteCount(std::max(DIBNumColors(header), implied_colors(header.depth))) + 3) * sizeof(Rgb);
+  const uint32_t masks = header.compression == Compression::kBitFields ? 3 : 0;
+  const ByteCount table = (ByteCount(std::max(DIBNumColors(header), implied_colors(header.depth))) + masks) * sizeof(Rgb);
   return header.size + table + (is_compressed ? std::max(pixels, ByteCount(header.image_bytes)) : pixels);
 }
 

@@ -37,7 +37,13 @@ inline void apply(HDC dc, const Mapping& mapping) {
 // What is to be painted, from WM_PAINT.
 class Painting {
  public:
-  explicit Painting(HWND window) : window_(window), dc_(BeginPaint(window, &paint_)) {}
+  explicit Painting(HWND window) : window_(window), dc_(BeginPaint(window, &paint_)) {
+    // Windows that keep their context may have it mapped, and then count in its units.
+    POINT corners[2] = {{paint_.rcPaint.left, paint_.rcPaint.top}, {paint_.rcPaint.right, paint_.rcPaint.bottom}};
+    LPtoDP(dc_, corners, 2);
+    const Point first = point_of(corners[0]), last = point_of(corners[1]);
+    box_ = {first.x, first.y, last.x, last.y};
+  }
   Painting(const Painting&) = delete;
   Painting& operator=(const Painting&) = delete;
   ~Painting() {
@@ -46,12 +52,13 @@ class Painting {
 
   explicit operator bool() const { return dc_ != nullptr; }
   HDC dc() const { return dc_; }
-  Box box() const { return box_of(paint_.rcPaint); }
+  Box box() const { return box_; }  // in pixels
 
  private:
   HWND window_;
   PAINTSTRUCT paint_{};
   HDC dc_;
+  Box box_;
 };
 
 }  // namespace vorel

@@ -86,6 +86,10 @@ int centring_offset(int64_t client, int from, int to) { return saturated(-((clie
 
 int rounded_down(int value, int multiple) { return std::max(value - value % multiple, 0); }
 
+int rounded_up(int value, int multiple, int most) {
+  return static_cast<int>(std::min<int64_t>((int64_t{value} + multiple - 1) / multiple * multiple, most));
+}
+
 int clamped_position(int position, int least, int most, int centre_offset) {
   if (position == 0 && centre_offset < 0) return position;
   return std::max(std::min(position, most), least);
@@ -182,7 +186,8 @@ Box visible_part(const ImgDisplayLayout& layout, const Mapping& mapping, const B
   if (shown.is_empty()) return {};
   Box part = mapping.to_logical(shown.grown_by(1)).grown_by(1);
   part = {rounded_down(part.left, mapping.x.window), rounded_down(part.top, mapping.y.window),
-          std::min(part.right, layout.imageWidth), std::min(part.bottom, layout.imageHeight)};
+          rounded_up(part.right, mapping.x.window, layout.imageWidth),
+          rounded_up(part.bottom, mapping.y.window, layout.imageHeight)};
   if (whole_rows) std::tie(part.left, part.right) = std::pair(0, layout.imageWidth);
   return part;
 }

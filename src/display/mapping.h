@@ -68,8 +68,8 @@ Box client_box(const ImgDisplayLayout& layout);
 // The device rectangle of the whole image.
 Box image_box(const ImgDisplayLayout& layout, const Mapping& mapping);
 
-// The part of the image that painting `painted`, in device units, has to draw: some pixels more on every side, and from whole
-// groups of image pixels on, so that what is drawn in parts fits together. `whole_rows` is for what is drawn row by row.
+// The part of the image that painting `painted`, in device units, has to draw: some pixels more on every side, and whole
+// groups of image pixels, so that what is drawn in parts fits together. `whole_rows` is for what is drawn row by row.
 Box visible_part(const ImgDisplayLayout& layout, const Mapping& mapping, const Box& painted, bool whole_rows);
 
 // Dots per inch of so many pixels per metre; 0 where these say nothing.

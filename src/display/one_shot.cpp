@@ -31,8 +31,8 @@ double one_shot_scale(double image_dpi, int screen_dpi, int viewport, int window
 OneShotPart one_shot_part(const OneShotAxis& axis, int position) {
   const int offset = axis.offset(position);
   const int end = static_cast<int>(std::min<int64_t>(axis.displayed(), int64_t{axis.client} + offset));
-  const int from = axis.source_at(offset);
-  return {0, end - offset, from, axis.source_at(end) - from};
+  const int from = std::min(axis.source_at(offset), axis.image - 1);
+  return {0, end - offset, from, std::max(axis.source_at(end) - from, 1)};  // enlarged, a pixel may fill the window
 }
 
 OneShotFit one_shot_fit(const OneShotAxis& x, const OneShotAxis& y) {

@@ -1,6 +1,7 @@
 #include "display/rubber_band.h"
 
 #include <algorithm>
+#include <optional>
 #include <span>
 
 #include "display/saturate.h"
@@ -117,15 +118,17 @@ class ScreenMapping {
 
   bool is_usable() const { return !client_.is_empty() && !zoom_.is_empty(); }
   Point to_logical(Point device) const {
-    return {saturated(zoom_.left + (int64_t{device.x} - client_.left) * zoom_.width() / client_.width()),
-            saturated(zoom_.top + (int64_t{device.y} - client_.top) * zoom_.height() / client_.height())};
+    const Mapping mapping = {{saturated(zoom_.width()), saturated(client_.width()), zoom_.left},
+                             {saturated(zoom_.height()), saturated(client_.height()), zoom_.top}};
+    return mapping.to_logical(
+        Point{saturated(int64_t{device.x} - client_.left), saturated(int64_t{device.y} - client_.top)});
   }
   // What the client area shows at a ratio. Where the screen's dots are not square, picture pixels are drawn square all the same.
   Box client_at(Ratio ratio) const {
-    const int64_t dpi_x = std::max(state_.screenDpiX, 1), dpi_y = std::max(state_.screenDpiY, 1);
     const int64_t window = std::max(ratio.window, 1), viewport = std::max(ratio.viewport, 1);
-    return {0, 0, saturated(client_.width() * window / viewport),
-            saturated(client_.height() * dpi_x / dpi_y * window / viewport)};
+    const int64_t dpi_x = std::max(state_.screenDpiX, 1), dpi_y = std::max(state_.screenDpiY, 1);
+    const int64_t width = saturated(client_.width()), height = saturated(saturated(client_.height()) * dpi_x / dpi_y);
+    return {0, 0, saturated(width * window / viewport), saturated(height * window / viewport)};
   }
 
  private:
@@ -147,14 +150,26 @@ Point mouse_of(const MSG& message) {
 
 void draw_rectangle(HDC dc, Point a, Point b) { Rectangle(dc, a.x, a.y, b.x, b.y); }
 
+// The thread's next mouse message; none where it is to end. Waits when there is none left, as waiting sees new ones alone.
+std::optional<MSG> next_mouse_message() {
+  constexpr UINT kFirstOfMouse = WM_MOUSEFIRST, kLastOfMouse = WM_MBUTTONDBLCLK;
+  MSG message{};
+  while (!PeekMessageA(&message, nullptr, kFirstOfMouse, kLastOfMouse, PM_REMOVE))
+    if (!WaitMessage()) return std::nullopt;
+  if (message.message != WM_QUIT) return message;
+  PostQuitMessage(static_cast<int>(message.wParam));  // for the application's own loop
+  return std::nullopt;
+}
+
 // Follows the mouse until its left button is released, and returns where that was.
 Point follow_mouse(HDC dc, Point start) {
-  constexpr UINT kFirstOfMouse = WM_MOUSEFIRST, kLastOfMouse = WM_MBUTTONDBLCLK;
   Point corner = start;
-  MSG message{};
-  while (message.message != WM_LBUTTONUP && WaitMessage()) {
-    if (!PeekMessageA(&message, nullptr, kFirstOfMouse, kLastOfMouse, PM_REMOVE)) continue;
-    const Point mouse = mouse_of(message);
+  bool is_pressed = true;
+  while (is_pressed) {
+    const auto message = next_mouse_message();
+    if (!message) break;
+    is_pressed = message->message != WM_LBUTTONUP;
+    const Point mouse = mouse_of(*message);
     POINT logical = {mouse.x, mouse.y};
     DPtoLP(dc, &logical, 1);
     if (point_of(logical) == corner) continue;

@@ -1,4 +1,5 @@
-// Wide and fractional numbers made an int: what lies outside becomes the nearest that there is, fractions are cut off.
+// Wide and fractional numbers made an int: what lies outside becomes the nearest that there is, fractions are cut off, and
+// what is no number is 0.
 #pragma once
 
 #include <algorithm>
@@ -12,6 +13,7 @@ constexpr int saturated(int64_t value) {
 }
 
 constexpr int saturated(double value) {
+  if (value != value) return 0;
   constexpr double kLeast = std::numeric_limits<int>::min(), kMost = std::numeric_limits<int>::max();
   return static_cast<int>(std::clamp(value, kLeast, kMost));
 }

@@ -5,8 +5,6 @@
 namespace vorel {
 namespace {
 
-constexpr int kShortestLine = 8;
-
 // Past an end the thumb asks for a unit more, which brings the last pixels in.
 int64_t thumb_position(const ScrollAxis& axis, uint16_t word) {
   const int with_sign = static_cast<int16_t>(word);
@@ -15,7 +13,7 @@ int64_t thumb_position(const ScrollAxis& axis, uint16_t word) {
 }
 
 int64_t wanted_position(const ScrollAxis& axis, ScrollCode code, uint16_t word) {
-  const int64_t line = axis.unit < kShortestLine ? kShortestLine : axis.unit;
+  const int64_t line = std::max(axis.unit, axis.shortest_line);
   const int64_t page = axis.client / 2;
   switch (code) {
     case ScrollCode::kLineBack: return axis.position - line;
@@ -35,6 +33,7 @@ int64_t wanted_position(const ScrollAxis& axis, ScrollCode code, uint16_t word) 
 int scroll_unit(int viewport_extent) { return std::max(viewport_extent % 16, 1); }
 
 int snapped(const ScrollAxis& axis, int64_t wanted) {
+  if (wanted == 0 && axis.position == 0 && axis.least > 0) return 0;
   const int64_t least = axis.least, most = axis.most, unit = axis.unit;
   const int64_t way_back = axis.position - std::min(most + unit, std::max(least - unit, wanted));
   const int64_t position = axis.position - way_back / unit * unit;

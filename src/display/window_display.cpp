@@ -42,8 +42,8 @@ void update_bar(UINT without, const ImgDisplayLayout& layout, HWND window, int b
     return;
   }
   SetScrollRange(window, bar, least, most, FALSE);
-  SetScrollPos(window, bar, position,
-               TRUE);  // read now: a bar that comes or goes changes the window's size, and so the layout
+  // The position is read now: a bar that comes or goes changes the window's size, and so the layout.
+  SetScrollPos(window, bar, position, TRUE);
 }
 
 void update_scroll_bar(HWND window, Direction direction, const ImgDisplayLayout& layout) {
@@ -111,8 +111,11 @@ void begin_showing(HWND window, int* view, ImgDisplayLayout& layout) {
   view[3] = layout.imageOriginDeviceY;
 }
 
+// Leaves the thread's code alone, as displays do.
 HBITMAP bitmap_or_null(const LockedDib& dib) {
+  const int32_t code = thread_context().error_code;
   auto bitmap = bitmap_of(dib);
+  thread_context().error_code = code;
   return bitmap ? bitmap->release() : nullptr;
 }
 
@@ -133,30 +136,28 @@ void take_dib(const LockedDib& dib, ImgDisplayState& state) {
   state.layout.flags &= ~IMG_DISPLAY_AS_BITMAP;
 }
 
-void draw_bitmap(HDC dc, HBITMAP bitmap, const Box& part, DWORD operation) {
+Rect area_of(const Box& box) { return {box.left, box.top, static_cast<int>(box.width()), static_cast<int>(box.height())}; }
+
+void draw_bitmap(HDC dc, HBITMAP bitmap, Rect to, Rect from, DWORD operation) {
   const MemoryDc memory(dc);
   if (!memory) return;
   const Selection selection(memory.get(), bitmap);
-  const int width = static_cast<int>(part.width()), height = static_cast<int>(part.height());
-  StretchBlt(dc, part.left, part.top, width, height, memory.get(), part.left, part.top, width, height, operation);
+  StretchBlt(dc, to.x, to.y, to.width, to.height, memory.get(), from.x, from.y, from.width, from.height, operation);
 }
 
 // A block that has become another picture since the display was started is not drawn.
-void draw_dib(HDC dc, HGLOBAL dib, const ImgDisplayLayout& layout, const Box& part, DWORD operation) {
+void draw_dib(HDC dc, HGLOBAL dib, const ImgDisplayLayout& layout, Rect to, Rect from, DWORD operation) {
   const auto locked = LockedDib::lock(dib);
   if (!locked || locked->header().width != layout.imageWidth || locked->header().height != layout.imageHeight) return;
-  const auto whole = DeviceDib::of(*locked);
-  if (!whole) return;
-  const Rect rect = {part.left, part.top, static_cast<int>(part.width()), static_cast<int>(part.height())};
-  whole->stretch(dc, rect, rect, operation);
+  if (const auto whole = DeviceDib::of(*locked)) whole->stretch(dc, to, from, operation);
 }
 
-// Leaves the context mapped.
-Mapping draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
+// By the mapping's own whole numbers, which tell what is around the image too; the context counts in pixels.
+void draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   ImgDisplayLayout& layout = state.layout;
   const Mapping mapping = set_up_mapping(layout, Offsets::kReset);
   set_scroll_ranges(layout, mapping);
-  apply(dc, mapping);
+  unmap(dc);
   if (layout.bitsPerPixel == 1) {
     SetStretchBltMode(dc, BLACKONWHITE);
     SetBkColor(dc, RGB(255, 255, 255));
@@ -166,14 +167,14 @@ Mapping draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   SetBkMode(dc, OPAQUE);
   const PaletteSelection selection(dc, state.palette, PaletteUse::kBackground);
   const Box part = visible_part(layout, mapping, painted, state.bitmap == nullptr);
-  if (part.is_empty()) return mapping;
+  if (part.is_empty()) return;
+  const Rect to = area_of(mapping.to_device(part)), from = area_of(part);
   const DWORD operation = layout.flags & IMG_DISPLAY_INVERTED ? NOTSRCCOPY : SRCCOPY;
   if (state.bitmap != nullptr) {
-    draw_bitmap(dc, state.bitmap, part, operation);
+    draw_bitmap(dc, state.bitmap, to, from, operation);
   } else {
-    draw_dib(dc, state.dib, layout, part, operation);
+    draw_dib(dc, state.dib, layout, to, from, operation);
   }
-  return mapping;
 }
 
 // Window classes may name a system colour, counted from 1, where others have a brush.
@@ -219,27 +220,34 @@ Box column_strip(const Box& client, int way) {
                  : Box{std::max(client.right + way, client.left), client.top, client.right, client.bottom};
 }
 
-// Moves the window's content and returns what it does not cover any more.
-OwnedRegion scroll_content(HWND window, const Box& client, Point way) {
+// What moved content does not cover any more: exactly, and the box around it.
+struct Exposed {
+  OwnedRegion region;
+  Box box;
+};
+
+// Moves the window's content, which is painted before, so that nothing moves that is not there yet.
+Exposed scroll_content(HWND window, const Box& client, Point way) {
+  UpdateWindow(window);
   const WindowDc dc(window);
   const SavedDc saved(dc.get());
   unmap(dc.get());
-  OwnedRegion exposed(CreateRectRgn(0, 0, 0, 0));
+  Exposed exposed = {OwnedRegion(CreateRectRgn(0, 0, 0, 0)), {}};
   const RECT area = rect_of(client);
-  ScrollDC(dc.get(), way.x, way.y, &area, &area, exposed.get(), nullptr);
+  RECT box{};
+  ScrollDC(dc.get(), way.x, way.y, &area, &area, exposed.region.get(), &box);
+  exposed.box = box_of(box);
   return exposed;
 }
 
-Box scroll_content_along(HWND window, const Box& client, Direction direction, int way) {
-  const WindowDc dc(window);
-  const SavedDc saved(dc.get());
-  unmap(dc.get());
-  const RECT area = rect_of(client);
-  RECT exposed = area;
-  const bool across = direction == Direction::kHorizontal;
-  ScrollDC(dc.get(), across ? way : 0, across ? 0 : way, &area, &area, nullptr, &exposed);
-  return box_of(exposed);
-}
+// The thread's note that a display follows its window to a new size, for a scope.
+class [[nodiscard]] Resizing {
+ public:
+  Resizing() { thread_context().is_resizing = 1; }
+  Resizing(const Resizing&) = delete;
+  Resizing& operator=(const Resizing&) = delete;
+  ~Resizing() { thread_context().is_resizing = 0; }
+};
 
 // How far to move content for a position to become another. No window shows more than this.
 int way_between(int before, int after) {
@@ -282,11 +290,10 @@ void start_display(HWND window, HGLOBAL dib, const DisplayRequest& request, ImgD
 }
 
 void follow_size(HWND window, ImgDisplayState& state) {
-  thread_context().is_resizing = 1;
+  const Resizing resizing;
   set_client(state.layout, client_of(window));
   lay_out(state.layout);
   update_scroll_bars(window, state.layout);
-  thread_context().is_resizing = 0;
 }
 
 void follow_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, ImgDisplayState& state) {
@@ -295,8 +302,9 @@ void follow_scroll(HWND window, Direction direction, ScrollCode code, uint16_t w
   const int position = scrolled(axis, code, word);
   if (position == axis.position) return;
   (direction == Direction::kHorizontal ? layout.hScrollPos : layout.vScrollPos) = position;
-  const RECT exposed =
-      rect_of(scroll_content_along(window, client_box(layout), direction, way_between(axis.position, position)));
+  const int way = way_between(axis.position, position);
+  const bool across = direction == Direction::kHorizontal;
+  const RECT exposed = rect_of(scroll_content(window, client_box(layout), {across ? way : 0, across ? 0 : way}).box);
   update_scroll_bar(window, direction, layout);
   InvalidateRect(window, &exposed, FALSE);
   UpdateWindow(window);
@@ -312,11 +320,12 @@ void scroll_to(HWND window, Point position, ImgDisplayState& state) {
   const Point way = {way_between(across.position, layout.hScrollPos), way_between(down.position, layout.vScrollPos)};
   if (way != Point{}) {
     const Box client = client_box(layout);
-    const OwnedRegion exposed = scroll_content(window, client, way);
-    ValidateRgn(window, exposed.get());
-    if (way.y != 0) paint_strip(window, exposed.get(), row_strip(client, way.y));
-    if (way.x != 0) paint_strip(window, exposed.get(), column_strip(client, way.x));
-    InvalidateRgn(window, exposed.get(), FALSE);  // what other windows had covered
+    const Exposed exposed = scroll_content(window, client, way);
+    HRGN region = exposed.region.get();
+    ValidateRgn(window, region);
+    if (way.y != 0) paint_strip(window, region, row_strip(client, way.y));
+    if (way.x != 0) paint_strip(window, region, column_strip(client, way.x));
+    InvalidateRgn(window, region, FALSE);  // what other windows had covered
   }
   update_scroll_bars(window, layout);
 }

@@ -4,7 +4,9 @@
 
 #include "dib/device_bitmap.h"
 #include "dib/device_palette.h"
+#include "dib/pixel.h"
 #include "display/one_shot.h"
+#include "display/saturate.h"
 #include "geometry/dib_scaling.h"
 
 namespace vorel {
@@ -77,9 +79,11 @@ void prepare(HDC dc) {
   SetStretchBltMode(dc, COLORONCOLOR);
 }
 
-bool is_scaled_here(const DibHeader& header) {
-  return low_memory != 0 && header.depth >= 1 && header.depth <= 24 && header.compression == Compression::kNone &&
-         header.size == kHeaderBytes;
+// What is enlarged needs little memory in the system's hands, which fill the last rows and columns too.
+bool is_scaled_here(const DibHeader& header, Rect to, Rect from) {
+  const bool is_reduced = to.width <= from.width && to.height <= from.height;
+  return low_memory != 0 && is_reduced && with_depth(header.depth, [](auto) {}) &&
+         header.compression == Compression::kNone && header.size == kHeaderBytes;
 }
 
 // What is seen, stretched in memory. False where that cannot be done.
@@ -93,8 +97,16 @@ bool draw_scaled_here(HDC dc, const LockedDib& dib, Rect to, Rect from, DWORD op
 }
 
 void draw_part(HDC dc, const LockedDib& dib, Rect to, Rect from, DWORD operation) {
-  if (is_scaled_here(dib.header()) && draw_scaled_here(dc, dib, to, from, operation)) return;
+  if (is_scaled_here(dib.header(), to, from) && draw_scaled_here(dc, dib, to, from, operation)) return;
   if (const auto whole = DeviceDib::of(dib)) whole->stretch(dc, to, from, operation);
+}
+
+// Positions that lead as far as so many window pixels do.
+ScrollAxis scroll_axis(const OneShotAxis& image, int end, int position) {
+  constexpr int kLine = 8;
+  const double positions_per_pixel = static_cast<double>(image.image) / std::max(image.displayed() - image.client, 1);
+  const auto positions = [&](int pixels) { return std::max(saturated(pixels * positions_per_pixel + 0.5), 1); };
+  return {0, end, position, 1, positions(image.client), positions(kLine)};
 }
 
 void set_bar(HWND window, int bar, int end, int position) {
@@ -149,13 +161,16 @@ void set_one_shot_ranges(HWND window, HGLOBAL dib, int* scroll, const OneShotReq
   set_bar(window, SB_VERT, scroll[1], scroll[3]);
 }
 
-void follow_one_shot_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, int* scroll) {
+void follow_one_shot_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, HGLOBAL dib, int* scroll,
+                            const OneShotRequest& request) {
   const bool across = direction == Direction::kHorizontal;
   const int end = scroll[across ? 0 : 1];
   int& position = scroll[across ? 2 : 3];
-  if (end < 0) return;
-  const Box client = client_of(window);
-  const ScrollAxis axis = {0, end, position, 1, static_cast<int>(across ? client.width() : client.height())};
+  const auto locked = LockedDib::lock(dib);
+  if (end < 0 || !locked) return;
+  OneShotLayout layout = layout_of(window, image_of(*locked), request.zoom);
+  measure_client(window, layout);
+  const ScrollAxis axis = scroll_axis(across ? layout.x : layout.y, end, position);
   position = scrolled(axis, code, word);
   if (position == axis.position) return;
   SetScrollPos(window, across ? SB_HORZ : SB_VERT, position, TRUE);

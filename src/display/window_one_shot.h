@@ -23,6 +23,7 @@ void paint_once(HWND window, const Painting& painting, HGLOBAL dib, const OneSho
 
 // The caller's four numbers: the ends of the ranges, and the positions.
 void set_one_shot_ranges(HWND window, HGLOBAL dib, int* scroll, const OneShotRequest& request);
-void follow_one_shot_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, int* scroll);
+void follow_one_shot_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, HGLOBAL dib, int* scroll,
+                            const OneShotRequest& request);
 
 }  // namespace vorel

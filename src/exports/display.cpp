@@ -34,6 +34,14 @@ LRESULT scroll(HWND window, Direction direction, WPARAM message, ImgDisplayState
   });
 }
 
+void scroll_once(HWND window, Direction direction, WPARAM message, HGLOBAL dib, int* scroll, const OneShotRequest& request) {
+  if (window == nullptr || scroll == nullptr) return;
+  quietly([&] {
+    follow_one_shot_scroll(window, direction, static_cast<ScrollCode>(LOWORD(message)), HIWORD(message), dib, scroll,
+                           request);
+  });
+}
+
 template <class Image>
 void paint_in(HWND window, Image paint) {
   const Painting painting(window);
@@ -123,14 +131,12 @@ void VORELCALL DisplayCPPSize(HWND window, HGLOBAL dib, int* scroll, const int* 
     quietly([&] { set_one_shot_ranges(window, dib, scroll, {scroll, zoom, flags}); });
 }
 
-void VORELCALL DisplayCPPHScroll(HWND window, WPARAM wParam, LPARAM, HGLOBAL, int* scroll, const int*, WORD) {
-  if (window != nullptr && scroll != nullptr)
-    follow_one_shot_scroll(window, Direction::kHorizontal, static_cast<ScrollCode>(LOWORD(wParam)), HIWORD(wParam), scroll);
+void VORELCALL DisplayCPPHScroll(HWND window, WPARAM wParam, LPARAM, HGLOBAL dib, int* scroll, const int* zoom, WORD flags) {
+  scroll_once(window, Direction::kHorizontal, wParam, dib, scroll, {scroll, zoom, flags});
 }
 
-void VORELCALL DisplayCPPVScroll(HWND window, WPARAM wParam, LPARAM, HGLOBAL, int* scroll, const int*, WORD) {
-  if (window != nullptr && scroll != nullptr)
-    follow_one_shot_scroll(window, Direction::kVertical, static_cast<ScrollCode>(LOWORD(wParam)), HIWORD(wParam), scroll);
+void VORELCALL DisplayCPPVScroll(HWND window, WPARAM wParam, LPARAM, HGLOBAL dib, int* scroll, const int* zoom, WORD flags) {
+  scroll_once(window, Direction::kVertical, wParam, dib, scroll, {scroll, zoom, flags});
 }
 
 }  // extern "C"
