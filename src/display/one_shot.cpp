@@ -31,8 +31,10 @@ double one_shot_scale(double image_dpi, int screen_dpi, int viewport, int window
 OneShotPart one_shot_part(const OneShotAxis& axis, int position) {
   const int offset = axis.offset(position);
   const int end = static_cast<int>(std::min<int64_t>(axis.displayed(), int64_t{axis.client} + offset));
-  const int from = std::min(axis.source_at(offset), axis.image - 1);
-  return {0, end - offset, from, std::max(axis.source_at(end) - from, 1)};  // enlarged, a pixel may fill the window
+  // Enlarged, a pixel may fill the window.
+  const int from = std::max(std::min(axis.source_at(offset), axis.image - 1), 0);
+  const int source_end = std::min(std::max(axis.source_at(end), from + 1), std::max(axis.image, 0));
+  return {0, end - offset, from, std::max(source_end - from, 0)};
 }
 
 OneShotFit one_shot_fit(const OneShotAxis& x, const OneShotAxis& y) {

@@ -101,11 +101,10 @@ void draw_part(HDC dc, const LockedDib& dib, Rect to, Rect from, DWORD operation
   if (const auto whole = DeviceDib::of(dib)) whole->stretch(dc, to, from, operation);
 }
 
-// Positions that lead as far as so many window pixels do.
+// Positions are image pixels: lines and pages are as many as take their window pixels.
 ScrollAxis scroll_axis(const OneShotAxis& image, int end, int position) {
   constexpr int kLine = 8;
-  const double positions_per_pixel = static_cast<double>(image.image) / std::max(image.displayed() - image.client, 1);
-  const auto positions = [&](int pixels) { return std::max(saturated(pixels * positions_per_pixel + 0.5), 1); };
+  const auto positions = [&](int pixels) { return std::max(saturated(pixels / image.scale + 0.5), 1); };
   return {0, end, position, 1, positions(image.client), positions(kLine)};
 }
 
