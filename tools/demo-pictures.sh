@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The second half of the demo: each picture of out/pictures goes through the Linux tool and through the Windows one, the results
+# The longer half of the demo: each picture of out/pictures goes through the Linux tool and through the Windows one, the results
 # are compared, and a contact sheet is made of them. Called by demo.sh inside a Wine session.
 set -euo pipefail
 cd "$(dirname "$0")/.."
