@@ -78,18 +78,6 @@ TEST(ScaleDIB, GivesThesePictures) {
   EXPECT_EQ(picture_of(scaled(dots, true, 4, 1)), "FFFFFF FFFFFF 000000 FFFFFF") << "black begins the row as colour 0";
 }
 
-// Rounded weights may move a colour a little. What cubic convolution makes of the first stored row is brighter.
-TEST(ScaleDIB, LeavesConstantPicturesAndOwnSizesAlone) {
-  EXPECT_EQ(largest_difference(scaled(noise(33, 17, 24), false, 33, 17), noise(33, 17, 24)), 0);
-  for (int level = 0; level < 256; level += 5)
-    for (bool cubic : {false, true}) {
-      const Bytes deep = with_header(header_for(7, 7, 24), Bytes(24 * 7, static_cast<uint8_t>(level)));
-      const Bytes result = scaled(deep, cubic, 23, 19);
-      for (int y = 3; y < 19; ++y)
-        for (int x = 0; x < 23; ++x) EXPECT_NEAR(color_at(result, x, y).rgbRed, level, cubic ? 5 : 2);
-    }
-}
-
 TEST(ScaleGrayDIB, MixesTheSameLevelsAsOneByOne) {
   struct Area {
     int width, height, x_factor, y_factor;
