@@ -154,6 +154,13 @@ TEST(LongerHeaders, AreCarriedOver) {
 }
 
 TEST(DamagedDibs, AreCompletedOrRefused) {
+  const auto expect_result = [](HGLOBAL dib, bool is_there) {
+    for (const Turn& turn : kTurns) {
+      SetImgError(7);
+      EXPECT_EQ(static_cast<bool>(Block(turn.call(dib))), is_there) << turn.name;
+      EXPECT_EQ(ImgError(), 7) << "no code is stored";
+    }
+  };
   struct Damage {
     const char* what;
     int width, height, depth, planes;
@@ -187,19 +194,10 @@ TEST(DamagedDibs, AreCompletedOrRefused) {
     header.biPlanes = static_cast<uint16_t>(damage.planes);
     header.biSize = damage.size;
     header.biClrUsed = damage.colors;
-    const Block block = block_of(with_header(header, Bytes(damage.bytes_there, 0xFF)));
-    for (const Turn& turn : kTurns) {
-      SetImgError(7);
-      EXPECT_EQ(static_cast<bool>(Block(turn.call(block.get()))), damage.gives_result) << turn.name;
-      EXPECT_EQ(ImgError(), 7) << "no code is stored";
-    }
+    expect_result(block_of(with_header(header, Bytes(damage.bytes_there, 0xFF))).get(), damage.gives_result);
   }
-}
-
-TEST(DamagedDibs, WhatIsNoDibGivesNothing) {
-  const Block short_block = block_of(Bytes(39, 40));
-  for (HGLOBAL handle : {HGLOBAL{nullptr}, dead_handle(), short_block.get()})
-    for (const Turn& turn : kTurns) EXPECT_EQ(turn.call(handle), nullptr) << turn.name;
+  const Block cut = block_of(Bytes(39, 40));
+  for (HGLOBAL handle : {HGLOBAL{nullptr}, dead_handle(), cut.get()}) expect_result(handle, false);
 }
 
 TEST(DamagedDibs, MissingRowsAreEmptyInTheResult) {

@@ -114,17 +114,12 @@ TEST(ScaleDIBRect, PicksTheSamePixelsAsOneByOne) {
 
 TEST(Scaling, TellsWhyItRefusesASize) {
   const Block colors = block_of(noise(9, 9, 8)), bits = block_of(noise(9, 9, 1)), deep = block_of(noise(9, 9, 32));
-  struct Size {
+  const struct {
     unsigned width, height;
     int code, code_for_bits;
-  };
-  for (const Size& size : {Size{0, 5, 19, 7},
-                           {5, 0, 19, 7},
-                           {0x50000, 0, 19, 7},
-                           {5, 0x80000000, 19, 7},
-                           {0xFFFFFFFF, 0, 19, 7},
-                           {65'535, 65'535, 1, 0},
-                           {INT_MAX, INT_MAX, 1, 7}})
+  } sizes[] = {{0, 5, 19, 7},          {5, 0, 19, 7},          {0x50000, 0, 19, 7},     {5, 0x80000000, 19, 7},
+               {0xFFFFFFFF, 0, 19, 7}, {65'535, 65'535, 1, 0}, {INT_MAX, INT_MAX, 1, 7}};
+  for (const auto& size : sizes)
     for (const auto& [dib, code] :
          {std::pair{colors.get(), size.code}, {deep.get(), 21}, {bits.get(), size.code_for_bits}}) {
       if (code == 0) continue;  // that many bits are fine
@@ -133,19 +128,11 @@ TEST(Scaling, TellsWhyItRefusesASize) {
       EXPECT_EQ(ImgError(), code) << size.width << " x " << size.height;
     }
 
-  struct Part {
+  const struct {
     int width, height, x_factor, y_factor, code;
-  };
-  for (const Part& part : {Part{0, 9, 1, 1, 8},
-                           {9, -1, 1, 1, 8},
-                           {10, 9, 1, 1, 8},
-                           {9, INT_MAX, 1, 1, 8},
-                           {9, 9, 0, 1, 8},
-                           {9, 9, 1, -1, 8},
-                           {9, 9, INT_MIN, 0, 8},
-                           {9, 9, 7282, 1, 19},
-                           {9, 9, 1, INT_MAX, 19},
-                           {9, 9, 7281, 7281, 1}}) {
+  } parts[] = {{0, 9, 1, 1, 8},  {9, -1, 1, 1, 8},      {10, 9, 1, 1, 8},    {9, INT_MAX, 1, 1, 8},  {9, 9, 0, 1, 8},
+               {9, 9, 1, -1, 8}, {9, 9, INT_MIN, 0, 8}, {9, 9, 7282, 1, 19}, {9, 9, 1, INT_MAX, 19}, {9, 9, 7281, 7281, 1}};
+  for (const auto& part : parts) {
     EXPECT_EQ(ScaleGrayDIB(colors.get(), part.width, part.height, part.x_factor, part.y_factor, 1), nullptr);
     EXPECT_EQ(ImgError(), part.code) << part.width << " x " << part.height << " times " << part.x_factor << ", "
                                      << part.y_factor;
