@@ -117,7 +117,7 @@ TEST_P(EveryFormat, RefusesFilesThatAreCutOff) {
     if (format.surplus < 0) continue;
     const Bytes file = saved(noise(33, 20, depth));
     const size_t end = file.size() - static_cast<size_t>(format.surplus);
-    for (size_t size = 0; size < end; size += size < 850 ? 1 : 1 + file.size() / 64)
+    for (size_t size = 0; size < end; size += size < 130 ? 1 : 1 + file.size() / 64)
       expect_refused(first_bytes(file, size), loader_told(IMG_E_FORMAT),
                      std::to_string(depth) + " bits, " + std::to_string(size), page);
   }

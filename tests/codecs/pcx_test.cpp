@@ -82,16 +82,8 @@ TEST_F(PcxTest, VariantsLoad) {
       {"three planes", {.planes = 3, .width = 2, .colors = 16}, {0x40, 0, 0, 0, 0xC1, 0xC0, 0}, 4, "0D0E0F 101112"},
       {"packed 2 bits", {.plane_depth = 2, .width = 4, .colors = 16}, {0x1B, 0}, 4, "010203 040506 070809 0A0B0C"},
       {"packed 4 bits", {.plane_depth = 4, .width = 3, .colors = 16}, {0x12, 0x30}, 4, "040506 070809 0A0B0C"},
-      {"standard colours",
-       {.version = 3, .plane_depth = 4, .width = 3, .colors = 16},
-       {0x16, 0x90},
-       4,
-       "0000AA AA5500 5555FF"},
-      {"sixteen greys",
-       {.version = 3, .plane_depth = 4, .width = 3, .palette_kind = 2},
-       {0x16, 0x90},
-       4,
-       "111111 666666 999999"},
+      {"standard", {.version = 3, .plane_depth = 4, .width = 3, .colors = 16}, {0x16, 0x90}, 4, "0000AA AA5500 5555FF"},
+      {"16 greys", {.version = 3, .plane_depth = 4, .width = 3, .palette_kind = 2}, {0x16, 0x90}, 4, "111111 666666 999999"},
       {"four greys", {.planes = 2, .width = 4, .palette_kind = 2}, {0x50, 0, 0x30, 0}, 4, "000000 555555 AAAAAA FFFFFF"},
       {"plain", {.encoding = 0, .plane_depth = 8, .planes = 3, .width = 2}, {0xC1, 2, 3, 4, 5, 6}, 24, "C10305 020406"},
       {"a run over planes", {.plane_depth = 8, .planes = 3, .width = 2}, {0xC4, 7, 0xC0, 1, 8, 9}, 24, "070708 070709"},
@@ -119,14 +111,20 @@ TEST_F(PcxTest, VariantsLoad) {
 
 TEST_F(PcxTest, RefusesWhatIsNotRead) {
   const Bytes data(1000, 0);
-  for (int i = 0;
-       const Variant& variant :
-       {Variant{.version = 1}, Variant{.version = 6}, Variant{.encoding = 2}, Variant{.plane_depth = 3},
-        Variant{.planes = 0}, Variant{.planes = 5}, Variant{.plane_depth = 2, .planes = 2}, Variant{.plane_bytes = 1},
-        Variant{.width = 0}, Variant{.height = 0}, Variant{.plane_bytes = 65'535, .width = 65'000, .height = 65'000},
-        Variant{.encoding = 0, .height = 501}, Variant{.plane_depth = 8, .width = 2, .height = 500, .palette_kind = 1}}) {
-    expect_refused(variant.file(data), IMG_E_FORMAT, std::to_string(i++));
-  }
+  const Variant refused[] = {{.version = 1},
+                             {.version = 6},
+                             {.encoding = 2},
+                             {.plane_depth = 3},
+                             {.planes = 0},
+                             {.planes = 5},
+                             {.plane_depth = 2, .planes = 2},
+                             {.plane_bytes = 1},
+                             {.width = 0},
+                             {.height = 0},
+                             {.plane_bytes = 65'535, .width = 65'000, .height = 65'000},
+                             {.encoding = 0, .height = 501},
+                             {.plane_depth = 8, .width = 2, .height = 500, .palette_kind = 1}};
+  for (int i = 0; const Variant& variant : refused) expect_refused(variant.file(data), IMG_E_FORMAT, std::to_string(i++));
   Bytes unsigned_file = Variant{}.file(data);
   unsigned_file[0] = 11;
   expect_refused(unsigned_file, IMG_E_FORMAT, "another signature");
