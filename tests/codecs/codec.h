@@ -80,7 +80,10 @@ class CodecTest : public testing::Test {
   }
   bool save(const Bytes& dib) {
     status = -1;
-    return codec.save(path.c_str(), block_of(dib).get(), &status) != FALSE;
+    const Block block = block_of(dib);
+    const bool is_saved = codec.save(path.c_str(), block.get(), &status) != FALSE;
+    EXPECT_EQ(take_locks_back(block.get()), 0);
+    return is_saved;
   }
   Bytes saved(const Bytes& dib) {
     EXPECT_TRUE(save(dib)) << status;
