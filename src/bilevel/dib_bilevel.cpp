@@ -2,10 +2,10 @@
 
 #include <new>
 
+#include "dib/pixel.h"
+
 namespace vorel {
 namespace {
-
-bool is_reducible(int depth) { return depth == 4 || depth == 8 || depth == 24; }
 
 // A header for the source's picture at another depth, with all colours that the depth has.
 DibHeader reduced_header(const DibHeader& source, int bits) {
@@ -36,7 +36,7 @@ std::span<const Rgb> table_of(const CompleteBytes& whole, uint32_t depth) {
 
 Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method) {
   const DibHeader& header = source.header();
-  if (bits >= header.depth || !is_reducible(header.depth)) {
+  if (bits >= header.depth || !is_color_depth(header.depth)) {
     source.leave_locked();
     return Error::kDitherParameter;
   }
@@ -69,7 +69,7 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method) {
 
 Result<OwnedDib> halftoned(LockedDib& source, HalftoneMethod method, int brightness) {
   const DibHeader& header = source.header();
-  if (!is_reducible(header.depth)) {
+  if (!is_color_depth(header.depth)) {
     source.leave_locked();
     return Error::kParameter;
   }

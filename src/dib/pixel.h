@@ -48,6 +48,9 @@ struct Pixel {
   static constexpr int shift(int x) { return 8 - kDepth - x % (8 / kDepth) * kDepth; }
 };
 
+// The depths at which pixels stand for more than two colours and are worked on as colours: mixed, or reduced to fewer.
+inline bool is_color_depth(int depth) { return depth == 4 || depth == 8 || depth == 24; }
+
 // Calls op with the depth as a constant and returns true; false, and no call, for a depth that pixels are not copied at.
 template <class Op>
 bool with_depth(int depth, Op&& op) {

@@ -2,12 +2,12 @@
 
 #include <limits>
 
+#include "dib/pixel.h"
+
 namespace vorel {
 namespace {
 
 constexpr int kMostPixels = std::numeric_limits<uint16_t>::max();  // a side, of what is interpolated and of the result
-
-bool is_interpolated(int depth) { return depth == 4 || depth == 8 || depth == 24; }
 
 // In front of a result's pixels. The same as in the source, but for headers of other than 40 bytes.
 ByteCount head_bytes(const DibHeader& header) { return kHeaderBytes + palette_bytes(header); }
@@ -43,7 +43,7 @@ Result<OwnedDib> scaled(const LockedDib& source, Interpolation interpolation, ui
   const DibHeader& header = source.header();
   if (header.depth == 1)
     return ScaleDIBRect(source, {0, 0, header.width, header.height}, {static_cast<int>(width), static_cast<int>(height)});
-  if (!is_interpolated(header.depth)) return Error::kHeaderBits;
+  if (!is_color_depth(header.depth)) return Error::kHeaderBits;
   const Size size = {static_cast<uint16_t>(width), static_cast<uint16_t>(height)};
   if (size.width == 0 || size.height == 0) return Error::kDibSize;
   if (header.width < 1 || header.height < 1 || header.width > kMostPixels) return Error::kDibSize;
@@ -52,7 +52,7 @@ Result<OwnedDib> scaled(const LockedDib& source, Interpolation interpolation, ui
 
 Result<OwnedDib> magnified(const LockedDib& source, Size area, int x_factor, int y_factor, Interpolation interpolation) {
   const DibHeader& header = source.header();
-  if (!is_interpolated(header.depth)) return Error::kHeaderBits;
+  if (!is_color_depth(header.depth)) return Error::kHeaderBits;
   if (area.width < 1 || area.height < 1 || area.width > header.width || area.height > header.height)
     return Error::kParameter;
   if (x_factor < 1 || y_factor < 1) return Error::kParameter;

@@ -87,6 +87,27 @@ class Cli : public testing::Test {
     return read_file(at("out.bmp"));
   }
 
+  // The same of a picture, to a picture.
+  Bytes changed(std::vector<std::string> verb_and_choice, const Bytes& dib) {
+    return dib_in(converted(std::move(verb_and_choice), bitmap_file(dib)));
+  }
+  Bytes dib_at(const std::string& name) const { return dib_in(read_file(at(name))); }
+
+  struct Refusal {
+    std::vector<std::string> arguments;
+    int code;
+    const char* message;
+  };
+  // Runs that fail, each with its code and message, leave nothing of an output.
+  void expect_refused(const std::vector<Refusal>& refusals) {
+    const size_t files = entries(at(""));
+    for (const Refusal& refusal : refusals) {
+      EXPECT_EQ(run(refusal.arguments), refusal.code) << refusal.message;
+      EXPECT_THAT(err_, testing::HasSubstr(refusal.message));
+      EXPECT_EQ(entries(at("")), files) << refusal.message;
+    }
+  }
+
   const fs::path usual_ = fs::temp_directory_path();
   TempFolder folder_;
   std::string temporary_ = folder_.path("temporary");

@@ -12,9 +12,8 @@ namespace {
 
 // A picture of sevens.
 Bytes blank_file(const BITMAPINFOHEADER& header) {
-  Bytes dib = test::with_header(header);
-  dib.resize(dib.size() + table_bytes(dib) + test::stride_of(header.biWidth, header.biBitCount) * std::abs(header.biHeight),
-             7);
+  Bytes dib = with_header(header);
+  dib.resize(dib.size() + table_bytes(dib) + stride_of(header.biWidth, header.biBitCount) * std::abs(header.biHeight), 7);
   return bitmap_file(dib);
 }
 
@@ -40,32 +39,23 @@ TEST_F(Cli, PrintsOnWindowsAlone) {
 #endif
 
 TEST_F(Cli, ExitCodes) {
-  const std::string good = put("good.bmp", bitmap_file(test::noise(5, 3, 24)));
+  const std::string good = put("good.bmp", bitmap_file(noise(5, 3, 24)));
   const std::string text = put("text.bmp", Bytes(100, 'x'));
   const std::string out = at("out.bmp");
-  const struct {
-    std::vector<std::string> arguments;
-    int code;
-    const char* message;
-  } rows[] = {{{}, 2, "a verb is missing"},
-              {{"frobnicate"}, 2, "there is no such verb"},
-              {{"info"}, 2, "vorel info --help"},
-              {{"rotate", good, out}, 2, "vorel rotate --help"},
-              {{"mirror", good, out, "sideways"}, 2, "vorel mirror --help"},
-              {{"info", at("missing.bmp")}, 3, "missing.bmp: there is no such file"},
-              {{"info", at("")}, 3, "this is a folder"},
-              {{"info", text}, 4, "not recognised"},
-              {{"convert", good, at("missing/out.bmp")}, 5, "cannot be created"},
-              {{"convert", good, at("temporary")}, 5, "this is a folder"},
-              {{"convert", good, good}, 5, "--overwrite"},
-              {{"info", text, text}, 4, "not recognised"},
-              {{"info", text, at("missing.bmp")}, 1, "no such file"},
-              {{"info", good, text}, 1, "text.bmp: the format"}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(run(row.arguments), row.code) << row.message;
-    EXPECT_THAT(err_, HasSubstr(row.message));
-    EXPECT_FALSE(fs::exists(out));
-  }
+  expect_refused({{{}, 2, "a verb is missing"},
+                  {{"frobnicate"}, 2, "there is no such verb"},
+                  {{"info"}, 2, "vorel info --help"},
+                  {{"rotate", good, out}, 2, "vorel rotate --help"},
+                  {{"mirror", good, out, "sideways"}, 2, "vorel mirror --help"},
+                  {{"info", at("missing.bmp")}, 3, "missing.bmp: there is no such file"},
+                  {{"info", at("")}, 3, "this is a folder"},
+                  {{"info", text}, 4, "not recognised"},
+                  {{"convert", good, at("missing/out.bmp")}, 5, "cannot be created"},
+                  {{"convert", good, at("temporary")}, 5, "this is a folder"},
+                  {{"convert", good, good}, 5, "--overwrite"},
+                  {{"info", text, text}, 4, "not recognised"},
+                  {{"info", text, at("missing.bmp")}, 1, "no such file"},
+                  {{"info", good, text}, 1, "text.bmp: the format"}});
   EXPECT_THAT(out_.str(), HasSubstr("good.bmp"));
 }
 
@@ -83,7 +73,7 @@ TEST_F(Cli, HelpAndVersion) {
 }
 
 TEST_F(Cli, EveryTruncationIsNoticed) {
-  const Bytes whole = bitmap_file(test::noise(9, 3, 1));
+  const Bytes whole = bitmap_file(noise(9, 3, 1));
   const Bytes core = core_file();
   const Bytes bare(whole.begin() + kFileHeader, whole.end());
   for (const Bytes& file : {whole, core, bare}) {
@@ -101,7 +91,7 @@ TEST_F(Cli, EveryTruncationIsNoticed) {
 }
 
 TEST_F(Cli, EveryDamagedHeaderIsNoticed) {
-  const Bytes good = bitmap_file(test::noise(9, 3, 8));
+  const Bytes good = bitmap_file(noise(9, 3, 8));
   const struct {
     size_t offset;
     uint32_t value;
@@ -117,11 +107,11 @@ TEST_F(Cli, EveryDamagedHeaderIsNoticed) {
 }
 
 TEST_F(Cli, EveryKindOfPictureWorksOrIsRefused) {
-  BITMAPINFOHEADER rle = test::header_for(5, 3, 8);
+  BITMAPINFOHEADER rle = header_for(5, 3, 8);
   rle.biCompression = BI_RLE8;
-  BITMAPINFOHEADER masks = test::header_for(5, 3, 16);
+  BITMAPINFOHEADER masks = header_for(5, 3, 16);
   masks.biCompression = BI_BITFIELDS;
-  BITMAPINFOHEADER top_down = test::header_for(5, -3, 24);
+  BITMAPINFOHEADER top_down = header_for(5, -3, 24);
   const Bytes unstated = blank_file(top_down);
   top_down.biSizeImage = 3 * 16;
   const struct {
@@ -132,8 +122,8 @@ TEST_F(Cli, EveryKindOfPictureWorksOrIsRefused) {
               {"masks", blank_file(masks), 0, 4, 4, 4, 4, 4},
               {"top-down", blank_file(top_down), 0, 0, 0, 4, 4, 4},
               {"top-down without a size", unstated, 0, 4, 4, 4, 4, 4},
-              {"16 bits", bitmap_file(test::noise(5, 3, 16)), 0, 0, 0, 4, 4, 0},
-              {"32 bits", bitmap_file(test::noise(5, 3, 32)), 0, 0, 0, 4, 4, 0},
+              {"16 bits", bitmap_file(noise(5, 3, 16)), 0, 0, 0, 4, 4, 0},
+              {"32 bits", bitmap_file(noise(5, 3, 32)), 0, 0, 0, 4, 4, 0},
               {"12-byte header", core_file(), 0, 0, 0, 0, 0, 0}};
   for (const auto& row : rows) {
     const std::string in = put("in.bmp", row.file);
@@ -147,30 +137,26 @@ TEST_F(Cli, EveryKindOfPictureWorksOrIsRefused) {
   }
 }
 
-// The pixels of a file, top row first.
-std::string picture_in(const Bytes& file) {
-  const Bytes dib(file.begin() + kFileHeader, file.end());
-  const BITMAPINFOHEADER header = test::header_of(dib);
+// The pixels of a picture, top row first.
+std::string letters_of(const Bytes& dib) {
   std::string rows;
-  for (int y = header.biHeight; y-- > 0; rows += ' ') {
-    for (int x = 0; x < header.biWidth; ++x) rows += static_cast<char>(test::pixel(dib, x, y));
-  }
+  for (int y = header_of(dib).biHeight; y-- > 0; rows += ' ')
+    for (int x = 0; x < header_of(dib).biWidth; ++x) rows += static_cast<char>(pixel(dib, x, y));
   return rows;
 }
 
 TEST_F(Cli, TurnsAndMirrorsAreExact) {
-  Bytes dib = test::with_header(test::header_for(2, 3, 8));
+  Bytes dib = with_header(header_for(2, 3, 8));
   dib.resize(dib.size() + table_bytes(dib));
   for (const char* row : {"EF..", "CD..", "AB.."}) dib.insert(dib.end(), row, row + 4);
-  const Bytes file = bitmap_file(dib);
-  EXPECT_EQ(picture_in(converted({"rotate", "90"}, file)), "ECA FDB ");
-  EXPECT_EQ(picture_in(converted({"rotate", "180"}, file)), "FE DC BA ");
-  EXPECT_EQ(picture_in(converted({"rotate", "270"}, file)), "BDF ACE ");
-  EXPECT_EQ(picture_in(converted({"mirror", "horizontal"}, file)), "BA DC FE ");
-  EXPECT_EQ(picture_in(converted({"mirror", "vertical"}, file)), "EF CD AB ");
+  EXPECT_EQ(letters_of(changed({"rotate", "90"}, dib)), "ECA FDB ");
+  EXPECT_EQ(letters_of(changed({"rotate", "180"}, dib)), "FE DC BA ");
+  EXPECT_EQ(letters_of(changed({"rotate", "270"}, dib)), "BDF ACE ");
+  EXPECT_EQ(letters_of(changed({"mirror", "horizontal"}, dib)), "BA DC FE ");
+  EXPECT_EQ(letters_of(changed({"mirror", "vertical"}, dib)), "EF CD AB ");
   for (const int depth : {1, 4, 8, 24}) {
-    const Bytes picture = bitmap_file(test::noise(13, 7, depth));
-    EXPECT_EQ(picture_in(converted({"rotate", "90"}, converted({"rotate", "270"}, picture))), picture_in(picture)) << depth;
+    const Bytes picture = noise(13, 7, depth);
+    EXPECT_EQ(picture_of(changed({"rotate", "90"}, changed({"rotate", "270"}, picture))), picture_of(picture)) << depth;
   }
 }
 
@@ -182,11 +168,11 @@ TEST_F(Cli, InvertComplementsColoursAlone) {
               {24, {1, 2, 3, 4}, {254, 253, 252, 4}},
               {32, {1, 2, 3, 4}, {254, 253, 252, 4}}};
   for (const auto& row : rows) {
-    const Bytes dib = test::with_header(test::header_for(1, 1, row.depth), row.pixel);
+    const Bytes dib = with_header(header_for(1, 1, row.depth), row.pixel);
     const Bytes result = converted({"invert"}, bitmap_file(dib));
     EXPECT_EQ(Bytes(result.end() - 4, result.end()), row.negative) << row.depth;
   }
-  const Bytes file = bitmap_file(test::noise(13, 2, 4));
+  const Bytes file = bitmap_file(noise(13, 2, 4));
   const Bytes negative = converted({"invert"}, file);
   EXPECT_EQ(negative[54], file[54] ^ 0xFF);
   EXPECT_EQ(negative[57], file[57]);
@@ -195,7 +181,7 @@ TEST_F(Cli, InvertComplementsColoursAlone) {
 
 // Some writers count bytes behind the last row. The result must be a file that the tool takes again.
 TEST_F(Cli, SurplusImageBytesAreNotCarriedAlong) {
-  Bytes file = bitmap_file(test::noise(5, 3, 24));
+  Bytes file = bitmap_file(noise(5, 3, 24));
   const size_t pixels = file.size() - 54;
   file.resize(file.size() + 100);
   converted({"mirror", "vertical"},
@@ -203,24 +189,24 @@ TEST_F(Cli, SurplusImageBytesAreNotCarriedAlong) {
 }
 
 TEST_F(Cli, ExistingOutputsAreSafe) {
-  const std::string in = put("in.bmp", bitmap_file(test::noise(5, 3, 24)));
+  const std::string in = put("in.bmp", bitmap_file(noise(5, 3, 24)));
   const std::string out = put("out.bmp", {1, 2, 3});
   EXPECT_EQ(run({"invert", in, out}), 5);
-  EXPECT_EQ(test::read_file(out), Bytes({1, 2, 3}));
+  EXPECT_EQ(read_file(out), Bytes({1, 2, 3}));
   EXPECT_EQ(run({"rotate", put("bad.bmp", {0}), out, "90", "--overwrite"}), 4);
-  EXPECT_EQ(test::read_file(out), Bytes({1, 2, 3}));
+  EXPECT_EQ(read_file(out), Bytes({1, 2, 3}));
   fs::permissions(out, fs::perms::owner_read);
   EXPECT_EQ(run({"invert", in, out, "--overwrite"}), 5);
-  EXPECT_EQ(test::read_file(out), Bytes({1, 2, 3}));
+  EXPECT_EQ(read_file(out), Bytes({1, 2, 3}));
   fs::permissions(out, fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_EQ(run({"invert", in, out, "--overwrite"}), 0);
   // In place.
   EXPECT_EQ(run({"invert", in, in, "--overwrite"}), 0);
-  EXPECT_EQ(test::read_file(in), test::read_file(out));
+  EXPECT_EQ(read_file(in), read_file(out));
 }
 
 TEST_F(Cli, StandardStreams) {
-  const Bytes file = bitmap_file(test::noise(5, 3, 24));
+  const Bytes file = bitmap_file(noise(5, 3, 24));
   const Bytes expected = converted({"rotate", "270"}, file);
   EXPECT_EQ(run({"rotate", "-", "-", "270"}, text_of(file)), 0);
   EXPECT_EQ(out_.str(), text_of(expected));
@@ -233,7 +219,7 @@ TEST_F(Cli, StandardStreams) {
 }
 
 TEST_F(Cli, Info) {
-  BITMAPINFOHEADER header = test::header_for(5, 3, 4);
+  BITMAPINFOHEADER header = header_for(5, 3, 4);
   header.biXPelsPerMeter = 11811;
   header.biClrUsed = 9;
   const std::string in = put("in.bmp", blank_file(header));
@@ -246,7 +232,7 @@ TEST_F(Cli, Info) {
                              "  colours      9\n"
                              "  resolution   300 x unknown dpi, 11811 x unknown pixels per metre\n"
                              "  compression  none\n");
-  EXPECT_EQ(run({"info", "-", at("missing"), "--json"}, text_of(blank_file(test::header_for(5, -3, 24)))), 1);
+  EXPECT_EQ(run({"info", "-", at("missing"), "--json"}, text_of(blank_file(header_for(5, -3, 24)))), 1);
   EXPECT_EQ(out_.str(), R"([
   {
     "file": "-",
@@ -272,7 +258,7 @@ TEST_F(Cli, Info) {
 }
 
 TEST_F(Cli, AwkwardNames) {
-  const Bytes file = bitmap_file(test::noise(5, 3, 24));
+  const Bytes file = bitmap_file(noise(5, 3, 24));
   const std::string folder = at(std::string(100, 'f')) + "/" + std::string(100, 'g');
   fs::create_directories(folder);
   for (const std::string& name : {folder + "/x.bmp", at("g\xC3\xA4nse \xE9\xB5\x9D.bmp")}) {
@@ -288,7 +274,7 @@ TEST_F(Cli, AwkwardNames) {
 #ifndef _WIN32
 
 TEST_F(Cli, DevicesAndStrangeFolders) {
-  const std::string in = put("in.bmp", bitmap_file(test::noise(5, 3, 24)));
+  const std::string in = put("in.bmp", bitmap_file(noise(5, 3, 24)));
   EXPECT_EQ(run({"convert", in, "/dev/full", "--overwrite"}), 5);
   EXPECT_EQ(run({"convert", in, "/dev/null"}), 5);
   EXPECT_EQ(run({"convert", in, "/dev/null", "--overwrite"}), 0);
@@ -298,7 +284,7 @@ TEST_F(Cli, DevicesAndStrangeFolders) {
 }
 
 TEST_F(Cli, LinksAndPermissionsAreKept) {
-  const std::string in = put("in.bmp", bitmap_file(test::noise(5, 3, 24)));
+  const std::string in = put("in.bmp", bitmap_file(noise(5, 3, 24)));
   const std::string real = put("real.bmp", {1});
   fs::permissions(real, fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
   fs::create_symlink("real.bmp", at("link.bmp"));
@@ -307,7 +293,7 @@ TEST_F(Cli, LinksAndPermissionsAreKept) {
   EXPECT_EQ(run({"convert", in, at("link.bmp"), "--overwrite"}), 0);
   EXPECT_TRUE(fs::is_symlink(at("link.bmp")));
   EXPECT_EQ(run({"convert", in, at("plain.bmp")}), 0);
-  EXPECT_EQ(test::read_file(real), test::read_file(at("plain.bmp")));
+  EXPECT_EQ(read_file(real), read_file(at("plain.bmp")));
   EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
   for (const char* flag : {"--", "--overwrite"}) EXPECT_EQ(run({"convert", in, at("dangling.bmp"), flag}), 5);
   EXPECT_FALSE(fs::exists(at("nowhere.bmp")));

@@ -1,37 +1,18 @@
 // TGA files through the entry points of their modules.
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <string>
-
-#include <vorel32.h>
-
-#include "support/dib.h"
-#include "support/module.h"
+#include "codecs/codec.h"
 
 using namespace test;
 
 namespace {
 
-class TgaTest : public testing::Test {
+class TgaTest : public CodecTest {
  protected:
-  Bytes load(const Bytes& file) {
-    write_file(path, file);
-    return bytes_of(Block(load_tga(path.c_str(), &status)).get());
-  }
-  bool save(const Bytes& dib, int run_length = 0, int footer = 1) {
-    return save_tga(path.c_str(), block_of(dib).get(), run_length, footer) != FALSE;
-  }
-  Bytes saved(const Bytes& dib, int run_length = 0, int footer = 1) {
-    EXPECT_TRUE(save(dib, run_length, footer));
+  TgaTest() : CodecTest(kTga) {}
+
+  Bytes saved(const Bytes& dib, int run_length) {
+    EXPECT_TRUE(modules().save_tga(path.c_str(), block_of(dib).get(), run_length, 0));
     return read_file(path);
   }
-
-  Module loader{"BRIX32"}, saver{"BRIX"};
-  ImgLoadPicture load_tga = loader.entry<ImgLoadPicture>("LoadTGAIntoDIB");
-  ImgSaveTga save_tga = saver.entry<ImgSaveTga>("SaveDIBInTGAFormat");
-  TempFolder folder;
-  std::string path = folder.path("picture.tga");
-  int status = -1;
 };
 
 struct Variant {
@@ -40,70 +21,42 @@ struct Variant {
   Bytes file(const Bytes& map_and_pixels) const {
     const auto low = [](int value) { return static_cast<uint8_t>(value); };
     const auto high = [](int value) { return static_cast<uint8_t>(value >> 8); };
-    return joined({4,
-                   low(map_depth != 0),
-                   low(kind),
-                   low(map_first),
-                   high(map_first),
-                   low(map_count),
-                   high(map_count),
-                   low(map_depth),
-                   0,
-                   0,
-                   0,
-                   0,
-                   low(width),
-                   high(width),
-                   low(height),
-                   high(height),
-                   low(depth),
-                   low(descriptor),
-                   'n',
-                   'a',
-                   'm',
-                   'e'},
-                  map_and_pixels);
+    Bytes bytes = {4, low(map_depth != 0), low(kind), low(map_first), high(map_first), low(map_count), high(map_count)};
+    for (const uint8_t byte : {low(map_depth), uint8_t{0}, uint8_t{0}, uint8_t{0}, uint8_t{0}, low(width), high(width),
+                               low(height), high(height), low(depth), low(descriptor)})
+      bytes.push_back(byte);
+    return joined(joined(bytes, {'n', 'a', 'm', 'e'}), map_and_pixels);
   }
 };
 
-Bytes with_gray_ramp(Bytes dib) {
-  for (size_t i = 0; i < 256 * 4; ++i) dib[40 + i] = static_cast<uint8_t>(i % 4 == 3 ? 0 : i / 4);
-  return dib;
+Variant gray(int depth, int descriptor = 0, int height = 1) {
+  return {.kind = 3, .depth = depth, .descriptor = descriptor, .height = height};
 }
-
-// Through the library too, which must not take any of them for files of another format.
-TEST_F(TgaTest, PicturesComeBack) {
-  for (const int depth : {1, 4, 8, 24})
-    for (const int width : {1, 7, 8, 9, 300})
-      for (const int run_length : {0, 1}) {
-        SCOPED_TRACE(testing::Message() << depth << " bits, " << width << " wide, packets " << run_length);
-        const Bytes dib = noise(width, 5, depth);
-        ASSERT_TRUE(SaveDIBInImageFormat(path.c_str(), block_of(dib).get(), IMG_FORMAT_TGA, 0, run_length));
-        const Bytes loaded = bytes_of(Block(LoadImageIntoDIB(path.c_str(), 1, nullptr)).get());
-        EXPECT_EQ(header_of(loaded).biBitCount, depth);
-        EXPECT_EQ(header_of(loaded).biXPelsPerMeter, 0);
-        EXPECT_EQ(largest_difference(loaded, dib), 0);
-      }
-  const Bytes gray = with_gray_ramp(noise(300, 5, 8));
-  EXPECT_EQ(largest_difference(load(saved(gray, 1)), gray), 0);
+Variant mapped(int count, int entry_bits, int descriptor = 0, int first = 0, int depth = 8) {
+  return {
+      .kind = 1, .depth = depth, .descriptor = descriptor, .map_first = first, .map_count = count, .map_depth = entry_bits};
+}
+Variant packets(Variant variant) {
+  variant.kind += 8;
+  return variant;
 }
 
 TEST_F(TgaTest, SavedBytesAreAsOthersReadThem) {
   // Two rows: a run of three pixels and one more, above two and two. The bottom row comes first.
   const Bytes dib = with_header(header_for(4, 2, 24), {1, 2, 3, 4, 5, 6, 4, 5, 6, 7, 8, 9,  //
                                                        9, 9, 9, 9, 9, 9, 9, 9, 9, 7, 8, 9});
-  EXPECT_EQ(saved(dib, 0, 0), Bytes({0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 0, 2, 0, 24, 0,  //
-                                     1, 2, 3, 4, 5, 6, 4, 5, 6, 7, 8, 9, 9, 9, 9, 9, 9,  9, 9, 9, 9, 7, 8, 9}));
-  const Bytes packets = saved(dib, 1, 0);
+  EXPECT_EQ(saved(dib, 0), Bytes({0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 0, 2, 0, 24, 0,  //
+                                  1, 2, 3, 4, 5, 6, 4, 5, 6, 7, 8, 9, 9, 9, 9, 9, 9,  9, 9, 9, 9, 7, 8, 9}));
+  const Bytes packets = saved(dib, 1);
   EXPECT_EQ(Bytes(packets.begin() + 18, packets.end()),
             Bytes({0, 1, 2, 3, 0x81, 4, 5, 6, 0, 7, 8, 9, 0x82, 9, 9, 9, 0, 7, 8, 9}));
-  const Bytes blank = saved(with_header(header_for(130, 1, 24)), 1, 0);
+  const Bytes blank = saved(with_header(header_for(130, 1, 24)), 1);
   EXPECT_EQ(Bytes(blank.begin() + 18, blank.end()), Bytes({0xFF, 0, 0, 0, 0x81, 0, 0, 0}));
-  const Bytes with_footer = saved(dib, 1, 1);
+  const Bytes with_footer = CodecTest::saved(dib);
   EXPECT_EQ(std::string(with_footer.end() - 26, with_footer.end()),
             std::string(8, '\0') + std::string("TRUEVISION-XFILE.", 18));
 
-  const Bytes gray = saved(with_gray_ramp(with_header(header_for(3, 1, 8), joined(Bytes(256 * 4), {5, 5, 6, 0}))), 1, 0);
+  const Bytes gray = saved(with_gray_ramp(with_header(header_for(3, 1, 8), joined(Bytes(256 * 4), {5, 5, 6, 0}))), 1);
   EXPECT_EQ(Bytes(gray.begin(), gray.begin() + 8), Bytes({0, 0, 11, 0, 0, 0, 0, 0}));
   EXPECT_EQ(Bytes(gray.begin() + 18, gray.end()), Bytes({2, 5, 5, 6}));
 }
@@ -116,73 +69,33 @@ TEST_F(TgaTest, VariantsLoad) {
     int depth;
     std::string picture;
   } kVariants[] = {
-      {"bottom up", {.kind = 3, .depth = 8, .height = 2}, {1, 2, 3, 4}, 8, "030303 040404/010101 020202"},
-      {"right to left",
-       {.kind = 3, .depth = 8, .descriptor = 16, .height = 2},
-       {1, 2, 3, 4},
-       8,
-       "040404 030303/020202 010101"},
-      {"top down", {.kind = 3, .depth = 8, .descriptor = 32, .height = 2}, {1, 2, 3, 4}, 8, "010101 020202/030303 040404"},
-      {"both", {.depth = 24, .descriptor = 48}, {1, 2, 3, 4, 5, 6}, 24, "060504 030201"},
-      {"packets over lines",
-       {.kind = 11, .depth = 8, .descriptor = 32, .height = 2},
-       {0x82, 7, 0, 9},
-       8,
-       "070707 070707/070707 090909"},
-      {"15 bits", {.kind = 2, .depth = 15, .descriptor = 1}, {0x1F, 0, 0x60, 0x7C}, 24, "0000FF FF1900"},
-      {"16 bits without alpha", {.kind = 10, .depth = 16}, {0x81, 0x1F, 0}, 24, "0000FF 0000FF"},
+      {"bottom up", gray(8, 0, 2), {1, 2, 3, 4}, 8, "030303 040404/010101 020202"},
+      {"right to left", gray(8, 16, 2), {1, 2, 3, 4}, 8, "040404 030303/020202 010101"},
+      {"top down", gray(8, 32, 2), {1, 2, 3, 4}, 8, "010101 020202/030303 040404"},
+      {"both", {.descriptor = 48}, {1, 2, 3, 4, 5, 6}, 24, "060504 030201"},
+      {"packets over lines", packets(gray(8, 32, 2)), {0x82, 7, 0, 9}, 8, "070707 070707/070707 090909"},
+      {"15 bits", {.depth = 15, .descriptor = 1}, {0x1F, 0, 0x60, 0x7C}, 24, "0000FF FF1900"},
+      {"16 bits without alpha", packets({.depth = 16}), {0x81, 0x1F, 0}, 24, "0000FF 0000FF"},
       {"16 bits with alpha", {.depth = 16, .descriptor = 1}, {0x1F, 0x80, 0x1F, 0}, 24, "0000FF FFFFFF"},
+      {"16 bits with no alpha set", packets({.depth = 16, .descriptor = 1}), {0x81, 0x1F, 0}, 24, "0000FF 0000FF"},
       {"32 bits without alpha", {.depth = 32}, {1, 2, 3, 0, 4, 5, 6, 0}, 24, "030201 060504"},
       {"32 bits with alpha", {.depth = 32, .descriptor = 8}, {1, 2, 3, 255, 0, 0, 0, 51}, 24, "030201 CCCCCC"},
-      {"16 bits with no alpha set", {.kind = 10, .depth = 16, .descriptor = 1}, {0x81, 0x1F, 0}, 24, "0000FF 0000FF"},
       {"32 bits with no alpha set", {.depth = 32, .descriptor = 8}, {1, 2, 3, 0, 4, 5, 6, 0}, 24, "030201 060504"},
-      {"grey with no alpha set", {.kind = 3, .depth = 16, .descriptor = 8}, {9, 0, 7, 0}, 8, "090909 070707"},
-      {"grey with alpha", {.kind = 3, .depth = 16, .descriptor = 8}, {9, 255, 0, 51}, 8, "090909 CCCCCC"},
+      {"grey with alpha", gray(16, 8), {9, 255, 0, 51}, 8, "090909 CCCCCC"},
+      {"grey with no alpha set", gray(16, 8), {9, 0, 7, 0}, 8, "090909 070707"},
       {"an unused map", {.kind = 3, .depth = 8, .map_count = 1, .map_depth = 15}, {77, 77, 8, 9}, 8, "080808 090909"},
-      {"two colours",
-       {.kind = 1, .depth = 8, .map_count = 2, .map_depth = 24},
-       {1, 2, 3, 4, 5, 6, 0, 1},
-       1,
-       "030201 060504"},
-      {"three colours",
-       {.kind = 9, .depth = 8, .map_count = 3, .map_depth = 16},
-       {0, 0, 31, 0, 0, 124, 0x81, 2},
-       4,
-       "FF0000 FF0000"},
-      {"a first index",
-       {.kind = 1, .depth = 8, .map_first = 20, .map_count = 1, .map_depth = 24},
-       {1, 2, 3, 20, 0},
-       8,
-       "030201 000000"},
-      {"an index outside",
-       {.kind = 1, .depth = 8, .map_count = 2, .map_depth = 24},
-       {1, 2, 3, 4, 5, 6, 1, 19},
-       8,
-       "060504 000000"},
-      {"packets with an index outside",
-       {.kind = 9, .depth = 8, .map_count = 2, .map_depth = 24},
-       {1, 2, 3, 4, 5, 6, 0x81, 15},
-       4,
-       "000000 000000"},
-      {"a map with alpha",
-       {.kind = 1, .depth = 8, .descriptor = 8, .map_count = 2, .map_depth = 32},
-       {1, 2, 3, 255, 0, 0, 0, 51, 0, 1},
-       1,
-       "030201 CCCCCC"},
-      {"a map with no alpha set",
-       {.kind = 1, .depth = 8, .descriptor = 8, .map_count = 1, .map_depth = 32},
-       {1, 2, 3, 0, 0, 0},
-       1,
-       "030201 030201"},
-      {"indices of 16 bits",
-       {.kind = 1, .depth = 16, .map_first = 300, .map_count = 1, .map_depth = 24},
-       {1, 2, 3, 44, 1, 45, 1},
-       24,
-       "030201 000000"},
+      {"two colours", mapped(2, 24), {1, 2, 3, 4, 5, 6, 0, 1}, 1, "030201 060504"},
+      {"three colours", packets(mapped(3, 16)), {0, 0, 31, 0, 0, 124, 0x81, 2}, 4, "FF0000 FF0000"},
+      {"a first index", mapped(1, 24, 0, 20), {1, 2, 3, 20, 0}, 8, "030201 000000"},
+      {"an index outside", mapped(2, 24), {1, 2, 3, 4, 5, 6, 1, 19}, 8, "060504 000000"},
+      {"packets with an index outside", packets(mapped(2, 24)), {1, 2, 3, 4, 5, 6, 0x81, 15}, 4, "000000 000000"},
+      {"a map with alpha", mapped(2, 32, 8), {1, 2, 3, 255, 0, 0, 0, 51, 0, 1}, 1, "030201 CCCCCC"},
+      {"a map with no alpha set", mapped(1, 32, 8), {1, 2, 3, 0, 0, 0}, 1, "030201 030201"},
+      {"indices of 16 bits", mapped(1, 24, 0, 300, 16), {1, 2, 3, 44, 1, 45, 1}, 24, "030201 000000"},
   };
   for (const auto& [name, variant, data, depth, picture] : kVariants) {
     SCOPED_TRACE(name);
-    const Bytes dib = load(variant.file(data));
+    const Bytes dib = load_file(variant.file(data));
     ASSERT_EQ(status, IMG_OK);
     EXPECT_EQ(header_of(dib).biBitCount, depth);
     EXPECT_EQ(picture_of(dib), picture);
@@ -200,57 +113,35 @@ TEST_F(TgaTest, TheExtensionAreaSaysWhatAlphaIs) {
        {std::pair(0, opaque), {1, opaque}, {2, opaque}, {3, straight}, {4, premultiplied}, {5, straight}}) {
     extension[494] = static_cast<uint8_t>(kind);
     Bytes file = joined(joined(picture, extension), footer);
-    EXPECT_EQ(picture_of(load(file)), expected) << kind;
+    EXPECT_EQ(picture_of(load_file(file)), expected) << kind;
     file[file.size() - 26] = 0;
-    EXPECT_EQ(picture_of(load(file)), straight);
+    EXPECT_EQ(picture_of(load_file(file)), straight);
   }
   footer[3] = 0xFF;
-  EXPECT_EQ(picture_of(load(joined(picture, footer))), straight);
+  EXPECT_EQ(picture_of(load_file(joined(picture, footer))), straight);
 }
 
 TEST_F(TgaTest, RefusesWhatIsNotRead) {
   const Bytes data(1000, 0);
-  for (const Variant& variant :
-       {Variant{.kind = 0}, Variant{.kind = 4}, Variant{.kind = 32}, Variant{.depth = 8}, Variant{.depth = 17},
-        Variant{.descriptor = 0x40}, Variant{.descriptor = 0x80}, Variant{.descriptor = 9}, Variant{.width = 0},
-        Variant{.height = 0}, Variant{.kind = 1, .depth = 8}, Variant{.kind = 1, .depth = 8, .map_depth = 24},
-        Variant{.kind = 1, .depth = 24, .map_count = 2, .map_depth = 24}, Variant{.map_count = 2, .map_depth = 8},
-        Variant{.kind = 1, .depth = 8, .map_count = 400, .map_depth = 24}, Variant{.kind = 3, .depth = 24},
-        Variant{.width = 334}, Variant{.kind = 10, .width = 65'535, .height = 65'535}}) {
-    EXPECT_EQ(load(variant.file(data)), Bytes());
-    EXPECT_EQ(status, IMG_E_FORMAT);
-  }
-  EXPECT_EQ(load_tga(folder.path("none").c_str(), &status), nullptr);
-  EXPECT_EQ(status, IMG_E_OPEN_FILE);
-}
-
-#ifndef _WIN32
-TEST_F(TgaTest, TheHeaderIsLookedAtBeforeTheWholeFile) {
-  write_file(path, {});
-  std::filesystem::resize_file(path, uint64_t{1} << 40);  // more than fits memory
-  EXPECT_EQ(load_tga(path.c_str(), &status), nullptr);
-  EXPECT_EQ(status, IMG_E_FORMAT);
-}
-#endif
-
-TEST_F(TgaTest, FilesThatAreCutOffDoNotLoad) {
-  for (const int depth : {1, 4, 8, 24})
-    for (const int run_length : {0, 1}) {
-      const Bytes file = saved(noise(33, 20, depth), run_length, 0);
-      for (size_t size = 0; size < file.size(); size += size < 20 ? 1 : 1 + file.size() / 64) {
-        EXPECT_EQ(load({file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size)}), Bytes()) << depth << ' ' << size;
-        EXPECT_EQ(status, IMG_E_FORMAT);
-      }
-    }
-}
-
-TEST_F(TgaTest, SaverLeavesTheFileWhenItRefuses) {
-  write_file(path, {1, 2, 3});
-  for (const BITMAPINFOHEADER& header :
-       {header_for(4, 4, 16), header_for(0, 4, 8), header_for(65'536, 1, 1), header_for(1, 65'536, 1)})
-    EXPECT_FALSE(save(with_header(header)));
-  EXPECT_FALSE(save_tga(path.c_str(), dead_handle(), 0, 0));
-  EXPECT_EQ(read_file(path), Bytes({1, 2, 3}));
+  const Variant refused[] = {{.kind = 0},
+                             {.kind = 4},
+                             {.kind = 32},
+                             {.depth = 8},
+                             {.depth = 17},
+                             {.descriptor = 0x40},
+                             {.descriptor = 0x80},
+                             {.descriptor = 9},
+                             {.width = 0},
+                             {.height = 0},
+                             {.kind = 1, .depth = 8},
+                             mapped(0, 24),
+                             mapped(2, 24, 0, 0, 24),
+                             {.map_count = 2, .map_depth = 8},
+                             mapped(400, 24),
+                             gray(24),
+                             {.width = 334},
+                             packets({.width = 65'535, .height = 65'535})};
+  for (int i = 0; const Variant& variant : refused) expect_refused(variant.file(data), IMG_E_FORMAT, std::to_string(i++));
 }
 
 }  // namespace

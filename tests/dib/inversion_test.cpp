@@ -8,40 +8,32 @@ using namespace test;
 
 namespace {
 
-TEST(InvertDIBPalette, ComplementsAsManyColorsAsTheHeaderCounts) {
-  BITMAPINFOHEADER header = header_for(1, 1, 1);
-  header.biClrUsed = 1;
-  const Block dib = block_of(with_header(header, {10, 20, 30, 40, 50, 60, 70, 80, 0x80, 0, 0, 0}));
-  EXPECT_TRUE(InvertDIBPalette(dib.get()));
-  EXPECT_EQ(bytes_of(dib.get()), with_header(header, {245, 235, 225, 40, 50, 60, 70, 80, 0x80, 0, 0, 0}));
-}
-
-TEST(InvertDIBPalette, CountOfZeroTouchesNothingAndSucceeds) {
-  const Bytes before = noise(5, 2, 8);
-  const Block dib = block_of(before);
-  EXPECT_TRUE(InvertDIBPalette(dib.get()));
-  EXPECT_EQ(bytes_of(dib.get()), before);
+Bytes mono_inverted(const Bytes& dib) {
+  const Block block = block_of(dib);
+  InvertMonoDIB(block.get());
+  return bytes_of(block.get());
 }
 
 // Missing bytes count as zero, and what would be written to them is dropped.
-TEST(InvertDIBPalette, WorksOnAsMuchOfTheTableAsThereIs) {
-  BITMAPINFOHEADER header = header_for(1, 1, 8);
-  for (uint32_t colors : {2u, 256u, 1u << 30, 0xFFFFFFFFu}) {
+TEST(InvertDIBPalette, ComplementsAsManyColorsAsTheHeaderCountsAndTheBlockHas) {
+  const Bytes whole = {10, 20, 30, 40, 50, 60, 70, 80}, cut = {1, 2, 3, 4, 5, 6},
+              cut_inverted = {254, 253, 252, 4, 250, 249};
+  const struct {
+    uint32_t colors;
+    Bytes before, after;
+  } cases[] = {{0, whole, whole},
+               {1, whole, {245, 235, 225, 40, 50, 60, 70, 80}},
+               {2, cut, cut_inverted},
+               {256, cut, cut_inverted},
+               {1u << 30, cut, cut_inverted},
+               {UINT32_MAX, cut, cut_inverted}};
+  for (const auto& [colors, before, after] : cases) {
+    BITMAPINFOHEADER header = header_for(1, 1, 8);
     header.biClrUsed = colors;
-    const Block dib = block_of(with_header(header, {1, 2, 3, 4, 5, 6}));
+    const Block dib = block_of(with_header(header, before));
     EXPECT_TRUE(InvertDIBPalette(dib.get()));
-    EXPECT_EQ(bytes_of(dib.get()), with_header(header, {254, 253, 252, 4, 250, 249})) << colors;
+    EXPECT_EQ(bytes_of(dib.get()), with_header(header, after)) << colors;
   }
-}
-
-TEST(InvertMonoDIB, WorksOnAsMuchOfTheTableAsThereIs) {
-  const BITMAPINFOHEADER header = header_for(3, 2, 1);
-  const Block half = block_of(with_header(header, {1, 2, 3, 9}));
-  InvertMonoDIB(half.get());
-  EXPECT_EQ(bytes_of(half.get()), with_header(header, {0, 0, 0, 9}));
-  const Block most = block_of(with_header(header, {1, 2, 3, 9, 4, 5}));
-  InvertMonoDIB(most.get());
-  EXPECT_EQ(bytes_of(most.get()), with_header(header, {4, 5, 0, 9, 1, 2}));
 }
 
 TEST(InvertDIBPalette, RefusesWhatIsNoDib) {
@@ -52,45 +44,32 @@ TEST(InvertDIBPalette, RefusesWhatIsNoDib) {
     EXPECT_FALSE(InvertDIBPalette(dib.get()));
     EXPECT_EQ(bytes_of(dib.get()), bytes);
   }
-  EXPECT_FALSE(InvertDIBPalette(nullptr));
-  EXPECT_FALSE(InvertDIBPalette(dead_handle()));
+  for (HGLOBAL none : {HGLOBAL{nullptr}, dead_handle()}) EXPECT_FALSE(InvertDIBPalette(none));
 }
 
 TEST(InvertMonoDIB, SwapsColorsAndBitsAndKeepsThePicture) {
   const BITMAPINFOHEADER header = header_for(3, 2, 1);
   const Bytes before = with_header(header, {1, 2, 3, 9, 4, 5, 6, 8, 0b10100000, 0, 0, 0, 0b01000000, 1, 2, 3, 77});
-  const Block dib = block_of(before);
-  InvertMonoDIB(dib.get());
-  EXPECT_EQ(bytes_of(dib.get()),
+  EXPECT_EQ(mono_inverted(before),
             with_header(header, {4, 5, 6, 9, 1, 2, 3, 8, 0b01011111, 255, 255, 255, 0b10111111, 254, 253, 252, 77}))
       << "reserved bytes and what follows the rows stay";
-  InvertMonoDIB(dib.get());
-  EXPECT_EQ(bytes_of(dib.get()), before);
+  EXPECT_EQ(mono_inverted(with_header(header, {1, 2, 3, 9})), with_header(header, {0, 0, 0, 9}));
+  EXPECT_EQ(mono_inverted(with_header(header, {1, 2, 3, 9, 4, 5})), with_header(header, {4, 5, 0, 9, 1, 2}));
 }
 
 TEST(InvertMonoDIB, LeavesOtherPicturesAlone) {
-  for (const Bytes& bytes : {noise(4, 4, 4), noise(4, 4, 24), Bytes{40, 0, 0, 0}}) {
-    const Block dib = block_of(bytes);
-    InvertMonoDIB(dib.get());
-    EXPECT_EQ(bytes_of(dib.get()), bytes);
-  }
-  InvertMonoDIB(nullptr);
-  InvertMonoDIB(dead_handle());
+  for (const Bytes& bytes : {noise(4, 4, 4), noise(4, 4, 24), Bytes{40, 0, 0, 0}}) EXPECT_EQ(mono_inverted(bytes), bytes);
+  for (HGLOBAL none : {HGLOBAL{nullptr}, dead_handle()}) InvertMonoDIB(none);
 }
 
 TEST(InvertMonoDIB, StaysInsideTheBlock) {
   for (const auto& [width, height] : {std::pair{1 << 30, 1 << 30}, {INT32_MAX, 1}, {8, -1}, {-8, 1}, {0, 0}}) {
-    for (size_t size : {40u, 43u, 44u, 48u, 50u}) {
-      Bytes bytes = with_header(header_for(width, height, 1), Bytes(10, 0x55));
-      bytes.resize(size);
-      const Block dib = block_of(bytes);
-      InvertMonoDIB(dib.get());
-      const Bytes after = bytes_of(dib.get());
-      ASSERT_EQ(after.size(), size);
-      if (size == 50) {
-        EXPECT_EQ(after[49], width > 0 && height > 0 ? 0xAA : 0x55);
-      }
+    const Bytes whole = with_header(header_for(width, height, 1), Bytes(10, 0x55));
+    for (size_t size : {40u, 43u, 44u, 48u}) {
+      const Bytes cut(whole.begin(), whole.begin() + static_cast<int>(size));
+      EXPECT_EQ(mono_inverted(cut).size(), size);
     }
+    EXPECT_EQ(mono_inverted(whole)[49], width > 0 && height > 0 ? 0xAA : 0x55);
   }
 }
 

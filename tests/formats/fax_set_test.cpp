@@ -1,6 +1,7 @@
 // Colour fax page sets, with bitmap files and DCX files as planes.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -160,31 +161,28 @@ TEST_F(FaxSet, SetsInsideSetsEndAtEight) {
 }
 
 TEST_F(FaxSet, BadSetsAreRefused) {
-  const std::string small = put("small.bmp", plane_image(0, 8, 8)), wide = put("wide.bmp", plane_image(0, 9, 8));
-  const std::string gray = put("gray.bmp", noise(8, 8, 8));
-  const auto two = [&](const std::string& first, const std::string& second) {
-    describe("TotalPages=1\nPlanes=2\nFiles=2", "[Page1]\nPlane0=" + first + "\nPlane1=" + second);
+  const std::string small = put("small.bmp", plane_image(0, 8, 8)), gray = put("gray.bmp", noise(8, 8, 8));
+  Bytes compressed = plane_image(0, 8, 8), cut = compressed;
+  compressed[16] = BI_RLE8;
+  cut[20] = 8 * 4 - 1;
+  const struct {
+    const char* why;
+    std::string first, second;
+    int code = 0;
+  } pairs[] = {
+      {"planes of two widths", small, put("wide.bmp", plane_image(0, 9, 8))},
+      {"planes of two heights", small, put("high.bmp", plane_image(0, 8, 9))},
+      {"a compressed plane", small, put("compressed.bmp", compressed)},
+      {"a plane whose block ends before its rows do", put("cut.bmp", cut), small},
+      {"planes of 8 bits", gray, gray},
+      {"a plane without a name", small, "", IMG_E_FORMAT},
+      {"a set that lists itself second", small, set_},
+      {"a set that lists itself first", set_, set_},
   };
-  two(small, wide);
-  expect_refused(0, "planes of two widths");
-  two(small, put("high.bmp", plane_image(0, 8, 9)));
-  expect_refused(0, "planes of two heights");
-  Bytes odd = plane_image(0, 8, 8);
-  odd[16] = BI_RLE8;
-  two(small, put("compressed.bmp", odd));
-  expect_refused(0, "a compressed plane");
-  odd = plane_image(0, 8, 8);
-  odd[20] = 8 * 4 - 1;
-  two(put("cut.bmp", odd), small);
-  expect_refused(0, "a plane whose block ends before its rows do");
-  two(gray, gray);
-  expect_refused(0, "planes of 8 bits");
-  two(small, "");
-  expect_refused(IMG_E_FORMAT, "a plane without a name");
-  two(small, set_);
-  expect_refused(0, "a set that lists itself second");
-  two(set_, set_);
-  expect_refused(0, "a set that lists itself first");
+  for (const auto& pair : pairs) {
+    describe("TotalPages=1\nPlanes=2\nFiles=2", "[Page1]\nPlane0=" + pair.first + "\nPlane1=" + pair.second);
+    expect_refused(pair.code, pair.why);
+  }
   describe("TotalPages=1\nPlanes=1\nFiles=1", "[Page1]\nPlane0=" + set_);
   expect_refused(0, "a set that is its own page");
   for (const char* planes : {"0", "5", "255", "256", "-4"}) {
@@ -228,64 +226,46 @@ std::string wide(const std::string& text, bool high_byte_first) {
 // Both builds take the same numbers from the same texts, although the system's own functions read them on Windows.
 TEST_F(FaxSet, PagesAreCounted) {
   const std::string zeros(40, '0');
-  const std::pair<std::string, int> values[] = {{"12 pages", 12},
-                                                {"-3", -3},
-                                                {"+5", 5},
-                                                {"- 5", 0},
-                                                {"017", 17},
-                                                {"0x1f", 31},
-                                                {"0XF", 0},
-                                                {"0o17", 15},
-                                                {"0b102", 2},
-                                                {"-0x10", -16},
-                                                {"0x", 0},
-                                                {"five", 0},
-                                                {"4294967297", 1},
-                                                {zeros.substr(2 + 11) + "12", 12},
-                                                {zeros.substr(1 + 11) + "12", 1},
-                                                {"\" \1\t5\"", 5},
-                                                {"\1\0025", 5},
-                                                {"'5'", 5},
-                                                {"\"5", 0},
-                                                {"", -1},
-                                                {"\"\"", -1},
-                                                {"5\0"
-                                                 "6"s,
-                                                 5},
-                                                {"5\x1A", 5}};
+  const std::map<int, std::vector<std::string>> values = {{12, {"12 pages", zeros.substr(2 + 11) + "12"}},
+                                                          {0, {"- 5", "0XF", "0x", "five", "\"5"}},
+                                                          {5,
+                                                           {"+5", "\" \1\t5\"", "\1\0025", "'5'",
+                                                            "5\0"
+                                                            "6"s,
+                                                            "5\x1A"}},
+                                                          {1, {"4294967297", zeros.substr(1 + 11) + "12"}},
+                                                          {-1, {"", "\"\""}},
+                                                          {-3, {"-3"}},
+                                                          {17, {"017"}},
+                                                          {31, {"0x1f"}},
+                                                          {15, {"0o17"}},
+                                                          {2, {"0b102"}},
+                                                          {-16, {"-0x10"}}};
   SetImgError(5);
-  for (const auto& [value, count] : values) {
-    describe("[ColorFax]\nTotalPages=" + value);
-    EXPECT_EQ(GetNumberOfImagesInFaxFile(set_.c_str()), count) << value;
-  }
+  for (const auto& [count, texts] : values)
+    for (const std::string& value : texts) {
+      describe("[ColorFax]\nTotalPages=" + value);
+      EXPECT_EQ(GetNumberOfImagesInFaxFile(set_.c_str()), count) << value;
+    }
   const std::string set = "[ColorFax]\nTotalPages=7";
   std::string long_section = "[" + std::string(200'000, 'x') + "]\n";
   for (int i = 0; i < 20'000; ++i) long_section += std::to_string(i) + "=\n";
-  const std::pair<std::string, int> texts[] = {{"[COLORFAX]\r\n; TotalPages=9\r\n TOTALPAGES\t= 12\r\nTotalPages=13", 12},
-                                               {"TotalPages=9\n[Other]\nTotalPages=9\n[ColorFax]\n", -1},
-                                               {"[ColorFax]\n[x]\n" + set, -1},
-                                               {"[ColorFax]\n[x\nTotalPages=7", 7},
-                                               {"[ ColorFax\t] x\nTotalPages=7", 7},
-                                               {"[ColorFax]]\nTotalPages=7", -1},
-                                               {"[ColorFax\nTotalPages=7", -1},
-                                               {"[ColorFax]\nTotalPages\nTotalPages=7", -1},
-                                               {"[ColorFax]\nTotalPages=\nTotalPages=7", -1},
-                                               {"[ColorFax]\r=\r\x1ATotalPages=7\rTotalPages=8", 7},
-                                               {"[ColorFax]\n\0TotalPages=7"s, -1},
-                                               {"[ColorFax\0x]\nTotalPages\0x=7"s, 7},
-                                               {"\xEF\xBB\xBF" + set, 7},
-                                               {"\xFF\xFE" + wide(set, false), 7},
-                                               {"\xFE\xFF" + wide(set, true), 7},
-                                               {wide(set, false), -1},
-                                               {long_section + set, 7},
-                                               {set + "\n" + std::string((1 << 20) - set.size() - 1, ';'), 7},
-                                               {set + "\n" + std::string((1 << 20) - set.size(), ';'), -1},
-                                               {"", -1}};
-  for (const auto& [text, count] : texts) {
-    describe(text);
-    EXPECT_EQ(GetNumberOfImagesInFaxFile(set_.c_str()), count) << text.substr(0, 80);
-    EXPECT_EQ(GetImageFormat(set_.c_str()) == IMG_FORMAT_COLOR_FAX, count > 0) << text.substr(0, 80);
-  }
+  const std::map<int, std::vector<std::string>> sets = {
+      {12, {"[COLORFAX]\r\n; TotalPages=9\r\n TOTALPAGES\t= 12\r\nTotalPages=13"}},
+      {7,
+       {"[ColorFax]\n[x\nTotalPages=7", "[ ColorFax\t] x\nTotalPages=7", "[ColorFax]\r=\r\x1ATotalPages=7\rTotalPages=8",
+        "[ColorFax\0x]\nTotalPages\0x=7"s, "\xEF\xBB\xBF" + set, "\xFF\xFE" + wide(set, false), "\xFE\xFF" + wide(set, true),
+        long_section + set, set + "\n" + std::string((1 << 20) - set.size() - 1, ';')}},
+      {-1,
+       {"TotalPages=9\n[Other]\nTotalPages=9\n[ColorFax]\n", "[ColorFax]\n[x]\n" + set, "[ColorFax]]\nTotalPages=7",
+        "[ColorFax\nTotalPages=7", "[ColorFax]\nTotalPages\nTotalPages=7", "[ColorFax]\nTotalPages=\nTotalPages=7",
+        "[ColorFax]\n\0TotalPages=7"s, wide(set, false), set + "\n" + std::string((1 << 20) - set.size(), ';'), ""}}};
+  for (const auto& [count, texts] : sets)
+    for (const std::string& text : texts) {
+      describe(text);
+      EXPECT_EQ(GetNumberOfImagesInFaxFile(set_.c_str()), count) << text.substr(0, 80);
+      EXPECT_EQ(GetImageFormat(set_.c_str()) == IMG_FORMAT_COLOR_FAX, count > 0) << text.substr(0, 80);
+    }
   EXPECT_EQ(ImgError(), 5);
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
+#include <span>
 
 #include <vorel32.h>
 
@@ -234,58 +235,55 @@ TEST(DamagedDibs, LackWhatIsMissingAlone) {
   EXPECT_EQ(converted(ExpandCompressedDIB, cut), expected) << "no codes, and half a table";
 }
 
-struct Refusal {
-  const char* what;
-  int width, height, depth;
-  uint32_t compression, image_bytes, header_bytes;
-  int code;
-};
-
-void expect_refusals(HGLOBAL(VORELCALL* convert)(HGLOBAL), const std::vector<Refusal>& refusals) {
-  const auto expect_refusal = [&](HGLOBAL dib, int code, const char* what) {
-    SetImgError(7);
-    EXPECT_FALSE(Block(convert(dib))) << what;
-    EXPECT_EQ(ImgError(), code) << what;
+TEST(RunLengthCodes, AreRefused) {
+  struct Refusal {
+    const char* what;
+    int width, height, depth;
+    uint32_t compression, image_bytes, header_bytes;
+    int code;
   };
-  expect_refusal(nullptr, 8, "null");
-  expect_refusal(dead_handle(), 8, "dead");
-  expect_refusal(block_of(Bytes(39, 40)).get(), 8, "header cut");
-  for (const Refusal& r : refusals) {
-    BITMAPINFOHEADER header = header_for(r.width, r.height, r.depth);
-    header.biSize = r.header_bytes;
-    header.biCompression = r.compression;
-    header.biSizeImage = r.image_bytes;
-    expect_refusal(block_of(with_header(header, Bytes(2000))).get(), r.code, r.what);
-  }
-}
-
-TEST(CompressDIB, Refuses) {
-  expect_refusals(CompressDIB, {{"compressed", 4, 4, 8, BI_RLE8, 9, 40, 8},
-                                {"colour masks", 4, 4, 8, BI_BITFIELDS, 9, 40, 8},
-                                {"1 bit", 4, 4, 1, BI_RGB, 0, 40, 8},
-                                {"24 bits", 4, 4, 24, BI_RGB, 0, 40, 8},
-                                {"other header", 4, 4, 8, BI_RGB, 0, 64, 8},
-                                {"negative width", -4, 4, 8, BI_RGB, 0, 40, 8},
-                                {"top-down", 4, -4, 8, BI_RGB, 0, 40, 8},
-                                {"wraps in 32 bits", 65'536, 65'536, 8, BI_RGB, 0, 40, 1},
-                                {"largest", INT32_MAX, INT32_MAX, 8, BI_RGB, 0, 40, 1},
-                                {"ends of lines alone", 0, INT32_MAX, 4, BI_RGB, 0, 40, 1}});
-}
-
-TEST(ExpandCompressedDIB, Refuses) {
-  expect_refusals(ExpandCompressedDIB, {{"uncompressed", 4, 4, 8, BI_RGB, 9, 40, 8},
-                                        {"8-bit codes at 4", 4, 4, 4, BI_RLE8, 9, 40, 8},
-                                        {"4-bit codes at 8", 4, 4, 8, BI_RLE4, 9, 40, 8},
-                                        {"no size", 4, 4, 8, BI_RLE8, 0, 40, 8},
-                                        {"no size, colour masks", 4, 4, 16, BI_BITFIELDS, 0, 40, 8},
-                                        {"other header", 4, 4, 8, BI_RLE8, 9, 12, 8},
-                                        {"negative width", -4, 4, 8, BI_RLE8, 9, 40, 8},
-                                        {"top-down", 4, -4, 4, BI_RLE4, 9, 40, 8},
-                                        {"wraps in 32 bits", 65'536, 65'536, 8, BI_RLE8, 9, 40, 1},
-                                        {"largest", INT32_MAX, INT32_MAX, 65'535, 9, 9, 40, 1},
-                                        {"table of 2 GB", 1, 1, 29, 9, 9, 40, 1},
-                                        {"table of 2^32 colours", 1, 1, 32, 9, 9, 40, 1},
-                                        {"table of 2^64 bytes", 1, 1, 62, 9, 9, 40, 1}});
+  const Refusal compressions[] = {{"compressed", 4, 4, 8, BI_RLE8, 9, 40, 8},
+                                  {"colour masks", 4, 4, 8, BI_BITFIELDS, 9, 40, 8},
+                                  {"1 bit", 4, 4, 1, BI_RGB, 0, 40, 8},
+                                  {"24 bits", 4, 4, 24, BI_RGB, 0, 40, 8},
+                                  {"other header", 4, 4, 8, BI_RGB, 0, 64, 8},
+                                  {"negative width", -4, 4, 8, BI_RGB, 0, 40, 8},
+                                  {"top-down", 4, -4, 8, BI_RGB, 0, 40, 8},
+                                  {"wraps in 32 bits", 65'536, 65'536, 8, BI_RGB, 0, 40, 1},
+                                  {"largest", INT32_MAX, INT32_MAX, 8, BI_RGB, 0, 40, 1},
+                                  {"ends of lines alone", 0, INT32_MAX, 4, BI_RGB, 0, 40, 1}};
+  const Refusal expansions[] = {{"uncompressed", 4, 4, 8, BI_RGB, 9, 40, 8},
+                                {"8-bit codes at 4", 4, 4, 4, BI_RLE8, 9, 40, 8},
+                                {"4-bit codes at 8", 4, 4, 8, BI_RLE4, 9, 40, 8},
+                                {"no size", 4, 4, 8, BI_RLE8, 0, 40, 8},
+                                {"no size, colour masks", 4, 4, 16, BI_BITFIELDS, 0, 40, 8},
+                                {"other header", 4, 4, 8, BI_RLE8, 9, 12, 8},
+                                {"negative width", -4, 4, 8, BI_RLE8, 9, 40, 8},
+                                {"top-down", 4, -4, 4, BI_RLE4, 9, 40, 8},
+                                {"wraps in 32 bits", 65'536, 65'536, 8, BI_RLE8, 9, 40, 1},
+                                {"largest", INT32_MAX, INT32_MAX, 65'535, 9, 9, 40, 1},
+                                {"table of 2 GB", 1, 1, 29, 9, 9, 40, 1},
+                                {"table of 2^32 colours", 1, 1, 32, 9, 9, 40, 1},
+                                {"table of 2^64 bytes", 1, 1, 62, 9, 9, 40, 1}};
+  const auto expect_refusals = [](HGLOBAL(VORELCALL * convert)(HGLOBAL), std::span<const Refusal> refusals) {
+    const auto expect_refusal = [&](HGLOBAL dib, int code, const char* what) {
+      SetImgError(7);
+      EXPECT_FALSE(Block(convert(dib))) << what;
+      EXPECT_EQ(ImgError(), code) << what;
+    };
+    expect_refusal(nullptr, 8, "null");
+    expect_refusal(dead_handle(), 8, "dead");
+    expect_refusal(block_of(Bytes(39, 40)).get(), 8, "header cut");
+    for (const Refusal& r : refusals) {
+      BITMAPINFOHEADER header = header_for(r.width, r.height, r.depth);
+      header.biSize = r.header_bytes;
+      header.biCompression = r.compression;
+      header.biSizeImage = r.image_bytes;
+      expect_refusal(block_of(with_header(header, Bytes(2000))).get(), r.code, r.what);
+    }
+  };
+  expect_refusals(CompressDIB, compressions);
+  expect_refusals(ExpandCompressedDIB, expansions);
 }
 
 }  // namespace

@@ -12,44 +12,24 @@ using namespace test;
 
 namespace {
 
-struct Point {
-  int x, y;
-};
-
+// Where pixels go, rows counted from the bottom: sides swapped or not, then counted from the other end or not.
 struct Turn {
   const char* name;
   HGLOBAL(VORELCALL* call)(HGLOBAL);
-  Point (*target)(int x, int y, int width, int height);
-  bool swaps_sides;
+  bool swaps_sides, mirrors_x, mirrors_y;
 };
 
-const Turn kTurns[] = {
-    {"RotateDIB90", RotateDIB90,
-     [](int x, int y, int w, int) -> Point {
-       return {y, w - 1 - x};
-     },
-     true},
-    {"RotateDIB180", RotateDIB180,
-     [](int x, int y, int w, int h) -> Point {
-       return {w - 1 - x, h - 1 - y};
-     },
-     false},
-    {"RotateDIB270", RotateDIB270,
-     [](int x, int y, int, int h) -> Point {
-       return {h - y, x};
-     },
-     true},
-    {"FlipDIBVertical", FlipDIBVertical,
-     [](int x, int y, int, int h) -> Point {
-       return {x, h - 1 - y};
-     },
-     false},
-    {"FlipDIBHorizontal", FlipDIBHorizontal,
-     [](int x, int y, int w, int) -> Point {
-       return {w - 1 - x, y};
-     },
-     false},
-};
+const Turn kTurns[] = {{"RotateDIB90", RotateDIB90, true, false, true},
+                       {"RotateDIB180", RotateDIB180, false, true, true},
+                       {"RotateDIB270", RotateDIB270, true, true, false},
+                       {"FlipDIBVertical", FlipDIBVertical, false, false, true},
+                       {"FlipDIBHorizontal", FlipDIBHorizontal, false, true, false}};
+
+// RotateDIB270 puts its pixels one column to the right.
+std::pair<int, int> target(const Turn& turn, int x, int y, int width, int height) {
+  if (turn.swaps_sides) return {turn.mirrors_x ? height - y : y, turn.mirrors_y ? width - 1 - x : x};
+  return {turn.mirrors_x ? width - 1 - x : x, turn.mirrors_y ? height - 1 - y : y};
+}
 
 // Widths and heights that leave part-filled bytes and words, fill them exactly, and cross the kernels' blocks.
 constexpr std::pair<int, int> kSizes[] = {{1, 1},   {3, 2},   {7, 9},   {8, 8},    {16, 4},
@@ -66,8 +46,8 @@ Bytes expected_pixels(const Turn& turn, const Bytes& source) {
   Bytes pixels(stride * static_cast<size_t>(turn.swaps_sides ? width : height) + 4);
   for (int y = 0; y < height; ++y)
     for (int x = 0; x < width; ++x) {
-      const Point to = turn.target(x, y, width, height);
-      const size_t first_bit = static_cast<size_t>(to.y) * stride * 8 + static_cast<size_t>(to.x * depth);
+      const auto [to_x, to_y] = target(turn, x, y, width, height);
+      const size_t first_bit = static_cast<size_t>(to_y) * stride * 8 + static_cast<size_t>(to_x * depth);
       const uint32_t value = pixel(source, x, y);
       for (int bit = 0; bit < depth; ++bit) {
         const size_t at = first_bit + static_cast<size_t>(bit);
@@ -130,12 +110,7 @@ TEST(TurnedBytes, AreTheseForASmallPicture) {
     return seen;
   };
   EXPECT_EQ(text(RotateDIB90), "HHHDDD..GGGCCC..FFFBBB..EEEAAA......") << "clockwise: EA / FB / GC / HD from the top";
-  EXPECT_EQ(text(RotateDIB270),
-            "...AAAEE"
-            "E..BBBFF"
-            "F..CCCGG"
-            "G..DDDHHH...")
-      << "one column to the right";
+  EXPECT_EQ(text(RotateDIB270), "...AAAEEE..BBBFFF..CCCGGG..DDDHHH...") << "one column to the right";
   EXPECT_EQ(text(RotateDIB180), "DDDCCCBBBAAAHHHGGGFFFEEE....");
   EXPECT_EQ(text(FlipDIBVertical), "AAABBBCCCDDDEEEFFFGGGHHH....");
   EXPECT_EQ(text(FlipDIBHorizontal), "HHHGGGFFFEEEDDDCCCBBBAAA....");
@@ -145,23 +120,6 @@ TEST(TurnedBytes, AreTheseAtOneBit) {
   const Bytes dib = with_header(header_for(10, 1, 1), {0, 0, 0, 0, 9, 9, 9, 0, 0b10000001, 0b11111111, 0xFF, 0xFF});
   EXPECT_EQ(rows_of(turned(FlipDIBHorizontal, dib), 2), (Bytes{0b11100000, 0b01000000, 0, 0, 0, 0, 0, 0}));
   EXPECT_EQ(rows_of(turned(RotateDIB180, dib), 2), (Bytes{0b11100000, 0b01000000, 0, 0, 0, 0, 0, 0}));
-}
-
-// Where rows have no padding, the column past the last is the next row's first pixel; for the last row it is spare.
-TEST(RotateDIB270, WritesPastRowsWithoutPadding) {
-  const Bytes at_8 = with_header(
-      [] {
-        BITMAPINFOHEADER h = header_for(2, 4, 8);
-        h.biClrUsed = 1;
-        return h;
-      }(),
-      {0, 0, 0, 0, 1, 5, 0, 0, 2, 6, 0, 0, 3, 7, 0, 0, 4, 8, 0, 0});
-  EXPECT_EQ(rows_of(turned(RotateDIB270, at_8), 1), (Bytes{0, 4, 3, 2, 1, 8, 7, 6, 5, 0, 0, 0}));
-
-  Bytes at_1 = with_header(header_for(2, 32, 1), Bytes(8 + 32 * 4));
-  at_1[48] = 0b11000000;           // both pixels of the bottom row
-  at_1[48 + 31 * 4] = 0b01000000;  // the right one of the top row
-  EXPECT_EQ(rows_of(turned(RotateDIB270, at_1), 2), (Bytes{0, 0, 0, 0, 0b11000000, 0, 0, 0, 0b10000000, 0, 0, 0}));
 }
 
 TEST(OtherDepths, GiveEmptyPicturesButMirrorWholeRows) {
@@ -196,6 +154,13 @@ TEST(LongerHeaders, AreCarriedOver) {
 }
 
 TEST(DamagedDibs, AreCompletedOrRefused) {
+  const auto expect_result = [](HGLOBAL dib, bool is_there) {
+    for (const Turn& turn : kTurns) {
+      SetImgError(7);
+      EXPECT_EQ(static_cast<bool>(Block(turn.call(dib))), is_there) << turn.name;
+      EXPECT_EQ(ImgError(), 7) << "no code is stored";
+    }
+  };
   struct Damage {
     const char* what;
     int width, height, depth, planes;
@@ -229,19 +194,10 @@ TEST(DamagedDibs, AreCompletedOrRefused) {
     header.biPlanes = static_cast<uint16_t>(damage.planes);
     header.biSize = damage.size;
     header.biClrUsed = damage.colors;
-    const Block block = block_of(with_header(header, Bytes(damage.bytes_there, 0xFF)));
-    for (const Turn& turn : kTurns) {
-      SetImgError(7);
-      EXPECT_EQ(static_cast<bool>(Block(turn.call(block.get()))), damage.gives_result) << turn.name;
-      EXPECT_EQ(ImgError(), 7) << "no code is stored";
-    }
+    expect_result(block_of(with_header(header, Bytes(damage.bytes_there, 0xFF))).get(), damage.gives_result);
   }
-}
-
-TEST(DamagedDibs, WhatIsNoDibGivesNothing) {
-  const Block short_block = block_of(Bytes(39, 40));
-  for (HGLOBAL handle : {HGLOBAL{nullptr}, dead_handle(), short_block.get()})
-    for (const Turn& turn : kTurns) EXPECT_EQ(turn.call(handle), nullptr) << turn.name;
+  const Block cut = block_of(Bytes(39, 40));
+  for (HGLOBAL handle : {HGLOBAL{nullptr}, dead_handle(), cut.get()}) expect_result(handle, false);
 }
 
 TEST(DamagedDibs, MissingRowsAreEmptyInTheResult) {

@@ -55,20 +55,6 @@ TEST(SkewDIB, RoundsRowsByTheirDepth) {
   EXPECT_EQ(first_set(1), 1) << "rounded down to a bit";
 }
 
-TEST(SkewDIB, GoesThereAndBack) {
-  constexpr int kSide = 12, kOffset = 3 * kSide;  // each line moves by whole pixels
-  for (int depth : {1, 4, 8, 24})
-    for (bool rows : {false, true})
-      for (int offset : {kOffset, -kOffset}) {
-        const Bytes dib = noise(kSide, kSide, depth), back = skewed(skewed(dib, rows, offset), rows, -offset);
-        int wrong = 0;
-        for (int y = 0; y < kSide; ++y)
-          for (int x = 0; x < kSide; ++x)
-            wrong += pixel(back, x + (rows ? kOffset : 0), y + (rows ? 0 : kOffset)) != pixel(dib, x, y);
-        EXPECT_EQ(wrong, 0) << depth << " bits, rows " << rows << ", " << offset;
-      }
-}
-
 TEST(SkewDIB, FailsWhereTheResultHasNoSize) {
   const Block dib = block_of(noise(9, 9, 8));
   for (int offset : {INT_MAX, INT_MIN, INT_MAX - 9})

@@ -168,6 +168,9 @@ TempFolder::~TempFolder() {
 }
 
 void write_file(const std::string& path, const Bytes& bytes) {
+  // Systems take care of what is written over, at the price of waiting for the disk.
+  std::error_code in_use;
+  std::filesystem::remove(path, in_use);
   std::ofstream(path, std::ios::binary)
       .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }

@@ -84,6 +84,15 @@ std::string picture_of(const Bytes& dib);
 // How far the colours of two pictures are apart in any component at most; more than 255 if their sizes differ.
 int largest_difference(const Bytes& a, const Bytes& b);
 
+// A number for all results of a run (FNV-1a), which is the same on every build.
+struct Digest {
+  uint64_t value = 0xCBF29CE484222325;
+
+  void add(const Bytes& bytes) {
+    for (uint8_t byte : bytes) value = (value ^ byte) * 0x100000001B3;
+  }
+};
+
 // A folder that is removed with its scope.
 class TempFolder {
  public:

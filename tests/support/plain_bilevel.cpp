@@ -241,11 +241,6 @@ Luminances luminances(const Picture& source) {
   return result;
 }
 
-void put_white(Picture& result, int x, int y) {
-  const size_t i = result.index(x, y);
-  result.put(i, result.at(i) | 0x80 >> x % 8);
-}
-
 void diffuse_all(const Luminances& light, Picture& result) {
   const int stride = static_cast<int>(light.stride);
   const ErrorRow<int32_t> row(stride);
@@ -255,7 +250,7 @@ void diffuse_all(const Luminances& light, Picture& result) {
       current.add(x, light.values[static_cast<size_t>(y) * light.stride + static_cast<size_t>(x)]);
     for (int x = 0; x < result.width; ++x) {
       const int e = current[x] > 128 ? current[x] - 255 : current[x];
-      if (current[x] > 128) put_white(result, x, y);
+      if (current[x] > 128) result.set(x, y, 1);
       if (e == 0) continue;
       for (int i = 1; const int weight : {7, 5}) current.add(x + i++, e * weight / 48);
       for (int i = -2; const int weight : {3, 5, 7, 5, 3}) first.add(x + i++, e * weight / 48);
@@ -283,7 +278,7 @@ Bytes plain_halftone(const Bytes& dib, int method, int brightness) {
     for (int x = 0; x < result.width; ++x) {
       const auto row = static_cast<size_t>(y), column = static_cast<size_t>(x);
       const int threshold = method == 0 ? 128 : thresholds[row % 16][column % 16];
-      if (light.values[row * light.stride + column] > threshold) put_white(result, x, y);
+      if (light.values[row * light.stride + column] > threshold) result.set(x, y, 1);
     }
   return result.bytes;
 }

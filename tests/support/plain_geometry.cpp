@@ -4,49 +4,12 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
+
+#include "support/picture.h"
 
 namespace test {
 
 namespace {
-
-// A packed DIB taken apart.
-struct Picture {
-  Bytes bytes;
-  BITMAPINFOHEADER header = header_of(bytes);
-  int width = header.biWidth, height = header.biHeight, depth = header.biBitCount;
-  size_t colors = header.biClrUsed != 0 ? header.biClrUsed : depth <= 8 ? size_t{1} << depth : 0;
-  size_t head = sizeof header + 4 * colors, stride = stride_of(width, depth);
-
-  explicit Picture(Bytes dib) : bytes(std::move(dib)) {}
-
-  // An empty one with another's colours.
-  static Picture like(const Picture& other, BITMAPINFOHEADER header, size_t spare = 0) {
-    const size_t rows = stride_of(header.biWidth, other.depth) * static_cast<size_t>(header.biHeight);
-    Bytes dib(other.head + rows + spare);
-    std::copy_n(other.bytes.begin(), other.head, dib.begin());
-    std::memcpy(dib.data(), &header, sizeof header);
-    return Picture(std::move(dib));
-  }
-
-  const uint8_t* row(int y) const { return bytes.data() + head + static_cast<size_t>(y) * stride; }
-  uint8_t* row(int y) { return bytes.data() + head + static_cast<size_t>(y) * stride; }
-
-  uint32_t pixel(int x, int y) const {
-    const uint8_t* at = row(y) + x * depth / 8;
-    if (depth == 24) return at[0] | at[1] * 0x100u | at[2] * 0x10000u;
-    return at[0] >> (8 - depth - x * depth % 8) & ((1u << depth) - 1);
-  }
-
-  // Sets a pixel that is still zero.
-  void set(int x, int y, uint32_t value) {
-    uint8_t* at = row(y) + x * depth / 8;
-    if (depth == 24)
-      for (int i = 0; i < 3; ++i) at[i] = static_cast<uint8_t>(value >> 8 * i);
-    else
-      at[0] |= static_cast<uint8_t>(value << (8 - depth - x * depth % 8));
-  }
-};
 
 BITMAPINFOHEADER resized(BITMAPINFOHEADER header, int width, int height) {
   header.biWidth = width;
@@ -137,12 +100,13 @@ void skew_row(const Picture& source, Picture& result, int y, int64_t bits) {
   int64_t byte = bits / 8;
   if (source.depth == 24) byte -= byte % 3;
   const int shift = source.depth == 4 ? static_cast<int>(bits % 8 / 4 * 4) : static_cast<int>(bits % 8);
-  const auto put = [&](int64_t at, int value) {
-    if (at < static_cast<int64_t>(result.stride)) result.row(y)[at] |= static_cast<uint8_t>(value);
+  const auto add = [&](size_t at, int value) {
+    if (at < result.stride) result.put(result.index(0, y) + at, result.at(result.index(0, y) + at) | value);
   };
-  for (int i = 0; i < (source.depth * source.width + 7) / 8; ++i) {
-    put(byte + i, source.row(y)[i] >> shift);
-    put(byte + i + 1, source.row(y)[i] << (8 - shift));
+  for (size_t i = 0; i < static_cast<size_t>((source.depth * source.width + 7) / 8); ++i) {
+    const int pixels = source.at(source.index(0, y) + i);
+    add(static_cast<size_t>(byte) + i, pixels >> shift);
+    add(static_cast<size_t>(byte) + i + 1, pixels << (8 - shift));
   }
 }
 
@@ -211,7 +175,7 @@ Bytes interpolated(const Picture& source, int old_width, int old_height, int wid
   std::vector<Color> table(source.colors), shown(256);
   for (size_t i = 0; i < table.size(); ++i) {
     Color& color = table[i];
-    std::memcpy(color.data(), &source.bytes[40 + 4 * i], 3);
+    for (int c = 0; c < 3; ++c) color[static_cast<size_t>(c)] = static_cast<uint8_t>(source.color(static_cast<int>(i), c));
     shown[i] = color;
     if (grey) shown[i].fill(static_cast<uint8_t>((color[0] + color[1] + color[2] + 1) / 3));
   }
@@ -219,7 +183,7 @@ Bytes interpolated(const Picture& source, int old_width, int old_height, int wid
     if (y < 0) return 0;
     x = std::clamp(x, 0, old_width - 1);
     y = std::min(y, old_height - 1);
-    return source.depth == 24 ? source.row(y)[3 * static_cast<size_t>(x) + component] : shown[source.pixel(x, y)][component];
+    return source.depth == 24 ? source.at(source.index(x, y) + component) : shown[source.pixel(x, y)][component];
   };
 
   const auto taps = cubic ? cubic_taps : linear_taps;

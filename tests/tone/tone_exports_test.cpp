@@ -1,6 +1,5 @@
 // What the exports of tone and colour refuse, in which order, and how each tells.
 #include <climits>
-#include <functional>
 #include <gtest/gtest.h>
 #include <set>
 
@@ -15,69 +14,42 @@ namespace {
 
 constexpr int kUntouched = 77;
 
-// An export with good parameters and with one that is refused after everything that can be wrong with the DIB.
+// Each with good parameters and with one that is refused after everything that can be wrong with the DIB.
+
+HGLOBAL histogram_of(HGLOBAL dib, bool good, int* error) {
+  static const Block histogram = block_of(Bytes(512));
+  Block(ComputeHistogram(nullptr, IMG_ALLOCATE, nullptr, nullptr, nullptr));  // forgets the square of the last call
+  const int origin[] = {1000, 1000};
+  return ComputeHistogram(dib, IMG_COMPUTE, good ? histogram.get() : dead_handle(), origin, error);
+}
+HGLOBAL looked_up(HGLOBAL dib, bool good, int* error) {
+  return ApplyLUT(dib, good ? block_of(Bytes(256)).get() : dead_handle(), 0, error);
+}
+HGLOBAL convolved(HGLOBAL dib, bool good, int* error) { return Convolve(dib, 0, good ? 3 : 0, 3, nullptr, nullptr, error); }
+HGLOBAL color_convolved(HGLOBAL dib, bool good, int* error) {
+  return ColorConvolution(dib, 0, 0, 3, good ? 3 : 2, nullptr, nullptr, error);
+}
+HGLOBAL brightened(HGLOBAL dib, bool good, int*) { return ColorBrightnessContrast(dib, good ? 100 : 101, -100); }
+HGLOBAL deepened(HGLOBAL dib, bool, int*) { return Convert8to24(dib); }
+HGLOBAL gray(HGLOBAL dib, bool good, int*) { return ConvColorDIBtoGrayscale(dib, good ? 2 : 3, 0); }
+HGLOBAL gray_of_bits(HGLOBAL dib, bool good, int*) { return ConvMonoDIBtoGrayscale(dib, good ? 2 : -1); }
+
 struct Export {
   const char* name;
+  HGLOBAL (*call)(HGLOBAL dib, bool good, int* error);
   bool tells_thread;  // else its own variable
   std::set<int> depths;
   int other_depth, bad_parameter;  // codes
-  std::function<HGLOBAL(HGLOBAL dib, bool good, int* error)> call;
 };
 
-const Export kExports[] = {
-    {"ComputeHistogram",
-     false,
-     {8},
-     13,
-     17,
-     [](HGLOBAL dib, bool good, int* error) {
-       static const Block histogram = block_of(Bytes(512));
-       Block(ComputeHistogram(nullptr, IMG_ALLOCATE, nullptr, nullptr, nullptr));  // forgets the square of the last call
-       const int origin[] = {1000, 1000};
-       return ComputeHistogram(dib, IMG_COMPUTE, good ? histogram.get() : dead_handle(), origin, error);
-     }},
-    {"ApplyLUT",
-     false,
-     {8},
-     13,
-     17,
-     [](HGLOBAL dib, bool good, int* error) {
-       return ApplyLUT(dib, good ? block_of(Bytes(256)).get() : dead_handle(), 0, error);
-     }},
-    {"Convolve",
-     false,
-     {8},
-     13,
-     8,
-     [](HGLOBAL dib, bool good, int* error) { return Convolve(dib, 0, good ? 3 : 0, 3, nullptr, nullptr, error); }},
-    {"ColorConvolution",
-     false,
-     {24},
-     13,
-     8,
-     [](HGLOBAL dib, bool good, int* error) {
-       return ColorConvolution(dib, 0, 0, 3, good ? 3 : 2, nullptr, nullptr, error);
-     }},
-    {"ColorBrightnessContrast",
-     true,
-     {4, 8, 24},
-     13,
-     8,
-     [](HGLOBAL dib, bool good, int*) { return ColorBrightnessContrast(dib, good ? 100 : 101, -100); }},
-    {"Convert8to24", true, {8}, 13, 0, [](HGLOBAL dib, bool, int*) { return Convert8to24(dib); }},
-    {"ConvColorDIBtoGrayscale",
-     true,
-     {1, 4, 8, 24},
-     13,
-     8,
-     [](HGLOBAL dib, bool good, int*) { return ConvColorDIBtoGrayscale(dib, good ? 2 : 3, 0); }},
-    {"ConvMonoDIBtoGrayscale",
-     true,
-     {1},
-     18,
-     8,
-     [](HGLOBAL dib, bool good, int*) { return ConvMonoDIBtoGrayscale(dib, good ? 2 : -1); }},
-};
+const Export kExports[] = {{"ComputeHistogram", histogram_of, false, {8}, 13, 17},
+                           {"ApplyLUT", looked_up, false, {8}, 13, 17},
+                           {"Convolve", convolved, false, {8}, 13, 8},
+                           {"ColorConvolution", color_convolved, false, {24}, 13, 8},
+                           {"ColorBrightnessContrast", brightened, true, {4, 8, 24}, 13, 8},
+                           {"Convert8to24", deepened, true, {8}, 13, 0},
+                           {"ConvColorDIBtoGrayscale", gray, true, {1, 4, 8, 24}, 13, 8},
+                           {"ConvMonoDIBtoGrayscale", gray_of_bits, true, {1}, 18, 8}};
 
 // Calls and looks where the code is told, and that it is not told elsewhere.
 void expect(const Export& e, HGLOBAL dib, bool good, int code, const std::string& what) {
@@ -128,21 +100,15 @@ TEST(ToneExports, CheckTheDibFromItsHeaderToItsSizeAndThenTheRest) {
 
 // Some look at 16 bits of a size. Negative ones give no pixels where the picture itself is changed, and no copy.
 TEST(ToneExports, RefuseSizesThatMeanNothing) {
-  struct Size {
+  const struct {
     int width, height;
     uint32_t colors;
     int codes[4];  // where the picture is changed; for colour filters; where low words count; for greys
-  };
+  } sizes[] = {{65'536, 1, 1, {0, 19, 19, 0}},    {1, 65'536, 1, {0, 0, 19, 0}},         {-9, 9, 1, {0, 0, 1, 1}},
+               {9, -9, 1, {0, 0, 1, 1}},          {INT_MIN, INT_MIN, 1, {0, 19, 19, 1}}, {INT_MAX, INT_MAX, 1, {1, 1, 1, 1}},
+               {65'537, 65'537, 1, {1, 1, 1, 1}}, {9, 9, 1u << 30, {1, 1, 1, 1}},        {9, 9, UINT_MAX, {1, 1, 1, 1}}};
   const size_t kinds[std::size(kExports)] = {0, 0, 0, 1, 2, 2, 3, 3};
-  for (const Size& size : {Size{65'536, 1, 1, {0, 19, 19, 0}},
-                           {1, 65'536, 1, {0, 0, 19, 0}},
-                           {-9, 9, 1, {0, 0, 1, 1}},
-                           {9, -9, 1, {0, 0, 1, 1}},
-                           {INT_MIN, INT_MIN, 1, {0, 19, 19, 1}},
-                           {INT_MAX, INT_MAX, 1, {1, 1, 1, 1}},
-                           {65'537, 65'537, 1, {1, 1, 1, 1}},
-                           {9, 9, 1u << 30, {1, 1, 1, 1}},
-                           {9, 9, UINT_MAX, {1, 1, 1, 1}}})
+  for (const auto& size : sizes)
     for (size_t i = 0; i < std::size(kExports); ++i) {
       BITMAPINFOHEADER header = header_for(size.width, size.height, *kExports[i].depths.begin());
       header.biClrUsed = size.colors;
