@@ -57,14 +57,14 @@ TEST_F(CliFormats, WhatIsDrawnNeedsWindows) {
     ASSERT_EQ(run({"info", file}), 0) << err_;
     EXPECT_THAT(out_.str(), HasSubstr("48 x 24 pixels"));
     ASSERT_EQ(run({"convert", file, at("back.bmp"), "--overwrite"}), 0) << err_;
-    EXPECT_LE(largest_difference(dib_in("back.bmp"), bilevel(48, 24)), ending == "emf" ? 255 : 0) << ending;
+    EXPECT_LE(largest_difference(dib_at("back.bmp"), bilevel(48, 24)), ending == "emf" ? 255 : 0) << ending;
   }
   put("odd.bmp", bitmap_file(bilevel(33, 21)));
   EXPECT_EQ(run({"convert", at("odd.bmp"), at("odd.emf")}), 0) << "one pixel is lost";
   ASSERT_EQ(run({"text", text, at("ansi.bmp")}), 0) << err_;
   ASSERT_EQ(run({"text", text, at("oem.bmp"), "--oem"}), 0) << err_;
-  EXPECT_EQ(header_of(dib_in("oem.bmp")).biHeight, 32);
-  EXPECT_NE(dib_in("oem.bmp"), dib_in("ansi.bmp"));
+  EXPECT_EQ(header_of(dib_at("oem.bmp")).biHeight, 32);
+  EXPECT_NE(dib_at("oem.bmp"), dib_at("ansi.bmp"));
   EXPECT_EQ(run({"text", put("long.txt", Bytes(40'000, 13)), at("long.bmp")}), 6);
   EXPECT_THAT(err_, HasSubstr("split the file"));
   put("damaged.wmf", {0xD7, 0xCD, 0xC6, 0x9A});
