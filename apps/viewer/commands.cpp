@@ -34,6 +34,10 @@ std::vector<Command> file_commands() {
       {L"&Next page", {kPageDownKey}, [](Window& w) { w.go_to_page(w.document().page() + 1); }, has_pages},
       {L"&Page before", {kPageUpKey}, [](Window& w) { w.go_to_page(w.document().page() - 1); }, has_pages},
       line(),
+      {L"Prin&t...", control('P'), [](Window& w) { w.print(); }, has_picture},
+      {L"Print pre&view...", {'P', true, true}, [](Window& w) { w.preview(); }, has_picture},
+      {L"Printer set&up...", {'U', true, true}, [](Window& w) { w.set_up_printer(); }},
+      line(),
       {L"E&xit", control('Q'), [](Window& w) { w.close(); }},
   };
 }

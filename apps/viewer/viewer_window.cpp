@@ -9,6 +9,8 @@
 #include "viewer/failure.h"
 #include "viewer/file_dialogs.h"
 #include "viewer/logic/neighbours.h"
+#include "viewer/print_dialog.h"
+#include "viewer/print_preview.h"
 #include "viewer/window.h"
 
 namespace vorel::viewer {
@@ -251,6 +253,26 @@ bool ViewerWindow::may_lose_changes() {
 
 void ViewerWindow::close() {
   if (may_lose_changes()) DestroyWindow(window_);
+}
+
+// ---- Printing ----
+
+void ViewerWindow::print() {
+  DocumentPages pages(document_);
+  const std::vector<int> chosen = ask_how_to_print(window_, pages, print_settings_);
+  if (chosen.empty()) return;
+  const int sheets = print_pages(window_, print_settings_, pages, chosen);
+  tell(L"Printed " + counted(sheets, L" sheet") + L" on " + print_settings_.printer.name());
+}
+
+void ViewerWindow::preview() {
+  DocumentPages pages(document_);
+  if (show_preview(window_, pages, print_settings_) == PreviewEnd::kPrint) print();
+}
+
+// Another default printer is the one to print on next.
+void ViewerWindow::set_up_printer() {
+  if (PrinterSetup(window_) != 0) print_settings_.printer = {};
 }
 
 // ---- Editing ----

@@ -9,6 +9,7 @@
 #include "viewer/canvas.h"
 #include "viewer/document.h"
 #include "viewer/operations.h"
+#include "viewer/printing.h"
 #include "viewer/system.h"
 
 namespace vorel::viewer {
@@ -27,6 +28,9 @@ class ViewerWindow {
   void load_again();
   void go_to_page(int page);
   void save_as();
+  void print();
+  void preview();
+  void set_up_printer();
   void paste();
   void copy();
   void undo();
@@ -65,6 +69,7 @@ class ViewerWindow {
   Document document_;
   std::filesystem::path place_;        // the file that was tried last, from where neighbours are looked for
   std::vector<Numbers> last_numbers_;  // of each operation
+  PrintSettings print_settings_;
 };
 
 }  // namespace vorel::viewer

@@ -1,8 +1,11 @@
 // The viewer's arithmetic and texts.
+#include <array>
 #include <gtest/gtest.h>
 
 #include "viewer/logic/key.h"
 #include "viewer/logic/neighbours.h"
+#include "viewer/logic/page_range.h"
+#include "viewer/logic/print_layout.h"
 #include "viewer/logic/texts.h"
 #include "viewer/logic/zoom.h"
 
@@ -104,6 +107,66 @@ TEST(ViewerTexts, TellAboutAPicture) {
   EXPECT_EQ(size_text(picture), L"640 x 480 pixels, 1 bit");
   EXPECT_EQ(plain_name(L"Scale, &linear..."), L"Scale, linear");
   EXPECT_EQ(as_reason("Not enough memory."), L"Not enough memory");
+}
+
+TEST(ViewerPages, AreListedAsTheyAreWritten) {
+  using Pages = std::vector<int>;
+  const struct {
+    const wchar_t* text;
+    std::optional<Pages> pages;
+  } cases[] = {
+      {L"1-3,5", Pages{1, 2, 3, 5}},
+      {L" 2 , 1, 2", Pages{2, 1, 2}},
+      {L"4-", Pages{4, 5}},
+      {L"", Pages{1, 2, 3, 4, 5}},
+      {L"5-5", Pages{5}},
+      {L"6", {}},
+      {L"4-6", {}},
+      {L"0", {}},
+      {L"3-2", {}},
+      {L"1,", {}},
+      {L"-2", {}},
+      {L"1-2-3", {}},
+      {L"two", {}},
+      {L"99999999999999999999", {}},
+  };
+  for (const auto& row : cases) EXPECT_EQ(parse_page_range(row.text, 5), row.pages) << row.text;
+}
+
+std::array<int, 4> numbers_of(Rect rect) { return {rect.x, rect.y, rect.width, rect.height}; }
+using Box = std::array<int, 4>;
+
+// Paper of 8 x 10 inches with margins of half an inch at the left and of one inch elsewhere, in dots that are twice as dense across.
+const Sheet kSheet = {{200, 100}, {1600, 1000}, {100, 100, 1300, 800}};
+
+TEST(ViewerPreview, FitsTheWindowWhateverItsShape) {
+  const Rect printed = {100, 50, 600, 300};                               // dots
+  const PreviewBoxes high = preview_boxes(kSheet, printed, {104, 1024});  // 10 pixels an inch
+  EXPECT_EQ(numbers_of(high.paper), (Box{12, 462, 80, 100}));
+  EXPECT_EQ(numbers_of(high.printable), (Box{17, 472, 65, 80}));
+  EXPECT_EQ(numbers_of(high.picture), (Box{22, 477, 30, 30}));
+  const PreviewBoxes wide = preview_boxes(kSheet, printed, {1024, 224});  // 20 pixels an inch
+  EXPECT_EQ(numbers_of(wide.paper), (Box{432, 12, 160, 200}));
+  EXPECT_EQ(numbers_of(wide.picture), (Box{452, 42, 60, 60}));
+  EXPECT_GE(preview_boxes(kSheet, printed, {0, 0}).paper.width, 0);
+}
+
+TEST(ViewerPreview, PlacesPicturesByTheChosenLayout) {
+  const DibHeader picture = {
+      .width = 300, .height = 200, .depth = 1, .x_per_metre = 3937, .y_per_metre = 3937};  // 3 x 2 inches
+  PrintLayout layout;
+  EXPECT_EQ(numbers_of(printed_box(layout, picture, kSheet)), (Box{0, 183, 1300, 433}));
+  EXPECT_EQ(layout_text(layout), L"fit, centred");
+  layout.sizing = PageSizing::kTrueSize;
+  layout.is_centred_down = false;
+  EXPECT_EQ(numbers_of(printed_box(layout, picture, kSheet)), (Box{350, 0, 600, 200}));
+  EXPECT_EQ(layout_text(layout), L"true size, centred across");
+  layout.goes_by_resolution = false;
+  EXPECT_EQ(numbers_of(printed_box(layout, picture, kSheet)), (Box{500, 0, 300, 200}));
+  EXPECT_EQ(printed_size_text({0, 0, 300, 200}, kSheet), L"38 x 51 mm on paper of 203 x 254 mm");
+  layout = {PageSizing::kStretch, false, false, false};
+  EXPECT_EQ(numbers_of(printed_box(layout, picture, kSheet)), (Box{0, 0, 1300, 800}));
+  EXPECT_EQ(layout_text(layout), L"stretch, a dot a pixel");
 }
 
 }  // namespace

@@ -5,11 +5,11 @@ namespace {
 
 constexpr const wchar_t* kProgram = L"Vorel Viewer";
 
+}  // namespace
+
 std::wstring counted(int count, const std::wstring& what) {
   return std::to_wstring(count) + what + (count == 1 ? L"" : L"s");
 }
-
-}  // namespace
 
 std::wstring title_text(const PictureFacts& picture) {
   if (picture.name.empty()) return kProgram;

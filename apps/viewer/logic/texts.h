@@ -24,6 +24,9 @@ std::wstring size_text(const PictureFacts& picture);
 
 std::wstring percent_text(const PictureFacts& picture);
 
+// "1 bit", "24 bits" for " bit".
+std::wstring counted(int count, const std::wstring& what);
+
 // The name of a command without what marks its key and its dialog: "Scale, linear" for "Scale, &linear...".
 std::wstring plain_name(std::wstring menu_name);
 

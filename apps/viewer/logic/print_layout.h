@@ -1,0 +1,46 @@
+// How a picture is laid out on paper, and how a preview of that fits a window. Where the picture comes to lie is reckoned by the
+// library's own page layout, the one thing that the viewer takes from inside the library: the preview then shows what is printed.
+#pragma once
+
+#include <string>
+
+#include "print/page_layout.h"
+
+namespace vorel::viewer {
+
+enum class PageSizing { kTrueSize, kFit, kStretch };
+
+struct PrintLayout {
+  PageSizing sizing = PageSizing::kFit;
+  bool is_centred_across = true, is_centred_down = true;
+  bool goes_by_resolution = true;  // the picture's; else a printer dot for each pixel
+};
+
+// For a job of one copy, in which nothing is asked.
+ImgPrintOptions print_options(const PrintLayout& layout);
+
+// "fit, centred", "true size, a dot a pixel".
+std::wstring layout_text(const PrintLayout& layout);
+
+// Paper in a printer, in its dots.
+struct Sheet {
+  Resolution resolution;
+  Size paper;
+  Rect printable;  // on the paper
+};
+
+// Where a picture is printed, counted from the corner of the printable part.
+Rect printed_box(const PrintLayout& layout, const DibHeader& picture, const Sheet& sheet);
+
+// "100 x 150 mm on paper of 210 x 297 mm".
+std::wstring printed_size_text(Rect printed, const Sheet& sheet);
+
+// A sheet and what is on it, in pixels of a window.
+struct PreviewBoxes {
+  Rect paper, printable, picture;
+};
+
+// As large as a window has room for, in its middle, with a margin around the paper.
+PreviewBoxes preview_boxes(const Sheet& sheet, Rect printed, Size window);
+
+}  // namespace vorel::viewer
