@@ -29,12 +29,12 @@ double one_shot_scale(double image_dpi, int screen_dpi, int viewport, int window
 }
 
 OneShotPart one_shot_part(const OneShotAxis& axis, int position) {
+  if (axis.image < 1) return {};
   const int offset = axis.offset(position);
   const int end = static_cast<int>(std::min<int64_t>(axis.displayed(), int64_t{axis.client} + offset));
   // Enlarged, a pixel may fill the window.
-  const int from = std::max(std::min(axis.source_at(offset), axis.image - 1), 0);
-  const int source_end = std::min(std::max(axis.source_at(end), from + 1), std::max(axis.image, 0));
-  return {0, end - offset, from, std::max(source_end - from, 0)};
+  const int from = std::min(axis.source_at(offset), axis.image - 1);
+  return {0, end - offset, from, std::max(axis.source_at(end), from + 1) - from};
 }
 
 OneShotFit one_shot_fit(const OneShotAxis& x, const OneShotAxis& y) {
