@@ -42,10 +42,7 @@ class PrintDialog {
   }
 
   BOOL fill(HWND dialog) {
-    for (const std::wstring& name : printer_names())
-      SendDlgItemMessageW(dialog, IDC_PRINTERS, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
-    SendDlgItemMessageW(dialog, IDC_PRINTERS, CB_SELECTSTRING, static_cast<WPARAM>(-1),
-                        reinterpret_cast<LPARAM>(settings_.printer.name().c_str()));
+    offer_printers(GetDlgItem(dialog, IDC_PRINTERS));
     SendDlgItemMessageW(dialog, IDC_PAGES, EM_LIMITTEXT, kLongestRange, 0);
     const bool has_pages = pages_.count() > 1;
     const std::wstring all = has_pages ? L"1-" + std::to_wstring(pages_.count()) : L"1";
@@ -55,6 +52,13 @@ class PrintDialog {
     SetDlgItemInt(dialog, IDC_COPIES, static_cast<UINT>(settings_.copies), FALSE);
     show_layout(dialog, settings_.layout);
     return TRUE;
+  }
+
+  void offer_printers(HWND box) const {
+    for (const std::wstring& name : printer_names()) {
+      const LRESULT item = SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+      if (name == settings_.printer.name()) SendMessageW(box, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
+    }
   }
 
   void run_command(HWND dialog, WORD id, WORD notification) {

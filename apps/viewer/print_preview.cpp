@@ -102,6 +102,7 @@ class Preview {
   }
 
   BOOL begin(HWND dialog) {
+    SendMessageW(dialog, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(LoadIconW(nullptr, MAKEINTRESOURCEW(32512))));
     show_layout(dialog, settings_.layout);
     lay_out(dialog);
     update(dialog);
