@@ -2,6 +2,8 @@
 # Drives the viewer with real keys and a real mouse on a virtual screen, checks what it shows, and keeps what it looked like in
 # out/viewer. Called by demo.sh and, in its short form, by the tests.
 # usage: demo-viewer.sh [--short] [BUILD]   (BUILD: folder of the Windows build, build/win32 beside tools by default)
+# environment:
+#   VOREL_SHOTS  where the short form keeps its screenshots (default: nowhere)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 if [ -z "${VOREL_WINE_SESSION:-}" ]; then exec ./tools/run-wine.sh --session "$0" "$@"; fi
@@ -11,7 +13,7 @@ if [ "${1:-}" = --short ]; then form=short; shift; fi
 build=${1:-build/win32}
 work=$(mktemp -d)
 pictures=$work/pictures shots=out/viewer
-[ $form = whole ] || shots=$work/shots
+[ $form = whole ] || shots=${VOREL_SHOTS:-$work/shots}
 mkdir -p "$pictures" "$shots"
 viewer=
 
