@@ -235,8 +235,10 @@ TEST_F(ModuleLookup, FormatsWithoutAModuleShowNothing) {
   for (int format : {-1, 0, 7, 8, 9, 10, 11, 14, 15, 16})
     EXPECT_EQ(shown_by_saving("out.bin", format), Messages{}) << format;
   EXPECT_FALSE(fs::exists("out.bin"));
+#ifndef _WIN32  // where they are read, and tell what is wrong with them
   EXPECT_EQ(shown_by_loading(put_file("a.wmf", "\xD7\xCD\xC6\x9A")), Messages{});
   EXPECT_EQ(shown_by_loading(put_file("a.clp", "\x50\xC3")), Messages{});
+#endif
 }
 
 }  // namespace
