@@ -15,7 +15,7 @@ windows() { ./tools/run-wine.sh "build/win32/bin/$1" "${@:2}"; }
 # keep PICTURE CAPTION: a small picture of a stage, for the contact sheet.
 keep() {
   step=$((step + 1))
-  convert "$1[0]" -thumbnail 420x420 "$(printf '%s/sheet/%02d.png' "$way" "$step")"
+  convert "$1[0]" -strip -thumbnail 420x420 "$(printf '%s/sheet/%02d.png' "$way" "$step")"
   printf '%s\n' "$2" >"$(printf '%s/sheet/%02d.txt' "$way" "$step")"
 }
 

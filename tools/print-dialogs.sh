@@ -26,11 +26,11 @@ take_pictures() {
   done
 }
 
-if [ "${1:-}" = --in-session ]; then
-  take_pictures "$2"
+[ $# = 1 ] || { echo "usage: print-dialogs.sh FOLDER" >&2; exit 2; }
+[ -e "$program" ] || { echo "print-dialogs: $program is missing; build the preset win32 first" >&2; exit 1; }
+mkdir -p "$1"
+if [ -n "${VOREL_WINE_SESSION:-}" ]; then
+  take_pictures "$(realpath "$1")"
 else
-  [ $# = 1 ] || { echo "usage: print-dialogs.sh FOLDER" >&2; exit 2; }
-  [ -e "$program" ] || { echo "print-dialogs: $program is missing; build the preset win32 first" >&2; exit 1; }
-  mkdir -p "$1"
-  "$run" --session "$0" --in-session "$(realpath "$1")"
+  exec "$run" --session "$root/tools/print-dialogs.sh" "$(realpath "$1")"
 fi
