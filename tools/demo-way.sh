@@ -77,7 +77,7 @@ for dialog in page cancel setup; do keep "$way/print-$dialog.png" "dialog: $dial
 
 say "the contact sheet"
 labelled=()
-for picture in "$way"/sheet/*.png; do labelled+=(-label "$(cat "${picture%.png}.txt")" "$picture"); done
+for picture in "$way"/sheet/*.png; do labelled+=(-label "$(sed "s/%/%%/g" "${picture%.png}.txt")" "$picture"); done
 montage -font DejaVu-Sans -pointsize 13 "${labelled[@]}" -tile 6x -geometry 420x420+10+10 -background '#f4f4f0' out/way-sheet.png
 rm -rf "$way/sheet"
 printf 'stages: %s  screenshots: out/viewer  all at a glance: out/way-sheet.png\n' "$way"
