@@ -26,9 +26,9 @@ class PrintJob {
   void end();
 
  private:
-  std::string printer_;  // for messages
-  void* dc_ = nullptr;
-  bool is_open_ = true;
+  std::string printer_;                  // for messages
+  [[maybe_unused]] void* dc_ = nullptr;  // neither where nothing is printed
+  [[maybe_unused]] bool is_open_ = true;
 };
 
 }  // namespace vorel::cli

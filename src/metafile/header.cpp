@@ -90,7 +90,7 @@ Result<MetafileStart> read_metafile_start(std::span<const uint8_t> start) {
   const auto windows = header_at<WindowsMetafileHeader>(start, found.offset);
   if (!windows) return windows.error();
   found.bytes = uint64_t{windows->words} * 2;
-  found.is_enhanced = windows->header_words * 2 != kWindowsHeaderBytes;
+  found.is_enhanced = size_t{windows->header_words} * 2 != kWindowsHeaderBytes;
   if (!found.is_enhanced) return found;
   const auto enhanced = header_at<EnhancedHeader>(start, found.offset);
   if (!enhanced) return enhanced.error();

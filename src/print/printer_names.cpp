@@ -38,7 +38,9 @@ std::vector<std::string> list_entries(std::string_view name, std::string_view va
   while (!value.empty()) {
     const std::string port(take_until(value, ","));
     if (port.empty() || equal_ignoring_case(port, null_port)) continue;
-    entries.push_back(printer + " on " + port + "\t" + printer + "=" + driver + "," + port);
+    std::string& entry = entries.emplace_back(printer);
+    for (const char* part : {" on ", port.c_str(), "\t", printer.c_str(), "=", driver.c_str(), ",", port.c_str()})
+      entry += part;
   }
   return entries;
 }
