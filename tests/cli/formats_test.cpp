@@ -59,7 +59,8 @@ TEST_F(CliFormats, WhatIsDrawnNeedsWindows) {
     ASSERT_EQ(run({"convert", file, at("back.bmp"), "--overwrite"}), 0) << err_;
     const Bytes back = dib_at("back.bmp");
     EXPECT_EQ(header_of(back).biWidth, 48);
-    if (ending != "emf") EXPECT_EQ(largest_difference(back, bilevel(48, 24)), 0) << ending;  // drawn a pixel smaller
+    if (ending == "emf") continue;  // drawn a pixel smaller
+    EXPECT_EQ(largest_difference(back, bilevel(48, 24)), 0) << ending;
   }
   put("odd.bmp", bitmap_file(bilevel(33, 21)));
   EXPECT_EQ(run({"convert", at("odd.bmp"), at("odd.emf")}), 0) << "one pixel is lost";
