@@ -182,6 +182,12 @@ Result<OwnedBitmap> bitmap_of(const LockedDib& dib) {
   return screen ? bitmap_of(dib, screen.get(), colors) : Error::kUnreported;
 }
 
+Result<OwnedBitmap> bitmap_of(HGLOBAL handle) {
+  const auto dib = LockedDib::lock(handle);
+  if (!dib) return Error::kUnreported;
+  return bitmap_of(*dib);
+}
+
 bool read_back(HBITMAP bitmap, const LockedDib& dib) {
   const DibHeader& header = dib.header();
   const auto whole = dib.complete(bytes_read_by_device(header));

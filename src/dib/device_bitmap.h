@@ -23,6 +23,8 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette);
 Result<OwnedDib> dib_in_screen_colors(HBITMAP bitmap);
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib);
+// The same of a handle; what is none is an unreported failure.
+Result<OwnedBitmap> bitmap_of(HGLOBAL handle);
 
 // A bitmap without contents. None when memory is short, for sizes without a pixel and for those that no block could hold, of which
 // systems are not sure to make nothing.

@@ -1,6 +1,6 @@
 #include "display/lens.h"
 
-#include "display/saturate.h"
+#include "dib/saturate.h"
 
 namespace vorel {
 namespace {

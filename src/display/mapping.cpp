@@ -4,7 +4,7 @@
 #include <tuple>
 #include <utility>
 
-#include "display/saturate.h"
+#include "dib/saturate.h"
 
 namespace vorel {
 namespace {

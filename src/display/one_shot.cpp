@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "display/saturate.h"
+#include "dib/saturate.h"
 
 namespace vorel {
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include "display/saturate.h"
+#include "dib/saturate.h"
 #include "display/zoom_ratio.h"
 
 namespace vorel {

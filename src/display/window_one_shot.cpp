@@ -6,7 +6,7 @@
 #include "dib/device_palette.h"
 #include "dib/pixel.h"
 #include "display/one_shot.h"
-#include "display/saturate.h"
+#include "dib/saturate.h"
 #include "geometry/dib_scaling.h"
 
 namespace vorel {

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <functional>
 
-#include "display/saturate.h"
+#include "dib/saturate.h"
 
 namespace vorel {
 namespace {

@@ -55,11 +55,7 @@ HGLOBAL VORELCALL ConvertBitmapToDIB(HBITMAP bitmap, HPALETTE palette) {
 }
 
 HBITMAP VORELCALL ConvertDIBToBitmap(HGLOBAL dib) {
-  return object_for_caller([&]() -> Result<OwnedBitmap> {
-    const auto locked = LockedDib::lock(dib);
-    if (!locked) return Error::kUnreported;
-    return bitmap_of(*locked);
-  });
+  return object_for_caller([&] { return bitmap_of(dib); });
 }
 
 HBITMAP VORELCALL ConvertToMonochromeBitmap(HBITMAP bitmap) {
@@ -75,9 +71,7 @@ HBITMAP VORELCALL LoadBitmapFromFile(LPCSTR path) {
     auto dib = load_dib(path);
     if (!dib) return dib.error();
     const OwnedBlock block(dib->release());
-    const auto locked = LockedDib::lock(block.get());
-    if (!locked) return Error::kUnreported;
-    return bitmap_of(*locked);
+    return bitmap_of(block.get());
   });
 }
 

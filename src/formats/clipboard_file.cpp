@@ -44,17 +44,11 @@ Result<OwnedBitmap> draw_metafile_picture(HGLOBAL picture) {
   return draw_metafile(metafile->get(), pixels_in_file(lengths, screen_resolution()), metafile->kind());
 }
 
-Result<OwnedBitmap> draw_dib(HGLOBAL handle) {
-  const auto dib = LockedDib::lock(handle);
-  if (!dib) return Error::kUnreported;
-  return bitmap_of(*dib);
-}
-
 Result<OwnedBitmap> draw(HGLOBAL data, ClipboardFormat format) {
   switch (format) {
     case ClipboardFormat::kText: return draw_text(data);
     case ClipboardFormat::kMetafilePicture: return draw_metafile_picture(data);
-    case ClipboardFormat::kDib: return draw_dib(data);
+    case ClipboardFormat::kDib: return bitmap_of(data);
     default: return Error::kClipboardFormat;
   }
 }

@@ -12,12 +12,6 @@ Result<HGLOBAL> dib_of_loaded(Result<OwnedBitmap> bitmap) {
   return released(dib_in_screen_colors(bitmap->get()));
 }
 
-Result<OwnedBitmap> bitmap_of(HGLOBAL handle) {
-  const auto dib = LockedDib::lock(handle);
-  if (!dib) return Error::kUnreported;
-  return bitmap_of(*dib);
-}
-
 // The active window's context is held meanwhile.
 Result<BOOL> save_metafile(const SaveRequest& request, MetafileKind kind) {
   const auto bitmap = bitmap_of(request.dib);

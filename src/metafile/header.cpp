@@ -4,16 +4,17 @@
 #include <cstring>
 #include <limits>
 
+#include "dib/saturate.h"
+
 namespace vorel {
 namespace {
 
 constexpr int kMostUnitsPerInch = 1440;
 constexpr int64_t kHundredthsOfMillimetrePerInch = 2540;
 
-template <class Integer>
-constexpr Integer clamped(int64_t value) {
-  return static_cast<Integer>(
-      std::clamp<int64_t>(value, std::numeric_limits<Integer>::min(), std::numeric_limits<Integer>::max()));
+constexpr int16_t saturated_word(int64_t value) {
+  return static_cast<int16_t>(
+      std::clamp<int64_t>(value, std::numeric_limits<int16_t>::min(), std::numeric_limits<int16_t>::max()));
 }
 
 // None of a header that the bytes end in.
@@ -26,7 +27,7 @@ Result<Header> header_at(std::span<const uint8_t> start, size_t offset) {
 }
 
 int16_t placeable_length(int pixels, uint16_t units_per_inch, int dots_per_inch) {
-  return dots_per_inch <= 0 ? int16_t{0} : clamped<int16_t>(int64_t{pixels} * units_per_inch / dots_per_inch);
+  return dots_per_inch <= 0 ? int16_t{0} : saturated_word(int64_t{pixels} * units_per_inch / dots_per_inch);
 }
 
 Extent extent_of(const PlaceableHeader& header) {
@@ -71,9 +72,7 @@ PlaceableHeader placeable_header_for(Size pixels, Resolution screen) {
 
 Edges enhanced_frame_for(Size pixels) {
   constexpr int kPixelsPerInch = 96;
-  const auto length = [](int count) {
-    return clamped<int32_t>(int64_t{count} * kHundredthsOfMillimetrePerInch / kPixelsPerInch);
-  };
+  const auto length = [](int count) { return saturated(int64_t{count} * kHundredthsOfMillimetrePerInch / kPixelsPerInch); };
   return {.left = 0, .top = 0, .right = length(pixels.width), .bottom = length(pixels.height)};
 }
 
@@ -99,13 +98,13 @@ Result<MetafileStart> read_metafile_start(std::span<const uint8_t> start) {
   return found;
 }
 
-Size five_inches(Resolution screen) { return {clamped<int>(int64_t{screen.x} * 5), clamped<int>(int64_t{screen.y} * 5)}; }
+Size five_inches(Resolution screen) { return {saturated(int64_t{screen.x} * 5), saturated(int64_t{screen.y} * 5)}; }
 
 Size pixels_of(const Extent& extent, Resolution screen) {
   if (extent.x_units <= 0 || extent.y_units <= 0) return five_inches(screen);
   // A length has 33 bits at most, and a resolution 32.
-  const Size pixels{clamped<int>(extent.width * screen.x / extent.x_units),
-                    clamped<int>(extent.height * screen.y / extent.y_units)};
+  const Size pixels{saturated(extent.width * screen.x / extent.x_units),
+                    saturated(extent.height * screen.y / extent.y_units)};
   return pixels.width > 0 && pixels.height > 0 ? pixels : five_inches(screen);
 }
 

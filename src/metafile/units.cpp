@@ -1,6 +1,6 @@
 #include "metafile/units.h"
 
-#include <limits>
+#include "dib/saturate.h"
 
 namespace vorel {
 namespace {
@@ -13,16 +13,8 @@ constexpr double kInchesPerMillimetreOnClipboard = 0.04081632653061224;
 constexpr double kInchesPerTwip = 1.0 / 1440;
 constexpr int64_t kPixelsPerTwipInFile = 20;
 
-// Towards zero, cut to what an int holds.
-int truncated(double value) {
-  if (value >= std::numeric_limits<int>::max()) return std::numeric_limits<int>::max();
-  if (value <= std::numeric_limits<int>::min()) return std::numeric_limits<int>::min();
-  return static_cast<int>(value);
-}
-int truncated(int64_t value) { return truncated(static_cast<double>(value)); }
-
 Size in_inches(const PictureLengths& picture, Resolution screen, double inches_per_unit) {
-  return {truncated(screen.x * inches_per_unit * picture.x), truncated(screen.y * inches_per_unit * picture.y)};
+  return {saturated(screen.x * inches_per_unit * picture.x), saturated(screen.y * inches_per_unit * picture.y)};
 }
 
 // The lengths may say a proportion alone, as negative numbers or as none.
@@ -34,10 +26,10 @@ Size in_file(const PictureLengths& picture, Resolution screen) {
     case MappingMode::kLowEnglish: return in_inches(picture, screen, 0.01);
     case MappingMode::kHighEnglish: return in_inches(picture, screen, 0.001);
     case MappingMode::kTwips:
-      return {truncated(picture.x * kPixelsPerTwipInFile), truncated(picture.y * kPixelsPerTwipInFile)};
+      return {saturated(picture.x * kPixelsPerTwipInFile), saturated(picture.y * kPixelsPerTwipInFile)};
     case MappingMode::kIsotropic:
       if (picture.x >= 1) return in_inches(picture, screen, kInchesPerHighMetric);
-      return {truncated(-(int64_t{picture.x} * screen.x)), truncated(-(int64_t{picture.y} * screen.y))};
+      return {saturated(-(int64_t{picture.x} * screen.x)), saturated(-(int64_t{picture.y} * screen.y))};
     case MappingMode::kAnisotropic:
       return picture.x >= 1 ? in_inches(picture, screen, kInchesPerHighMetric) : five_inches(screen);
   }
@@ -48,13 +40,13 @@ Size in_file(const PictureLengths& picture, Resolution screen) {
 int on_clipboard(int32_t length, MappingMode mode, int dots_per_inch, int otherwise) {
   switch (mode) {
     case MappingMode::kText: return length;
-    case MappingMode::kLowMetric: return truncated(length * 0.1 * kInchesPerMillimetreOnClipboard * dots_per_inch);
+    case MappingMode::kLowMetric: return saturated(length * 0.1 * kInchesPerMillimetreOnClipboard * dots_per_inch);
     case MappingMode::kHighMetric:
     case MappingMode::kIsotropic:
-    case MappingMode::kAnisotropic: return truncated(length * 0.01 * kInchesPerMillimetreOnClipboard * dots_per_inch);
-    case MappingMode::kLowEnglish: return truncated(length * 0.01 * dots_per_inch);
-    case MappingMode::kHighEnglish: return truncated(length * 0.001 * dots_per_inch);
-    case MappingMode::kTwips: return truncated(length * kInchesPerTwip * dots_per_inch);
+    case MappingMode::kAnisotropic: return saturated(length * 0.01 * kInchesPerMillimetreOnClipboard * dots_per_inch);
+    case MappingMode::kLowEnglish: return saturated(length * 0.01 * dots_per_inch);
+    case MappingMode::kHighEnglish: return saturated(length * 0.001 * dots_per_inch);
+    case MappingMode::kTwips: return saturated(length * kInchesPerTwip * dots_per_inch);
   }
   return otherwise;
 }

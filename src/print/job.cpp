@@ -220,7 +220,7 @@ void tell_page(const PrintJob& job, int index) {
 
 Rect place(PrintJob& job, const DibHeader& header, const int* image_dpi) {
   const PrintablePage page = {{job.x_dots_per_inch, job.y_dots_per_inch}, {job.page_width, job.page_height}};
-  const Resolution resolution = image_resolution(job.options, image_dpi, header, page.resolution);
+  const DotDensity resolution = image_resolution(job.options, image_dpi, header, page.resolution);
   const Size pixels = {std::max(header.width, 0), std::max(header.height, 0)};
   const auto [scale, dots] = place_image(job.options, pixels, resolution, page);
   job.x_scale = scale.x;

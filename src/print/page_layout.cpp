@@ -56,11 +56,11 @@ Rect rect_of(Range x, Range y) { return {x.begin, y.begin, x.length(), y.length(
 
 }  // namespace
 
-PrintablePage printable_page(Size dots, Resolution resolution) {
+PrintablePage printable_page(Size dots, DotDensity resolution) {
   return {resolution, {static_cast<float>(dots.width) / resolution.x, static_cast<float>(dots.height) / resolution.y}};
 }
 
-Resolution image_resolution(const ImgPrintOptions& options, const int* given, const DibHeader& header, Resolution printer) {
+DotDensity image_resolution(const ImgPrintOptions& options, const int* given, const DibHeader& header, DotDensity printer) {
   if (options.useImageDpi == 0) return printer;
   const bool has_given = given != nullptr;
   const int x = has_given ? given[0] : header.x_per_metre, y = has_given ? given[1] : header.y_per_metre;
@@ -69,7 +69,7 @@ Resolution image_resolution(const ImgPrintOptions& options, const int* given, co
   return {static_cast<float>(x) * unit, static_cast<float>(y) * unit};
 }
 
-Placement place_image(const ImgPrintOptions& options, Size pixels, Resolution image, const PrintablePage& page) {
+Placement place_image(const ImgPrintOptions& options, Size pixels, DotDensity image, const PrintablePage& page) {
   const Inches size = {static_cast<float>(pixels.width) / image.x, static_cast<float>(pixels.height) / image.y};
   const PageScale scale = page_scale(options, size, page.size);
   const Inches printed = {size.width * scale.x, size.height * scale.y};

@@ -9,7 +9,7 @@
 namespace vorel {
 
 // Dots, or pixels, to the inch.
-struct Resolution {
+struct DotDensity {
   float x, y;
 };
 
@@ -19,15 +19,15 @@ struct Inches {
 
 // The part of a sheet that a printer reaches.
 struct PrintablePage {
-  Resolution resolution;
+  DotDensity resolution;
   Inches size;
 };
 
-PrintablePage printable_page(Size dots, Resolution resolution);
+PrintablePage printable_page(Size dots, DotDensity resolution);
 
 // The resolution an image is printed at: the caller's (`given`, which may be null) or its header's where the options want the
 // image's own, and else the printer's, which makes a pixel a dot. Numbers that are no resolution count as none.
-Resolution image_resolution(const ImgPrintOptions& options, const int* given, const DibHeader& header, Resolution printer);
+DotDensity image_resolution(const ImgPrintOptions& options, const int* given, const DibHeader& header, DotDensity printer);
 
 // How much larger an image is printed than it is.
 struct PageScale {
@@ -40,7 +40,7 @@ struct Placement {
 };
 
 // The layout that the options ask for. Images larger than the page lie partly outside it.
-Placement place_image(const ImgPrintOptions& options, Size pixels, Resolution image, const PrintablePage& page);
+Placement place_image(const ImgPrintOptions& options, Size pixels, DotDensity image, const PrintablePage& page);
 
 // A part of an image, and the dots that it is printed on.
 struct PlacedPart {

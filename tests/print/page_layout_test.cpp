@@ -30,12 +30,12 @@ struct Layout {
 
 constexpr Size kPage = {2329, 3358};
 
-Dots placed(const Layout& layout, Size pixels, Resolution image) {
+Dots placed(const Layout& layout, Size pixels, DotDensity image) {
   return dots_of(place_image(layout.options(), pixels, image, printable_page(kPage, {300, 300})).dots);
 }
 
 TEST(Placement, IsTheOneWorkedOutByHand) {
-  const Resolution image = {100, 50};  // 400 x 300 pixels are 4 x 6 inches, 1200 x 1800 dots
+  const DotDensity image = {100, 50};  // 400 x 300 pixels are 4 x 6 inches, 1200 x 1800 dots
   EXPECT_EQ(placed({false, false, false, false}, {400, 300}, image), (Dots{0, 0, 1200, 1800}));
   EXPECT_EQ(placed({false, false, true, false}, {400, 300}, image), (Dots{0, 779, 1200, 1800}));
   EXPECT_EQ(placed({false, false, false, true}, {400, 300}, image), (Dots{565, 0, 1200, 1800}));  // 564.5 and a half
@@ -52,20 +52,20 @@ TEST(Placement, IsTheOneWorkedOutByHand) {
 TEST(Placement, StandsNumbersThatAreNone) {
   const ImgPrintOptions fit = Layout{true, false, true, true}.options(), plain = Layout{}.options();
   for (const ImgPrintOptions& options : {fit, plain})
-    for (const Resolution printer : {Resolution{0, 0}, {1, 1}, {4e9f, 4e9f}}) {
+    for (const DotDensity printer : {DotDensity{0, 0}, {1, 1}, {4e9f, 4e9f}}) {
       const Placement placement = place_image(options, {INT_MAX, 1}, {1, 1}, printable_page({INT_MAX, 0}, printer));
       EXPECT_LE(std::abs(placement.dots.width), 1 << 27);
     }
 }
 
 TEST(ImageResolution, ComesFromTheCallerTheHeaderOrThePrinter) {
-  const Resolution printer = {300, 600};
+  const DotDensity printer = {300, 600};
   ImgPrintOptions options = {};
   const auto resolution = [&](std::array<int, 2> header_per_metre, const int* given) {
     DibHeader header;
     header.x_per_metre = header_per_metre[0];
     header.y_per_metre = header_per_metre[1];
-    const Resolution found = image_resolution(options, given, header, printer);
+    const DotDensity found = image_resolution(options, given, header, printer);
     return std::array{found.x, found.y};
   };
   const std::array<int, 2> given = {72, 36}, none = {0, 36}, negative = {72, -1};
