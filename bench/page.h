@@ -8,7 +8,7 @@
 
 #include <vorel32.h>
 
-#include "dib/header.h"
+#include "core/header.h"
 
 inline constexpr int kPageWidth = 2480, kPageHeight = 3508;
 

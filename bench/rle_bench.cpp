@@ -1,7 +1,7 @@
 // Run-length compression of an A4 page at 300 dots per inch: as text, which is mostly runs, and as noise, which is all literals.
 #include <string>
 
-#include "formats/rle.h"
+#include "kernels/rle/rle.h"
 #include "measure.h"
 #include "page.h"
 
@@ -12,7 +12,7 @@ using namespace vorel;
 struct Page {
   int depth;
   std::ptrdiff_t stride = page_stride(depth);
-  std::vector<uint8_t> pixels = std::vector<uint8_t>(static_cast<size_t>(stride) * kPageHeight + kBytesBehindRow);
+  std::vector<uint8_t> pixels = std::vector<uint8_t>(static_cast<size_t>(stride) * kPageHeight + kernels::kBytesBehindRow);
 
   DibView view() { return {pixels.data(), stride, kPageWidth, kPageHeight, depth}; }
   const uint8_t* last_row() const { return pixels.data() + stride * (kPageHeight - 1); }
@@ -32,16 +32,16 @@ Page page_of(int depth, bool noise) {
 }
 
 std::vector<uint8_t> codes_of(Page& page) {
-  std::vector<uint8_t> codes(static_cast<size_t>(most_code_bytes(page.depth, kPageWidth, kPageHeight).value()));
-  codes.resize(encode_rle(page.view(), page.last_row(), codes));
+  std::vector<uint8_t> codes(static_cast<size_t>(kernels::most_code_bytes(page.depth, kPageWidth, kPageHeight).value()));
+  codes.resize(kernels::rle().encode(page.view(), page.last_row(), codes));
   return codes;
 }
 
 void encoding(benchmark::State& state, int depth, bool noise) {
   Page page = page_of(depth, noise);
-  std::vector<uint8_t> codes(static_cast<size_t>(most_code_bytes(depth, kPageWidth, kPageHeight).value()));
+  std::vector<uint8_t> codes(static_cast<size_t>(kernels::most_code_bytes(depth, kPageWidth, kPageHeight).value()));
   measure_kernel(state, page.pixels, [&] {
-    benchmark::DoNotOptimize(encode_rle(page.view(), page.last_row(), codes));
+    benchmark::DoNotOptimize(kernels::rle().encode(page.view(), page.last_row(), codes));
     benchmark::ClobberMemory();
   });
 }
@@ -51,7 +51,7 @@ void decoding(benchmark::State& state, int depth, bool noise) {
   const std::vector<uint8_t> codes = codes_of(page);
   Page result{.depth = depth};
   measure_kernel(state, page.pixels, [&] {
-    decode_rle(codes, result.view());
+    kernels::rle().decode(codes, result.view());
     benchmark::DoNotOptimize(result.pixels.data());
     benchmark::ClobberMemory();
   });

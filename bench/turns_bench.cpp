@@ -5,7 +5,7 @@
 
 #include <vorel32.h>
 
-#include "geometry/turn.h"
+#include "kernels/turn/turn.h"
 #include "measure.h"
 #include "page.h"
 
@@ -33,7 +33,8 @@ void exported(benchmark::State& state, int depth, HGLOBAL(VORELCALL* turn)(HGLOB
 }
 
 void clockwise(ConstDibView source, DibView result) {
-  quarter_turn(source, result, {.first_column = 0, .column_step = 1, .first_row = source.width() - 1, .row_step = -1});
+  kernels::turn().quarter_turn(source, result,
+                               {.first_column = 0, .column_step = 1, .first_row = source.width() - 1, .row_step = -1});
 }
 
 struct Kernel {
@@ -47,10 +48,11 @@ struct Export {
 };
 
 const bool registered = [] {
-  const Kernel kernels[] = {{"quarter_turn", true, clockwise},
-                            {"half_turn", false, half_turn},
-                            {"mirror_left_right", false, mirror_left_right},
-                            {"mirror_top_bottom", false, mirror_top_bottom}};
+  const kernels::TurnTable& turn = kernels::turn();
+  const Kernel all[] = {{"quarter_turn", true, clockwise},
+                        {"half_turn", false, turn.half_turn},
+                        {"mirror_left_right", false, turn.mirror_left_right},
+                        {"mirror_top_bottom", false, turn.mirror_top_bottom}};
   const Export exports[] = {{"RotateDIB90", RotateDIB90},
                             {"RotateDIB180", RotateDIB180},
                             {"RotateDIB270", RotateDIB270},
@@ -58,7 +60,7 @@ const bool registered = [] {
                             {"FlipDIBVertical", FlipDIBVertical}};
   for (int depth : {1, 8, 24}) {
     const std::string suffix = "/" + std::to_string(depth) + "bit";
-    for (const Kernel& k : kernels)
+    for (const Kernel& k : all)
       benchmark::RegisterBenchmark((k.name + suffix).c_str(),
                                    [=](benchmark::State& s) { kernel(s, depth, k.quarter, k.turn); });
     for (const Export& e : exports)

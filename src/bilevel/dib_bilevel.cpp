@@ -2,7 +2,8 @@
 
 #include <new>
 
-#include "dib/pixel.h"
+#include "core/pixel.h"
+#include "kernels/bilevel/plane_width.h"
 
 namespace vorel {
 namespace {
@@ -24,7 +25,8 @@ Result<OwnedDib> reduced(const DibHeader& header) {
   auto dib = OwnedDib::allocate(bits_offset(header) + rows_bytes(header));
   if (!dib) return Error::kMemory;
   write_header(dib->bytes(), header);
-  write_dither_colors(header.depth, {reinterpret_cast<Rgb*>(dib->bytes().data() + kHeaderBytes), header.colors_used});
+  kernels::write_dither_colors(header.depth,
+                               {reinterpret_cast<Rgb*>(dib->bytes().data() + kHeaderBytes), header.colors_used});
   return dib;
 }
 
@@ -34,7 +36,7 @@ std::span<const Rgb> table_of(const CompleteBytes& whole, uint32_t depth) {
 
 }  // namespace
 
-Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method) {
+Result<OwnedDib> dithered(LockedDib& source, int bits, kernels::Dithering method) {
   const DibHeader& header = source.header();
   if (bits >= header.depth || !is_color_depth(header.depth)) {
     source.leave_locked();
@@ -45,12 +47,9 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method) {
   if (!whole) return Error::kMemory;
   // Scratch memory is no larger than a block, on any build.
   constexpr uint64_t kPlanes = 3, kErrorBytes = 3 * kPlanes * sizeof(int16_t);
-  const ByteCount plane = plane_width(header.depth, std::max(header.width, 0));
+  const ByteCount plane = kernels::plane_width(header.depth, std::max(header.width, 0));
   if (header.width < 0 || !(plane * kPlanes).fits_block()) return Error::kMemory;
   const bool is_empty = !has_pixels(header);
-  DibHeader shown = header;
-  if (is_empty) shown.width = shown.height = 0;
-  Channels channels(pixels_at(whole->bytes(), offset, shown), table_of(*whole, header.depth));
 
   const DibHeader result_header = reduced_header(header, bits);
   auto result = (plane * kErrorBytes).fits_block() ? reduced(result_header) : Error::kMemory;
@@ -59,7 +58,9 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method) {
     return result;
   }
   try {
-    if (!is_empty) dither(channels, pixels_at(result->bytes(), bits_offset(result_header), result_header), method);
+    if (!is_empty)
+      kernels::bilevel().dither(pixels_at(whole->bytes(), offset, header), table_of(*whole, header.depth),
+                                pixels_at(result->bytes(), bits_offset(result_header), result_header), method);
   } catch (const std::bad_alloc&) {
     source.leave_locked();
     return Error::kMemory;
@@ -67,7 +68,7 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method) {
   return result;
 }
 
-Result<OwnedDib> halftoned(LockedDib& source, HalftoneMethod method, int brightness) {
+Result<OwnedDib> halftoned(LockedDib& source, kernels::HalftoneMethod method, int brightness) {
   const DibHeader& header = source.header();
   if (!is_color_depth(header.depth)) {
     source.leave_locked();
@@ -83,9 +84,9 @@ Result<OwnedDib> halftoned(LockedDib& source, HalftoneMethod method, int brightn
   auto result = reduced(result_header);
   if (!result || !has_pixels(header)) return result;
   const auto memory = source.block().size() > whole->bytes().size() ? source.block() : whole->bytes();
-  halftone(pixels_at(whole->bytes(), offset, header), memory.subspan(static_cast<size_t>(offset.value())),
-           table_of(*whole, header.depth), brightness, pixels_at(result->bytes(), bits_offset(result_header), result_header),
-           method);
+  kernels::bilevel().halftone(pixels_at(whole->bytes(), offset, header), memory.subspan(static_cast<size_t>(offset.value())),
+                              table_of(*whole, header.depth), brightness,
+                              pixels_at(result->bytes(), bits_offset(result_header), result_header), method);
   return result;
 }
 

@@ -1,16 +1,15 @@
 // Reducing packed DIBs to black and white, or to few colours.
 #pragma once
 
-#include "bilevel/dithering.h"
-#include "bilevel/halftone.h"
 #include "dib/packed_dib.h"
+#include "kernels/bilevel/bilevel.h"
 
 namespace vorel {
 
 // A new DIB of 1, 4 or 8 bits. Some failures leave the source locked.
-Result<OwnedDib> dithered(LockedDib& source, int bits, Dithering method);
+Result<OwnedDib> dithered(LockedDib& source, int bits, kernels::Dithering method);
 
 // A new DIB of 1 bit. Another depth than 4, 8 or 24 bits leaves the source locked.
-Result<OwnedDib> halftoned(LockedDib& source, HalftoneMethod method, int brightness);
+Result<OwnedDib> halftoned(LockedDib& source, kernels::HalftoneMethod method, int brightness);
 
 }  // namespace vorel

@@ -5,7 +5,7 @@
 #include <optional>
 #include <span>
 
-#include "dib/header.h"
+#include "core/header.h"
 
 namespace vorel {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "dib/header.h"
+#include "core/header.h"
 
 namespace vorel {
 

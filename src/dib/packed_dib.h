@@ -6,8 +6,8 @@
 #include <span>
 #include <utility>
 
-#include "dib/header.h"
-#include "dib/view.h"
+#include "core/header.h"
+#include "core/view.h"
 #include "frame/error.h"
 #include "platform/memory.h"
 

@@ -1,6 +1,6 @@
 #include "display/lens.h"
 
-#include "dib/saturate.h"
+#include "core/saturate.h"
 
 namespace vorel {
 namespace {

@@ -1,7 +1,7 @@
 // The magnifying lens of the process. Used from one thread.
 #pragma once
 
-#include "dib/view.h"
+#include "core/view.h"
 #include "display/device_mapping.h"
 
 namespace vorel {

@@ -4,7 +4,7 @@
 #include <tuple>
 #include <utility>
 
-#include "dib/saturate.h"
+#include "core/saturate.h"
 
 namespace vorel {
 namespace {

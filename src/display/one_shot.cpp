@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "dib/saturate.h"
+#include "core/saturate.h"
 
 namespace vorel {
 namespace {

@@ -1,7 +1,7 @@
 // Painting an image without a display state: where it goes in the window and what of it is seen, in numbers alone.
 #pragma once
 
-#include "dib/view.h"
+#include "core/view.h"
 #include "display/mapping.h"
 
 namespace vorel {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include "dib/saturate.h"
+#include "core/saturate.h"
 #include "display/zoom_ratio.h"
 
 namespace vorel {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "core/pixel.h"
+#include "core/saturate.h"
 #include "dib/device_bitmap.h"
 #include "dib/device_palette.h"
-#include "dib/pixel.h"
 #include "display/one_shot.h"
-#include "dib/saturate.h"
 #include "geometry/dib_scaling.h"
 
 namespace vorel {

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <functional>
 
-#include "dib/saturate.h"
+#include "core/saturate.h"
 
 namespace vorel {
 namespace {

@@ -21,7 +21,9 @@ Result<HGLOBAL> made_from(HGLOBAL dib, Error no_handle, Error no_lock, auto&& wo
   return released(work(*source));
 }
 
-Interpolation interpolation_of(int mode) { return mode == 0 ? Interpolation::kLinear : Interpolation::kCubic; }
+kernels::Interpolation interpolation_of(int mode) {
+  return mode == 0 ? kernels::Interpolation::kLinear : kernels::Interpolation::kCubic;
+}
 
 }  // namespace
 
@@ -30,7 +32,7 @@ extern "C" {
 HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners) {
   return at_boundary(ClearedVariable(status), [&] {
     return made_from(dib, Error::kTurnParameter, Error::kTurnLock, [&](const LockedDib& source) {
-      return rotated(source, angle, method == 1 ? Stepping::kInteger : Stepping::kExact, corners);
+      return rotated(source, angle, method == 1 ? kernels::Stepping::kInteger : kernels::Stepping::kExact, corners);
     });
   });
 }

@@ -1,4 +1,6 @@
 // Histograms, lookup tables, brightness and contrast, filters, greys, cleaning.
+#include "kernels/tone/tone.h"
+
 #include <algorithm>
 #include <type_traits>
 
@@ -8,13 +10,12 @@
 #include "platform/user.h"
 #include "tone/caller_kernel.h"
 #include "tone/dib_tone.h"
-#include "tone/histogram.h"
 
 using namespace vorel;
 
 namespace {
 
-constexpr uint32_t kHistogramBytes = kHistogramLevels * sizeof(uint16_t);
+constexpr uint32_t kHistogramBytes = kernels::kHistogramLevels * sizeof(uint16_t);
 constexpr int32_t kNowhere = -256;  // a corner that no square has, so that the first one is counted anew
 
 // A caller's block, as whole as its use needs.
@@ -30,7 +31,9 @@ struct Table {
     return Table{std::move(*lock), std::move(*bytes)};
   }
 
-  Histogram counters() const { return Histogram(reinterpret_cast<uint16_t*>(bytes.bytes().data()), kHistogramLevels); }
+  kernels::Histogram counters() const {
+    return kernels::Histogram(reinterpret_cast<uint16_t*>(bytes.bytes().data()), kernels::kHistogramLevels);
+  }
 };
 
 Result<HGLOBAL> new_block(uint32_t bytes, auto&& fill) {
@@ -59,8 +62,8 @@ Result<HGLOBAL> counted(HGLOBAL dib, HGLOBAL histogram, const int* origin) {
   const DibHeader& header = source->header();
   if (const Error refused = refusal(header, {8}); refused != Error::kNone) return refused;
   ImgThreadContext& context = thread_context();
-  const Corner before{context.histogram_x, context.histogram_y};
-  const Corner corner = clamped({origin[0], origin[1]}, {header.width, header.height});
+  const kernels::Corner before{context.histogram_x, context.histogram_y};
+  const kernels::Corner corner = kernels::clamped({origin[0], origin[1]}, {header.width, header.height});
   if (corner == before) return histogram;
   const auto table = Table::lock_whole(histogram, kHistogramBytes);
   if (!table) return Error::kLock;
@@ -68,12 +71,12 @@ Result<HGLOBAL> counted(HGLOBAL dib, HGLOBAL histogram, const int* origin) {
   if (!whole) return Error::kMemory;
 
   const ConstDibView picture = pixels_at(whole->bytes(), bits_offset(header), header);
-  if (can_slide(before, corner)) {
-    slide_square(picture, before, corner, table->counters());
+  if (kernels::can_slide(before, corner)) {
+    kernels::tone().slide_square(picture, before, corner, table->counters());
   } else {
     const auto cleared = static_cast<size_t>(context.histogram_bytes) / sizeof(uint16_t);
     std::ranges::fill(table->counters().first(cleared), uint16_t{0});
-    count_square(picture, corner, table->counters());
+    kernels::tone().count_square(picture, corner, table->counters());
   }
   table->bytes.write_back();
   context.histogram_x = corner.x;
@@ -82,9 +85,9 @@ Result<HGLOBAL> counted(HGLOBAL dib, HGLOBAL histogram, const int* origin) {
 }
 
 Result<HGLOBAL> new_table() {
-  thread_context().table_length = static_cast<int32_t>(ComponentTable().size());
-  return new_block(static_cast<uint32_t>(ComponentTable().size()), [](std::span<uint8_t> table) {
-    for (size_t i = 0; i < ComponentTable().size(); ++i) table[i] = static_cast<uint8_t>(i);
+  thread_context().table_length = static_cast<int32_t>(kernels::ComponentTable().size());
+  return new_block(static_cast<uint32_t>(kernels::ComponentTable().size()), [](std::span<uint8_t> table) {
+    for (size_t i = 0; i < kernels::ComponentTable().size(); ++i) table[i] = static_cast<uint8_t>(i);
   });
 }
 
@@ -92,8 +95,8 @@ Result<HGLOBAL> computed(HGLOBAL table, HGLOBAL histogram, int contrast, int bri
   if (table == nullptr) return Error::kParameter;
   const auto target = LockedBlock::lock(table);
   const auto counters = Table::lock_whole(histogram, kHistogramBytes);
-  const int mean = counters ? mean_level(counters->counters()) : kMiddleLevel;
-  const ComponentTable levels = contrast_table(contrast, brightness, mean);
+  const int mean = counters ? kernels::mean_level(counters->counters()) : kernels::kMiddleLevel;
+  const kernels::ComponentTable levels = kernels::contrast_table(contrast, brightness, mean);
   const auto length = static_cast<size_t>(thread_context().table_length);
   if (target) std::ranges::copy(std::span(levels).first(std::min(length, target->bytes().size())), target->bytes().begin());
   return table;
@@ -142,9 +145,9 @@ HGLOBAL VORELCALL ApplyLUT(HGLOBAL dib, HGLOBAL table, int make_copy, int* error
     if (dib != nullptr && table == nullptr) return Error::kParameter;
     const auto check = [](const DibHeader& header) { return refusal(header, {8}); };
     return made_from(dib, check, [&](const LockedDib& source) -> Result<HGLOBAL> {
-      const auto locked = Table::lock_whole(table, static_cast<uint32_t>(ComponentTable().size()));
+      const auto locked = Table::lock_whole(table, static_cast<uint32_t>(kernels::ComponentTable().size()));
       if (!locked) return Error::kLock;
-      ComponentTable levels;
+      kernels::ComponentTable levels;
       std::ranges::copy(locked->bytes.bytes().first(levels.size()), levels.begin());
       return with_levels(dib, source, levels, where(make_copy));
     });
@@ -161,7 +164,7 @@ HGLOBAL VORELCALL ColorBrightnessContrast(HGLOBAL dib, short brightness, short c
                                                                                                 : refused;
     };
     return made_from(dib, check, [&](const LockedDib& source) {
-      return released(with_components(source, percentage_table(brightness, contrast)));
+      return released(with_components(source, kernels::percentage_table(brightness, contrast)));
     });
   });
 }
@@ -196,7 +199,7 @@ HGLOBAL VORELCALL ColorConvolution(HGLOBAL dib, int make_copy, int intensity_mod
     return made_from(dib, check, [&](const LockedDib& source) -> Result<HGLOBAL> {
       const auto made = CallerKernel<int16_t>{type, size, kernel_file, kernel}.make();
       if (!made) return made.error();
-      const Intensity intensity = intensity_mode == 1 ? Intensity::kWeighted : Intensity::kMean;
+      const kernels::Intensity intensity = intensity_mode == 1 ? kernels::Intensity::kWeighted : kernels::Intensity::kMean;
       return filtered_color(dib, source, *made, intensity, where(make_copy));
     });
   });
@@ -211,7 +214,7 @@ HGLOBAL VORELCALL ConvColorDIBtoGrayscale(HGLOBAL dib, int grade, int weighted) 
       return refused == Error::kNone && !is_known ? Error::kPixelBits : refused;
     };
     return made_from(dib, check, [&](const LockedDib& source) {
-      return released(in_grays(source, grade, weighted != 0 ? GrayRule::kWeighted : GrayRule::kMean));
+      return released(in_grays(source, grade, weighted != 0 ? kernels::GrayRule::kWeighted : kernels::GrayRule::kMean));
     });
   });
 }
@@ -233,7 +236,7 @@ HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode) {
     const auto source = LockedDib::lock(dib);
     if (!source) return Error::kUnreported;
     const WaitCursor cursor;
-    return released(cleaned(*source, level, mode == 0 ? Reach::kGentle : Reach::kFull));
+    return released(cleaned(*source, level, mode == 0 ? kernels::Reach::kGentle : kernels::Reach::kFull));
   });
 }
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "formats/rle.h"
+#include "kernels/rle/rle.h"
 
 namespace vorel {
 namespace {
@@ -52,12 +52,12 @@ Result<size_t> encode(const LockedDib& source, std::span<uint8_t> codes) {
                              header.depth);
 
   // What lies behind the last row counts too, and may be missing even where the picture is whole.
-  if (header.height == 0) return encode_rle(picture, nullptr, codes);
+  if (header.height == 0) return kernels::rle().encode(picture, nullptr, codes);
   const size_t last_row = begin + stride * static_cast<size_t>(header.height - 1);
-  const ByteCount looked_at = ByteCount(row_bytes(header.depth, header.width)) + kBytesBehindRow;
+  const ByteCount looked_at = ByteCount(row_bytes(header.depth, header.width)) + kernels::kBytesBehindRow;
   const auto last = CompleteBytes::of(source.part(last_row, looked_at), looked_at);
   if (!last) return Error::kMemory;
-  return encode_rle(picture, last->bytes().data(), codes);
+  return kernels::rle().encode(picture, last->bytes().data(), codes);
 }
 
 // Where the pixels or codes of a result begin.
@@ -80,7 +80,7 @@ DibView rows_of(const OwnedDib& result, const DibHeader& source) {
 Result<OwnedDib> compressed(const LockedDib& source) {
   if (!is_compressible(source.header())) return Error::kParameter;
   DibHeader header = source.header();
-  const auto buffer = ZeroedBuffer::allocate(most_code_bytes(header.depth, header.width, header.height));
+  const auto buffer = ZeroedBuffer::allocate(kernels::most_code_bytes(header.depth, header.width, header.height));
   if (!buffer) return Error::kMemory;
   const auto code_bytes = encode(source, buffer->bytes());
   if (!code_bytes) return code_bytes.error();
@@ -100,7 +100,7 @@ Result<OwnedDib> expanded(const LockedDib& source) {
   if (!result) return result.error();
   // Not biSizeImage but the end of the block ends the codes: they say themselves where the bitmap ends.
   const auto begin = static_cast<size_t>(data_offset(header).value());
-  decode_rle(source.part(begin, source.block().size()), rows_of(*result, source.header()));
+  kernels::rle().decode(source.part(begin, source.block().size()), rows_of(*result, source.header()));
   return result;
 }
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "dib/header.h"
+#include "core/header.h"
 #include "dib/packed_dib.h"
 #include "formats/image_file.h"
 #include "platform/file.h"

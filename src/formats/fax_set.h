@@ -1,7 +1,7 @@
 // Colour fax page sets: a text that lists the files of a page's colour planes.
 #pragma once
 
-#include "dib/view.h"
+#include "core/view.h"
 #include "frame/error.h"
 #include "platform/win32.h"
 

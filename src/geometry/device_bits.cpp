@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "geometry/turn.h"
+#include "kernels/turn/turn.h"
 
 namespace vorel {
 namespace {
@@ -23,15 +23,18 @@ void turn_plane(ConstDibView source, DibView result, int width_bytes, DeviceTurn
   const int height = source.height();
   switch (turn) {
     case DeviceTurn::kCounterClockwise:
-      return quarter_turn(source, result, {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
+      return kernels::turn().quarter_turn(source, result,
+                                          {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
     case DeviceTurn::kClockwise: {
       // At 1 bit the picture's bottom row is not carried over and column 0 of the result stays zero. Callers count on it.
       const ConstDibView carried = source.depth() == 1 ? source.first_rows(std::max(height - 1, 0)) : source;
-      return quarter_turn(carried, result, {.first_column = height - 1, .column_step = -1, .first_row = 0, .row_step = 1});
+      return kernels::turn().quarter_turn(carried, result,
+                                          {.first_column = height - 1, .column_step = -1, .first_row = 0, .row_step = 1});
     }
-    case DeviceTurn::kHalf: return half_turn(source, result);
-    case DeviceTurn::kLeftRight: return mirror_left_right(source, result);
-    case DeviceTurn::kTopBottom: return mirror_top_bottom(source.byte_rows(width_bytes), result.byte_rows(width_bytes));
+    case DeviceTurn::kHalf: return kernels::turn().half_turn(source, result);
+    case DeviceTurn::kLeftRight: return kernels::turn().mirror_left_right(source, result);
+    case DeviceTurn::kTopBottom:
+      return kernels::turn().mirror_top_bottom(source.byte_rows(width_bytes), result.byte_rows(width_bytes));
   }
 }
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <span>
 
-#include "dib/view.h"
+#include "core/view.h"
 #include "platform/memory.h"
 
 namespace vorel {

@@ -30,14 +30,14 @@ Resolution blended(const DibHeader& header, int angle) {
   return {per_metre(dpi_x, dpi_y), per_metre(dpi_y, dpi_x)};
 }
 
-void store(const std::array<Point, 4>& corners, int32_t* numbers) {
-  for (const Point& corner : corners) {
+void store(const std::array<kernels::Point, 4>& corners, int32_t* numbers) {
+  for (const kernels::Point& corner : corners) {
     *numbers++ = static_cast<int32_t>(static_cast<int64_t>(corner.x));
     *numbers++ = static_cast<int32_t>(static_cast<int64_t>(corner.y));
   }
 }
 
-DibHeader turned_header(DibHeader header, const Rotation& rotation, int angle) {
+DibHeader turned_header(DibHeader header, const kernels::Rotation& rotation, int angle) {
   header.width = static_cast<int32_t>(rotation.width);
   header.height = static_cast<int32_t>(rotation.height);
   header.image_bytes = static_cast<uint32_t>(rows_bytes(header).value());
@@ -49,11 +49,11 @@ DibHeader turned_header(DibHeader header, const Rotation& rotation, int angle) {
 
 }  // namespace
 
-Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, Stepping stepping, int32_t* corners) {
+Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, kernels::Stepping stepping, int32_t* corners) {
   const DibHeader& header = source.header();
   if (const Error refusal = check(header); refusal != Error::kNone) return refusal;
-  angle = Rotation::normalized(angle);
-  const Rotation rotation(header.width, header.height, angle);
+  angle = kernels::Rotation::normalized(angle);
+  const kernels::Rotation rotation(header.width, header.height, angle);
   if (corners != nullptr) store(rotation.corners, corners);
   if (!rotation.is_countable()) return Error::kTurnMemory;
 
@@ -65,7 +65,8 @@ Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, Stepping steppi
   if (!result) return result.error() == Error::kLock ? Error::kTurnLock : Error::kTurnMemory;
 
   const auto target = pixels_at(result->bytes(), bits_offset(header), result_header);
-  if (has_pixels(header)) rotate(pixels_at(whole->bytes(), bits_offset(header), header), target, rotation, stepping);
+  if (has_pixels(header))
+    kernels::turn().rotate(pixels_at(whole->bytes(), bits_offset(header), header), target, rotation, stepping);
   return result;
 }
 

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "dib/pixel.h"
+#include "core/pixel.h"
 
 namespace vorel {
 namespace {
@@ -15,10 +15,9 @@ ByteCount head_bytes(const DibHeader& header) { return kHeaderBytes + palette_by
 // How many colours pixels can name.
 uint32_t color_count(const DibHeader& header) { return std::min(DIBNumColors(header), implied_colors(header.depth)); }
 
-using Scaler = void (*)(ConstDibView, std::span<const Rgb>, DibView, Interpolation);
-
 // Scales the first rows and columns of a picture, as many as `area` says and as there are.
-Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, Scaler scale, Interpolation interpolation) {
+Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, kernels::Interpolate* scale,
+                              kernels::Interpolation interpolation) {
   const DibHeader& header = source.header();
   DibHeader result_header = header;
   result_header.width = size.width;
@@ -39,7 +38,7 @@ Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, Sca
 
 }  // namespace
 
-Result<OwnedDib> scaled(const LockedDib& source, Interpolation interpolation, uint32_t width, uint32_t height) {
+Result<OwnedDib> scaled(const LockedDib& source, kernels::Interpolation interpolation, uint32_t width, uint32_t height) {
   const DibHeader& header = source.header();
   if (header.depth == 1)
     return ScaleDIBRect(source, {0, 0, header.width, header.height}, {static_cast<int>(width), static_cast<int>(height)});
@@ -47,10 +46,11 @@ Result<OwnedDib> scaled(const LockedDib& source, Interpolation interpolation, ui
   const Size size = {static_cast<uint16_t>(width), static_cast<uint16_t>(height)};
   if (size.width == 0 || size.height == 0) return Error::kDibSize;
   if (header.width < 1 || header.height < 1 || header.width > kMostPixels) return Error::kDibSize;
-  return interpolated(source, {header.width, header.height}, size, scale_colors, interpolation);
+  return interpolated(source, {header.width, header.height}, size, kernels::scale().scale_colors, interpolation);
 }
 
-Result<OwnedDib> magnified(const LockedDib& source, Size area, int x_factor, int y_factor, Interpolation interpolation) {
+Result<OwnedDib> magnified(const LockedDib& source, Size area, int x_factor, int y_factor,
+                           kernels::Interpolation interpolation) {
   const DibHeader& header = source.header();
   if (!is_color_depth(header.depth)) return Error::kHeaderBits;
   if (area.width < 1 || area.height < 1 || area.width > header.width || area.height > header.height)
@@ -58,7 +58,8 @@ Result<OwnedDib> magnified(const LockedDib& source, Size area, int x_factor, int
   if (x_factor < 1 || y_factor < 1) return Error::kParameter;
   const int64_t width = int64_t{area.width} * x_factor, height = int64_t{area.height} * y_factor;
   if (width > kMostPixels || height > kMostPixels) return Error::kDibSize;
-  return interpolated(source, area, {static_cast<int>(width), static_cast<int>(height)}, scale_levels, interpolation);
+  return interpolated(source, area, {static_cast<int>(width), static_cast<int>(height)}, kernels::scale().scale_levels,
+                      interpolation);
 }
 
 Result<OwnedDib> ScaleDIBRect(const LockedDib& source, Rect rect, Size size) {
@@ -78,9 +79,9 @@ Result<OwnedDib> ScaleDIBRect(const LockedDib& source, Rect rect, Size size) {
   auto result = OwnedDib::with_head(whole->bytes().first(static_cast<size_t>(head.value())), result_header, image);
   const auto columns = ZeroedBuffer::allocate(ByteCount(static_cast<uint32_t>(size.width)) * sizeof(int));
   if (!result || !columns) return Error::kUnreported;
-  scale_nearest(pixels_at(whole->bytes(), bits_offset(header), header), rect,
-                pixels_at(result->bytes(), head, result_header),
-                {reinterpret_cast<int*>(columns->bytes().data()), static_cast<size_t>(size.width)});
+  kernels::scale().scale_nearest(pixels_at(whole->bytes(), bits_offset(header), header), rect,
+                                 pixels_at(result->bytes(), head, result_header),
+                                 {reinterpret_cast<int*>(columns->bytes().data()), static_cast<size_t>(size.width)});
   return result;
 }
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <limits>
 
-#include "geometry/skew.h"
+#include "kernels/turn/turn.h"
 
 namespace vorel {
 namespace {
@@ -57,7 +57,7 @@ Result<OwnedDib> skewed(const LockedDib& source, SkewDirection direction, int32_
       OwnedDib::with_head(whole->bytes().first(static_cast<size_t>(bits_offset(header).value())), result_header, image);
   if (!result || !has_pixels(header)) return result;
 
-  const auto kernel = direction == SkewDirection::kRows ? skew_rows : skew_columns;
+  const auto kernel = direction == SkewDirection::kRows ? kernels::turn().skew_rows : kernels::turn().skew_columns;
   kernel(pixels_at(whole->bytes(), bits_offset(header), header),
          pixels_at(result->bytes(), bits_offset(header), result_header), offset);
   return result;

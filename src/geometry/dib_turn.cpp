@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "geometry/turn.h"
+#include "kernels/turn/turn.h"
 
 namespace vorel {
 namespace {
@@ -39,17 +39,18 @@ void move_pixels(ConstDibView source, DibView result, DibTurn turn) {
   const int height = source.height();
   switch (turn) {
     case DibTurn::kClockwise:
-      return quarter_turn(source, result, {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
+      return kernels::turn().quarter_turn(source, result,
+                                          {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
     case DibTurn::kCounterClockwise:
       // One column further right than the picture asks for: column 0 stays empty, and source row 0 goes to the column past
       // the last, which is padding, the next row's first pixel, or the spare bytes. Callers count on it.
-      return quarter_turn(source, result.with_width(height + 1),
-                          {.first_column = height, .column_step = -1, .first_row = 0, .row_step = 1});
-    case DibTurn::kHalf: return half_turn(source, result);
-    case DibTurn::kLeftRight: return mirror_left_right(source, result);
+      return kernels::turn().quarter_turn(source, result.with_width(height + 1),
+                                          {.first_column = height, .column_step = -1, .first_row = 0, .row_step = 1});
+    case DibTurn::kHalf: return kernels::turn().half_turn(source, result);
+    case DibTurn::kLeftRight: return kernels::turn().mirror_left_right(source, result);
     case DibTurn::kTopBottom: {
       const int whole_row = static_cast<int>(source.stride());
-      return mirror_top_bottom(source.byte_rows(whole_row), result.byte_rows(whole_row));
+      return kernels::turn().mirror_top_bottom(source.byte_rows(whole_row), result.byte_rows(whole_row));
     }
   }
 }

@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include "dib/view.h"
+#include "core/view.h"
 #include "frame/error.h"
 #include "metafile/header.h"
 #include "platform/windows/gdi.h"

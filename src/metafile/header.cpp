@@ -4,7 +4,7 @@
 #include <cstring>
 #include <limits>
 
-#include "dib/saturate.h"
+#include "core/saturate.h"
 
 namespace vorel {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-#include "dib/view.h"
+#include "core/view.h"
 #include "frame/error.h"
 #include "platform/memory.h"
 

@@ -1,6 +1,6 @@
 #include "metafile/units.h"
 
-#include "dib/saturate.h"
+#include "core/saturate.h"
 
 namespace vorel {
 namespace {

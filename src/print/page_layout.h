@@ -3,8 +3,8 @@
 
 #include <vorel32.h>
 
-#include "dib/header.h"
-#include "dib/view.h"
+#include "core/header.h"
+#include "core/view.h"
 
 namespace vorel {
 

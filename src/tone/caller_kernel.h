@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "frame/error.h"
+#include "kernels/filter/kernel.h"
 #include "platform/file.h"
-#include "tone/convolution.h"
 
 namespace vorel {
 
@@ -18,21 +18,23 @@ class CallerKernel {
   const char* file;       // of type 2
   const Number* numbers;  // of type 1
 
-  Result<Kernel> make() const {
+  Result<kernels::Kernel> make() const {
     if (!is_known()) return Error::kParameter;
-    const auto filter = static_cast<FilterType>(type);
-    if (filter >= FilterType::kBox) return built_in_kernel(filter, size);
-    const std::vector<int32_t> all = filter == FilterType::kFromMemory ? given() : read();
-    Kernel kernel{.size = size};
-    if (all.empty() || !set_coefficients(kernel, all)) return Error::kParameter;
+    const auto filter = static_cast<kernels::FilterType>(type);
+    if (filter >= kernels::FilterType::kBox) return kernels::built_in_kernel(filter, size);
+    const std::vector<int32_t> all = filter == kernels::FilterType::kFromMemory ? given() : read();
+    kernels::Kernel kernel{.size = size};
+    if (all.empty() || !kernels::set_coefficients(kernel, all)) return Error::kParameter;
     return kernel;
   }
 
  private:
   bool is_known() const {
-    const bool takes_large = type == static_cast<int>(FilterType::kFromMemory) || type == static_cast<int>(FilterType::kBox);
-    return type >= static_cast<int>(FilterType::kFromMemory) && type <= static_cast<int>(FilterType::kSharpenMore) &&
-           size >= 3 && size <= (takes_large ? kMostKernelSize : 5) && size % 2 != 0;
+    const bool takes_large =
+        type == static_cast<int>(kernels::FilterType::kFromMemory) || type == static_cast<int>(kernels::FilterType::kBox);
+    return type >= static_cast<int>(kernels::FilterType::kFromMemory) &&
+           type <= static_cast<int>(kernels::FilterType::kSharpenMore) && size >= 3 &&
+           size <= (takes_large ? kernels::kMostKernelSize : 5) && size % 2 != 0;
   }
 
   size_t count() const { return static_cast<size_t>(size * size + 1); }

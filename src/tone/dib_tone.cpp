@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/gray.h"
+
 namespace vorel {
 namespace {
 
@@ -63,26 +65,24 @@ Error refusal(const DibHeader& header, std::initializer_list<uint16_t> depths, S
   return Error::kNone;
 }
 
-Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const ComponentTable& table, Where where) {
+Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const kernels::ComponentTable& table, Where where) {
   const DibHeader& header = source.header();
   const auto whole = whole_of(source);
   if (!whole) return Error::kMemory;
   auto target = target_of(handle, source, *whole, where, true);
   if (!target) return target.error();
 
-  ComponentTable levels;
-  std::ranges::transform(table_of(whole->bytes(), kTableColors), levels.begin(), [&](Rgb color) {
-    return table[static_cast<size_t>((color.blue + color.green + color.red + 1) / 3)];
-  });
+  kernels::ComponentTable levels;
+  std::ranges::transform(table_of(whole->bytes(), kTableColors), levels.begin(),
+                         [&](Rgb color) { return table[level_of(color)]; });
   write_gray_ramp(writable_table(target->bytes(), header));
   const auto from = pixels_of(whole->bytes(), header);
   const auto to = pixels_of(target->bytes(), header);
-  for (int y = 0; y < header.height && has_pixels(header); ++y)
-    std::ranges::transform(from.row(y), to.row(y).begin(), [&](uint8_t index) { return levels[index]; });
+  if (has_pixels(header)) kernels::tone().map_bytes(from, to, levels);
   return target->release();
 }
 
-Result<OwnedDib> with_components(const LockedDib& source, const ComponentTable& table) {
+Result<OwnedDib> with_components(const LockedDib& source, const kernels::ComponentTable& table) {
   const DibHeader& header = source.header();
   const auto stated = stated_image_bytes(header);
   const auto whole = source.complete(bits_offset(header) + std::max(stated, pixel_bytes(header)));
@@ -102,8 +102,7 @@ Result<OwnedDib> with_components(const LockedDib& source, const ComponentTable& 
   if (!to) return Error::kMemory;
   const auto from = pixels_of(whole->bytes(), header);
   const auto rows = pixels_of(to->bytes(), header);
-  for (int y = 0; y < header.height && has_pixels(header); ++y)
-    std::ranges::transform(from.row(y), rows.row(y).begin(), [&](uint8_t component) { return table[component]; });
+  if (has_pixels(header)) kernels::tone().map_bytes(from, rows, table);
   to->write_back();
   return result;
 }
@@ -123,71 +122,32 @@ Result<OwnedDib> in_true_color(const LockedDib& source) {
   auto result = OwnedDib::with_head(whole->bytes().first(kHeaderBytes), result_header, rows_bytes(result_header),
                                     OwnedDib::allocate_or_retry);
   if (!result) return result;
-  const auto colors = table_of(whole->bytes(), kTableColors);
-  const auto from = pixels_of(whole->bytes(), header);
-  const auto to = pixels_of(result->bytes(), result_header);
-  for (int y = 0; y < header.height; ++y) {
-    uint8_t* pixel = to.row(y).data();
-    for (const uint8_t index : from.row(y)) {
-      const Rgb color = colors[index];
-      *pixel++ = color.blue;
-      *pixel++ = color.green;
-      *pixel++ = color.red;
-    }
-  }
+  const auto colors = table_of(whole->bytes(), kTableColors).first<kTableColors>();
+  if (has_pixels(header))
+    kernels::tone().look_up_colors(pixels_of(whole->bytes(), header), pixels_of(result->bytes(), result_header), colors);
   return result;
 }
 
 // ---- Filters ----
 
-namespace {
-
-// Divides sums in place. Cutting towards zero is exact in single precision for sums of 16 bits.
-void divide(std::span<int16_t> sums, int32_t divisor, auto&& shifted) {
-  for (int bits = 0; bits <= 6; ++bits) {
-    if (divisor != 1 << bits) continue;
-    for (int16_t& sum : sums) sum = shifted(sum, bits);
-    return;
-  }
-  const auto by = static_cast<float>(divisor);
-  for (int16_t& sum : sums) sum = static_cast<int16_t>(static_cast<float>(sum) / by);
-}
-
-}  // namespace
-
-Result<HGLOBAL> filtered_gray(HGLOBAL handle, const LockedDib& source, const Kernel& kernel, Where where) {
+Result<HGLOBAL> filtered_gray(HGLOBAL handle, const LockedDib& source, const kernels::Kernel& kernel, Where where) {
   const DibHeader& header = source.header();
   const auto whole = whole_of(source);
   if (!whole) return Error::kMemory;
   auto target = target_of(handle, source, *whole, where, false);
   if (!target) return target.error();
-  const bool is_filtered = has_pixels(header);
-  Convolution convolution(kernel, is_filtered ? header.width : 0, is_filtered ? header.height : 0);
-
   write_gray_ramp(writable_table(target->bytes(), header));
   const auto from = pixels_of(whole->bytes(), header);
   const auto to = pixels_of(target->bytes(), header);
-  // Sums have 32 bits here as far as callers can tell: negative ones become large numbers when they are shifted.
-  const auto shifted = [](int16_t sum, int bits) {
-    return static_cast<int16_t>(static_cast<uint32_t>(int32_t{sum}) >> bits);
-  };
-  convolution.run([&](int y, std::span<uint8_t> samples) { std::ranges::copy(from.row(y), samples.begin()); },
-                  [&](int y, std::span<int16_t> sums, std::span<const uint8_t>) {
-                    if (kernel.clamps_sums)
-                      for (int16_t& sum : sums) sum = std::clamp<int16_t>(sum, 0, 255);
-                    divide(sums, kernel.divisor, shifted);
-                    std::ranges::transform(sums, to.row(y).begin(), [](int16_t sum) { return static_cast<uint8_t>(sum); });
-                  });
+  if (has_pixels(header)) kernels::filter().convolve_gray(from, to, kernel);
   return target->release();
 }
 
-Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const Kernel& kernel, Intensity intensity,
-                               Where where) {
+Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const kernels::Kernel& kernel,
+                               kernels::Intensity intensity, Where where) {
   const DibHeader& header = source.header();
   const auto whole = whole_of(source);
   if (!whole) return Error::kMemory;
-  const bool is_filtered = has_pixels(header);
-  Convolution convolution(kernel, is_filtered ? header.width : 0, is_filtered ? header.height : 0);
   auto target = target_of(handle, source, *whole, where, true);
   if (!target) return target.error();
   // A table, which 24 bits have no use for, goes along.
@@ -196,31 +156,7 @@ Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const Ke
 
   const auto from = pixels_of(whole->bytes(), header);
   const auto to = pixels_of(target->bytes(), header);
-  const auto read = [&](auto intensity_of) {
-    return [&, intensity_of](int y, std::span<uint8_t> samples) {
-      const uint8_t* pixel = from.row(y).data();
-      for (uint8_t& sample : samples) {
-        sample = static_cast<uint8_t>(intensity_of(pixel[0], pixel[1], pixel[2]));
-        pixel += 3;
-      }
-    };
-  };
-  const auto shifted = [](int16_t sum, int bits) { return static_cast<int16_t>(sum >> bits); };
-  const auto write = [&](int y, std::span<int16_t> sums, std::span<const uint8_t> samples) {
-    divide(sums, kernel.divisor, shifted);
-    const uint8_t* pixel = from.row(y).data();
-    uint8_t* result = to.row(y).data();
-    for (size_t x = 0; x < sums.size(); ++x) {
-      const int change = static_cast<int16_t>(sums[x] - samples[x]);
-      for (int component = 0; component < 3; ++component)
-        *result++ = static_cast<uint8_t>(std::clamp(*pixel++ + change, 0, 255));
-    }
-  };
-  // The weights are those of grey, but blue's and red's have changed places. Callers count on it.
-  if (intensity == Intensity::kWeighted)
-    convolution.run(read([](int blue, int green, int red) { return (8 * blue + 15 * green + 3 * red) / 26; }), write);
-  else
-    convolution.run(read([](int blue, int green, int red) { return (blue + green + red) / 3; }), write);
+  if (has_pixels(header)) kernels::filter().convolve_color(from, to, kernel, intensity);
   return target->release();
 }
 
@@ -228,11 +164,11 @@ Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const Ke
 
 namespace {
 
-// Smoothing over five rows takes six.
-Smoothing smoothing_for(int grade, int32_t height) {
-  if (grade == 2 && height < 4) return Smoothing::kNone;
-  if (grade == 2 && height < 6) return Smoothing::kBy3;
-  return static_cast<Smoothing>(grade);
+// kernels::Smoothing over five rows takes six.
+kernels::Smoothing smoothing_for(int grade, int32_t height) {
+  if (grade == 2 && height < 4) return kernels::Smoothing::kNone;
+  if (grade == 2 && height < 6) return kernels::Smoothing::kBy3;
+  return static_cast<kernels::Smoothing>(grade);
 }
 
 // Bytes behind the pixels of blocks whose rows are smoothed or made of colours.
@@ -242,7 +178,7 @@ ByteCount slack_bytes(const DibHeader& header) {
 
 }  // namespace
 
-Result<OwnedDib> in_grays(const LockedDib& source, int grade, GrayRule rule) {
+Result<OwnedDib> in_grays(const LockedDib& source, int grade, kernels::GrayRule rule) {
   const DibHeader& header = source.header();
   if (header.depth == 1 && (grade < 0 || grade > 2)) return Error::kParameter;
   if (!has_pixels(header)) return Error::kMemory;
@@ -265,7 +201,7 @@ Result<OwnedDib> in_grays(const LockedDib& source, int grade, GrayRule rule) {
   if (keeps_indices) {
     const auto source_colors = table_of(whole->bytes(), std::min<size_t>(DIBNumColors(header), colors.size()));
     std::ranges::transform(source_colors, colors.begin(), [&](Rgb color) {
-      const uint8_t gray = gray_of(color, rule);
+      const uint8_t gray = rule == kernels::GrayRule::kMean ? mean_of(color) : weighted_gray_of(color);
       return Rgb{gray, gray, gray, 0};
     });
     std::memcpy(to.row(0).data(), from.row(0).data(), result_header.image_bytes);
@@ -273,9 +209,9 @@ Result<OwnedDib> in_grays(const LockedDib& source, int grade, GrayRule rule) {
   }
   write_gray_ramp(colors);
   if (header.depth == 24)
-    gray_rows(from, to, rule);
+    kernels::tone().gray_rows(from, to, rule);
   else
-    expand_bits(from, to, smoothing_for(grade, header.height), false);
+    kernels::tone().expand_bits(from, to, smoothing_for(grade, header.height), false);
   return result;
 }
 
@@ -293,20 +229,20 @@ Result<OwnedDib> in_falling_grays(const LockedDib& source, int grade) {
   auto result = OwnedDib::allocate(bits_offset(result_header) + rows_bytes(result_header) + slack_bytes(header));
   if (!result) return result;
   write_header(result->bytes(), result_header);
-  write_falling_gray_ramp(table_of(result->bytes(), kTableColors));
+  write_inverted_gray_ramp(table_of(result->bytes(), kTableColors));
 
   // Set bits are to be the dark ones.
   const auto lightness = [](Rgb color) { return color.blue * color.green * color.red; };
   const auto colors = table_of(whole->bytes(), 2);
   const bool inverted = lightness(colors[0]) < lightness(colors[1]);
-  expand_bits(pixels_of(whole->bytes(), header), pixels_of(result->bytes(), result_header),
-              smoothing_for(grade, header.height), inverted);
+  kernels::tone().expand_bits(pixels_of(whole->bytes(), header), pixels_of(result->bytes(), result_header),
+                              smoothing_for(grade, header.height), inverted);
   return result;
 }
 
 // ---- Cleaning ----
 
-Result<OwnedDib> cleaned(const LockedDib& source, int level, Reach reach) {
+Result<OwnedDib> cleaned(const LockedDib& source, int level, kernels::Reach reach) {
   constexpr int kLeast = 20, kMost = 100;
   const DibHeader& header = source.header();
   if (level < kLeast || level > kMost || header.size != kHeaderBytes) return Error::kUnreported;
@@ -314,8 +250,7 @@ Result<OwnedDib> cleaned(const LockedDib& source, int level, Reach reach) {
   const auto whole = whole_of(source);
   if (!whole) return Error::kUnreported;
   const auto colors = table_of(whole->bytes(), header.depth == 1 ? 2 : kTableColors);
-  const auto is_gray = [](Rgb color) { return color.blue == color.green && color.green == color.red; };
-  if (!std::ranges::all_of(colors, is_gray)) return Error::kUnreported;
+  if (!is_gray(colors)) return Error::kUnreported;
 
   auto result = OwnedDib::allocate(source.block().size());
   if (!result) return Error::kUnreported;
@@ -330,9 +265,9 @@ Result<OwnedDib> cleaned(const LockedDib& source, int level, Reach reach) {
   const auto from = pixels_of(whole->bytes(), header);
   const auto rows = pixels_of(to->bytes(), header);
   if (header.depth == 1)
-    clean_bits(memory.subspan(to_size(bits_offset(header))), rows, adjusted * 8 / 100, reach);
+    kernels::filter().clean_bits(memory.subspan(to_size(bits_offset(header))), rows, adjusted * 8 / 100, reach);
   else
-    take_rank(from, rows, std::min((kMost + kLeast - adjusted) * 9 / 100, 8), reach);
+    kernels::filter().take_rank(from, rows, std::min((kMost + kLeast - adjusted) * 9 / 100, 8), reach);
   to->write_back();
   return result;
 }

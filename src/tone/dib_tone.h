@@ -6,10 +6,8 @@
 #include <utility>
 
 #include "dib/packed_dib.h"
-#include "tone/cleaning.h"
-#include "tone/convolution.h"
-#include "tone/grayscale.h"
-#include "tone/tables.h"
+#include "kernels/filter/filter.h"
+#include "kernels/tone/tone.h"
 
 namespace vorel {
 
@@ -55,29 +53,28 @@ Error refusal(const DibHeader& header, std::initializer_list<uint16_t> depths, S
 enum class Where { kInPlace, kCopy };
 
 // Runs an 8-bit picture through a table: each pixel becomes the table's value for the mean of its colour, in greys.
-Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const ComponentTable& table, Where where);
+Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const kernels::ComponentTable& table, Where where);
 
 // Runs the colours of a 4- or 8-bit picture, or the pixels of a 24-bit one, through a table.
-Result<OwnedDib> with_components(const LockedDib& source, const ComponentTable& table);
+Result<OwnedDib> with_components(const LockedDib& source, const kernels::ComponentTable& table);
 
 // A 24-bit copy of an 8-bit picture.
 Result<OwnedDib> in_true_color(const LockedDib& source);
 
 // Filters an 8-bit picture, whose pixels are taken for greys whatever their colours.
-Result<HGLOBAL> filtered_gray(HGLOBAL handle, const LockedDib& source, const Kernel& kernel, Where where);
+Result<HGLOBAL> filtered_gray(HGLOBAL handle, const LockedDib& source, const kernels::Kernel& kernel, Where where);
 
 // Filters the intensity of a 24-bit picture and adds what that changes to every component.
-enum class Intensity { kMean, kWeighted };
-Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const Kernel& kernel, Intensity intensity,
-                               Where where);
+Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const kernels::Kernel& kernel,
+                               kernels::Intensity intensity, Where where);
 
 // Greys of a picture of 1, 4, 8 or 24 bits; `grade` is how much 1 bit is smoothed, 0 to 2.
-Result<OwnedDib> in_grays(const LockedDib& source, int grade, GrayRule rule);
+Result<OwnedDib> in_grays(const LockedDib& source, int grade, kernels::GrayRule rule);
 
 // The same for 1 bit alone, where white is 0 and the darker colour counts.
 Result<OwnedDib> in_falling_grays(const LockedDib& source, int grade);
 
 // A cleaned copy of a grey picture of 1 or 8 bits, of as many bytes as the source.
-Result<OwnedDib> cleaned(const LockedDib& source, int level, Reach reach);
+Result<OwnedDib> cleaned(const LockedDib& source, int level, kernels::Reach reach);
 
 }  // namespace vorel

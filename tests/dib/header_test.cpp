@@ -1,5 +1,5 @@
 // The rules that find colours and rows, on sizes that do not fit anywhere too.
-#include "dib/header.h"
+#include "core/header.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

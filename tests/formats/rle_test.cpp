@@ -1,5 +1,5 @@
 // Run-length compression through the exports: codes byte by byte, the way there and back, and codes that lie.
-#include "formats/rle.h"
+#include "kernels/rle/rle.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -135,13 +135,13 @@ TEST(CompressDIB, GivesCodesThatExpandToTheSamePixels) {
 TEST(MostCodeBytes, IsReachedByShortRows) {
   for (const auto& [depth, longest] : {std::pair{4, 8}, {8, 6}})
     for (int width = 1; width <= longest; ++width) {
-      const auto room = static_cast<size_t>(vorel::most_code_bytes(depth, width, 1).value());
+      const auto room = static_cast<size_t>(vorel::kernels::most_code_bytes(depth, width, 1).value());
       size_t most = 0;
       for (int digits = 0; digits < 4 * 4 * 4 * 4 * 4 * 4 * 4; ++digits) {
         Bytes row(8);  // of which those up to the one behind the pixels vary
         for (size_t i = 0; i < 7; ++i) row[i] = static_cast<uint8_t>(digits >> 2 * i & 3);
         Bytes codes(room + 16);
-        most = std::max(most, vorel::encode_rle({row.data(), 8, width, 1, depth}, row.data(), codes));
+        most = std::max(most, vorel::kernels::rle().encode({row.data(), 8, width, 1, depth}, row.data(), codes));
       }
       EXPECT_EQ(most, room) << depth << " bits, " << width << " wide";
     }

@@ -1,0 +1,54 @@
+// Greys of colours: every weighting that the library, its codec modules and the programs use. All are integers, cut towards zero.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "core/header.h"
+
+namespace vorel {
+
+constexpr uint8_t mean_of(Rgb color) { return static_cast<uint8_t>((color.blue + color.green + color.red) / 3); }
+
+// The level that an entry of a colour table stands for.
+constexpr uint8_t level_of(Rgb color) { return static_cast<uint8_t>((color.blue + color.green + color.red + 1) / 3); }
+
+// The weights of the conversion to grey.
+constexpr uint8_t weighted_gray_of(Rgb color) {
+  return static_cast<uint8_t>((8 * color.red + 15 * color.green + 3 * color.blue) / 26);
+}
+
+// The same weights with red's and blue's exchanged: the intensity that colour filters work on. A deliberate oddity.
+constexpr uint8_t weighted_intensity_of(Rgb color) {
+  return static_cast<uint8_t>((8 * color.blue + 15 * color.green + 3 * color.red) / 26);
+}
+
+// What error diffusion and halftoning take for the brightness of a colour.
+constexpr uint8_t luminance_of(Rgb color) {
+  return static_cast<uint8_t>((30 * color.red + 59 * color.green + 11 * color.blue) / 100);
+}
+
+// In thousandths of a component, 0 to 255,000. Files of two colours are told apart by it.
+constexpr int brightness_of(Rgb color) { return 299 * color.red + 587 * color.green + 114 * color.blue; }
+
+constexpr bool is_gray(Rgb color) { return color.blue == color.green && color.green == color.red; }
+inline bool is_gray(std::span<const Rgb> colors) {
+  return std::ranges::all_of(colors, [](Rgb color) { return is_gray(color); });
+}
+
+// Level k becomes entry k.
+constexpr void write_gray_ramp(std::span<Rgb> colors) {
+  for (size_t k = 0; k < colors.size(); ++k) {
+    const auto level = static_cast<uint8_t>(k);
+    colors[k] = {level, level, level, 0};
+  }
+}
+
+constexpr void write_inverted_gray_ramp(std::span<Rgb> colors) {
+  write_gray_ramp(colors);
+  std::ranges::reverse(colors);
+}
+
+}  // namespace vorel

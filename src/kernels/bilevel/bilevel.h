@@ -1,0 +1,36 @@
+// Reducing pictures to black and white, or to few fixed colours.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "core/header.h"
+#include "core/view.h"
+#include "kernels/levels.h"
+
+namespace vorel::kernels {
+
+enum class Dithering { kFloydSteinberg, kJarvisJudiceNinke, kSmooth, kSharp };
+enum class HalftoneMethod : uint16_t { kThreshold = 0, kDiffusion = 1, kOrdered = 2 };
+
+struct BilevelTable {
+  // Error diffusion. Fills a zero-filled result of 1, 4 or (not kSmooth and kSharp) 8 bits and of the source's size. Memory that
+  // runs short is thrown as std::bad_alloc.
+  void (*dither)(ConstDibView source, std::span<const Rgb> colors, DibView result, Dithering method);
+
+  // A threshold, error diffusion or a matrix of thresholds. Fills a zero-filled 1-bit result from a source of 4, 8 or 24 bits.
+  //   memory      the source's stored rows, with whatever follows them; what is behind that counts as 0
+  //   colors      16 or 256 below 24 bits
+  //   brightness  added to the luminance of each pixel
+  // Memory that runs short is thrown as std::bad_alloc.
+  void (*halftone)(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness,
+                   DibView result, HalftoneMethod method);
+};
+
+const BilevelTable& bilevel(CpuLevel level = cpu_level());
+
+// The fixed colours of results with so many bits: black and white; each of red, green and blue on or off; eight reds, eight greens
+// and four blues.
+void write_dither_colors(int bits, std::span<Rgb> colors);
+
+}  // namespace vorel::kernels

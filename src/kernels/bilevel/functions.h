@@ -1,0 +1,12 @@
+// The functions of the table, as they are compiled for one level.
+#pragma once
+
+#include "kernels/bilevel/bilevel.h"
+
+namespace vorel::kernels::VOREL_LEVEL {
+
+void dither(ConstDibView picture, std::span<const Rgb> colors, DibView result, Dithering method);
+void halftone(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness,
+              DibView result, HalftoneMethod method);
+
+}  // namespace vorel::kernels::VOREL_LEVEL

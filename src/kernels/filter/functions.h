@@ -1,0 +1,13 @@
+// The functions of the table, as they are compiled for one level.
+#pragma once
+
+#include "kernels/filter/filter.h"
+
+namespace vorel::kernels::VOREL_LEVEL {
+
+void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel);
+void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity);
+void clean_bits(std::span<const uint8_t> source, DibView result, int threshold, Reach reach);
+void take_rank(ConstDibView source, DibView result, int rank, Reach reach);
+
+}  // namespace vorel::kernels::VOREL_LEVEL

@@ -1,0 +1,17 @@
+# Compiles kernels once per instruction set, each into the namespace VOREL_LEVEL, and adds them to the core. The lowest level comes
+# first: of inline functions that several levels instantiate, linkers keep the first.
+set(VOREL_LEVELS sse2 sse41 avx2)
+set(VOREL_FLAGS_sse2 -msse2)
+set(VOREL_FLAGS_sse41 -msse4.1 -mpopcnt)
+set(VOREL_FLAGS_avx2 -mavx2 -mbmi -mbmi2 -mlzcnt -mpopcnt)
+
+function(vorel_kernels)
+  foreach(level ${VOREL_LEVELS})
+    add_library(vorel_kernels_${level} OBJECT ${ARGN})
+    target_include_directories(vorel_kernels_${level} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    target_compile_definitions(vorel_kernels_${level} PRIVATE VOREL_LEVEL=${level})
+    target_compile_options(vorel_kernels_${level} PRIVATE ${VOREL_FLAGS_${level}})
+    target_link_libraries(vorel_kernels_${level} PRIVATE vorel_warnings)
+    target_sources(vorel_core PRIVATE $<TARGET_OBJECTS:vorel_kernels_${level}>)
+  endforeach()
+endfunction()

@@ -1,0 +1,24 @@
+// Instruction sets. Each family of kernels is compiled once per level, into a namespace of the level's name, and ends in one
+// constant table of functions. levels.cpp chooses the level; tables.cpp holds the ways to the tables.
+#pragma once
+
+#include <string_view>
+
+namespace vorel {
+
+// Each level includes the ones before it. The names are those of the namespaces, of the build's object libraries and of the
+// environment variable.
+enum class CpuLevel { kSse2, kSse41, kAvx2 };
+inline constexpr CpuLevel kCpuLevels[] = {CpuLevel::kSse2, CpuLevel::kSse41, CpuLevel::kAvx2};
+
+// "sse2", "sse41", "avx2".
+std::string_view name_of(CpuLevel level);
+
+// The highest level that this machine and its system support.
+CpuLevel highest_cpu_level();
+
+// The level that the library uses: the highest one, or a lower one that the environment variable VOREL_CPU_LEVEL names. Decided
+// once per process.
+CpuLevel cpu_level();
+
+}  // namespace vorel
