@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <variant>
 
@@ -76,8 +77,29 @@ class [[nodiscard]] Result {
   const T* operator->() const { return &std::get<0>(state_); }
   Error error() const { return std::get<1>(state_); }
 
+  // The same value, or another error.
+  Result or_error(Error error) && {
+    if (*this) return std::move(*this);
+    return error;
+  }
+
  private:
   std::variant<T, Error> state_;
 };
+
+// What may be missing, with the error that it then is.
+template <class T>
+Result<T> or_error(std::optional<T> value, Error error) {
+  if (!value) return error;
+  return std::move(*value);
+}
+
+// The value of a Result; a failure leaves the function, which returns a Result too, with the same error.
+#define VOREL_TRY(expression)                       \
+  __extension__({                                   \
+    auto vorel_result = (expression);               \
+    if (!vorel_result) return vorel_result.error(); \
+    std::move(*vorel_result);                       \
+  })
 
 }  // namespace vorel

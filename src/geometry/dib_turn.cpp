@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "dib/open_dib.h"
 #include "kernels/turn/turn.h"
 
 namespace vorel {
@@ -13,25 +14,14 @@ constexpr uint32_t kSpareBytes = 4;
 
 constexpr bool is_quarter(DibTurn turn) { return turn == DibTurn::kClockwise || turn == DibTurn::kCounterClockwise; }
 
-// Rows are as long as all planes together, pixels as long as one plane has bits.
-uint32_t row_bits(const DibHeader& header) { return uint32_t{header.planes} * header.depth; }
-
-ByteCount stored_stride(const DibHeader& header) { return row_stride(row_bits(header), header.width); }
-
-ByteCount stored_image(const DibHeader& header) { return stored_stride(header) * static_cast<uint32_t>(header.height); }
+// Rows are as long as all planes together.
+constexpr LayoutRule kRule = {.joins_planes = true};
 
 DibHeader quarter_turned_header(DibHeader header) {
   std::swap(header.width, header.height);
   std::swap(header.x_per_metre, header.y_per_metre);
-  header.image_bytes = static_cast<uint32_t>(stored_image(header).value());
+  header.image_bytes = static_cast<uint32_t>(Layout::of(header, kRule).rows.value());
   return header;
-}
-
-// The pixels of a DIB that is whole.
-template <class Byte>
-BasicView<Byte> view_of(std::span<Byte> dib, const DibHeader& header) {
-  return {FindDIBBits(dib.data(), header), static_cast<std::ptrdiff_t>(stored_stride(header).value()), header.width,
-          header.height, header.depth};
 }
 
 void move_pixels(ConstDibView source, DibView result, DibTurn turn) {
@@ -42,8 +32,8 @@ void move_pixels(ConstDibView source, DibView result, DibTurn turn) {
       return kernels::turn().quarter_turn(source, result,
                                           {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
     case DibTurn::kCounterClockwise:
-      // One column further right than the picture asks for: column 0 stays empty, and source row 0 goes to the column past
-      // the last, which is padding, the next row's first pixel, or the spare bytes. Callers count on it.
+      // A deliberate oddity: everything goes one column further right than the picture asks for. Column 0 stays empty, and
+      // source row 0 goes to the column past the last: padding, the next row's first pixel, or the spare bytes.
       return kernels::turn().quarter_turn(source, result.with_width(height + 1),
                                           {.first_column = height, .column_step = -1, .first_row = 0, .row_step = 1});
     case DibTurn::kHalf: return kernels::turn().half_turn(source, result);
@@ -62,17 +52,14 @@ Result<OwnedDib> turned(const LockedDib& source, DibTurn turn) {
   if (header.size < kHeaderBytes || header.width < 0 || header.height < 0) return Error::kUnreported;
 
   const DibHeader result_header = is_quarter(turn) ? quarter_turned_header(header) : header;
-  auto result = OwnedDib::allocate(bits_offset(result_header) + stored_image(result_header) + kSpareBytes);
-  if (!result) return Error::kUnreported;
-  const auto whole = source.complete(bits_offset(header) + stored_image(header));
-  if (!whole) return Error::kUnreported;
+  const ByteCount image = Layout::of(result_header, kRule).rows + kSpareBytes;
+  NewDib result = VOREL_TRY(NewDib::make(result_header, image, kRule).or_error(Error::kUnreported));
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, kRule).or_error(Error::kUnreported));
 
-  std::ranges::copy(whole->bytes().first(static_cast<size_t>(bits_offset(header).value())), result->bytes().begin());
-  write_header(result->bytes(), result_header);
-  // Rows without length, as those without planes, hold no pixels.
-  const bool has_pixels = header.height > 0 && stored_stride(header) != ByteCount(0);
-  if (has_pixels) move_pixels(view_of(whole->bytes(), header), view_of(result->bytes(), result_header), turn);
-  return result;
+  std::ranges::copy(opened.head(), result.head().begin());
+  write_header(result.bytes(), result_header);
+  move_pixels(opened.pixels(), result.pixels(), turn);
+  return OwnedDib(std::move(result));
 }
 
 }  // namespace vorel

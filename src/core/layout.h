@@ -1,0 +1,67 @@
+// Where colours and rows are in a packed DIB. Operations differ in the rule that they follow, which shows with headers of other
+// than 40 bytes, with colour tables that are not as long as the depth asks for, and with several planes.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "core/byte_count.h"
+#include "core/header.h"
+#include "core/view.h"
+
+namespace vorel {
+
+enum class RowsAt {
+  kBehindStatedHeader,  // behind as many bytes as the header says it has, and its table
+  kBehindTable,         // behind 40 bytes and the table
+  kBehindFullTable,     // behind 40 bytes and as many colours as the depth has
+};
+
+struct LayoutRule {
+  RowsAt rows_at = RowsAt::kBehindStatedHeader;
+  bool joins_planes = false;  // rows are as long as all planes together, pixels as long as one plane has bits
+  uint32_t least_colors = 0;  // entries behind 40 bytes that are there whatever the table says, be they rows
+};
+
+// The parts of a DIB in bytes.
+struct Layout {
+  ByteCount offset;  // from the block's start to the first row
+  ByteCount stride;  // from one row to the next
+  ByteCount rows;    // all of them; 0 for a picture without pixels
+  ByteCount needed;  // as much of the block as the rule looks at
+
+  static Layout of(const DibHeader& header, const LayoutRule& rule = {}) {
+    Layout layout;
+    switch (rule.rows_at) {
+      case RowsAt::kBehindStatedHeader: layout.offset = bits_offset(header); break;
+      case RowsAt::kBehindTable: layout.offset = kHeaderBytes + palette_bytes(header); break;
+      case RowsAt::kBehindFullTable:
+        layout.offset = kHeaderBytes + ByteCount(implied_colors(header.depth)) * sizeof(Rgb);
+        break;
+    }
+    const uint32_t row_bits = (rule.joins_planes ? header.planes : 1u) * header.depth;
+    if (has_pixels(header)) {
+      layout.stride = row_stride(row_bits, header.width);
+      layout.rows = layout.stride * static_cast<uint32_t>(header.height);
+    }
+    layout.needed = std::max(layout.offset + layout.rows, kHeaderBytes + ByteCount(rule.least_colors) * sizeof(Rgb));
+    return layout;
+  }
+};
+
+// The pixels of a DIB that is whole. A view without rows and columns where there are none.
+template <class Byte>
+BasicView<Byte> pixels_in(std::span<Byte> dib, const DibHeader& header, const Layout& layout) {
+  if (layout.rows == ByteCount(0)) return {dib.data(), 0, 0, 0, header.depth};
+  return {dib.data() + layout.offset.value(), static_cast<std::ptrdiff_t>(layout.stride.value()), header.width,
+          header.height, header.depth};
+}
+
+// The colours right behind 40 bytes, as many as asked for, of a DIB that has them.
+template <class Byte>
+auto colors_in(std::span<Byte> dib, size_t count) {
+  using Color = std::conditional_t<std::is_const_v<Byte>, const Rgb, Rgb>;
+  return std::span<Color>(reinterpret_cast<Color*>(dib.data() + kHeaderBytes), count);
+}
+
+}  // namespace vorel
