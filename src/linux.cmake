@@ -1,5 +1,6 @@
-# libvorel32.so: exports just what the map lists.
-set(map ${CMAKE_CURRENT_SOURCE_DIR}/exports/libvorel32.map)
+# libvorel32.so: exports just what the table lists.
+include(exports/lists.cmake)
+set(map ${CMAKE_CURRENT_BINARY_DIR}/libvorel32.map)
 add_library(vorel32 SHARED $<TARGET_OBJECTS:vorel_exports> $<TARGET_OBJECTS:vorel_memory>)
 target_include_directories(vorel32 PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 target_link_libraries(vorel32 PRIVATE ${subsystems})

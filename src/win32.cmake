@@ -1,24 +1,23 @@
 # VOREL32.DLL, and its import libraries for both linkers.
-set(def ${CMAKE_CURRENT_SOURCE_DIR}/exports/vorel32.def)
+include(exports/lists.cmake)
+set(def ${CMAKE_CURRENT_BINARY_DIR}/vorel32.def)
 add_library(vorel32_dll SHARED $<TARGET_OBJECTS:vorel_exports> exports/vorel32.rc print/dialogs.rc ${def})
 set_source_files_properties(print/dialogs.rc PROPERTIES OBJECT_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/print/dialog_ids.h)
 target_link_libraries(vorel32_dll PRIVATE ${subsystems} vorel_dll_entry gdi32 user32 winspool)
 target_link_options(vorel32_dll PRIVATE -Wl,--enable-stdcall-fixup,--kill-at)
 set_target_properties(vorel32_dll PROPERTIES PREFIX "" OUTPUT_NAME VOREL32 SUFFIX .DLL ARCHIVE_OUTPUT_NAME unused)
 
-# Callers' object files ask for _Name@N, the DLL has the plain name. The import libraries know both: N comes from the object
-# files of the exports, name and ordinal from the definitions.
+# Callers' object files ask for _Name@N, the DLL exports the plain name. The import libraries know both.
 set(decorated ${CMAKE_CURRENT_BINARY_DIR}/vorel32-decorated.def)
 set(mingw_library ${PROJECT_BINARY_DIR}/bin/libvorel32.a)
 set(microsoft_library ${PROJECT_BINARY_DIR}/bin/VOREL32.lib)
 find_program(VOREL_LLVM_DLLTOOL llvm-dlltool REQUIRED)
 add_custom_command(
-  OUTPUT ${decorated} ${mingw_library} ${microsoft_library}
-  COMMAND ${PROJECT_SOURCE_DIR}/tools/decorate-def.sh ${def} ${decorated} ${CMAKE_NM} $<TARGET_OBJECTS:vorel_exports>
+  OUTPUT ${mingw_library} ${microsoft_library}
   COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${decorated} --output-lib ${mingw_library}
   COMMAND ${VOREL_LLVM_DLLTOOL} -m i386 -k -d ${decorated} -l ${microsoft_library}
-  DEPENDS ${def} ${PROJECT_SOURCE_DIR}/tools/decorate-def.sh $<TARGET_OBJECTS:vorel_exports>
-  COMMAND_EXPAND_LISTS VERBATIM
+  DEPENDS ${decorated}
+  VERBATIM
   COMMENT "Making import libraries")
 add_custom_target(vorel32_import_libraries ALL DEPENDS ${mingw_library} ${microsoft_library})
 

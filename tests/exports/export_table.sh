@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Looks at the finished library and codec modules of a build: what they export is what the definitions say, and the Windows ones
-# need nothing but the system's own DLLs.
-# usage: export_table.sh SOURCE_FOLDER BUILD_FOLDER
+# Compares the public header and the finished library and codec modules of a build with the table of exports, and checks that the
+# Windows modules import from system DLLs only.
+# usage: export_table.sh SOURCE_FOLDER BUILD_FOLDER C_COMPILER NM OBJECTS_OF_EXPORTS...
 set -euo pipefail
-source=$1 build=$2
-definitions=$source/src/exports/vorel32.def
+source=$1 build=$2 compiler=$3 nm=$4
+objects=("${@:5}")
+table=$source/src/exports/exports.txt
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 failed=0
@@ -18,11 +19,25 @@ expect_same() {
   fi
 }
 
-# Ordinals are for good: 1 to 119 in order.
-sed -nE 's/^  [A-Za-z_0-9]+ @([0-9]+)$/\1/p' "$definitions" >"$scratch/ordinals"
-seq 119 >"$scratch/all"
-expect_same "every ordinal from 1 to 119 has its name" "$scratch/all" "$scratch/ordinals"
-sed -nE 's/^  ([A-Za-z_0-9]+) @([0-9]+)$/\2 \1/p' "$definitions" >"$scratch/built"
+# rows_of BUILD: the table's rows for a build, as "ordinal|result|name|parameters".
+rows_of() { awk -F ' *[|] *' -v OFS='|' -v build="$1" '!/^#/ && ($2 == "both" || $2 == build) { print $1 + 0, $3, $4, $5 }' "$table"; }
+
+# declared BUILD: the functions that the header declares for a build, as "result|name|parameters".
+declared() {
+  local convention=
+  [ "$1" = linux ] || convention='__attribute__\(\(__stdcall__\)\) '
+  "$compiler" -E -xc -I"$source/include" "$source/include/vorel32.h" |
+    awk '/^# / { ours = $3 ~ /vorel32\.h"$/; next } ours' | tr -s ' \n' ' ' | tr ';' '\n' |
+    sed -E 's/.*__attribute__\(\(visibility\("default"\)\)\) //; s/^ //' |
+    sed -nE "s/^([A-Za-z_0-9]+\*?) $convention([A-Za-z_0-9]+)\(([^()]+)\)$/\1|\2|\3/p"
+}
+
+windows_or_linux=linux
+[ ! -e "$build/bin/VOREL32.DLL" ] || windows_or_linux=windows
+rows_of $windows_or_linux >"$scratch/rows"
+cut -d '|' -f 2- "$scratch/rows" | LC_ALL=C sort >"$scratch/wanted"
+declared $windows_or_linux | LC_ALL=C sort >"$scratch/declared"
+expect_same "the header's declarations, to the names of parameters" "$scratch/wanted" "$scratch/declared"
 
 LC_ALL=C sort >"$scratch/entries" <<'END'
 BRIX SaveDIBInTGAFormat
@@ -49,7 +64,7 @@ WERT32 LoadPNGIntoDIB
 END
 : >"$scratch/none"
 
-# What the tables of a DLL say: "ORDINAL NAME" of each export; the DLLs that it needs and that are not the system's.
+# From objdump's output for a DLL: "ORDINAL NAME" of each export; imported DLLs that are not part of the system.
 dll_exports() {
   awk '/^Ordinal Base/ { base = $3 } /^\[Ordinal\/Name Pointer\] Table/ { on = 1; next } on && /^$/ { exit }
     on { gsub(/[][]/, ""); print $1 + base, $2 }' "$1" | sort -n
@@ -59,10 +74,19 @@ foreign_imports() {
     grep -vxE '(KERNEL32|USER32|GDI32|WINSPOOL|ADVAPI32|MSVCRT)\.(DLL|DRV)' || true
 }
 
-if [ -e "$build/bin/VOREL32.DLL" ]; then
+if [ $windows_or_linux = windows ]; then
+  wc -l <"$scratch/rows" | xargs seq >"$scratch/all"
+  cut -d '|' -f 1 "$scratch/rows" >"$scratch/ordinals"
+  expect_same "ordinals without a gap, in order" "$scratch/all" "$scratch/ordinals"
+
   i686-w64-mingw32-objdump -p "$build/bin/VOREL32.DLL" >"$scratch/dll"
   dll_exports "$scratch/dll" >"$scratch/exported"
-  expect_same "the DLL's names and ordinals" "$scratch/built" "$scratch/exported"
+  awk -F '|' '{ print $1, $3 }' "$scratch/rows" >"$scratch/wanted"
+  expect_same "the DLL's names and ordinals" "$scratch/wanted" "$scratch/exported"
+
+  sed -nE 's/^  (.*@[0-9]+) @[0-9]+$/_\1/p' "$build/src/vorel32-decorated.def" | LC_ALL=C sort >"$scratch/wanted"
+  "$nm" --defined-only "${objects[@]}" | grep -oE '_[A-Za-z_0-9]+@[0-9]+$' | grep -vx '_DllMain@12' | LC_ALL=C sort >"$scratch/compiled"
+  expect_same "the stack bytes that the compiler gives each export" "$scratch/wanted" "$scratch/compiled"
   foreign_imports "$scratch/dll" >"$scratch/foreign"
 
   for name in $(cut -d' ' -f1 "$scratch/entries" | uniq); do
@@ -71,9 +95,9 @@ if [ -e "$build/bin/VOREL32.DLL" ]; then
     foreign_imports "$scratch/module" >>"$scratch/foreign"
   done | LC_ALL=C sort >"$scratch/exported"
   expect_same "the entry points of the codec modules" "$scratch/entries" "$scratch/exported"
-  expect_same "no imports but the system's" "$scratch/none" "$scratch/foreign"
+  expect_same "imports from system DLLs only" "$scratch/none" "$scratch/foreign"
 
-  # A program for the other linker: its objects ask for _Name@N, and the loader finds the plain name.
+  # Microsoft's linker: object files ask for _Name@N, and the loader finds the plain name.
   printf '#include <vorel32.h>\nint start(void) { char text[13]; GetImageVersion(text, 13); return ImgError(); }\n' >"$scratch/host.c"
   clang --target=i686-w64-mingw32 -isystem /usr/share/mingw-w64/include -I"$source/include" -fno-stack-protector \
     -c "$scratch/host.c" -o "$scratch/host.obj"
@@ -83,20 +107,17 @@ if [ -e "$build/bin/VOREL32.DLL" ]; then
   printf 'GetImageVersion\nImgError\n' >"$scratch/wanted"
   expect_same "Microsoft's linker's import library" "$scratch/wanted" "$scratch/imports"
 else
-  sed -nE 's/^    ([A-Za-z0-9_]+);$/\1/p' "$source/src/exports/libvorel32.map" | sort >"$scratch/wanted"
-  nm -D --defined-only "$build/bin/libvorel32.so" | awk '{ print $3 }' | sort >"$scratch/exported"
-  expect_same "the shared library exports the map's names alone" "$scratch/wanted" "$scratch/exported"
-  cut -d' ' -f2 "$scratch/built" | sort >"$scratch/names"
-  comm -23 "$scratch/wanted" "$scratch/names" | grep -v '^Global' >"$scratch/unknown" || true
-  expect_same "no name that the DLL does not have" "$scratch/none" "$scratch/unknown"
+  cut -d '|' -f 3 "$scratch/rows" | LC_ALL=C sort >"$scratch/wanted"
+  nm -D --defined-only "$build/bin/libvorel32.so" | awk '{ print $3 }' | LC_ALL=C sort >"$scratch/exported"
+  expect_same "the shared library exports the table's names and nothing else" "$scratch/wanted" "$scratch/exported"
 
   for name in $(cut -d' ' -f1 "$scratch/entries" | uniq); do
     nm -D --defined-only "$build/bin/$name.so" | sed "s/.* /$name /"
   done | LC_ALL=C sort >"$scratch/exported"
   expect_same "the entry points of the codec modules" "$scratch/entries" "$scratch/exported"
 
-  # An empty element stands for the current folder, where anything may lie.
+  # An empty element means the current folder, where anybody may have put a library.
   find "$build/bin" -type f -perm -u+x -exec readelf -d {} + | grep -E 'R(UN)?PATH.*(\[:|::|:\])' >"$scratch/unsafe" || true
-  expect_same "no library is looked for in the current folder" "$scratch/none" "$scratch/unsafe"
+  expect_same "no library is searched for in the current folder" "$scratch/none" "$scratch/unsafe"
 fi
 exit "$failed"
