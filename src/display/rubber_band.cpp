@@ -66,7 +66,7 @@ void set_result(ImgZoomTracker& tracker, Point corner) {
 // The ratio across counts, and becomes that of both directions.
 void step_ratio(ImgZoomTracker& tracker) {
   const Ratio start = {tracker.startViewportX, tracker.startWindowX};
-  set_result(tracker, stepped(start, zoom_action(tracker.mode), zoom_steps(thread_context())));
+  set_result(tracker, stepped(start, zoom_action(tracker.mode), zoom_steps(thread_zoom_tables())));
 }
 
 // The rectangle of a gesture that ends at a point, if it is one; the band is taken away.
@@ -105,7 +105,7 @@ Point centre_of(const Box& box) {
 void zoom_to_rectangle(Point end, ImgZoomTracker& tracker, ImgDisplayLayout& layout) {
   const Mapping mapping = set_up_mapping(layout, Offsets::kKeep);
   const Box rectangle = mapping.to_logical(ordered(anchor_of(tracker), end));
-  const Ratio ratio = filling(rectangle, client_at_ratio_one(layout), thread_context().base_scale);
+  const Ratio ratio = filling(rectangle, client_at_ratio_one(layout), thread_zoom_tables().base);
   set_result(tracker, ratio);
   recentre(mapping.to_device(centre_of(rectangle)), tracker, layout);
 }
@@ -213,7 +213,7 @@ void start_zoom(HWND window, const POINT* start, const RECT* current, int mode, 
   const Point point = start == nullptr ? Point{} : in_client(window, *start, tracker);
   tracker.anchorX = tracker.cornerX = point.x;
   tracker.anchorY = tracker.cornerY = point.y;
-  const LONG base = thread_context().base_scale;
+  const LONG base = thread_zoom_tables().base;
   const RECT ratio = current != nullptr ? *current : RECT{base, base, base, base};
   tracker.startViewportX = static_cast<int>(ratio.left);
   tracker.startWindowX = static_cast<int>(ratio.top);
@@ -259,7 +259,7 @@ void end_screen_zoom(HWND window, const POINT* end, ImgZoomTracker& tracker, Img
     const Box device = ordered(anchor_of(tracker), point);
     const Point first = mapping.to_logical(Point{device.left, device.top});
     const Point last = mapping.to_logical(Point{device.right, device.bottom});
-    const Ratio ratio = filling({first.x, first.y, last.x, last.y}, mapping.client_at({}), thread_context().base_scale);
+    const Ratio ratio = filling({first.x, first.y, last.x, last.y}, mapping.client_at({}), thread_zoom_tables().base);
     set_result(tracker, ratio);
     centre = centre_of({first.x, first.y, last.x, last.y});
   } else if (end != nullptr) {

@@ -240,13 +240,15 @@ Exposed scroll_content(HWND window, const Box& client, Point way) {
   return exposed;
 }
 
-// The thread's note that a display follows its window to a new size, for a scope.
+const PerThread<int> is_resizing;
+
+// Notes for a scope that a display of the thread follows its window to a new size.
 class [[nodiscard]] Resizing {
  public:
-  Resizing() { thread_context().is_resizing = 1; }
+  Resizing() { *is_resizing = 1; }
   Resizing(const Resizing&) = delete;
   Resizing& operator=(const Resizing&) = delete;
-  ~Resizing() { thread_context().is_resizing = 0; }
+  ~Resizing() { *is_resizing = 0; }
 };
 
 // How far to move content for a position to become another. No window shows more than this.

@@ -6,13 +6,16 @@
 #include <functional>
 
 #include "core/saturate.h"
+#include "frame/thread_context.h"
 
 namespace vorel {
 namespace {
 
+const PerThread<ZoomTables> zoom_tables;
+
 constexpr int kMostSteps = IMG_ZOOM_TABLE_ENTRIES - 1;
 
-std::span<const int> values_of(const int32_t (&table)[kScaleTableWords]) {
+std::span<const int> values_of(const int (&table)[IMG_ZOOM_TABLE_ENTRIES]) {
   return std::span(table).subspan(1, static_cast<size_t>(std::clamp(table[0], 1, kMostSteps)));
 }
 
@@ -87,9 +90,9 @@ float capped_ratio(int viewport, int window, int64_t client, int64_t band) {
 
 }  // namespace
 
-ZoomSteps zoom_steps(const ImgThreadContext& context) {
-  return {context.base_scale, values_of(context.first_scale_steps), values_of(context.second_scale_steps)};
-}
+ZoomTables& thread_zoom_tables() { return *zoom_tables; }
+
+ZoomSteps zoom_steps(const ZoomTables& tables) { return {tables.base, values_of(tables.enlarge), values_of(tables.reduce)}; }
 
 bool is_step_table(std::span<const int, IMG_ZOOM_TABLE_ENTRIES> table, int base) {
   if (table[0] < 1 || table[0] > kMostSteps || table[1] != base) return false;

@@ -4,7 +4,6 @@
 #include <span>
 
 #include "display/mapping.h"
-#include "frame/thread_context.h"
 
 namespace vorel {
 
@@ -14,13 +13,23 @@ struct Ratio {
   friend bool operator==(const Ratio&, const Ratio&) = default;
 };
 
-// A thread's steps as BZoomSetScaleSteps takes them.
-struct ZoomSteps {
-  int base;
-  std::span<const int> enlarge, reduce;  // the values alone, without their count
+// A thread's zoom steps. Element 0 of a table counts the steps (1 to 10) that follow it, strictly increasing, the first one equal
+// to the base.
+struct ZoomTables {
+  int enlarge[IMG_ZOOM_TABLE_ENTRIES] = {5, 10, 20, 40, 60, 80};
+  int reduce[IMG_ZOOM_TABLE_ENTRIES] = {5, 10, 15, 30, 40, 50};
+  int base = 10;  // the scale that stands for 100 % in both tables
 };
 
-ZoomSteps zoom_steps(const ImgThreadContext& context);
+ZoomTables& thread_zoom_tables();
+
+// The same without the counts.
+struct ZoomSteps {
+  int base;
+  std::span<const int> enlarge, reduce;
+};
+
+ZoomSteps zoom_steps(const ZoomTables& tables);
 
 // Whether a table of IMG_ZOOM_TABLE_ENTRIES counts 1 to 10 values that rise from the base.
 bool is_step_table(std::span<const int, IMG_ZOOM_TABLE_ENTRIES> table, int base);

@@ -10,6 +10,7 @@
 #include "platform/user.h"
 #include "tone/caller_kernel.h"
 #include "tone/dib_tone.h"
+#include "tone/last_histogram.h"
 
 using namespace vorel;
 
@@ -46,10 +47,10 @@ Result<HGLOBAL> new_block(uint32_t bytes, auto&& fill) {
 }
 
 Result<HGLOBAL> new_histogram() {
-  ImgThreadContext& context = thread_context();
-  context.histogram_bytes = kHistogramBytes;
+  LastHistogram& last = last_histogram();
+  last.histogram_bytes = kHistogramBytes;
   const auto histogram = new_block(kHistogramBytes, [](std::span<uint8_t>) {});
-  if (histogram) context.histogram_x = context.histogram_y = kNowhere;
+  if (histogram) last.histogram_x = last.histogram_y = kNowhere;
   return histogram;
 }
 
@@ -61,8 +62,8 @@ Result<HGLOBAL> counted(HGLOBAL dib, HGLOBAL histogram, const int* origin) {
   if (!source) return Error::kLock;
   const DibHeader& header = source->header();
   if (const Error refused = refusal(header, {8}); refused != Error::kNone) return refused;
-  ImgThreadContext& context = thread_context();
-  const kernels::Corner before{context.histogram_x, context.histogram_y};
+  LastHistogram& last = last_histogram();
+  const kernels::Corner before{last.histogram_x, last.histogram_y};
   const kernels::Corner corner = kernels::clamped({origin[0], origin[1]}, {header.width, header.height});
   if (corner == before) return histogram;
   const auto table = Table::lock_whole(histogram, kHistogramBytes);
@@ -74,18 +75,18 @@ Result<HGLOBAL> counted(HGLOBAL dib, HGLOBAL histogram, const int* origin) {
   if (kernels::can_slide(before, corner)) {
     kernels::tone().slide_square(picture, before, corner, table->counters());
   } else {
-    const auto cleared = static_cast<size_t>(context.histogram_bytes) / sizeof(uint16_t);
+    const auto cleared = static_cast<size_t>(last.histogram_bytes) / sizeof(uint16_t);
     std::ranges::fill(table->counters().first(cleared), uint16_t{0});
     kernels::tone().count_square(picture, corner, table->counters());
   }
   table->bytes.write_back();
-  context.histogram_x = corner.x;
-  context.histogram_y = corner.y;
+  last.histogram_x = corner.x;
+  last.histogram_y = corner.y;
   return histogram;
 }
 
 Result<HGLOBAL> new_table() {
-  thread_context().table_length = static_cast<int32_t>(kernels::ComponentTable().size());
+  last_histogram().table_length = static_cast<int32_t>(kernels::ComponentTable().size());
   return new_block(static_cast<uint32_t>(kernels::ComponentTable().size()), [](std::span<uint8_t> table) {
     for (size_t i = 0; i < kernels::ComponentTable().size(); ++i) table[i] = static_cast<uint8_t>(i);
   });
@@ -97,7 +98,7 @@ Result<HGLOBAL> computed(HGLOBAL table, HGLOBAL histogram, int contrast, int bri
   const auto counters = Table::lock_whole(histogram, kHistogramBytes);
   const int mean = counters ? kernels::mean_level(counters->counters()) : kernels::kMiddleLevel;
   const kernels::ComponentTable levels = kernels::contrast_table(contrast, brightness, mean);
-  const auto length = static_cast<size_t>(thread_context().table_length);
+  const auto length = static_cast<size_t>(last_histogram().table_length);
   if (target) std::ranges::copy(std::span(levels).first(std::min(length, target->bytes().size())), target->bytes().begin());
   return table;
 }

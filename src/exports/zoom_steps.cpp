@@ -14,7 +14,7 @@ bool is_missing_or_valid(const int* table, int base) {
          is_step_table(std::span<const int, IMG_ZOOM_TABLE_ENTRIES>(table, IMG_ZOOM_TABLE_ENTRIES), base);
 }
 
-void copy_table(const auto* from, auto* to) { std::copy_n(from, IMG_ZOOM_TABLE_ENTRIES, to); }
+void copy_table(const int* from, int* to) { std::copy_n(from, IMG_ZOOM_TABLE_ENTRIES, to); }
 
 }  // namespace
 
@@ -24,18 +24,18 @@ int VORELCALL BZoomSetScaleSteps(int base, const int* enlarge, const int* reduce
   constexpr int kMostBase = 1000;
   if (base < 1 || base > kMostBase) return 0;
   if (!is_missing_or_valid(enlarge, base) || !is_missing_or_valid(reduce, base)) return 0;
-  ImgThreadContext& context = thread_context();
-  if (enlarge != nullptr) copy_table(enlarge, context.first_scale_steps);
-  if (reduce != nullptr) copy_table(reduce, context.second_scale_steps);
-  context.base_scale = base;
+  ZoomTables& tables = thread_zoom_tables();
+  if (enlarge != nullptr) copy_table(enlarge, tables.enlarge);
+  if (reduce != nullptr) copy_table(reduce, tables.reduce);
+  tables.base = base;
   return 1;
 }
 
 int VORELCALL BZoomGetScaleSteps(int* enlarge, int* reduce) {
-  const ImgThreadContext& context = thread_context();
-  if (enlarge != nullptr) copy_table(context.first_scale_steps, enlarge);
-  if (reduce != nullptr) copy_table(context.second_scale_steps, reduce);
-  return context.base_scale;
+  const ZoomTables& tables = thread_zoom_tables();
+  if (enlarge != nullptr) copy_table(tables.enlarge, enlarge);
+  if (reduce != nullptr) copy_table(tables.reduce, reduce);
+  return tables.base;
 }
 
 }  // extern "C"

@@ -12,6 +12,7 @@
 #include "platform/user.h"
 #include "platform/windows/instance.h"
 #include "print/dialog_ids.h"
+#include "print/job_state.h"
 #include "print/page_layout.h"
 #include "print/printers.h"
 
@@ -33,22 +34,18 @@ constexpr int kNoBitmaps = 1, kNoCancelDialog = -5, kNoDocument = -1, kNotEnded 
 
 constexpr int code_of(Error error) { return static_cast<int>(error); }
 
-PrintJob& current_job() { return thread_context().print_job; }
-
-HDC dc_of(const PrintJob& job) { return static_cast<HDC>(job.dc); }
-HDC printer_of(const PrintJob& job) { return static_cast<HDC>(job.printer_dc); }
+const PerThread<PrintJob> thread_job;
 
 // ---- Beginning and end ----
 
 void close_cancel_dialog(PrintJob& job) {
-  const auto dialog = static_cast<HWND>(std::exchange(job.cancel_dialog, nullptr));
-  if (dialog != nullptr) DestroyWindow(dialog);
+  if (HWND dialog = std::exchange(job.cancel_dialog, nullptr)) DestroyWindow(dialog);
 }
 
 // What a job made by itself, besides its document.
 void give_back(PrintJob& job) {
-  const OwnedDc printer(job.owns_printer_dc != 0 ? printer_of(job) : nullptr);
-  const OwnedDc memory(job.dc != job.printer_dc ? dc_of(job) : nullptr);
+  const OwnedDc printer(job.owns_printer_dc ? job.printer_dc : nullptr);
+  const OwnedDc memory(job.dc != job.printer_dc ? job.dc : nullptr);
   job.dc = job.printer_dc = nullptr;
   close_cancel_dialog(job);
 }
@@ -74,32 +71,32 @@ int obtain_printer(PrintJob& job, const JobRequest& request, DLGPROC dialog) {
   } else {
     job.printer_dc = default_printer_dc().release();
   }
-  job.owns_printer_dc = 1;
+  job.owns_printer_dc = true;
   return job.printer_dc != nullptr ? 0 : code_of(Error::kPrinterDc);
 }
 
 int refuse_without_bitmaps(PrintJob& job) {
-  if ((GetDeviceCaps(printer_of(job), RASTERCAPS) & RC_BITBLT) != 0) return 0;
+  if ((GetDeviceCaps(job.printer_dc, RASTERCAPS) & RC_BITBLT) != 0) return 0;
   job.deleted_dc = job.printer_dc;
-  DeleteDC(printer_of(job));
+  DeleteDC(job.printer_dc);
   job.printer_dc = nullptr;
-  job.owns_printer_dc = 0;
+  job.owns_printer_dc = false;
   return kNoBitmaps;
 }
 
 int choose_job_dc(PrintJob& job) {
-  job.bits_per_pixel = GetDeviceCaps(printer_of(job), BITSPIXEL);
-  job.planes = GetDeviceCaps(printer_of(job), PLANES);
+  job.bits_per_pixel = GetDeviceCaps(job.printer_dc, BITSPIXEL);
+  job.planes = GetDeviceCaps(job.printer_dc, PLANES);
   job.is_monochrome = job.bits_per_pixel == 1 && job.planes == 1;
-  const bool in_memory = job.options.useMemoryDC != 0 && job.is_monochrome == 0;
-  job.dc = in_memory ? MemoryDc(printer_of(job)).release() : printer_of(job);
+  const bool in_memory = job.options.useMemoryDC != 0 && !job.is_monochrome;
+  job.dc = in_memory ? MemoryDc(job.printer_dc).release() : job.printer_dc;
   if (job.dc != nullptr) return 0;
   give_back(job);
   return code_of(Error::kPrinterDc);
 }
 
 void show_progress(const PrintJob& job, const char* text) {
-  SendMessageA(static_cast<HWND>(job.cancel_dialog), WM_SHOW_PROGRESS, 0, reinterpret_cast<LPARAM>(text));
+  SendMessageA(job.cancel_dialog, WM_SHOW_PROGRESS, 0, reinterpret_cast<LPARAM>(text));
 }
 
 int open_cancel_dialog(PrintJob& job, HWND owner, const JobProcedures& procedures) {
@@ -108,9 +105,9 @@ int open_cancel_dialog(PrintJob& job, HWND owner, const JobProcedures& procedure
   if (dialog == nullptr) return kNoCancelDialog;
   job.cancel_dialog = dialog;
   UpdateWindow(dialog);
-  const int installed = SetAbortProc(dc_of(job), procedures.abort);
+  const int installed = SetAbortProc(job.dc, procedures.abort);
   if (installed < 0) return installed;
-  job.has_abort_procedure = 1;
+  job.has_abort_procedure = true;
   show_progress(job, job.document);
   return 0;
 }
@@ -119,24 +116,24 @@ int start_document(PrintJob& job) {
   DOCINFOA document = {};
   document.cbSize = sizeof document;
   document.lpszDocName = job.document;
-  const int started = StartDocA(dc_of(job), &document);
+  const int started = StartDocA(job.dc, &document);
   job.document_is_open = started > 0;
   return started < 0 ? kNoDocument : 0;
 }
 
 void measure_page(PrintJob& job) {
-  const auto capability = [&](int index) { return GetDeviceCaps(dc_of(job), index); };
+  const auto capability = [&](int index) { return GetDeviceCaps(job.dc, index); };
   job.x_dots_per_inch = static_cast<float>(capability(LOGPIXELSX));
   job.y_dots_per_inch = static_cast<float>(capability(LOGPIXELSY));
   const PrintablePage page =
       printable_page({capability(HORZRES), capability(VERTRES)}, {job.x_dots_per_inch, job.y_dots_per_inch});
   job.page_width = page.size.width;
   job.page_height = page.size.height;
-  SetMapMode(dc_of(job), MM_TEXT);
+  SetMapMode(job.dc, MM_TEXT);
 }
 
 void end_page(PrintJob& job) {
-  if (std::exchange(job.page_is_open, 0) != 0) EndPage(dc_of(job));
+  if (std::exchange(job.page_is_open, false)) EndPage(job.dc);
 }
 
 // ---- A page ----
@@ -154,8 +151,8 @@ struct Page {
 
 void draw(const Page& page, Rect dots, Rect pixels) {
   const WaitCursor cursor;
-  const PaletteSelection selection(dc_of(page.job), page.palette);
-  page.dib.stretch(dc_of(page.job), dots, pixels, SRCCOPY);
+  const PaletteSelection selection(page.job.dc, page.palette);
+  page.dib.stretch(page.job.dc, dots, pixels, SRCCOPY);
 }
 
 void draw_whole(const Page& page) {
@@ -174,11 +171,11 @@ void draw_band(const Page& page, const RECT& band) {
 int draw_bands(const Page& page) {
   for (;;) {
     RECT band = {};
-    const int given = Escape(dc_of(page.job), NEXTBAND, 0, nullptr, &band);
+    const int given = Escape(page.job.dc, NEXTBAND, 0, nullptr, &band);
     if (given < 0) return given;
     if (IsRectEmpty(&band)) return 0;
-    if (page.job.has_abort_procedure != 0) let_messages_through(0);
-    if (page.job.is_cancelled != 0) return 0;
+    if (page.job.has_abort_procedure) let_messages_through(0);
+    if (page.job.is_cancelled) return 0;
     draw_band(page, band);
   }
 }
@@ -186,14 +183,14 @@ int draw_bands(const Page& page) {
 // The page is not ended between copies: whether each begins a sheet is up to the device.
 int print_copies(const Page& page) {
   PrintJob& job = page.job;
-  const bool has_bands = (GetDeviceCaps(dc_of(job), RASTERCAPS) & RC_BANDING) != 0;
+  const bool has_bands = (GetDeviceCaps(job.dc, RASTERCAPS) & RC_BANDING) != 0;
   int result = 0;
-  for (int copy = 0; copy < job.options.copies && job.is_cancelled == 0 && result == 0; ++copy) {
-    if (StartPage(dc_of(job)) < 1) {
-      job.is_cancelled = 1;
+  for (int copy = 0; copy < job.options.copies && !job.is_cancelled && result == 0; ++copy) {
+    if (StartPage(job.dc) < 1) {
+      job.is_cancelled = true;
       break;
     }
-    job.page_is_open = 1;
+    job.page_is_open = true;
     if (has_bands) {
       result = draw_bands(page);
     } else {
@@ -205,8 +202,8 @@ int print_copies(const Page& page) {
 
 // Where the device has really dropped the document, there is none to end.
 int abort_document(PrintJob& job) {
-  const int answer = Escape(dc_of(job), ABORTDOC, 0, nullptr, nullptr);
-  if (answer > 0) job.page_is_open = job.document_is_open = 0;
+  const int answer = Escape(job.dc, ABORTDOC, 0, nullptr, nullptr);
+  if (answer > 0) job.page_is_open = job.document_is_open = false;
   return std::min(answer, 0);
 }
 
@@ -232,6 +229,8 @@ LONG negated(LONG value) { return static_cast<LONG>(0 - static_cast<ULONG>(value
 
 }  // namespace
 
+PrintJob& current_job() { return *thread_job; }
+
 int prepare_job(const JobRequest& request, const JobProcedures& procedures) {
   PrintJob& job = begin_job(request);
   if (const int code = obtain_printer(job, request, procedures.page_dialog)) return code;
@@ -253,31 +252,31 @@ int print_page(const PageRequest& request) {
   const auto dib = DeviceDib::of(*locked);
   if (!dib) return code_of(Error::kMemory);
 
-  if (std::exchange(job.page_is_continued, 0) == 0) end_page(job);
+  if (!std::exchange(job.page_is_continued, false)) end_page(job);
   tell_page(job, request.index);
-  SetMapMode(dc_of(job), MM_TEXT);
-  SetWindowOrgEx(dc_of(job), negated(request.offset.x), negated(request.offset.y), nullptr);
+  SetMapMode(job.dc, MM_TEXT);
+  SetWindowOrgEx(job.dc, negated(request.offset.x), negated(request.offset.y), nullptr);
   const auto palette = palette_of(*locked);  // true-colour pictures have none
   const Rect image = place(job, dib->header(), request.image_dpi);
   const int bands = print_copies({job, *dib, palette ? palette->get() : nullptr, image, request.offset});
-  const int aborted = job.is_cancelled != 0 ? abort_document(job) : 0;
+  const int aborted = job.is_cancelled ? abort_document(job) : 0;
   return aborted < 0 ? aborted : bands;
 }
 
-void continue_page() { current_job().page_is_continued = 1; }
+void continue_page() { current_job().page_is_continued = true; }
 
 int end_job(HDC printer_dc) {
   PrintJob& job = current_job();
   end_page(job);
-  const bool has_document = std::exchange(job.document_is_open, 0) != 0;
-  const int result = has_document && EndDoc(dc_of(job)) <= 0 ? kNotEnded : 0;
+  const bool has_document = std::exchange(job.document_is_open, false);
+  const int result = has_document && EndDoc(job.dc) <= 0 ? kNotEnded : 0;
 
   const OwnedDc given(printer_dc != job.deleted_dc ? printer_dc : nullptr);
-  const OwnedDc drawn_on(dc_of(job) != printer_dc ? dc_of(job) : nullptr);
-  const bool has_other_printer = job.owns_printer_dc != 0 && job.printer_dc != job.dc && job.printer_dc != printer_dc;
-  const OwnedDc printer(has_other_printer ? printer_of(job) : nullptr);
+  const OwnedDc drawn_on(job.dc != printer_dc ? job.dc : nullptr);
+  const bool has_other_printer = job.owns_printer_dc && job.printer_dc != job.dc && job.printer_dc != printer_dc;
+  const OwnedDc printer(has_other_printer ? job.printer_dc : nullptr);
   close_cancel_dialog(job);
-  void* deleted = printer_dc != nullptr ? printer_dc : job.deleted_dc;
+  HDC deleted = printer_dc != nullptr ? printer_dc : job.deleted_dc;
   job = PrintJob{};
   job.deleted_dc = deleted;
   return result;
@@ -285,23 +284,22 @@ int end_job(HDC printer_dc) {
 
 bool let_messages_through(int spooler_code) {
   PrintJob& job = current_job();
-  if (spooler_code != 0) job.is_cancelled = 1;
-  if (job.is_cancelled != 0) {
+  if (spooler_code != 0) job.is_cancelled = true;
+  if (job.is_cancelled) {
     job.spooler_code = spooler_code;
     return false;
   }
   MSG message;
-  while (job.is_cancelled == 0 && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+  while (!job.is_cancelled && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
     if (message.message == WM_QUIT) {  // for the application's own loop
       PostQuitMessage(static_cast<int>(message.wParam));
       break;
     }
-    const auto dialog = static_cast<HWND>(job.cancel_dialog);
-    if (dialog != nullptr && IsDialogMessageA(dialog, &message)) continue;
+    if (job.cancel_dialog != nullptr && IsDialogMessageA(job.cancel_dialog, &message)) continue;
     TranslateMessage(&message);
     DispatchMessageA(&message);
   }
-  return job.is_cancelled == 0;
+  return !job.is_cancelled;
 }
 
 bool follow_cancel_dialog(HWND dialog, UINT message, LPARAM text) {
@@ -310,7 +308,7 @@ bool follow_cancel_dialog(HWND dialog, UINT message, LPARAM text) {
       EnableMenuItem(GetSystemMenu(dialog, FALSE), SC_CLOSE, MF_BYCOMMAND | MF_GRAYED);
       SetFocus(dialog);
       return true;
-    case WM_COMMAND: current_job().is_cancelled = 1; return true;
+    case WM_COMMAND: current_job().is_cancelled = true; return true;
     case WM_SHOW_PROGRESS: SetDlgItemTextA(dialog, IDC_DOCUMENT, reinterpret_cast<LPCSTR>(text)); return true;
     default: return false;
   }

@@ -1,10 +1,10 @@
 #include "print/page_dialog.h"
 
 #include <memory>
-#include <utility>
 
 #include "frame/thread_context.h"
 #include "print/dialog_ids.h"
+#include "print/job_state.h"
 #include "print/printers.h"
 
 namespace vorel {
@@ -24,17 +24,8 @@ constexpr CheckBox kCheckBoxes[] = {
     {IDC_SHOW_PAGES, &ImgPrintOptions::showPageProgress},
 };
 
-PrintJob& current_job() { return thread_context().print_job; }
-
-using OwnedPrinters = std::unique_ptr<InstalledPrinters>;
-
-// The printers that the box shows, which the thread keeps for as long as the dialog is there.
-InstalledPrinters* shown_printers() { return static_cast<InstalledPrinters*>(thread_context().shown_printers); }
-
-void show_printers(OwnedPrinters printers) {
-  const OwnedPrinters before(
-      static_cast<InstalledPrinters*>(std::exchange(thread_context().shown_printers, printers.release())));
-}
+// The printers in the box of the thread's dialog; null while there is no dialog.
+const PerThread<std::unique_ptr<InstalledPrinters>> shown_printers;
 
 // ---- The box of printers ----
 
@@ -48,8 +39,8 @@ void offer_only(HWND box, const char* printer) {
 }
 
 void offer_installed(HWND dialog, HWND box) {
-  show_printers(std::make_unique<InstalledPrinters>(InstalledPrinters::enumerate()));
-  for (LPARAM index = 0; const std::string& name : shown_printers()->names())
+  *shown_printers = std::make_unique<InstalledPrinters>(InstalledPrinters::enumerate());
+  for (LPARAM index = 0; const std::string& name : (*shown_printers)->names())
     SendMessageA(box, CB_SETITEMDATA, static_cast<WPARAM>(add_text(box, name)), index++);
   if (SendMessageA(box, CB_GETCOUNT, 0, 0) == 0) EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
 
@@ -74,9 +65,9 @@ std::string device_name(HWND dialog) {
   HWND box = GetDlgItem(dialog, IDC_PRINTERS);
   const LRESULT item = SendMessageA(box, CB_GETCURSEL, 0, 0);
   if (!IsWindowEnabled(box)) return current_job().printer;
-  if (item == CB_ERR || shown_printers() == nullptr) return {};
+  if (item == CB_ERR || *shown_printers == nullptr) return {};
   const auto index = static_cast<size_t>(SendMessageA(box, CB_GETITEMDATA, static_cast<WPARAM>(item), 0));
-  return shown_printers()->device_name(index).value_or("");
+  return (*shown_printers)->device_name(index).value_or("");
 }
 
 // ---- The dialog ----
@@ -125,7 +116,7 @@ bool follow_page_dialog(HWND dialog, UINT message, WPARAM command) {
       if (LOWORD(command) == IDOK) accept(dialog);
       if (LOWORD(command) == IDCANCEL) EndDialog(dialog, 0);
       return LOWORD(command) == IDOK || LOWORD(command) == IDCANCEL;
-    case WM_DESTROY: show_printers(nullptr); return true;
+    case WM_DESTROY: shown_printers->reset(); return true;
     default: return false;
   }
 }

@@ -8,19 +8,25 @@
 #include "frame/thread_context.h"
 #include "platform/ascii.h"
 #include "platform/memory.h"
+#include "print/job_state.h"
 
 namespace vorel {
 namespace {
 
-bool are_settings_of(const PrinterSettings& settings, const std::string& printer) {
-  return settings.device_mode != nullptr && equal_ignoring_case(printer, settings.printer);
-}
+// How a thread has set a printer up, for its next job on that printer.
+struct PrinterSettings {
+  char printer[kJobNameBytes];
+  ZeroedBuffer device_mode;  // empty if nothing is kept
+
+  bool are_of(const std::string& name) const { return !device_mode.bytes().empty() && equal_ignoring_case(name, printer); }
+};
+
+const PerThread<PrinterSettings> kept;
 
 OwnedDc printer_dc(const char* driver, const std::string& name, const char* port) {
   if (name.empty()) return OwnedDc(nullptr);
-  const PrinterSettings& kept = thread_context().printer_settings;
-  const void* mode = are_settings_of(kept, name) ? kept.device_mode : nullptr;
-  return OwnedDc(CreateDCA(driver, name.c_str(), port, static_cast<const DEVMODEA*>(mode)));
+  const uint8_t* mode = kept->are_of(name) ? kept->device_mode.bytes().data() : nullptr;
+  return OwnedDc(CreateDCA(driver, name.c_str(), port, reinterpret_cast<const DEVMODEA*>(mode)));
 }
 
 }  // namespace
@@ -78,19 +84,17 @@ OwnedDc default_printer_dc() {
 }
 
 bool keep_settings(const std::string& printer, const DEVMODEA& mode) {
-  PrinterSettings& kept = thread_context().printer_settings;
   const size_t bytes = size_t{mode.dmSize} + mode.dmDriverExtra;
-  void* copy = GlobalAlloc(GPTR, std::max(bytes, sizeof mode));
-  if (copy == nullptr) return false;
-  std::memcpy(copy, &mode, bytes);
-  GlobalFree(std::exchange(kept.device_mode, copy));
-  lstrcpynA(kept.printer, printer.c_str(), kJobNameBytes);
+  auto copy = ZeroedBuffer::allocate(std::max(bytes, sizeof mode));
+  if (!copy) return false;
+  std::memcpy(copy->bytes().data(), &mode, bytes);
+  kept->device_mode = std::move(*copy);
+  lstrcpynA(kept->printer, printer.c_str(), kJobNameBytes);
   return true;
 }
 
 void forget_settings(const std::string& printer) {
-  PrinterSettings& kept = thread_context().printer_settings;
-  if (are_settings_of(kept, printer)) GlobalFree(std::exchange(kept.device_mode, nullptr));
+  if (kept->are_of(printer)) kept->device_mode = {};
 }
 
 }  // namespace vorel

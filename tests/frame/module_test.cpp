@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <thread>
-#include <vector>
 
 #include "frame/thread_context.h"
 #include "platform/thread_slot.h"
@@ -17,23 +16,35 @@ class Module : public testing::Test {
   static void SetUpTestSuite() { follow_module_notice(ModuleNotice::kProcessAttach, false); }
 };
 
-TEST_F(Module, EveryThreadStartsFromTheSameDefaults) {
-  ImgThreadContext& mine = thread_context();
-  const std::vector<int32_t> first{5, 10, 20, 40, 60, 80, 0, 0, 0, 0, 0};
-  const std::vector<int32_t> second{5, 10, 15, 30, 40, 50, 0, 0, 0, 0, 0};
-  std::ranges::fill(mine.first_scale_steps, 7);
-  mine.base_scale = 99;
+// The state of a subsystem, which counts its destructions.
+struct State {
+  int value = 7;
+  char rest[5] = {};
+  ~State() { ++destroyed; }
+  static inline int destroyed = 0;
+};
+
+const PerThread<State> first_state, second_state;
+
+TEST_F(Module, EveryThreadHasItsOwnStatesFromTheirDefaultsToItsEnd) {
+  first_state->value = 99;
+  State::destroyed = 0;
   std::thread([&] {
-    ImgThreadContext& other = thread_context();
-    EXPECT_NE(&other, &mine);
-    EXPECT_TRUE(std::ranges::equal(other.first_scale_steps, first));
-    EXPECT_TRUE(std::ranges::equal(other.second_scale_steps, second));
-    EXPECT_EQ(other.base_scale, 10);
-    EXPECT_EQ(other.setting, 4);
-    EXPECT_EQ(other.error_code, 0);
-    follow_module_notice(ModuleNotice::kThreadDetach, false);
+    EXPECT_EQ(first_state->value, 7);
+    EXPECT_EQ(second_state->value, 7);
+    thread_context().error_code = 1;
+    first_state->value = 2;
+    std::ranges::fill(first_state->rest, '#');
+    second_state->value = 3;
+    EXPECT_EQ(thread_context().error_code, 1);
+    EXPECT_EQ(first_state->value, 2);
+    EXPECT_EQ(State::destroyed, 0);
+#ifdef _WIN32
+    follow_module_notice(ModuleNotice::kThreadDetach, false);  // sent to modules alone
+#endif
   }).join();
-  EXPECT_EQ(mine.base_scale, 99);
+  EXPECT_EQ(State::destroyed, 2);
+  EXPECT_EQ(first_state->value, 99);
 }
 
 TEST_F(Module, AThreadGetsItsContextOnAttachAndLosesItOnDetach) {

@@ -1,17 +1,21 @@
 #include "platform/thread_slot.h"
 
+#include <atomic>
 #include <optional>
 #include <pthread.h>
 
 namespace vorel::thread_slot {
 namespace {
 
+using FreeBlock = void (*)(HGLOBAL);
+std::atomic<FreeBlock> free_block;  // the same for every block
+
 // A thread's end runs the key's destructor, again and again while late calls of other destructors make new blocks. The key is
 // never deleted, so that even calls at the end of the process find it; the shared object therefore stays loaded.
 const std::optional<pthread_key_t>& slot() {
   static const std::optional<pthread_key_t> made = []() -> std::optional<pthread_key_t> {
     pthread_key_t key{};
-    if (pthread_key_create(&key, [](void* block) { GlobalFree(block); }) != 0) return std::nullopt;
+    if (pthread_key_create(&key, [](void* block) { free_block.load()(block); }) != 0) return std::nullopt;
     return key;
   }();
   return made;
@@ -25,7 +29,10 @@ void destroy() {}
 
 HGLOBAL get() { return slot() ? pthread_getspecific(*slot()) : nullptr; }
 
-bool set(HGLOBAL block) { return slot() && pthread_setspecific(*slot(), block) == 0; }
+bool set(HGLOBAL block, FreeBlock free) {
+  free_block = free;
+  return slot() && pthread_setspecific(*slot(), block) == 0;
+}
 
 void end_thread() { pthread_exit(nullptr); }
 

@@ -19,7 +19,7 @@ void destroy() {
 
 HGLOBAL get() { return TlsGetValue(slot); }
 
-bool set(HGLOBAL block) { return TlsSetValue(slot, block) != FALSE; }
+bool set(HGLOBAL block, void (*)(HGLOBAL)) { return TlsSetValue(slot, block) != FALSE; }
 
 void end_thread() { ExitThread(0); }
 
