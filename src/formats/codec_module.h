@@ -4,15 +4,16 @@
 #include <string>
 #include <type_traits>
 
+#include "core/file_formats.h"
 #include "platform/module.h"
 
 namespace vorel {
 
-// Loads a module, by its name without the ending, and finds an entry point in it; it stays loaded for a scope. A missing
-// module or entry point is told in a message box.
+// Loads a module and finds an entry point in it; it stays loaded for a scope. A message box names a missing module or entry
+// point.
 class CodecEntry {
  public:
-  CodecEntry(const char* module, const char* entry);
+  explicit CodecEntry(const EntryPoint& entry);
 
   void* address() const { return address_; }  // null if it is missing
 
@@ -24,8 +25,8 @@ class CodecEntry {
 
 // Calls an entry point and returns what it returns, or zero if it is missing. The module is gone again afterwards.
 template <class Function, class... Arguments>
-auto call_codec(const char* module, const char* entry, Arguments... arguments) {
-  const CodecEntry codec(module, entry);
+auto call_codec(const EntryPoint& entry, Arguments... arguments) {
+  const CodecEntry codec(entry);
   using Value = std::invoke_result_t<Function, Arguments...>;
   return codec.address() == nullptr ? Value{} : reinterpret_cast<Function>(codec.address())(arguments...);
 }

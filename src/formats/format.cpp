@@ -76,7 +76,7 @@ FileStart read_file_start(const char* path) {
   return start;
 }
 
-// The order is kept: files that two tests match are told by the first of them.
+// First match wins. The order is kept.
 ImgFormat recognise(const FileStart& start, const char* path) {
   if (is_tiff(start)) return IMG_FORMAT_TIFF;
   if (is_pcx(start)) return IMG_FORMAT_PCX;

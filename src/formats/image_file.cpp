@@ -4,6 +4,7 @@
 
 #include <vorel32.h>
 
+#include "core/file_formats.h"
 #include "dib/bitmap_file.h"
 #include "formats/codec_module.h"
 #include "formats/device_formats.h"
@@ -13,6 +14,13 @@
 
 namespace vorel {
 namespace {
+
+// The table counts formats as the public header does.
+static_assert(static_cast<int>(FormatCode::kTiff) == IMG_FORMAT_TIFF &&
+              static_cast<int>(FormatCode::kTga) == IMG_FORMAT_TGA &&
+              static_cast<int>(FormatCode::kColorFax) == IMG_FORMAT_COLOR_FAX &&
+              static_cast<int>(FormatCode::kCals) == IMG_FORMAT_CALS &&
+              static_cast<int>(FormatCode::kEnhancedMetafile) == IMG_FORMAT_ENHANCED_METAFILE);
 
 // Page sets may list page sets of one plane. One that comes back to itself ends here.
 constexpr int kMostEnclosingSets = 8;
@@ -29,40 +37,11 @@ Result<HGLOBAL> load_page_set(const LoadRequest& request) {
   return load_fax_page(request);
 }
 
-// How each format is loaded. Formats without a line are not.
-struct Loader {
-  ImgFormat format;
+// Formats that the library loads and saves by itself. The others go through the modules that the table of formats names.
+struct OwnFormat {
+  FormatCode code;
   Result<HGLOBAL> (*load)(const LoadRequest& request);
-};
-
-constexpr Loader kLoaders[] = {
-    {IMG_FORMAT_TIFF,
-     [](const LoadRequest& r) {
-       return loaded(call_codec<ImgLoadPage>("MERV32", "LoadTiffIntoDIB", r.path, r.page, nullptr));
-     }},
-    {IMG_FORMAT_PCX,
-     [](const LoadRequest& r) { return loaded(call_codec<ImgLoadPicture>("ODAL32", "LoadPCXIntoDIB", r.path, r.status)); }},
-    {IMG_FORMAT_DCX,
-     [](const LoadRequest& r) {
-       return loaded(call_codec<ImgLoadPage>("ODAL32", "LoadDCXIntoDIB", r.path, r.page, r.status));
-     }},
-    {IMG_FORMAT_GIF,
-     [](const LoadRequest& r) {
-       return loaded(call_codec<ImgLoadPage>("SUNE32", "LoadGIFIntoDIB", r.path, r.page, r.status));
-     }},
-    {IMG_FORMAT_TGA,
-     [](const LoadRequest& r) { return loaded(call_codec<ImgLoadPicture>("BRIX32", "LoadTGAIntoDIB", r.path, nullptr)); }},
-    {IMG_FORMAT_BITMAP, load_bitmap},
-    {IMG_FORMAT_METAFILE, load_metafile_dib},
-    {IMG_FORMAT_CLIPBOARD, load_clipboard_dib},
-    {IMG_FORMAT_COLOR_FAX, load_page_set},
-    {IMG_FORMAT_CALS,
-     [](const LoadRequest& r) { return loaded(call_codec<ImgLoadPicture>("MERV32", "LoadCALSIntoDIB", r.path, nullptr)); }},
-    {IMG_FORMAT_JPEG,
-     [](const LoadRequest& r) { return loaded(call_codec<ImgLoadFile>("KALO32", "LoadJPEGIntoDIB", r.path)); }},
-    {IMG_FORMAT_PNG,
-     [](const LoadRequest& r) { return loaded(call_codec<ImgLoadPicture>("WERT32", "LoadPNGIntoDIB", r.path, r.status)); }},
-    {IMG_FORMAT_ENHANCED_METAFILE, load_metafile_dib},
+  Result<BOOL> (*save)(const SaveRequest& request);  // null for formats that are not saved
 };
 
 Result<BOOL> save_bitmap(const SaveRequest& request) {
@@ -71,74 +50,60 @@ Result<BOOL> save_bitmap(const SaveRequest& request) {
   return BOOL{*saved};
 }
 
-// A file that is there already gains a page.
-Result<BOOL> save_dcx_page(const SaveRequest& request) {
-  int status = request.value;
-  if (!name_exists(request.path)) call_codec<ImgMakeFile>("ODAL", "MakeDCXFile", request.path, &status);
-  return call_codec<ImgSavePicture>("ODAL", "SaveDIBInDCXFormat", request.path, request.dib, &status);
+constexpr OwnFormat kOwnFormats[] = {
+    {FormatCode::kBitmap, load_bitmap, save_bitmap},
+    {FormatCode::kMetafile, load_metafile_dib, save_windows_metafile},
+    {FormatCode::kClipboard, load_clipboard_dib, save_clipboard_dib},
+    {FormatCode::kColorFax, load_page_set, nullptr},
+    {FormatCode::kEnhancedMetafile, load_metafile_dib, save_enhanced_metafile},
+};
+
+const OwnFormat& own_format(FormatCode code) { return *std::ranges::find(kOwnFormats, code, &OwnFormat::code); }
+
+HGLOBAL load_by_module(const FileFormat& format, const LoadRequest& r) {
+  switch (format.load_arguments) {
+    case LoadArguments::kNone: return call_codec<ImgLoadFile>(format.load, r.path);
+    case LoadArguments::kStatus: return call_codec<ImgLoadPicture>(format.load, r.path, r.status);
+    case LoadArguments::kNullStatus: return call_codec<ImgLoadPicture>(format.load, r.path, nullptr);
+    case LoadArguments::kPageAndStatus: return call_codec<ImgLoadPage>(format.load, r.path, r.page, r.status);
+    case LoadArguments::kPageAndNull: return call_codec<ImgLoadPage>(format.load, r.path, r.page, nullptr);
+  }
+  return nullptr;
 }
 
-// How each format is saved. Formats without a line are not. Where a saver takes a status variable it gets one of our own,
-// which begins with the caller's value.
-struct Saver {
-  ImgFormat format;
-  Result<BOOL> (*save)(const SaveRequest& request);
-};
-
-constexpr int kJpegQuality = 75;
-
-constexpr Saver kSavers[] = {
-    {IMG_FORMAT_TIFF,
-     [](const SaveRequest& r) -> Result<BOOL> {
-       return call_codec<ImgSaveTiff>("MERV", "SaveDIBInTiffFormat", r.path, r.dib, r.value, 1);
-     }},
-    {IMG_FORMAT_PCX,
-     [](const SaveRequest& r) -> Result<BOOL> {
-       int status = r.value;
-       return call_codec<ImgSavePicture>("ODAL", "SaveDIBInPCXFormat", r.path, r.dib, &status);
-     }},
-    {IMG_FORMAT_DCX, save_dcx_page},
-    {IMG_FORMAT_GIF,
-     [](const SaveRequest& r) -> Result<BOOL> {
-       int status = r.value;
-       return call_codec<ImgSaveGif>("SUNE", "SaveDIBInGIFFormat", r.path, r.dib, r.option, &status);
-     }},
-    {IMG_FORMAT_TGA,
-     [](const SaveRequest& r) -> Result<BOOL> {
-       return call_codec<ImgSaveTga>("BRIX", "SaveDIBInTGAFormat", r.path, r.dib, r.value != 0 ? 1 : 0, 1);
-     }},
-    {IMG_FORMAT_BITMAP, save_bitmap},
-    {IMG_FORMAT_METAFILE, save_windows_metafile},
-    {IMG_FORMAT_CLIPBOARD, save_clipboard_dib},
-    {IMG_FORMAT_CALS,
-     [](const SaveRequest& r) -> Result<BOOL> {
-       return call_codec<ImgSaveCals>("MERV", "SAVEDIBINCALSFORMAT", r.path, r.dib, 0, 0, 0);
-     }},
-    {IMG_FORMAT_JPEG,
-     [](const SaveRequest& r) -> Result<BOOL> {
-       return call_codec<ImgSaveJpeg>("KALO", "SaveDIBInJPEGFile", r.path, r.dib, kJpegQuality);
-     }},
-    {IMG_FORMAT_ENHANCED_METAFILE, save_enhanced_metafile},
-};
-
-template <class Handler, size_t kCount>
-const Handler* handler_of(const Handler (&handlers)[kCount], int format) {
-  const auto* found = std::ranges::find(handlers, format, [](const Handler& handler) { return int{handler.format}; });
-  return found == std::end(handlers) ? nullptr : found;
+// Where a saver takes a status variable it gets one of our own, which begins with the caller's value.
+BOOL save_by_module(const FileFormat& format, const SaveRequest& r) {
+  constexpr int kFirstPage = 1, kWithFooter = 1, kJpegQuality = 75;
+  int status = r.value;
+  // A file that is there already gains a page.
+  if (format.make && !name_exists(r.path)) call_codec<ImgMakeFile>(format.make, r.path, &status);
+  switch (format.save_arguments) {
+    case SaveArguments::kStatus: return call_codec<ImgSavePicture>(format.save, r.path, r.dib, &status);
+    case SaveArguments::kOptionAndStatus: return call_codec<ImgSaveGif>(format.save, r.path, r.dib, r.option, &status);
+    case SaveArguments::kCompressionAndPage: return call_codec<ImgSaveTiff>(format.save, r.path, r.dib, r.value, kFirstPage);
+    case SaveArguments::kRunLengthAndFooter:
+      return call_codec<ImgSaveTga>(format.save, r.path, r.dib, r.value != 0 ? 1 : 0, kWithFooter);
+    case SaveArguments::kThreeZeros: return call_codec<ImgSaveCals>(format.save, r.path, r.dib, 0, 0, 0);
+    case SaveArguments::kQuality: return call_codec<ImgSaveJpeg>(format.save, r.path, r.dib, kJpegQuality);
+  }
+  return FALSE;
 }
 
 }  // namespace
 
 Result<HGLOBAL> load_image(const LoadRequest& request) {
-  const ImgFormat format = recognise(read_file_start(request.path), request.path);
-  if (const Loader* loader = handler_of(kLoaders, format)) return loader->load(request);
-  report_status(request, Error::kFormat);
-  return Error::kFormat;
+  const FileFormat* format = format_of(recognise(read_file_start(request.path), request.path));
+  if (format == nullptr) {
+    report_status(request, Error::kFormat);
+    return Error::kFormat;
+  }
+  return format->load ? loaded(load_by_module(*format, request)) : own_format(format->code).load(request);
 }
 
-Result<BOOL> save_image(int format, const SaveRequest& request) {
-  const Saver* saver = handler_of(kSavers, format);
-  return saver == nullptr ? Result<BOOL>(Error::kUnreported) : saver->save(request);
+Result<BOOL> save_image(int code, const SaveRequest& request) {
+  const FileFormat* format = format_of(code);
+  if (format == nullptr || format->saver != Saver::kLibrary) return Error::kUnreported;
+  return format->save ? Result<BOOL>(save_by_module(*format, request)) : own_format(format->code).save(request);
 }
 
 }  // namespace vorel
