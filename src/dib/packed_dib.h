@@ -124,10 +124,10 @@ class OwnedDib {
     return dib;
   }
 
-  std::span<uint8_t> bytes() const { return lock_->bytes(); }
+  std::span<uint8_t> bytes() const { return lock_.bytes(); }
 
   [[nodiscard]] HGLOBAL release() {
-    lock_.reset();
+    lock_.unlock();
     return block_.release();
   }
 
@@ -135,7 +135,7 @@ class OwnedDib {
   OwnedDib(OwnedBlock block, LockedBlock lock) : block_(std::move(block)), lock_(std::move(lock)) {}
 
   OwnedBlock block_;
-  std::optional<LockedBlock> lock_;  // declared after the block, so that it is unlocked before it is freed
+  LockedBlock lock_;  // declared after the block, so that it is unlocked before it is freed
 };
 
 // What an operation has made, handed to the caller.

@@ -26,11 +26,14 @@ class LockedBlock {
   LockedBlock(LockedBlock&& other) noexcept
       : handle_(std::exchange(other.handle_, nullptr)), bytes_(std::exchange(other.bytes_, {})) {}
   LockedBlock& operator=(LockedBlock&&) = delete;
-  ~LockedBlock() {
-    if (handle_ != nullptr) GlobalUnlock(handle_);
-  }
+  ~LockedBlock() { unlock(); }
 
   std::span<uint8_t> bytes() const { return bytes_; }
+
+  // Ends the lock before its scope does.
+  void unlock() {
+    if (handle_ != nullptr) GlobalUnlock(std::exchange(handle_, nullptr));
+  }
 
   // The lock outlives its scope.
   void leave_locked() { handle_ = nullptr; }

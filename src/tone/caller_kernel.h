@@ -1,4 +1,4 @@
-// Kernels as callers give them: by number, in memory or in a file.
+// Kernels that callers choose by number, or give in memory or in a file.
 #pragma once
 
 #include <vector>
@@ -7,10 +7,10 @@
 #include "kernels/filter/kernel.h"
 #include "platform/file.h"
 
-namespace vorel {
+namespace vorel::tone {
 
-// Coefficients are whole numbers of 16 or 32 bits, row by row, with the divisor behind them; in a file they are little-endian and
-// nothing else. Every refusal is kParameter.
+// Coefficients are integers of 16 or 32 bits, row by row, followed by the divisor. A file holds them little-endian and nothing
+// else. Every refusal is kParameter.
 template <class Number>
 class CallerKernel {
  public:
@@ -53,4 +53,4 @@ class CallerKernel {
   }
 };
 
-}  // namespace vorel
+}  // namespace vorel::tone

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <vector>
 
 #include "core/gray.h"
 #include "kernels/filter/functions.h"
@@ -7,17 +6,16 @@
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
-// Sums of products, for one row.
-using Sums = std::vector<int16_t>;
-
 // Runs over a picture from the first stored row on. Rows and columns at the edges are repeated beyond them. What comes out of a row
 // is written only after all rows that need it are read, so that a picture can be filtered in place.
 class Convolution {
  public:
-  Convolution(const Kernel& kernel, int width, int height)
-      : kernel_(kernel), width_(width), height_(height), sums_(static_cast<size_t>(width)) {
-    for (int i = 0; i < kernel.size; ++i) rows_.emplace_back(static_cast<size_t>(width + 2 * kernel.reach()));
-  }
+  Convolution(const Kernel& kernel, Size size, std::span<uint8_t> scratch)
+      : kernel_(kernel),
+        width_(size.width),
+        height_(size.height),
+        sums_(reinterpret_cast<int16_t*>(scratch.data()), static_cast<size_t>(width_)),
+        rows_(scratch.subspan(sums_.size_bytes())) {}
 
   // read(y, samples) puts the samples of a row; write(y, sums, samples) gets a row's sums, which it may change, and its samples.
   void run(auto&& read, auto&& write) {
@@ -27,27 +25,28 @@ class Convolution {
         repeat_edges(next);
       }
       sum_row(y);
-      write(y, std::span(sums_), std::span<const uint8_t>(samples(y)));
+      write(y, sums_, std::span<const uint8_t>(samples(y)));
     }
   }
 
  private:
-  std::vector<uint8_t>& stored(int y) { return rows_[static_cast<size_t>(y % kernel_.size)]; }
-  std::span<uint8_t> samples(int y) {
-    return std::span(stored(y)).subspan(static_cast<size_t>(kernel_.reach()), sums_.size());
+  std::span<uint8_t> stored(int y) {
+    const auto length = static_cast<size_t>(width_ + 2 * kernel_.reach());
+    return rows_.subspan(static_cast<size_t>(y % kernel_.size) * length, length);
   }
+  std::span<uint8_t> samples(int y) { return stored(y).subspan(static_cast<size_t>(kernel_.reach()), sums_.size()); }
   void repeat_edges(int y);
   void sum_row(int y);
   void add_left_border(const uint8_t* row, int kernel_row);
 
   Kernel kernel_;
   int width_, height_;
-  std::vector<std::vector<uint8_t>> rows_;  // as many as the kernel has, with room for what is repeated
-  Sums sums_;
+  std::span<int16_t> sums_;  // of products, for one row
+  std::span<uint8_t> rows_;  // as many as the kernel has, each with its edges repeated
 };
 
 void Convolution::repeat_edges(int y) {
-  std::vector<uint8_t>& row = stored(y);
+  const std::span<uint8_t> row = stored(y);
   const auto reach = static_cast<std::ptrdiff_t>(kernel_.reach());
   std::fill(row.begin(), row.begin() + reach, row[static_cast<size_t>(reach)]);
   std::fill(row.end() - reach, row.end(), *(row.end() - reach - 1));
@@ -91,12 +90,12 @@ void divide(std::span<int16_t> sums, int32_t divisor, auto&& shifted) {
 
 }  // namespace
 
-void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel) {
+void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch) {
   // Sums have 32 bits here as far as callers can tell: negative ones become large numbers when they are shifted.
   const auto shifted = [](int16_t sum, int bits) {
     return static_cast<int16_t>(static_cast<uint32_t>(int32_t{sum}) >> bits);
   };
-  Convolution convolution(kernel, source.width(), source.height());
+  Convolution convolution(kernel, source.size(), scratch);
   convolution.run([&](int y, std::span<uint8_t> samples) { std::ranges::copy(source.row(y), samples.begin()); },
                   [&](int y, std::span<int16_t> sums, std::span<const uint8_t>) {
                     if (kernel.clamps_sums)
@@ -107,7 +106,8 @@ void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel) {
                   });
 }
 
-void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity) {
+void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity,
+                    std::span<uint8_t> scratch) {
   const auto read = [&](auto intensity_of) {
     return [&, intensity_of](int y, std::span<uint8_t> samples) {
       const uint8_t* pixel = source.row(y).data();
@@ -128,7 +128,7 @@ void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, I
         *to++ = static_cast<uint8_t>(std::clamp(*pixel++ + change, 0, 255));
     }
   };
-  Convolution convolution(kernel, source.width(), source.height());
+  Convolution convolution(kernel, source.size(), scratch);
   if (intensity == Intensity::kWeighted)
     convolution.run(read([](Rgb color) { return weighted_intensity_of(color); }), write);
   else

@@ -16,12 +16,13 @@ enum class Intensity { kMean, kWeighted };
 enum class Reach { kGentle, kFull };
 
 struct FilterTable {
-  // Filters an 8-bit picture, whose pixels are taken for greys. Source and result may be the same. Memory that runs short is
-  // thrown as std::bad_alloc.
-  void (*convolve_gray)(ConstDibView source, DibView result, const Kernel& kernel);
+  // Filters an 8-bit picture, whose pixels count as grey levels. Source and result may be the same.
+  //   scratch  convolution_scratch_bytes() or more, aligned to 2
+  void (*convolve_gray)(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch);
 
-  // Filters the intensity of a 24-bit picture and adds what that changes to every component. The rest as above.
-  void (*convolve_color)(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity);
+  // Filters the intensity of a 24-bit picture and adds its change to every component. The rest as above.
+  void (*convolve_color)(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity,
+                         std::span<uint8_t> scratch);
 
   // Sets pixels of a 1-bit picture that have more than `threshold` set neighbours and clears those that have fewer; gently, only
   // pixels with fewer than four. The first and the last stored row, the first pixel of each row and, unless rows fill whole

@@ -5,8 +5,9 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel);
-void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity);
+void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch);
+void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity,
+                    std::span<uint8_t> scratch);
 void clean_bits(std::span<const uint8_t> source, DibView result, int threshold, Reach reach);
 void take_rank(ConstDibView source, DibView result, int rank, Reach reach);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -29,5 +30,8 @@ Kernel built_in_kernel(FilterType type, int size);
 
 // A caller's kernel: size x size coefficients and the divisor. False if they are out of bounds.
 bool set_coefficients(Kernel& kernel, std::span<const int32_t> numbers);
+
+// What filtering a picture of this width needs.
+size_t convolution_scratch_bytes(const Kernel& kernel, int width);
 
 }  // namespace vorel::kernels

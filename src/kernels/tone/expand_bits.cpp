@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstring>
-#include <vector>
 
 #include "kernels/tone/functions.h"
 
@@ -41,9 +40,9 @@ constexpr std::array<NibbleTable, 1> kTableAlone = {nibble_table({0, 0, 255, 0, 
 // A row of bits with a byte in front of it and one behind it, as smoothing sees it.
 class BitRow {
  public:
-  explicit BitRow(size_t bytes) : bytes_(bytes + 2) {}
+  explicit BitRow(std::span<uint8_t> bytes) : bytes_(bytes) {}
 
-  void read(std::span<const uint8_t> row, bool inverted) {
+  void read(std::span<const uint8_t> row, bool inverted) const {
     std::ranges::transform(row, bytes_.begin() + 1,
                            [&](uint8_t byte) { return static_cast<uint8_t>(inverted ? ~byte : byte); });
     bytes_.front() = static_cast<uint8_t>(bytes_[1] >> 4);
@@ -60,23 +59,23 @@ class BitRow {
   }
 
  private:
-  std::vector<uint8_t> bytes_;
+  std::span<uint8_t> bytes_;
 };
 
 template <size_t kRows>
-void expand(ConstDibView source, DibView result, bool inverted, const std::array<NibbleTable, kRows>& tables) {
+void expand(ConstDibView source, DibView result, bool inverted, const std::array<NibbleTable, kRows>& tables,
+            std::span<uint8_t> scratch) {
   const size_t row_length = row_bytes(1, source.width());
-  std::vector<BitRow> rows(kRows, BitRow(row_length));
-  std::vector<uint8_t> pixels(row_length * 8);
-  const auto stored = [&](int y) -> BitRow& { return rows[static_cast<size_t>(y) % kRows]; };
+  const std::span<uint8_t> pixels = scratch.first(row_length * 8), rows = scratch.subspan(pixels.size());
+  const auto stored = [&](int y) {
+    return BitRow(rows.subspan(static_cast<size_t>(y) % kRows * (row_length + 2), row_length + 2));
+  };
   for (int y = 0; y < source.height(); ++y) {
     stored(y).read(source.row(y), inverted);
-    std::array<const BitRow*, kRows> seen;
-    for (size_t i = 0; i < kRows; ++i) seen[i] = &stored(std::max(0, y - static_cast<int>(kRows - 1 - i)));
     for (size_t byte = 0; byte < row_length; ++byte) {
       uint32_t first = 0, last = 0;
       for (size_t i = 0; i < kRows; ++i) {
-        const auto nibbles = seen[i]->around(byte);
+        const auto nibbles = stored(std::max(0, y - static_cast<int>(kRows - 1 - i))).around(byte);
         first += tables[i][nibbles.first];
         last += tables[i][nibbles.last];
       }
@@ -89,11 +88,11 @@ void expand(ConstDibView source, DibView result, bool inverted, const std::array
 
 }  // namespace
 
-void expand_bits(ConstDibView source, DibView result, Smoothing smoothing, bool inverted) {
+void expand_bits(ConstDibView source, DibView result, Smoothing smoothing, bool inverted, std::span<uint8_t> scratch) {
   switch (smoothing) {
-    case Smoothing::kNone: return expand(source, result, inverted, kTableAlone);
-    case Smoothing::kBy3: return expand(source, result, inverted, kTablesBy3);
-    case Smoothing::kBy5: return expand(source, result, inverted, kTablesBy5);
+    case Smoothing::kNone: return expand(source, result, inverted, kTableAlone, scratch);
+    case Smoothing::kBy3: return expand(source, result, inverted, kTablesBy3, scratch);
+    case Smoothing::kBy5: return expand(source, result, inverted, kTablesBy5, scratch);
   }
 }
 

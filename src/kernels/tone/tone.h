@@ -19,6 +19,12 @@ enum class GrayRule { kMean, kWeighted };
 // Over how many neighbours each way a set bit is spread.
 enum class Smoothing : int { kNone = 0, kBy3 = 1, kBy5 = 2 };
 
+// What expanding rows of this width needs.
+constexpr size_t expansion_scratch_bytes(Smoothing smoothing, int width) {
+  const size_t bytes = row_bytes(1, width), rows = static_cast<size_t>(smoothing) * 2 + 1;
+  return bytes * 8 + rows * (bytes + 2);
+}
+
 struct ToneTable {
   // Each byte of the source's pixels becomes the table's value for it; both views are of the same size and depth.
   void (*map_bytes)(ConstDibView source, DibView result, const ComponentTable& table);
@@ -29,11 +35,11 @@ struct ToneTable {
   // Fills an 8-bit result with the greys of a 24-bit source.
   void (*gray_rows)(ConstDibView source, DibView result, GrayRule rule);
 
-  // Fills an 8-bit result with the bits of a 1-bit source, of which each set one, or each clear one if inverted, counts up to
-  // 255. Smoothed rows come out later by as many as a bit is spread: the first source row stands in above. Beyond the left edge
-  // a row goes on with its first four pixels, beyond the right one with the last four of its last byte. Source rows are whole in
-  // memory, padding included. Memory that runs short is thrown as std::bad_alloc.
-  void (*expand_bits)(ConstDibView source, DibView result, Smoothing smoothing, bool inverted);
+  // Fills an 8-bit result with the bits of a 1-bit source. Each set bit, or clear bit if inverted, adds up to 255. Smoothed rows
+  // come out later by the spread: the first source row stands in above. Beyond its left edge a row continues with its first four
+  // pixels, beyond its right edge with the last four of its last byte.
+  //   scratch  expansion_scratch_bytes() or more
+  void (*expand_bits)(ConstDibView source, DibView result, Smoothing smoothing, bool inverted, std::span<uint8_t> scratch);
 
   // Counts a square of an 8-bit picture anew.
   void (*count_square)(ConstDibView picture, Corner corner, Histogram histogram);

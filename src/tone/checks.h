@@ -1,0 +1,19 @@
+// What the operations here refuse before they start.
+#pragma once
+
+#include <initializer_list>
+
+#include "core/header.h"
+#include "frame/error.h"
+
+namespace vorel::tone {
+
+// How much of a width or height is compared with 0.
+enum class SizeBits { kLow16, kAll };
+
+// kNone for an uncompressed picture of one of these depths. Otherwise the first that applies: a header of other than 40 bytes,
+// compression, another depth, no width or no height.
+Error refusal(const DibHeader& header, std::initializer_list<uint16_t> depths, SizeBits width_bits = SizeBits::kAll,
+              SizeBits height_bits = SizeBits::kAll);
+
+}  // namespace vorel::tone

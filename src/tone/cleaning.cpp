@@ -1,0 +1,42 @@
+#include "tone/cleaning.h"
+
+#include <algorithm>
+
+#include "core/gray.h"
+#include "dib/open_dib.h"
+#include "tone/full_table.h"
+
+namespace vorel::tone {
+namespace {
+
+constexpr int kLeastLevel = 20, kMostLevel = 100;
+
+bool can_be_cleaned(const DibHeader& header) {
+  return header.size == kHeaderBytes && (header.depth == 1 || (header.depth == 8 && header.planes == 1));
+}
+
+}  // namespace
+
+Result<OwnedDib> cleaned(const LockedDib& source, int level, kernels::Reach reach) {
+  const DibHeader& header = source.header();
+  if (level < kLeastLevel || level > kMostLevel || !can_be_cleaned(header)) return Error::kUnreported;
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable).or_error(Error::kUnreported));
+  const auto colors = opened.colors(implied_colors(header.depth));
+  if (!is_gray(colors)) return Error::kUnreported;
+
+  OwnedDib result = VOREL_TRY(OwnedDib::allocate(source.block().size()).or_error(Error::kUnreported));
+  std::ranges::copy(source.block(), result.bytes().begin());
+  const auto whole = VOREL_TRY(or_error(CompleteBytes::of(result.bytes(), opened.bytes().size()), Error::kUnreported));
+  const DibView to = pixels_in(whole.bytes(), header, opened.layout());
+  const int opposite = kLeastLevel + kMostLevel - level;
+  const bool is_black_first = colors[0].blue == 0;
+  const int speck_level = is_black_first ? opposite : level, rank_level = is_black_first ? level : opposite;
+  if (header.depth == 1)
+    kernels::filter().clean_bits(opened.rows_and_rest(), to, speck_level * 8 / 100, reach);
+  else
+    kernels::filter().take_rank(opened.pixels(), to, std::min(rank_level * 9 / 100, 8), reach);
+  whole.write_back();
+  return result;
+}
+
+}  // namespace vorel::tone

@@ -1,0 +1,32 @@
+#include "tone/filters.h"
+
+namespace vorel::tone {
+namespace {
+
+Result<ZeroedBuffer> scratch_for(const OpenDib& source, const kernels::Kernel& kernel) {
+  const size_t bytes = kernels::convolution_scratch_bytes(kernel, source.pixels().width());
+  return or_error(ZeroedBuffer::allocate(bytes), Error::kMemory);
+}
+
+}  // namespace
+
+Result<HGLOBAL> filtered_gray(HGLOBAL handle, const LockedDib& source, const kernels::Kernel& kernel, Where where) {
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
+  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate));
+  const ZeroedBuffer scratch = VOREL_TRY(scratch_for(opened, kernel));
+  target.write_gray_ramp();
+  kernels::filter().convolve_gray(opened.pixels(), target.pixels(), kernel, scratch.bytes());
+  return std::move(target).release();
+}
+
+Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const kernels::Kernel& kernel,
+                               kernels::Intensity intensity, Where where) {
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
+  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_or_retry));
+  const ZeroedBuffer scratch = VOREL_TRY(scratch_for(opened, kernel));
+  target.keep_table();  // 24 bits have no use for one
+  kernels::filter().convolve_color(opened.pixels(), target.pixels(), kernel, intensity, scratch.bytes());
+  return std::move(target).release();
+}
+
+}  // namespace vorel::tone

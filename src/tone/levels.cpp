@@ -1,0 +1,65 @@
+#include "tone/levels.h"
+
+#include <algorithm>
+
+#include "core/gray.h"
+#include "kernels/tone/tone.h"
+
+namespace vorel::tone {
+namespace {
+
+DibHeader true_color_header(DibHeader header) {
+  header.planes = 1;
+  header.depth = 24;
+  header.colors_used = header.colors_important = 0;
+  // A deliberate oddity: the stated size is made from the low 16 bits of a row's length. All rows are there.
+  const auto short_stride = static_cast<uint16_t>(row_stride(24, header.width).value());
+  header.image_bytes = uint32_t{short_stride} * static_cast<uint32_t>(header.height);
+  return header;
+}
+
+// A copy with the table mapped and the rest as it is, as much of it as the header states.
+Result<OwnedDib> with_mapped_table(const OpenDib& source, const kernels::ComponentTable& table) {
+  const DibHeader& header = source.header();
+  const ByteCount image_bytes = stated_image_bytes(header);
+  NewDib result = VOREL_TRY(NewDib::make(header, image_bytes, {}, OwnedDib::allocate_or_retry));
+  std::ranges::transform(source.colors(DIBNumColors(header)), result.colors().begin(), [&](Rgb color) {
+    return Rgb{table[color.blue], table[color.green], table[color.red], color.reserved};
+  });
+  const auto rows = source.rows_and_rest();
+  const uint64_t there = std::min<uint64_t>(image_bytes.value(), rows.size());
+  std::ranges::copy(rows.first(static_cast<size_t>(there)), result.bytes().subspan(result.head().size()).begin());
+  return OwnedDib(std::move(result));
+}
+
+}  // namespace
+
+Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const kernels::ComponentTable& table, Where where) {
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
+  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_or_retry));
+  kernels::ComponentTable levels;
+  std::ranges::transform(opened.colors(kTableColors), levels.begin(), [&](Rgb color) { return table[level_of(color)]; });
+  target.write_gray_ramp();
+  kernels::tone().map_bytes(opened.pixels(), target.pixels(), levels);
+  return std::move(target).release();
+}
+
+Result<OwnedDib> with_components(const LockedDib& source, const kernels::ComponentTable& table) {
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source));
+  if (opened.header().depth != 24) return with_mapped_table(opened, table);
+  StatedCopy result = VOREL_TRY(StatedCopy::of(opened, OwnedDib::allocate_or_retry));
+  std::ranges::copy(opened.head(), result.head().begin());
+  kernels::tone().map_bytes(opened.pixels(), result.pixels(), table);
+  return std::move(result).finish();
+}
+
+Result<OwnedDib> in_true_color(const LockedDib& source) {
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
+  const DibHeader header = true_color_header(opened.header());
+  NewDib result = VOREL_TRY(NewDib::make(header, rows_bytes(header), {}, OwnedDib::allocate_or_retry));
+  const auto colors = opened.colors(kTableColors).first<kTableColors>();
+  kernels::tone().look_up_colors(opened.pixels(), result.pixels(), colors);
+  return OwnedDib(std::move(result));
+}
+
+}  // namespace vorel::tone
