@@ -5,19 +5,27 @@
 #include "cli/failure.h"
 
 namespace vorel::cli {
+namespace {
+
+std::string shown_library_folder() {
+  const std::u8string folder = std::filesystem::path(library_folder()).u8string();
+  return {folder.begin(), folder.end()};
+}
+
+}  // namespace
 
 Codec::Codec(const Entry& entry, const std::string& label)
     : module_(entry.module), address_(module_.is_loaded() ? module_.entry(entry.name) : nullptr) {
   if (!module_.is_loaded()) {
     throw Failure(
         ExitCode::kModule, label,
-        fmt::format("the codec module {} for this format is missing or does not load; put it beside the library {}",
-                    CodecModule::file_name(entry.module), CodecModule::library_path()));
+        fmt::format("the codec module {} for this format is missing or does not load; put it beside the library in {}",
+                    module_file_name(entry.module), shown_library_folder()));
   }
   if (address_ == nullptr) {
     throw Failure(ExitCode::kModule, label,
-                  fmt::format("the codec module {} lacks {}; put this version's module beside the library {}",
-                              CodecModule::file_name(entry.module), entry.name, CodecModule::library_path()));
+                  fmt::format("the codec module {} lacks {}; put this version's module beside the library in {}",
+                              module_file_name(entry.module), entry.name, shown_library_folder()));
   }
 }
 

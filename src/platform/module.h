@@ -1,4 +1,4 @@
-// Modules loaded while the program runs.
+// Modules loaded while the program runs. Depends on nothing else of this library, so that programs use it too.
 #pragma once
 
 #include <cstdint>
@@ -9,12 +9,25 @@ namespace vorel {
 // The file that holds a module: its name with the ending that modules have on this system.
 std::string module_file_name(const char* name);
 
+#ifdef _WIN32
+using FolderName = std::wstring;
+#else
+using FolderName = std::string;
+#endif
+
+// The folder that the library or program at an address of code was loaded from, ending in a separator; empty if unknown. It stays right
+// when the current folder changes. On Windows the address may be a module handle.
+FolderName folder_of_code(const void* address);
+
+// The folder of the library or program that this code is linked into.
+FolderName own_folder();
+
 // A module for a scope.
 class LoadedModule {
  public:
-  // Looks in the folder of this library first and, if there is no file of this name, wherever the system looks. No file
-  // elsewhere can stand in for an installed module, not even for one that does not load.
-  explicit LoadedModule(const char* file_name);
+  // Looks in one folder first and, if there is no file of this name, wherever the system looks. No file elsewhere can stand in
+  // for an installed module, not even for one that does not load.
+  explicit LoadedModule(const char* file_name, const FolderName& first = own_folder());
   LoadedModule(const LoadedModule&) = delete;
   LoadedModule& operator=(const LoadedModule&) = delete;
   ~LoadedModule();

@@ -78,8 +78,9 @@ class ModuleLookup : public testing::Test {
     fs::remove_all(folder_);
     fs::create_directories(folder_ / "current");
     fs::copy_file(kBuilt / kLibrary, folder_ / kLibrary);
-    fs::current_path(folder_ / "current");
-    library_.emplace(test::Module::Path{folder_ / kLibrary});
+    fs::current_path(folder_);
+    library_.emplace(test::Module::Path{fs::path(".") / kLibrary});
+    fs::current_path("current");
   }
   ~ModuleLookup() override {
     library_.reset();
