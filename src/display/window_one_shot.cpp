@@ -88,7 +88,7 @@ bool is_scaled_here(const DibHeader& header, Rect to, Rect from) {
 
 // What is seen, stretched in memory. False where that cannot be done.
 bool draw_scaled_here(HDC dc, const LockedDib& dib, Rect to, Rect from, DWORD operation) {
-  auto seen = ScaleDIBRect(dib, from, {to.width, to.height});
+  auto seen = geometry::ScaleDIBRect(dib, from, {to.width, to.height});
   if (!seen) return false;
   const OwnedBlock block(seen->release());
   const auto locked = LockedDib::lock(block.get());

@@ -48,15 +48,16 @@ HGLOBAL VORELCALL SkewDIB(HGLOBAL dib, int direction, int offset, int* error, in
 
 HGLOBAL VORELCALL ScaleDIB(HGLOBAL dib, int mode, unsigned width, unsigned height) {
   return at_boundary(ThreadCode{}, [&] {
-    return made_from(dib, Error::kParameter, Error::kMemory,
-                     [&](const LockedDib& source) { return scaled(source, interpolation_of(mode), width, height); });
+    return made_from(dib, Error::kParameter, Error::kMemory, [&](const LockedDib& source) {
+      return geometry::scaled(source, interpolation_of(mode), width, height);
+    });
   });
 }
 
 HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int x_factor, int y_factor, int mode) {
   return at_boundary(ThreadCode{}, [&] {
     return made_from(dib, Error::kParameter, Error::kMemory, [&](const LockedDib& source) {
-      return magnified(source, {width, height}, x_factor, y_factor, interpolation_of(mode));
+      return geometry::magnified(source, {width, height}, x_factor, y_factor, interpolation_of(mode));
     });
   });
 }

@@ -3,19 +3,18 @@
 #include <limits>
 
 #include "core/pixel.h"
+#include "dib/open_dib.h"
 
-namespace vorel {
+namespace vorel::geometry {
 namespace {
 
 constexpr int kMostPixels = std::numeric_limits<uint16_t>::max();  // a side, of what is interpolated and of the result
 
-// In front of a result's pixels. The same as in the source, but for headers of other than 40 bytes.
-ByteCount head_bytes(const DibHeader& header) { return kHeaderBytes + palette_bytes(header); }
-
 // How many colours pixels can name.
 uint32_t color_count(const DibHeader& header) { return std::min(DIBNumColors(header), implied_colors(header.depth)); }
 
-// Scales the first rows and columns of a picture, as many as `area` says and as there are.
+// Scales the first rows and columns of a picture, as many as `area` says and as there are. The result has its rows behind 40
+// bytes and the table, the source behind as many bytes as its header says.
 Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, kernels::Interpolate* scale,
                               kernels::Interpolation interpolation) {
   const DibHeader& header = source.header();
@@ -24,16 +23,17 @@ Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, ker
   result_header.height = size.height;
   result_header.image_bytes = static_cast<uint32_t>(rows_bytes(result_header).value());
 
-  const ByteCount colors_end = kHeaderBytes + ByteCount(color_count(header)) * sizeof(Rgb);
-  const auto whole = source.complete(std::max({head_bytes(header), colors_end, bits_offset(header) + rows_bytes(header)}));
-  if (!whole) return Error::kMemory;
-  const auto head = whole->bytes().first(static_cast<size_t>(head_bytes(header).value()));
-  auto result = OwnedDib::with_head(head, result_header, rows_bytes(result_header));
-  if (!result) return Error::kMemory;
-  const ConstDibView pixels = pixels_at(whole->bytes(), bits_offset(header), header);
-  scale(pixels.with_width(area.width).first_rows(area.height), colors_in(*whole).first(color_count(header)),
-        pixels_at(result->bytes(), head_bytes(header), result_header), interpolation);
-  return result;
+  const LayoutRule result_rule = {.rows_at = RowsAt::kBehindTable};
+  const uint32_t head_colors = static_cast<uint32_t>((palette_bytes(header).value() + sizeof(Rgb) - 1) / sizeof(Rgb));
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, {.least_colors = std::max(color_count(header), head_colors)}));
+  NewDib result = VOREL_TRY(NewDib::make(result_header, rows_bytes(result_header), result_rule).or_error(Error::kMemory));
+  const auto scratch =
+      VOREL_TRY(or_error(ZeroedBuffer::allocate(kernels::interpolation_scratch(area, size)), Error::kMemory));
+  std::ranges::copy(opened.bytes().first(result.head().size()), result.head().begin());
+  write_header(result.bytes(), result_header);
+  scale(opened.pixels().with_width(area.width).first_rows(area.height), opened.colors(color_count(header)), result.pixels(),
+        interpolation, scratch.bytes());
+  return OwnedDib(std::move(result));
 }
 
 }  // namespace
@@ -71,18 +71,21 @@ Result<OwnedDib> ScaleDIBRect(const LockedDib& source, Rect rect, Size size) {
   result_header.width = size.width;
   result_header.height = size.height;
 
+  // The result has a table of four bytes a colour whatever the header's size, as many as the header counts even where that is
+  // not read elsewhere.
   const bool counts_colors = header.size != kCoreHeaderBytes && header.colors_used != 0;
   const ByteCount head = kHeaderBytes + ByteCount(counts_colors ? header.colors_used : DIBNumColors(header)) * sizeof(Rgb);
-  const auto whole = source.complete(std::max(head, bits_offset(header) + rows_bytes(header)));
-  if (!whole) return Error::kUnreported;
+  const auto whole =
+      VOREL_TRY(or_error(source.complete(std::max(head, bits_offset(header) + rows_bytes(header))), Error::kUnreported));
   const ByteCount image = rows_bytes(result_header) + row_stride(header.depth, size.width) + kSpareBytes;
-  auto result = OwnedDib::with_head(whole->bytes().first(static_cast<size_t>(head.value())), result_header, image);
-  const auto columns = ZeroedBuffer::allocate(ByteCount(static_cast<uint32_t>(size.width)) * sizeof(int));
-  if (!result || !columns) return Error::kUnreported;
-  kernels::scale().scale_nearest(pixels_at(whole->bytes(), bits_offset(header), header), rect,
-                                 pixels_at(result->bytes(), head, result_header),
-                                 {reinterpret_cast<int*>(columns->bytes().data()), static_cast<size_t>(size.width)});
+  OwnedDib result =
+      VOREL_TRY(OwnedDib::with_head(whole.bytes().first(static_cast<size_t>(head.value())), result_header, image)
+                    .or_error(Error::kUnreported));
+  const auto scratch =
+      VOREL_TRY(or_error(ZeroedBuffer::allocate(kernels::nearest_scratch(header.depth, size)), Error::kUnreported));
+  kernels::scale().scale_nearest(pixels_at(whole.bytes(), bits_offset(header), header), rect,
+                                 pixels_at(result.bytes(), head, result_header), scratch.bytes());
   return result;
 }
 
-}  // namespace vorel
+}  // namespace vorel::geometry

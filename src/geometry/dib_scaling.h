@@ -4,7 +4,7 @@
 #include "dib/packed_dib.h"
 #include "kernels/scale/scale.h"
 
-namespace vorel {
+namespace vorel::geometry {
 
 // A new DIB of so many pixels. 4, 8 and 24 bits are interpolated, and take the low 16 bits of width and height; 1 bit goes by
 // the nearest pixel.
@@ -18,4 +18,4 @@ Result<OwnedDib> magnified(const LockedDib& source, Size area, int x_factor, int
 // header keeps the image size of the source. Reports nothing.
 Result<OwnedDib> ScaleDIBRect(const LockedDib& source, Rect rect, Size size);
 
-}  // namespace vorel
+}  // namespace vorel::geometry

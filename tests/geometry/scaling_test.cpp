@@ -22,7 +22,7 @@ Bytes scaled(const Bytes& dib, bool cubic, unsigned width, unsigned height) {
 
 Bytes picked(const Bytes& dib, vorel::Rect rect, vorel::Size size) {
   const Block block = block_of(dib);
-  auto result = vorel::ScaleDIBRect(*vorel::LockedDib::lock(block.get()), rect, size);
+  auto result = vorel::geometry::ScaleDIBRect(*vorel::LockedDib::lock(block.get()), rect, size);
   return result ? bytes_of(Block(result->release()).get()) : Bytes{};
 }
 

@@ -1,8 +1,10 @@
 // Making pictures larger or smaller.
 #pragma once
 
+#include <cstdint>
 #include <span>
 
+#include "core/byte_count.h"
 #include "core/header.h"
 #include "core/view.h"
 #include "kernels/levels.h"
@@ -11,9 +13,17 @@ namespace vorel::kernels {
 
 enum class Interpolation { kLinear, kCubic };
 
-// An interpolating scaler fills a result of the same depth, 4, 8 or 24 bits. An index past the colours, of which below
-// 24 bits there are at most as many as the depth has, is black. Memory that runs short is thrown as std::bad_alloc.
-using Interpolate = void(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation);
+// An interpolating scaler fills a result of the same depth, 4, 8 or 24 bits, whose pixels need not be cleared; the padding of
+// its rows is left alone. An index past the colours, of which below 24 bits there are at most as many as the depth has, is black.
+//   scratch  as much as interpolation_scratch() says, aligned to 8 bytes
+using Interpolate = void(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation,
+                         std::span<uint8_t> scratch);
+
+constexpr ByteCount interpolation_scratch(Size source, Size result) {
+  constexpr uint64_t kPerSourcePixel = 3, kPerResultPixel = 48, kRest = 4096;
+  return kPerSourcePixel * static_cast<uint64_t>(source.width) + kPerResultPixel * static_cast<uint64_t>(result.width) +
+         kRest;
+}
 
 struct ScaleTable {
   // Mixes colours; below 24 bits each mixture goes to the nearest colour. Black at the beginning of a row is taken for colour 0
@@ -24,9 +34,15 @@ struct ScaleTable {
   Interpolate* scale_levels;
 
   // Fills a zero-filled result of the same depth with the nearest pixels of a rectangle that begins inside the picture; what it
-  // covers beyond is zero. `columns` is room for a number for each column of the result.
-  void (*scale_nearest)(ConstDibView source, Rect rect, DibView result, std::span<int> columns);
+  // covers beyond is zero.
+  //   scratch  as much as nearest_scratch() says, aligned to 8 bytes
+  void (*scale_nearest)(ConstDibView source, Rect rect, DibView result, std::span<uint8_t> scratch);
 };
+
+constexpr ByteCount nearest_scratch(int depth, Size result) {
+  constexpr uint64_t kPerResultPixel = 3, kRest = 256;
+  return depth == 1 ? kPerResultPixel * static_cast<uint64_t>(result.width) + kRest : 0;
+}
 
 const ScaleTable& scale(CpuLevel level = cpu_level());
 

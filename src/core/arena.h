@@ -1,0 +1,29 @@
+// Scratch memory handed to kernels, dealt out piece by piece.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace vorel {
+
+// Pieces begin at multiples of kPieceAlignment from the start, so that each may take up to that much more than its length. Whoever hands the
+// memory in has asked the kernel how much it needs.
+class Arena {
+ public:
+  static constexpr size_t kPieceAlignment = 64;
+
+  explicit Arena(std::span<uint8_t> memory) : next_(memory.data()) {}
+
+  template <class T>
+  std::span<T> take(size_t count) {
+    auto* const piece = reinterpret_cast<T*>(next_);
+    next_ += (count * sizeof(T) + kPieceAlignment - 1) / kPieceAlignment * kPieceAlignment;
+    return {piece, count};
+  }
+
+ private:
+  uint8_t* next_;
+};
+
+}  // namespace vorel

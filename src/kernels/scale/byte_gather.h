@@ -1,0 +1,76 @@
+// Picking bytes of a row at ascending positions, the same ones in every row.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#ifdef __SSSE3__
+#include <tmmintrin.h>
+#endif
+
+#include "core/arena.h"
+
+namespace vorel::kernels::VOREL_LEVEL {
+
+// Bytes are picked in blocks of sixteen. A block's positions are seen through windows of sixteen bytes, one behind the other, by
+// as many shuffles; where positions lie too far apart for that, one by one.
+class ByteGather {
+ public:
+  static constexpr size_t kBlock = 16;
+  // Bytes that are read behind the last position.
+  static constexpr size_t kOverread = 64;
+
+  // `positions` lives as long as the gather. Takes a byte of the arena for each of them.
+  ByteGather(std::span<const uint32_t> positions, Arena& arena)
+      : positions_(positions), relative_(arena.take<uint8_t>((positions.size() + kBlock - 1) / kBlock * kBlock)) {
+    uint32_t widest = 0;
+    for (size_t i = 0; i < relative_.size(); ++i) {
+      const uint32_t first = positions[i / kBlock * kBlock], here = positions[std::min(i, positions.size() - 1)];
+      relative_[i] = static_cast<uint8_t>(here - first);
+      widest = std::max(widest, here - first);
+    }
+    windows_ = widest / static_cast<uint32_t>(kBlock) + 1;
+  }
+
+  size_t count() const { return positions_.size(); }
+
+  // The bytes from `begin`, where a block begins, to before `end`. Writes whole blocks: up to fifteen bytes more.
+  void pick(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
+    switch (windows_) {
+#ifdef __SSSE3__
+      case 1: return shuffle<1>(row, begin, end, to);
+      case 2: return shuffle<2>(row, begin, end, to);
+      case 3: return shuffle<3>(row, begin, end, to);
+      case 4: return shuffle<4>(row, begin, end, to);
+#endif
+      default: break;
+    }
+    for (size_t i = begin; i < end; ++i) *to++ = row[positions_[i]];
+  }
+
+ private:
+#ifdef __SSSE3__
+  template <int kWindows>
+  void shuffle(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
+    const __m128i width = _mm_set1_epi8(kBlock),
+                  beyond = _mm_set1_epi8(0x70);  // lifts 16 and more to where a shuffle gives 0
+    for (size_t i = begin; i < end; i += kBlock, to += kBlock) {
+      const uint8_t* const from = row + positions_[i];
+      __m128i at = _mm_loadu_si128(reinterpret_cast<const __m128i*>(relative_.data() + i));
+      __m128i picked = _mm_setzero_si128();
+      for (int window = 0; window < kWindows; ++window) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + window * static_cast<int>(kBlock)));
+        picked = _mm_or_si128(picked, _mm_shuffle_epi8(bytes, window + 1 < kWindows ? _mm_adds_epu8(at, beyond) : at));
+        at = _mm_sub_epi8(at, width);
+      }
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(to), picked);
+    }
+  }
+#endif
+
+  std::span<const uint32_t> positions_;
+  std::span<uint8_t> relative_;
+  uint32_t windows_;
+};
+
+}  // namespace vorel::kernels::VOREL_LEVEL

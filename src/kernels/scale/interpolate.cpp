@@ -1,0 +1,137 @@
+#include <array>
+#include <cstring>
+
+#include "core/gray.h"
+#include "core/nearest_color.h"
+#include "core/pixel.h"
+#include "kernels/scale/functions.h"
+#include "kernels/scale/resampler.h"
+
+namespace vorel::kernels::VOREL_LEVEL {
+namespace {
+
+using Table = std::array<uint8_t, 256>;
+
+// Runs a picture through the engine. read_row(row, samples) takes a stored row apart, write_row(row, fill) puts one together of
+// the samples that fill(to) gives.
+void resample(Interpolation interpolation, ConstDibView source, DibView result, int channels, Arena arena, auto&& read_row,
+              auto&& write_row) {
+  const auto read = [&](int y, std::span<uint8_t> samples) { read_row(source.row(y).data(), samples); };
+  const auto run = [&](auto resampler) {
+    for (int y = 0; y < result.height(); ++y)
+      write_row(result.row(y).data(), [&](uint8_t* to) { resampler.row(y, to, read); });
+  };
+  if (interpolation == Interpolation::kLinear)
+    run(Resampler<Linear>(source.size(), result.size(), channels, arena));
+  else
+    run(Resampler<Cubic>(source.size(), result.size(), channels, arena));
+}
+
+// Samples as they are stored.
+void resample_bytes(Interpolation interpolation, ConstDibView source, DibView result, int channels, Arena arena) {
+  resample(
+      interpolation, source, result, channels, arena,
+      [](const uint8_t* row, std::span<uint8_t> samples) { std::memcpy(samples.data(), row, samples.size()); },
+      [](uint8_t* row, auto fill) { fill(row); });
+}
+
+// Levels of the colours; an index past them is black.
+Table levels_of(std::span<const Rgb> colors) {
+  Table levels{};
+  for (size_t i = 0; i < colors.size() && i < levels.size(); ++i) levels[i] = level_of(colors[i]);
+  return levels;
+}
+
+// For each level the index of the colour nearest to that grey.
+Table indices_of_levels(std::span<const Rgb> colors) {
+  NearestColor nearest(colors);
+  Table indices;
+  for (size_t level = 0; level < indices.size(); ++level) {
+    const auto gray = static_cast<uint8_t>(level);
+    indices[level] = nearest.index_of(gray, gray, gray);
+  }
+  return indices;
+}
+
+bool is_identity(const Table& table) {
+  for (size_t i = 0; i < table.size(); ++i)
+    if (table[i] != i) return false;
+  return true;
+}
+
+// Where black at the beginning of a row goes unlooked-up to colour 0.
+enum class RowStart { kBlackIsColor0, kAsElsewhere };
+
+template <int kDepth>
+void scale_gray(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation, Arena arena,
+                RowStart row_start) {
+  const Table levels = levels_of(colors), indices = indices_of_levels(colors);
+  if (kDepth == 8 && is_identity(levels) && is_identity(indices))
+    return resample_bytes(interpolation, source, result, 1, arena);
+  const auto row = arena.take<uint8_t>(static_cast<size_t>(result.width()));
+  const auto read = [&](const uint8_t* from, std::span<uint8_t> samples) {
+    for (int x = 0; x < source.width(); ++x) samples[static_cast<size_t>(x)] = levels[Pixel<kDepth>::load(from, x)];
+  };
+  resample(interpolation, source, result, 1, arena, read, [&](uint8_t* to, auto fill) {
+    fill(row.data());
+    size_t x = 0;
+    if (row_start == RowStart::kBlackIsColor0)
+      for (; x < row.size() && row[x] == 0; ++x) Pixel<kDepth>::store(to, static_cast<int>(x), 0);
+    for (; x < row.size(); ++x) Pixel<kDepth>::store(to, static_cast<int>(x), indices[row[x]]);
+  });
+}
+
+template <int kDepth>
+void scale_indexed(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation,
+                   Arena arena) {
+  std::array<Rgb, 256> table{};
+  for (size_t i = 0; i < colors.size() && i < table.size(); ++i) table[i] = colors[i];
+  const auto row = arena.take<uint8_t>(static_cast<size_t>(result.width()) * 3);
+  const auto read = [&](const uint8_t* from, std::span<uint8_t> samples) {
+    uint8_t* to = samples.data();
+    for (int x = 0; x < source.width(); ++x) {
+      const Rgb color = table[Pixel<kDepth>::load(from, x)];
+      *to++ = color.blue;
+      *to++ = color.green;
+      *to++ = color.red;
+    }
+  };
+  NearestColor nearest(colors);
+  resample(interpolation, source, result, 3, arena, read, [&](uint8_t* to, auto fill) {
+    fill(row.data());
+    const uint8_t* from = row.data();
+    int x = 0;
+    for (; x < result.width() && (from[0] | from[1] | from[2]) == 0; from += 3, ++x) Pixel<kDepth>::store(to, x, 0);
+    for (; x < result.width(); ++x, from += 3) Pixel<kDepth>::store(to, x, nearest.index_of(from[0], from[1], from[2]));
+  });
+}
+
+}  // namespace
+
+void scale_colors(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation,
+                  std::span<uint8_t> scratch) {
+  const Arena arena(scratch);
+  with_depth(source.depth(), [&](auto depth) {
+    if constexpr (depth == 24) {
+      resample_bytes(interpolation, source, result, 3, arena);
+    } else if constexpr (depth != 1) {
+      if (is_gray(colors))  // the same for a third of the work
+        scale_gray<depth>(source, colors, result, interpolation, arena, RowStart::kBlackIsColor0);
+      else
+        scale_indexed<depth>(source, colors, result, interpolation, arena);
+    }
+  });
+}
+
+void scale_levels(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation,
+                  std::span<uint8_t> scratch) {
+  const Arena arena(scratch);
+  with_depth(source.depth(), [&](auto depth) {
+    if constexpr (depth == 24)
+      resample_bytes(interpolation, source, result, 3, arena);
+    else if constexpr (depth != 1)
+      scale_gray<depth>(source, colors, result, interpolation, arena, RowStart::kAsElsewhere);
+  });
+}
+
+}  // namespace vorel::kernels::VOREL_LEVEL
