@@ -1,4 +1,4 @@
-// Picking bytes of a row at ascending positions, the same ones in every row.
+// Picking bytes of a row, the same positions in every row.
 #pragma once
 
 #include <algorithm>
@@ -20,19 +20,23 @@ class ByteGather {
   // Bytes that are read behind the last position.
   static constexpr size_t kOverread = 64;
 
-  // `positions` lives as long as the gather. Takes a byte of the arena for each of them.
+  // `positions` lives as long as the gather. Takes two bytes of the arena for each of them.
   ByteGather(std::span<const uint32_t> positions, Arena& arena)
-      : positions_(positions), relative_(arena.take<uint8_t>((positions.size() + kBlock - 1) / kBlock * kBlock)) {
+      : positions_(positions),
+        first_(arena.take<uint32_t>((positions.size() + kBlock - 1) / kBlock)),
+        relative_(arena.take<uint8_t>(first_.size() * kBlock)) {
     uint32_t widest = 0;
-    for (size_t i = 0; i < relative_.size(); ++i) {
-      const uint32_t first = positions[i / kBlock * kBlock], here = positions[std::min(i, positions.size() - 1)];
-      relative_[i] = static_cast<uint8_t>(here - first);
-      widest = std::max(widest, here - first);
+    for (size_t block = 0; block < first_.size(); ++block) {
+      const auto at = [&](size_t i) { return positions[std::min(block * kBlock + i, positions.size() - 1)]; };
+      first_[block] = at(0);
+      for (size_t i = 1; i < kBlock; ++i) first_[block] = std::min(first_[block], at(i));
+      for (size_t i = 0; i < kBlock; ++i) {
+        widest = std::max(widest, at(i) - first_[block]);
+        relative_[block * kBlock + i] = static_cast<uint8_t>(at(i) - first_[block]);
+      }
     }
     windows_ = widest / static_cast<uint32_t>(kBlock) + 1;
   }
-
-  size_t count() const { return positions_.size(); }
 
   // The bytes from `begin`, where a block begins, to before `end`. Writes whole blocks: up to fifteen bytes more.
   void pick(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
@@ -55,7 +59,7 @@ class ByteGather {
     const __m128i width = _mm_set1_epi8(kBlock),
                   beyond = _mm_set1_epi8(0x70);  // lifts 16 and more to where a shuffle gives 0
     for (size_t i = begin; i < end; i += kBlock, to += kBlock) {
-      const uint8_t* const from = row + positions_[i];
+      const uint8_t* const from = row + first_[i / kBlock];
       __m128i at = _mm_loadu_si128(reinterpret_cast<const __m128i*>(relative_.data() + i));
       __m128i picked = _mm_setzero_si128();
       for (int window = 0; window < kWindows; ++window) {
@@ -69,7 +73,8 @@ class ByteGather {
 #endif
 
   std::span<const uint32_t> positions_;
-  std::span<uint8_t> relative_;
+  std::span<uint32_t> first_;    // position of each block
+  std::span<uint8_t> relative_;  // positions behind it
   uint32_t windows_;
 };
 

@@ -22,7 +22,8 @@ inline uint16_t share(uint16_t weight, uint16_t sample) {
 
 // Mixes samples of several rows, weight(tap, i) of each. Two shares, whose weights are 255 together, never exceed a byte.
 template <class Method>
-void mix(const std::array<const uint8_t*, 2>& rows, auto weight, size_t count, uint8_t* to) requires(Method::kTaps == 2) {
+void mix(const std::array<const uint8_t*, 2>& rows, auto weight, size_t count,
+         uint8_t* __restrict to) requires(Method::kTaps == 2) {
   const uint8_t *const first = rows[0], *const second = rows[1];
   for (size_t i = 0; i < count; ++i) {
     to[i] = static_cast<uint8_t>(share(weight(0, i), first[i]) + share(weight(1, i), second[i]));
@@ -30,7 +31,8 @@ void mix(const std::array<const uint8_t*, 2>& rows, auto weight, size_t count, u
 }
 
 template <class Method>
-void mix(const std::array<const uint8_t*, 4>& rows, auto weight, size_t count, uint8_t* to) requires(Method::kTaps == 4) {
+void mix(const std::array<const uint8_t*, 4>& rows, auto weight, size_t count,
+         uint8_t* __restrict to) requires(Method::kTaps == 4) {
   const uint8_t *const before = rows[0], *const first = rows[1], *const second = rows[2], *const behind = rows[3];
   for (size_t i = 0; i < count; ++i) {
     const auto sum = static_cast<int16_t>(share(weight(1, i), first[i]) - share(weight(0, i), before[i]) +
@@ -67,7 +69,7 @@ class Resampler {
       std::memcpy(to, rows[kMiddle], row_samples());
     } else {
       mix<Method>(
-          rows, [&](size_t tap, size_t) { return taps.weights[tap]; }, row_samples(), to);
+          rows, [weights = taps.weights](size_t tap, size_t) { return weights[tap]; }, row_samples(), to);
     }
   }
 
@@ -133,7 +135,8 @@ class Resampler {
       const size_t end = begin + kRun < row_samples() ? begin + kRun : row_samples();
       for (size_t tap = 0; tap < kTaps; ++tap) gather_.pick(samples_.data() + tap * channels_, begin, end, picked[tap]);
       mix<Method>(
-          neighbours, [&](size_t tap, size_t i) { return weights_[tap][begin + i]; }, end - begin, to + begin);
+          neighbours, [=, weights = weights_](size_t tap, size_t i) { return weights[tap][begin + i]; }, end - begin,
+          to + begin);
     }
   }
 
