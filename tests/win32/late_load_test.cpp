@@ -1,5 +1,8 @@
-// Threads that are older than the library: no notice tells it of them, so their first call makes their context.
+// The library loaded late: by a process without free thread-local-storage indexes, and among threads that are older than it.
 #include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <vector>
 #include <windows.h>
 
 #include "win32/support/imports.h"
@@ -10,6 +13,55 @@ int(WINAPI* img_error)() = nullptr;
 int(WINAPI* set_img_error)(int) = nullptr;
 
 HGLOBAL WINAPI no_memory(UINT, SIZE_T) { return nullptr; }
+
+// All thread-local-storage indexes of the process but a few.
+class TakenIndexes {
+ public:
+  explicit TakenIndexes(size_t left) {
+    for (DWORD index = TlsAlloc(); index != TLS_OUT_OF_INDEXES; index = TlsAlloc()) taken_.push_back(index);
+    for (; left > 0; --left) give_back();
+  }
+  TakenIndexes(const TakenIndexes&) = delete;
+  TakenIndexes& operator=(const TakenIndexes&) = delete;
+  ~TakenIndexes() {
+    while (!taken_.empty()) give_back();
+  }
+
+  size_t count() const { return taken_.size(); }
+
+ private:
+  void give_back() {
+    TlsFree(taken_.back());
+    taken_.pop_back();
+  }
+
+  std::vector<DWORD> taken_;
+};
+
+// Which modules load while so many indexes are free.
+std::map<std::string, bool> loaded_with_indexes(size_t left) {
+  std::map<std::string, bool> loaded{
+      {"VOREL32.DLL", false}, {"KALO.DLL", false}, {"MERV32.DLL", false}, {"WERT32.DLL", false}};
+  const TakenIndexes taken(left);
+  for (auto& [name, is_loaded] : loaded) {
+    const HMODULE module = LoadLibraryA(name.c_str());
+    is_loaded = module != nullptr && FreeLibrary(module);
+  }
+  return loaded;
+}
+
+// The runtime inside each DLL needs an index, the library one more.
+TEST(ThreadLocalStorage, WithoutAFreeIndexLoadingFailsAndTheProcessGoesOn) {
+  using Loaded = std::map<std::string, bool>;
+  EXPECT_EQ(loaded_with_indexes(0),
+            (Loaded{{"VOREL32.DLL", false}, {"KALO.DLL", false}, {"MERV32.DLL", false}, {"WERT32.DLL", false}}));
+  const size_t free = TakenIndexes(0).count();
+  EXPECT_EQ(loaded_with_indexes(1),
+            (Loaded{{"VOREL32.DLL", false}, {"KALO.DLL", true}, {"MERV32.DLL", true}, {"WERT32.DLL", true}}));
+  EXPECT_EQ(loaded_with_indexes(2),
+            (Loaded{{"VOREL32.DLL", true}, {"KALO.DLL", true}, {"MERV32.DLL", true}, {"WERT32.DLL", true}}));
+  EXPECT_EQ(TakenIndexes(0).count(), free) << "refused DLLs keep no index";
+}
 
 // A thread that waits until it is let go, then asks for its code and returns 100 more than that.
 class OlderThread {

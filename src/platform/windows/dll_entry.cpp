@@ -1,10 +1,12 @@
-// The entry point of every DLL that is built here: the C runtime's, and what that leaves behind.
+// The entry point of every DLL that is built here: wraps the C runtime's.
 //
-// The compiler's own libraries are linked in, so each DLL has them to itself. They take a thread-local-storage index and a
+// The compiler's own libraries are linked in, so each DLL has a copy of them. They take a thread-local-storage index and a
 // reserve of memory for exceptions and never give them back, as if a DLL stayed until its process ends. Codec modules come
-// and go with every picture; without this a process runs out of indexes, of which it has 1,088, and dies with its thousandth.
+// and go with every picture: without this file a process runs out of indexes, of which it has 1,088, and ends with its thousandth
+// picture. Nor do these libraries know what to do without an index: they end the process. One is therefore reserved for them first.
 #include <algorithm>
 #include <iterator>
+#include <utility>
 #include <windows.h>
 
 namespace __gnu_cxx {
@@ -15,9 +17,11 @@ extern "C" BOOL WINAPI DllMainCRTStartup(HINSTANCE module, DWORD reason, LPVOID 
 
 namespace {
 
-// Indexes that this DLL has, its own and those of the libraries in it. There is hardly ever more than one of each.
+// Indexes that this DLL has taken, for itself or for the libraries in it. There is hardly ever more than one of each.
 DWORD indexes[8];
 size_t index_count = 0;
+DWORD reserved = TLS_OUT_OF_INDEXES;
+bool attached = false;
 
 template <class Function>
 Function* system_function(const char* name) {
@@ -25,9 +29,15 @@ Function* system_function(const char* name) {
 }
 
 DWORD WINAPI take_index() {
+  if (reserved != TLS_OUT_OF_INDEXES) return std::exchange(reserved, TLS_OUT_OF_INDEXES);
   const DWORD index = system_function<DWORD WINAPI()>("TlsAlloc")();
   if (index != TLS_OUT_OF_INDEXES && index_count < std::size(indexes)) indexes[index_count++] = index;
   return index;
+}
+
+bool reserve_index() {
+  reserved = take_index();
+  return reserved != TLS_OUT_OF_INDEXES;
 }
 
 BOOL WINAPI free_index(DWORD index) {
@@ -37,15 +47,18 @@ BOOL WINAPI free_index(DWORD index) {
 
 }  // namespace
 
-// What calls of TlsAlloc and TlsFree in this DLL go through, in place of the import library's.
+// Calls of TlsAlloc and TlsFree in this DLL go through these pointers instead of the import library's.
 extern "C" {
 extern decltype(&take_index) const import_of_tls_alloc __asm__("__imp__TlsAlloc@0") = take_index;
 extern decltype(&free_index) const import_of_tls_free __asm__("__imp__TlsFree@4") = free_index;
 }
 
 // Destructors of static objects are among what the runtime does, so that nothing of the DLL runs after it. A process that
-// ends takes everything with it, and its other threads may have been stopped anywhere.
+// ends takes everything with it, and its other threads may have been stopped anywhere. The system sends the detach notice after a
+// refused attach too.
 extern "C" BOOL WINAPI enter_dll(HINSTANCE module, DWORD reason, LPVOID process_ends) {
+  if (reason == DLL_PROCESS_ATTACH) attached = reserve_index();
+  if (!attached) return FALSE;
   const BOOL accepted = DllMainCRTStartup(module, reason, process_ends);
   if (reason == DLL_PROCESS_DETACH && process_ends == nullptr) {
     __gnu_cxx::__freeres();
