@@ -1,4 +1,4 @@
-// Windows bitmap files: a file header, which reading can do without, and the packed DIB as it lies in memory.
+// Windows bitmap files: a file header, optional when reading, and the packed DIB as it lies in memory.
 #pragma once
 
 #include "dib/packed_dib.h"
@@ -7,7 +7,7 @@
 
 namespace vorel {
 
-// Header and colour table from where the file stands, as a DIB block without pixels; leaves the file at the pixel data.
+// Reads header and colour table at the file's position into a DIB without pixels; the file then stands at the pixel data.
 Result<OwnedDib> read_dib_info(FileRef file);
 
 Result<OwnedDib> load_dib(const char* path);

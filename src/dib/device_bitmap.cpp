@@ -6,13 +6,14 @@
 
 #include "dib/device_format.h"
 #include "dib/device_palette.h"
+#include "dib/open_dib.h"
 #include "frame/thread_context.h"
 #include "platform/user.h"
 
 namespace vorel {
 namespace {
 
-// A DIB made from a bitmap has this many bytes behind its pixels.
+// Bytes behind the rows of a DIB that is made from a bitmap.
 constexpr uint32_t kSpareBytes = 10;
 
 // A header with room for the largest colour table that the system may write behind it.
@@ -23,14 +24,14 @@ struct DeviceDibInfo {
   BITMAPINFO* get() { return reinterpret_cast<BITMAPINFO*>(this); }
 };
 
-// Entries of a palette; 0 for what is none.
+// Entries of a palette; 0 for an invalid handle.
 uint32_t entries_of(HPALETTE palette) {
   WORD count = 0;
   if (GetObjectType(palette) == OBJ_PAL) GetObject(palette, sizeof count, &count);
   return count;
 }
 
-// The table a DIB gets from a palette; the default one where there is no palette or it has more colours than the DIB.
+// Fills a DIB's table from a palette, or with the default colours where there is no palette or it has more colours than the DIB.
 void fill_colors(std::span<Rgb> table, uint32_t depth, HPALETTE palette) {
   const uint32_t count = entries_of(palette);
   if (count == 0 || count > table.size()) {
@@ -48,8 +49,8 @@ uint32_t row_count(const DibHeader& header) {
   return header.height < 0 ? 0 - static_cast<uint32_t>(header.height) : static_cast<uint32_t>(header.height);
 }
 
-// Bytes of a DIB that the system may read when it makes a bitmap of it: its own idea of the table counts too, three masks,
-// all planes, and a compressed picture is as long as it says. No more than that: a DIB that has what it needs is not copied.
+// Bytes of a DIB that the system may read when it makes a bitmap of it. The system assumes a full table, three masks for
+// masked pixels, all planes, and for a compressed picture the stated length. Asking for more would copy DIBs needlessly.
 ByteCount bytes_read_by_device(const DibHeader& header) {
   const bool is_compressed = header.compression != Compression::kNone && header.compression != Compression::kBitFields;
   const uint32_t rows = row_count(header);
@@ -60,8 +61,8 @@ ByteCount bytes_read_by_device(const DibHeader& header) {
   return header.size + table + (is_compressed ? std::max(pixels, ByteCount(header.image_bytes)) : pixels);
 }
 
-// A header that says how many colours and bytes of rows there are, with its colours. Metafiles take both numbers at their word.
-DeviceDibInfo with_sizes_told(const DibHeader& header, std::span<const uint8_t> colors) {
+// A header that states its counts of colours and of bytes in its rows, with its colours. Metafiles rely on both numbers.
+DeviceDibInfo with_stated_sizes(const DibHeader& header, std::span<const uint8_t> colors) {
   DeviceDibInfo info{.header = header, .colors = {}};
   std::memcpy(info.colors, colors.data(), std::min(colors.size(), sizeof info.colors));
   const uint32_t most = implied_colors(header.depth);
@@ -89,7 +90,7 @@ Result<OwnedBitmap> bitmap_of(const LockedDib& dib, HDC dc, HPALETTE palette) {
 std::optional<BITMAP> describe(HBITMAP bitmap) {
   BITMAP facts{};
   if (GetObjectType(bitmap) != OBJ_BITMAP || GetObject(bitmap, sizeof facts, &facts) == 0) return std::nullopt;
-  // DIB sections say how wide their rows are in memory; the bits that the system hands out have rows of whole words.
+  // DIB sections state the row length in memory; GetBitmapBits returns rows padded to 16 bits.
   facts.bmWidthBytes = static_cast<LONG>((int64_t{facts.bmWidth} * facts.bmBitsPixel + 15) / 16 * 2);
   facts.bmBits = nullptr;
   return facts;
@@ -105,9 +106,7 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette) {
   const auto header =
       header_for_device_bitmap(facts->bmWidth, facts->bmHeight, uint32_t{facts->bmPlanes} * facts->bmBitsPixel);
   if (!header) return Error::kUnreported;
-  const auto offset = static_cast<size_t>(bits_offset(*header).value());
-  auto dib = OwnedDib::allocate(ByteCount(offset) + header->image_bytes + kSpareBytes);
-  if (!dib) return Error::kUnreported;
+  NewDib dib = VOREL_TRY(NewDib::make(*header, ByteCount(header->image_bytes) + kSpareBytes).or_error(Error::kUnreported));
 
   OwnedPalette of_screen;
   if (palette == nullptr && header->depth != 1) {
@@ -126,12 +125,10 @@ Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette) {
   DeviceDibInfo info{.header = *header, .colors = {}};
   const std::span<Rgb> table(info.colors, header->colors_used);
   fill_colors(table, header->depth, colors);
-  // The system writes its own colours into the table, and they stand; what it may write into the header does not.
-  GetDIBits(screen.get(), bitmap, 0, static_cast<UINT>(header->height), dib->bytes().data() + offset, info.get(),
-            DIB_RGB_COLORS);
-  write_header(dib->bytes(), *header);
-  std::memcpy(dib->bytes().data() + kHeaderBytes, table.data(), table.size_bytes());
-  return dib;
+  // The system's own colours replace the table's and are kept; changes that it makes to the header are not.
+  GetDIBits(screen.get(), bitmap, 0, static_cast<UINT>(header->height), dib.image().data(), info.get(), DIB_RGB_COLORS);
+  std::ranges::copy(table, dib.colors().begin());
+  return OwnedDib(std::move(dib));
 }
 
 Result<OwnedDib> dib_in_screen_colors(HBITMAP bitmap) {
@@ -159,7 +156,7 @@ std::optional<DeviceDib> DeviceDib::of(const LockedDib& dib) {
 Size DeviceDib::size() const { return {header_.width, static_cast<int>(row_count(header_))}; }
 
 bool DeviceDib::stretch(HDC dc, Rect to, Rect from, DWORD raster_operation) const {
-  DeviceDibInfo explicit_info = with_sizes_told(header_, whole_.bytes().subspan(kHeaderBytes));
+  DeviceDibInfo explicit_info = with_stated_sizes(header_, whole_.bytes().subspan(kHeaderBytes));
   // The system counts the rows of a source from the bottom.
   const int rows_below = size().height - from.y - from.height;
   return StretchDIBits(dc, to.x, to.y, to.width, to.height, from.x, rows_below, from.width, from.height, pixels(),
@@ -170,10 +167,10 @@ Result<OwnedBitmap> bitmap_of(const LockedDib& dib) {
   const DibHeader& header = dib.header();
   if (header.size != kHeaderBytes) return Error::kCreateBitmap;
   const auto palette = palette_of(dib);
-  if (!palette) set_thread_error(palette.error());  // the bitmap is made all the same, without realised colours
+  if (!palette) set_thread_error(palette.error());  // the bitmap is still made, without realised colours
   HPALETTE colors = palette ? palette->get() : nullptr;
 
-  // A memory context is monochrome, and so becomes what is made for it; the screen's own format is for all other pictures.
+  // A bitmap made for a memory context is monochrome; all other pictures get the screen's format.
   if (header.depth == 1 && header.planes == 1) {
     const MemoryDc memory(nullptr);
     return memory ? bitmap_of(dib, memory.get(), colors) : Error::kUnreported;
@@ -194,9 +191,7 @@ bool read_back(HBITMAP bitmap, const LockedDib& dib) {
   if (!whole) return false;
   // The system may write more colours than the DIB has room for.
   DeviceDibInfo info{.header = header, .colors = {}};
-  const size_t head = static_cast<size_t>(bits_offset(header).value());
-  const auto table =
-      colors_in(*whole).first(std::min(std::size(info.colors), head / sizeof(Rgb) - kHeaderBytes / sizeof(Rgb)));
+  const auto table = colors_in(*whole).first(std::min<size_t>(std::size(info.colors), DIBNumColors(header)));
   std::ranges::copy(table, info.colors);
   if (const auto shown = screen_colors())
     std::ranges::copy(std::span(*shown).first(std::min(shown->size(), table.size())), info.colors);
@@ -205,7 +200,8 @@ bool read_back(HBITMAP bitmap, const LockedDib& dib) {
   const auto palette = screen_palette();
   if (!palette) set_thread_error(palette.error());
   const PaletteSelection selection(screen.get(), palette ? palette->get() : nullptr);
-  GetDIBits(screen.get(), bitmap, 0, row_count(header), whole->bytes().data() + head, info.get(), DIB_RGB_COLORS);
+  uint8_t* const rows = FindDIBBits(whole->bytes().data(), header);
+  GetDIBits(screen.get(), bitmap, 0, row_count(header), rows, info.get(), DIB_RGB_COLORS);
   std::ranges::copy(std::span(info.colors).first(table.size()), table.begin());
   whole->write_back();
   return true;

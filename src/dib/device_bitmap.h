@@ -9,28 +9,28 @@
 
 namespace vorel {
 
-// None for what is no bitmap. bmWidthBytes is that of the rows that copy_bits_out gives.
+// None for a handle that is no bitmap. bmWidthBytes is the row length that copy_bits_out uses.
 std::optional<BITMAP> describe(HBITMAP bitmap);
 
-// Copies the bits of a bitmap out; false unless the system hands out just as many bytes as asked for.
+// Copies the bits of a bitmap out; false unless the system returns exactly as many bytes as asked for.
 bool copy_bits_out(HBITMAP bitmap, std::span<uint8_t> bits);
 
-// `palette` may be null. Every failure is unreported. Where the screen is asked for its palette and has none, the thread's
-// code says so although the conversion goes on without.
+// `palette` may be null. Every failure is unreported. If the screen's palette is needed and cannot be had, the thread's code is
+// set, but the conversion goes on without it.
 Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette);
 
-// The same in the colours of the screen's palette; the thread's code says so where it has none.
+// The same in the colours of the screen's palette; the thread's code is set where it has none.
 Result<OwnedDib> dib_in_screen_colors(HBITMAP bitmap);
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib);
-// The same of a handle; what is none is an unreported failure.
+// The same of a handle; a dead one is an unreported failure.
 Result<OwnedBitmap> bitmap_of(HGLOBAL handle);
 
-// A bitmap without contents. None when memory is short, for sizes without a pixel and for those that no block could hold, of which
-// systems are not sure to make nothing.
+// A bitmap without contents. None when memory is short, for sizes without a pixel, and for sizes that no block could hold:
+// systems do not reliably refuse those.
 OwnedBitmap empty_bitmap(Size size, int planes, int bits_per_pixel);
 
-// A locked DIB as the system may read it: header, colours and rows are all there, completed if need be.
+// A locked DIB as the system may read it: header, colours and rows, completed where the block is too short.
 class DeviceDib {
  public:
   // None for headers of other than 40 bytes, and when memory is short.
@@ -51,8 +51,8 @@ class DeviceDib {
   CompleteBytes whole_;
 };
 
-// Reads a bitmap back into a DIB, in the DIB's own size and format: pixels, and of its colour table what the system fills in,
-// which otherwise gets the screen's colours. False when memory is short.
+// Reads a bitmap back into a DIB, in the DIB's own size and format. The colour table gets the screen's colours, then those that
+// the system fills in. False when memory is short.
 bool read_back(HBITMAP bitmap, const LockedDib& dib);
 
 Result<OwnedBitmap> monochrome_copy(HBITMAP bitmap);

@@ -1,4 +1,4 @@
-// The DIB that a device bitmap becomes: its header and the colours it has when no palette tells them.
+// The DIB of a device bitmap: its header, and its colours where there is no palette.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +9,10 @@
 
 namespace vorel {
 
-// Depth of the DIB for a device bitmap of so many bits per pixel, all planes together: 1, 4, 8 or 24.
+// The DIB's depth for the bits per pixel of a device bitmap, all planes together: 1, 4, 8 or 24.
 uint16_t dib_depth_for(uint32_t device_bits_per_pixel);
 
-// None when no block can hold that many pixels.
+// None when no block can hold the pixels.
 std::optional<DibHeader> header_for_device_bitmap(int32_t width, int32_t height, uint32_t device_bits_per_pixel);
 
 // Black and white, the 16 standard colours, or a cube of 8 reds, 8 greens and 4 blues; empty for other depths.

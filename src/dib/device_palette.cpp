@@ -6,10 +6,10 @@
 namespace vorel {
 namespace {
 
-// A LOGPALETTE with zeroed entries, ready to be filled.
+// A LOGPALETTE with zeroed entries.
 class LogicalPalette {
  public:
-  // None when memory is short, and for more entries than a palette can count.
+  // None when memory is short, and for more entries than a palette can have.
   static std::optional<LogicalPalette> with_entries(uint32_t count) {
     if (count > UINT16_MAX) return std::nullopt;
     auto memory = ZeroedBuffer::allocate(ByteCount(count) * sizeof(PALETTEENTRY) + kHeadBytes);

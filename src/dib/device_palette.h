@@ -15,7 +15,7 @@ Result<OwnedPalette> palette_of(const LockedDib& dib);
 // The screen's system palette entries.
 Result<OwnedPalette> screen_palette();
 
-// What the screen shows for each entry of its system palette.
+// The colour that the screen shows for each entry of its system palette.
 Result<std::vector<Rgb>> screen_colors();
 
 }  // namespace vorel

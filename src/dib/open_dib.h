@@ -1,6 +1,17 @@
 // A DIB as an operation works on it: the header and, found by the operation's own rule, colours and rows.
+//
+// An operation checks the header, opens the source, makes the result and runs a kernel:
+//
+//   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kRule));
+//   NewDib result = VOREL_TRY(NewDib::like(opened, result_header));
+//   kernel(opened.pixels(), result.pixels());
+//   return OwnedDib(std::move(result));
+//
+// A kernel that writes every pixel of the result can do without zeros: make the result with OwnedDib::allocate_unset and call
+// clear_padding(), which clears what such a kernel leaves out: the bytes behind the pixels of each row and behind the rows.
 #pragma once
 
+#include <algorithm>
 #include <utility>
 
 #include "core/layout.h"
@@ -9,7 +20,7 @@
 
 namespace vorel {
 
-// A locked DIB with all that the rule looks at. What its block is too short for reads as zero; what is written there is dropped.
+// A locked DIB with everything that the rule covers. Bytes that its block lacks read as zero; what is written there is dropped.
 class OpenDib {
  public:
   // kMemory where no block could be that large, or memory for a completed copy is short.
@@ -17,10 +28,11 @@ class OpenDib {
     const Layout layout = Layout::of(source.header(), rule);
     auto bytes = source.complete(layout.needed);
     if (!bytes) return Error::kMemory;
-    return OpenDib(source, layout, std::move(*bytes));
+    return OpenDib(source, rule, layout, std::move(*bytes));
   }
 
   const DibHeader& header() const { return source_->header(); }
+  const LayoutRule& rule() const { return rule_; }
   const Layout& layout() const { return layout_; }
 
   std::span<uint8_t> bytes() const { return bytes_.bytes(); }
@@ -30,25 +42,28 @@ class OpenDib {
   std::span<Rgb> colors(size_t count) const { return colors_in(bytes(), count); }
   // No rows and columns where the picture has none.
   DibView pixels() const { return pixels_in(bytes(), header(), layout_); }
+  // All bytes of the rows, padding included.
+  std::span<uint8_t> rows() const { return bytes().subspan(head().size(), static_cast<size_t>(layout_.rows.value())); }
   // The rows and what follows them, to the end of the block.
   std::span<const uint8_t> rows_and_rest() const {
     const auto memory = source_->block().size() > bytes().size() ? source_->block() : bytes();
     return memory.subspan(static_cast<size_t>(layout_.offset.value()));
   }
 
-  // Puts what was written into the block. Needed where the block is too short.
+  // Copies what was written into the block. Needed where the block is too short.
   void write_back() const { bytes_.write_back(); }
 
  private:
-  OpenDib(const LockedDib& source, const Layout& layout, CompleteBytes bytes)
-      : source_(&source), layout_(layout), bytes_(std::move(bytes)) {}
+  OpenDib(const LockedDib& source, const LayoutRule& rule, const Layout& layout, CompleteBytes bytes)
+      : source_(&source), rule_(rule), layout_(layout), bytes_(std::move(bytes)) {}
 
   const LockedDib* source_;
+  LayoutRule rule_;
   Layout layout_;
   CompleteBytes bytes_;
 };
 
-// A new DIB of a header, zero-filled behind it.
+// A new DIB of a header. Behind the header it holds what its allocation gives: zeros, or memory as it comes.
 class NewDib {
  public:
   using Allocate = Result<OwnedDib>(ByteCount);
@@ -57,17 +72,50 @@ class NewDib {
   static Result<NewDib> make(const DibHeader& header, ByteCount image_bytes, const LayoutRule& rule = {},
                              Allocate* allocate = OwnedDib::allocate) {
     const Layout layout = Layout::of(header, rule);
-    OwnedDib dib = VOREL_TRY(allocate(layout.offset + image_bytes));
+    NewDib dib(header, layout, VOREL_TRY(allocate(layout.offset + image_bytes)));
+    std::ranges::fill(dib.head(), uint8_t{0});
     write_header(dib.bytes(), header);
-    return NewDib(header, layout, std::move(dib));
+    return dib;
+  }
+
+  // With the colours of another DIB and room for all rows, and `spare` bytes behind them.
+  static Result<NewDib> like(const OpenDib& source, const DibHeader& header, Allocate* allocate = OwnedDib::allocate,
+                             ByteCount spare = 0) {
+    const ByteCount image_bytes = Layout::of(header, source.rule()).rows + spare;
+    NewDib dib = VOREL_TRY(make(header, image_bytes, source.rule(), allocate));
+    dib.copy_colors(source);
+    return dib;
   }
 
   const DibHeader& header() const { return header_; }
+  HGLOBAL handle() const { return dib_.handle(); }
   std::span<uint8_t> bytes() const { return dib_.bytes(); }
   std::span<uint8_t> head() const { return bytes().first(static_cast<size_t>(layout_.offset.value())); }
+  // The rows and what follows them, to the end of the block.
+  std::span<uint8_t> image() const { return bytes().subspan(static_cast<size_t>(layout_.offset.value())); }
   std::span<Rgb> colors() const { return colors_in(bytes(), DIBNumColors(header_)); }
-  // For results whose image bytes hold their rows.
+  // These two are for results whose image bytes hold their rows.
+  std::span<uint8_t> rows() const { return image().first(static_cast<size_t>(layout_.rows.value())); }
   DibView pixels() const { return pixels_in(bytes(), header_, layout_); }
+
+  void set_header(const DibHeader& header) {
+    header_ = header;
+    write_header(bytes(), header);
+  }
+
+  // Takes over everything between the header and the rows of a DIB with a table of the same length.
+  void copy_colors(const OpenDib& source) {
+    std::ranges::copy(source.head().subspan(kHeaderBytes), head().begin() + kHeaderBytes);
+  }
+
+  // Clears what a kernel that writes all pixels leaves out: the bytes behind the pixels of each row and behind the rows.
+  void clear_padding() const {
+    const DibView view = pixels();
+    const auto stride = static_cast<size_t>(view.stride());
+    for (int y = 0; y < view.height(); ++y)
+      std::fill_n(view.row(y).data() + view.row(y).size(), stride - view.row(y).size(), uint8_t{0});
+    std::ranges::fill(image().subspan(rows().size()), uint8_t{0});
+  }
 
   [[nodiscard]] HGLOBAL release() { return dib_.release(); }
   operator OwnedDib() && { return std::move(dib_); }  // NOLINT(google-explicit-constructor): handed on as what it owns

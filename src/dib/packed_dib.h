@@ -13,8 +13,8 @@
 
 namespace vorel {
 
-// The first bytes of a block, as many as asked for. A block that is shorter stands there as a private copy completed with
-// zeros, so that kernels need no checks of their own.
+// The first bytes of a block, as many as asked for. A block that is shorter is replaced by a private copy, completed with
+// zeros, so that kernels need no checks.
 class CompleteBytes {
  public:
   // None when no block can be that large or memory for the copy is short.
@@ -29,7 +29,7 @@ class CompleteBytes {
 
   std::span<uint8_t> bytes() const { return bytes_; }
 
-  // Puts what was written to a copy into the block; what lies past its end is dropped.
+  // Copies what was written to a private copy back into the block; bytes past the block's end are dropped.
   void write_back() const {
     if (bytes_.size() > block_.size()) std::ranges::copy(bytes_.first(block_.size()), block_.begin());
   }
@@ -52,11 +52,11 @@ class LockedDib {
     return LockedDib(std::move(*block));
   }
 
-  // A block too short for a header shows one of zeros, which no check lets pass.
+  // False for a block that is too short; its header then reads as zeros, which every check refuses.
   bool has_header() const { return block().size() >= kHeaderBytes; }
   const DibHeader& header() const { return header_; }
 
-  // The lock outlives its scope. A few failures are known to leave it behind.
+  // The lock outlives its scope. A few failures leave it behind; that is kept.
   void leave_locked() { block_.leave_locked(); }
 
   std::span<uint8_t> block() const { return block_.bytes(); }
@@ -97,24 +97,24 @@ inline std::span<Rgb> colors_in(const CompleteBytes& bytes) {
   return {reinterpret_cast<Rgb*>(table.data()), table.size() / sizeof(Rgb)};
 }
 
-// A new zero-filled block, locked until it is released to the caller.
+// A new block, locked until it is released to the caller.
 class OwnedDib {
  public:
-  static Result<OwnedDib> allocate(ByteCount bytes) {
-    auto block = OwnedBlock::allocate(bytes);
-    if (!block) return Error::kMemory;
-    auto lock = LockedBlock::lock(block->get());
-    if (!lock) return Error::kLock;
-    return OwnedDib(std::move(*block), std::move(*lock));
+  // Zero-filled. kMemory, or kLock.
+  static Result<OwnedDib> allocate(ByteCount bytes) { return with_contents(bytes, Contents::kZero); }
+
+  // As the memory comes, for results that are written whole. Bytes that the system adds to the block are zero.
+  static Result<OwnedDib> allocate_unset(ByteCount bytes) {
+    OwnedDib dib = VOREL_TRY(with_contents(bytes, Contents::kUnset));
+    std::ranges::fill(dib.bytes().subspan(static_cast<size_t>(bytes.value())), uint8_t{0});
+    return dib;
   }
 
-  // The same, asked for once more when memory is short.
-  static Result<OwnedDib> allocate_or_retry(ByteCount bytes) {
-    auto dib = allocate(bytes);
-    return !dib && dib.error() == Error::kMemory ? allocate(bytes) : std::move(dib);
-  }
+  // Zero-filled, and asked for once more when memory is short.
+  static Result<OwnedDib> allocate_or_retry(ByteCount bytes) { return retried(bytes, allocate); }
+  static Result<OwnedDib> allocate_unset_or_retry(ByteCount bytes) { return retried(bytes, allocate_unset); }
 
-  // A DIB with `header` for its header and the colour table of another, whose first bytes, as far as the table goes, are `head`.
+  // A DIB of this header and another DIB's colour table; `head` is that DIB's bytes up to the table's end.
   static Result<OwnedDib> with_head(std::span<const uint8_t> head, const DibHeader& header, ByteCount image_bytes,
                                     Result<OwnedDib> (*make)(ByteCount) = allocate) {
     auto dib = make(ByteCount(head.size()) + image_bytes);
@@ -124,6 +124,7 @@ class OwnedDib {
     return dib;
   }
 
+  HGLOBAL handle() const { return block_.get(); }
   std::span<uint8_t> bytes() const { return lock_.bytes(); }
 
   [[nodiscard]] HGLOBAL release() {
@@ -132,6 +133,19 @@ class OwnedDib {
   }
 
  private:
+  static Result<OwnedDib> with_contents(ByteCount bytes, Contents contents) {
+    auto block = OwnedBlock::allocate(bytes, contents);
+    if (!block) return Error::kMemory;
+    auto lock = LockedBlock::lock(block->get());
+    if (!lock) return Error::kLock;
+    return OwnedDib(std::move(*block), std::move(*lock));
+  }
+
+  static Result<OwnedDib> retried(ByteCount bytes, Result<OwnedDib> (*make)(ByteCount)) {
+    auto dib = make(bytes);
+    return !dib && dib.error() == Error::kMemory ? make(bytes) : std::move(dib);
+  }
+
   OwnedDib(OwnedBlock block, LockedBlock lock) : block_(std::move(block)), lock_(std::move(lock)) {}
 
   OwnedBlock block_;

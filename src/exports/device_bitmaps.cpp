@@ -1,4 +1,4 @@
-// Palettes, device bitmaps, what converts to and from them, and what goes by way of them.
+// Palettes, device bitmaps, conversions to and from them, and operations that use them.
 #include <algorithm>
 
 #include <vorel32.h>
@@ -11,6 +11,7 @@
 #include "geometry/device_turn.h"
 
 using namespace vorel;
+using namespace vorel::geometry;
 
 namespace {
 
@@ -27,11 +28,8 @@ BOOL rewritten_bitmap(HBITMAP bitmap, DeviceTurn turn) {
 extern "C" {
 
 HPALETTE VORELCALL CreateDIBPalette(HGLOBAL dib) {
-  return object_for_caller([&]() -> Result<OwnedPalette> {
-    const auto locked = LockedDib::lock(dib);
-    if (!locked) return Error::kUnreported;
-    return palette_of(*locked);
-  });
+  return object_for_caller(
+      [&]() -> Result<OwnedPalette> { return palette_of(VOREL_TRY(or_error(LockedDib::lock(dib), Error::kUnreported))); });
 }
 
 HPALETTE VORELCALL GetCurrentPalette(void) { return object_for_caller(screen_palette); }
@@ -39,19 +37,13 @@ HPALETTE VORELCALL GetCurrentPalette(void) { return object_for_caller(screen_pal
 BOOL VORELCALL GetSystemPalette(RGBQUAD* colours) {
   return at_boundary(ThreadCode{}, [&]() -> Result<bool> {
     if (colours == nullptr) return Error::kUnreported;
-    const auto shown = screen_colors();
-    if (!shown) return shown.error();
-    std::ranges::copy(*shown, reinterpret_cast<Rgb*>(colours));
+    std::ranges::copy(VOREL_TRY(screen_colors()), reinterpret_cast<Rgb*>(colours));
     return true;
   });
 }
 
 HGLOBAL VORELCALL ConvertBitmapToDIB(HBITMAP bitmap, HPALETTE palette) {
-  return at_silent_boundary([&]() -> Result<HGLOBAL> {
-    auto dib = dib_of(bitmap, palette);
-    if (!dib) return dib.error();
-    return dib->release();
-  });
+  return at_silent_boundary([&] { return released(dib_of(bitmap, palette)); });
 }
 
 HBITMAP VORELCALL ConvertDIBToBitmap(HGLOBAL dib) {
@@ -68,18 +60,14 @@ HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap) {
 
 HBITMAP VORELCALL LoadBitmapFromFile(LPCSTR path) {
   return object_for_caller([&]() -> Result<OwnedBitmap> {
-    auto dib = load_dib(path);
-    if (!dib) return dib.error();
-    const OwnedBlock block(dib->release());
+    const OwnedBlock block(VOREL_TRY(released(load_dib(path))));
     return bitmap_of(block.get());
   });
 }
 
 BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palette) {
   return at_boundary(ThreadCode{}, [&]() -> Result<bool> {
-    auto dib = dib_of(bitmap, palette);
-    if (!dib) return dib.error();
-    const OwnedBlock block(dib->release());
+    const OwnedBlock block(VOREL_TRY(released(dib_of(bitmap, palette))));
     return save_dib(path, block.get());
   });
 }

@@ -5,6 +5,7 @@
 
 #include <vorel32.h>
 
+#include "core/layout.h"
 #include "dib/bitmap_file.h"
 #include "dib/inversion.h"
 #include "dib/packed_dib.h"
@@ -24,7 +25,7 @@ extern "C" {
 
 UINT VORELCALL PaletteSize(void* header) {
   if (header == nullptr) return 0;
-  // As far as a header of its size reaches; one of neither size has its depth in its first 16 bytes.
+  // No more than a header of its stated size has; one of any other size has its depth in its first 16 bytes.
   DibHeader whole{};
   std::memcpy(&whole.size, header, sizeof whole.size);
   std::memcpy(&whole, header, whole.size == kCoreHeaderBytes ? kCoreHeaderBytes : std::clamp(whole.size, 16u, kHeaderBytes));
@@ -49,14 +50,12 @@ BOOL VORELCALL InvertDIBPalette(HGLOBAL dib) {
 void VORELCALL InvertMonoDIB(HGLOBAL dib) {
   const auto locked = LockedDib::lock(dib);
   if (!locked || locked->header().depth != 1) return;
-  const DibHeader& header = locked->header();
-  if (const auto table = locked->complete(kHeaderBytes + 2 * sizeof(Rgb))) {
-    swap_colors(colors_in(*table)[0], colors_in(*table)[1]);
-    table->write_back();
+  const Layout layout = Layout::of(locked->header(), {.rows_at = RowsAt::kBehindFullTable});
+  if (const auto head = locked->complete(layout.offset)) {
+    swap_colors(colors_in(*head)[0], colors_in(*head)[1]);
+    head->write_back();
   }
-  if (header.width <= 0 || header.height <= 0) return;
-  const ByteCount pixels = row_stride(1, header.width) * static_cast<uint32_t>(header.height);
-  invert_bits(locked->part(kHeaderBytes + 2 * sizeof(Rgb), pixels));
+  invert_bits(locked->part(static_cast<size_t>(layout.offset.value()), layout.rows));
 }
 
 HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path) {

@@ -15,10 +15,9 @@ namespace {
 // Locks a DIB, runs `work` on it and hands the new DIB out.
 Result<HGLOBAL> made_from(HGLOBAL dib, Error no_handle, Error no_lock, auto&& work) {
   if (dib == nullptr) return no_handle;
-  const auto source = LockedDib::lock(dib);
-  if (!source) return no_lock;
+  const LockedDib source = VOREL_TRY(or_error(LockedDib::lock(dib), no_lock));
   const WaitCursor cursor;
-  return released(work(*source));
+  return released(work(source));
 }
 
 kernels::Interpolation interpolation_of(int mode) {
@@ -32,7 +31,8 @@ extern "C" {
 HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners) {
   return at_boundary(ClearedVariable(status), [&] {
     return made_from(dib, Error::kTurnParameter, Error::kTurnLock, [&](const LockedDib& source) {
-      return rotated(source, angle, method == 1 ? kernels::Stepping::kInteger : kernels::Stepping::kExact, corners);
+      return geometry::rotated(source, angle, method == 1 ? kernels::Stepping::kInteger : kernels::Stepping::kExact,
+                               corners);
     });
   });
 }
@@ -41,7 +41,8 @@ HGLOBAL VORELCALL SkewDIB(HGLOBAL dib, int direction, int offset, int* error, in
   set_thread_error(Error::kNone);
   return at_boundary(Both(ThreadCode{}, FailureVariable(error)), [&] {
     return made_from(dib, Error::kParameter, Error::kLock, [&](const LockedDib& source) {
-      return skewed(source, direction != 0 ? SkewDirection::kRows : SkewDirection::kColumns, offset, corners);
+      const auto moved = direction != 0 ? geometry::SkewDirection::kRows : geometry::SkewDirection::kColumns;
+      return geometry::skewed(source, moved, offset, corners);
     });
   });
 }
@@ -63,11 +64,11 @@ HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int x_factor,
 }
 
 BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second) {
-  return at_silent_boundary([&]() -> Result<BOOL> {
-    const auto source = LockedDib::lock(dib);
-    if (!source || first == nullptr || second == nullptr) return Error::kUnreported;
+  return at_silent_boundary([&]() -> Result<bool> {
+    const LockedDib source = VOREL_TRY(or_error(LockedDib::lock(dib), Error::kUnreported));
+    if (first == nullptr || second == nullptr) return Error::kUnreported;
     const WaitCursor cursor;
-    return cut(*source, line, {first, second});
+    return geometry::cut(source, line, {first, second});
   });
 }
 

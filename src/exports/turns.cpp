@@ -7,15 +7,15 @@
 #include "platform/user.h"
 
 using namespace vorel;
+using vorel::geometry::DibTurn;
 
 namespace {
 
 HGLOBAL turned_handle(HGLOBAL dib, DibTurn turn) {
   return at_silent_boundary([&]() -> Result<HGLOBAL> {
-    const auto source = LockedDib::lock(dib);
-    if (!source) return Error::kUnreported;
+    const LockedDib source = VOREL_TRY(or_error(LockedDib::lock(dib), Error::kUnreported));
     const WaitCursor cursor;
-    return released(turned(*source, turn));
+    return released(geometry::turned(source, turn));
   });
 }
 

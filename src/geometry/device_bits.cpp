@@ -4,7 +4,7 @@
 
 #include "kernels/turn/turn.h"
 
-namespace vorel {
+namespace vorel::geometry {
 namespace {
 
 constexpr uint32_t kBlockOrderFrom = 65'536;
@@ -26,7 +26,7 @@ void turn_plane(ConstDibView source, DibView result, int width_bytes, DeviceTurn
       return kernels::turn().quarter_turn(source, result,
                                           {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
     case DeviceTurn::kClockwise: {
-      // At 1 bit the picture's bottom row is not carried over and column 0 of the result stays zero. Callers count on it.
+      // A quirk that is kept: at 1 bit the picture's bottom row is dropped and column 0 of the result stays zero.
       const ConstDibView carried = source.depth() == 1 ? source.first_rows(std::max(height - 1, 0)) : source;
       return kernels::turn().quarter_turn(carried, result,
                                           {.first_column = height - 1, .column_step = -1, .first_row = 0, .row_step = 1});
@@ -72,4 +72,4 @@ void turn_device_bits(const DeviceBitsFormat& format, DeviceTurn turn, std::span
                turn);
 }
 
-}  // namespace vorel
+}  // namespace vorel::geometry

@@ -4,7 +4,7 @@
 #include "dib/packed_dib.h"
 #include "platform/user.h"
 
-namespace vorel {
+namespace vorel::geometry {
 namespace {
 
 // A bitmap selected into a memory context for a scope.
@@ -25,7 +25,7 @@ struct Extent {
 
 Extent extent_of(const BITMAP& facts) { return {facts.bmWidth, facts.bmHeight}; }
 
-// Combines from the left upper corner of `source` on.
+// Combines `source`, from its top left corner on, with the target.
 bool paint(const Canvas& target, Place at, Extent extent, const Canvas& source, DWORD operation) {
   return BitBlt(target.get(), at.x, at.y, extent.width, extent.height, source.get(), 0, 0, operation) != 0;
 }
@@ -50,7 +50,7 @@ bool paint_masked(Painting target, Place at, Painting source, HBITMAP mask, bool
   return paint(to, at, target.extent, through, SRCAND) && paint(to, at, target.extent, from, SRCPAINT);
 }
 
-// A copy of a DIB, as long as its header says. One that leaves its image size out gives a copy without pixels.
+// A copy of a DIB, as long as its header states. A quirk that is kept: a header without an image size gives a copy without pixels.
 Result<OwnedDib> copied(HGLOBAL source) {
   const auto locked = LockedDib::lock(source);
   if (!locked || !locked->has_header()) return Error::kCombineLock;
@@ -66,11 +66,8 @@ Result<OwnedDib> copied(HGLOBAL source) {
 }
 
 Result<OwnedBitmap> bitmap_for(HGLOBAL dib) {
-  const auto locked = LockedDib::lock(dib);
-  if (!locked) return Error::kCombineBitmap;
-  auto bitmap = bitmap_of(*locked);
-  if (!bitmap) return Error::kCombineBitmap;
-  return bitmap;
+  const LockedDib locked = VOREL_TRY(or_error(LockedDib::lock(dib), Error::kCombineBitmap));
+  return bitmap_of(locked).or_error(Error::kCombineBitmap);
 }
 
 }  // namespace
@@ -92,9 +89,7 @@ Result<bool> combine_bitmaps(Place at, HBITMAP* target, HBITMAP source, HBITMAP 
   if (!mask_facts || extent_of(*mask_facts) != extent_of(*source_facts)) return Error::kCombineSizes;
   OwnedBitmap converted;
   if (mask_facts->bmPlanes != 1 || mask_facts->bmBitsPixel != 1) {
-    auto monochrome = monochrome_copy(mask);
-    if (!monochrome) return monochrome.error();
-    converted = std::move(*monochrome);
+    converted = VOREL_TRY(monochrome_copy(mask));
     if (!converted) return Error::kUnreported;
     mask = converted.get();
   }
@@ -104,9 +99,8 @@ Result<bool> combine_bitmaps(Place at, HBITMAP* target, HBITMAP source, HBITMAP 
 Result<bool> combine_dibs(Place at, HGLOBAL* target, HGLOBAL source, HGLOBAL mask, bool flag) {
   if (source == nullptr || target == nullptr) return Error::kCombineParameter;
   if (*target == nullptr) {
-    auto copy = copied(source);
-    if (!copy) return copy.error();
-    *target = copy->release();
+    OwnedDib copy = VOREL_TRY(copied(source));
+    *target = copy.release();
     return true;
   }
   const WaitCursor cursor;
@@ -114,13 +108,11 @@ Result<bool> combine_dibs(Place at, HGLOBAL* target, HGLOBAL source, HGLOBAL mas
   if (!source_bitmap || !target_bitmap) return Error::kCombineBitmap;
   OwnedBitmap mask_bitmap;
   if (mask != nullptr) {
-    auto made = bitmap_for(mask);
-    if (!made) return Error::kCombineBitmap;
-    mask_bitmap = std::move(*made);
+    mask_bitmap = VOREL_TRY(bitmap_for(mask));
   }
   const auto locked = LockedDib::lock(*target);
   if (!locked) return Error::kCombineLock;
-  // What comes back has no run-length codes, and no room to be counted on.
+  // Pixels are read back uncompressed, for which a compressed target has no room.
   if (locked->header().compression != Compression::kNone) return Error::kCombineBitmap;
   HBITMAP painted = target_bitmap->get();
   const auto combined = combine_bitmaps(at, &painted, source_bitmap->get(), mask_bitmap.get(), flag);
@@ -128,4 +120,4 @@ Result<bool> combine_dibs(Place at, HGLOBAL* target, HGLOBAL source, HGLOBAL mas
   return combined;
 }
 
-}  // namespace vorel
+}  // namespace vorel::geometry

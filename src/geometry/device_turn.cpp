@@ -5,7 +5,7 @@
 #include "dib/device_bitmap.h"
 #include "platform/user.h"
 
-namespace vorel {
+namespace vorel::geometry {
 namespace {
 
 DeviceBitsFormat format_of(const BITMAP& facts) {
@@ -34,15 +34,13 @@ Result<OwnedBitmap> quarter_turned(HBITMAP bitmap, DeviceTurn turn) {
   if (!facts) return Error::kBitmapParameters;
   const WaitCursor cursor;
   const DeviceBitsFormat format = format_of(*facts);
-  const auto bits = turned_bits(bitmap, format, turn);
-  if (!bits) return bits.error();
-
+  const ZeroedBuffer bits = VOREL_TRY(turned_bits(bitmap, format, turn));
   const DeviceBitsFormat turned = turned_format(format, turn);
   BITMAP result = *facts;
   result.bmWidth = turned.width;
   result.bmHeight = turned.height;
   result.bmWidthBytes = turned.width_bytes;
-  result.bmBits = bits->bytes().data();
+  result.bmBits = bits.bytes().data();
   OwnedBitmap made(CreateBitmapIndirect(&result));
   if (!made) return Error::kCreateBitmap;
   return made;
@@ -52,9 +50,8 @@ Result<bool> turn_in_place(HBITMAP bitmap, DeviceTurn turn) {
   const auto facts = describe(bitmap);
   if (!facts) return Error::kBitmapParameters;
   const WaitCursor cursor;
-  const auto bits = turned_bits(bitmap, format_of(*facts), turn);
-  if (!bits) return bits.error();
-  SetBitmapBits(bitmap, static_cast<DWORD>(bits->bytes().size()), bits->bytes().data());
+  const ZeroedBuffer bits = VOREL_TRY(turned_bits(bitmap, format_of(*facts), turn));
+  SetBitmapBits(bitmap, static_cast<DWORD>(bits.bytes().size()), bits.bytes().data());
   return true;
 }
 
@@ -74,4 +71,4 @@ Result<bool> invert_in_place(HBITMAP bitmap) {
   return true;
 }
 
-}  // namespace vorel
+}  // namespace vorel::geometry

@@ -2,15 +2,18 @@
 #pragma once
 
 #include "dib/packed_dib.h"
+#include "frame/error.h"
 
-namespace vorel {
+namespace vorel::geometry {
 
+// Where the handles of the two parts go. Each is written once its block is allocated, null on failure; when the operation fails
+// later, they keep the handles of blocks that are freed again.
 struct CutHandles {
   HGLOBAL *first, *second;
 };
 
-// Cuts a picture `line` rows below its top. The lower part goes to a new DIB in `first`, the upper one to `second`; both are set
-// as soon as their blocks are there, or are not to be had, and keep the numbers of blocks that a failure has freed again.
-bool cut(const LockedDib& source, int32_t line, CutHandles parts);
+// Cuts a picture `line` rows below its top: the lower part becomes the first new DIB, the upper one the second. Every failure is
+// unreported.
+Result<bool> cut(const LockedDib& source, int32_t line, CutHandles parts);
 
-}  // namespace vorel
+}  // namespace vorel::geometry

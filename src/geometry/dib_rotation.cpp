@@ -2,7 +2,9 @@
 
 #include <cstdlib>
 
-namespace vorel {
+#include "dib/open_dib.h"
+
+namespace vorel::geometry {
 namespace {
 
 Error check(const DibHeader& header) {
@@ -17,8 +19,8 @@ struct Resolution {
   int32_t x, y;
 };
 
-// The two resolutions mixed by how far the angle is from the last quarter turn. The divisor is a little more than a quarter, so
-// that every quarter turn but none at all, the half turn too, counts as 90 degrees behind one and exchanges them.
+// The two resolutions, blended by how far the angle is past the last quarter turn. A quirk that is kept: the divisor is a little
+// more than 90, so every multiple of 90 degrees but 0 counts as 90 degrees past one. The half turn swaps the two as well.
 Resolution blended(const DibHeader& header, int angle) {
   constexpr double kInchesPerMetre = 39.37;
   const int dpi_x = static_cast<int>(header.x_per_metre / kInchesPerMetre);
@@ -40,7 +42,7 @@ void store(const std::array<kernels::Point, 4>& corners, int32_t* numbers) {
 DibHeader turned_header(DibHeader header, const kernels::Rotation& rotation, int angle) {
   header.width = static_cast<int32_t>(rotation.width);
   header.height = static_cast<int32_t>(rotation.height);
-  header.image_bytes = static_cast<uint32_t>(rows_bytes(header).value());
+  header.image_bytes = static_cast<uint32_t>(Layout::of(header).rows.value());
   const Resolution resolution = blended(header, angle);
   header.x_per_metre = resolution.x;
   header.y_per_metre = resolution.y;
@@ -57,17 +59,11 @@ Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, kernels::Steppi
   if (corners != nullptr) store(rotation.corners, corners);
   if (!rotation.is_countable()) return Error::kTurnMemory;
 
-  const auto whole = source.complete(bits_offset(header) + pixel_bytes(header));
-  if (!whole) return Error::kTurnMemory;
-  const auto head = whole->bytes().first(static_cast<size_t>(bits_offset(header).value()));
-  const DibHeader result_header = turned_header(header, rotation, angle);
-  auto result = OwnedDib::with_head(head, result_header, rows_bytes(result_header), OwnedDib::allocate_or_retry);
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source).or_error(Error::kTurnMemory));
+  auto result = NewDib::like(opened, turned_header(header, rotation, angle), OwnedDib::allocate_or_retry);
   if (!result) return result.error() == Error::kLock ? Error::kTurnLock : Error::kTurnMemory;
-
-  const auto target = pixels_at(result->bytes(), bits_offset(header), result_header);
-  if (has_pixels(header))
-    kernels::turn().rotate(pixels_at(whole->bytes(), bits_offset(header), header), target, rotation, stepping);
-  return result;
+  kernels::turn().rotate(opened.pixels(), result->pixels(), rotation, stepping);
+  return OwnedDib(std::move(*result));
 }
 
-}  // namespace vorel
+}  // namespace vorel::geometry

@@ -4,10 +4,10 @@
 #include "dib/packed_dib.h"
 #include "kernels/turn/turn.h"
 
-namespace vorel {
+namespace vorel::geometry {
 
-// A new DIB with the picture turned counter-clockwise by `angle` degrees. Once the source is found to be good, its turned corners
-// go to `corners`, eight numbers, unless that is null.
+// A new DIB with the picture turned counter-clockwise by `angle` degrees. The turned corners are stored in `corners`, eight
+// numbers, once the header has passed its checks; null means that they are not wanted.
 Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, kernels::Stepping stepping, int32_t* corners);
 
-}  // namespace vorel
+}  // namespace vorel::geometry

@@ -3,9 +3,10 @@
 #include <array>
 #include <limits>
 
+#include "dib/open_dib.h"
 #include "kernels/turn/turn.h"
 
-namespace vorel {
+namespace vorel::geometry {
 namespace {
 
 Error check(const DibHeader& header) {
@@ -15,7 +16,7 @@ Error check(const DibHeader& header) {
   return Error::kNone;
 }
 
-// Points as callers get them: from the top left corner of the result, clockwise, y downwards. Sums that leave 32 bits wrap.
+// Clockwise from the top left corner, y downwards from the result's top line. Sums wrap at 32 bits.
 std::array<int32_t, 8> corners_of(const DibHeader& header, SkewDirection direction, int32_t offset) {
   const auto sum = [](int32_t a, int64_t b) { return static_cast<int32_t>(a + b); };
   const int32_t width = header.width, height = header.height, negated = sum(0, -int64_t{offset});
@@ -29,7 +30,7 @@ std::array<int32_t, 8> corners_of(const DibHeader& header, SkewDirection directi
   } else if (offset > 0) {
     y0 = y1 = offset;
   } else {
-    // The lower edge as a whole: the corners tell the rectangle that the picture has grown to.
+    // A quirk that is kept: the whole lower edge moves, so the corners are those of the grown rectangle.
     y2 = y3 = sum(height, negated);
   }
   return corners;
@@ -48,19 +49,13 @@ Result<OwnedDib> skewed(const LockedDib& source, SkewDirection direction, int32_
   if (size > std::numeric_limits<int32_t>::max()) return Error::kMemory;
   grown = static_cast<int32_t>(size);
   if (result_header.width < 0 || result_header.height < 0) return Error::kMemory;
-  const ByteCount image = rows_bytes(result_header);
-  result_header.image_bytes = static_cast<uint32_t>(image.value());
+  result_header.image_bytes = static_cast<uint32_t>(Layout::of(result_header).rows.value());
 
-  const auto whole = source.complete(bits_offset(header) + pixel_bytes(header));
-  if (!whole) return Error::kMemory;
-  auto result =
-      OwnedDib::with_head(whole->bytes().first(static_cast<size_t>(bits_offset(header).value())), result_header, image);
-  if (!result || !has_pixels(header)) return result;
-
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source));
+  NewDib result = VOREL_TRY(NewDib::like(opened, result_header));
   const auto kernel = direction == SkewDirection::kRows ? kernels::turn().skew_rows : kernels::turn().skew_columns;
-  kernel(pixels_at(whole->bytes(), bits_offset(header), header),
-         pixels_at(result->bytes(), bits_offset(header), result_header), offset);
-  return result;
+  kernel(opened.pixels(), result.pixels(), offset);
+  return OwnedDib(std::move(result));
 }
 
-}  // namespace vorel
+}  // namespace vorel::geometry

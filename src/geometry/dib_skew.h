@@ -3,12 +3,12 @@
 
 #include "dib/packed_dib.h"
 
-namespace vorel {
+namespace vorel::geometry {
 
 enum class SkewDirection { kRows, kColumns };
 
-// A new DIB, larger by the offset, with the picture sheared by it. Once the source is found to be good, the corners of the sheared
-// picture go to `corners`, eight numbers, unless that is null.
+// A new DIB, larger by the offset, with the picture sheared by it. The corners of the sheared picture are stored in `corners`,
+// eight numbers, once the header has passed its checks; null means that they are not wanted.
 Result<OwnedDib> skewed(const LockedDib& source, SkewDirection direction, int32_t offset, int32_t* corners);
 
-}  // namespace vorel
+}  // namespace vorel::geometry

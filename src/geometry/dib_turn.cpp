@@ -1,15 +1,14 @@
 #include "geometry/dib_turn.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "dib/open_dib.h"
 #include "kernels/turn/turn.h"
 
-namespace vorel {
+namespace vorel::geometry {
 namespace {
 
-// Every result has room behind its pixels for the one that the counter-clockwise turn writes past the last row.
+// Every result has room behind its rows for the pixel that the counter-clockwise turn writes past the last one.
 constexpr uint32_t kSpareBytes = 4;
 
 constexpr bool is_quarter(DibTurn turn) { return turn == DibTurn::kClockwise || turn == DibTurn::kCounterClockwise; }
@@ -32,8 +31,8 @@ void move_pixels(ConstDibView source, DibView result, DibTurn turn) {
       return kernels::turn().quarter_turn(source, result,
                                           {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
     case DibTurn::kCounterClockwise:
-      // A deliberate oddity: everything goes one column further right than the picture asks for. Column 0 stays empty, and
-      // source row 0 goes to the column past the last: padding, the next row's first pixel, or the spare bytes.
+      // A quirk that is kept: every pixel lands one column too far right. Column 0 stays empty, and source row 0 goes to the
+      // column past the last: the row's padding, the next row's first pixel, or the spare bytes.
       return kernels::turn().quarter_turn(source, result.with_width(height + 1),
                                           {.first_column = height, .column_step = -1, .first_row = 0, .row_step = 1});
     case DibTurn::kHalf: return kernels::turn().half_turn(source, result);
@@ -52,14 +51,11 @@ Result<OwnedDib> turned(const LockedDib& source, DibTurn turn) {
   if (header.size < kHeaderBytes || header.width < 0 || header.height < 0) return Error::kUnreported;
 
   const DibHeader result_header = is_quarter(turn) ? quarter_turned_header(header) : header;
-  const ByteCount image = Layout::of(result_header, kRule).rows + kSpareBytes;
-  NewDib result = VOREL_TRY(NewDib::make(result_header, image, kRule).or_error(Error::kUnreported));
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kRule).or_error(Error::kUnreported));
-
-  std::ranges::copy(opened.head(), result.head().begin());
-  write_header(result.bytes(), result_header);
+  NewDib result =
+      VOREL_TRY(NewDib::like(opened, result_header, OwnedDib::allocate, kSpareBytes).or_error(Error::kUnreported));
   move_pixels(opened.pixels(), result.pixels(), turn);
   return OwnedDib(std::move(result));
 }
 
-}  // namespace vorel
+}  // namespace vorel::geometry

@@ -4,12 +4,12 @@
 #include "dib/packed_dib.h"
 #include "frame/error.h"
 
-namespace vorel {
+namespace vorel::geometry {
 
-// Named for what a person sees, rows being stored bottom-up.
+// Named as a person sees them; rows are stored bottom-up.
 enum class DibTurn { kClockwise, kHalf, kCounterClockwise, kTopBottom, kLeftRight };
 
 // A new DIB with the picture turned. Every failure is unreported.
 Result<OwnedDib> turned(const LockedDib& source, DibTurn turn);
 
-}  // namespace vorel
+}  // namespace vorel::geometry

@@ -45,12 +45,16 @@ class LockedBlock {
   std::span<uint8_t> bytes_;
 };
 
+// What a new block holds. Memory that is overwritten whole need not be cleared first.
+enum class Contents { kZero, kUnset };
+
 // A global block that is freed with its scope unless it is released to the caller.
 class OwnedBlock {
  public:
-  // A movable, zero-filled block; none when memory is short or no block can be that large.
-  static std::optional<OwnedBlock> allocate(ByteCount bytes) {
-    HGLOBAL handle = bytes.fits_block() ? GlobalAlloc(GHND, static_cast<size_t>(bytes.value())) : nullptr;
+  // A movable block; none when memory is short or no block can be that large.
+  static std::optional<OwnedBlock> allocate(ByteCount bytes, Contents contents = Contents::kZero) {
+    const UINT flags = contents == Contents::kZero ? GHND : GMEM_MOVEABLE;
+    HGLOBAL handle = bytes.fits_block() ? GlobalAlloc(flags, static_cast<size_t>(bytes.value())) : nullptr;
     if (handle == nullptr) return std::nullopt;
     return OwnedBlock(handle);
   }

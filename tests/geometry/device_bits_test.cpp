@@ -5,7 +5,7 @@
 
 #include "support/dib.h"
 
-using namespace vorel;
+using namespace vorel::geometry;
 using test::Bytes;
 
 namespace {

@@ -3,51 +3,51 @@
 #include <array>
 #include <cstddef>
 
-// C libraries differ in the last bit of sine and cosine, and so would the pictures. These are power series in numbers of twice
-// the precision, worked out while compiling.
+// C libraries differ in the last bit of sine and cosine, and pictures would differ with them. These are power series in
+// double-double arithmetic, evaluated at compile time.
 namespace vorel::kernels {
 namespace {
 
-// The sum of two doubles, the second too small to change the first.
-struct Twin {
+// The unevaluated sum of two doubles; the low one is too small to change the high one.
+struct DoubleDouble {
   double high = 0, low = 0;
 };
 
-constexpr Twin sum_of(double a, double b) {
+constexpr DoubleDouble sum_of(double a, double b) {
   const double sum = a + b, b_in_sum = sum - a;
   return {sum, (a - (sum - b_in_sum)) + (b - b_in_sum)};
 }
 
-constexpr Twin split(double a) {
+constexpr DoubleDouble split(double a) {
   const double shifted = a * 0x1p27 + a, high = shifted - (shifted - a);
   return {high, a - high};
 }
 
-constexpr Twin product_of(double a, double b) {
-  const Twin x = split(a), y = split(b);
+constexpr DoubleDouble product_of(double a, double b) {
+  const DoubleDouble x = split(a), y = split(b);
   const double product = a * b;
   return {product, ((x.high * y.high - product) + x.high * y.low + x.low * y.high) + x.low * y.low};
 }
 
-constexpr Twin operator+(Twin a, Twin b) {
-  const Twin sum = sum_of(a.high, b.high);
+constexpr DoubleDouble operator+(DoubleDouble a, DoubleDouble b) {
+  const DoubleDouble sum = sum_of(a.high, b.high);
   return sum_of(sum.high, sum.low + (a.low + b.low));
 }
 
-constexpr Twin operator*(Twin a, Twin b) {
-  const Twin product = product_of(a.high, b.high);
+constexpr DoubleDouble operator*(DoubleDouble a, DoubleDouble b) {
+  const DoubleDouble product = product_of(a.high, b.high);
   return sum_of(product.high, product.low + (a.high * b.low + a.low * b.high));
 }
 
-constexpr Twin operator/(Twin a, double divisor) {
+constexpr DoubleDouble operator/(DoubleDouble a, double divisor) {
   const double quotient = a.high / divisor;
-  const Twin back = product_of(quotient, divisor);
+  const DoubleDouble back = product_of(quotient, divisor);
   return sum_of(quotient, ((a.high - back.high) - back.low + a.low) / divisor);
 }
 
-// first - first x^2 / (n (n + 1)) + ..., where the divisors go on with the next two numbers in each term.
-constexpr double alternating_series(Twin first, Twin x_squared, int n) {
-  Twin sum, term = first;
+// first - first x^2 / (n (n + 1)) + ...; each term continues with the next two divisors.
+constexpr double alternating_series(DoubleDouble first, DoubleDouble x_squared, int n) {
+  DoubleDouble sum, term = first;
   for (; term.high > 1e-40 || term.high < -1e-40; n += 2) {
     sum = sum + term;
     term = term * x_squared / (-1.0 * n * (n + 1));
@@ -56,7 +56,7 @@ constexpr double alternating_series(Twin first, Twin x_squared, int n) {
 }
 
 constexpr Direction direction_at(double radians) {
-  const Twin x{radians, 0}, x_squared = x * x;
+  const DoubleDouble x{radians, 0}, x_squared = x * x;
   return {alternating_series(x, x_squared, 2), alternating_series({1, 0}, x_squared, 1)};
 }
 

@@ -1,0 +1,135 @@
+// For tests of kernels: memory that ends, or begins, at a page without access, and the instruction sets of this machine.
+//
+//   for_each_level([&](CpuLevel level) {
+//     for (const Edge edge : kEdges) {
+//       const GuardedRows source(noise(33, 17, 8), 1, edge);    // a DIB's rows, misaligned: 1 byte between them
+//       GuardedRows result({17, 33}, 8, 3, edge);               // noise, so that pixels that a kernel leaves out show
+//       kernels::turn(level).quarter_turn(source.view(), result.view(), turn);
+//       EXPECT_EQ(result.pixels(), expected.pixels());
+//     }
+//   });
+#pragma once
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <new>
+#include <span>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
+#include "core/view.h"
+#include "kernels/levels.h"
+#include "support/dib.h"
+#include "support/picture.h"
+
+namespace test {
+
+// Runs the work at each level that this machine has.
+template <class Work>
+void for_each_level(Work work) {
+  for (const vorel::CpuLevel level : vorel::kCpuLevels) {
+    if (level > vorel::highest_cpu_level()) continue;
+    SCOPED_TRACE(vorel::name_of(level));
+    work(level);
+  }
+}
+
+// The side on which memory touches a page without access.
+enum class Edge { kBegin, kEnd };
+inline constexpr Edge kEdges[] = {Edge::kBegin, Edge::kEnd};
+
+// Memory between two pages without access, filled with noise.
+class GuardedBytes {
+ public:
+  GuardedBytes(size_t size, Edge edge) : size_(size), room_((size + page() - 1) / page() * page() + 2 * page()) {
+#ifdef _WIN32
+    memory_ = static_cast<uint8_t*>(VirtualAlloc(nullptr, room_, MEM_RESERVE, PAGE_NOACCESS));
+    if (memory_ == nullptr) throw std::bad_alloc();
+    if (size != 0) VirtualAlloc(memory_ + page(), room_ - 2 * page(), MEM_COMMIT, PAGE_READWRITE);
+#else
+    void* memory = mmap(nullptr, room_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) throw std::bad_alloc();
+    memory_ = static_cast<uint8_t*>(memory);
+    mprotect(memory_ + page(), room_ - 2 * page(), PROT_READ | PROT_WRITE);
+#endif
+    first_ = edge == Edge::kBegin ? memory_ + page() : memory_ + room_ - page() - size;
+    uint32_t state = 12'345;
+    for (uint8_t& byte : bytes()) byte = static_cast<uint8_t>((state = state * 1'664'525 + 1'013'904'223) >> 24);
+  }
+  GuardedBytes(const Bytes& content, Edge edge) : GuardedBytes(content.size(), edge) {
+    std::ranges::copy(content, bytes().begin());
+  }
+  GuardedBytes(const GuardedBytes&) = delete;
+  GuardedBytes& operator=(const GuardedBytes&) = delete;
+  ~GuardedBytes() {
+#ifdef _WIN32
+    VirtualFree(memory_, 0, MEM_RELEASE);
+#else
+    munmap(memory_, room_);
+#endif
+  }
+
+  std::span<uint8_t> bytes() const { return {first_, size_}; }
+
+ private:
+  static size_t page() {
+#ifdef _WIN32
+    return 4096;
+#else
+    static const auto size = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    return size;
+#endif
+  }
+
+  size_t size_, room_;
+  uint8_t* memory_ = nullptr;
+  uint8_t* first_ = nullptr;
+};
+
+// Rows of pixels in guarded memory, some bytes apart. Nothing follows the pixels of the last row.
+class GuardedRows {
+ public:
+  GuardedRows(vorel::Size size, int depth, size_t gap, Edge edge)
+      : size_(size),
+        depth_(depth),
+        stride_(vorel::row_bytes(depth, size.width) + gap),
+        memory_(size.height == 0 ? 0 : stride_ * static_cast<size_t>(size.height) - gap, edge) {}
+
+  // With the pixels of a packed DIB.
+  GuardedRows(const Bytes& dib, size_t gap, Edge edge) : GuardedRows(Picture(dib), gap, edge) {}
+
+  vorel::DibView view() const {
+    return {memory_.bytes().data(), static_cast<std::ptrdiff_t>(stride_), size_.width, size_.height, depth_};
+  }
+
+  // The bytes that hold pixels, and the other ones.
+  Bytes pixels() const { return collected(true); }
+  Bytes gaps() const { return collected(false); }
+
+ private:
+  GuardedRows(const Picture& picture, size_t gap, Edge edge)
+      : GuardedRows({picture.width, picture.height}, picture.depth, gap, edge) {
+    for (int y = 0; y < size_.height; ++y)
+      std::copy_n(picture.bytes.data() + picture.index(0, y), view().row(y).size(), view().row(y).begin());
+  }
+
+  Bytes collected(bool are_pixels) const {
+    const size_t row = vorel::row_bytes(depth_, size_.width);
+    Bytes found;
+    for (size_t i = 0; i < memory_.bytes().size(); ++i)
+      if ((i % stride_ < row) == are_pixels) found.push_back(memory_.bytes()[i]);
+    return found;
+  }
+
+  vorel::Size size_;
+  int depth_;
+  size_t stride_;
+  GuardedBytes memory_;
+};
+
+}  // namespace test
