@@ -1,0 +1,165 @@
+// Packed DIBs of every kind, valid and damaged, drawn from a seeded sequence.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <fmt/format.h>
+#include <initializer_list>
+#include <limits>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include <vorel32.h>
+
+using Bytes = std::vector<uint8_t>;
+
+// Draws the same numbers on every platform (SplitMix64), unlike the standard library's distributions. Compilers choose the order in
+// which arguments are evaluated: draw at most once in an argument list, or within braces.
+class Random {
+ public:
+  explicit Random(uint64_t seed) : state_(seed) {}
+
+  uint32_t next() {
+    uint64_t z = state_ += 0x9E3779B97F4A7C15;
+    z = (z ^ z >> 30) * 0xBF58476D1CE4E5B9;
+    z = (z ^ z >> 27) * 0x94D049BB133111EB;
+    return static_cast<uint32_t>(z >> 32);
+  }
+  uint8_t byte() { return static_cast<uint8_t>(next()); }
+
+  // Both limits included.
+  int between(int low, int high) { return low + static_cast<int>(next() % static_cast<uint32_t>(high - low + 1)); }
+  bool once_in(int n) { return between(1, n) == 1; }
+  int one_of(std::initializer_list<int> values) { return values.begin()[between(0, static_cast<int>(values.size()) - 1)]; }
+
+  // Mostly within the limits; now and then just outside, or far away.
+  int number(int low, int high) {
+    if (!once_in(20)) return between(low, high);
+    constexpr int kLeast = std::numeric_limits<int>::min(), kMost = std::numeric_limits<int>::max();
+    return one_of({low - 1, high + 1, 0, -1, 0x10000 + low, kMost, kLeast});
+  }
+
+ private:
+  uint64_t state_;
+};
+
+struct RandomPicture {
+  BITMAPINFOHEADER header;
+  Bytes bytes;
+  std::string name;  // Depth, width, height, biClrUsed, colours, content, oddities.
+};
+
+namespace random_picture_parts {
+
+inline void draw_size(Random& random, BITMAPINFOHEADER& header) {
+  const int kind = random.between(0, 19);
+  header.biWidth = kind == 0 ? random.between(301, 3000) : random.between(1, kind < 8 ? 40 : 300);
+  header.biHeight = kind == 1 ? random.between(301, 3000) : random.between(1, kind < 8 ? 40 : 140);
+  if (kind == 0) header.biHeight = random.between(1, 24);
+  if (kind == 1) header.biWidth = random.between(1, 24);
+}
+
+inline const char* draw_colors(Random& random, uint8_t* table, int count) {
+  const int kind = random.between(0, 9);
+  const bool has_noise_between = random.once_in(3);
+  for (int i = 0; i < count; ++i, table += 4) {
+    const auto level = static_cast<uint8_t>(count == 1 ? 0 : i * 255 / (count - 1));
+    const uint8_t gray = kind < 3 ? level : kind < 5 ? static_cast<uint8_t>(255 - level) : random.byte();
+    for (int k = 0; k < 3; ++k)
+      table[k] = kind < 7 ? gray : kind == 7 ? static_cast<uint8_t>(random.one_of({0, 255})) : random.byte();
+    table[3] = has_noise_between ? random.byte() : uint8_t{0};
+  }
+  return kind < 3 ? "ramp" : kind < 5 ? "falling" : kind < 7 ? "greys" : kind == 7 ? "corners" : "colours";
+}
+
+// Row padding and the bytes behind the rows are drawn like the rows.
+inline const char* draw_bytes(Random& random, uint8_t* bytes, size_t count) {
+  const int kind = random.between(0, 5);
+  const uint8_t flat = random.byte(), step = static_cast<uint8_t>(random.between(1, 7));
+  uint8_t ink = 0;
+  for (size_t i = 0; i < count; ++i) {
+    if (kind == 1 && random.once_in(4)) ink = random.once_in(3) ? random.byte() : static_cast<uint8_t>(~ink);
+    switch (kind) {
+      case 0: bytes[i] = random.byte(); break;
+      case 1: bytes[i] = ink; break;
+      case 2: bytes[i] = random.once_in(40) ? random.byte() : flat; break;
+      case 3: bytes[i] = static_cast<uint8_t>(i * step / 4); break;
+      case 4: bytes[i] = static_cast<uint8_t>(random.one_of({0, 255})); break;
+      default: bytes[i] = static_cast<uint8_t>(128 + random.between(-9, 9) + static_cast<int>(i / 64 % 64)); break;
+    }
+  }
+  constexpr const char* kNames[] = {"noise", "strokes", "specks", "gradient", "extremes", "texture"};
+  return kNames[kind];
+}
+
+// Header fields that lie or are rare.
+inline void draw_oddities(Random& random, size_t row_bytes, RandomPicture& picture) {
+  BITMAPINFOHEADER& header = picture.header;
+  const auto odd = [&](int chance, const char* name, auto& field, int value) {
+    if (!random.once_in(chance)) return;
+    field = static_cast<std::remove_reference_t<decltype(field)>>(value);
+    picture.name += fmt::format(" {} {}", name, value);
+  };
+  const int image = random.one_of({0, 0, static_cast<int>(row_bytes), random.between(1, 200'000)});
+  odd(1, "image", header.biSizeImage, image);
+  odd(30, "planes", header.biPlanes, random.one_of({0, 2, 3}));
+  odd(30, "compression", header.biCompression, random.between(1, 4));
+  odd(50, "height", header.biHeight, -header.biHeight);
+  odd(150, "height", header.biHeight, 0);
+  odd(150, "width", header.biWidth, random.one_of({0, -header.biWidth}));
+  odd(25, "head", header.biSize, random.one_of({0, 12, 64, 108}));
+}
+
+// The header in memory, as long as it states.
+inline Bytes head_of(const BITMAPINFOHEADER& header) {
+  Bytes head(std::max<size_t>(header.biSize, sizeof header), 0x5A);
+  std::memcpy(head.data(), &header, sizeof header);
+  if (header.biSize != sizeof(BITMAPCOREHEADER)) return head;
+  const BITMAPCOREHEADER core{header.biSize, static_cast<WORD>(header.biWidth), static_cast<WORD>(header.biHeight),
+                              header.biPlanes, header.biBitCount};
+  head.resize(sizeof core);
+  std::memcpy(head.data(), &core, sizeof core);
+  return head;
+}
+
+}  // namespace random_picture_parts
+
+// Mostly of one of the depths.
+inline RandomPicture random_picture(Random& random, std::initializer_list<int> depths) {
+  using namespace random_picture_parts;
+  RandomPicture picture{};
+  BITMAPINFOHEADER& header = picture.header;
+  header.biSize = sizeof header;
+  header.biPlanes = 1;
+  const int depth = random.once_in(16) ? random.one_of({0, 1, 2, 4, 8, 16, 24, 32}) : random.one_of(depths);
+  header.biBitCount = static_cast<WORD>(depth);
+  draw_size(random, header);
+  header.biXPelsPerMeter = random.between(0, 20'000);
+  header.biYPelsPerMeter = random.between(0, 20'000);
+  const int implied = depth <= 8 ? 1 << depth : 0;
+  int used = random.once_in(3) ? implied : 0;
+  if (random.once_in(8)) used = random.between(1, implied + 40);
+  header.biClrUsed = static_cast<uint32_t>(used);
+  header.biClrImportant = random.once_in(8) ? 2 : 0;
+
+  const size_t stride = (static_cast<size_t>(depth) * static_cast<size_t>(header.biWidth) + 31) / 32 * 4;
+  const size_t row_bytes = stride * static_cast<size_t>(header.biHeight);
+  const int colors = used != 0 ? used : implied;
+  const size_t table_bytes = static_cast<size_t>(colors) * 4;
+  Bytes rest(table_bytes + row_bytes + 64);
+  const std::string color_name = draw_colors(random, rest.data(), colors);
+  const std::string content = draw_bytes(random, rest.data() + table_bytes, row_bytes + 64);
+  picture.name = fmt::format("{}x{}x{} {} {} {}", depth, header.biWidth, header.biHeight, used, color_name, content);
+  draw_oddities(random, row_bytes, picture);
+
+  picture.bytes = head_of(header);
+  picture.bytes.insert(picture.bytes.end(), rest.begin(), rest.end() - 64);
+  const int end = random.between(0, 15), size = static_cast<int>(picture.bytes.size());
+  const int more = end < 3 ? random.between(1, 64) : end == 3 ? random.between(-size, -1) : 0;
+  if (more > 0) picture.bytes.insert(picture.bytes.end(), rest.end() - 64, rest.end() - 64 + more);
+  if (more < 0) picture.bytes.resize(picture.bytes.size() - static_cast<size_t>(-more));
+  if (more != 0) picture.name += fmt::format(" block {:+}", more);
+  return picture;
+}
