@@ -13,7 +13,9 @@
 #include <cstdlib>
 #include <exception>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "random_call.h"
 
@@ -97,8 +99,8 @@ void scale(Call& call) {
     height = std::abs(static_cast<int>(call.header().biHeight)) * quarters / 4;
   }
   if (call.random.once_in(40)) {
-    width = call.random.one_of({0, 65'535, 65'536, 65'541});
-    height = call.random.one_of({0, 1, 2, 65'538});
+    const int large = call.random.one_of({0, 65'535, 65'536, 65'541}), small = call.random.between(0, 2);
+    std::tie(width, height) = call.random.once_in(2) ? std::pair(large, small) : std::pair(small, large);
   }
   call.told(width), call.told(height);
   call.begin();
