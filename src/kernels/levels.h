@@ -8,10 +8,10 @@ namespace vorel {
 
 // Each level includes the ones before it. The names are those of the namespaces, of the build's object libraries and of the
 // environment variable.
-enum class CpuLevel { kSse2, kSse41, kAvx2 };
-inline constexpr CpuLevel kCpuLevels[] = {CpuLevel::kSse2, CpuLevel::kSse41, CpuLevel::kAvx2};
+enum class CpuLevel { kSse2, kSse41, kAvx2, kAvx512 };
+inline constexpr CpuLevel kCpuLevels[] = {CpuLevel::kSse2, CpuLevel::kSse41, CpuLevel::kAvx2, CpuLevel::kAvx512};
 
-// "sse2", "sse41", "avx2".
+// "sse2", "sse41", "avx2", "avx512".
 std::string_view name_of(CpuLevel level);
 
 // The highest level that this machine and its system support.

@@ -5,20 +5,24 @@
 #include <cstdint>
 #include <span>
 #ifdef __SSSE3__
-#include <tmmintrin.h>
+#include <immintrin.h>
 #endif
 
 #include "core/arena.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// Bytes are picked in blocks of sixteen. A block's positions are seen through windows of sixteen bytes, one behind the other, by
-// as many shuffles; where positions lie too far apart for that, one by one.
+// Bytes are picked in blocks. A block's positions are seen through windows, one behind the other, by as many shuffles; where
+// positions lie too far apart for that, one by one.
 class ByteGather {
  public:
-  static constexpr size_t kBlock = 16;
-  // Bytes that are read behind the last position.
-  static constexpr size_t kOverread = 64;
+#ifdef __AVX512VBMI__
+  static constexpr size_t kBlock = 64, kWindow = 128;
+#else
+  static constexpr size_t kBlock = 16, kWindow = 16;
+#endif
+  // Bytes that are read behind the last position, and at most so many are written behind the last one asked for.
+  static constexpr size_t kOverread = 256, kOverwrite = 63;
 
   // `positions` lives as long as the gather. Takes two bytes of the arena for each of them.
   ByteGather(std::span<const uint32_t> positions, Arena& arena)
@@ -35,17 +39,19 @@ class ByteGather {
         relative_[block * kBlock + i] = static_cast<uint8_t>(at(i) - first_[block]);
       }
     }
-    windows_ = widest / static_cast<uint32_t>(kBlock) + 1;
+    windows_ = widest / static_cast<uint32_t>(kWindow) + 1;
   }
 
-  // The bytes from `begin`, where a block begins, to before `end`. Writes whole blocks: up to fifteen bytes more.
+  // The bytes from `begin`, where a block begins, to before `end`. Writes whole blocks.
   void pick(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
     switch (windows_) {
 #ifdef __SSSE3__
       case 1: return shuffle<1>(row, begin, end, to);
       case 2: return shuffle<2>(row, begin, end, to);
+#ifndef __AVX512VBMI__
       case 3: return shuffle<3>(row, begin, end, to);
       case 4: return shuffle<4>(row, begin, end, to);
+#endif
 #endif
       default: break;
     }
@@ -53,17 +59,31 @@ class ByteGather {
   }
 
  private:
-#ifdef __SSSE3__
+#ifdef __AVX512VBMI__
   template <int kWindows>
   void shuffle(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
-    const __m128i width = _mm_set1_epi8(kBlock),
+    for (size_t i = begin; i < end; i += kBlock, to += kBlock) {
+      const uint8_t* const from = row + first_[i / kBlock];
+      const __m512i at = _mm512_loadu_si512(relative_.data() + i);
+      __m512i picked = _mm512_permutex2var_epi8(_mm512_loadu_si512(from), at, _mm512_loadu_si512(from + 64));
+      if constexpr (kWindows == 2) {
+        const __m512i further = _mm512_permutex2var_epi8(_mm512_loadu_si512(from + 128), at, _mm512_loadu_si512(from + 192));
+        picked = _mm512_mask_mov_epi8(picked, _mm512_movepi8_mask(at), further);
+      }
+      _mm512_storeu_si512(to, picked);
+    }
+  }
+#elif defined(__SSSE3__)
+  template <int kWindows>
+  void shuffle(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
+    const __m128i width = _mm_set1_epi8(kWindow),
                   beyond = _mm_set1_epi8(0x70);  // lifts 16 and more to where a shuffle gives 0
     for (size_t i = begin; i < end; i += kBlock, to += kBlock) {
       const uint8_t* const from = row + first_[i / kBlock];
       __m128i at = _mm_loadu_si128(reinterpret_cast<const __m128i*>(relative_.data() + i));
       __m128i picked = _mm_setzero_si128();
       for (int window = 0; window < kWindows; ++window) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + window * static_cast<int>(kBlock)));
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + window * static_cast<int>(kWindow)));
         picked = _mm_or_si128(picked, _mm_shuffle_epi8(bytes, window + 1 < kWindows ? _mm_adds_epu8(at, beyond) : at));
         at = _mm_sub_epi8(at, width);
       }
