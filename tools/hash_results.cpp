@@ -132,16 +132,16 @@ void cut(Call& call) {
   call.result(second);
 }
 
-// Drags the square about, and sometimes exchanges the picture under it.
+// Drags the square about, and sometimes changes to the other picture.
 void histogram(Call& call) {
   const auto compute = call.entry<decltype(&::ComputeHistogram)>();
   int error = kUntouched;
   HGLOBAL counters = compute(nullptr, IMG_ALLOCATE, nullptr, nullptr, &error);
-  HGLOBAL dib = call.picture({8});
+  HGLOBAL dib = call.picture({8}), other = call.picture({8});
   call.begin();
   std::array<int, 2> origin{call.random.between(-20, 300), call.random.between(-20, 300)};
   for (int step = call.random.between(1, 6); step > 0; --step) {
-    if (call.random.once_in(8)) dib = call.picture({8});
+    if (call.random.once_in(8)) std::swap(dib, other);
     const int operation = call.random.once_in(30) ? 33 : IMG_COMPUTE;
     call.results(origin);
     HGLOBAL counted = compute(dib, operation, counters, origin.data(), &error);

@@ -75,7 +75,7 @@ class Call {
     const int kind = random.between(0, 299);
     if (kind == 0) return fmt::print(" [null]"), nullptr;
     HGLOBAL handle = block(drawn.bytes, drawn.name);
-    if (kind == 1) fmt::print(" [freed]"), library_.GlobalFree(std::exchange(sources_.back().block, nullptr));
+    if (kind == 1) fmt::print(" [freed]"), sources_.back().is_dead = true;
     return handle;
   }
   // The last picture's.
@@ -97,6 +97,8 @@ class Call {
   void begin() {
     fmt::print(" ->");
     std::fflush(stdout);
+    for (Source& source : sources_)  // Last, since a new block could take over the handle.
+      if (source.is_dead) library_.GlobalFree(std::exchange(source.block, nullptr));
     library_.SetImgError(kCodeBefore);
   }
 
@@ -128,6 +130,7 @@ class Call {
   struct Source {
     HGLOBAL block;
     Bytes bytes;
+    bool is_dead = false;
   };
 
   bool is_source(HGLOBAL handle) const {
