@@ -147,6 +147,14 @@ Mapping set_up_mapping(ImgDisplayLayout& layout, Offsets offsets) {
   return mapping;
 }
 
+bool is_moved_by(Point way, const Mapping& before, const Mapping& after) {
+  const auto moves = [](int distance, const AxisMapping& from, const AxisMapping& to) {
+    return from.window == to.window && from.viewport == to.viewport &&
+           (int64_t{from.origin} - to.origin) * to.viewport == int64_t{distance} * to.window;
+  };
+  return moves(way.x, before.x, after.x) && moves(way.y, before.y, after.y);
+}
+
 void set_scroll_ranges(ImgDisplayLayout& layout, const Mapping& mapping) {
   const Box image = image_box(layout, mapping.without_origin());
   layout.hScrollMin = layout.hScrollMax = layout.vScrollMin = layout.vScrollMax = -1;
@@ -190,6 +198,11 @@ Box visible_part(const ImgDisplayLayout& layout, const Mapping& mapping, const B
           rounded_up(part.bottom, mapping.y.window, layout.imageHeight)};
   if (whole_rows) std::tie(part.left, part.right) = std::pair(0, layout.imageWidth);
   return part;
+}
+
+bool shows_whole_groups(const ImgDisplayLayout& layout, const Mapping& mapping, bool whole_rows) {
+  const Box part = visible_part(layout, mapping, client_box(layout), whole_rows);
+  return (whole_rows || part.right % mapping.x.window == 0) && part.bottom % mapping.y.window == 0;
 }
 
 int dots_per_inch(int pixels_per_metre) {

@@ -53,6 +53,9 @@ enum class Offsets { kReset, kKeep };
 // The mapping that a display's options, zoom and resolutions ask for; notes in the layout where its origins lie.
 Mapping set_up_mapping(ImgDisplayLayout& layout, Offsets offsets);
 
+// Whether each logical point lies exactly `way` device units further under `after`; a rounded origin makes it less or more.
+bool is_moved_by(Point way, const Mapping& before, const Mapping& after);
+
 // The ranges span the whole image, not the image less the window.
 void set_scroll_ranges(ImgDisplayLayout& layout, const Mapping& mapping);
 
@@ -71,6 +74,10 @@ Box image_box(const ImgDisplayLayout& layout, const Mapping& mapping);
 // The part of the image that painting `painted`, in device units, has to draw: some pixels more on every side, and whole
 // groups of image pixels, so that what is drawn in parts fits together. `whole_rows` is for what is drawn row by row.
 Box visible_part(const ImgDisplayLayout& layout, const Mapping& mapping, const Box& painted, bool whole_rows);
+
+// Whether the client area shows no part of a group that the image's end cuts off. Such a group is scaled together with all that
+// is drawn with it, so that it comes out alike only when the same part is drawn.
+bool shows_whole_groups(const ImgDisplayLayout& layout, const Mapping& mapping, bool whole_rows);
 
 // Dots per inch of so many pixels per metre; 0 where these say nothing.
 int dots_per_inch(int pixels_per_metre);

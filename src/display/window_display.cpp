@@ -152,6 +152,9 @@ void draw_dib(HDC dc, HGLOBAL dib, const ImgDisplayLayout& layout, Rect to, Rect
   if (const auto whole = DeviceDib::of(*locked)) whole->stretch(dc, to, from, operation);
 }
 
+// A DIB is handed to the system in whole rows.
+bool draws_whole_rows(const ImgDisplayState& state) { return state.bitmap == nullptr; }
+
 // By the mapping's own whole numbers, which tell what is around the image too; the context counts in pixels.
 void draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   ImgDisplayLayout& layout = state.layout;
@@ -166,7 +169,7 @@ void draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   }
   SetBkMode(dc, OPAQUE);
   const PaletteSelection selection(dc, state.palette, PaletteUse::kBackground);
-  const Box part = visible_part(layout, mapping, painted, state.bitmap == nullptr);
+  const Box part = visible_part(layout, mapping, painted, draws_whole_rows(state));
   if (part.is_empty()) return;
   const Rect to = area_of(mapping.to_device(part)), from = area_of(part);
   const DWORD operation = layout.flags & IMG_DISPLAY_INVERTED ? NOTSRCCOPY : SRCCOPY;
@@ -201,15 +204,6 @@ ScrollAxis axis_of(const ImgDisplayLayout& layout, const Mapping& mapping, Direc
           static_cast<int>(client.height())};
 }
 
-void paint_strip(HWND window, HRGN unpainted, const Box& strip) {
-  if (strip.is_empty()) return;
-  const RECT rect = rect_of(strip);
-  InvalidateRect(window, &rect, FALSE);
-  UpdateWindow(window);
-  const OwnedRegion painted(CreateRectRgnIndirect(&rect));
-  CombineRgn(unpainted, unpainted, painted.get(), RGN_DIFF);
-}
-
 // What comes into sight when the window's content moves down or right (positive) or up or left.
 Box row_strip(const Box& client, int way) {
   return way > 0 ? Box{client.left, client.top, client.right, std::min(client.top + way, client.bottom)}
@@ -226,9 +220,15 @@ struct Exposed {
   Box box;
 };
 
-// Moves the window's content, which is painted before, so that nothing moves that is not there yet.
+// Parts that are not painted yet move with the content around them, so they are to be painted where they come to as well.
+void invalidate_moved(HWND window, Point way) {
+  const OwnedRegion unpainted(CreateRectRgn(0, 0, 0, 0));
+  GetUpdateRgn(window, unpainted.get(), FALSE);
+  OffsetRgn(unpainted.get(), way.x, way.y);
+  InvalidateRgn(window, unpainted.get(), FALSE);
+}
+
 Exposed scroll_content(HWND window, const Box& client, Point way) {
-  UpdateWindow(window);
   const WindowDc dc(window);
   const SavedDc saved(dc.get());
   unmap(dc.get());
@@ -237,6 +237,7 @@ Exposed scroll_content(HWND window, const Box& client, Point way) {
   RECT box{};
   ScrollDC(dc.get(), way.x, way.y, &area, &area, exposed.region.get(), &box);
   exposed.box = box_of(box);
+  invalidate_moved(window, way);
   return exposed;
 }
 
@@ -251,10 +252,42 @@ class [[nodiscard]] Resizing {
   ~Resizing() { *is_resizing = 0; }
 };
 
-// How far to move content for a position to become another. No window shows more than this.
-int way_between(int before, int after) {
+// How far content moves when a position becomes another. No window shows more than the limit.
+int distance_between(int before, int after) {
   constexpr int64_t kFar = 1 << 20;
   return static_cast<int>(std::clamp(int64_t{before} - after, -kFar, kFar));
+}
+
+// Whether painting at the new positions shows the old content, moved. Where positions stand for fractions of image pixels, or
+// painting resets them, it does not.
+bool content_moves_by(Point way, const Mapping& before, const ImgDisplayState& state) {
+  ImgDisplayLayout layout = state.layout;
+  const bool whole_rows = draws_whole_rows(state);
+  const Mapping after = set_up_mapping(layout, Offsets::kReset);
+  return is_moved_by(way, before, after) && shows_whole_groups(layout, before, whole_rows) &&
+         shows_whole_groups(layout, after, whole_rows);
+}
+
+void paint(HWND window, const Box& box) {
+  const RECT rect = rect_of(box);
+  InvalidateRect(window, &rect, FALSE);
+  UpdateWindow(window);
+}
+
+void paint_strip(HWND window, HRGN unpainted, const Box& strip) {
+  if (strip.is_empty()) return;
+  paint(window, strip);
+  const RECT rect = rect_of(strip);
+  const OwnedRegion painted(CreateRectRgnIndirect(&rect));
+  CombineRgn(unpainted, unpainted, painted.get(), RGN_DIFF);
+}
+
+void scroll_by_strips(HWND window, const Box& client, Point way) {
+  const Exposed exposed = scroll_content(window, client, way);
+  HRGN region = exposed.region.get();
+  if (way.y != 0) paint_strip(window, region, row_strip(client, way.y));
+  if (way.x != 0) paint_strip(window, region, column_strip(client, way.x));
+  InvalidateRgn(window, region, FALSE);  // the rest of the region: other windows cover its source
 }
 
 }  // namespace
@@ -300,34 +333,36 @@ void follow_size(HWND window, ImgDisplayState& state) {
 
 void follow_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, ImgDisplayState& state) {
   ImgDisplayLayout& layout = state.layout;
-  const ScrollAxis axis = axis_of(layout, set_up_mapping(layout, Offsets::kKeep), direction);
+  const Mapping before = set_up_mapping(layout, Offsets::kKeep);
+  const ScrollAxis axis = axis_of(layout, before, direction);
   const int position = scrolled(axis, code, word);
   if (position == axis.position) return;
-  (direction == Direction::kHorizontal ? layout.hScrollPos : layout.vScrollPos) = position;
-  const int way = way_between(axis.position, position);
   const bool across = direction == Direction::kHorizontal;
-  const RECT exposed = rect_of(scroll_content(window, client_box(layout), {across ? way : 0, across ? 0 : way}).box);
+  (across ? layout.hScrollPos : layout.vScrollPos) = position;
+  const int distance = distance_between(axis.position, position);
+  const Point way = {across ? distance : 0, across ? 0 : distance};
+  const Box client = client_box(layout);
+  const Box unpainted = content_moves_by(way, before, state) ? scroll_content(window, client, way).box : client;
   update_scroll_bar(window, direction, layout);
-  InvalidateRect(window, &exposed, FALSE);
-  UpdateWindow(window);
+  paint(window, unpainted);
 }
 
 void scroll_to(HWND window, Point position, ImgDisplayState& state) {
   ImgDisplayLayout& layout = state.layout;
-  const Mapping mapping = set_up_mapping(layout, Offsets::kKeep);
-  const ScrollAxis across = axis_of(layout, mapping, Direction::kHorizontal);
-  const ScrollAxis down = axis_of(layout, mapping, Direction::kVertical);
+  const Mapping before = set_up_mapping(layout, Offsets::kKeep);
+  const ScrollAxis across = axis_of(layout, before, Direction::kHorizontal);
+  const ScrollAxis down = axis_of(layout, before, Direction::kVertical);
   layout.hScrollPos = snapped(across, position.x);
   layout.vScrollPos = snapped(down, position.y);
-  const Point way = {way_between(across.position, layout.hScrollPos), way_between(down.position, layout.vScrollPos)};
+  const Point way = {distance_between(across.position, layout.hScrollPos),
+                     distance_between(down.position, layout.vScrollPos)};
   if (way != Point{}) {
     const Box client = client_box(layout);
-    const Exposed exposed = scroll_content(window, client, way);
-    HRGN region = exposed.region.get();
-    ValidateRgn(window, region);
-    if (way.y != 0) paint_strip(window, region, row_strip(client, way.y));
-    if (way.x != 0) paint_strip(window, region, column_strip(client, way.x));
-    InvalidateRgn(window, region, FALSE);  // what other windows had covered
+    if (content_moves_by(way, before, state)) {
+      scroll_by_strips(window, client, way);
+    } else {
+      paint(window, client);
+    }
   }
   update_scroll_bars(window, layout);
 }
@@ -335,8 +370,9 @@ void scroll_to(HWND window, Point position, ImgDisplayState& state) {
 void paint_display(HWND window, const Painting& painting, ImgDisplayState& state) {
   const SavedDc saved(painting.dc());
   const Selection brush(painting.dc(), class_brush(window));
-  draw_image(painting.dc(), state, painting.box());
-  const Mapping mapping = set_up_mapping(state.layout, Offsets::kKeep);
+  const Mapping mapping = set_up_mapping(state.layout, Offsets::kReset);
+  const bool is_drawn_in_parts = shows_whole_groups(state.layout, mapping, draws_whole_rows(state));
+  draw_image(painting.dc(), state, is_drawn_in_parts ? painting.box() : client_box(state.layout));
   fill_around(painting.dc(), image_box(state.layout, mapping), painting.box());
 }
 

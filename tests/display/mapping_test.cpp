@@ -162,6 +162,33 @@ TEST(VisiblePart, StartsAtWholeGroupsAndReachesFurther) {
   }
 }
 
+TEST(Mapping, ContentMovesAsOneOnlyByWholeImagePixels) {
+  const struct {
+    int viewport, window, from, to;
+    bool is_moved, whole_groups;
+  } rows[] = {
+      {1, 1, 5, 13, true, true},  {16, 1, 0, 16, true, true},  {16, 1, 0, 8, false, true},    {3, 2, 0, 3, true, true},
+      {3, 2, 0, 4, false, true},  {16, 24, 0, 5, false, true},  // as if moved by 5, but for its last pixels
+      {16, 24, 0, 8, true, true}, {1, 4, 0, 7, true, true},    {16, 24, 48, 64, true, false}, {1, 3, 14, 15, true, false},
+  };
+  for (const auto& row : rows) {
+    ImgDisplayLayout layout = layout_for(0, {100, 100}, {20, 20});
+    set_zoom(layout, {row.viewport, row.window, row.viewport, row.window});
+    const auto mapping_at = [&](int position) {
+      layout.hScrollPos = layout.vScrollPos = position;
+      return set_up_mapping(layout, Offsets::kReset);
+    };
+    const Mapping from = mapping_at(row.from), to = mapping_at(row.to);
+    const int way = row.from - row.to;
+    SCOPED_TRACE(&row - rows);
+    EXPECT_EQ(is_moved_by({way, way}, from, to), row.is_moved);
+    EXPECT_FALSE(is_moved_by({way, way + 1}, from, to));
+    EXPECT_EQ(shows_whole_groups(layout, to, false), row.whole_groups);
+    if (!row.is_moved) continue;
+    for (int i = -200; i < 200; ++i) ASSERT_EQ(to.x.to_device(i), from.x.to_device(i) + way);
+  }
+}
+
 TEST(Mapping, RandomLayoutsFollowThePlainFormulas) {
   std::minstd_rand random(5);
   const auto any = [&](int least, int most) { return std::uniform_int_distribution(least, most)(random); };

@@ -1,6 +1,7 @@
 // Windows that show images, by what their client areas, scroll bars and contexts are after each message.
 #include <cmath>
 #include <gtest/gtest.h>
+#include <random>
 #include <tuple>
 
 #include <vorel32.h>
@@ -28,13 +29,17 @@ struct Image {
   Object<HPALETTE> palette{CreateDIBPalette(dib.get())};
   explicit Image(const Cells& what) : cells(what) {}
 
-  void show(DisplayWindow& window, Source source, UINT flags, const int* zoom = nullptr, int* view = nullptr,
-            const int* dpi = nullptr) const {
+  void start(DisplayWindow& window, Source source, UINT flags, const int* zoom = nullptr, int* view = nullptr,
+             const int* dpi = nullptr) const {
     if (source == Source::kBitmap)
       DisplayStart(window.get(), bitmap.get(), palette.get(), dpi, view, zoom, flags, &window.state);
     else
       DisplayDIBStart(window.get(), dib.get(), view, zoom,
                       flags | (source == Source::kBitmapOfDib ? IMG_DISPLAY_AS_BITMAP : 0), &window.state);
+  }
+  void show(DisplayWindow& window, Source source, UINT flags, const int* zoom = nullptr, int* view = nullptr,
+            const int* dpi = nullptr) const {
+    start(window, source, flags, zoom, view, dpi);
     UpdateWindow(window.get());
   }
 };
@@ -220,6 +225,77 @@ TEST(Display, BarsFollowEveryMessageAndStripsEqualAFullRepaint) {
         expect_nothing_left_to_paint(window);
       }
     }
+}
+
+// A window that another one passes over, with a host that paints only when the library asks it to.
+class CoveredWindow : public DisplayWindow {
+ public:
+  CoveredWindow() : DisplayWindow(kWidth, kHeight, CS_HREDRAW | CS_VREDRAW) {
+    SetWindowLong(get(), GWL_STYLE, GetWindowLong(get(), GWL_STYLE) | WS_CLIPCHILDREN);
+    cover_ = CreateWindowA("static", "", WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, get(), nullptr, nullptr, nullptr);
+  }
+  void cover(int left, int top, int width, int height) const { MoveWindow(cover_, left, top, width, height, TRUE); }
+  Pixels uncovered() const {
+    cover(0, 0, 0, 0);
+    UpdateWindow(get());
+    return shown();
+  }
+
+  static constexpr int kWidth = 200, kHeight = 120;
+
+ private:
+  HWND cover_;
+};
+
+// One change that a user, a host or another window makes; nothing is painted afterwards.
+void change_at_random(CoveredWindow& window, const Image& image, Source source, std::minstd_rand& random) {
+  const auto any = [&](int least, int most) { return std::uniform_int_distribution(least, most)(random); };
+  constexpr UINT kOptions[] = {0,     0,    kCentre,           kCentre | IMG_DISPLAY_INVERTED, kCentre | kFit,
+                               kWide, kFit, kStretch | kNoBars};
+  constexpr std::array<int, 4> kZooms[] = {{1, 1, 1, 1},   {32, 16, 32, 16}, {64, 16, 24, 16}, {16, 2, 16, 1},
+                                           {20, 1, 20, 1}, {3, 2, 3, 2},     {16, 24, 16, 24}, {12, 37, 12, 37},
+                                           {1, 4, 1, 3},   {100, 1, 7, 10}};
+  switch (any(0, 7)) {
+    case 0: {
+      int view[4] = {any(-20, image.cells.width), any(-20, image.cells.height), 0, 0};
+      image.start(window, source, kOptions[any(0, std::ssize(kOptions) - 1)], kZooms[any(0, std::ssize(kZooms) - 1)].data(),
+                  any(0, 1) != 0 ? view : nullptr);
+      break;
+    }
+    case 1: window.resize(any(50, 300), any(50, 200)); break;
+    case 2: window.cover(any(-50, 200), any(-50, 120), any(0, 150), any(0, 100)); break;
+    case 3: {
+      const RECT rect{any(0, 200), any(0, 120), any(0, 300), any(0, 200)};
+      InvalidateRect(window.get(), &rect, FALSE);
+      break;
+    }
+    case 4:
+    case 5: {
+      const int position[] = {any(-100, 900), any(-100, 900)};
+      DisplaySetScrollPos(window.get(), &window.state, position);
+      break;
+    }
+    default: SendMessage(window.get(), any(0, 1) != 0 ? WM_HSCROLL : WM_VSCROLL, MAKEWPARAM(any(0, 8), any(-50, 600)), 0);
+  }
+}
+
+TEST(Display, WhateverHappensBetweenPaintingTheWindowEqualsAFullRepaint) {
+  constexpr std::pair<int, Source> kImages[] = {{1, Source::kDib}, {8, Source::kBitmapOfDib}, {24, Source::kDib}};
+  for (const auto& [depth, source] : kImages) {
+    const Image image({301, 203, depth});
+    std::minstd_rand random(static_cast<unsigned>(depth));
+    CoveredWindow window;
+    image.start(window, source, 0);
+    for (int round = 0; round < 60; ++round) {
+      const int changes = 1 + static_cast<int>(random() % 6);
+      for (int i = 0; i < changes; ++i) change_at_random(window, image, source, random);
+      const Pixels shown = window.uncovered();
+      const ImgDisplayLayout& l = window.state.layout;
+      ASSERT_EQ(differing_pixels(shown, window.repainted()), 0)
+          << "round " << round << ", " << depth << " bits, flags " << l.flags << ", zoom " << l.zoomViewportX << ":"
+          << l.zoomWindowX << " " << l.zoomViewportY << ":" << l.zoomWindowY;
+    }
+  }
 }
 
 TEST(Display, ACentredImageStaysCentredWhereNothingIsAskedFor) {

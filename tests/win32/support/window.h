@@ -60,6 +60,13 @@ struct Pixels {
   friend bool operator==(const Pixels&, const Pixels&) = default;
 };
 
+inline int differing_pixels(const Pixels& a, const Pixels& b) {
+  if (a.width != b.width || a.height != b.height) return std::max(a.width * a.height, b.width * b.height);
+  int count = 0;
+  for (size_t i = 0; i < a.colors.size(); ++i) count += a.colors[i] != b.colors[i];
+  return count;
+}
+
 inline Pixels pixels_of(HDC dc, int width, int height) {
   Pixels pixels{width, height, {}};
   BITMAPINFO info{};
