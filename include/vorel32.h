@@ -754,22 +754,22 @@ VOREL_API HGLOBAL VORELCALL ExpandCompressedDIB(HGLOBAL dib);
 /* ---- Scrolling display (Windows only) ------------------------------------------------------------------------------ */
 
 /** Options of a display. */
-#define IMG_DISPLAY_FIT 0x0008u /**< the whole image in the client area, in its proportions, which the resolutions tell */
+#define IMG_DISPLAY_FIT 0x0008u        /**< scaled to the client area; keeps the proportions given by the resolutions */
 #define IMG_DISPLAY_INVERTED 0x0020u   /**< colours drawn inverted */
 #define IMG_DISPLAY_RESOLUTION 0x0040u /**< scaled by the resolution of the screen over that of the image */
 #define IMG_DISPLAY_CENTRE 0x0080u     /**< centred in the client area */
-#define IMG_DISPLAY_STRETCH 0x0100u    /**< fills the client area, out of proportion */
+#define IMG_DISPLAY_STRETCH 0x0100u    /**< fills the client area; does not keep the proportions */
 #define IMG_DISPLAY_NO_VSCROLL 0x0200u /**< no vertical scroll bar */
 #define IMG_DISPLAY_NO_HSCROLL 0x0400u /**< no horizontal scroll bar */
-#define IMG_DISPLAY_AS_BITMAP 0x0800u  /**< at the start: make a device bitmap of the DIB and paint from that */
-#define IMG_DISPLAY_FIT_WIDTH 0x1000u  /**< as wide as the client area, in proportion */
+#define IMG_DISPLAY_AS_BITMAP 0x0800u  /**< when the display starts: make a device bitmap of the DIB and paint from it */
+#define IMG_DISPLAY_FIT_WIDTH 0x1000u  /**< as wide as the client area; keeps the proportions */
 
-/** What a display knows of its image and window, in numbers. Logical units are image pixels, device units those of the window. */
+/** The image, window and mapping of a display. Logical units are image pixels, device units are window pixels. */
 typedef struct ImgDisplayLayout {
-  int originLogicalX, originLogicalY;         /**< the image point at the left upper corner of the client area */
-  int imageOriginDeviceX, imageOriginDeviceY; /**< where image point (0, 0) lies */
-  UINT flags;                                 /**< IMG_DISPLAY_...; 0x0004 says that a zoom has positioned the image */
-  int hScrollMin, vScrollMin, hScrollMax, vScrollMax; /**< device units; -1 where nothing can be scrolled */
+  int originLogicalX, originLogicalY;                 /**< the image point at the upper left corner of the client area */
+  int imageOriginDeviceX, imageOriginDeviceY;         /**< the window point of image point (0, 0) */
+  UINT flags;                                         /**< IMG_DISPLAY_...; BZoomEnd also sets 0x0004 */
+  int hScrollMin, vScrollMin, hScrollMax, vScrollMax; /**< device units; -1 if nothing can be scrolled */
   int hScrollPos, vScrollPos;
   int zoomViewportX, zoomWindowX, zoomViewportY, zoomWindowY; /**< zoom ratios, viewport to window; below 1 counts as 1 */
   int centreOffsetX, centreOffsetY; /**< device units; negative for an image smaller than the window */
@@ -781,28 +781,27 @@ typedef struct ImgDisplayLayout {
   int imageDpiX, imageDpiY;
 } ImgDisplayLayout;
 
-/** A rubber-band zoom from its start to its end. The caller's; BZoomStart fills it. */
+/** A rubber-band zoom. Allocated by the caller, filled by BZoomStart. */
 typedef struct ImgZoomTracker {
   int mode;                                                           /**< see BZoomStart */
   int resultViewportX, resultWindowX, resultViewportY, resultWindowY; /**< the new ratio */
-  int resultLeft, resultTop;                                          /**< the image point for the left upper corner */
+  int resultLeft, resultTop;                                          /**< the image point for the upper left corner */
   int screenCoordinates;                                              /**< whether points are passed in screen coordinates */
-  int anchorX, anchorY;                                               /**< where it began, client coordinates */
+  int anchorX, anchorY;                                               /**< the start point, client coordinates */
   int cornerX, cornerY;                                               /**< the band's opposite corner */
-  int startViewportX, startWindowX, startViewportY, startWindowY;     /**< the ratio it began with */
+  int startViewportX, startWindowX, startViewportY, startWindowY;     /**< the ratio at the start */
   int bandShown;
 } ImgZoomTracker;
 
-/** Entries of a table of zoom steps: how many follow (1 to 10), then so many values, each greater than the one before, the first
- *  equal to the base. */
+/** Entries of a table of zoom steps: the number of values (1 to 10), then the values, strictly increasing from the base. */
 #define IMG_ZOOM_TABLE_ENTRIES 11
 
 /** Replaces the calling thread's zoom steps.
  *  base     the value that stands for 1 in a ratio, 1 to 1000; 10 in a new thread
- *  enlarge  viewport values of enlarging ratios (enlarge : base); NULL leaves them. In a new thread 5; 10, 20, 40, 60, 80
- *  reduce   window values of reducing ratios (base : reduce); NULL leaves them. In a new thread 5; 10, 15, 30, 40, 50
- *  Tables have IMG_ZOOM_TABLE_ENTRIES entries; those beyond the count are kept as they are and mean nothing.
- *  Returns 1. 0, and nothing changes, for a base or a table out of these bounds. */
+ *  enlarge  viewport values of enlarging ratios (enlarge : base); NULL keeps them. In a new thread 5; 10, 20, 40, 60, 80
+ *  reduce   window values of reducing ratios (base : reduce); NULL keeps them. In a new thread 5; 10, 15, 30, 40, 50
+ *  Tables have IMG_ZOOM_TABLE_ENTRIES entries. Entries beyond the count are stored but not used.
+ *  Returns 1. Returns 0 and changes nothing if the base or a table is invalid. */
 VOREL_API int VORELCALL BZoomSetScaleSteps(int base, const int* enlarge, const int* reduce);
 
 /** Copies the calling thread's zoom steps.
@@ -812,77 +811,78 @@ VOREL_API int VORELCALL BZoomGetScaleSteps(int* enlarge, int* reduce);
 
 #ifdef _WIN32
 
-/** What a display keeps for a window: the caller's, one for each window, handed to every call. Serialise calls that share one.
- *  sizeof is at least the 142 bytes that DisplayWmCreate clears. */
+/** The state of a display. The caller allocates one per window and passes it to every call; calls that share one must not run at the
+ *  same time. Its size is at least the 142 bytes that DisplayWmCreate clears. */
 typedef struct ImgDisplayState {
   ImgDisplayLayout layout;
-  HPALETTE palette; /**< drawn with */
-  HGLOBAL dib;      /**< what is shown; the caller's; NULL where a bitmap is shown */
-  HBITMAP bitmap;   /**< what is drawn: the caller's, or made of the DIB */
-  WORD ownership;   /**< bit 0: the bitmap, bit 1: the palette was made here and is deleted here */
+  HPALETTE palette; /**< used for drawing */
+  HGLOBAL dib;      /**< the DIB shown; the caller's; NULL if a bitmap is shown */
+  HBITMAP bitmap;   /**< the bitmap drawn: the caller's, or made from the DIB */
+  WORD ownership;   /**< bit 0: the library owns the bitmap; bit 1: it owns the palette */
   BYTE reserved[8];
 } ImgDisplayState;
 
-/*  A window shows an image by handing its messages on: DisplayWmCreate on WM_CREATE, DisplayStart or DisplayDIBStart for each new
+/*  A window shows an image by forwarding its messages: DisplayWmCreate on WM_CREATE, DisplayStart or DisplayDIBStart for each new
  *  image, zoom ratio or option, DisplayWmPaint on WM_PAINT, DisplayWmSize, DisplayWmHorzScroll and DisplayWmVertScroll on
- *  WM_SIZE, WM_HSCROLL and WM_VSCROLL, DisplayWmDestroy on WM_DESTROY. DIB and bitmap must live as long as they are shown. None
- *  of these functions stores a code. Handlers return 0; those for sizes and scrolling return 1 for a null window. They do nothing
- *  without a state. */
+ *  WM_SIZE, WM_HSCROLL and WM_VSCROLL, DisplayWmDestroy on WM_DESTROY. The DIB or bitmap must live as long as it is shown. None
+ *  of these functions sets the error code. Handlers return 0; those for sizes and scrolling return 1 for a null window. Without a
+ *  state they do nothing, except that DisplayWmPaint validates the window. */
 
 /** Clears the first 142 bytes of a state. Returns 0. */
 VOREL_API LRESULT VORELCALL DisplayWmCreate(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
-/** Shows a device bitmap from now on.
+/** Starts showing a device bitmap.
  *  palette  may be NULL; stays the caller's
  *  dpi      two numbers, across and down, the bitmap's resolution; NULL for the screen's
- *  view     four numbers, in and out; may be NULL. In: the image point for the left upper corner, in the first two. Out:
+ *  view     four numbers, in and out; may be NULL. In: the image point for the upper left corner, in the first two. Out:
  *           originLogicalX, originLogicalY, imageOriginDeviceX, imageOriginDeviceY
  *  zoom     viewport X, window X, viewport Y, window Y: image pixels are drawn viewport / window times as large; NULL for 1
- *  flags    IMG_DISPLAY_... A fitted or stretched image keeps scroll bars unless the flags take them away
- *  Returns the flags that are stored; 0 without a state. */
+ *  flags    IMG_DISPLAY_... A fitted or stretched image has scroll bars unless the flags exclude them
+ *  Returns the stored flags; 0 without a state. */
 VOREL_API UINT VORELCALL DisplayStart(HWND window, HBITMAP bitmap, HPALETTE palette, const int* dpi, int* view,
                                       const int* zoom, UINT flags, ImgDisplayState* state);
 
-/** Shows a DIB from now on, at the resolution that its header states or else the screen's.
- *  The rest is as for DisplayStart, but that scrolling begins at the start where no view is given.
+/** Starts showing a DIB, at the resolution in its header or, if it states none, the screen's.
+ *  The rest is as for DisplayStart, except that without `view` both scroll positions start at 0.
  *  Returns `flags`; 0 without a state. */
 VOREL_API UINT VORELCALL DisplayDIBStart(HWND window, HGLOBAL dib, int* view, const int* zoom, UINT flags,
                                          ImgDisplayState* state);
 
-/** Follows a window to its new size. */
+/** Takes over the new size of the window: lays the image out again and updates the scroll bars. */
 VOREL_API LRESULT VORELCALL DisplayWmSize(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
-/** Follow a scroll message, by the code in the low word of wParam. Lines are 8 pixels of the window, or the pixels that a whole
- *  number of image pixels takes where these are more; pages are half the client area. */
+/** Scroll by the code in the low word of wParam. A line is 8 window pixels or, if larger, a whole group of image pixels; a page is
+ *  half the client area. */
 VOREL_API LRESULT VORELCALL DisplayWmHorzScroll(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 VOREL_API LRESULT VORELCALL DisplayWmVertScroll(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
 /** Scrolls to a position.
- *  position  two numbers, across and down, in device units as in the state
+ *  position  two numbers, horizontal and vertical, in the units of hScrollPos and vScrollPos
  *  Returns 0; 1 without a window or position. */
 VOREL_API LRESULT VORELCALL DisplaySetScrollPos(HWND window, ImgDisplayState* state, const int* position);
 
-/** Paints: calls BeginPaint and EndPaint, draws what is seen of the image and fills what is around it with the brush of the window
- *  class. */
+/** Paints: calls BeginPaint and EndPaint, draws the visible part of the image and fills the area around it with the brush of the
+ *  window class. Without a state it paints nothing but validates the window all the same. */
 VOREL_API LRESULT VORELCALL DisplayWmPaint(HWND window, ImgDisplayState* state);
 
-/** Deletes what the state owns. */
+/** Deletes the bitmap and palette that the state owns. */
 VOREL_API LRESULT VORELCALL DisplayWmDestroy(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
 /** Draw the image onto any device context as the window shows it. Return the stored flags; 0 without a state. */
 VOREL_API UINT VORELCALL DisplayImageDC(HDC dc, ImgDisplayState* state);
 VOREL_API UINT VORELCALL DisplayDIBImageDC(HDC dc, ImgDisplayState* state);
 
-/** Gives a device context the mapping of a display, so that the caller can draw in image pixels. */
+/** Sets the mapping of a display on a device context, so that the caller can draw in image pixels. */
 VOREL_API void VORELCALL MapDisplayDC(HDC dc, ImgDisplayState* state);
 
-/** Whether DIBs that are painted once are stretched by the library, what is seen of them only, instead of by the system: less memory
- *  and, for large pictures shown small, less time. One switch for the whole process, 0 at first. Set returns what it was. */
+/** The low-memory switch of the process, initially 0. If not 0, DisplayDIBImage and DisplayCPPImage scale the visible part of
+ *  DIBs of 1, 4, 8 and 24 bits in the library instead of having the system stretch the whole DIB: less memory and, for large pictures
+ *  shown small, less time. Set returns the previous value. */
 VOREL_API int VORELCALL GetLowMemStretch(void);
 VOREL_API int VORELCALL SetLowMemStretch(int value);
 
 /** Paints a DIB without a state, from WM_PAINT: calls BeginPaint and EndPaint, and shows or hides the scroll bars of the window.
- *  scroll  four numbers; the third and fourth say how far the image is scrolled, in image pixels from 0 to its size. NULL for 0
+ *  scroll  four numbers; the last two are the scroll positions, in image pixels from 0 to the image's size. NULL for 0
  *  zoom    as for DisplayStart; may be NULL. The image is drawn at its own resolution times this
  *  flags   IMG_DISPLAY_FIT (no scroll bars) and IMG_DISPLAY_INVERTED */
 VOREL_API void VORELCALL DisplayDIBImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags);
@@ -891,94 +891,97 @@ VOREL_API void VORELCALL DisplayDIBImage(HWND window, HGLOBAL dib, const int* sc
 VOREL_API void VORELCALL DisplayImage(HWND window, HBITMAP bitmap, HPALETTE palette, const int* scroll, const int* zoom,
                                       WORD flags);
 
-/*  Painting without a state, with scroll bars that work. The four numbers of `scroll` are the caller's, one set for each window,
- *  0 at first: the ends of the two ranges, across and down (-1 where all is seen), and the two positions, all in image pixels.
- *  The rest is as for DisplayDIBImage. */
+/*  Painting without a state, with working scroll bars. `scroll` is four numbers of the caller's, one set for each window, initially
+ *  0: the ends of the horizontal and vertical range (-1 if nothing is scrolled out of view) and the two positions, all in image
+ *  pixels. The rest is as for DisplayDIBImage. */
 
 /** Paints, from WM_PAINT. */
 VOREL_API void VORELCALL DisplayCPPImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags);
 
-/** Sets ranges and bars, for a new image, ratio or size of the window, and moves positions into their ranges. */
+/** Sets ranges and scroll bars for a new image, ratio or window size, and moves the positions into their ranges. */
 VOREL_API void VORELCALL DisplayCPPSize(HWND window, HGLOBAL dib, int* scroll, const int* zoom, WORD flags);
 
-/** Follow a scroll message as DisplayWmHorzScroll does, by image pixels, and paint anew. */
+/** Scroll as DisplayWmHorzScroll does, in image pixels, and repaint the window. */
 VOREL_API void VORELCALL DisplayCPPHScroll(HWND window, WPARAM wParam, LPARAM lParam, HGLOBAL dib, int* scroll,
                                            const int* zoom, WORD flags);
 VOREL_API void VORELCALL DisplayCPPVScroll(HWND window, WPARAM wParam, LPARAM lParam, HGLOBAL dib, int* scroll,
                                            const int* zoom, WORD flags);
 
-/* ---- Zooming by hand (Windows only) --------------------------------------------------------------------------------- */
+/* ---- Interactive zooming (Windows only) ----------------------------------------------------------------------------- */
 
 /** Begins a zoom.
- *  start              where the mouse is; NULL for (0, 0)
- *  current            the ratio now: viewport X, window X, viewport Y, window Y as left, top, right, bottom; NULL for 1
- *  mode               0x11 to 0x15 with the mouse, which is captured, and a rubber band; 0x21 to 0x25 without. The last digit: 1 keeps
- *                     the ratio and moves the image, 2 goes a step larger, 3 a step smaller, 4 and 5 by a little
- *  screenCoordinates  not 0: points of this zoom are in screen coordinates, else in client coordinates */
+ *  start              the mouse position; NULL for (0, 0)
+ *  current            the current ratio: viewport X, window X, viewport Y, window Y as left, top, right, bottom; NULL for 1
+ *  mode               0x11 to 0x15 capture the mouse and show a rubber band, 0x21 to 0x25 do not. The last digit: 1 keeps the
+ *                     ratio and moves the image, 2 is a step larger, 3 a step smaller, 4 a little larger, 5 a little smaller
+ *  screenCoordinates  points of this zoom are in screen coordinates if not 0, else in client coordinates */
 VOREL_API void VORELCALL BZoomStart(HWND window, const POINT* start, const RECT* current, int mode, ImgZoomTracker* tracker,
                                     BOOL screenCoordinates);
 
-/** Moves the band to the mouse, once that is 6 pixels away on both axes. Draws with R2_NOTXORPEN. */
+/** Moves the band to the mouse. It appears when the mouse is at least 6 pixels away on both axes. Draws with R2_NOTXORPEN. */
 VOREL_API void VORELCALL BZoomUpdate(HWND window, const POINT* mouse, ImgZoomTracker* tracker);
 
-/** Ends a zoom: takes the band away and works out the ratio and the image point that the tracker's result fields hold, for
- *  DisplayStart or DisplayDIBStart. A dragged rectangle fills the window; without one the mode counts.
- *  end  where the mouse is; NULL without a mouse
- *  The state gets the new ratio, loses IMG_DISPLAY_FIT and IMG_DISPLAY_FIT_WIDTH, and is marked as positioned (0x0004), where there
- *  is an end. */
+/** Ends a zoom: erases the band and computes the ratio and the image point in the tracker's result fields, for DisplayStart or
+ *  DisplayDIBStart. A dragged rectangle fills the window; without one the mode decides.
+ *  end  the mouse position; NULL without a mouse
+ *  If `end` is given, the state gets the new ratio, loses IMG_DISPLAY_FIT and IMG_DISPLAY_FIT_WIDTH, and gets flag 0x0004. The image
+ *  point is computed for the size shown before these flags are cleared. */
 VOREL_API void VORELCALL BZoomEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgDisplayState* state);
 
-/** A step without the mouse: BZoomStart and BZoomEnd at once, for modes without 0x10. */
+/** A step without the mouse: BZoomStart and BZoomEnd in one call. Does nothing for modes with 0x10. */
 VOREL_API void VORELCALL BZoomStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
                                    ImgDisplayState* state);
 
-/** A window that shows a part of a picture without a display state. */
+/** A window that shows part of a picture without a display state. */
 typedef struct ImgScreenZoom {
-  int screenDpiX, screenDpiY; /**< of the screen; where they differ, picture pixels are drawn square all the same */
-  RECT client;                /**< where the picture is shown, client coordinates */
+  int screenDpiX, screenDpiY; /**< of the screen; if they differ, picture pixels are still drawn square */
+  RECT client;                /**< the area that shows the picture, client coordinates */
   RECT zoom;                  /**< the part of the picture that fills `client`, in picture pixels */
 } ImgScreenZoom;
 
-/** As BZoomEnd and BZoomStep, for such a window. The new part of the picture goes into `zoom`, its left upper corner into the
- *  tracker too. */
+/** As BZoomEnd and BZoomStep, for such a window. `zoom` gets the new part of the picture, the tracker its upper left corner. */
 VOREL_API void VORELCALL BZoomScreenEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgScreenZoom* state);
 VOREL_API void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
                                          ImgScreenZoom* state);
 
-/** Lets the user drag a rectangle and works out the ratio at which it fills the window, at most 5. Runs until the left button is
- *  released, then has the window painted anew. Outside the client area it beeps and changes nothing.
+/** Lets the user drag a rectangle and computes the ratio at which it fills the window, at most 5. Runs until the left button is
+ *  released, then repaints the window. A start outside the client area beeps and changes nothing.
  *  start  as in the lParam of a mouse message: x in the low word, y in the high word
- *  zoom   four numbers: viewport X, window X, viewport Y, window Y; in the ratio now, out the new one, in hundredths */
+ *  zoom   four numbers: viewport X, window X, viewport Y, window Y; in: the current ratio, out: the new one, in hundredths */
 VOREL_API void VORELCALL Zoom(HWND window, LPARAM start, int* zoom);
 
 /* ---- Magnifying lens (Windows only) --------------------------------------------------------------------------------- */
 
-/*  One lens for the whole process, used from one thread. */
+/*  There is one lens per process; use it from one thread. */
 
-/** Sets the size of the lens, 180 x 80 pixels at first, its frame of 4 pixels included; for the next start. Returns 1. */
+/** Sets the size of the lens in pixels, including its frame of 4 pixels; initially 180 x 80. A running lens keeps its bitmap until the
+ *  next start. Returns 1. */
 VOREL_API int VORELCALL M_SetSizes(int width, int height);
+
+/** Return the width and the height set for the lens, in pixels, including its frame. */
 VOREL_API int VORELCALL M_GetWidth(void);
 VOREL_API int VORELCALL M_GetHeight(void);
 
-/** Begins to magnify: keeps a picture of the window, and hides the mouse cursor.
- *  palette  what is drawn with; may be NULL; must live until the stop
+/** Starts the lens: takes a snapshot of the client area and hides the mouse cursor.
+ *  palette  used for drawing; may be NULL; must live until M_StopMagnify
  *  Returns 1. */
 VOREL_API int VORELCALL M_StartMagnify(HWND window, HPALETTE palette);
 
-/** Puts back what the lens covers, and the cursor. Returns 1. */
+/** Stops the lens: restores the area that it covers, and the cursor. Returns 1. */
 VOREL_API int VORELCALL M_StopMagnify(void);
 
-/** Works out which part of a bitmap the lens shows.
- *  x, y    the point in the middle
- *  zoom    numerator X, denominator X, numerator Y, denominator Y. Ratios below 1 become 10 / 10
- *  source  takes the rectangle
- *  Returns 1; 0 for a null pointer, and where one of the last two numbers is 0. */
+/** Computes the part of a bitmap that fills the lens.
+ *  x, y    the bitmap point for the middle of the lens
+ *  zoom    numerator X, denominator X, numerator Y, denominator Y. Ratios below 1 are replaced by 10 / 10
+ *  source  receives the rectangle
+ *  Returns 1; 0 for a null pointer or if either of the last two numbers is 0. */
 VOREL_API int VORELCALL M_CalcRect(int x, int y, int* zoom, RECT* source);
 
-/** Draws a part of a bitmap into the lens. What lies outside the bitmap is grey. */
+/** Draws part of a bitmap into the lens; parts outside the bitmap are grey. Does nothing unless the lens is running. */
 VOREL_API void VORELCALL M_StretchBitmap(HBITMAP source, int x, int y, int width, int height);
 
-/** Puts the lens on the window with its left upper corner at (x, y), and puts back what it covered before. */
+/** Draws the lens on the window with its upper left corner at (x, y) and restores the area that it covered before. Does nothing
+ *  unless the lens is running, so not before M_StartMagnify. */
 VOREL_API void VORELCALL M_CopyBitmap(HWND window, int x, int y);
 
 /* ---- Metafiles (Windows only) ---------------------------------------------------------------------------------------- */

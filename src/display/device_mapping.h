@@ -1,10 +1,10 @@
-// Mappings, boxes and messages as the windowing system has them.
+// Conversions between the display's types and the windowing system's, and a WM_PAINT in progress.
 #pragma once
 
 #include "display/mapping.h"
 #include "platform/windows/gdi.h"
 
-namespace vorel {
+namespace vorel::display {
 
 inline RECT rect_of(const Box& box) { return {box.left, box.top, box.right, box.bottom}; }
 inline Box box_of(const RECT& rect) {
@@ -13,14 +13,14 @@ inline Box box_of(const RECT& rect) {
 }
 inline Point point_of(const POINT& point) { return {static_cast<int>(point.x), static_cast<int>(point.y)}; }
 
-// Empty without a window.
+// The client area; empty for a null window.
 inline Box client_of(HWND window) {
   RECT client{};
   if (window != nullptr) GetClientRect(window, &client);
   return box_of(client);
 }
 
-// Pixels for units.
+// Back to pixels as units.
 inline void unmap(HDC dc) {
   SetMapMode(dc, MM_TEXT);
   SetWindowOrgEx(dc, 0, 0, nullptr);
@@ -34,11 +34,11 @@ inline void apply(HDC dc, const Mapping& mapping) {
   SetWindowOrgEx(dc, mapping.x.origin, mapping.y.origin, nullptr);
 }
 
-// What is to be painted, from WM_PAINT.
+// A WM_PAINT message between BeginPaint and EndPaint.
 class Painting {
  public:
   explicit Painting(HWND window) : window_(window), dc_(BeginPaint(window, &paint_)) {
-    // Windows that keep their context may have it mapped, and then count in its units.
+    // A window with its own context may have it mapped; the rectangle is then in logical units.
     POINT corners[2] = {{paint_.rcPaint.left, paint_.rcPaint.top}, {paint_.rcPaint.right, paint_.rcPaint.bottom}};
     LPtoDP(dc_, corners, 2);
     const Point first = point_of(corners[0]), last = point_of(corners[1]);
@@ -52,7 +52,7 @@ class Painting {
 
   explicit operator bool() const { return dc_ != nullptr; }
   HDC dc() const { return dc_; }
-  Box box() const { return box_; }  // in pixels
+  Box box() const { return box_; }  // the area to paint, in pixels
 
  private:
   HWND window_;
@@ -61,4 +61,4 @@ class Painting {
   Box box_;
 };
 
-}  // namespace vorel
+}  // namespace vorel::display

@@ -2,12 +2,12 @@
 
 #include "core/saturate.h"
 
-namespace vorel {
+namespace vorel::display {
 namespace {
 
 constexpr int kOne = 10;
 
-// Picture pixels that fill a lens in one direction.
+// Picture pixels that fill the lens along one axis.
 int64_t source_extent(int numerator, int denominator, int lens) {
   return int64_t{denominator} * (int64_t{lens} - kLensFrames) / numerator;
 }
@@ -24,4 +24,4 @@ std::optional<Box> lens_source(Point middle, std::span<int, 4> zoom, int lens_wi
   return Box{saturated(left), saturated(top), saturated(left + width), saturated(top + height)};
 }
 
-}  // namespace vorel
+}  // namespace vorel::display

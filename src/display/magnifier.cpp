@@ -4,19 +4,19 @@
 
 #include "dib/device_bitmap.h"
 
-namespace vorel {
+namespace vorel::display {
 namespace {
 
-// The objects go when the lens stops, or with the module.
+// The GDI objects are deleted when the lens stops or the module is unloaded.
 struct ImgMagnifier {
   bool active = false;
   HWND window = nullptr;
-  OwnedBitmap lens;      // as large as it was when the lens started
-  OwnedBitmap snapshot;  // of the window's client area, from the start
+  OwnedBitmap lens;      // keeps the size that was set when the lens started
+  OwnedBitmap snapshot;  // the client area when the lens started
   HPALETTE palette = nullptr;
   HCURSOR saved_cursor = nullptr;
   Size size = {180, 80};
-  Point last;  // where the lens was put last
+  Point last;  // the last position of the lens
 };
 
 ImgMagnifier magnifier;
@@ -26,7 +26,7 @@ Size size_of(const OwnedBitmap& bitmap) {
   return {static_cast<int>(facts.bmWidth), static_cast<int>(facts.bmHeight)};
 }
 
-// A bitmap in a memory context, palettes selected into it and into where it goes to or comes from.
+// A bitmap selected into a memory context, with the palette selected into this and the other context.
 class BitmapSide {
  public:
   BitmapSide(HDC other, HBITMAP bitmap)
@@ -54,7 +54,7 @@ OwnedBitmap snapshot_of(HWND window) {
   return snapshot;
 }
 
-// Puts the window's appearance from the start back where the lens was put last.
+// Restores the area under the last lens position from the snapshot.
 void restore_covered(HDC dc) {
   const Size size = size_of(magnifier.lens);
   const BitmapSide copy(dc, magnifier.snapshot.get());
@@ -73,7 +73,7 @@ void draw_outline(HDC dc, HGDIOBJ pen, int inset, Size size) {
   draw_line(dc, pen, {{inset, inset}, {right, inset}, {right, bottom}, {inset, bottom}, {inset, inset}});
 }
 
-// A ring of light from one side: `first` at its top and left, `second` at its right and bottom.
+// A one-pixel ring: `first` at the top and left, `second` at the right and bottom.
 void draw_ring(HDC dc, HGDIOBJ first, HGDIOBJ second, int inset, Size size) {
   const int right = size.width - 1 - inset, bottom = size.height - 1 - inset;
   draw_line(dc, first, {{inset, inset}, {right, inset}});
@@ -91,7 +91,7 @@ void draw_frame(HDC dc, Size size) {
   draw_ring(dc, grey.get(), white.get(), 2, size);
 }
 
-// What is left of the rectangle inside the bitmap; empty where there is nothing.
+// The rectangle clipped to the bitmap; may be empty.
 Box inside_bitmap(HBITMAP bitmap, int x, int y, int width, int height) {
   const BITMAP facts = describe(bitmap).value_or(BITMAP{});
   const int64_t right = std::min<int64_t>(int64_t{x} + width, facts.bmWidth);
@@ -100,8 +100,8 @@ Box inside_bitmap(HBITMAP bitmap, int x, int y, int width, int height) {
           static_cast<int>(std::max<int64_t>(bottom, 0))};
 }
 
-// Copies a part of the source to where it belongs in the lens, which the mapping of the lens enlarges. Where the device does
-// not take all of it at once, less is tried.
+// Copies a part of the source to its place in the lens; the mapping of the lens context enlarges it. If the device refuses
+// the size, smaller sizes are tried.
 void copy_part(HDC lens, HDC source, Box part, Point corner) {
   const int to_x = part.left - corner.x, to_y = part.top - corner.y;
   const auto copy = [&](int width, int height, DWORD operation) {
@@ -187,4 +187,4 @@ void place_lens(HWND window, Point corner) {
   magnifier.last = corner;
 }
 
-}  // namespace vorel
+}  // namespace vorel::display

@@ -6,10 +6,10 @@
 
 #include "core/saturate.h"
 
-namespace vorel {
+namespace vorel::display {
 namespace {
 
-// value * multiplier / divisor to the nearest whole number, halves going up. Numbers of 33 and 31 bits do not wrap.
+// value * multiplier / divisor, rounded to the nearest whole number, halves up. A 33-bit value and a 31-bit multiplier fit.
 int64_t scaled(int64_t value, int multiplier, int divisor) {
   const int64_t product = value * multiplier;
   const int64_t below = product / divisor - (product % divisor < 0 ? 1 : 0);
@@ -22,7 +22,7 @@ struct Extents {
   int64_t window_x = 1, window_y = 1, viewport_x = 1, viewport_y = 1;
 };
 
-// Halves ratios until both viewport extents are below 17, as far as the window extents have something left to halve.
+// Halves all extents until both viewport extents are at most 16. Stops before a window extent becomes 0.
 Extents reduced(Extents extents) {
   constexpr int64_t kMostViewport = 16;
   while (extents.viewport_x > kMostViewport || extents.viewport_y > kMostViewport) {
@@ -34,7 +34,7 @@ Extents reduced(Extents extents) {
   return extents;
 }
 
-// Dividing by the ratio of the pixels' sides makes an image's proportions those that the screen shows.
+// Corrects the image's size for pixels that are not square on the screen.
 void make_proportional(const ImgDisplayLayout& layout, int& width, int& height) {
   const double ratio = static_cast<double>(positive(layout.imageDpiX)) / positive(layout.imageDpiY) *
                        (static_cast<double>(positive(layout.screenDpiY)) / positive(layout.screenDpiX));
@@ -47,7 +47,7 @@ void make_proportional(const ImgDisplayLayout& layout, int& width, int& height) 
   height = positive(height);
 }
 
-// The image so large that it fills the window in proportion: in both directions, or in width alone.
+// Scales the image to the client area, keeping its proportions: to width and height, or to the width alone.
 Extents fitted(const ImgDisplayLayout& layout, bool width_alone) {
   int width = layout.imageWidth, height = layout.imageHeight;
   make_proportional(layout, width, height);
@@ -81,7 +81,7 @@ Extents extents_of(const ImgDisplayLayout& layout) {
 
 int extent(int64_t value) { return saturated(std::max<int64_t>(value, 1)); }
 
-// Half of what an image leaves free, as an offset: negative where the image is the smaller one.
+// Half of the space beside the image, as an offset: negative if the image is smaller than the client area.
 int centring_offset(int64_t client, int from, int to) { return saturated(-((client - to + from) / 2)); }
 
 int rounded_down(int value, int multiple) { return std::max(value - value % multiple, 0); }
@@ -210,4 +210,4 @@ int dots_per_inch(int pixels_per_metre) {
   return saturated(pixels_per_metre * kMetresPerInch + 0.5);
 }
 
-}  // namespace vorel
+}  // namespace vorel::display

@@ -7,7 +7,7 @@
 #include "core/saturate.h"
 #include "display/zoom_ratio.h"
 
-namespace vorel {
+namespace vorel::display {
 namespace {
 
 Point anchor_of(const ImgZoomTracker& tracker) { return {tracker.anchorX, tracker.anchorY}; }
@@ -18,7 +18,7 @@ Point in_client(HWND window, POINT point, const ImgZoomTracker& tracker) {
   return point_of(point);
 }
 
-// Draws what disappears when it is drawn once more.
+// Drawing the same twice restores the window.
 template <class Draw>
 void draw_inverting(HWND window, Draw draw) {
   const WindowDc dc(window);
@@ -28,7 +28,7 @@ void draw_inverting(HWND window, Draw draw) {
   draw(dc.get());
 }
 
-// A band from its anchor round and back, as the corners of a line.
+// The outline of a band as a closed line from its anchor.
 struct BandCorners {
   BandCorners(Point anchor, Point corner)
       : points{
@@ -44,7 +44,7 @@ void draw_band(HWND window, const ImgZoomTracker& tracker) {
   });
 }
 
-// The old band and the new one in one line.
+// Erases the old band and draws the new one as a single line.
 void redraw_band(HWND window, const ImgZoomTracker& tracker, Point mouse) {
   const BandCorners old(anchor_of(tracker), corner_of(tracker)), moved(anchor_of(tracker), mouse);
   POINT line[9];
@@ -63,13 +63,13 @@ void set_result(ImgZoomTracker& tracker, Point corner) {
   tracker.resultTop = corner.y;
 }
 
-// The ratio across counts, and becomes that of both directions.
+// The horizontal ratio is used for both axes.
 void step_ratio(ImgZoomTracker& tracker) {
   const Ratio start = {tracker.startViewportX, tracker.startWindowX};
   set_result(tracker, stepped(start, zoom_action(tracker.mode), zoom_steps(thread_zoom_tables())));
 }
 
-// The rectangle of a gesture that ends at a point, if it is one; the band is taken away.
+// Ends mouse capture and erases the band. Returns whether the gesture is a rectangle.
 bool take_band_away(HWND window, const Point* end, const ImgZoomTracker& tracker) {
   if (!(tracker.mode & kZoomByMouse)) return false;
   ReleaseCapture();
@@ -77,7 +77,7 @@ bool take_band_away(HWND window, const Point* end, const ImgZoomTracker& tracker
   return end != nullptr && is_drag(anchor_of(tracker), *end);
 }
 
-// What the client area shows at ratio 1 of an image that is neither fitted nor as wide as the window.
+// The client area in image units at ratio 1, not fitted.
 Box client_at_ratio_one(ImgDisplayLayout layout) {
   layout.zoomViewportX = layout.zoomWindowX = layout.zoomViewportY = layout.zoomWindowY = 1;
   layout.flags &= ~(IMG_DISPLAY_FIT | IMG_DISPLAY_FIT_WIDTH);
@@ -86,15 +86,16 @@ Box client_at_ratio_one(ImgDisplayLayout layout) {
 
 constexpr UINT kPositionedByZoom = 0x04;
 
-// Takes the new ratio over into the state, so that it is the new mapping that tells how much of the image the window shows.
+// Takes the new ratio over into the state. The fit options are cleared only after the new mapping is made, so for a fitted
+// image the corner follows from the fitted size. This quirk is kept: callers see the result.
 void recentre(Point device_point, ImgZoomTracker& tracker, ImgDisplayLayout& layout) {
   const Point point = set_up_mapping(layout, Offsets::kKeep).to_logical(device_point);
   layout.zoomViewportX = tracker.resultViewportX;
   layout.zoomWindowX = tracker.resultWindowX;
   layout.zoomViewportY = tracker.resultViewportY;
   layout.zoomWindowY = tracker.resultWindowY;
-  layout.flags = (layout.flags & ~(IMG_DISPLAY_FIT | IMG_DISPLAY_FIT_WIDTH)) | kPositionedByZoom;
   const Mapping mapping = set_up_mapping(layout, Offsets::kKeep);
+  layout.flags = (layout.flags & ~(IMG_DISPLAY_FIT | IMG_DISPLAY_FIT_WIDTH)) | kPositionedByZoom;
   set_result(tracker, corner_around(point, mapping.to_logical(client_box(layout))));
 }
 
@@ -110,7 +111,7 @@ void zoom_to_rectangle(Point end, ImgZoomTracker& tracker, ImgDisplayLayout& lay
   recentre(mapping.to_device(centre_of(rectangle)), tracker, layout);
 }
 
-// How a window without a display state maps picture pixels to its own.
+// The mapping of a window without a display state.
 class ScreenMapping {
  public:
   explicit ScreenMapping(const ImgScreenZoom& state)
@@ -123,7 +124,7 @@ class ScreenMapping {
     return mapping.to_logical(
         Point{saturated(int64_t{device.x} - client_.left), saturated(int64_t{device.y} - client_.top)});
   }
-  // What the client area shows at a ratio. Where the screen's dots are not square, picture pixels are drawn square all the same.
+  // The size of the client area in picture pixels at a ratio. Corrected for screens whose dots are not square.
   Box client_at(Ratio ratio) const {
     const int64_t window = std::max(ratio.window, 1), viewport = std::max(ratio.viewport, 1);
     const int64_t dpi_x = std::max(state_.screenDpiX, 1), dpi_y = std::max(state_.screenDpiY, 1);
@@ -150,18 +151,19 @@ Point mouse_of(const MSG& message) {
 
 void draw_rectangle(HDC dc, Point a, Point b) { Rectangle(dc, a.x, a.y, b.x, b.y); }
 
-// The thread's next mouse message; none where it is to end. Waits when there is none left, as waiting sees new ones alone.
+// The thread's next mouse message; none if the application quits. Looks before it waits: WaitMessage returns for new
+// messages only.
 std::optional<MSG> next_mouse_message() {
   constexpr UINT kFirstOfMouse = WM_MOUSEFIRST, kLastOfMouse = WM_MBUTTONDBLCLK;
   MSG message{};
   while (!PeekMessageA(&message, nullptr, kFirstOfMouse, kLastOfMouse, PM_REMOVE))
     if (!WaitMessage()) return std::nullopt;
   if (message.message != WM_QUIT) return message;
-  PostQuitMessage(static_cast<int>(message.wParam));  // for the application's own loop
+  PostQuitMessage(static_cast<int>(message.wParam));  // for the loop of the application
   return std::nullopt;
 }
 
-// Follows the mouse until its left button is released, and returns where that was.
+// Follows the mouse until the left button is released. Returns the last position.
 Point follow_mouse(HDC dc, Point start) {
   Point corner = start;
   bool is_pressed = true;
@@ -181,7 +183,7 @@ Point follow_mouse(HDC dc, Point start) {
   return corner;
 }
 
-// Confines the mouse to a window for a scope.
+// Confines the cursor to the client area for a scope.
 class [[nodiscard]] ConfinedCursor {
  public:
   ConfinedCursor(HWND window, const Box& client) {
@@ -284,4 +286,4 @@ void drag_zoom(HWND window, Point start, int* zoom) {
   UpdateWindow(window);
 }
 
-}  // namespace vorel
+}  // namespace vorel::display

@@ -1,11 +1,11 @@
-// Zooming by hand: the gesture of a tracker, and `Zoom`'s own loop.
+// Interactive zooming: the gestures of a tracker, and the modal loop of `Zoom`.
 #pragma once
 
 #include "display/device_mapping.h"
 
-namespace vorel {
+namespace vorel::display {
 
-// Points may be null, trackers and states are not.
+// Pointers to points and ratios may be null.
 void start_zoom(HWND window, const POINT* start, const RECT* current, int mode, bool screen_coordinates,
                 ImgZoomTracker& tracker);
 void move_band(HWND window, const POINT& mouse, ImgZoomTracker& tracker);
@@ -15,4 +15,4 @@ void end_screen_zoom(HWND window, const POINT* end, ImgZoomTracker& tracker, Img
 // zoom: viewport X, window X, viewport Y, window Y
 void drag_zoom(HWND window, Point start, int* zoom);
 
-}  // namespace vorel
+}  // namespace vorel::display

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-namespace vorel {
+namespace vorel::display {
 namespace {
 
-// Past an end the thumb asks for a unit more, which brings the last pixels in.
+// A thumb at an end of the range asks for one unit more, so that snapping to units cannot stop short of the end.
 int64_t thumb_position(const ScrollAxis& axis, uint16_t word) {
   const int with_sign = static_cast<int16_t>(word);
   const int position = with_sign >= axis.least && with_sign <= axis.most ? with_sign : word;
@@ -44,4 +44,4 @@ int scrolled(const ScrollAxis& axis, ScrollCode code, uint16_t word) {
   return snapped(axis, wanted_position(axis, code, word));
 }
 
-}  // namespace vorel
+}  // namespace vorel::display

@@ -1,9 +1,9 @@
-// What scroll messages do to positions: in numbers alone.
+// Scroll positions and the messages that change them: pure arithmetic.
 #pragma once
 
 #include "display/mapping.h"
 
-namespace vorel {
+namespace vorel::display {
 
 // The codes of scroll messages; the values are the system's, the same for both directions.
 enum class ScrollCode {
@@ -20,20 +20,20 @@ enum class ScrollCode {
 // One direction in which a window scrolls, in the units of its scroll bar.
 struct ScrollAxis {
   int least, most, position;
-  int unit;    // positions move by whole numbers of this: the pixels that a whole group of image pixels takes
-  int client;  // the window's extent
+  int unit;    // positions move by multiples of this: device pixels of a whole group of image pixels
+  int client;  // extent of the client area
   int shortest_line = 8;
 };
 
-// How far a position moves at once, for a viewport extent.
+// The unit of an axis with this viewport extent.
 int scroll_unit(int viewport_extent);
 
-// Where a scroll message leads.
-//   word  the high word of its wParam: where the thumb is. Taken with its sign where that is in range, else without
+// The position after a scroll message.
+//   word  the high word of its wParam, the thumb's position: signed if that is in range, else unsigned
 int scrolled(const ScrollAxis& axis, ScrollCode code, uint16_t word);
 
-// The position nearest to a wanted one that is whole units away from where the axis stands, and in its range. A centred image
-// smaller than the window stands at 0, outside its range, until it is moved.
+// The position nearest to `wanted` that is a whole number of units from the current position, clamped to the range. A
+// centred image smaller than the window stays at 0, outside its range, until it is scrolled.
 int snapped(const ScrollAxis& axis, int64_t wanted);
 
-}  // namespace vorel
+}  // namespace vorel::display

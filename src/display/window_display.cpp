@@ -9,10 +9,10 @@
 #include "dib/device_palette.h"
 #include "frame/thread_context.h"
 
-namespace vorel {
+namespace vorel::display {
 namespace {
 
-// The layout of the state is for good: callers of any compiler hold it.
+// Callers compiled elsewhere hold states, so their layout must not change.
 constexpr size_t kClearedBytes = 142;
 static_assert(offsetof(ImgDisplayState, palette) == 120 && offsetof(ImgDisplayState, dib) == 124 &&
               offsetof(ImgDisplayState, bitmap) == 128 && offsetof(ImgDisplayState, ownership) == 132);
@@ -42,7 +42,7 @@ void update_bar(UINT without, const ImgDisplayLayout& layout, HWND window, int b
     return;
   }
   SetScrollRange(window, bar, least, most, FALSE);
-  // The position is read now: a bar that comes or goes changes the window's size, and so the layout.
+  // Read after the range is set: a bar that appears or disappears resizes the window, which changes the layout.
   SetScrollPos(window, bar, position, TRUE);
 }
 
@@ -65,7 +65,7 @@ void set_client(ImgDisplayLayout& layout, const Box& client) {
       std::tuple(client.left, client.top, client.right, client.bottom);
 }
 
-// Bars vanish before a fitted or stretched image is laid out, so that it gets the whole window.
+// Hides the bars before a fitted or stretched image is laid out, so that it gets the whole window.
 void hide_bars_of_fitted(HWND window, UINT flags, ImgDisplayLayout& layout) {
   if (!(flags & (IMG_DISPLAY_FIT | IMG_DISPLAY_STRETCH))) return;
   layout.flags = flags;
@@ -73,7 +73,7 @@ void hide_bars_of_fitted(HWND window, UINT flags, ImgDisplayLayout& layout) {
   update_scroll_bars(window, layout);
 }
 
-// What does not come from the image.
+// Fills in everything that does not depend on the image.
 void fill_layout(HWND window, const DisplayRequest& request, ImgDisplayLayout& layout) {
   const WindowDc dc(window);
   layout.screenDpiX = GetDeviceCaps(dc.get(), LOGPIXELSX);
@@ -96,7 +96,7 @@ void set_image(ImgDisplayLayout& layout, int width, int height, UINT bits, Point
 
 void lay_out(ImgDisplayLayout& layout) { set_scroll_ranges(layout, set_up_mapping(layout, Offsets::kReset)); }
 
-// The image is known: positions, bars, and the window is to be painted.
+// Sets positions and scroll bars for a new image and invalidates the window.
 void begin_showing(HWND window, int* view, ImgDisplayLayout& layout) {
   const Mapping mapping = set_up_mapping(layout, Offsets::kReset);
   if (view != nullptr) bring_to_corner(layout, mapping, {view[0], view[1]});
@@ -111,7 +111,7 @@ void begin_showing(HWND window, int* view, ImgDisplayLayout& layout) {
   view[3] = layout.imageOriginDeviceY;
 }
 
-// Leaves the thread's code alone, as displays do.
+// Keeps the thread's error code: displays never set it.
 HBITMAP bitmap_or_null(const LockedDib& dib) {
   const int32_t code = thread_context().error_code;
   auto bitmap = bitmap_of(dib);
@@ -145,17 +145,17 @@ void draw_bitmap(HDC dc, HBITMAP bitmap, Rect to, Rect from, DWORD operation) {
   StretchBlt(dc, to.x, to.y, to.width, to.height, memory.get(), from.x, from.y, from.width, from.height, operation);
 }
 
-// A block that has become another picture since the display was started is not drawn.
+// Draws nothing if the block holds a picture of another size than at the start.
 void draw_dib(HDC dc, HGLOBAL dib, const ImgDisplayLayout& layout, Rect to, Rect from, DWORD operation) {
   const auto locked = LockedDib::lock(dib);
   if (!locked || locked->header().width != layout.imageWidth || locked->header().height != layout.imageHeight) return;
   if (const auto whole = DeviceDib::of(*locked)) whole->stretch(dc, to, from, operation);
 }
 
-// A DIB is handed to the system in whole rows.
+// DIBs are drawn in whole rows, bitmaps only where they are visible.
 bool draws_whole_rows(const ImgDisplayState& state) { return state.bitmap == nullptr; }
 
-// By the mapping's own whole numbers, which tell what is around the image too; the context counts in pixels.
+// Maps with the library's own arithmetic, which also decides what is around the image; the context stays in pixels.
 void draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   ImgDisplayLayout& layout = state.layout;
   const Mapping mapping = set_up_mapping(layout, Offsets::kReset);
@@ -180,7 +180,7 @@ void draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   }
 }
 
-// Window classes may name a system colour, counted from 1, where others have a brush.
+// A window class has a brush or, as a number counted from 1, a system colour.
 HBRUSH class_brush(HWND window) {
   const ULONG_PTR brush = GetClassLongPtrA(window, GCLP_HBRBACKGROUND);
   constexpr ULONG_PTR kMostColors = COLOR_MENUBAR + 1;
@@ -204,7 +204,7 @@ ScrollAxis axis_of(const ImgDisplayLayout& layout, const Mapping& mapping, Direc
           static_cast<int>(client.height())};
 }
 
-// What comes into sight when the window's content moves down or right (positive) or up or left.
+// The strip exposed when the content moves down or right (positive) or up or left (negative).
 Box row_strip(const Box& client, int way) {
   return way > 0 ? Box{client.left, client.top, client.right, std::min(client.top + way, client.bottom)}
                  : Box{client.left, std::max(client.bottom + way, client.top), client.right, client.bottom};
@@ -214,13 +214,13 @@ Box column_strip(const Box& client, int way) {
                  : Box{std::max(client.right + way, client.left), client.top, client.right, client.bottom};
 }
 
-// What moved content does not cover any more: exactly, and the box around it.
+// The area exposed by scrolling, and its bounding box.
 struct Exposed {
   OwnedRegion region;
   Box box;
 };
 
-// Parts that are not painted yet move with the content around them, so they are to be painted where they come to as well.
+// Invalid parts move along with the content around them and must be painted at their new place, too.
 void invalidate_moved(HWND window, Point way) {
   const OwnedRegion unpainted(CreateRectRgn(0, 0, 0, 0));
   GetUpdateRgn(window, unpainted.get(), FALSE);
@@ -243,7 +243,7 @@ Exposed scroll_content(HWND window, const Box& client, Point way) {
 
 const PerThread<int> is_resizing;
 
-// Notes for a scope that a display of the thread follows its window to a new size.
+// Marks the thread as resizing a display, for a scope.
 class [[nodiscard]] Resizing {
  public:
   Resizing() { *is_resizing = 1; }
@@ -252,14 +252,14 @@ class [[nodiscard]] Resizing {
   ~Resizing() { *is_resizing = 0; }
 };
 
-// How far content moves when a position becomes another. No window shows more than the limit.
+// How far content moves when a scroll position changes, limited to more than any window shows.
 int distance_between(int before, int after) {
   constexpr int64_t kFar = 1 << 20;
   return static_cast<int>(std::clamp(int64_t{before} - after, -kFar, kFar));
 }
 
-// Whether painting at the new positions shows the old content, moved. Where positions stand for fractions of image pixels, or
-// painting resets them, it does not.
+// Whether painting at the new positions gives the old content, moved. It does not if the positions differ by a fraction of
+// an image pixel, if painting resets them, or if groups of pixels are cut off.
 bool content_moves_by(Point way, const Mapping& before, const ImgDisplayState& state) {
   ImgDisplayLayout layout = state.layout;
   const bool whole_rows = draws_whole_rows(state);
@@ -287,7 +287,7 @@ void scroll_by_strips(HWND window, const Box& client, Point way) {
   HRGN region = exposed.region.get();
   if (way.y != 0) paint_strip(window, region, row_strip(client, way.y));
   if (way.x != 0) paint_strip(window, region, column_strip(client, way.x));
-  InvalidateRgn(window, region, FALSE);  // the rest of the region: other windows cover its source
+  InvalidateRgn(window, region, FALSE);  // the rest: its content was hidden by other windows
 }
 
 }  // namespace
@@ -389,4 +389,4 @@ void end_display(ImgDisplayState& state) {
   if (state.ownership & kOwnsPalette) delete_owned_palette(state);
 }
 
-}  // namespace vorel
+}  // namespace vorel::display

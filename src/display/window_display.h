@@ -1,16 +1,16 @@
-// A window that shows an image: what its messages do to the display state, and how it is painted. Windows may be null where
-// nothing of the window is needed; states are not.
+// A window that shows an image: its messages, the display state and painting. Without a window, starting fills the state and
+// does nothing else.
 #pragma once
 
 #include "display/device_mapping.h"
 #include "display/scrolling.h"
 #include "frame/error.h"
 
-namespace vorel {
+namespace vorel::display {
 
-// What a display starts with, next to its image.
+// Options that a display starts with.
 struct DisplayRequest {
-  int* view;        // in: the image point for the left upper corner; out: where the origins lie. May be null
+  int* view;        // in: the image point for the upper left corner; out: the origins. May be null
   const int* zoom;  // viewport X, window X, viewport Y, window Y. May be null
   UINT flags;
 };
@@ -29,10 +29,10 @@ void scroll_to(HWND window, Point position, ImgDisplayState& state);
 
 void paint_display(HWND window, const Painting& painting, ImgDisplayState& state);
 
-// Draws what is seen of the image inside the context's clipping.
+// Draws the part of the image that the context's clip region shows.
 void draw_display(HDC dc, ImgDisplayState& state);
 
-// Deletes what the state owns.
+// Deletes the bitmap and palette that the state owns.
 void end_display(ImgDisplayState& state);
 
-}  // namespace vorel
+}  // namespace vorel::display

@@ -8,7 +8,7 @@
 #include "core/saturate.h"
 #include "frame/thread_context.h"
 
-namespace vorel {
+namespace vorel::display {
 namespace {
 
 const PerThread<ZoomTables> zoom_tables;
@@ -21,7 +21,7 @@ std::span<const int> values_of(const int (&table)[IMG_ZOOM_TABLE_ENTRIES]) {
 
 int product_quotient(int a, int b, int divisor) { return saturated(int64_t{a} * b / divisor); }
 
-// One side becomes the base; where none is, the ratio keeps its value as far as whole numbers go.
+// Converts a ratio to one with the base on one side, as closely as whole numbers allow.
 Ratio with_base(Ratio ratio, int base) {
   if (ratio.viewport == base || ratio.window == base) return ratio;
   if (ratio.viewport == 0 || ratio.window == 0) return {base, base};
@@ -47,7 +47,7 @@ int increment(int value) {
   return product_quotient(value, 5, 100);
 }
 
-// May go past the last step once.
+// The result can exceed the last step once; callers see it, so it is kept.
 int increased(int value, std::span<const int> values) {
   if (value >= values.back()) return values.back();
   return saturated(int64_t{value} + increment(value));
@@ -80,12 +80,12 @@ Ratio little_smaller(Ratio ratio, const ZoomSteps& steps) {
 
 double extent_ratio(int64_t a, int64_t b) { return static_cast<double>(a) / static_cast<double>(b); }
 
-// How many times a band goes into the client area, in single precision; a band without extent any number of times.
+// How often a band fits into the client area, in single precision, capped. A band without extent gives the cap.
 float capped_ratio(int viewport, int window, int64_t client, int64_t band) {
   constexpr float kMost = 5.0f;
   const float now = window == 0 ? 1.0f : static_cast<float>(viewport) / static_cast<float>(window);
   const float ratio = now * static_cast<float>(client) / static_cast<float>(band);
-  return ratio < kMost ? ratio : kMost;  // also where 0 met infinity
+  return ratio < kMost ? ratio : kMost;  // NaN also gives the cap
 }
 
 }  // namespace
@@ -123,7 +123,7 @@ Ratio filling(const Box& rectangle, const Box& client, int base) {
     return std::min(extent_ratio(client.width(), width), extent_ratio(client.height(), height));
   };
   double scale = times(rectangle.width(), rectangle.height());
-  if (std::isinf(scale)) scale = times(1, 1);  // less than an image pixel was dragged
+  if (std::isinf(scale)) scale = times(1, 1);  // a rectangle of less than an image pixel
   if (!(scale > 0)) return {base, base};
   if (scale >= 1) return {saturated(base * scale + 0.5), base};
   return {base, saturated(base / scale + 0.5)};
@@ -146,4 +146,4 @@ int filling_hundredths(std::span<const int, 4> zoom, const Box& band, const Box&
   return static_cast<int>(std::max(std::min(across, down), -2e7f) * 100);
 }
 
-}  // namespace vorel
+}  // namespace vorel::display

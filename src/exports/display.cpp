@@ -1,17 +1,18 @@
-// The scrolling display, with and without a state of the caller's.
+// The scrolling display, with and without a display state.
 #include <vorel32.h>
 
 #include "display/window_display.h"
-#include "display/window_one_shot.h"
+#include "display/window_stateless_painting.h"
 #include "exports/boundary.h"
 
 using namespace vorel;
+using namespace vorel::display;
 
 namespace {
 
 constexpr LRESULT kHandled = 0, kNoWindow = 1;
 
-// Runs what reports nothing.
+// Runs work that reports no error.
 template <class Work>
 void quietly(Work work) {
   at_silent_boundary([&]() -> Result<bool> {
@@ -20,7 +21,7 @@ void quietly(Work work) {
   });
 }
 
-// Handlers of messages that need the window: without a state they do nothing.
+// Message handlers that need the window. Without a state they do nothing.
 template <class Work>
 LRESULT handle(HWND window, ImgDisplayState* state, Work work) {
   if (window == nullptr) return kNoWindow;
@@ -34,11 +35,12 @@ LRESULT scroll(HWND window, Direction direction, WPARAM message, ImgDisplayState
   });
 }
 
-void scroll_once(HWND window, Direction direction, WPARAM message, HGLOBAL dib, int* scroll, const OneShotRequest& request) {
+void scroll_stateless(HWND window, Direction direction, WPARAM message, HGLOBAL dib, int* scroll,
+                      const StatelessRequest& request) {
   if (window == nullptr || scroll == nullptr) return;
   quietly([&] {
-    follow_one_shot_scroll(window, direction, static_cast<ScrollCode>(LOWORD(message)), HIWORD(message), dib, scroll,
-                           request);
+    follow_stateless_scroll(window, direction, static_cast<ScrollCode>(LOWORD(message)), HIWORD(message), dib, scroll,
+                            request);
   });
 }
 
@@ -115,11 +117,13 @@ int VORELCALL GetLowMemStretch(void) { return low_memory_stretch(); }
 int VORELCALL SetLowMemStretch(int value) { return set_low_memory_stretch(value); }
 
 void VORELCALL DisplayDIBImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags) {
-  paint_in(window, [&](const Painting& painting) { paint_once(window, painting, dib, {scroll, zoom, flags}); });
+  paint_in(window, [&](const Painting& painting) { paint_stateless(window, painting, dib, {scroll, zoom, flags}); });
 }
 
 void VORELCALL DisplayImage(HWND window, HBITMAP bitmap, HPALETTE palette, const int* scroll, const int* zoom, WORD flags) {
-  paint_in(window, [&](const Painting& painting) { paint_once(window, painting, bitmap, palette, {scroll, zoom, flags}); });
+  paint_in(window, [&](const Painting& painting) {
+    paint_stateless(window, painting, bitmap, palette, {scroll, zoom, flags});
+  });
 }
 
 void VORELCALL DisplayCPPImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags) {
@@ -128,15 +132,15 @@ void VORELCALL DisplayCPPImage(HWND window, HGLOBAL dib, const int* scroll, cons
 
 void VORELCALL DisplayCPPSize(HWND window, HGLOBAL dib, int* scroll, const int* zoom, WORD flags) {
   if (window != nullptr && scroll != nullptr)
-    quietly([&] { set_one_shot_ranges(window, dib, scroll, {scroll, zoom, flags}); });
+    quietly([&] { set_stateless_ranges(window, dib, scroll, {scroll, zoom, flags}); });
 }
 
 void VORELCALL DisplayCPPHScroll(HWND window, WPARAM wParam, LPARAM, HGLOBAL dib, int* scroll, const int* zoom, WORD flags) {
-  scroll_once(window, Direction::kHorizontal, wParam, dib, scroll, {scroll, zoom, flags});
+  scroll_stateless(window, Direction::kHorizontal, wParam, dib, scroll, {scroll, zoom, flags});
 }
 
 void VORELCALL DisplayCPPVScroll(HWND window, WPARAM wParam, LPARAM, HGLOBAL dib, int* scroll, const int* zoom, WORD flags) {
-  scroll_once(window, Direction::kVertical, wParam, dib, scroll, {scroll, zoom, flags});
+  scroll_stateless(window, Direction::kVertical, wParam, dib, scroll, {scroll, zoom, flags});
 }
 
 }  // extern "C"

@@ -6,6 +6,7 @@
 #include "display/lens.h"
 
 using namespace vorel;
+using namespace vorel::display;
 
 extern "C" {
 

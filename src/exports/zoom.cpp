@@ -1,10 +1,11 @@
-// Zooming by hand.
+// Interactive zooming.
 #include <vorel32.h>
 
 #include "display/rubber_band.h"
 #include "display/zoom_ratio.h"
 
 using namespace vorel;
+using namespace vorel::display;
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "display/zoom_ratio.h"
 
-using namespace vorel;
+using namespace vorel::display;
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <random>
 #include <vector>
 
-#include "display/one_shot.h"
 #include "display/scrolling.h"
+#include "display/stateless_painting.h"
 
-using namespace vorel;
+using namespace vorel::display;
 
 namespace {
 
@@ -238,12 +238,12 @@ TEST(Mapping, HostileLayoutsStayInBounds) {
     if (axis.least > axis.most) std::swap(axis.least, axis.most);
     const int position = scrolled(axis, static_cast<ScrollCode>(random() % 9), static_cast<uint16_t>(any()));
     ASSERT_TRUE((position >= axis.least && position <= axis.most) || position == 0);  // where centred images stand
-    const OneShotAxis once{any(), one_shot_scale(exact_dots_per_inch(any()), any(), any(), any()), any() & kMost};
-    const OneShotPart piece = one_shot_part(once, any());
+    const StatelessAxis once{any(), stateless_scale(exact_dots_per_inch(any()), any(), any(), any()), any() & kMost};
+    const StatelessPart piece = stateless_part(once, any());
     if (piece.to_extent > 0 && piece.from_extent > 0) {
       ASSERT_TRUE(piece.from >= 0 && int64_t{piece.from} + piece.from_extent <= once.image) << i;
     }
-    one_shot_fit(once, {any(), once.scale, any() & kMost});
+    stateless_fit(once, {any(), once.scale, any() & kMost});
   }
 }
 
@@ -297,28 +297,28 @@ TEST(Scrolling, SnappedPositionsAreWholeUnitsAwayOrAtAnEnd) {
   }
 }
 
-TEST(OneShot, ResolutionZoomAndOffsets) {
+TEST(StatelessPainting, ResolutionZoomAndOffsets) {
   EXPECT_EQ(dots_per_inch(11811), 300);
   EXPECT_EQ(dots_per_inch(19), 0);
   EXPECT_EQ(dots_per_inch(20), 1);
   EXPECT_LE(dots_per_inch(-11811), 0);
   EXPECT_NEAR(exact_dots_per_inch(11811), 300.000014, 1e-5);
-  EXPECT_DOUBLE_EQ(one_shot_scale(300, 96, 1, 1), 0.32);
-  EXPECT_DOUBLE_EQ(one_shot_scale(0, 96, 5, 2), 2.5);
-  EXPECT_DOUBLE_EQ(one_shot_scale(48, 96, 10, 30), 2.0 / 3);
+  EXPECT_DOUBLE_EQ(stateless_scale(300, 96, 1, 1), 0.32);
+  EXPECT_DOUBLE_EQ(stateless_scale(0, 96, 5, 2), 2.5);
+  EXPECT_DOUBLE_EQ(stateless_scale(48, 96, 10, 30), 2.0 / 3);
 
-  const OneShotAxis half{1001, 0.5, 200}, plain{100, 1, 200};
+  const StatelessAxis half{1001, 0.5, 200}, plain{100, 1, 200};
   EXPECT_EQ(half.displayed(), 501);
   EXPECT_TRUE(half.needs_scroll_bar());
   EXPECT_FALSE(plain.needs_scroll_bar());
-  EXPECT_FALSE(OneShotAxis(200, 1, 200).needs_scroll_bar());
+  EXPECT_FALSE(StatelessAxis(200, 1, 200).needs_scroll_bar());
   const int offsets[][2] = {{0, 0}, {1, 1}, {500, 150}, {999, 300}, {1001, 301}};  // 301 * trunc(p / 2 + 0.5) / 501 + 0.5
   for (const auto& [position, offset] : offsets) EXPECT_EQ(half.offset(position), offset) << position;
   EXPECT_EQ(half.source_at(150), 300);
-  const OneShotPart whole = one_shot_part(plain, 0), scrolled = one_shot_part(half, 500);
+  const StatelessPart whole = stateless_part(plain, 0), scrolled = stateless_part(half, 500);
   EXPECT_EQ(std::tuple(whole.to, whole.to_extent, whole.from, whole.from_extent), std::tuple(0, 100, 0, 100));
   EXPECT_EQ(std::tuple(scrolled.to, scrolled.to_extent, scrolled.from, scrolled.from_extent), std::tuple(0, 200, 300, 400));
-  const OneShotFit fit = one_shot_fit({400, 0.5, 100}, {200, 2, 100});  // 200 x 400 into 100 x 100
+  const StatelessFit fit = stateless_fit({400, 0.5, 100}, {200, 2, 100});  // 200 x 400 into 100 x 100
   EXPECT_DOUBLE_EQ(fit.x, 0.125);
   EXPECT_DOUBLE_EQ(fit.y, 0.5);
 }

@@ -10,7 +10,7 @@
 
 #include "display/lens.h"
 
-using namespace vorel;
+using namespace vorel::display;
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <vorel32.h>
 
 #include "display/mapping.h"
-#include "display/one_shot.h"
 #include "display/scrolling.h"
+#include "display/stateless_painting.h"
 #include "win32/support/window.h"
 
 using namespace test;
@@ -63,10 +63,10 @@ bool shows(COLORREF color, const Cells& picture, const Axis& x, const Axis& y, i
 
 // Pixels of the client area that are not what the layout and the picture make them.
 int wrong_pixels(const Pixels& shown, const Cells& picture, ImgDisplayLayout layout) {
-  const vorel::Mapping m = vorel::set_up_mapping(layout, vorel::Offsets::kKeep);
+  const vorel::display::Mapping m = vorel::display::set_up_mapping(layout, vorel::display::Offsets::kKeep);
   const Axis x{m.x.viewport, m.x.window, layout.windowOriginX, picture.width};
   const Axis y{m.y.viewport, m.y.window, layout.windowOriginY, picture.height};
-  const vorel::Box image = vorel::image_box(layout, m);
+  const vorel::display::Box image = vorel::display::image_box(layout, m);
   const COLORREF change = (layout.flags & IMG_DISPLAY_INVERTED) != 0 ? 0xFFFFFF : 0;
   int wrong = 0;
   for (int row = 0; row < shown.height; ++row)
@@ -171,11 +171,13 @@ struct Bar {
 };
 
 Bar bar_of(ImgDisplayLayout l, int number) {
-  const vorel::Mapping m = vorel::set_up_mapping(l, vorel::Offsets::kKeep);
+  const vorel::display::Mapping m = vorel::display::set_up_mapping(l, vorel::display::Offsets::kKeep);
   if (number == SB_HORZ)
-    return {number,        l.hScrollMin,          l.hScrollMax, l.hScrollPos, l.vScrollPos, vorel::scroll_unit(m.x.viewport),
+    return {number,        l.hScrollMin,          l.hScrollMax,
+            l.hScrollPos,  l.vScrollPos,          vorel::display::scroll_unit(m.x.viewport),
             l.clientRight, IMG_DISPLAY_NO_HSCROLL};
-  return {number,         l.vScrollMin,          l.vScrollMax, l.vScrollPos, l.hScrollPos, vorel::scroll_unit(m.y.viewport),
+  return {number,         l.vScrollMin,          l.vScrollMax,
+          l.vScrollPos,   l.hScrollPos,          vorel::display::scroll_unit(m.y.viewport),
           l.clientBottom, IMG_DISPLAY_NO_VSCROLL};
 }
 
@@ -189,8 +191,9 @@ void expect_scrolled(DisplayWindow& window, int number, int code, int word) {
   const Bar before = bar_of(window.state.layout, number);
   SendMessage(window.get(), number == SB_HORZ ? WM_HSCROLL : WM_VSCROLL, MAKEWPARAM(code, word), 0);
   const Bar now = bar_of(window.state.layout, number);
-  const vorel::ScrollAxis axis{before.least, before.most, before.position, before.unit, before.client};
-  EXPECT_EQ(now.position, vorel::scrolled(axis, static_cast<vorel::ScrollCode>(code), static_cast<uint16_t>(word)));
+  const vorel::display::ScrollAxis axis{before.least, before.most, before.position, before.unit, before.client};
+  EXPECT_EQ(now.position,
+            vorel::display::scrolled(axis, static_cast<vorel::display::ScrollCode>(code), static_cast<uint16_t>(word)));
   EXPECT_EQ(now.other_position, before.other_position);
   const bool is_shown = (window.state.layout.flags & now.without) == 0;
   EXPECT_EQ(window.range(number), is_shown ? std::pair(now.least, now.most) : std::pair(-1, -1));
@@ -332,20 +335,21 @@ TEST(Display, ContextsAreMappedAsTheNumbersSay) {
     int corner[4] = {13, 7, 0, 0};
     image.show(window, source, view.flags, view.zoom.data(), corner);
     ImgDisplayLayout layout = window.state.layout;
-    const vorel::Mapping m = vorel::set_up_mapping(layout, vorel::Offsets::kKeep);
+    const vorel::display::Mapping m = vorel::display::set_up_mapping(layout, vorel::display::Offsets::kKeep);
     HDC dc = GetDC(window.get());
     MapDisplayDC(dc, &window.state);
     for (int i = -400; i < 400; i += 7) {
       POINT device{i, i + 1}, logical{i, i + 1};
       LPtoDP(dc, &device, 1);
       DPtoLP(dc, &logical, 1);
-      const auto halves = [&](int64_t n, const vorel::AxisMapping& axis) {
+      const auto halves = [&](int64_t n, const vorel::display::AxisMapping& axis) {
         return 2 * n * axis.viewport % axis.window == 0 || 2 * n * axis.window % axis.viewport == 0;
       };
       if (halves(i - layout.windowOriginX, m.x) || halves(i, m.x) || halves(i + 1 - layout.windowOriginY, m.y) ||
           halves(i + 1, m.y))
         continue;
-      const vorel::Point to_device = m.to_device(vorel::Point(i, i + 1)), to_logical = m.to_logical(vorel::Point(i, i + 1));
+      const vorel::display::Point to_device = m.to_device(vorel::display::Point(i, i + 1)),
+                                  to_logical = m.to_logical(vorel::display::Point(i, i + 1));
       EXPECT_EQ(std::tuple(to_device.x, to_device.y, to_logical.x, to_logical.y),
                 std::tuple(device.x, device.y, logical.x, logical.y));
     }
@@ -492,7 +496,7 @@ struct PaintedWindow : Window {
   bool has(LONG style) const { return (GetWindowLong(get(), GWL_STYLE) & style) != 0; }
 };
 
-TEST(OneShotDisplay, PaintsBothWays) {
+TEST(StatelessPainting, PaintsBothWays) {
   const struct {
     Cells picture;
     std::array<int, 4> zoom;
@@ -521,12 +525,13 @@ TEST(OneShotDisplay, PaintsBothWays) {
         EXPECT_EQ(SetLowMemStretch(low_memory & 1), 0);
         const Pixels shown = window.repainted();
         EXPECT_EQ(SetLowMemStretch(0), low_memory & 1);
-        vorel::OneShotAxis x{picture.width, 1.0 * row.zoom[0] / row.zoom[1], shown.width};
-        vorel::OneShotAxis y{picture.height, 1.0 * row.zoom[2] / row.zoom[3], shown.height};
+        vorel::display::StatelessAxis x{picture.width, 1.0 * row.zoom[0] / row.zoom[1], shown.width};
+        vorel::display::StatelessAxis y{picture.height, 1.0 * row.zoom[2] / row.zoom[3], shown.height};
         if ((row.flags & IMG_DISPLAY_FIT) != 0) std::tie(x.scale, y.scale) = std::pair(200.0 / 777, 200.0 / 777);
         EXPECT_EQ(window.has(WS_HSCROLL), x.needs_scroll_bar());
         EXPECT_EQ(window.has(WS_VSCROLL), y.needs_scroll_bar());
-        const vorel::OneShotPart across = one_shot_part(x, row.scroll[2]), down = one_shot_part(y, row.scroll[3]);
+        const vorel::display::StatelessPart across = stateless_part(x, row.scroll[2]),
+                                            down = stateless_part(y, row.scroll[3]);
         Axis u{across.to_extent, across.from_extent, across.from, picture.width};
         Axis v{down.to_extent, down.from_extent, down.from, picture.height};
         // The library's scaling takes the pixel that is nearest: the first are half as large, and the last ones may be missing.
@@ -540,7 +545,7 @@ TEST(OneShotDisplay, PaintsBothWays) {
       }
 }
 
-TEST(OneShotDisplay, DepthsThatTheLibraryDoesNotScaleLookTheSameBothWays) {
+TEST(StatelessPainting, DepthsThatTheLibraryDoesNotScaleLookTheSameBothWays) {
   for (int depth : {16, 32}) {
     const Block dib = block_of(with_header_changed(
         noise(40, 30, depth), [](auto& header) { header.biXPelsPerMeter = header.biYPelsPerMeter = 0; }));
@@ -552,7 +557,7 @@ TEST(OneShotDisplay, DepthsThatTheLibraryDoesNotScaleLookTheSameBothWays) {
   }
 }
 
-TEST(OneShotDisplay, ScrollsWithBarsThatWork) {
+TEST(StatelessPainting, ScrollsWithBarsThatWork) {
   const Image image({300, 200, 8});
   int scroll[4] = {};
   PaintedWindow window([&](HWND w) { DisplayCPPImage(w, image.dib.get(), scroll, nullptr, 0); });

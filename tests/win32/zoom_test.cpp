@@ -104,14 +104,14 @@ TEST_F(ZoomedWindow, ClicksDragsAndSteps) {
   }
 }
 
-TEST_F(ZoomedWindow, ADragInAFittedImageCountsImagePixels) {
-  show(IMG_DISPLAY_FIT);  // 133 x 100 pixels show 400 x 300
+TEST_F(ZoomedWindow, ADragInAFittedImageCountsImagePixelsAndCentresByTheFittedSize) {
+  show(IMG_DISPLAY_FIT);  // 133 x 100 pixels show 400 x 300, and the window 602 x 300
   const POINT start{10, 10}, end{60, 60};
   BZoomStart(window.get(), &start, nullptr, 0x12, &tracker, FALSE);
   BZoomEnd(window.get(), &end, &tracker, &window.state);
   // (10, 10) to (60, 60) are image points (30, 30) to (180, 180): 100 / 150 is 10 : 15, its middle (105, 105).
   EXPECT_EQ((std::array{tracker.resultViewportX, tracker.resultWindowX}), (std::array{10, 15}));
-  EXPECT_EQ((std::array{tracker.resultLeft, tracker.resultTop}), (std::array{105 - 150, 105 - 75}));
+  EXPECT_EQ((std::array{tracker.resultLeft, tracker.resultTop}), (std::array{105 - 301, 105 - 150}));
   EXPECT_EQ(window.state.layout.flags, kNoBars | 4);
 }
 

@@ -1,4 +1,4 @@
-#include "display/window_one_shot.h"
+#include "display/window_stateless_painting.h"
 
 #include <algorithm>
 
@@ -6,47 +6,47 @@
 #include "core/saturate.h"
 #include "dib/device_bitmap.h"
 #include "dib/device_palette.h"
-#include "display/one_shot.h"
+#include "display/stateless_painting.h"
 #include "geometry/dib_scaling.h"
 
-namespace vorel {
+namespace vorel::display {
 namespace {
 
 int low_memory = 0;
 
-struct OneShotImage {
+struct StatelessImage {
   int width = 0, height = 0;
-  double x_dpi = 0, y_dpi = 0;  // 0 where the image does not say
+  double x_dpi = 0, y_dpi = 0;  // 0 if the image does not state its resolution
 
   bool has_pixels() const { return width > 0 && height > 0; }
 };
 
-struct OneShotLayout {
-  OneShotAxis x, y;
+struct StatelessLayout {
+  StatelessAxis x, y;
 };
 
-OneShotImage image_of(const LockedDib& dib) {
+StatelessImage image_of(const LockedDib& dib) {
   const DibHeader& header = dib.header();
   return {header.width, header.height, exact_dots_per_inch(header.x_per_metre), exact_dots_per_inch(header.y_per_metre)};
 }
 
-OneShotLayout layout_of(HWND window, const OneShotImage& image, const int* zoom) {
+StatelessLayout layout_of(HWND window, const StatelessImage& image, const int* zoom) {
   constexpr int kOneToOne[4] = {1, 1, 1, 1};
   if (zoom == nullptr) zoom = kOneToOne;
   const WindowDc dc(window);
-  return {{image.width, one_shot_scale(image.x_dpi, GetDeviceCaps(dc.get(), LOGPIXELSX), zoom[0], zoom[1])},
-          {image.height, one_shot_scale(image.y_dpi, GetDeviceCaps(dc.get(), LOGPIXELSY), zoom[2], zoom[3])}};
+  return {{image.width, stateless_scale(image.x_dpi, GetDeviceCaps(dc.get(), LOGPIXELSX), zoom[0], zoom[1])},
+          {image.height, stateless_scale(image.y_dpi, GetDeviceCaps(dc.get(), LOGPIXELSY), zoom[2], zoom[3])}};
 }
 
-void measure_client(HWND window, OneShotLayout& layout) {
+void measure_client(HWND window, StatelessLayout& layout) {
   const Box client = client_of(window);
   layout.x.client = static_cast<int>(client.width());
   layout.y.client = static_cast<int>(client.height());
 }
 
-// Shows and hides the bars that the image needs; each that comes or goes leaves another client area.
-OneShotLayout settled_layout(HWND window, const OneShotImage& image, const OneShotRequest& request) {
-  OneShotLayout layout = layout_of(window, image, request.zoom);
+// Shows or hides the scroll bars. Each change resizes the client area, so it is measured again.
+StatelessLayout settled_layout(HWND window, const StatelessImage& image, const StatelessRequest& request) {
+  StatelessLayout layout = layout_of(window, image, request.zoom);
   measure_client(window, layout);
   const bool is_fitted = (request.flags & IMG_DISPLAY_FIT) != 0;
   ShowScrollBar(window, SB_HORZ, !is_fitted && layout.x.needs_scroll_bar());
@@ -54,39 +54,37 @@ OneShotLayout settled_layout(HWND window, const OneShotImage& image, const OneSh
   ShowScrollBar(window, SB_VERT, !is_fitted && layout.y.needs_scroll_bar());
   measure_client(window, layout);
   if (is_fitted) {
-    const OneShotFit fit = one_shot_fit(layout.x, layout.y);
+    const StatelessFit fit = stateless_fit(layout.x, layout.y);
     layout.x.scale = fit.x;
     layout.y.scale = fit.y;
   }
   return layout;
 }
 
-// Draws from `from`, in image pixels, to `to`, in window pixels.
+// Calls draw(to, from) with the target in window pixels and the source in image pixels.
 template <class Draw>
-void paint_part(HWND window, const OneShotImage& image, const OneShotRequest& request, Draw draw) {
+void paint_part(HWND window, const StatelessImage& image, const StatelessRequest& request, Draw draw) {
   if (!image.has_pixels()) return;
-  const OneShotLayout layout = settled_layout(window, image, request);
-  const OneShotPart x = one_shot_part(layout.x, request.scroll != nullptr ? request.scroll[2] : 0);
-  const OneShotPart y = one_shot_part(layout.y, request.scroll != nullptr ? request.scroll[3] : 0);
+  const StatelessLayout layout = settled_layout(window, image, request);
+  const StatelessPart x = stateless_part(layout.x, request.scroll != nullptr ? request.scroll[2] : 0);
+  const StatelessPart y = stateless_part(layout.y, request.scroll != nullptr ? request.scroll[3] : 0);
   if (x.from_extent < 1 || y.from_extent < 1 || x.to_extent < 1 || y.to_extent < 1) return;
   draw(Rect{x.to, y.to, x.to_extent, y.to_extent}, Rect{x.from, y.from, x.from_extent, y.from_extent});
 }
 
-DWORD operation_of(const OneShotRequest& request) { return request.flags & IMG_DISPLAY_INVERTED ? NOTSRCCOPY : SRCCOPY; }
+DWORD operation_of(const StatelessRequest& request) { return request.flags & IMG_DISPLAY_INVERTED ? NOTSRCCOPY : SRCCOPY; }
 
 void prepare(HDC dc) {
   unmap(dc);
   SetStretchBltMode(dc, COLORONCOLOR);
 }
 
-// What is enlarged needs little memory in the system's hands, which fill the last rows and columns too.
-bool is_scaled_here(const DibHeader& header, Rect to, Rect from) {
-  const bool is_reduced = to.width <= from.width && to.height <= from.height;
-  return low_memory != 0 && is_reduced && with_depth(header.depth, [](auto) {}) &&
-         header.compression == Compression::kNone && header.size == kHeaderBytes;
+bool is_scaled_here(const DibHeader& header) {
+  return low_memory != 0 && with_depth(header.depth, [](auto) {}) && header.compression == Compression::kNone &&
+         header.size == kHeaderBytes;
 }
 
-// What is seen, stretched in memory. False where that cannot be done.
+// Scales the visible part in memory and draws it. Returns false if that fails.
 bool draw_scaled_here(HDC dc, const LockedDib& dib, Rect to, Rect from, DWORD operation) {
   auto seen = geometry::ScaleDIBRect(dib, from, {to.width, to.height});
   if (!seen) return false;
@@ -97,12 +95,12 @@ bool draw_scaled_here(HDC dc, const LockedDib& dib, Rect to, Rect from, DWORD op
 }
 
 void draw_part(HDC dc, const LockedDib& dib, Rect to, Rect from, DWORD operation) {
-  if (is_scaled_here(dib.header(), to, from) && draw_scaled_here(dc, dib, to, from, operation)) return;
+  if (is_scaled_here(dib.header()) && draw_scaled_here(dc, dib, to, from, operation)) return;
   if (const auto whole = DeviceDib::of(dib)) whole->stretch(dc, to, from, operation);
 }
 
-// Positions are image pixels: lines and pages are as many as take their window pixels.
-ScrollAxis scroll_axis(const OneShotAxis& image, int end, int position) {
+// Positions are in image pixels, so lines and pages are converted from window pixels.
+ScrollAxis scroll_axis(const StatelessAxis& image, int end, int position) {
   constexpr int kLine = 8;
   const auto positions = [&](int pixels) { return std::max(saturated(pixels / image.scale + 0.5), 1); };
   return {0, end, position, 1, positions(image.client), positions(kLine)};
@@ -119,10 +117,11 @@ int low_memory_stretch() { return low_memory; }
 
 int set_low_memory_stretch(int value) { return std::exchange(low_memory, value); }
 
-void paint_once(HWND window, const Painting& painting, HBITMAP bitmap, HPALETTE palette, const OneShotRequest& request) {
+void paint_stateless(HWND window, const Painting& painting, HBITMAP bitmap, HPALETTE palette,
+                     const StatelessRequest& request) {
   const auto facts = describe(bitmap);
   if (!facts) return;
-  const OneShotImage image = {static_cast<int>(facts->bmWidth), static_cast<int>(facts->bmHeight)};
+  const StatelessImage image = {static_cast<int>(facts->bmWidth), static_cast<int>(facts->bmHeight)};
   const SavedDc saved(painting.dc());
   prepare(painting.dc());
   paint_part(window, image, request, [&](Rect to, Rect from) {
@@ -135,7 +134,7 @@ void paint_once(HWND window, const Painting& painting, HBITMAP bitmap, HPALETTE 
   });
 }
 
-void paint_once(HWND window, const Painting& painting, HGLOBAL dib, const OneShotRequest& request) {
+void paint_stateless(HWND window, const Painting& painting, HGLOBAL dib, const StatelessRequest& request) {
   const auto locked = LockedDib::lock(dib);
   if (!locked) return;
   const auto palette = palette_of(*locked);
@@ -147,10 +146,10 @@ void paint_once(HWND window, const Painting& painting, HGLOBAL dib, const OneSho
   });
 }
 
-void set_one_shot_ranges(HWND window, HGLOBAL dib, int* scroll, const OneShotRequest& request) {
+void set_stateless_ranges(HWND window, HGLOBAL dib, int* scroll, const StatelessRequest& request) {
   const auto locked = LockedDib::lock(dib);
-  const OneShotImage image = locked ? image_of(*locked) : OneShotImage{};
-  const OneShotLayout layout = image.has_pixels() ? settled_layout(window, image, request) : OneShotLayout{};
+  const StatelessImage image = locked ? image_of(*locked) : StatelessImage{};
+  const StatelessLayout layout = image.has_pixels() ? settled_layout(window, image, request) : StatelessLayout{};
   const bool is_fitted = (request.flags & IMG_DISPLAY_FIT) != 0;
   scroll[0] = !is_fitted && layout.x.needs_scroll_bar() ? image.width : -1;
   scroll[1] = !is_fitted && layout.y.needs_scroll_bar() ? image.height : -1;
@@ -160,14 +159,14 @@ void set_one_shot_ranges(HWND window, HGLOBAL dib, int* scroll, const OneShotReq
   set_bar(window, SB_VERT, scroll[1], scroll[3]);
 }
 
-void follow_one_shot_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, HGLOBAL dib, int* scroll,
-                            const OneShotRequest& request) {
+void follow_stateless_scroll(HWND window, Direction direction, ScrollCode code, uint16_t word, HGLOBAL dib, int* scroll,
+                             const StatelessRequest& request) {
   const bool across = direction == Direction::kHorizontal;
   const int end = scroll[across ? 0 : 1];
   int& position = scroll[across ? 2 : 3];
   const auto locked = LockedDib::lock(dib);
   if (end < 0 || !locked) return;
-  OneShotLayout layout = layout_of(window, image_of(*locked), request.zoom);
+  StatelessLayout layout = layout_of(window, image_of(*locked), request.zoom);
   measure_client(window, layout);
   const ScrollAxis axis = scroll_axis(across ? layout.x : layout.y, end, position);
   position = scrolled(axis, code, word);
@@ -177,4 +176,4 @@ void follow_one_shot_scroll(HWND window, Direction direction, ScrollCode code, u
   UpdateWindow(window);
 }
 
-}  // namespace vorel
+}  // namespace vorel::display
