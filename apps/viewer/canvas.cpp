@@ -13,7 +13,7 @@ constexpr UINT kHorizontalWheelMessage = 0x020E;  // WM_MOUSEHWHEEL, which heade
 
 void register_class() {
   WNDCLASSW window_class{};
-  window_class.style = CS_HREDRAW | CS_VREDRAW;  // a fitted picture changes wherever it is
+  window_class.style = CS_HREDRAW | CS_VREDRAW;  // a fitted picture changes everywhere
   window_class.lpfnWndProc = send_to_object<Canvas>;
   window_class.hInstance = this_program();
   window_class.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32515));  // the cross
@@ -61,7 +61,7 @@ LRESULT Canvas::handle(UINT message, WPARAM wParam, LPARAM lParam) {
   }
 }
 
-// What the library's display is told of.
+// Messages that are forwarded to the library's display.
 LRESULT Canvas::handle_display(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_CREATE: view_.create(window_); break;
@@ -70,7 +70,7 @@ LRESULT Canvas::handle_display(UINT message, WPARAM wParam, LPARAM lParam) {
       view_.resized();
       events_.changed();
       break;
-    case WM_ERASEBKGND:  // painting fills what is around the picture
+    case WM_ERASEBKGND:  // painting fills the area around the picture
       return view_.is_showing() ? TRUE : DefWindowProcW(window_, message, wParam, lParam);
     case WM_PAINT:
       if (!view_.is_showing()) return DefWindowProcW(window_, message, wParam, lParam);
@@ -99,7 +99,7 @@ LRESULT Canvas::handle_mouse(UINT message, WPARAM wParam, LPARAM lParam) {
       return 0;
     case WM_LBUTTONUP:
     case WM_RBUTTONUP: end_band(point_of(lParam)); return 0;
-    case WM_CAPTURECHANGED:  // taken away; what is left of the band is painted over
+    case WM_CAPTURECHANGED:  // capture was lost; a repaint removes the band
       if (std::exchange(has_band_, false)) InvalidateRect(window_, nullptr, FALSE);
       return 0;
     case WM_MOUSEWHEEL:
@@ -129,7 +129,7 @@ void Canvas::cancel_band() {
   if (std::exchange(has_band_, false)) view_.cancel_band();
 }
 
-// Alone it scrolls down, with Shift across; with Ctrl it zooms where the mouse is.
+// Scrolls vertically, with Shift horizontally; with Ctrl zooms at the mouse.
 void Canvas::turn_wheel(UINT message, WPARAM wParam, LPARAM lParam) {
   if (!view_.is_showing() || has_band_) return;
   const int units = static_cast<short>(HIWORD(wParam));
@@ -165,7 +165,7 @@ constexpr ScrollKey kScrollKeys[] = {{VK_LEFT, WM_HSCROLL, SB_LINELEFT}, {VK_RIG
                                      {VK_UP, WM_VSCROLL, SB_LINEUP},     {VK_DOWN, WM_VSCROLL, SB_LINEDOWN},
                                      {VK_HOME, WM_VSCROLL, SB_TOP},      {VK_END, WM_VSCROLL, SB_BOTTOM}};
 
-constexpr LPARAM kWasDownBefore = LPARAM{1} << 30;  // a key that repeats
+constexpr LPARAM kWasDownBefore = LPARAM{1} << 30;  // set when a held key repeats
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// The part of the viewer's window that shows the picture, and what mouse and keys do there.
+// The part of the viewer's window that shows the picture, with its mouse and keyboard control.
 #pragma once
 
 #include <functional>
@@ -12,16 +12,16 @@ namespace vorel::viewer {
 
 class Canvas {
  public:
-  // What the owner wants to hear of. Both may be called while the window handles a message.
+  // Notifications to the owner. Both may be called while the window handles a message.
   struct Events {
-    std::function<void()> changed;                         // the view's size
-    std::function<void(const std::wstring& text)> failed;  // why something was not done
+    std::function<void()> changed;                         // the displayed size
+    std::function<void(const std::wstring& text)> failed;  // the reason of a failure
   };
 
   bool create(HWND parent, Events events);
   HWND window() const { return window_; }
 
-  // Changes of what is shown go through here, so that no lens is in the way and the owner hears of them.
+  // Every change of the view goes through here: it stops the lens and notifies the owner.
   void change(const std::function<void(View&)>& action);
   const View& view() const { return view_; }
 

@@ -7,7 +7,7 @@
 namespace vorel::viewer {
 namespace {
 
-constexpr int kTimes = 2;  // as large as the view shows the picture, and no smaller than it is
+constexpr int kTimes = 2;  // the view's scale times this, at least actual size
 
 Bitmap picture_for_lens(const View& view) {
   SetImgError(IMG_OK);

@@ -8,7 +8,7 @@ namespace vorel::viewer {
 
 class Lens {
  public:
-  // The window must show the view as it is until the lens is gone. Throws Failure when there is no memory for the picture.
+  // The view must not change while the lens exists. Throws Failure if there is not enough memory for the picture.
   Lens(HWND window, const View& view);
   Lens(const Lens&) = delete;
   Lens& operator=(const Lens&) = delete;
@@ -20,7 +20,7 @@ class Lens {
   HWND window_;
   const View& view_;
   Bitmap picture_;
-  int zoom_[4];  // numerator and denominator, across and down
+  int zoom_[4];  // numerator and denominator, horizontal, then vertical
 };
 
 }  // namespace vorel::viewer

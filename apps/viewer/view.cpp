@@ -7,7 +7,7 @@
 namespace vorel::viewer {
 namespace {
 
-// A window's device context in image pixels.
+// A window's device context with the display's mapping: logical units are image pixels.
 class MappedDc {
  public:
   MappedDc(HWND window, ImgDisplayState& state) : dc_(window) { MapDisplayDC(dc_.get(), &state); }
@@ -21,20 +21,54 @@ class MappedDc {
     return image;
   }
   double scale() const {
+    const Ratio across = ratio(SB_HORZ);
+    return static_cast<double>(across.viewport) / across.window;
+  }
+  Ratio ratio(int bar) const {
     SIZE viewport{}, window{};
     GetViewportExtEx(dc_.get(), &viewport);
     GetWindowExtEx(dc_.get(), &window);
-    return static_cast<double>(viewport.cx) / static_cast<double>(window.cx);
+    return bar == SB_HORZ ? Ratio{static_cast<int>(viewport.cx), static_cast<int>(window.cx)}
+                          : Ratio{static_cast<int>(viewport.cy), static_cast<int>(window.cy)};
   }
 
  private:
   WindowDc dc_;
 };
 
+// Suspends painting for a scope, then repaints the whole window once. Intermediate positions are never shown.
+class PausedPainting {
+ public:
+  explicit PausedPainting(HWND window)
+      : window_(window), is_visible_((GetWindowLongPtrW(window, GWL_STYLE) & WS_VISIBLE) != 0) {
+    if (is_visible_) SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
+  }
+  PausedPainting(const PausedPainting&) = delete;
+  PausedPainting& operator=(const PausedPainting&) = delete;
+  ~PausedPainting() {
+    if (!is_visible_) return;  // hidden, or within another pause
+    SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
+    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME);
+  }
+
+ private:
+  HWND window_;
+  bool is_visible_;
+};
+
 POINT middle_of_client(HWND window) {
   RECT client{};
   GetClientRect(window, &client);
   return {client.right / 2, client.bottom / 2};
+}
+
+// The thumb position with 32 bits; the message has only 16.
+int thumb_position(HWND window, int bar) {
+  SCROLLINFO info{};
+  info.cbSize = sizeof info;
+  info.fMask = SIF_TRACKPOS;
+  GetScrollInfo(window, bar, &info);
+  return info.nTrackPos;
 }
 
 UINT flag_of(Sizing sizing) {
@@ -61,25 +95,12 @@ void View::resized() {
   DisplayWmSize(window_, 0, 0, &state_);
   if (is_starting_ || !is_showing()) return;
   update_bars();
-  keep_in_view(SB_HORZ);
-  keep_in_view(SB_VERT);
+  scroll_by(0, 0);
 }
 
 void View::paint() { DisplayWmPaint(window_, &state_); }
 
-void View::scroll(int bar, WPARAM wParam) {
-  const int code = LOWORD(wParam);
-  if (code == SB_THUMBTRACK || code == SB_THUMBPOSITION) {
-    SCROLLINFO info{};
-    info.cbSize = sizeof info;
-    info.fMask = SIF_TRACKPOS;
-    GetScrollInfo(window_, bar, &info);
-    scroll_to(bar, info.nTrackPos);
-  } else {
-    (bar == SB_HORZ ? DisplayWmHorzScroll : DisplayWmVertScroll)(window_, wParam, 0, &state_);
-    keep_in_view(bar);
-  }
-}
+void View::scroll(int bar, WPARAM wParam) { scroll_to(bar, wanted_position(bar, LOWORD(wParam))); }
 
 void View::realise_palette() {
   if (palette() == nullptr) return;
@@ -98,7 +119,7 @@ UINT View::flags() const {
          (bars_.vertical ? 0 : IMG_DISPLAY_NO_VSCROLL);
 }
 
-// Bars that come or go change the window's size in between.
+// Scroll bars that appear or disappear resize the window during the start; resized() then only lays out.
 void View::start_with_bars() {
   const int zoom[4] = {ratio_.viewport, ratio_.window, ratio_.viewport, ratio_.window};
   is_starting_ = true;
@@ -107,7 +128,7 @@ void View::start_with_bars() {
   realise_palette();
 }
 
-// How large the picture gets is known once it is started.
+// The displayed size is known after the start, so the bars are updated then.
 void View::start() {
   start_with_bars();
   update_bars();
@@ -121,13 +142,15 @@ void View::update_bars() {
   if (sizing_ == Sizing::kFitWidth) bars.vertical = needs_bar_when_as_wide(picture, window);
   if (bars == bars_) return;
   bars_ = bars;
+  const PausedPainting paused(window_);
   const POINT corner = image_point({0, 0});
   start_with_bars();
   bring(corner, {0, 0});
 }
 
-// Starting brings a picture to its beginning. Here what is in the middle of the window stays there.
+// A start resets the scroll positions. This one keeps the middle of the window.
 void View::start_in_place() {
+  const PausedPainting paused(window_);
   const POINT middle = middle_of_client(window_), point = image_point(middle);
   start();
   bring(point, middle);
@@ -165,7 +188,7 @@ void View::toggle(Option option) {
 
 // ---- Zooming ----
 
-// As numbers that the library's steps go on from, whatever made the size so far.
+// The current ratio, or for other sizings the nearest one that the library's steps can continue from.
 Ratio View::current_ratio() const { return sizing_ == Sizing::kRatio ? ratio_ : ratio_for(scale()); }
 
 RECT View::current_ratio_rect() const {
@@ -187,31 +210,37 @@ void View::zoom_by_step(Step step, const POINT* at) {
   set_ratio({tracker.resultViewportX, tracker.resultWindowX}, image_point(point), point);
 }
 
-// Makes the picture so large that a point of it lies at a point of the window.
+// Shows the picture at a ratio, with image_point at the window point `at`.
 void View::set_ratio(Ratio ratio, POINT image_point, POINT at) {
+  const PausedPainting paused(window_);
   sizing_ = Sizing::kRatio;
   ratio_ = ratio;
   start();
   bring(image_point, at);
 }
 
-// A stretched picture is first shown in its proportions, which are those that a ratio keeps.
+// A ratio keeps the proportions, so a stretched picture is fitted first.
 void View::begin_band(POINT mouse, Step step_of_click) {
   constexpr int kLargerMode = 0x12, kSmallerMode = 0x13;
   if (sizing_ == Sizing::kStretch) set_sizing(Sizing::kFit);
-  UpdateWindow(window_);  // what is painted later would cover the band
+  UpdateWindow(window_);  // a later WM_PAINT would erase the band
   const RECT current = current_ratio_rect();
   BZoomStart(window_, &mouse, &current, step_of_click == Step::kLarger ? kLargerMode : kSmallerMode, &tracker_, FALSE);
 }
 
 void View::move_band(POINT mouse) { BZoomUpdate(window_, &mouse, &tracker_); }
 
+// The library computes the corner of a fitted picture for the fitted size, so the middle of the band is used instead.
 void View::end_band(POINT mouse) {
+  move_band(mouse);
+  const bool is_rectangle = tracker_.bandShown != 0;
+  const POINT middle = is_rectangle ? POINT{(tracker_.anchorX + mouse.x) / 2, (tracker_.anchorY + mouse.y) / 2} : mouse;
+  const POINT point = image_point(middle);
   BZoomEnd(window_, &mouse, &tracker_, &state_);
-  set_ratio({tracker_.resultViewportX, tracker_.resultWindowX}, {tracker_.resultLeft, tracker_.resultTop}, {0, 0});
+  set_ratio({tracker_.resultViewportX, tracker_.resultWindowX}, point, middle_of_client(window_));
 }
 
-// Without a point the library only takes the band away.
+// Without a point the library only erases the band.
 void View::cancel_band() { BZoomEnd(window_, nullptr, &tracker_, &state_); }
 
 // ---- Scrolling ----
@@ -222,27 +251,46 @@ Extent View::displayed() const {
   return {static_cast<int>(to.x - from.x), static_cast<int>(to.y - from.y)};
 }
 
-// With the room that scroll bars take.
+// Including the area of the scroll bars.
 Extent View::whole_window() const {
   RECT whole{};
   GetWindowRect(window_, &whole);
   return {static_cast<int>(whole.right - whole.left), static_cast<int>(whole.bottom - whole.top)};
 }
 
-View::Axis View::axis(int bar) const {
+ScrolledAxis View::axis(int bar) const {
   const ImgDisplayLayout& layout = state_.layout;
   const Extent picture = displayed();
-  if (bar == SB_HORZ) return {layout.hScrollPos, layout.hScrollMin, picture.width, layout.clientRight - layout.clientLeft};
-  return {layout.vScrollPos, layout.vScrollMin, picture.height, layout.clientBottom - layout.clientTop};
+  const int step = scroll_step(MappedDc(window_, state_).ratio(bar));
+  if (bar == SB_HORZ)
+    return {layout.hScrollPos, layout.hScrollMin, picture.width, layout.clientRight - layout.clientLeft, step};
+  return {layout.vScrollPos, layout.vScrollMin, picture.height, layout.clientBottom - layout.clientTop, step};
 }
 
-// Goes by messages, which move one direction alone: a position in both would bring a picture that is centred in the other one to
-// the edge. A message's word holds small numbers only.
+int View::wanted_position(int bar, int code) const {
+  constexpr int kLine = 8;
+  const ScrolledAxis along = axis(bar);
+  switch (code) {
+    case SB_LINEUP: return along.position - std::max(kLine, along.step);
+    case SB_LINEDOWN: return along.position + std::max(kLine, along.step);
+    case SB_PAGEUP: return along.position - along.window / 2;
+    case SB_PAGEDOWN: return along.position + along.window / 2;
+    case SB_THUMBPOSITION:
+    case SB_THUMBTRACK: return thumb_position(window_, bar);
+    case SB_TOP: return along.first;
+    case SB_BOTTOM: return along.last();
+    default: return along.position;
+  }
+}
+
+// Keeps the picture in view; the library would let it be scrolled out of the window. Uses scroll messages because they move
+// one axis only: DisplaySetScrollPos would also move a picture that is centred on the other axis to the edge. Messages hold
+// 16 bits only.
 void View::scroll_to(int bar, int position) {
   constexpr int kLargestInWord = 0x7FFF;
-  const Axis along = axis(bar);
-  if (!along.is_larger_than_window()) return;
-  const int wanted = position_in_view(position, along.first, along.picture, along.window);
+  const ScrolledAxis along = axis(bar);
+  const int wanted = position_in_view(along, position);
+  if (wanted == along.position) return;
   if (std::abs(wanted) <= kLargestInWord) {
     (bar == SB_HORZ ? DisplayWmHorzScroll : DisplayWmVertScroll)(window_, MAKEWPARAM(SB_THUMBPOSITION, wanted), 0, &state_);
   } else {
@@ -252,16 +300,9 @@ void View::scroll_to(int bar, int position) {
   }
 }
 
-// The library lets a picture be scrolled out of the window.
-void View::keep_in_view(int bar) {
-  const Axis along = axis(bar);
-  if (along.position != position_in_view(along.position, along.first, along.picture, along.window))
-    scroll_to(bar, along.position);
-}
-
 void View::scroll_by(int x, int y) {
-  if (x != 0) scroll_to(SB_HORZ, axis(SB_HORZ).position + x);
-  if (y != 0) scroll_to(SB_VERT, axis(SB_VERT).position + y);
+  scroll_to(SB_HORZ, axis(SB_HORZ).position + x);
+  scroll_to(SB_VERT, axis(SB_VERT).position + y);
 }
 
 void View::bring(POINT image_point, POINT at) {

@@ -1,4 +1,4 @@
-// How a picture is shown in a window with scroll bars: the library's display, and what is chosen about it.
+// The picture in a window with scroll bars: the library's display and the options chosen for it.
 #pragma once
 
 #include <vorel32.h>
@@ -7,27 +7,27 @@
 
 namespace vorel::viewer {
 
-// What makes the size of a picture.
+// How the displayed size of a picture is chosen.
 enum class Sizing { kRatio, kFit, kFitWidth, kStretch };
 
-// Options that can be on or off besides: IMG_DISPLAY_CENTRE, IMG_DISPLAY_RESOLUTION and IMG_DISPLAY_INVERTED.
+// Options besides the sizing: IMG_DISPLAY_CENTRE, IMG_DISPLAY_RESOLUTION and IMG_DISPLAY_INVERTED.
 using Option = UINT;
 
 class View {
  public:
-  // Belongs to a window with scroll bars, and hears of all that it gets: WM_SIZE, WM_PAINT, WM_HSCROLL, WM_VSCROLL, WM_DESTROY.
+  // The window forwards WM_CREATE, WM_SIZE, WM_PAINT, WM_HSCROLL, WM_VSCROLL and WM_DESTROY.
   void create(HWND window);
   void resized();
   void paint();
   void scroll(int bar, WPARAM wParam);
   void destroy();
-  // On displays with a palette: takes the picture's colours to the front. The library paints with what is there.
+  // On displays with a palette: realises the picture's palette in the foreground. The library paints in the background.
   void realise_palette();
 
-  // Shows another picture, or none, from its beginning. The DIB must live until the next is shown.
-  //   show_first    at its actual size, or as small as it takes to be seen whole
-  //   show_next     as the picture before
-  //   show_changed  as the picture before, and at the same place
+  // Shows another picture or, for a null handle, none. The DIB must live until the next is shown.
+  //   show_first    at its actual size, or fitted if it is larger than the window
+  //   show_next     with the sizing of the previous picture
+  //   show_changed  with the sizing and the place of the previous picture
   void show_first(HGLOBAL dib);
   void show_next(HGLOBAL dib);
   void show_changed(HGLOBAL dib);
@@ -35,34 +35,29 @@ class View {
   bool is_showing() const { return dib_ != nullptr; }
   Sizing sizing() const { return sizing_; }
   bool has(Option option) const { return (options_ & option) != 0; }
-  double scale() const;  // across; of pixels on the screen to pixels of the picture
+  double scale() const;  // horizontal: window pixels per picture pixel
 
   void set_sizing(Sizing sizing);
   void toggle(Option option);
   void zoom_to_actual_size();
-  // A step along the library's table. What is at a point of the window stays there, in its middle without a point.
+  // A step along the library's table. The picture point at `at`, by default the middle of the window, stays there.
   enum class Step { kLarger, kSmaller };
   void zoom_by_step(Step step, const POINT* at = nullptr);
 
-  // A rectangle dragged with the mouse, which then fills the window. A click without dragging takes a step.
+  // A rectangle dragged with the mouse fills the window. A click without dragging is a step.
   void begin_band(POINT mouse, Step step_of_click);
   void move_band(POINT mouse);
   void end_band(POINT mouse);
   void cancel_band();
 
-  void scroll_by(int x, int y);  // pixels of the window
+  void scroll_by(int x, int y);  // pixels of the window; 0 in both brings the picture back into view
 
-  // For those who draw or look at the picture themselves.
+  // For the lens and other drawing of the same picture.
   POINT image_point(POINT at) const;
   HGLOBAL dib() const { return dib_; }
   HPALETTE palette() const { return state_.palette; }
 
  private:
-  struct Axis {
-    int position, first, picture, window;  // device units
-    bool is_larger_than_window() const { return picture > window; }
-  };
-
   void start();
   void start_in_place();
   void start_with_bars();
@@ -70,9 +65,9 @@ class View {
   UINT flags() const;
   Extent displayed() const;
   Extent whole_window() const;
-  Axis axis(int bar) const;
+  ScrolledAxis axis(int bar) const;
+  int wanted_position(int bar, int code) const;
   void scroll_to(int bar, int position);
-  void keep_in_view(int bar);
   void bring(POINT image_point, POINT at);
   void set_ratio(Ratio ratio, POINT image_point, POINT at);
   Ratio current_ratio() const;
@@ -85,7 +80,7 @@ class View {
   Option options_ = IMG_DISPLAY_CENTRE;
   Bars bars_{};
   bool is_starting_ = false;
-  mutable ImgDisplayState state_{};  // the library maps device contexts by it, and notes how
+  mutable ImgDisplayState state_{};  // mapping a device context records its origins here
   ImgZoomTracker tracker_{};
 };
 

@@ -1,11 +1,12 @@
-// Windows whose messages go to an object.
+// Windows whose messages are handled by an object.
 #pragma once
 
 #include "viewer/system.h"
 
 namespace vorel::viewer {
 
-// A class with `LRESULT handle(UINT, WPARAM, LPARAM)` and `void attach(HWND)`; its object is what CreateWindowEx gets last.
+// The window procedure for a class with `LRESULT handle(UINT, WPARAM, LPARAM)` and `void attach(HWND)`. The object is the
+// last argument of CreateWindowEx.
 template <class Object>
 LRESULT CALLBACK send_to_object(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_NCCREATE) {
@@ -19,7 +20,7 @@ LRESULT CALLBACK send_to_object(HWND window, UINT message, WPARAM wParam, LPARAM
 
 inline HINSTANCE this_program() { return GetModuleHandleW(nullptr); }
 
-// Where the mouse is by a message, which counts from the window's left upper corner and may be negative.
+// The mouse position in a message, in client coordinates; it can be negative.
 inline POINT point_of(LPARAM lParam) { return {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))}; }
 
 }  // namespace vorel::viewer

@@ -65,12 +65,28 @@ TEST(ViewerBars, ComeWhereAPictureIsLarger) {
   EXPECT_FALSE(needs_bar_when_as_wide({60, 50}, {100, 100}));
 }
 
-TEST(ViewerBars, KeepAWindowfulInView) {
-  constexpr int kFirst = -50, kPicture = 300, kWindow = 100;
-  EXPECT_EQ(position_in_view(-80, kFirst, kPicture, kWindow), -50);
-  EXPECT_EQ(position_in_view(20, kFirst, kPicture, kWindow), 20);
-  EXPECT_EQ(position_in_view(250, kFirst, kPicture, kWindow), 150);
-  EXPECT_EQ(position_in_view(5, 0, kWindow, kPicture), 0);
+TEST(ViewerScrolling, GoesByWholeImagePixelsAndTheLibrarysSteps) {
+  const struct {
+    Ratio ratio;
+    int step;
+  } cases[] = {{{1, 1}, 1},   {{16, 8}, 2},   {{16, 1}, 16}, {{12, 8}, 12},     {{12, 1}, 12},
+               {{16, 24}, 2}, {{16, 512}, 1}, {{7, 3}, 7},   {{701, 1200}, 13}, {{1600, 1200}, 4}};
+  for (const auto& row : cases) EXPECT_EQ(scroll_step(row.ratio), row.step) << row.ratio.viewport << ":" << row.ratio.window;
+}
+
+TEST(ViewerScrolling, KeepsAWindowfulInView) {
+  ScrolledAxis axis{.position = 1, .first = -50, .picture = 300, .window = 100, .step = 12};
+  const int positions[][2] = {{-80, -50}, {-50, -50}, {6, 1},     {8, 13},   {25, 25},
+                              {-3, 1},    {149, 145}, {150, 157}, {999, 157}};
+  for (const auto& [wanted, expected] : positions) EXPECT_EQ(position_in_view(axis, wanted), expected) << wanted;
+  axis.position = 157;
+  EXPECT_EQ(position_in_view(axis, 157), 157) << "a step beyond the last position is in view";
+  axis.position = 160;
+  EXPECT_EQ(position_in_view(axis, 160), 160);
+  axis.position = 250;
+  EXPECT_EQ(position_in_view(axis, 250), 154);
+  axis = {.position = 5, .first = 5, .picture = 100, .window = 100, .step = 1};
+  EXPECT_EQ(position_in_view(axis, 80), 5) << "nothing to scroll";
 }
 
 TEST(ViewerWheel, LosesNoPartOfANotch) {

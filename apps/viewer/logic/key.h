@@ -1,11 +1,11 @@
-// Keys of the keyboard: how a menu names them.
+// Keyboard shortcuts and their names in menus.
 #pragma once
 
 #include <string>
 
 namespace vorel::viewer {
 
-// A key with what is held down with it. Letters and digits go by their capital character, as virtual keys of Windows do.
+// A key with its modifiers. Letters and digits are identified by their upper-case character, as Windows virtual keys are.
 struct Key {
   int code = 0;  // a virtual key; 0 for none
   bool control = false;
@@ -13,7 +13,7 @@ struct Key {
   bool operator==(const Key&) const = default;
 };
 
-// The virtual keys that have no character of their own, by their numbers on Windows.
+// Windows virtual key codes of keys without a character of their own.
 enum VirtualKey : int {
   kSpaceKey = 0x20,
   kPageUpKey = 0x21,
@@ -28,7 +28,7 @@ enum VirtualKey : int {
   kMinusKey = 0xBD,
 };
 
-// As menus show it: "Ctrl+Shift+S". Empty for no key.
+// The text in a menu, such as "Ctrl+Shift+S". Empty for no key.
 std::wstring key_text(const Key& key);
 
 }  // namespace vorel::viewer

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <numeric>
 
 namespace vorel::viewer {
 namespace {
@@ -35,8 +36,20 @@ bool needs_bar_when_as_wide(Extent picture, Extent window) {
   return int64_t{picture.height} * window.width > int64_t{window.height} * picture.width;
 }
 
-int position_in_view(int position, int first, int picture, int window) {
-  return std::clamp(position, first, first + std::max(0, picture - window));
+int scroll_step(Ratio ratio) {
+  constexpr int kMost = 16;
+  const int of_library = std::max(ratio.viewport % kMost, 1);
+  const int of_pixels = ratio.viewport / std::gcd(ratio.viewport, ratio.window);
+  const int64_t both = std::lcm(int64_t{of_library}, int64_t{of_pixels});
+  return both <= kMost ? static_cast<int>(both) : of_library;
+}
+
+int position_in_view(const ScrolledAxis& axis, int wanted) {
+  if (axis.picture <= axis.window) return axis.position;
+  if (wanted <= axis.first) return axis.first;
+  const double steps = (std::min(wanted, axis.last()) - axis.position) / static_cast<double>(axis.step);
+  const double whole = wanted >= axis.last() ? std::ceil(steps) : std::round(steps);
+  return axis.position + static_cast<int>(whole) * axis.step;
 }
 
 int WheelSteps::turn(int units) {

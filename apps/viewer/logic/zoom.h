@@ -1,28 +1,28 @@
-// Arithmetic of zooming and of scroll bars, in plain numbers.
+// Arithmetic of zooming and scrolling.
 #pragma once
 
 namespace vorel::viewer {
 
-// Image pixels are drawn viewport / window times as large.
+// viewport / window window pixels per image pixel.
 struct Ratio {
   int viewport;
   int window;
   bool operator==(const Ratio&) const = default;
 };
 
-// What stands for 1 in a ratio. The display keeps the first number of a ratio below 17 by halving both, so with 16 every step
-// below is drawn exactly as large as it says.
+// Stands for 1 in a ratio. The display halves both numbers of a ratio until the first is at most 16, so every step below is
+// drawn at exactly its ratio.
 inline constexpr int kZoomBase = 16;
 inline constexpr Ratio kActualSize{kZoomBase, kZoomBase};
 
-// Tables for BZoomSetScaleSteps: a count, then the steps. From 1 to 16 times, and down to 1/32.
+// Tables for BZoomSetScaleSteps: a count, then the steps, from 1 to 16 and down to 1/32.
 inline constexpr int kEnlargeSteps[] = {9, 16, 24, 32, 48, 64, 96, 128, 192, 256, 0};
 inline constexpr int kReduceSteps[] = {10, 16, 24, 32, 48, 64, 96, 128, 192, 256, 512};
 
 // The ratio nearest to a scale that has the base on one side, between the ends of the tables.
 Ratio ratio_for(double scale);
 
-// Per cent, rounded; at least 1.
+// In per cent, rounded, at least 1.
 int percent(double scale);
 
 struct Extent {
@@ -36,19 +36,33 @@ struct Bars {
 };
 
 // Which scroll bars a picture needs in a window.
-//   picture  as it is displayed
-//   window   with the room that bars may take
+//   picture  its displayed size
+//   window   its size including the area of scroll bars
 //   bar      height of a horizontal bar and width of a vertical one
 Bars bars_needed(Extent picture, Extent window, Extent bar);
 
-// Whether a picture that is made as wide as a window is then too high for it.
+// Whether a picture scaled to the width of a window is higher than the window.
 bool needs_bar_when_as_wide(Extent picture, Extent window);
 
-// Where the middle of a shown stretch stays within a picture: the position nearest to `position` at which a window shows as
-// much of the picture as it can. All in device units, positions from `first` on.
-int position_in_view(int position, int first, int picture, int window);
+// One direction of a picture in a window, in pixels of the window.
+struct ScrolledAxis {
+  int position, first;  // positions count from `first`
+  int picture, window;  // extents
+  int step;             // see scroll_step
 
-// Turns of a mouse wheel, which come in parts of a notch, into whole steps.
+  int last() const { return picture > window ? first + picture - window : first; }
+};
+
+// The unit of scrolling, in window pixels: a whole number of image pixels and of the library's own units, so that the
+// content of the window can be moved without painting it again. If that is more than a line, as it can be for fitted widths,
+// only the library's unit.
+int scroll_step(Ratio ratio);
+
+// The position nearest to `wanted` that is whole steps away and shows no area outside the picture. The first position is
+// reached exactly. The last one can be up to a step too far, so that the picture's end is always shown.
+int position_in_view(const ScrolledAxis& axis, int wanted);
+
+// Converts wheel messages, which can report parts of a notch, to whole steps.
 class WheelSteps {
  public:
   // Steps per notch of 120 units.
