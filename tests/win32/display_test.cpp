@@ -289,7 +289,7 @@ TEST(Display, WhateverHappensBetweenPaintingTheWindowEqualsAFullRepaint) {
     std::minstd_rand random(static_cast<unsigned>(depth));
     CoveredWindow window;
     image.start(window, source, 0);
-    for (int round = 0; round < 60; ++round) {
+    for (int round = 0; round < 40; ++round) {
       const int changes = 1 + static_cast<int>(random() % 6);
       for (int i = 0; i < changes; ++i) change_at_random(window, image, source, random);
       const Pixels shown = window.uncovered();
