@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds the library for Linux and for 32-bit Windows and takes pictures the whole way from file to paper: loaded, processed by both
-# builds and compared byte for byte, shown in the viewer, printed, and the print made pictures again. Leaves the stages and
-# contact sheets under out/. Works on a fresh Debian 12 machine; can be run again at any time, and then takes under a minute.
+# Builds the library for Linux and for 32-bit Windows and takes pictures from file to paper: loads them, processes them with both
+# builds and compares the results byte for byte, shows them in the viewer, prints them, and rasterises the printed pages. Leaves
+# each stage and contact sheets under out/. Works on a fresh Debian 12 machine. Runs again at any time, then in under a minute.
 # usage: demo.sh [--all] [PICTURE.bmp]
-#   --all        every verb of the tool and every format besides, through both builds (some minutes)
-#   PICTURE.bmp  what --all is done to, in place of the sample pictures
+#   --all        also every verb of the tool and every format, through both builds (some minutes)
+#   PICTURE.bmp  run --all on this picture instead of the samples
 set -euo pipefail
 every_verb=no
 if [ "${1:-}" = --all ]; then every_verb=yes; shift; fi
@@ -15,13 +15,13 @@ cd "$(dirname "$0")"
 say() { printf '\n== %s\n' "$*"; }
 fail() { printf 'demo: %s\n' "$*" >&2; exit 1; }
 
-[ -z "$picture" ] || [ -f "$picture" ] || fail "$picture is no file; give a Windows bitmap file, or nothing for the samples"
+[ -z "$picture" ] || [ -f "$picture" ] || fail "there is no file $picture; give a Windows bitmap file, or nothing for the samples"
 
 ./tools/setup.sh
 mkdir -p build out
 for preset in native win32; do
   say "building for $preset (log: build/$preset.log)"
-  { cmake --preset "$preset" && cmake --build --preset "$preset"; } >"build/$preset.log" 2>&1 ||
+  { cmake --preset "$preset" && cmake --build --preset "$preset" --target demo; } >"build/$preset.log" 2>&1 ||
     { tail -40 "build/$preset.log"; fail "$preset does not build"; }
 done
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds everything and runs all tests: native, native under the sanitizers, and the Windows build under 32-bit Wine.
-# Works on a fresh Debian 12 machine; can be run again at any time, and then rebuilds only what has changed.
+# Works on a fresh Debian 12 machine. Runs again at any time, and then rebuilds only what has changed.
 # usage: test.sh [native|asan|win32]...   (default: all three)
 set -euo pipefail
 cd "$(dirname "$0")"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The longer half of the demo: each picture of out/pictures goes through the Linux tool and through the Windows one, the results
-# are compared, and a contact sheet is made of them. Called by demo.sh inside a Wine session.
+# The longer half of the demo: runs the Linux tool and the Windows tool on each picture of out/pictures, compares the results and
+# makes a contact sheet. Called by demo.sh inside a Wine session.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,14 +16,14 @@ steps=("convert" "rotate 90" "rotate 180" "rotate 270" "rotate -17 --white" "mir
 endings=(tif png jpg gif pcx dcx tga)
 different=0 compared=0
 
-# verdict NAME SAME: counts a comparison and prints what came of it.
+# verdict NAME SAME: counts a comparison and prints its result.
 verdict() {
   compared=$((compared + 1))
   [ "$2" = same ] || different=$((different + 1))
   printf '%-7s %s\n' "$2" "$1"
 }
 
-# run_both RESULT VERB ARGUMENT...: the same through both tools, each writing RESULT into its folder, and compares the two files.
+# run_both RESULT VERB ARGUMENT...: runs both tools, each writing RESULT into its folder, and compares the two files.
 run_both() {
   local result=$1 verb=$2 picture=$3 linux_code=0 windows_code=0
   build/native/bin/vorel "$verb" "$picture" "out/linux/$result" "${@:4}" || linux_code=$?
@@ -68,7 +68,7 @@ for picture in out/pictures/*.bmp; do
 done
 
 # A true-colour display keeps every colour, so the way through a device bitmap must not change a pixel.
-say "what went through a device bitmap of the display, pixel by pixel against the picture"
+say "device bitmaps of the display and back, compared with the picture pixel by pixel"
 for picture in out/pictures/*.bmp; do
   name=$(basename "$picture" .bmp)
   pixels=$(compare -metric AE "$picture" "out/windows/$name-through-device.bmp" null: 2>&1 || true)
@@ -83,5 +83,5 @@ montage -font DejaVu-Sans -pointsize 11 -label '%t' out/sheet/*.png -tile 9x -ge
 rm -rf out/sheet
 
 say "$compared results compared, $different differ"
-printf 'pictures: out/pictures  Linux: out/linux  Windows: out/windows  all at a glance: out/contact-sheet.png\n'
+printf 'pictures: out/pictures  Linux: out/linux  Windows: out/windows  contact sheet: out/contact-sheet.png\n'
 [ "$different" = 0 ]

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets and runs each for a while, from the seeds in fuzz/corpus. What it finds anew is kept in
-# build/fuzz/corpus, and an input that makes a target fail in build/fuzz/findings.
+# Builds the fuzz targets and runs each for a while, from the seeds in fuzz/corpus. New inputs are kept in
+# build/fuzz/corpus, inputs that make a target fail in build/fuzz/findings.
 # usage: fuzz.sh [SECONDS] [TARGET...]   (default: 60 seconds, all targets)
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks formatting, and looks for faults in the code of the native build. Changes nothing.
-# usage: lint.sh [--fix]   (--fix formats what is not formatted)
+# Checks formatting, and runs clang-tidy on the code of the native build. Changes nothing.
+# usage: lint.sh [--fix]   (--fix formats the sources)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 for program in clang-format clang-tidy; do
@@ -13,7 +13,7 @@ else
   clang-format --dry-run --Werror "${sources[@]}"
 fi
 [ -e build/native/compile_commands.json ] || cmake --preset native >/dev/null
-# What the native build compiles of these folders.
+# Sources of these folders that the native build compiles.
 mapfile -t native < <(sed -nE "s|^ *\"file\": \"$PWD/((src\|apps\|codecs)/.*)\",?$|\1|p" build/native/compile_commands.json | sort -u)
 printf '%s\0' "${native[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/native 2>/dev/null
 echo "lint: clean"

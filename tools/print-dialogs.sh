@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Takes pictures of the three printing dialogs: print-page.png, print-cancel.png and print-setup.png. The Wine prefix of the build
-# tree needs a printer for them (print-to-file.sh).
+# Takes screenshots of the three printing dialogs: print-page.png, print-cancel.png and print-setup.png. The Wine prefix of the build
+# tree must have a printer (print-to-file.sh).
 # usage: print-dialogs.sh FOLDER
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)

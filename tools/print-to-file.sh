@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Gives the Wine prefix of this build tree a PostScript printer whose jobs land in a file, each in place of the one before, and
-# makes it the default printer. Programs that run-wine.sh runs then print there:
+# Adds a PostScript printer to the Wine prefix of this build tree and makes it the default printer. Each job replaces the file.
+# Programs started by run-wine.sh then print there:
 #   tools/print-to-file.sh "Paper" /tmp/page.ps && tools/run-wine.sh build/win32/bin/vorel.exe print scan.tif
 #   gs -q -o 'page%d.png' -sDEVICE=png16m -r150 /tmp/page.ps
 # usage: print-to-file.sh NAME FILE [DPI]      (default: 300 dots per inch; A4)

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs a Windows program under 32-bit Wine, on a virtual screen, in a Wine prefix of this build tree.
 # usage: run-wine.sh [--session] PROGRAM [ARGUMENT...]
-#   --session  PROGRAM is a Linux command whose own calls of run-wine.sh share one screen (quicker than one screen a call)
+#   --session  PROGRAM is a Linux command whose own calls of run-wine.sh share one screen (faster than one screen for each call)
 # environment:
 #   VOREL_SCREEN_DEPTH  bits per pixel of the screen: 24 (default), or 8 for a palette display
 #   VOREL_WINE_ROOT     where the prefixes are kept (default: build/wine beside this script's folder)
@@ -15,7 +15,7 @@ screen_process=
 
 fail() { printf 'run-wine: %s\n' "$*" >&2; exit 1; }
 
-# Wine's helpers keep a pipe open that they inherit, which makes whoever reads it wait: output goes through files.
+# Wine's helper processes keep inherited pipes open, and readers of such a pipe wait for them. So output goes through files.
 run_program() {
   local output status=0
   output=$(mktemp -d)
@@ -57,13 +57,13 @@ start_session() {
   flock 9
   trap end_session EXIT
   trap 'exit 143' TERM INT HUP
-  wineserver -k 2>/dev/null && wineserver -w || true  # whatever still runs here belongs to a session that was killed
+  wineserver -k 2>/dev/null && wineserver -w || true  # left over from a session that was killed
   start_screen
   if [ ! -e "$WINEPREFIX/system.reg" ]; then
     printf 'run-wine: setting Wine up in %s (once, 10 to 20 seconds)\n' "$WINEPREFIX" >&2
     wine wineboot -i >/dev/null 2>&1 9>&- </dev/null || fail "wineboot failed; remove $WINEPREFIX and try again"
   fi
-  # There is no window manager: Wine draws the frames itself and does not wait for one, two seconds for each window that goes.
+  # There is no window manager. Wine then draws window frames itself and does not wait two seconds for one at each closed window.
   grep -qs '"Managed"="N"' "$WINEPREFIX/user.reg" ||
     wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null 2>&1 9>&- </dev/null || fail "the registry cannot be written"
   export VOREL_WINE_SESSION=$WINEPREFIX

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# Installs what building, testing and the demo need on Debian 12, and nothing that is there already; then has the codecs of the
-# Windows build made (get-codecs.sh).
-# Says what it installs before it does; asks for nothing; can be run again at any time.
+# Installs the missing packages that building, testing and the demo need on Debian 12, then builds the codecs of the Windows build
+# (get-codecs.sh). Prints what it installs before it does, asks no questions, and can be run again at any time.
 set -euo pipefail
 
 NATIVE=(build-essential cmake ninja-build ccache pkg-config
@@ -34,9 +33,9 @@ missing() {
   for package in "$@"; do installed "$package" || printf '%s\n' "$package"; done
 }
 
-refresh_lists() { apt_get update || say "the package lists could not be refreshed whole; going on with what is there"; }
+refresh_lists() { apt_get update || say "the package lists could not be refreshed completely; using the lists at hand"; }
 
-# The lists of amd64 come before those of i386, which may fail: then the former stay, which otherwise would not come either.
+# The lists of amd64 are fetched first: those of i386 may fail, and in one request neither would arrive.
 prepare_lists() {
   refresh_lists
   if ! dpkg --print-foreign-architectures | grep -qx i386; then
@@ -45,15 +44,15 @@ prepare_lists() {
   fi
 }
 
-# 32-bit Wine needs i386 packages, whose libraries must have the very versions that amd64 has installed; -dev packages want
-# theirs to the letter, too. An archive mirror can offer an i386 security index that is out of step; then both architectures
-# take the release's own versions of what they share. All packages go in one request, so that none stands in another's way.
+# 32-bit Wine needs i386 libraries in exactly the versions that amd64 has installed, and -dev packages need exact versions too. A
+# mirror's i386 security index can be out of date; then both architectures take the release's versions of shared packages. One
+# request installs all packages, so that their versions fit together.
 install_packages() {
   if apt_install "$@" 2>/dev/null; then
-    say "installed the plain way"
+    say "installed"
     return 0
   fi
-  say "the plain way is blocked, because the security updates for i386 are out of step; taking the release's versions of the"
+  say "the usual installation fails, because the security updates for i386 are out of date; taking the release's versions of the"
   say "packages and of the libraries that amd64 and i386 share (a later apt-get upgrade brings them up to date)"
   local preferences codename
   codename=$(. /etc/os-release && echo "$VERSION_CODENAME")

@@ -1,4 +1,4 @@
-// Letters of ASCII without regard to case, whatever the locale.
+// ASCII letters regardless of case, independent of the locale.
 #pragma once
 
 #include <algorithm>

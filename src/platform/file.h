@@ -1,4 +1,4 @@
-// Files by their classic handles. Windows goes through OpenFile, _lopen, _hread and their kin, Linux through file descriptors.
+// Files by their classic handles. Windows goes through OpenFile, _lopen, _hread and similar calls, Linux through file descriptors.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ namespace vorel {
 
 enum class SeekFrom { kStart, kCurrent, kEnd };
 
-// An open file that belongs to somebody else.
+// An open file with another owner.
 class FileRef {
  public:
   explicit FileRef(HFILE handle) : handle_(handle) {}
@@ -38,10 +38,10 @@ class FileRef {
 // An open file that is closed with its scope.
 class OwnedFile : public FileRef {
  public:
-  // Folders and null paths cannot be opened, nor pipes for reading. On Windows OpenFile does it, which takes no path of more
-  // than 127 characters and looks for a bare name in the system's folders too.
+  // Opens no folders or null paths, and no pipes for reading. On Windows this is OpenFile, which takes paths of at most
+  // 127 characters and searches the system's folders for a bare name too.
   static std::optional<OwnedFile> open_for_reading(const char* path);
-  // Takes the path as it stands: it may be longer, and a bare name is in the current folder alone.
+  // Takes the path as given: it may be longer, and a bare name means the current folder only.
   static std::optional<OwnedFile> open_as_named(const char* path);
   static std::optional<OwnedFile> create(const char* path);
   static std::optional<OwnedFile> create_as_named(const char* path);
@@ -54,11 +54,11 @@ class OwnedFile : public FileRef {
   explicit OwnedFile(HFILE handle) : FileRef(handle) {}
 };
 
-// Whether there is anything of this name.
+// Whether a file or folder of this name exists.
 bool name_exists(const char* path);
 
-// The file that a path stands for, as every function finds it: a bare name may have led to a folder that is not the current
-// one. None for what cannot be opened for reading.
+// The path of the file that open_for_reading finds: a bare name may be found outside the current folder. None if the file
+// cannot be opened for reading.
 std::optional<std::string> find_file(const char* path);
 
 }  // namespace vorel

@@ -1,4 +1,4 @@
-// Owning types for global memory: a block of the library's own, a lock on anybody's, and a plain scratch buffer.
+// Owning types for global memory: a block of the library's own, a lock on any block, and a plain scratch buffer.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace vorel {
 
-// A lock on a global block, taken back with its scope.
+// A lock on a global block, released with its scope.
 class LockedBlock {
  public:
   // None for a null, dead or discarded handle.

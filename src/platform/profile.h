@@ -1,4 +1,4 @@
-// Texts in the form of an initialisation file: sections of keys and values.
+// Initialisation files: sections of keys and values.
 #pragma once
 
 #include <cstddef>
@@ -14,9 +14,9 @@
 
 namespace vorel {
 
-// The values of one such file. Sections and keys are found whatever their case; of several with one name the first counts.
-// Nothing is found in a file that cannot be read or is too large: pictures of any size are asked for values while their
-// format is found out, and to read them would cost more than to load them.
+// The values of one such file. Names of sections and keys ignore case; of several with one name the first counts.
+// A file that cannot be read or is too large has no values: detection of formats asks pictures of any size for values, and
+// reading a whole picture would cost more than loading it.
 class Profile {
  public:
   static constexpr int64_t kMostBytes = 1 << 20;
@@ -25,9 +25,9 @@ class Profile {
   Profile(const Profile&) = delete;
   Profile& operator=(const Profile&) = delete;
 
-  // A whole number, decimal or after 0x, 0o or 0b; the default if there is no such key or nothing is said for it.
+  // A whole number, decimal or after 0x, 0o or 0b; the default if the key is missing or empty.
   int number(const char* section, const char* key, int otherwise) const;
-  // At most so many characters of a value, without the quotation marks it may stand in; empty if there is no such key.
+  // At most `most` characters of a value, without surrounding quotation marks; empty if the key is missing.
   std::string text(const char* section, const char* key, size_t most) const;
 
  private:

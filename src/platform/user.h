@@ -1,9 +1,9 @@
-// What the person at the screen sees of a running operation.
+// What the user sees of a running operation.
 #pragma once
 
 namespace vorel {
 
-// Shows the wait cursor and returns the one that was shown before. Where there is no cursor these do nothing.
+// Shows the wait cursor and returns the previous one. Without a screen these do nothing.
 void* show_wait_cursor();
 void show_cursor(void* cursor);
 
@@ -19,8 +19,8 @@ class [[nodiscard]] WaitCursor {
   void* previous_;
 };
 
-// Show a message and wait until it is read; where there are no message boxes, write it on the standard error stream. A task
-// message keeps the person from all other windows of the thread meanwhile.
+// Show a message box and wait until it is closed; on Linux write to the standard error stream. A task message disables all
+// other windows of the thread meanwhile.
 void show_error_message(const char* text, const char* title);
 void show_task_message(const char* text, const char* title);
 

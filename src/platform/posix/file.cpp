@@ -17,8 +17,8 @@ constexpr int origin(SeekFrom from) {
   return SEEK_SET;
 }
 
-// Repeats a read or write until all bytes are moved or the file has no more to give or take. An error counts only if it is
-// the first thing that happens.
+// Repeats a read or write until all bytes are moved or the file is at its end. An error is reported only if no byte was moved
+// before it.
 template <class Move>
 int64_t move_all(size_t bytes, Move move) {
   size_t done = 0;
@@ -51,7 +51,7 @@ int64_t FileRef::write(const void* buffer, size_t bytes) const {
 }
 
 std::optional<OwnedFile> OwnedFile::open_for_reading(const char* path) {
-  // Looked at before it is opened: to open a pipe without a writer would hold us up.
+  // Checked before opening: opening a pipe without a writer would block.
   struct stat facts {};
   if (path == nullptr || stat(path, &facts) != 0) return std::nullopt;
   if (S_ISDIR(facts.st_mode) || S_ISFIFO(facts.st_mode) || S_ISSOCK(facts.st_mode)) return std::nullopt;

@@ -1,5 +1,5 @@
-// Global memory with the contracts of Windows: movable blocks behind opaque handles, lock counts, and handles that can be
-// dead without harm. A handle is never followed as a pointer before it has been found in the table.
+// Global memory with the contract of Windows: movable blocks behind opaque handles, lock counts, and dead handles that do no
+// harm. A handle is looked up in the table before it is ever used as a pointer.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -36,8 +36,8 @@ void* new_data(size_t bytes, bool zeroed) {
   return zeroed ? std::calloc(size, 1) : std::malloc(size);
 }
 
-// The same content in memory of another size; new bytes are zero if asked for. Fresh zero pages cost nothing until they are
-// touched, which is why growing is not left to realloc.
+// Copies the content to memory of another size; new bytes are zero on request. Fresh zero pages cost nothing until they are
+// touched, so growing does not use realloc.
 void* moved_data(const void* data, size_t size, size_t bytes, bool zeroed) {
   void* moved = new_data(bytes, zeroed);
   if (moved != nullptr && data != nullptr) std::memcpy(moved, data, std::min(size, bytes));
@@ -121,7 +121,7 @@ class Blocks {
     return handle_of(index, block.generation);
   }
 
-  // The entry behind a movable block's handle; null when the handle is no living one.
+  // The entry behind a movable block's handle; null for a dead handle.
   Block* movable(HGLOBAL handle) {
     const auto value = reinterpret_cast<uintptr_t>(handle);
     const size_t index = (value & 0xFFFFFFFFu) >> 2;
@@ -182,7 +182,7 @@ Blocks& blocks() {
   return *all;
 }
 
-// Runs one step on the table; a table that cannot grow gives the call's zero result.
+// Runs one step on the table. If the table cannot grow, the call returns zero.
 template <class Step>
 auto with_blocks(Step step) noexcept -> decltype(step(blocks())) {
   try {

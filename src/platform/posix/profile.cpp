@@ -1,4 +1,4 @@
-// Reads the way the system's profile functions of the other build do.
+// Reads profiles as the profile functions of Windows do.
 #include "platform/profile.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ std::string read_whole(const std::string& path) {
   return bytes;
 }
 
-// As UTF-8, up to the first half of a pair that stands alone.
+// Converts to UTF-8, up to the first unpaired surrogate.
 std::string from_utf16(std::string_view bytes, size_t high_byte) {
   std::u16string units(bytes.size() / 2, u'\0');
   for (size_t i = 0; i < units.size(); ++i) {
@@ -35,7 +35,7 @@ std::string from_utf16(std::string_view bytes, size_t high_byte) {
   return {text.data(), text_end};
 }
 
-// By their byte order mark.
+// Decides the encoding by the byte order mark.
 std::string decoded(std::string bytes) {
   if (bytes.starts_with("\xEF\xBB\xBF")) return bytes.substr(3);
   if (bytes.starts_with("\xFF\xFE")) return from_utf16(std::string_view(bytes).substr(2), 1);
@@ -50,7 +50,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
 }
 
-// A name or value, which ends at a zero byte.
+// A name or value; it ends at a zero byte.
 std::string_view word(std::string_view text) {
   text = trimmed(text);
   return text.substr(0, text.find('\0'));
@@ -68,7 +68,7 @@ uint32_t digit_of(char c) {
   return 16;
 }
 
-// Takes off the mark of a number's base.
+// Removes a number's base prefix.
 uint32_t take_base(std::string_view& text) {
   const uint32_t base = text.starts_with("0x") ? 16 : text.starts_with("0o") ? 8 : text.starts_with("0b") ? 2 : 10;
   if (base != 10) text.remove_prefix(2);
@@ -89,7 +89,7 @@ int number_in(std::string_view text) {
 
 }  // namespace
 
-// Comments need no care: they are keys that nobody asks for.
+// Comments need no handling: they become keys that nobody asks for.
 Profile::Profile(const std::string& path) : text_(decoded(read_whole(path))) {
   const std::string_view text = text_;
   Keys* keys = nullptr;  // of the section that the lines belong to, if it is the first of its name
@@ -102,7 +102,7 @@ Profile::Profile(const std::string& path) : text_(decoded(read_whole(path))) {
       const auto [section, is_first] = sections_.try_emplace(word(line.substr(1, bracket - 1)));
       keys = is_first ? &section->second : nullptr;
     } else if (keys != nullptr && !line.empty()) {
-      // Without a sign of equality the whole line is a key of no value, which hides later ones all the same.
+      // A line without an equals sign is a key without a value. It still hides later keys of its name.
       const size_t name_end = std::min(line.find('='), line.size());
       const size_t value_begin = std::min(name_end + 1, line.size());
       keys->push_back({word(line.substr(0, name_end)), unquoted(word(line.substr(value_begin)))});

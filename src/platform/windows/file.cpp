@@ -23,10 +23,10 @@ constexpr DWORD origin(SeekFrom from) {
   return FILE_BEGIN;
 }
 
-// The classic calls count in 32 bits.
+// The classic calls have 32-bit counts.
 LONG one_transfer(size_t bytes) { return static_cast<LONG>(std::min<size_t>(bytes, 0x7FFFFFFF)); }
 
-// A classic handle is one of the system's own, whose calls reach past 2 GB.
+// A classic handle is a system handle, and the system's calls reach past 2 GB.
 HANDLE system_handle(HFILE handle) { return reinterpret_cast<HANDLE>(static_cast<intptr_t>(handle)); }
 
 }  // namespace
