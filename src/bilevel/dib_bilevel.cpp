@@ -1,11 +1,10 @@
 #include "bilevel/dib_bilevel.h"
 
-#include <new>
-
 #include "core/pixel.h"
+#include "dib/open_dib.h"
 #include "kernels/bilevel/plane_width.h"
 
-namespace vorel {
+namespace vorel::bilevel {
 namespace {
 
 // A header for the source's picture at another depth, with all colours that the depth has.
@@ -20,18 +19,11 @@ DibHeader reduced_header(const DibHeader& source, int bits) {
   return header;
 }
 
-Result<OwnedDib> reduced(const DibHeader& header) {
+Result<NewDib> reduced(const DibHeader& header) {
   if (header.width < 0 || header.height < 0) return Error::kMemory;
-  auto dib = OwnedDib::allocate(bits_offset(header) + rows_bytes(header));
-  if (!dib) return Error::kMemory;
-  write_header(dib->bytes(), header);
-  kernels::write_dither_colors(header.depth,
-                               {reinterpret_cast<Rgb*>(dib->bytes().data() + kHeaderBytes), header.colors_used});
+  NewDib dib = VOREL_TRY(NewDib::make(header, rows_bytes(header)).or_error(Error::kMemory));
+  kernels::write_dither_colors(header.depth, dib.colors());
   return dib;
-}
-
-std::span<const Rgb> table_of(const CompleteBytes& whole, uint32_t depth) {
-  return colors_in(whole).first(implied_colors(depth));
 }
 
 }  // namespace
@@ -42,30 +34,22 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, kernels::Dithering method
     source.leave_locked();
     return Error::kDitherParameter;
   }
-  const ByteCount offset = kHeaderBytes + ByteCount(implied_colors(header.depth)) * sizeof(Rgb);
-  const auto whole = source.complete(offset + pixel_bytes(header));
-  if (!whole) return Error::kMemory;
-  // Scratch memory is no larger than a block, on any build.
-  constexpr uint64_t kPlanes = 3, kErrorBytes = 3 * kPlanes * sizeof(int16_t);
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, {.rows_at = RowsAt::kBehindFullTable}));
+  // A picture whose rows of samples no block could hold is refused before anything is allocated.
+  constexpr uint64_t kPlanes = 3;
   const ByteCount plane = kernels::plane_width(header.depth, std::max(header.width, 0));
   if (header.width < 0 || !(plane * kPlanes).fits_block()) return Error::kMemory;
-  const bool is_empty = !has_pixels(header);
 
-  const DibHeader result_header = reduced_header(header, bits);
-  auto result = (plane * kErrorBytes).fits_block() ? reduced(result_header) : Error::kMemory;
-  if (!result) {
-    source.leave_locked();
-    return result;
-  }
-  try {
-    if (!is_empty)
-      kernels::bilevel().dither(pixels_at(whole->bytes(), offset, header), table_of(*whole, header.depth),
-                                pixels_at(result->bytes(), bits_offset(result_header), result_header), method);
-  } catch (const std::bad_alloc&) {
+  auto result = reduced(reduced_header(header, bits));
+  const auto scratch = ZeroedBuffer::allocate(kernels::dithering_scratch({header.width, header.height}));
+  if (!result || !scratch) {
     source.leave_locked();
     return Error::kMemory;
   }
-  return result;
+  if (has_pixels(header))
+    kernels::bilevel().dither(opened.pixels(), opened.colors(implied_colors(header.depth)), result->pixels(), method,
+                              scratch->bytes());
+  return OwnedDib(std::move(*result));
 }
 
 Result<OwnedDib> halftoned(LockedDib& source, kernels::HalftoneMethod method, int brightness) {
@@ -74,20 +58,16 @@ Result<OwnedDib> halftoned(LockedDib& source, kernels::HalftoneMethod method, in
     source.leave_locked();
     return Error::kParameter;
   }
-  const ByteCount offset = kHeaderBytes + palette_bytes(header),
-                  table_end = kHeaderBytes + ByteCount(implied_colors(header.depth)) * sizeof(Rgb);
-  const auto whole = source.complete(std::max(table_end, offset + pixel_bytes(header)));
-  if (!whole) return Error::kMemory;
-  const DibHeader result_header = reduced_header(header, 1);
-  if (header.width < 0 || !(row_stride(header.depth, header.width) * 2 * sizeof(int32_t)).fits_block())
-    return Error::kMemory;
-  auto result = reduced(result_header);
-  if (!result || !has_pixels(header)) return result;
-  const auto memory = source.block().size() > whole->bytes().size() ? source.block() : whole->bytes();
-  kernels::bilevel().halftone(pixels_at(whole->bytes(), offset, header), memory.subspan(static_cast<size_t>(offset.value())),
-                              table_of(*whole, header.depth), brightness,
-                              pixels_at(result->bytes(), bits_offset(result_header), result_header), method);
-  return result;
+  const uint32_t colors = implied_colors(header.depth);
+  const OpenDib opened = VOREL_TRY(OpenDib::open(source, {.rows_at = RowsAt::kBehindTable, .least_colors = colors}));
+  if (header.width < 0) return Error::kMemory;
+  const auto scratch =
+      VOREL_TRY(or_error(ZeroedBuffer::allocate(kernels::halftone_scratch({header.width, header.height})), Error::kMemory));
+  NewDib result = VOREL_TRY(reduced(reduced_header(header, 1)));
+  if (has_pixels(header))
+    kernels::bilevel().halftone(opened.pixels(), opened.rows_and_rest(), opened.colors(colors), brightness, result.pixels(),
+                                method, scratch.bytes());
+  return OwnedDib(std::move(result));
 }
 
-}  // namespace vorel
+}  // namespace vorel::bilevel

@@ -4,7 +4,7 @@
 #include "dib/packed_dib.h"
 #include "kernels/bilevel/bilevel.h"
 
-namespace vorel {
+namespace vorel::bilevel {
 
 // A new DIB of 1, 4 or 8 bits. Some failures leave the source locked.
 Result<OwnedDib> dithered(LockedDib& source, int bits, kernels::Dithering method);
@@ -12,4 +12,4 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, kernels::Dithering method
 // A new DIB of 1 bit. Another depth than 4, 8 or 24 bits leaves the source locked.
 Result<OwnedDib> halftoned(LockedDib& source, kernels::HalftoneMethod method, int brightness);
 
-}  // namespace vorel
+}  // namespace vorel::bilevel

@@ -25,7 +25,7 @@ HGLOBAL dithered_handle(HGLOBAL dib, int bits, kernels::Dithering method, WrongH
     auto source = LockedDib::lock(dib);
     if (!source) return wrong.dead;
     const WaitCursor cursor;
-    auto result = released(dithered(*source, bits, method));
+    auto result = released(bilevel::dithered(*source, bits, method));
     if (result) set_thread_error(Error::kNone);
     return result;
   });
@@ -53,7 +53,7 @@ HGLOBAL VORELCALL Halftone(HGLOBAL dib, WORD method, int brightness, WORD* error
     auto source = LockedDib::lock(dib);
     if (!source) return Error::kMemory;
     const WaitCursor cursor;
-    return released(halftoned(*source, static_cast<kernels::HalftoneMethod>(method), brightness));
+    return released(bilevel::halftoned(*source, static_cast<kernels::HalftoneMethod>(method), brightness));
   });
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "core/byte_count.h"
 #include "core/header.h"
 #include "core/view.h"
 #include "kernels/levels.h"
@@ -13,18 +14,22 @@ namespace vorel::kernels {
 enum class Dithering { kFloydSteinberg, kJarvisJudiceNinke, kSmooth, kSharp };
 enum class HalftoneMethod : uint16_t { kThreshold = 0, kDiffusion = 1, kOrdered = 2 };
 
+// The scratch memory that these need, aligned to 8 bytes.
+ByteCount dithering_scratch(Size picture);
+ByteCount halftone_scratch(Size picture);
+
 struct BilevelTable {
-  // Error diffusion. Fills a zero-filled result of 1, 4 or (not kSmooth and kSharp) 8 bits and of the source's size. Memory that
-  // runs short is thrown as std::bad_alloc.
-  void (*dither)(ConstDibView source, std::span<const Rgb> colors, DibView result, Dithering method);
+  // Error diffusion. Fills a zero-filled result of 1, 4 or (not kSmooth and kSharp) 8 bits and of the source's size.
+  //   colors  16 or 256 below 24 bits
+  void (*dither)(ConstDibView source, std::span<const Rgb> colors, DibView result, Dithering method,
+                 std::span<uint8_t> scratch);
 
   // A threshold, error diffusion or a matrix of thresholds. Fills a zero-filled 1-bit result from a source of 4, 8 or 24 bits.
   //   memory      the source's stored rows, with whatever follows them; what is behind that counts as 0
   //   colors      16 or 256 below 24 bits
   //   brightness  added to the luminance of each pixel
-  // Memory that runs short is thrown as std::bad_alloc.
   void (*halftone)(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness,
-                   DibView result, HalftoneMethod method);
+                   DibView result, HalftoneMethod method, std::span<uint8_t> scratch);
 };
 
 const BilevelTable& bilevel(CpuLevel level = cpu_level());

@@ -1,117 +1,150 @@
-// Error diffusion: what a pixel is too light or too dark goes to the pixels to come.
+// What a pixel is too light or too dark, spread over the pixels to come: the methods as a wavefront steps them.
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
-#include <span>
-#include <vector>
 
-#include "core/row_writer.h"
+#include "kernels/bilevel/lanes.h"
+#include "kernels/bilevel/wavefront.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-inline constexpr int kThreshold = 128;  // what is lighter becomes white
-inline constexpr int kWhite = 255;
+inline constexpr int16_t kThreshold = 128;  // what is lighter becomes white
+inline constexpr int16_t kWhite = 255;
 
-// A row of numbers with room on both sides for what is spread past its ends.
-template <class Number>
-class ErrorRow {
- public:
-  explicit ErrorRow(size_t length) : numbers_(length + 2 * kRoom), length_(length) {}
+// Errors are at most half of white, and the shares of any pixel add up to less than one: no sum leaves 16 bits.
 
-  Number* data() { return numbers_.data() + kRoom; }
+// A share of an error, cut towards zero.
+template <int kPart>
+Lanes sixteenths(Lanes error) {
+  const Lanes scaled = error * int16_t{kPart};
+  return (scaled + (scaled >> 15 & int16_t{15})) >> 4;
+}
 
-  // Takes over the row itself, not the room beside it.
-  void copy(ErrorRow& other) { std::copy_n(other.data(), length_, data()); }
-  // Sums wrap at the width of the numbers.
-  void add(std::span<const uint8_t> values) {
-    Number* to = data();
-    for (const uint8_t value : values) {
-      *to = static_cast<Number>(*to + value);
-      ++to;
+// The same of 48: exact for all products up to 3,000.
+template <int kPart>
+Lanes of_48(Lanes error) {
+  const Lanes scaled = error * int16_t{kPart};
+  return high_product(scaled, 1366) - (scaled >> 15);
+}
+
+// Black or white, and the error.
+struct ToBits {
+  static constexpr bool kMakesIndices = false;
+
+  static Lanes error_of(size_t channel, Lanes value, Lanes* results) {
+    const Lanes is_white = value > kThreshold;
+    results[channel] = is_white;
+    return value - (is_white & kWhite);
+  }
+};
+
+// Eight reds, eight greens and four blues, in this order of channels, as one index.
+template <int kMostBlue>
+struct ToIndices {
+  static constexpr bool kMakesIndices = true;
+
+  static Lanes error_of(size_t channel, Lanes value, Lanes* results) {
+    const int16_t shift = channel == 2 ? 6 : 5, most = channel == 2 ? kMostBlue : 7;
+    Lanes level = value >> shift;
+    level = chosen(level < int16_t{0}, Lanes{}, level);
+    level = chosen(level > most, lanes_of(most), level);
+    if (channel == 0) results[0] = level << 5;
+    if (channel == 1) results[0] |= level << 2;
+    if (channel == 2) results[0] |= level;
+    return value - (level << shift);
+  }
+};
+
+// Four neighbours (Floyd and Steinberg, 1976). Two deliberate oddities: shares for the row below are assigned, not added, so that of
+// several that reach a pixel the last one stands; and all channels go on with what is left of the first one.
+template <class Result, int kPlanes>
+struct FloydSteinberg : Result {
+  // With indices the shares for the row below are one column further left.
+  static constexpr int kLag = Result::kMakesIndices ? 3 : 2, kLate = 0;
+  static constexpr size_t kChannels = kPlanes, kStreams = 1;
+
+  void step(Lanes (&streams)[kStreams], const Lanes (&samples)[kChannels], const LaneColumns& columns, Lanes* results) {
+    const Lanes above = streams[0], inside = columns.inside();
+    for (size_t channel = 0; channel < kChannels; ++channel) {
+      const Lanes value = (above + samples[channel] + carried_[channel]) & inside;
+      const Lanes error = Result::error_of(channel, value, results);
+      carried_[channel] = sixteenths<7>(error);
+      if (channel == 0) streams[0] = below(error, above);
     }
   }
 
  private:
-  static constexpr size_t kRoom = 20;
-
-  std::vector<Number> numbers_;
-  size_t length_;
-};
-
-// The row being worked on and those below it.
-template <class Number>
-struct ErrorRows {
-  Number *current, *below, *further;
-};
-
-// A share of an error, cut towards zero.
-template <int kPart, int kWhole>
-constexpr int share_of(int error) {
-  return error * kPart / kWhole;
-}
-
-template <class Number>
-void add(Number& to, int share) {
-  to = static_cast<Number>(to + share);
-}
-template <class Number>
-void assign(Number& to, int share) {
-  to = static_cast<Number>(share);
-}
-
-// Four neighbours (Floyd and Steinberg, 1976). Shares for the row below are assigned, not added: of several that reach a pixel the
-// last one stands. Callers count on it. kShift moves them left.
-template <int kShift>
-struct FloydSteinberg {
-  template <class Number>
-  static void spread(const ErrorRows<Number>& rows, int x, int error) {
-    add(rows.current[x + 1], share_of<7, 16>(error));
-    Number* const below = rows.below + x - kShift;
-    assign(below[-1], share_of<3, 16>(error));
-    assign(below[0], share_of<5, 16>(error));
-    assign(below[1], share_of<1, 16>(error));
+  // What the row below gets at the first column that no later pixel reaches.
+  Lanes below(Lanes error, Lanes above) {
+    const Lanes counts = error != int16_t{0};
+    const Lanes done = chosen(counts, sixteenths<3>(error), next_);
+    if constexpr (Result::kMakesIndices) {
+      next_ = chosen(counts, sixteenths<5>(error), second_);
+      second_ = chosen(counts, sixteenths<1>(error), above);
+    } else {
+      next_ = chosen(counts, sixteenths<5>(error), chosen(counted_, second_, above));
+      second_ = sixteenths<1>(error);
+      counted_ = counts;
+    }
+    return done;
   }
+
+  Lanes carried_[kChannels] = {};
+  Lanes next_ = {}, second_ = {}, counted_ = {};
 };
 
-// Twelve neighbours (Jarvis, Judice and Ninke, 1976). Shares for the second row below are assigned, not added. The weights of its
-// last two are parameters: one of the library's callers has them the wrong way round, and its callers count on it.
-template <int kNext, int kLast>
-struct JarvisJudiceNinke {
-  template <class Number>
-  static void spread(const ErrorRows<Number>& rows, int x, int error) {
-    const int one = share_of<1, 48>(error), three = share_of<3, 48>(error), five = share_of<5, 48>(error),
-              seven = share_of<7, 48>(error);
-    Number* const current = rows.current + x;
-    add(current[1], seven);
-    add(current[2], five);
-    Number* const below = rows.below + x;
-    add(below[-2], three);
-    add(below[-1], five);
-    add(below[0], seven);
-    add(below[1], five);
-    add(below[2], three);
-    Number* const further = rows.further + x;
-    assign(further[-2], one);
-    assign(further[-1], three);
-    assign(further[0], five);
-    assign(further[1], share_of<kNext, 48>(error));
-    assign(further[2], share_of<kLast, 48>(error));
-  }
-};
+// Twelve neighbours (Jarvis, Judice and Ninke, 1976). Shares for the second row below are assigned, not added: a deliberate
+// oddity. The weights of its last two are parameters, since one user has them the wrong way round and keeps them so.
+template <class Result, int kPlanes, int kNext, int kLast>
+struct JarvisJudiceNinke : Result {
+  static constexpr int kLag = 3, kLate = 0;
+  static constexpr size_t kChannels = kPlanes, kStreams = 2 * kPlanes;
 
-// Makes each number of the current row black or white, and spreads what is left over.
-template <class Method, class Number>
-void threshold_row(const ErrorRows<Number>& rows, int width, uint8_t* bits) {
-  RowWriter<1> writer(bits, 0);
-  for (int x = 0; x < width; ++x) {
-    const int value = rows.current[x];
-    const bool is_white = value > kThreshold;
-    writer.put(is_white ? 1 : 0);
-    const int error = static_cast<Number>(is_white ? value - kWhite : value);
-    if (error != 0) Method::spread(rows, x, error);
+  void step(Lanes (&streams)[kStreams], const Lanes (&samples)[kChannels], const LaneColumns& columns, Lanes* results) {
+    const Lanes inside = columns.inside();
+    for (size_t channel = 0; channel < kChannels; ++channel) {
+      Channel& state = channels_[channel];
+      const Lanes value = (streams[2 * channel] + samples[channel] + state.carried[0]) & inside;
+      state.spread(Result::error_of(channel, value, results), streams[2 * channel], streams[2 * channel + 1]);
+    }
   }
-}
+
+ private:
+  struct Channel {
+    Lanes carried[2] = {};                // for the next two pixels
+    Lanes below[4] = {};                  // sums so far, for the columns from the one before on
+    Lanes further[2] = {};                // values so far, for the column before and this one
+    Lanes last[2] = {}, counted[2] = {};  // shares for this column of the two pixels before, and whether they count
+
+    // `second` comes as what the row below has and the second row below had, and leaves as what that gets.
+    void spread(Lanes error, Lanes& first, Lanes& second) {
+      const Lanes one = of_48<1>(error), three = of_48<3>(error), five = of_48<5>(error), seven = of_48<7>(error);
+      const Lanes counts = error != int16_t{0};
+      carried[0] = carried[1] + seven;
+      carried[1] = five;
+
+      first = below[0] + three;
+      below[0] = below[1] + five;
+      below[1] = below[2] + seven + second;
+      below[2] = below[3] + five;
+      below[3] = three;
+
+      const Lanes before = chosen(counted[0], last[0], chosen(counted[1], last[1], second));
+      second = chosen(counts, one, further[0]);
+      further[0] = chosen(counts, three, further[1]);
+      further[1] = chosen(counts, five, before);
+      last[1] = last_share_;
+      counted[1] = counted[0];
+      last[0] = kNext == 1 ? one : three;
+      last_share_ = kLast == 1 ? one : three;
+      counted[0] = counts;
+    }
+
+   private:
+    Lanes last_share_ = {};
+  };
+
+  Channel channels_[kChannels];
+};
 
 }  // namespace vorel::kernels::VOREL_LEVEL

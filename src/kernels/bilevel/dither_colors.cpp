@@ -2,6 +2,15 @@
 
 namespace vorel::kernels {
 
+// Six streams and three rows of masks of two bytes a column, a row of samples or bits for each of three channels, and what goes
+// past the ends of each.
+ByteCount dithering_scratch(Size picture) {
+  constexpr uint64_t kPerColumn = 22, kRest = 16'384;
+  return kPerColumn * static_cast<uint64_t>(picture.width) + kRest;
+}
+
+ByteCount halftone_scratch(Size picture) { return dithering_scratch(picture); }
+
 void write_dither_colors(int bits, std::span<Rgb> colors) {
   const auto full = [](size_t condition) { return static_cast<uint8_t>(condition != 0 ? 255 : 0); };
   for (size_t i = 0; i < colors.size(); ++i) {

@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <array>
-#include <vector>
+#include <cstring>
 
 #include "core/gray.h"
 #include "core/pixel.h"
@@ -29,91 +29,118 @@ constexpr Matrix matrix() {
 }
 constexpr Matrix kThresholds = matrix();
 
-// The luminance of a source, as a plane of rows as long as the source's rows are: in bytes, at 4 bits in pixels.
+// The luminance of a source, brightened, as a plane of rows as long as the source's rows are: in bytes, at 4 bits in pixels.
 class LuminancePlane {
  public:
   LuminancePlane(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness)
-      : source_(source), memory_(memory), brightness_(brightness) {
-    for (size_t i = 0; i < colors.size(); ++i) levels_[i] = level(colors[i]);
+      : source_(source), memory_(memory), brightness_(static_cast<int16_t>(std::clamp(brightness, -kWhite, +kWhite))) {
+    for (size_t i = 0; i < colors.size(); ++i) {
+      levels_[i] = brightened(luminance_of(colors[i]));
+      is_ramp_ = is_ramp_ && luminance_of(colors[i]) == i;
+    }
   }
 
-  size_t row_length() const { return static_cast<size_t>(source_.stride()) * (source_.depth() == 4 ? 2 : 1); }
-
-  // The first pixels of a row.
-  void read(int y, std::span<uint8_t> row) const {
-    const size_t begin = static_cast<size_t>(y) * row_length();
-    if (source_.depth() == 24) return read_true_color(begin, row);
-    const std::span<const uint8_t> bytes = memory_.subspan(static_cast<size_t>(y) * static_cast<size_t>(source_.stride()));
-    if (source_.depth() == 8)
-      for (size_t x = 0; x < row.size(); ++x) row[x] = levels_[bytes[x]];
+  // Pixels of a row of the result, from x on.
+  void read(int y, int x, std::span<uint8_t> levels) const {
+    if (source_.depth() == 24) return read_true_color(y, x, levels);
+    const uint8_t* const row = source_.row(y).data();
+    if (source_.depth() == 8 && is_ramp_)
+      for (size_t i = 0; i < levels.size(); ++i) levels[i] = brightened(row[static_cast<size_t>(x) + i]);
+    else if (source_.depth() == 8)
+      for (size_t i = 0; i < levels.size(); ++i) levels[i] = levels_[row[static_cast<size_t>(x) + i]];
     else
-      for (size_t x = 0; x < row.size(); ++x) row[x] = levels_[Pixel<4>::load(bytes.data(), static_cast<int>(x))];
+      for (size_t i = 0; i < levels.size(); ++i) levels[i] = levels_[Pixel<4>::load(row, x + static_cast<int>(i))];
   }
 
  private:
-  uint8_t level(Rgb color) const {
-    return static_cast<uint8_t>(std::clamp<int64_t>(int64_t{luminance_of(color)} + brightness_, 0, kWhite));
+  uint8_t brightened(uint8_t level) const {
+    const auto sum = static_cast<int16_t>(level + brightness_);
+    return static_cast<uint8_t>(sum < 0 ? 0 : sum > kWhite ? kWhite : sum);
   }
 
-  uint8_t byte(size_t offset) const { return offset < memory_.size() ? memory_[offset] : 0; }
-
-  // 24-bit pixels lie closer together than rows are long: as many to a row as it has, rounded up to four. So a row of the result
-  // shows several rows of the source, and the picture ends early. Callers count on it.
-  void read_true_color(size_t begin, std::span<uint8_t> row) const {
+  // A deliberate oddity: 24-bit pixels lie closer together than rows are long, as many to a row as it has, rounded up to four. So a
+  // row of the result shows several rows of the source, and the picture ends early.
+  void read_true_color(int y, int x, std::span<uint8_t> levels) const {
     const size_t per_row = plane_width(24, source_.width());
-    size_t y = begin / per_row, x = begin % per_row;
-    for (uint8_t& to : row) {
-      if (y >= static_cast<size_t>(source_.height())) {
-        to = level(Rgb{});
-        continue;
-      }
-      const size_t offset = y * static_cast<size_t>(source_.stride()) + 3 * x;
-      to = level(Rgb{byte(offset), byte(offset + 1), byte(offset + 2), 0});
-      if (++x < per_row) continue;
-      x = 0;
-      ++y;
+    const auto stride = static_cast<size_t>(source_.stride());
+    const size_t position = static_cast<size_t>(y) * stride + static_cast<size_t>(x);
+    for (size_t row = position / per_row, column = position % per_row; !levels.empty(); ++row, column = 0) {
+      const size_t count =
+          row < static_cast<size_t>(source_.height()) ? std::min(per_row - column, levels.size()) : levels.size();
+      read_pixels(row < static_cast<size_t>(source_.height()) ? row * stride + 3 * column : memory_.size(),
+                  levels.first(count));
+      levels = levels.subspan(count);
     }
+  }
+
+  // Pixels from an offset on; black behind the end of the memory.
+  void read_pixels(size_t offset, std::span<uint8_t> levels) const {
+    if (memory_.size() - offset < 3 * levels.size()) {
+      for (uint8_t& level : levels) {
+        const auto byte = [&] { return offset < memory_.size() ? memory_[offset++] : uint8_t{0}; };
+        const uint8_t blue = byte(), green = byte(), red = byte();
+        level = brightened(luminance_of({blue, green, red, 0}));
+      }
+      return;
+    }
+    const uint8_t* pixel = memory_.data() + offset;
+    for (size_t i = 0; i < levels.size(); ++i, pixel += 3)
+      levels[i] =
+          brightened(static_cast<uint8_t>(static_cast<uint16_t>(30 * pixel[2] + 59 * pixel[1] + 11 * pixel[0]) / 100));
   }
 
   ConstDibView source_;
   std::span<const uint8_t> memory_;
-  int brightness_;
+  int16_t brightness_;
+  bool is_ramp_ = true;
   std::array<uint8_t, 256> levels_{};
 };
 
-void pack(std::span<const uint8_t> levels, uint8_t* bits, auto&& is_white) {
-  RowWriter<1> writer(bits, 0);
-  for (size_t x = 0; x < levels.size(); ++x) writer.put(is_white(x, levels[x]) ? 1 : 0);
+// White where a level is above the threshold of its column.
+void compare_row(const LuminancePlane& plane, int y, const std::array<uint8_t, kMatrixSide>& thresholds,
+                 std::span<uint8_t> bits, int width) {
+  constexpr int kRun = 512;
+  alignas(16) uint8_t levels[kRun];
+  const __m128i limits = _mm_loadu_si128(reinterpret_cast<const __m128i*>(thresholds.data()));
+  for (int x = 0; x < width; x += kRun) {
+    const int count = std::min(kRun, width - x);
+    plane.read(y, x, {levels, static_cast<size_t>(count)});
+    std::memset(levels + count, 0, static_cast<size_t>(-count & 15));
+    for (int i = 0; i < count; i += 16) {
+      const __m128i above = _mm_subs_epu8(_mm_load_si128(reinterpret_cast<const __m128i*>(levels + i)), limits);
+      const int black = _mm_movemask_epi8(_mm_cmpeq_epi8(above, _mm_setzero_si128()));
+      store_bits(~black, bits.subspan(static_cast<size_t>(x + i) / 8));
+    }
+  }
+}
+
+void diffuse(const LuminancePlane& plane, DibView result, Arena arena) {
+  using Method = JarvisJudiceNinke<ToBits, 1, 3, 1>;
+  Wavefront<Method> front(result.width(), result.width(), arena);
+  for (int first = 0; first < result.height(); first += kLanes) {
+    const int rows = std::min(kLanes, result.height() - first);
+    front.run(
+        Method(), rows,
+        [&](auto& to, int lane, int x, int count) {
+          plane.read(first + lane, x, {to[0], static_cast<size_t>(count)});
+        },
+        [](int, int, std::span<const uint8_t>) {});
+    for (int lane = 0; lane < rows; ++lane) front.write_bits(0, lane, result.row(first + lane));
+  }
 }
 
 }  // namespace
 
 void halftone(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness,
-              DibView result, HalftoneMethod method) {
-  using Row = ErrorRow<int32_t>;
+              DibView result, HalftoneMethod method, std::span<uint8_t> scratch) {
   const LuminancePlane plane(source, memory, colors, brightness);
-  const int width = result.width();
-  std::vector<uint8_t> levels(static_cast<size_t>(width));
-  const size_t length = method == HalftoneMethod::kDiffusion ? plane.row_length() : 0;
-  Row current(length), below(length), further(length);
+  if (method == HalftoneMethod::kDiffusion) return diffuse(plane, result, Arena(scratch));
+  std::array<uint8_t, kMatrixSide> alike;
+  alike.fill(static_cast<uint8_t>(kThreshold));
   for (int y = 0; y < result.height(); ++y) {
-    uint8_t* const bits = result.row(y).data();
-    plane.read(y, levels);
-    switch (method) {
-      case HalftoneMethod::kThreshold: pack(levels, bits, [](size_t, int level) { return level > kThreshold; }); break;
-      case HalftoneMethod::kOrdered: {
-        const auto& thresholds = kThresholds[static_cast<size_t>(y) % kMatrixSide];
-        pack(levels, bits, [&](size_t x, int level) { return level > thresholds[x % kMatrixSide]; });
-        break;
-      }
-      case HalftoneMethod::kDiffusion:
-        current.add(levels);
-        threshold_row<JarvisJudiceNinke<3, 1>>(ErrorRows<int32_t>{current.data(), below.data(), further.data()}, width,
-                                               bits);
-        current.copy(below);
-        below.copy(further);
-        break;
-    }
+    const bool is_ordered = method == HalftoneMethod::kOrdered;
+    compare_row(plane, y, is_ordered ? kThresholds[static_cast<size_t>(y) % kMatrixSide] : alike, result.row(y),
+                result.width());
   }
 }
 
