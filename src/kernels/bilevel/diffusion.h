@@ -63,7 +63,9 @@ struct FloydSteinberg : Result {
   static constexpr int kLag = Result::kMakesIndices ? 3 : 2, kLate = 0;
   static constexpr size_t kChannels = kPlanes, kStreams = 1;
 
-  void step(Lanes (&streams)[kStreams], const Lanes (&samples)[kChannels], const LaneColumns& columns, Lanes* results) {
+  template <bool kEnds>
+  void step(Lanes (&streams)[kStreams], const Lanes (&samples)[kChannels], const LaneColumns<kEnds>& columns,
+            Lanes* results) {
     const Lanes above = streams[0], inside = columns.inside();
     for (size_t channel = 0; channel < kChannels; ++channel) {
       const Lanes value = (above + samples[channel] + carried_[channel]) & inside;
@@ -100,7 +102,9 @@ struct JarvisJudiceNinke : Result {
   static constexpr int kLag = 3, kLate = 0;
   static constexpr size_t kChannels = kPlanes, kStreams = 2 * kPlanes;
 
-  void step(Lanes (&streams)[kStreams], const Lanes (&samples)[kChannels], const LaneColumns& columns, Lanes* results) {
+  template <bool kEnds>
+  void step(Lanes (&streams)[kStreams], const Lanes (&samples)[kChannels], const LaneColumns<kEnds>& columns,
+            Lanes* results) {
     const Lanes inside = columns.inside();
     for (size_t channel = 0; channel < kChannels; ++channel) {
       Channel& state = channels_[channel];

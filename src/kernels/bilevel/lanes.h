@@ -1,6 +1,7 @@
 // Sixteen rows of a picture side by side: each lane is a row.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <emmintrin.h>
@@ -57,16 +58,17 @@ inline uint16_t bits_of(Lanes lanes) {
   return static_cast<uint16_t>(_mm_movemask_epi8(_mm_packs_epi16(halves.low, halves.high)));
 }
 
+inline constexpr auto kReversed = [] {
+  std::array<uint8_t, 256> table{};
+  for (unsigned byte = 0; byte < 256; ++byte)
+    for (unsigned bit = 0; bit < 8; ++bit) table[byte] |= static_cast<uint8_t>((byte >> bit & 1) << (7 - bit));
+  return table;
+}();
+
 // Bits as `bits_of` gives them, the first pixel's lowest, as the two bytes of a row of 1-bit pixels, or what of them is in the row.
 inline void store_bits(int bits, std::span<uint8_t> row) {
-  const auto reversed = [](int byte) {
-    unsigned in_byte = static_cast<uint8_t>(byte);
-    in_byte = (in_byte >> 4 & 0x0F) | (in_byte & 0x0F) << 4;
-    in_byte = (in_byte >> 2 & 0x33) | (in_byte & 0x33) << 2;
-    return static_cast<uint8_t>((in_byte >> 1 & 0x55) | (in_byte & 0x55) << 1);
-  };
-  row[0] = reversed(bits);
-  if (row.size() > 1) row[1] = reversed(bits >> 8);
+  row[0] = kReversed[bits & 0xFF];
+  if (row.size() > 1) row[1] = kReversed[bits >> 8 & 0xFF];
 }
 
 // Sixteen columns of sixteen bytes become sixteen rows, `from_stride` and `to_stride` bytes apart.

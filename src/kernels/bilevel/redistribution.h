@@ -26,10 +26,12 @@ class Redistribution {
     for (int lane = 0; lane < kLanes; ++lane) is_last_[lane] = lane == last_lane ? int16_t{-1} : int16_t{0};
   }
 
-  void step(Lanes (&streams)[kStreams], const Lanes (&samples)[kChannels], const LaneColumns& columns, Lanes* results) {
-    const Lanes inside = columns.from(1) & columns.before(columns.width + 1);
-    const Lanes at_end = fills_plane_ ? columns.at(columns.width) : Lanes{};
-    const Lanes past_end = fills_plane_ ? columns.at(columns.width + 1) : Lanes{};
+  template <bool kEnds>
+  void step(Lanes (&streams)[kStreams], const Lanes (&samples)[kChannels], const LaneColumns<kEnds>& columns,
+            Lanes* results) {
+    const Lanes inside = kEnds ? columns.from(1) & columns.before(columns.width + 1) : lanes_of(-1);
+    const Lanes at_end = kEnds && fills_plane_ ? columns.at(columns.width) : Lanes{};
+    const Lanes past_end = kEnds && fills_plane_ ? columns.at(columns.width + 1) : Lanes{};
     for (size_t channel = 0; channel < kChannels; ++channel) {
       Lanes &above = streams[2 * channel], &past = streams[2 * channel + 1];
       Block& block = blocks_[channel];

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
 #include "core/gray.h"
@@ -22,12 +23,14 @@ class Samples {
       components_[1][i] = colors[i].green;
       components_[2][i] = colors[i].blue;
       luminances_[i] = luminance_of(colors[i]);
+      is_ramp_ = is_ramp_ && luminances_[i] == i;
     }
   }
 
   // The luminance of `count` pixels from x on.
   void read(int y, int x, int count, uint8_t* (&to)[1]) const {
     const uint8_t* const row = picture_.row(y).data();
+    if (picture_.depth() == 8 && is_ramp_) return static_cast<void>(std::memcpy(to[0], row + x, static_cast<size_t>(count)));
     if (picture_.depth() != 24) return look_up(luminances_, row, x, count, to[0]);
     uint8_t* __restrict out = to[0];
     const uint8_t* pixel = row + size_t{3} * static_cast<size_t>(x);
@@ -67,6 +70,7 @@ class Samples {
   ConstDibView picture_;
   std::array<Table, 3> components_{};
   Table luminances_{};
+  bool is_ramp_ = true;  // pixels are their luminances
 };
 
 }  // namespace vorel::kernels::VOREL_LEVEL

@@ -14,7 +14,9 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// Which lanes are at a column of the picture in a step.
+// Which lanes are at a column of the picture in a step. Between the ends of the rows, where kEnds is false, all lanes are inside
+// and at neither end.
+template <bool kEnds>
 struct LaneColumns {
   int step, lag, width;
 
@@ -22,7 +24,10 @@ struct LaneColumns {
   Lanes from(int column) const { return offsets() <= limited(step - column); }
   Lanes before(int column) const { return offsets() > limited(step - column); }
   Lanes at(int column) const { return from(column) & before(column + 1); }
-  Lanes inside() const { return from(0) & before(width); }
+  Lanes inside() const {
+    if constexpr (!kEnds) return lanes_of(-1);
+    return from(0) & before(width);
+  }
 
  private:
   Lanes offsets() const {
@@ -76,7 +81,12 @@ class Wavefront {
     const int steps = end_ + kLag * kLanes;
     for (int begin = 0; begin < steps; begin += kTile) {
       gather(samples, rows, begin, read);
-      for (int i = 0; i < kTile; ++i) step(method, passed, samples, begin, i, indices);
+      // A method may look one column further.
+      const bool has_ends = begin <= kLag * kLanes || begin + kTile >= width_;
+      if (has_ends)
+        for (int i = 0; i < kTile; ++i) step<true>(method, passed, samples, begin, i, indices);
+      else
+        for (int i = 0; i < kTile; ++i) step<false>(method, passed, samples, begin, i, indices);
       if constexpr (Method::kMakesIndices) scatter(indices, rows, begin, write);
     }
   }
@@ -111,13 +121,14 @@ class Wavefront {
         transpose_bytes(by_lane[channel] + i, kTile, samples[channel] + i * kLanes, kLanes);
   }
 
+  template <bool kEnds>
   void step(Method& method, Lanes (&passed)[kStreams], const uint8_t (&samples)[kChannels][kTile * kLanes], int begin, int i,
             uint8_t* indices) {
     const int at = begin + i;
     Lanes now[kChannels], results[kChannels];
     for (size_t channel = 0; channel < kChannels; ++channel) now[channel] = widened(samples[channel] + i * kLanes);
     for (size_t s = 0; s < kStreams; ++s) passed[s] = moved_on(passed[s], at < end_ ? streams_[s][at] : int16_t{0});
-    method.step(passed, now, LaneColumns{at, kLag, width_}, results);
+    method.step(passed, now, LaneColumns<kEnds>{at, kLag, width_}, results);
     for (size_t s = 0; s < kStreams; ++s) streams_[s][at - (kLag * kLanes - 1)] = passed[s][kLanes - 1];
     if constexpr (Method::kMakesIndices)
       store_bytes(results[0], indices + i * kLanes);
