@@ -1,4 +1,4 @@
-// Where an image lies in its window, which part of it is painted, and where scroll messages lead.
+// Mappings, visible parts, scroll messages and painting without a state.
 #include "display/mapping.h"
 
 #include <cmath>
@@ -21,7 +21,7 @@ struct Extent {
   int width, height;
 };
 
-// 96 dots per inch everywhere, zoom 1, at the start.
+// 96 dots per inch, zoom 1, positions 0.
 ImgDisplayLayout layout_for(UINT flags, Extent image, Extent client) {
   ImgDisplayLayout layout{};
   layout.flags = flags;
@@ -49,7 +49,7 @@ TEST(Mapping, PlainZoomIsReducedTogether) {
   } rows[] = {
       {{1, 1, 1, 1}, {1, 1, 1, 1}},         {{16, 1, 16, 3}, {16, 1, 16, 3}},     {{12, 1, 12, 1}, {12, 1, 12, 1}},
       {{17, 2, 16, 2}, {8, 1, 8, 1}},       {{100, 100, 50, 50}, {12, 12, 6, 6}}, {{40, 10, 40, 10}, {10, 2, 10, 2}},
-      {{80, 10, 80, 10}, {10, 1, 10, 1}},   {{24, 1, 24, 2}, {24, 1, 24, 2}},  // a window extent of 0 is taken back
+      {{80, 10, 80, 10}, {10, 1, 10, 1}},   {{24, 1, 24, 2}, {24, 1, 24, 2}},  // stops before a window extent of 0
       {{1, 8, 40, 40}, {1, 2, 10, 10}},     {{1, 1, 40, 40}, {1, 1, 40, 40}},  // a viewport extent stays at least 1
       {{10, 50, 10, 50}, {10, 50, 10, 50}},
   };
@@ -89,7 +89,7 @@ TEST(Mapping, OptionsAndResolutions) {
     layout.hScrollPos = layout.vScrollPos = 7;
     const ImgDisplayLayout before = layout;
     EXPECT_EQ(extents_of(set_up_mapping(layout, Offsets::kReset)), row.expected) << &row - rows;
-    const int position = (row.flags & kFit) != 0 ? 0 : 7;  // a fitted image stands at its start
+    const int position = (row.flags & kFit) != 0 ? 0 : 7;  // fitting resets the positions
     EXPECT_EQ(Point(layout.hScrollPos, layout.vScrollPos), Point(position, position)) << &row - rows;
     layout = before;
     EXPECT_EQ(extents_of(set_up_mapping(layout, Offsets::kKeep)), row.expected) << &row - rows;
@@ -101,13 +101,13 @@ TEST(Mapping, OriginsCentringRangesAndClamp) {
   const struct {
     UINT flags;
     int image, client, viewport, window, position;         // the same on both axes
-    int offset, origin, image_origin, least, most, after;  // expected; `after` the clamp
+    int offset, origin, image_origin, least, most, after;  // expected; `after`: the position after the clamp
   } rows[] = {
       {0, 400, 301, 1, 1, 0, 0, 0, 0, 0, 400, 0},
       {0, 400, 301, 1, 1, 500, 0, 500, -500, 0, 400, 400},
       {0, 400, 301, 1, 1, -3, 0, -3, 3, 0, 400, 0},
       {0, 400, 301, 3, 2, 30, 0, 20, -30, 0, 600, 30},
-      {0, 400, 301, 3, 2, 31, 0, 21, -31, 0, 600, 31},  // 20.67 is 21, which is 31.5 away: halves go up
+      {0, 400, 301, 3, 2, 31, 0, 21, -31, 0, 600, 31},  // the origin 20.67 rounds to 21, its offset -31.5 to -31
       {0, 0, 301, 1, 1, 5, 0, 5, -5, -1, -1, -1},
       {0, 4, 301, 1, 9, 0, 0, 0, 0, -1, -1, -1},  // less than half a pixel
       {IMG_DISPLAY_CENTRE, 100, 301, 1, 1, 0, -100, -100, 100, 100, 200, 0},
@@ -133,7 +133,7 @@ TEST(Mapping, OriginsCentringRangesAndClamp) {
   }
 }
 
-TEST(Mapping, AnImagePointIsBroughtToTheCorner) {
+TEST(Mapping, BringsAnImagePointToTheCorner) {
   ImgDisplayLayout layout = layout_for(IMG_DISPLAY_CENTRE, {400, 400}, {301, 101});
   set_zoom(layout, {3, 2, 1, 1});
   bring_to_corner(layout, set_up_mapping(layout, Offsets::kReset), {30, 40});
@@ -143,7 +143,7 @@ TEST(Mapping, AnImagePointIsBroughtToTheCorner) {
   EXPECT_EQ(Point(layout.originLogicalX, layout.originLogicalY), Point(30, 40));
 }
 
-TEST(VisiblePart, StartsAtWholeGroupsAndReachesFurther) {
+TEST(VisiblePart, HasWholeGroupsAndAMargin) {
   const struct {
     int image, viewport, window, position;
     Box painted, expected;
@@ -162,13 +162,13 @@ TEST(VisiblePart, StartsAtWholeGroupsAndReachesFurther) {
   }
 }
 
-TEST(Mapping, ContentMovesAsOneOnlyByWholeImagePixels) {
+TEST(Mapping, ContentMovesOnlyByWholeImagePixels) {
   const struct {
     int viewport, window, from, to;
     bool is_moved, whole_groups;
   } rows[] = {
       {1, 1, 5, 13, true, true},  {16, 1, 0, 16, true, true},  {16, 1, 0, 8, false, true},    {3, 2, 0, 3, true, true},
-      {3, 2, 0, 4, false, true},  {16, 24, 0, 5, false, true},  // as if moved by 5, but for its last pixels
+      {3, 2, 0, 4, false, true},  {16, 24, 0, 5, false, true},  // pixel 0 moves by 5, others do not
       {16, 24, 0, 8, true, true}, {1, 4, 0, 7, true, true},    {16, 24, 48, 64, true, false}, {1, 3, 14, 15, true, false},
   };
   for (const auto& row : rows) {
@@ -208,7 +208,7 @@ TEST(Mapping, RandomLayoutsFollowThePlainFormulas) {
                                      scaled(p.y, m.y.window, m.y.viewport) + layout.windowOriginY));
     ASSERT_EQ(m.without_origin().to_device(Point{}), Point());
 
-    // What is drawn covers what is seen of the image in the painted box.
+    // The drawn part covers the visible part of the painted box.
     const Box painted(any(0, 400), any(0, 400), any(401, 900), any(401, 900)), image = image_box(layout, m);
     const Box seen = intersection(image, painted), part = visible_part(layout, m, painted, false);
     if (seen.is_empty()) continue;
@@ -237,7 +237,7 @@ TEST(Mapping, HostileLayoutsStayInBounds) {
     ScrollAxis axis{any(), any(), any(), scroll_unit(any()), any()};
     if (axis.least > axis.most) std::swap(axis.least, axis.most);
     const int position = scrolled(axis, static_cast<ScrollCode>(random() % 9), static_cast<uint16_t>(any()));
-    ASSERT_TRUE((position >= axis.least && position <= axis.most) || position == 0);  // where centred images stand
+    ASSERT_TRUE((position >= axis.least && position <= axis.most) || position == 0);  // a centred image
     const StatelessAxis once{any(), stateless_scale(exact_dots_per_inch(any()), any(), any(), any()), any() & kMost};
     const StatelessPart piece = stateless_part(once, any());
     if (piece.to_extent > 0 && piece.from_extent > 0) {

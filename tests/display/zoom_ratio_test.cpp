@@ -1,4 +1,4 @@
-// Steps and ratios of zooming by hand, and the rectangle of the lens.
+// Steps and ratios of interactive zooming, and the source rectangle of the lens.
 #include "display/zoom_ratio.h"
 
 #include <array>
@@ -17,9 +17,9 @@ namespace {
 constexpr std::array kEnlarge = {10, 20, 40, 60, 80}, kReduce = {10, 15, 30, 40, 50};
 constexpr ZoomSteps kSteps{10, kEnlarge, kReduce};
 
-TEST(ZoomRatio, StepsAndLittleSteps) {
+TEST(ZoomRatio, StepsAndSmallIncrements) {
   using enum ZoomAction;
-  // From viewport and window to viewport and window. A ratio without the base on one side is first given one for a step.
+  // Viewport and window before and after. Steps first convert a ratio without the base to one with it.
   const struct {
     ZoomAction action;
     std::vector<std::array<int, 4>> rows;
@@ -77,7 +77,7 @@ TEST(ZoomRatio, StepsAndLittleSteps) {
       EXPECT_EQ(stepped({viewport, window}, action, kSteps), Ratio(new_viewport, new_window)) << viewport << " : " << window;
 }
 
-TEST(ZoomRatio, ModesThatDoSomething) {
+TEST(ZoomRatio, RecognisedModes) {
   for (int mode = -1; mode < 0x60; ++mode) {
     const int low = mode & 0xF, high = mode & ~0xF;
     const bool counts = (high == 0x10 || high == 0x20) && low >= 1 && low <= 5;
@@ -156,7 +156,7 @@ TEST(ZoomRatio, HostileNumbersDoNoHarm) {
 
 using Table = std::array<int, IMG_ZOOM_TABLE_ENTRIES>;
 
-TEST(ScaleSteps, AreSetWholeOrNotAtAllAndBelongToTheThread) {
+TEST(ZoomSteps, AreSetTogetherOrNotAtAllAndBelongToTheThread) {
   Table enlarge{}, reduce{};
   EXPECT_EQ(BZoomGetScaleSteps(enlarge.data(), reduce.data()), 10);
   EXPECT_EQ(enlarge, (Table{5, 10, 20, 40, 60, 80}));

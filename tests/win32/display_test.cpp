@@ -1,4 +1,4 @@
-// Windows that show images, by what their client areas, scroll bars and contexts are after each message.
+// Windows that show images: client areas, scroll bars and contexts after each message.
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>
@@ -21,7 +21,7 @@ constexpr UINT kNoBars = IMG_DISPLAY_NO_HSCROLL | IMG_DISPLAY_NO_VSCROLL;
 
 enum class Source { kDib, kBitmapOfDib, kBitmap };
 
-// An image with the resources that showing it takes.
+// An image as a DIB and as a bitmap with its palette.
 struct Image {
   Cells cells;
   Block dib = block_of(cells.dib());
@@ -44,10 +44,10 @@ struct Image {
   }
 };
 
-// One direction of an image in a window: device pixel `at` shows image pixels first() to last(), any of which will do.
+// One axis of an image in a window: device pixel `at` shows any of the image pixels first() to last().
 struct Axis {
   int viewport, window, origin, size;
-  int slack = viewport % window != 0 ? 1 : 0;  // the system's scaling by fractions may begin a pixel off
+  int slack = viewport % window != 0 ? 1 : 0;  // the system's scaling by fractions may be a pixel off
 
   int floor_of(int at) const { return static_cast<int>(std::floor(1.0 * at * window / viewport)) + origin; }
   int first(int at) const { return std::clamp(floor_of(at) - slack, 0, size - 1); }
@@ -61,7 +61,7 @@ bool shows(COLORREF color, const Cells& picture, const Axis& x, const Axis& y, i
   return false;
 }
 
-// Pixels of the client area that are not what the layout and the picture make them.
+// Counts pixels of the client area that differ from the picture in this layout.
 int wrong_pixels(const Pixels& shown, const Cells& picture, ImgDisplayLayout layout) {
   const vorel::display::Mapping m = vorel::display::set_up_mapping(layout, vorel::display::Offsets::kKeep);
   const Axis x{m.x.viewport, m.x.window, layout.windowOriginX, picture.width};
@@ -164,7 +164,7 @@ TEST(Display, StartingFillsTheState) {
   EXPECT_EQ(DisplayDIBStart(window.get(), image.dib.get(), nullptr, nullptr, 7, nullptr), 0u);
 }
 
-// What one scroll bar of a window stands for.
+// One scroll bar of a window and its axis.
 struct Bar {
   int number, least, most, position, other_position, unit, client;
   UINT without;
@@ -201,7 +201,7 @@ void expect_scrolled(DisplayWindow& window, int number, int code, int word) {
   expect_nothing_left_to_paint(window);
 }
 
-TEST(Display, BarsFollowEveryMessageAndStripsEqualAFullRepaint) {
+TEST(Display, ScrollMessagesUpdateTheBarsAndPaintTheStrips) {
   const Image image({400, 300, 8}), large({900, 700, 4, 24});
   const struct {
     const Image& image;
@@ -230,7 +230,7 @@ TEST(Display, BarsFollowEveryMessageAndStripsEqualAFullRepaint) {
     }
 }
 
-// A window that another one passes over, with a host that paints only when the library asks it to.
+// A window with another one in front of it. It paints only when the library asks for it.
 class CoveredWindow : public DisplayWindow {
  public:
   CoveredWindow() : DisplayWindow(kWidth, kHeight, CS_HREDRAW | CS_VREDRAW) {
@@ -250,7 +250,7 @@ class CoveredWindow : public DisplayWindow {
   HWND cover_;
 };
 
-// One change that a user, a host or another window makes; nothing is painted afterwards.
+// One change by a user, a host or another window. Nothing is painted afterwards.
 void change_at_random(CoveredWindow& window, const Image& image, Source source, std::minstd_rand& random) {
   const auto any = [&](int least, int most) { return std::uniform_int_distribution(least, most)(random); };
   constexpr UINT kOptions[] = {0,     0,    kCentre,           kCentre | IMG_DISPLAY_INVERTED, kCentre | kFit,
@@ -282,7 +282,7 @@ void change_at_random(CoveredWindow& window, const Image& image, Source source, 
   }
 }
 
-TEST(Display, WhateverHappensBetweenPaintingTheWindowEqualsAFullRepaint) {
+TEST(Display, EqualsAFullRepaintAfterAnySeriesOfChanges) {
   constexpr std::pair<int, Source> kImages[] = {{1, Source::kDib}, {8, Source::kBitmapOfDib}, {24, Source::kDib}};
   for (const auto& [depth, source] : kImages) {
     const Image image({301, 203, depth});
@@ -301,7 +301,7 @@ TEST(Display, WhateverHappensBetweenPaintingTheWindowEqualsAFullRepaint) {
   }
 }
 
-TEST(Display, ACentredImageStaysCentredWhereNothingIsAskedFor) {
+TEST(Display, OtherScrollCodesLeaveACentredImageCentred) {
   DisplayWindow window(200, 120);
   Image image({40, 30, 8});
   image.show(window, Source::kDib, kCentre);
@@ -328,7 +328,7 @@ TEST(Display, FollowsTheWindowsSize) {
     }
 }
 
-TEST(Display, ContextsAreMappedAsTheNumbersSay) {
+TEST(Display, MapsContextsAsItComputes) {
   DisplayWindow window(200, 120);
   for_every_view([&](const View& view, const Image& image, Source source) {
     if (image.cells.depth != 8 || source == Source::kBitmapOfDib) return;
@@ -357,7 +357,7 @@ TEST(Display, ContextsAreMappedAsTheNumbersSay) {
   });
 }
 
-TEST(Display, AnyContextTakesTheImage) {
+TEST(Display, DrawsOnAnyContext) {
   DisplayWindow window(200, 120);
   const Image image({90, 70, 8});
   const int zoom[] = {3, 1, 2, 1};
@@ -375,7 +375,7 @@ TEST(Display, AnyContextTakesTheImage) {
   ReleaseDC(nullptr, screen);
 }
 
-// Every call, for an image on a window.
+// Makes every call of the display for one image and window.
 void call_everything(DisplayWindow& window, const Image& image, HGLOBAL dib,
                      const std::function<void(const char*)>& after_each) {
   HWND w = window.get();
@@ -404,7 +404,7 @@ void call_everything(DisplayWindow& window, const Image& image, HGLOBAL dib,
   call("WmPaint", (InvalidateRect(w, nullptr, FALSE), UpdateWindow(w)));
 }
 
-TEST(Display, NothingIsLeftAndContextsStayAsTheyWere) {
+TEST(Display, LeaksNothingAndRestoresContexts) {
   const Image image({300, 200, 8});
   for (UINT style : {0, CS_OWNDC}) {
     DisplayWindow window(200, 120, style);
@@ -440,7 +440,7 @@ TEST(Display, NothingIsLeftAndContextsStayAsTheyWere) {
   }
 }
 
-TEST(Display, LyingAndShortImagesDoNoHarm) {
+TEST(Display, InvalidAndShortImagesDoNoHarm) {
   const Image image({30, 20, 8});
   const Bytes good = noise(60, 50, 8);
   std::vector<Bytes> dibs = {Bytes(good.begin(), good.begin() + 30), Bytes(good.begin(), good.begin() + 60),
@@ -487,7 +487,7 @@ TEST(Display, WithoutWindowOrState) {
   EXPECT_EQ(std::count(bytes + 142, bytes + sizeof noise, 0xAB), static_cast<long>(sizeof noise - 142));
 }
 
-// A window whose painting is a function of the test.
+// A window painted by a function of the test.
 struct PaintedWindow : Window {
   explicit PaintedWindow(std::function<void(HWND)> paint)
       : Window(200, 120, [paint = std::move(paint)](HWND window, UINT message, WPARAM, LPARAM) {
@@ -534,7 +534,7 @@ TEST(StatelessPainting, PaintsBothWays) {
                                             down = stateless_part(y, row.scroll[3]);
         Axis u{across.to_extent, across.from_extent, across.from, picture.width};
         Axis v{down.to_extent, down.from_extent, down.from, picture.height};
-        // The library's scaling takes the pixel that is nearest: the first are half as large, and the last ones may be missing.
+        // The library rounds to the nearest pixel: the first row and column are half as large, the last ones may be missing.
         if (low_memory == 1) u.slack = v.slack = 1;
         const int missing = low_memory == 1 ? static_cast<int>(std::max(x.scale, y.scale)) : 0;
         const COLORREF change = (row.flags & IMG_DISPLAY_INVERTED) != 0 ? 0xFFFFFF : 0;
@@ -545,7 +545,7 @@ TEST(StatelessPainting, PaintsBothWays) {
       }
 }
 
-TEST(StatelessPainting, DepthsThatTheLibraryDoesNotScaleLookTheSameBothWays) {
+TEST(StatelessPainting, TheSystemScalesOtherDepthsInEitherCase) {
   for (int depth : {16, 32}) {
     const Block dib = block_of(with_header_changed(
         noise(40, 30, depth), [](auto& header) { header.biXPelsPerMeter = header.biYPelsPerMeter = 0; }));
@@ -557,7 +557,7 @@ TEST(StatelessPainting, DepthsThatTheLibraryDoesNotScaleLookTheSameBothWays) {
   }
 }
 
-TEST(StatelessPainting, ScrollsWithBarsThatWork) {
+TEST(StatelessPainting, ScrollsWithItsBars) {
   const Image image({300, 200, 8});
   int scroll[4] = {};
   PaintedWindow window([&](HWND w) { DisplayCPPImage(w, image.dib.get(), scroll, nullptr, 0); });

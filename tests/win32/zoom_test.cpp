@@ -1,4 +1,4 @@
-// Zooming by hand and the lens, on windows: what they draw and take back, and where they lead.
+// Interactive zooming and the lens on windows: drawing, restoring and results.
 #include <atomic>
 #include <gtest/gtest.h>
 #include <thread>
@@ -33,7 +33,7 @@ class ZoomedWindow : public testing::Test {
   Pixels before;
 };
 
-TEST_F(ZoomedWindow, TheBandIsThereOnceAndLeavesNoTrace) {
+TEST_F(ZoomedWindow, DrawsOneBandAndErasesIt) {
   for (const BOOL screen : {FALSE, TRUE}) {
     show();
     const auto at = [&](LONG x, LONG y) {
@@ -88,7 +88,7 @@ TEST_F(ZoomedWindow, ClicksDragsAndSteps) {
   for (const auto& row : rows) {
     SCOPED_TRACE(&row - rows);
     show(IMG_DISPLAY_FIT_WIDTH);
-    window.state.layout.flags = kNoBars;  // as large as it is, so that points are image points
+    window.state.layout.flags = kNoBars;  // actual size, so that window points are image points
     const POINT start = row.end == &kMiddle ? POINT{50, 25} : kClick;
     BZoomStart(window.get(), &start, &row.current, row.mode, &tracker, FALSE);
     EXPECT_EQ(GetCapture() == window.get(), (row.mode & 0x10) != 0);
@@ -104,8 +104,8 @@ TEST_F(ZoomedWindow, ClicksDragsAndSteps) {
   }
 }
 
-TEST_F(ZoomedWindow, ADragInAFittedImageCountsImagePixelsAndCentresByTheFittedSize) {
-  show(IMG_DISPLAY_FIT);  // 133 x 100 pixels show 400 x 300, and the window 602 x 300
+TEST_F(ZoomedWindow, CentresADragInAFittedImageForTheFittedSize) {
+  show(IMG_DISPLAY_FIT);  // 133 x 100 window pixels show 400 x 300, the whole window 602 x 300
   const POINT start{10, 10}, end{60, 60};
   BZoomStart(window.get(), &start, nullptr, 0x12, &tracker, FALSE);
   BZoomEnd(window.get(), &end, &tracker, &window.state);
@@ -135,7 +135,7 @@ TEST_F(ZoomedWindow, StepsWithoutTheMouse) {
   EXPECT_EQ(std::memcmp(&stepped, &tracker, sizeof tracker), 0);
 }
 
-TEST_F(ZoomedWindow, ScreenZoomsMoveTheirPart) {
+TEST_F(ZoomedWindow, ScreenZoomsChangeTheirPart) {
   show();
   ImgScreenZoom screen{96, 96, {0, 0, 200, 100}, {0, 0, 200, 100}};
   const RECT one{10, 10, 10, 10};
@@ -154,7 +154,7 @@ TEST_F(ZoomedWindow, ScreenZoomsMoveTheirPart) {
   BZoomScreenEnd(window.get(), &end, &tracker, nullptr);
 }
 
-TEST_F(ZoomedWindow, TheLoopEndsWithTheButtonAndLeavesOtherMessages) {
+TEST_F(ZoomedWindow, TheModalLoopEndsWithTheButtonAndKeepsOtherMessages) {
   const struct {
     POINT start, end;
     std::array<int, 4> expected;
@@ -170,7 +170,7 @@ TEST_F(ZoomedWindow, TheLoopEndsWithTheButtonAndLeavesOtherMessages) {
     const size_t objects = gdi_objects();
     const auto post = [&](UINT message, POINT at) { PostMessage(window.get(), message, 0, MAKELPARAM(at.x, at.y)); };
     std::atomic<bool> was_missed = false;
-    std::jthread alarm([&](const std::stop_token& stop) {  // wakes the loop where it waits for what is there
+    std::jthread alarm([&](const std::stop_token& stop) {  // wakes the loop if it waits for a message that is already there
       for (int tenths = 0; !stop.stop_requested(); ++tenths, Sleep(100))
         if (tenths > 30) was_missed = PostMessage(window.get(), WM_NULL, 0, 0);
     });
@@ -195,7 +195,7 @@ TEST_F(ZoomedWindow, TheLoopEndsWithTheButtonAndLeavesOtherMessages) {
   }
 }
 
-// The colour of a lens's frame, which is 4 pixels wide; -1 inside.
+// The colour of the lens frame, which is 4 pixels wide; CLR_INVALID inside it.
 COLORREF frame_at(int x, int y, int width, int height) {
   const int right = width - 1 - x, bottom = height - 1 - y, ring = std::min({x, y, right, bottom});
   if (ring > 3) return CLR_INVALID;

@@ -1,4 +1,4 @@
-// Windows of a class of their own for tests, what they show, and pictures to show in them.
+// Test windows, their pixels, and pictures to show in them.
 #pragma once
 
 #include <algorithm>
@@ -16,10 +16,10 @@ namespace test {
 inline constexpr std::array<COLORREF, 16> kColors = {0x000000, 0xFFFFFF, 0x000080, 0x008000, 0x008080, 0x800000,
                                                      0x800080, 0x808000, 0xC0C0C0, 0x808080, 0x0000FF, 0x00FF00,
                                                      0x00FFFF, 0xFF0000, 0xFF00FF, 0xFFFF00};
-inline constexpr COLORREF kAround = 0xC0DCC0;  // the class brush's, in none of the pictures
+inline constexpr COLORREF kAround = 0xC0DCC0;  // of the class brush; no picture has it
 
-// A picture of square cells of the first colours; 1-bit ones are black and white. A palette display inverts these two alone, because
-// there it is the numbers of colours that are inverted.
+// A picture of square cells in the first `colors` colours; 1-bit pictures are black and white. A palette display inverts
+// indices, so only black and white come out inverted there.
 struct Cells {
   int width, height, depth, cell = 1;
   unsigned colors = 16;
@@ -85,8 +85,8 @@ inline Pixels pixels_of(HDC dc, int width, int height) {
   return pixels;
 }
 
-// A visible window whose messages go to a function of the test first, which tells whether it took them. Its background is not
-// erased, so that what is not painted shows up.
+// A visible window. Messages go first to a handler of the test, which returns whether it handled them. The background is not
+// erased, so unpainted areas show up.
 class Window {
  public:
   using Handler = std::function<bool(HWND, UINT, WPARAM, LPARAM)>;
@@ -152,7 +152,7 @@ class Window {
   HWND window_ = nullptr;
 };
 
-// A window that shows an image by a display state.
+// A window that forwards its messages to a display.
 class DisplayWindow : public Window {
  public:
   DisplayWindow(int width, int height, UINT class_style = 0)
@@ -175,7 +175,7 @@ class DisplayWindow : public Window {
   }
 };
 
-// What a context is set to and what is selected in it.
+// The settings of a context and its selected objects.
 inline std::vector<int64_t> state_of(HDC dc) {
   std::vector<int64_t> facts = {GetMapMode(dc), GetROP2(dc),      GetStretchBltMode(dc), GetBkMode(dc),
                                 GetBkColor(dc), GetTextColor(dc), GetPolyFillMode(dc),   GetGraphicsMode(dc)};
