@@ -1,138 +1,245 @@
 #include <algorithm>
+#include <array>
 
-#include "core/gray.h"
+#include "kernels/bgr.h"
 #include "kernels/filter/functions.h"
+#include "kernels/filter/plan.h"
 
+// Rows are worked on in blocks that stay in the first-level cache, by plain loops that the compiler turns into vectors. Sums are 16
+// bits wide and wrap, so that products may be added in any order.
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
-// Runs over a picture from the first stored row on. Rows and columns at the edges are repeated beyond them. What comes out of a row
-// is written only after all rows that need it are read, so that a picture can be filtered in place.
+constexpr size_t kBlock = 512;                             // pixels
+constexpr size_t kWideBlock = kBlock + kConvolutionSlack;  // with neighbours on both sides
+static_assert(kConvolutionSlack >= kVectorBytes && kVectorBytes >= kMostKernelSize);
+
+using Numbers = std::array<uint16_t, kWideBlock>;
+using Rows = std::array<const uint8_t*, kMostKernelSize>;
+using Columns = std::array<const uint16_t*, kMostKernelSize>;
+
+constexpr size_t whole_vectors(size_t count) { return (count + kVectorBytes - 1) / kVectorBytes * kVectorBytes; }
+
+// ---- Sums ----
+
+void widen(const uint8_t* row, uint16_t* __restrict result, size_t count) {
+  for (size_t x = 0; x < count; ++x) result[x] = row[x];
+}
+
+void widen_sum(const uint8_t* row, const uint8_t* other, uint16_t* __restrict result, size_t count) {
+  for (size_t x = 0; x < count; ++x) result[x] = static_cast<uint16_t>(row[x] + other[x]);
+}
+
+template <size_t kTerms>
+void weigh(const Numbers* __restrict terms, const Plan::Weights& weights, uint16_t* __restrict result, size_t count) {
+  for (size_t x = 0; x < count; ++x) {
+    uint16_t sum = 0;
+    for (size_t i = 0; i < kTerms; ++i) sum = static_cast<uint16_t>(sum + weights[i] * terms[i][x]);
+    result[x] = sum;
+  }
+}
+
+void weigh(size_t term_count, const Numbers* terms, const Plan::Weights& weights, uint16_t* result, size_t count) {
+  switch (term_count) {
+    case 2: return weigh<2>(terms, weights, result, count);
+    case 3: return weigh<3>(terms, weights, result, count);
+    case 4: return weigh<4>(terms, weights, result, count);
+    case 5: return weigh<5>(terms, weights, result, count);
+    default: return weigh<7>(terms, weights, result, count);
+  }
+}
+
+template <size_t kSize>
+void add_columns(const Columns& columns, uint16_t* __restrict sums, size_t count) {
+  for (size_t x = 0; x < count; ++x) {
+    uint16_t sum = 0;
+    for (size_t i = 0; i < kSize; ++i) sum = static_cast<uint16_t>(sum + columns[i][x + i]);
+    sums[x] = sum;
+  }
+}
+
+// The sums of `count` pixels, from rows that begin as many pixels further left as the kernel reaches.
+void sum_block(const Plan& plan, const Rows& rows, size_t count, uint16_t* sums) {
+  const size_t wide = whole_vectors(count + plan.size - 1);
+  std::array<Numbers, kMostKernelSize> terms, columns;
+  for (size_t i = 0; i < plan.term_count; ++i) {
+    const size_t opposite = plan.size - 1 - i;
+    if (plan.is_symmetric && i != opposite)
+      widen_sum(rows[i], rows[opposite], terms[i].data(), wide);
+    else
+      widen(rows[i], terms[i].data(), wide);
+  }
+  for (size_t i = 0; i < plan.distinct_count; ++i)
+    weigh(plan.term_count, terms.data(), plan.distinct[i], columns[i].data(), wide);
+  Columns all{};
+  for (size_t i = 0; i < plan.size; ++i) all[i] = columns[plan.column[i]].data();
+  switch (plan.size) {
+    case 3: return add_columns<3>(all, sums, whole_vectors(count));
+    case 5: return add_columns<5>(all, sums, whole_vectors(count));
+    default: return add_columns<7>(all, sums, whole_vectors(count));
+  }
+}
+
+// ---- Quotients ----
+
+// Calls work with a function that divides a sum.
+template <class Work>
+void with_quotient(const Division& division, Work work) {
+  const int shift = division.shift;
+  if (division.is_shift) return work([shift](int16_t sum) { return static_cast<int16_t>(sum >> shift); });
+  const uint16_t factor = division.factor;
+  work([factor, shift](int16_t sum) {
+    const auto magnitude = static_cast<uint16_t>(sum < 0 ? -sum : sum);
+    const auto quotient = static_cast<int16_t>(static_cast<uint16_t>(uint32_t{magnitude} * factor >> 16) >> shift);
+    return static_cast<int16_t>(sum < 0 ? -quotient : quotient);
+  });
+}
+
+// ---- Rows ----
+
+// Goes over a picture from the first stored row on. Rows and columns at the edges are repeated beyond them. A row is written only
+// after all sums that need it are made, so that a picture can be filtered in place.
 class Convolution {
  public:
   Convolution(const Kernel& kernel, Size size, std::span<uint8_t> scratch)
-      : kernel_(kernel),
-        width_(size.width),
-        height_(size.height),
-        sums_(reinterpret_cast<int16_t*>(scratch.data()), static_cast<size_t>(width_)),
-        rows_(scratch.subspan(sums_.size_bytes())) {}
+      : kernel_(kernel), plan_(kernel), size_(size), scratch_(scratch) {}
 
-  // read(y, samples) puts the samples of a row; write(y, sums, samples) gets a row's sums, which it may change, and its samples.
-  void run(auto&& read, auto&& write) {
-    for (int next = 0, y = 0; y < height_; ++y) {
-      for (; next < height_ && next <= y + kernel_.reach(); ++next) {
+  // read(y, samples) stores the samples of a row; write(y, x, count, sums, samples) takes the sums and samples of a block.
+  template <class Read, class Write>
+  void run(Read read, Write write) {
+    for (int next = 0, y = 0; y < size_.height; ++y) {
+      for (; next < size_.height && next <= y + kernel_.reach(); ++next) {
         read(next, samples(next));
-        repeat_edges(next);
+        repeat_edges(samples(next));
       }
-      sum_row(y);
-      write(y, sums_, std::span<const uint8_t>(samples(y)));
+      sum_row(y, write);
     }
   }
 
  private:
-  std::span<uint8_t> stored(int y) {
-    const auto length = static_cast<size_t>(width_ + 2 * kernel_.reach());
-    return rows_.subspan(static_cast<size_t>(y % kernel_.size) * length, length);
+  uint8_t* samples(int y) const {
+    const size_t row = static_cast<size_t>(y % kernel_.size) * convolution_row_bytes(kernel_, size_.width);
+    return scratch_.data() + row + kernel_.reach();
   }
-  std::span<uint8_t> samples(int y) { return stored(y).subspan(static_cast<size_t>(kernel_.reach()), sums_.size()); }
-  void repeat_edges(int y);
-  void sum_row(int y);
-  void add_left_border(const uint8_t* row, int kernel_row);
 
-  Kernel kernel_;
-  int width_, height_;
-  std::span<int16_t> sums_;  // of products, for one row
-  std::span<uint8_t> rows_;  // as many as the kernel has, each with its edges repeated
+  void repeat_edges(uint8_t* row) const {
+    for (int i = 1; i <= kernel_.reach(); ++i) {
+      row[-i] = row[0];
+      row[size_.width - 1 + i] = row[size_.width - 1];
+    }
+  }
+
+  template <class Write>
+  void sum_row(int y, Write write) {
+    // The first row of the kernel is for the row above, which is stored later.
+    Rows rows{};
+    for (int i = 0; i < kernel_.size; ++i)
+      rows[static_cast<size_t>(i)] = samples(std::clamp(y + kernel_.reach() - i, 0, size_.height - 1));
+    const auto width = static_cast<size_t>(size_.width);
+    std::array<uint16_t, kBlock> sums;
+    for (size_t x = 0; x < width; x += kBlock) {
+      const size_t count = std::min(kBlock, width - x);
+      Rows block = rows;
+      for (const uint8_t*& row : block) row += static_cast<std::ptrdiff_t>(x) - kernel_.reach();
+      sum_block(plan_, block, count, sums.data());
+      if (x == 0 && kernel_.repeats_left_border) add_left_border(rows, sums.data());
+      write(y, x, count, sums.data(), samples(y) + x);
+    }
+  }
+
+  // A deliberate oddity: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row.
+  void add_left_border(const Rows& rows, uint16_t* sums) const {
+    if (size_.width < 2) return;
+    const size_t last = plan_.size - 1;
+    for (size_t i = 0; i <= last; ++i) {
+      const int second = rows[i][1];
+      sums[0] = static_cast<uint16_t>(sums[0] + kernel_.weights[i][last] * second);
+      if (size_.width > 2) sums[2] = static_cast<uint16_t>(sums[2] + kernel_.weights[i][0] * second);
+    }
+  }
+
+  const Kernel& kernel_;
+  Plan plan_;
+  Size size_;
+  std::span<uint8_t> scratch_;
 };
 
-void Convolution::repeat_edges(int y) {
-  const std::span<uint8_t> row = stored(y);
-  const auto reach = static_cast<std::ptrdiff_t>(kernel_.reach());
-  std::fill(row.begin(), row.begin() + reach, row[static_cast<size_t>(reach)]);
-  std::fill(row.end() - reach, row.end(), *(row.end() - reach - 1));
+// ---- Greys ----
+
+template <class Quotient>
+void write_grays(const uint16_t* sums, uint8_t* __restrict result, size_t count, Quotient quotient) {
+  for (size_t x = 0; x < count; ++x) result[x] = static_cast<uint8_t>(quotient(static_cast<int16_t>(sums[x])));
 }
 
-void Convolution::sum_row(int y) {
-  std::ranges::fill(sums_, int16_t{0});
-  for (int row = 0; row < kernel_.size; ++row) {
-    // The first row of the kernel is for the row above, which is stored later.
-    const uint8_t* const source = stored(std::clamp(y + kernel_.reach() - row, 0, height_ - 1)).data();
-    for (int column = 0; column < kernel_.size; ++column) {
-      const auto weight = static_cast<int16_t>(kernel_.weight(row, column));
-      if (weight == 0) continue;
-      const uint8_t* const shifted = source + column;
-      int16_t* const sums = sums_.data();
-      for (int x = 0; x < width_; ++x) sums[x] = static_cast<int16_t>(sums[x] + weight * shifted[x]);
-    }
-    if (kernel_.repeats_left_border) add_left_border(source, row);
+template <class Quotient>
+void write_clamped_grays(const uint16_t* sums, uint8_t* __restrict result, size_t count, Quotient quotient) {
+  for (size_t x = 0; x < count; ++x) {
+    const auto sum = static_cast<int16_t>(sums[x]);
+    result[x] = static_cast<uint8_t>(quotient(sum < 0 ? int16_t{0} : sum > 255 ? int16_t{255} : sum));
   }
 }
 
-// Two of the kernels of size 5 count their outermost columns twice for the second pixel of a row. Callers count on what comes of
-// it.
-void Convolution::add_left_border(const uint8_t* row, int kernel_row) {
-  if (width_ < 2) return;
-  const int second = row[kernel_.reach() + 1];
-  sums_[0] = static_cast<int16_t>(sums_[0] + kernel_.weight(kernel_row, kernel_.size - 1) * second);
-  if (width_ > 2) sums_[2] = static_cast<int16_t>(sums_[2] + kernel_.weight(kernel_row, 0) * second);
+// ---- Colours ----
+
+// A change of intensity in two parts, one of which is 0; more than 255 is as good as 255.
+struct Change {
+  std::array<uint8_t, kBlock> up, down;
+};
+
+template <class Quotient>
+void find_change(const uint16_t* sums, const uint8_t* samples, size_t count, Change& __restrict change, Quotient quotient) {
+  const auto to_byte = [](int16_t number) { return static_cast<uint8_t>(number < 0 ? 0 : number > 255 ? 255 : number); };
+  for (size_t x = 0; x < count; ++x) {
+    const auto difference = static_cast<int16_t>(quotient(static_cast<int16_t>(sums[x])) - samples[x]);
+    change.up[x] = to_byte(difference);
+    change.down[x] = to_byte(static_cast<int16_t>(-difference));
+  }
 }
 
-// Divides sums in place. Cutting towards zero is exact in single precision for sums of 16 bits.
-void divide(std::span<int16_t> sums, int32_t divisor, auto&& shifted) {
-  for (int bits = 0; bits <= 6; ++bits) {
-    if (divisor != 1 << bits) continue;
-    for (int16_t& sum : sums) sum = shifted(sum, bits);
-    return;
+// Adds and subtracts within what bytes hold. Source and result may be the same.
+void change_components(const uint8_t* source, const uint8_t* up, const uint8_t* down, uint8_t* result, size_t count) {
+#pragma GCC ivdep
+  for (size_t x = 0; x < count; ++x) {
+    uint8_t component = source[x];
+    const auto room = static_cast<uint8_t>(~component);
+    component = static_cast<uint8_t>(component + (up[x] < room ? up[x] : room));
+    result[x] = static_cast<uint8_t>(component - (down[x] < component ? down[x] : component));
   }
-  const auto by = static_cast<float>(divisor);
-  for (int16_t& sum : sums) sum = static_cast<int16_t>(static_cast<float>(sum) / by);
 }
 
 }  // namespace
 
 void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch) {
-  // Sums have 32 bits here as far as callers can tell: negative ones become large numbers when they are shifted.
-  const auto shifted = [](int16_t sum, int bits) {
-    return static_cast<int16_t>(static_cast<uint32_t>(int32_t{sum}) >> bits);
-  };
-  Convolution convolution(kernel, source.size(), scratch);
-  convolution.run([&](int y, std::span<uint8_t> samples) { std::ranges::copy(source.row(y), samples.begin()); },
-                  [&](int y, std::span<int16_t> sums, std::span<const uint8_t>) {
-                    if (kernel.clamps_sums)
-                      for (int16_t& sum : sums) sum = std::clamp<int16_t>(sum, 0, 255);
-                    divide(sums, kernel.divisor, shifted);
-                    std::ranges::transform(sums, result.row(y).begin(),
-                                           [](int16_t sum) { return static_cast<uint8_t>(sum); });
-                  });
+  const auto read = [&](int y, uint8_t* samples) { std::memcpy(samples, source.row(y).data(), source.row(y).size()); };
+  with_quotient(Division(kernel.divisor), [&](auto quotient) {
+    Convolution(kernel, source.size(), scratch)
+        .run(read, [&](int y, size_t x, size_t count, const uint16_t* sums, const uint8_t*) {
+          uint8_t* const to = result.row(y).data() + x;
+          kernel.clamps_sums ? write_clamped_grays(sums, to, count, quotient) : write_grays(sums, to, count, quotient);
+        });
+  });
 }
 
 void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity,
                     std::span<uint8_t> scratch) {
-  const auto read = [&](auto intensity_of) {
-    return [&, intensity_of](int y, std::span<uint8_t> samples) {
-      const uint8_t* pixel = source.row(y).data();
-      for (uint8_t& sample : samples) {
-        sample = intensity_of(Rgb{pixel[0], pixel[1], pixel[2], 0});
-        pixel += 3;
-      }
-    };
+  const auto read = [&](int y, uint8_t* samples) {
+    const auto width = static_cast<size_t>(source.width());
+    if (intensity == Intensity::kWeighted)
+      weigh_row<kIntensityWeights>(source.row(y).data(), samples, width);
+    else
+      weigh_row<kMeanWeights>(source.row(y).data(), samples, width);
   };
-  const auto shifted = [](int16_t sum, int bits) { return static_cast<int16_t>(sum >> bits); };
-  const auto write = [&](int y, std::span<int16_t> sums, std::span<const uint8_t> samples) {
-    divide(sums, kernel.divisor, shifted);
-    const uint8_t* pixel = source.row(y).data();
-    uint8_t* to = result.row(y).data();
-    for (size_t x = 0; x < sums.size(); ++x) {
-      const int change = static_cast<int16_t>(sums[x] - samples[x]);
-      for (int component = 0; component < 3; ++component)
-        *to++ = static_cast<uint8_t>(std::clamp(*pixel++ + change, 0, 255));
-    }
-  };
-  Convolution convolution(kernel, source.size(), scratch);
-  if (intensity == Intensity::kWeighted)
-    convolution.run(read([](Rgb color) { return weighted_intensity_of(color); }), write);
-  else
-    convolution.run(read([](Rgb color) { return mean_of(color); }), write);
+  Change change;
+  std::array<uint8_t, kBlock * 3> up, down;
+  with_quotient(Division(kernel.divisor), [&](auto quotient) {
+    Convolution(kernel, source.size(), scratch)
+        .run(read, [&](int y, size_t x, size_t count, const uint16_t* sums, const uint8_t* samples) {
+          find_change(sums, samples, whole_vectors(count), change, quotient);
+          triple(change.up.data(), up.data(), count);
+          triple(change.down.data(), down.data(), count);
+          change_components(source.row(y).data() + x * 3, up.data(), down.data(), result.row(y).data() + x * 3, count * 3);
+        });
+  });
 }
 
 }  // namespace vorel::kernels::VOREL_LEVEL

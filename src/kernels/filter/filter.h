@@ -17,7 +17,7 @@ enum class Reach { kGentle, kFull };
 
 struct FilterTable {
   // Filters an 8-bit picture, whose pixels count as grey levels. Source and result may be the same.
-  //   scratch  convolution_scratch_bytes() or more, aligned to 2
+  //   scratch  convolution_scratch_bytes() or more
   void (*convolve_gray)(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch);
 
   // Filters the intensity of a 24-bit picture and adds its change to every component. The rest as above.

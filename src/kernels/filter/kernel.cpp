@@ -73,9 +73,4 @@ bool set_coefficients(Kernel& kernel, std::span<const int32_t> numbers) {
   return true;
 }
 
-size_t convolution_scratch_bytes(const Kernel& kernel, int width) {
-  const auto pixels = static_cast<size_t>(width), size = static_cast<size_t>(kernel.size);
-  return pixels * sizeof(int16_t) + size * (pixels + size);
-}
-
 }  // namespace vorel::kernels

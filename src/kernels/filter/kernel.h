@@ -31,7 +31,14 @@ Kernel built_in_kernel(FilterType type, int size);
 // A caller's kernel: size x size coefficients and the divisor. False if they are out of bounds.
 bool set_coefficients(Kernel& kernel, std::span<const int32_t> numbers);
 
-// What filtering a picture of this width needs.
-size_t convolution_scratch_bytes(const Kernel& kernel, int width);
+// What filtering a picture of this width needs: as many rows as the kernel has, with their edges repeated and room for vectors to
+// read on.
+inline constexpr size_t kConvolutionSlack = 32;
+constexpr size_t convolution_row_bytes(const Kernel& kernel, int width) {
+  return static_cast<size_t>(width) + static_cast<size_t>(kernel.size) + kConvolutionSlack;
+}
+constexpr size_t convolution_scratch_bytes(const Kernel& kernel, int width) {
+  return static_cast<size_t>(kernel.size) * convolution_row_bytes(kernel, width);
+}
 
 }  // namespace vorel::kernels

@@ -1,41 +1,136 @@
 #include <algorithm>
 
-#include "core/gray.h"
+#include "kernels/bgr.h"
 #include "kernels/tone/functions.h"
+#include "kernels/tone/linear.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
+namespace {
+
+// Each of these maps the first bytes of a row and returns their number.
+
+class LinearMap {
+ public:
+  explicit LinearMap(const LinearTable& table)
+      : factor_(Words{} + static_cast<uint16_t>(table.factor)), offset_(Doublewords{} + table.offset), shift_(table.shift) {}
+
+  size_t map(const uint8_t* from, uint8_t* to, size_t count) const {
+    size_t x = 0;
+    for (; x + kVectorBytes <= count; x += kVectorBytes) {
+      const auto bytes = load<Bytes>(from + x);
+      store(to + x, pack(mapped(low_words(bytes)), mapped(high_words(bytes))));
+    }
+    return x;
+  }
+
+ private:
+  [[gnu::always_inline]] Words mapped(Words words) const {
+    return pack((multiply_add(low_words(words), factor_) + offset_) >> shift_,
+                (multiply_add(high_words(words), factor_) + offset_) >> shift_);
+  }
+
+  Words factor_;
+  Doublewords offset_;
+  int shift_;
+};
+
+#ifdef __AVX2__
+// Looks all bytes up by shuffles of sixteen entries. Entries are kept as differences from those sixteen further down: a byte takes
+// part in each shuffle up to its own, so that the differences add up to its entry.
+class ShuffledMap {
+ public:
+  explicit ShuffledMap(const ComponentTable& table) {
+    for (size_t i = 0; i < 256; ++i) {
+      const bool is_first = i % 128 < 16;
+      const auto difference = static_cast<uint8_t>(table[i] ^ (is_first ? 0 : table[i - 16]));
+      parts_[i / 16][i % 16] = parts_[i / 16][16 + i % 16] = difference;
+    }
+  }
+
+  size_t map(const uint8_t* from, uint8_t* to, size_t count) const {
+    constexpr size_t kStep = 2 * kVectorBytes;
+    size_t x = 0;
+    for (; x + kStep <= count; x += kStep) {
+      __m256i index[2], result[2];
+      for (int i = 0; i < 2; ++i) index[i] = load<__m256i>(from + x + static_cast<size_t>(i) * kVectorBytes);
+      result[0] = result[1] = __m256i{};
+      for (size_t half = 0; half < 2; ++half) {
+        for (size_t part = 0; part < 8; ++part) {
+          const auto differences = load<__m256i>(parts_[half * 8 + part]);
+          for (int i = 0; i < 2; ++i) {
+            // Bytes below this part are negative by now, and give 0; so do those of the other half.
+            result[i] ^= _mm256_shuffle_epi8(differences, index[i]);
+            index[i] = _mm256_subs_epi8(index[i], _mm256_set1_epi8(16));
+          }
+        }
+        for (int i = 0; i < 2; ++i)
+          index[i] = load<__m256i>(from + x + static_cast<size_t>(i) * kVectorBytes) ^ _mm256_set1_epi8(-128);
+      }
+      for (int i = 0; i < 2; ++i) store(to + x + static_cast<size_t>(i) * kVectorBytes, result[i]);
+    }
+    return x;
+  }
+
+ private:
+  alignas(kVectorBytes) uint8_t parts_[16][kVectorBytes];
+};
+#else
+// One byte after the other is as fast at the lower levels.
+struct ShuffledMap {
+  explicit ShuffledMap(const ComponentTable&) {}
+  size_t map(const uint8_t*, uint8_t*, size_t) const { return 0; }
+};
+#endif
+
+// Source and result may be the same.
+template <class Map>
+void map_rows(ConstDibView source, DibView result, const ComponentTable& table, const Map& map) {
+  for (int y = 0; y < source.height(); ++y) {
+    const auto row = source.row(y);
+    uint8_t* const to = result.row(y).data();
+    for (size_t x = map.map(row.data(), to, row.size()); x < row.size(); ++x) to[x] = table[row[x]];
+  }
+}
+
+// Finding a line takes as long as mapping some thousand bytes.
+constexpr size_t kLeastLinearBytes = 1 << 16;
+
+}  // namespace
 
 void map_bytes(ConstDibView source, DibView result, const ComponentTable& table) {
-  for (int y = 0; y < source.height(); ++y)
-    std::ranges::transform(source.row(y), result.row(y).begin(), [&](uint8_t byte) { return table[byte]; });
+  if (source.height() == 0) return;
+  const bool is_large = source.row(0).size() * static_cast<size_t>(source.height()) >= kLeastLinearBytes;
+  if (const auto line = is_large ? LinearTable::of(table) : std::nullopt; line)
+    map_rows(source, result, table, LinearMap(*line));
+  else
+    map_rows(source, result, table, ShuffledMap(table));
 }
 
 void look_up_colors(ConstDibView source, DibView result, std::span<const Rgb, 256> colors) {
+  uint32_t entries[256];
+  for (size_t i = 0; i < 256; ++i)
+    entries[i] = colors[i].blue | uint32_t{colors[i].green} << 8 | uint32_t{colors[i].red} << 16;
   for (int y = 0; y < source.height(); ++y) {
-    uint8_t* pixel = result.row(y).data();
-    for (const uint8_t index : source.row(y)) {
-      const Rgb color = colors[index];
-      *pixel++ = color.blue;
-      *pixel++ = color.green;
-      *pixel++ = color.red;
+    const auto row = source.row(y);
+    uint8_t* to = result.row(y).data();
+    // Two pixels at a time, in eight bytes of which the next ones overwrite two.
+    size_t x = 0;
+    for (; x + 4 <= row.size(); x += 2, to += 6) {
+      const uint64_t two = entries[row[x]] | uint64_t{entries[row[x + 1]]} << 24;
+      std::memcpy(to, &two, sizeof two);
     }
+    for (; x < row.size(); ++x, to += 3) std::memcpy(to, &entries[row[x]], 3);
   }
 }
 
 void gray_rows(ConstDibView source, DibView result, GrayRule rule) {
-  const auto convert = [&](auto gray) {
-    for (int y = 0; y < source.height(); ++y) {
-      const uint8_t* from = source.row(y).data();
-      for (uint8_t& to : result.row(y)) {
-        to = gray(Rgb{from[0], from[1], from[2], 0});
-        from += 3;
-      }
-    }
-  };
-  if (rule == GrayRule::kMean)
-    convert([](Rgb color) { return mean_of(color); });
-  else
-    convert([](Rgb color) { return weighted_gray_of(color); });
+  for (int y = 0; y < source.height(); ++y) {
+    const auto to = result.row(y);
+    if (rule == GrayRule::kMean)
+      weigh_row<kMeanWeights>(source.row(y).data(), to.data(), to.size());
+    else
+      weigh_row<kGrayWeights>(source.row(y).data(), to.data(), to.size());
+  }
 }
 
 }  // namespace vorel::kernels::VOREL_LEVEL

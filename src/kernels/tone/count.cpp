@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "core/word.h"
 #include "kernels/tone/functions.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
@@ -14,20 +15,44 @@ Range clipped(Range range, int size) { return {std::clamp(range.begin, 0, size),
 
 Range side_from(int begin) { return {begin, begin + kHistogramSide}; }
 
-// Adds `step`, modulo 65,536, for each pixel in some columns and some rows from the top, as far as there are any.
-void count(ConstDibView picture, Range columns, Range rows, int step, Histogram histogram) {
-  columns = clipped(columns, picture.width());
-  rows = clipped(rows, picture.height());
-  for (int y = rows.begin; y < rows.end; ++y) {
-    const auto row = picture.row_from_top(y);
-    for (int x = columns.begin; x < columns.end; ++x) {
-      uint16_t& counter = histogram[row[static_cast<size_t>(x)]];
-      counter = static_cast<uint16_t>(counter + step);
+// Counts in several tables in turn: the same value twice in a row does not wait for its own counter.
+class Tally {
+ public:
+  // Adds `step`, modulo 65,536, for each pixel in these columns and rows from the top, as far as there are any.
+  void count(ConstDibView picture, Range columns, Range rows, uint16_t step) {
+    columns = clipped(columns, picture.width());
+    rows = clipped(rows, picture.height());
+    for (int y = rows.begin; y < rows.end; ++y) {
+      const auto row = picture.row_from_top(y);
+      count(row.data() + columns.begin, row.data() + columns.end, step);
     }
   }
-}
 
-// What a side that moves leaves and enters.
+  void add_to(Histogram histogram) const {
+    for (size_t level = 0; level < kHistogramLevels; ++level)
+      for (const auto& counters : counters_) histogram[level] = static_cast<uint16_t>(histogram[level] + counters[level]);
+  }
+
+ private:
+  static constexpr int kTables = 4;
+
+  void count(const uint8_t* pixel, const uint8_t* end, uint16_t step) {
+    for (; end - pixel >= kWordBytes; pixel += kWordBytes) {
+      const uint64_t word = load_word(pixel);
+      for (int i = 0; i < kWordBytes; ++i) add(i % kTables, static_cast<uint8_t>(word >> 8 * i), step);
+    }
+    for (; pixel != end; ++pixel) add(0, *pixel, step);
+  }
+  void add(int table, uint8_t level, uint16_t step) {
+    counters_[table][level] = static_cast<uint16_t>(counters_[table][level] + step);
+  }
+
+  uint16_t counters_[kTables][kHistogramLevels] = {};
+};
+
+constexpr uint16_t kOneMore = 1, kOneLess = 0xFFFF;
+
+// The columns or rows that a moving side leaves and enters.
 struct Strips {
   Range left, entered;
 };
@@ -40,17 +65,21 @@ Strips strips(int from, int to) {
 }  // namespace
 
 void count_square(ConstDibView picture, Corner corner, Histogram histogram) {
-  count(picture, side_from(corner.x), side_from(corner.y), 1, histogram);
+  Tally tally;
+  tally.count(picture, side_from(corner.x), side_from(corner.y), kOneMore);
+  tally.add_to(histogram);
 }
 
 // Sideways first, at the old height; then up or down.
 void slide_square(ConstDibView picture, Corner from, Corner to, Histogram histogram) {
   const Range old_rows = side_from(from.y), new_columns = side_from(to.x);
   const Strips columns = strips(from.x, to.x), rows = strips(from.y, to.y);
-  count(picture, columns.entered, old_rows, 1, histogram);
-  count(picture, columns.left, old_rows, -1, histogram);
-  count(picture, new_columns, rows.entered, 1, histogram);
-  count(picture, new_columns, rows.left, -1, histogram);
+  Tally tally;
+  tally.count(picture, columns.entered, old_rows, kOneMore);
+  tally.count(picture, columns.left, old_rows, kOneLess);
+  tally.count(picture, new_columns, rows.entered, kOneMore);
+  tally.count(picture, new_columns, rows.left, kOneLess);
+  tally.add_to(histogram);
 }
 
 }  // namespace vorel::kernels::VOREL_LEVEL

@@ -19,10 +19,11 @@ enum class GrayRule { kMean, kWeighted };
 // Over how many neighbours each way a set bit is spread.
 enum class Smoothing : int { kNone = 0, kBy3 = 1, kBy5 = 2 };
 
-// What expanding rows of this width needs.
+// What smoothing rows of this width needs: a byte for each bit of as many rows as a pixel sees, and margins.
+inline constexpr size_t kExpandedMargin = 4;
+constexpr size_t expanded_row_bytes(int width) { return row_bytes(1, width) * 8 + 2 * kExpandedMargin; }
 constexpr size_t expansion_scratch_bytes(Smoothing smoothing, int width) {
-  const size_t bytes = row_bytes(1, width), rows = static_cast<size_t>(smoothing) * 2 + 1;
-  return bytes * 8 + rows * (bytes + 2);
+  return smoothing == Smoothing::kNone ? 0 : (static_cast<size_t>(smoothing) * 2 + 1) * expanded_row_bytes(width);
 }
 
 struct ToneTable {

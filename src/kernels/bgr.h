@@ -1,0 +1,93 @@
+// Weighted sums of the components of 24-bit pixels.
+#pragma once
+
+#include <array>
+
+#include "kernels/lanes.h"
+
+namespace vorel::kernels::VOREL_LEVEL {
+
+// (blue * b + green * g + red * r) / divisor, cut. The division is a product: exact for each divisor in use.
+struct ComponentWeights {
+  int blue, green, red, divisor;
+
+  constexpr int most() const { return (blue + green + red) * 255; }
+  constexpr uint32_t factor() const {
+    return ((1u << (16 + shift())) + static_cast<uint32_t>(divisor) - 1) / static_cast<uint32_t>(divisor);
+  }
+  constexpr int shift() const { return divisor > 4 ? 2 : 0; }
+  constexpr uint32_t quotient(uint32_t sum) const { return (sum * factor() >> 16) >> shift(); }
+  constexpr bool is_exact() const {
+    for (uint32_t sum = 0; sum <= static_cast<uint32_t>(most()); ++sum)
+      if (quotient(sum) != sum / static_cast<uint32_t>(divisor)) return false;
+    return factor() <= 0xFFFF;
+  }
+};
+
+inline constexpr ComponentWeights kMeanWeights = {1, 1, 1, 3};
+inline constexpr ComponentWeights kGrayWeights = {3, 15, 8, 26};
+inline constexpr ComponentWeights kIntensityWeights = {8, 15, 3, 26};
+static_assert(kMeanWeights.is_exact() && kGrayWeights.is_exact() && kIntensityWeights.is_exact());
+
+#ifdef __SSE4_1__
+// The sums of kVectorBytes pixels.
+template <ComponentWeights kWeights>
+[[gnu::always_inline]] inline Bytes weighted_pixels(const uint8_t* pixels) {
+  // Four pixels in each half, each followed by a zero.
+  constexpr auto kSpread = [] {
+    std::array<uint8_t, kVectorBytes> places{};
+    for (size_t i = 0; i < kVectorBytes; ++i) places[i] = static_cast<uint8_t>(i % 4 == 3 ? 0x80 : i % 16 / 4 * 3 + i % 4);
+    return places;
+  }();
+  const auto weights = (Bytes)(Doublewords{} + (kWeights.blue | kWeights.green << 8 | kWeights.red << 16));
+  const auto sums = [&](size_t pixel) {
+    const uint8_t* const from = pixels + pixel * 3;
+    return multiply_add(multiply_add(shuffle(halves(from, from + 48), load<Bytes>(kSpread.data())), weights),
+                        Words{} + uint16_t{1});
+  };
+  const auto quotients = [](Words words) {
+    return multiply_high(words, Words{} + static_cast<uint16_t>(kWeights.factor())) >> kWeights.shift();
+  };
+  return pack(quotients(pack(sums(0), sums(4))), quotients(pack(sums(8), sums(12))));
+}
+inline constexpr size_t kWeightedBytesRead = 3 * kVectorBytes + 4;
+#endif
+
+// The weighted sum of each pixel of a row.
+template <ComponentWeights kWeights>
+[[gnu::always_inline]] inline void weigh_row(const uint8_t* pixels, uint8_t* result, size_t count) {
+  size_t x = 0;
+#ifdef __SSE4_1__
+  for (; x * 3 + kWeightedBytesRead <= count * 3; x += kVectorBytes)
+    store(result + x, weighted_pixels<kWeights>(pixels + x * 3));
+#endif
+  for (; x < count; ++x) {
+    const uint8_t* const pixel = pixels + x * 3;
+    result[x] = static_cast<uint8_t>(kWeights.quotient(
+        static_cast<uint32_t>(kWeights.blue * pixel[0] + kWeights.green * pixel[1] + kWeights.red * pixel[2])));
+  }
+}
+
+// Each byte three times.
+inline void triple(const uint8_t* bytes, uint8_t* result, size_t count) {
+  size_t x = 0;
+#ifdef __SSE4_1__
+  constexpr size_t kStep = 16;
+  constexpr auto kThrice = [] {
+    std::array<uint8_t, kStep * 3> places{};
+    for (size_t i = 0; i < places.size(); ++i) places[i] = static_cast<uint8_t>(i / 3);
+    return places;
+  }();
+  for (; x + kStep <= count; x += kStep) {
+    const auto sixteen = load<__m128i>(bytes + x);
+    for (size_t part = 0; part < 3; ++part) {
+      store(result + x * 3 + part * kStep, _mm_shuffle_epi8(sixteen, load<__m128i>(&kThrice[part * kStep])));
+    }
+  }
+#endif
+  for (; x < count; ++x) {
+    result[x * 3] = result[x * 3 + 1] = result[x * 3 + 2] = bytes[x];
+  }
+}
+
+}  // namespace vorel::kernels::VOREL_LEVEL
