@@ -29,38 +29,49 @@ inline constexpr ComponentWeights kGrayWeights = {3, 15, 8, 26};
 inline constexpr ComponentWeights kIntensityWeights = {8, 15, 3, 26};
 static_assert(kMeanWeights.is_exact() && kGrayWeights.is_exact() && kIntensityWeights.is_exact());
 
-#ifdef __SSE4_1__
-// The sums of kVectorBytes pixels.
+// The weighted sums of four pixels, and at levels of 32 bytes of four others. Four bytes behind the pixels are read too.
 template <ComponentWeights kWeights>
-[[gnu::always_inline]] inline Bytes weighted_pixels(const uint8_t* pixels) {
-  // Four pixels in each half, each followed by a zero.
+[[gnu::always_inline]] inline Doublewords weighted_sums(const uint8_t* pixels, [[maybe_unused]] const uint8_t* others) {
+#ifdef __SSE4_1__
+  // Each pixel is followed by a zero.
   constexpr auto kSpread = [] {
     std::array<uint8_t, kVectorBytes> places{};
     for (size_t i = 0; i < kVectorBytes; ++i) places[i] = static_cast<uint8_t>(i % 4 == 3 ? 0x80 : i % 16 / 4 * 3 + i % 4);
     return places;
   }();
   const auto weights = (Bytes)(Doublewords{} + (kWeights.blue | kWeights.green << 8 | kWeights.red << 16));
-  const auto sums = [&](size_t pixel) {
-    const uint8_t* const from = pixels + pixel * 3;
-    return multiply_add(multiply_add(shuffle(halves(from, from + 48), load<Bytes>(kSpread.data())), weights),
-                        Words{} + uint16_t{1});
-  };
-  const auto quotients = [](Words words) {
-    return multiply_high(words, Words{} + static_cast<uint16_t>(kWeights.factor())) >> kWeights.shift();
-  };
-  return pack(quotients(pack(sums(0), sums(4))), quotients(pack(sums(8), sums(12))));
-}
-inline constexpr size_t kWeightedBytesRead = 3 * kVectorBytes + 4;
+  return multiply_add(multiply_add(shuffle(halves(pixels, others), load<Bytes>(kSpread.data())), weights),
+                      Words{} + uint16_t{1});
+#else
+  Doublewords four;
+  for (int i = 0; i < 4; ++i) {
+    int32_t pixel;
+    std::memcpy(&pixel, pixels + i * 3, sizeof pixel);
+    four[i] = pixel;
+  }
+  return multiply_add((Words)four & 0xFF, (Words)(Doublewords{} + (kWeights.blue | kWeights.red << 16))) +
+         multiply_add((Words)four >> 8, (Words)(Doublewords{} + kWeights.green));
 #endif
+}
+
+// The weighted means of kVectorBytes pixels.
+inline constexpr size_t kWeightedBytesRead = 3 * kVectorBytes + 4;
+template <ComponentWeights kWeights>
+[[gnu::always_inline]] inline Bytes weighted_pixels(const uint8_t* pixels) {
+  const auto eight = [&](size_t first) VOREL_INLINE {
+    const uint8_t* const from = pixels + first * 3;
+    const Words sums = pack(weighted_sums<kWeights>(from, from + 48), weighted_sums<kWeights>(from + 12, from + 60));
+    return multiply_high(sums, Words{} + static_cast<uint16_t>(kWeights.factor())) >> kWeights.shift();
+  };
+  return pack(eight(0), eight(8));
+}
 
 // The weighted sum of each pixel of a row.
 template <ComponentWeights kWeights>
 [[gnu::always_inline]] inline void weigh_row(const uint8_t* pixels, uint8_t* result, size_t count) {
   size_t x = 0;
-#ifdef __SSE4_1__
   for (; x * 3 + kWeightedBytesRead <= count * 3; x += kVectorBytes)
     store(result + x, weighted_pixels<kWeights>(pixels + x * 3));
-#endif
   for (; x < count; ++x) {
     const uint8_t* const pixel = pixels + x * 3;
     result[x] = static_cast<uint8_t>(kWeights.quotient(
@@ -84,10 +95,13 @@ inline void triple(const uint8_t* bytes, uint8_t* result, size_t count) {
       store(result + x * 3 + part * kStep, _mm_shuffle_epi8(sixteen, load<__m128i>(&kThrice[part * kStep])));
     }
   }
-#endif
-  for (; x < count; ++x) {
-    result[x * 3] = result[x * 3 + 1] = result[x * 3 + 2] = bytes[x];
+#else
+  for (; x + 4 <= count; x += 2) {
+    const uint64_t two = (bytes[x] | uint64_t{bytes[x + 1]} << 24) * 0x010101;
+    store(result + x * 3, two);
   }
+#endif
+  for (; x < count; ++x) result[x * 3] = result[x * 3 + 1] = result[x * 3 + 2] = bytes[x];
 }
 
 }  // namespace vorel::kernels::VOREL_LEVEL

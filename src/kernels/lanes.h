@@ -39,17 +39,23 @@ template <class V>
   std::memcpy(to, &vector, sizeof vector);
 }
 
-// Calls step.template operator()<V>(x) for vectors V of bytes from x on, until all of [begin, end) is done. The last vector may
-// overlap the one before it: results must not be read.
+// Calls step.operator()<V>(x) for vectors V of bytes from x on, until all of [begin, end) is done. The last vector may overlap the
+// one before it, so a step must not read results.
 template <class Step>
 [[gnu::always_inline]] inline void in_vectors(size_t begin, size_t end, Step step) {
   if (end - begin < kVectorBytes) {
     for (size_t x = begin; x < end; ++x) step.template operator()<Byte1>(x);
     return;
   }
-  for (size_t x = begin; x + kVectorBytes <= end; x += kVectorBytes) step.template operator()<Bytes>(x);
-  step.template operator()<Bytes>(end - kVectorBytes);
+  const size_t last = end - kVectorBytes;
+  for (size_t x = begin;; x = x + kVectorBytes < last ? x + kVectorBytes : last) {
+    step.template operator()<Bytes>(x);
+    if (x == last) return;
+  }
 }
+
+// For the lambdas that are handed to in_vectors().
+#define VOREL_INLINE __attribute__((always_inline))
 
 // Vectors of 32 bytes are two halves of 16 here: unpacking, packing and shuffling stay within a half.
 #ifdef __AVX2__

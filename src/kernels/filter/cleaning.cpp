@@ -107,7 +107,7 @@ void clean_row(const Neighborhood& around, std::span<uint8_t> result, int width,
   if (result.size() == 1) return;
   clean_end(result.size() - 1);
   const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(around.stride);
-  in_vectors(1, result.size() - 1, [&]<class V>(size_t x) {
+  in_vectors(1, result.size() - 1, [&]<class V>(size_t x) VOREL_INLINE {
     store(&result[x], cleaned<kThreshold>(row + x - stride, row + x, row + x + stride, V{} + gentle));
   });
 }
@@ -130,7 +130,7 @@ template <int kRank, class V>
 [[gnu::always_inline]] inline V ranked(const uint8_t* below, const uint8_t* row, const uint8_t* above) {
   V v[] = {load<V>(below - 1), load<V>(below),     load<V>(below + 1), load<V>(row - 1),
            load<V>(row + 1),   load<V>(above - 1), load<V>(above),     load<V>(above + 1)};
-  [&]<size_t... kSteps>(std::index_sequence<kSteps...>) {
+  [&]<size_t... kSteps>(std::index_sequence<kSteps...>) VOREL_INLINE {
     (order(v[kNetwork[kSteps].first], v[kNetwork[kSteps].second]), ...);
   }
   (std::make_index_sequence<std::size(kNetwork)>{});
@@ -140,7 +140,7 @@ template <int kRank, class V>
 template <int kRank, Reach kReach>
 void take_rank_in_row(const uint8_t* below, const uint8_t* row, const uint8_t* above, std::span<uint8_t> result) {
   constexpr uint8_t kNearlyBlack = 5, kNearlyWhite = 250;
-  in_vectors(1, result.size() - 1, [&]<class V>(size_t x) {
+  in_vectors(1, result.size() - 1, [&]<class V>(size_t x) VOREL_INLINE {
     V value = ranked<kRank, V>(below + x, row + x, above + x);
     if constexpr (kReach == Reach::kGentle) {
       const V here = load<V>(row + x);

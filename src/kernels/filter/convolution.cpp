@@ -23,15 +23,18 @@ constexpr size_t whole_vectors(size_t count) { return (count + kVectorBytes - 1)
 // ---- Sums ----
 
 void widen(const uint8_t* row, uint16_t* __restrict result, size_t count) {
+#pragma GCC unroll 2
   for (size_t x = 0; x < count; ++x) result[x] = row[x];
 }
 
 void widen_sum(const uint8_t* row, const uint8_t* other, uint16_t* __restrict result, size_t count) {
+#pragma GCC unroll 2
   for (size_t x = 0; x < count; ++x) result[x] = static_cast<uint16_t>(row[x] + other[x]);
 }
 
 template <size_t kTerms>
 void weigh(const Numbers* __restrict terms, const Plan::Weights& weights, uint16_t* __restrict result, size_t count) {
+#pragma GCC unroll 2
   for (size_t x = 0; x < count; ++x) {
     uint16_t sum = 0;
     for (size_t i = 0; i < kTerms; ++i) sum = static_cast<uint16_t>(sum + weights[i] * terms[i][x]);
@@ -49,48 +52,64 @@ void weigh(size_t term_count, const Numbers* terms, const Plan::Weights& weights
   }
 }
 
+// The sum of kernel columns, each of which begins at its own number.
 template <size_t kSize>
-void add_columns(const Columns& columns, uint16_t* __restrict sums, size_t count) {
-  for (size_t x = 0; x < count; ++x) {
-    uint16_t sum = 0;
-    for (size_t i = 0; i < kSize; ++i) sum = static_cast<uint16_t>(sum + columns[i][x + i]);
-    sums[x] = sum;
-  }
+[[gnu::always_inline]] inline uint16_t sum_at(const Columns& columns, size_t x) {
+  uint16_t sum = 0;
+  for (size_t i = 0; i < kSize; ++i) sum = static_cast<uint16_t>(sum + columns[i][x + i]);
+  return sum;
 }
 
-// The sums of `count` pixels, from rows that begin as many pixels further left as the kernel reaches.
-void sum_block(const Plan& plan, const Rows& rows, size_t count, uint16_t* sums) {
-  const size_t wide = whole_vectors(count + plan.size - 1);
-  std::array<Numbers, kMostKernelSize> terms, columns;
-  for (size_t i = 0; i < plan.term_count; ++i) {
-    const size_t opposite = plan.size - 1 - i;
-    if (plan.is_symmetric && i != opposite)
-      widen_sum(rows[i], rows[opposite], terms[i].data(), wide);
-    else
-      widen(rows[i], terms[i].data(), wide);
+// Part of a row, with the sums of each column of the kernel.
+struct Block {
+  Columns columns{};
+  std::array<Numbers, kMostKernelSize> distinct;
+
+  // Rows begin as many pixels further left as the kernel reaches.
+  void sum_columns(const Plan& plan, const Rows& rows, size_t count) {
+    const size_t wide = whole_vectors(count + plan.size - 1);
+    std::array<Numbers, kMostKernelSize> terms;
+    for (size_t i = 0; i < plan.term_count; ++i) {
+      const size_t opposite = plan.size - 1 - i;
+      if (plan.is_symmetric && i != opposite)
+        widen_sum(rows[i], rows[opposite], terms[i].data(), wide);
+      else
+        widen(rows[i], terms[i].data(), wide);
+    }
+    for (size_t i = 0; i < plan.distinct_count; ++i)
+      weigh(plan.term_count, terms.data(), plan.distinct[i], distinct[i].data(), wide);
+    for (size_t i = 0; i < plan.size; ++i) columns[i] = distinct[plan.column[i]].data();
   }
-  for (size_t i = 0; i < plan.distinct_count; ++i)
-    weigh(plan.term_count, terms.data(), plan.distinct[i], columns[i].data(), wide);
-  Columns all{};
-  for (size_t i = 0; i < plan.size; ++i) all[i] = columns[plan.column[i]].data();
-  switch (plan.size) {
-    case 3: return add_columns<3>(all, sums, whole_vectors(count));
-    case 5: return add_columns<5>(all, sums, whole_vectors(count));
-    default: return add_columns<7>(all, sums, whole_vectors(count));
-  }
+};
+
+// A deliberate oddity: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row, which adds to
+// the first and the third sum. Calls add(x, number) where there is something to add.
+template <class Add>
+void repeat_left_border(const Kernel& kernel, const Columns& columns, int width, Add add) {
+  const size_t last = static_cast<size_t>(kernel.size) - 1, second = last / 2 + 1;
+  if (!kernel.repeats_left_border || width < 2) return;
+  add(0, columns[last][second]);
+  if (width > 2) add(2, columns[0][second]);
 }
 
 // ---- Quotients ----
 
-// Calls work with a function that divides a sum.
+// Calls work with a function that divides a sum. 16 bits are enough for each step, which the compiler has to see.
 template <class Work>
 void with_quotient(const Division& division, Work work) {
   const int shift = division.shift;
-  if (division.is_shift) return work([shift](int16_t sum) { return static_cast<int16_t>(sum >> shift); });
+  if (division.is_shift && shift == 0) return work([](int16_t sum) { return sum; });
+  if (division.is_shift && shift == 1) return work([](int16_t sum) { return static_cast<int16_t>(sum >> 1); });
+  if (division.is_shift) {
+    const auto factor = static_cast<int16_t>(0x10000 >> shift);
+    return work([factor](int16_t sum) { return static_cast<int16_t>(int32_t{sum} * factor >> 16); });
+  }
   const uint16_t factor = division.factor;
-  work([factor, shift](int16_t sum) {
+  const auto rest = static_cast<uint16_t>(0x10000 >> shift);
+  work([factor, rest](int16_t sum) {
     const auto magnitude = static_cast<uint16_t>(sum < 0 ? -sum : sum);
-    const auto quotient = static_cast<int16_t>(static_cast<uint16_t>(uint32_t{magnitude} * factor >> 16) >> shift);
+    const auto scaled = static_cast<uint16_t>(uint32_t{magnitude} * factor >> 16);
+    const auto quotient = static_cast<int16_t>(uint32_t{scaled} * rest >> 16);
     return static_cast<int16_t>(sum < 0 ? -quotient : quotient);
   });
 }
@@ -98,13 +117,13 @@ void with_quotient(const Division& division, Work work) {
 // ---- Rows ----
 
 // Goes over a picture from the first stored row on. Rows and columns at the edges are repeated beyond them. A row is written only
-// after all sums that need it are made, so that a picture can be filtered in place.
+// after all rows that need it are read, so that a picture can be filtered in place.
 class Convolution {
  public:
   Convolution(const Kernel& kernel, Size size, std::span<uint8_t> scratch)
       : kernel_(kernel), plan_(kernel), size_(size), scratch_(scratch) {}
 
-  // read(y, samples) stores the samples of a row; write(y, x, count, sums, samples) takes the sums and samples of a block.
+  // read(y, samples) stores the samples of a row; write(y, x, count, columns, samples) takes sums and samples of a block.
   template <class Read, class Write>
   void run(Read read, Write write) {
     for (int next = 0, y = 0; y < size_.height; ++y) {
@@ -134,27 +153,13 @@ class Convolution {
     // The first row of the kernel is for the row above, which is stored later.
     Rows rows{};
     for (int i = 0; i < kernel_.size; ++i)
-      rows[static_cast<size_t>(i)] = samples(std::clamp(y + kernel_.reach() - i, 0, size_.height - 1));
+      rows[static_cast<size_t>(i)] = samples(std::clamp(y + kernel_.reach() - i, 0, size_.height - 1)) - kernel_.reach();
     const auto width = static_cast<size_t>(size_.width);
-    std::array<uint16_t, kBlock> sums;
     for (size_t x = 0; x < width; x += kBlock) {
       const size_t count = std::min(kBlock, width - x);
-      Rows block = rows;
-      for (const uint8_t*& row : block) row += static_cast<std::ptrdiff_t>(x) - kernel_.reach();
-      sum_block(plan_, block, count, sums.data());
-      if (x == 0 && kernel_.repeats_left_border) add_left_border(rows, sums.data());
-      write(y, x, count, sums.data(), samples(y) + x);
-    }
-  }
-
-  // A deliberate oddity: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row.
-  void add_left_border(const Rows& rows, uint16_t* sums) const {
-    if (size_.width < 2) return;
-    const size_t last = plan_.size - 1;
-    for (size_t i = 0; i <= last; ++i) {
-      const int second = rows[i][1];
-      sums[0] = static_cast<uint16_t>(sums[0] + kernel_.weights[i][last] * second);
-      if (size_.width > 2) sums[2] = static_cast<uint16_t>(sums[2] + kernel_.weights[i][0] * second);
+      block_.sum_columns(plan_, rows, count);
+      write(y, x, count, block_.columns, samples(y) + x);
+      for (const uint8_t*& row : rows) row += kBlock;
     }
   }
 
@@ -162,24 +167,63 @@ class Convolution {
   Plan plan_;
   Size size_;
   std::span<uint8_t> scratch_;
+  Block block_;
 };
 
 // ---- Greys ----
 
-template <class Quotient>
-void write_grays(const uint16_t* sums, uint8_t* __restrict result, size_t count, Quotient quotient) {
-  for (size_t x = 0; x < count; ++x) result[x] = static_cast<uint8_t>(quotient(static_cast<int16_t>(sums[x])));
+template <bool kClamps, size_t kSize, class Quotient>
+void write_grays(const Kernel& kernel, const Columns& all, uint8_t* __restrict result, size_t count, bool is_first,
+                 Quotient quotient) {
+  const auto gray = [quotient](uint16_t wrapped) {
+    auto sum = static_cast<int16_t>(wrapped);
+    if (kClamps) sum = sum < 0 ? int16_t{0} : sum > 255 ? int16_t{255} : sum;
+    return static_cast<uint8_t>(quotient(sum));
+  };
+  const Columns columns = all;
+#pragma GCC unroll 2
+  for (size_t x = 0; x < count; ++x) result[x] = gray(sum_at<kSize>(columns, x));
+  if (is_first)
+    repeat_left_border(kernel, columns, static_cast<int>(count), [&](size_t x, uint16_t more) {
+      result[x] = gray(static_cast<uint16_t>(sum_at<kSize>(columns, x) + more));
+    });
 }
 
-template <class Quotient>
-void write_clamped_grays(const uint16_t* sums, uint8_t* __restrict result, size_t count, Quotient quotient) {
-  for (size_t x = 0; x < count; ++x) {
-    const auto sum = static_cast<int16_t>(sums[x]);
-    result[x] = static_cast<uint8_t>(quotient(sum < 0 ? int16_t{0} : sum > 255 ? int16_t{255} : sum));
-  }
+template <bool kClamps, class Quotient>
+void convolve_gray_rows(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch,
+                        Quotient quotient) {
+  const auto read = [&](int y, uint8_t* samples) { std::memcpy(samples, source.row(y).data(), source.row(y).size()); };
+  Convolution(kernel, source.size(), scratch)
+      .run(read, [&](int y, size_t x, size_t count, const Columns& columns, const uint8_t*) {
+        uint8_t* const to = result.row(y).data() + x;
+        switch (kernel.size) {
+          case 3: return write_grays<kClamps, 3>(kernel, columns, to, count, x == 0, quotient);
+          case 5: return write_grays<kClamps, 5>(kernel, columns, to, count, x == 0, quotient);
+          default: return write_grays<kClamps, 7>(kernel, columns, to, count, x == 0, quotient);
+        }
+      });
 }
 
 // ---- Colours ----
+
+template <size_t kSize>
+void add_columns(const Columns& all, uint16_t* __restrict sums, size_t count) {
+  const Columns columns = all;
+#pragma GCC unroll 2
+  for (size_t x = 0; x < count; ++x) sums[x] = sum_at<kSize>(columns, x);
+}
+
+// All sums of a block.
+void add_columns(const Kernel& kernel, const Columns& columns, uint16_t* sums, size_t count, bool is_first) {
+  switch (kernel.size) {
+    case 3: add_columns<3>(columns, sums, whole_vectors(count)); break;
+    case 5: add_columns<5>(columns, sums, whole_vectors(count)); break;
+    default: add_columns<7>(columns, sums, whole_vectors(count)); break;
+  }
+  if (is_first)
+    repeat_left_border(kernel, columns, static_cast<int>(count),
+                       [&](size_t x, uint16_t more) { sums[x] = static_cast<uint16_t>(sums[x] + more); });
+}
 
 // A change of intensity in two parts, one of which is 0; more than 255 is as good as 255.
 struct Change {
@@ -210,13 +254,11 @@ void change_components(const uint8_t* source, const uint8_t* up, const uint8_t* 
 }  // namespace
 
 void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch) {
-  const auto read = [&](int y, uint8_t* samples) { std::memcpy(samples, source.row(y).data(), source.row(y).size()); };
   with_quotient(Division(kernel.divisor), [&](auto quotient) {
-    Convolution(kernel, source.size(), scratch)
-        .run(read, [&](int y, size_t x, size_t count, const uint16_t* sums, const uint8_t*) {
-          uint8_t* const to = result.row(y).data() + x;
-          kernel.clamps_sums ? write_clamped_grays(sums, to, count, quotient) : write_grays(sums, to, count, quotient);
-        });
+    if (kernel.clamps_sums)
+      convolve_gray_rows<true>(source, result, kernel, scratch, quotient);
+    else
+      convolve_gray_rows<false>(source, result, kernel, scratch, quotient);
   });
 }
 
@@ -230,11 +272,13 @@ void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, I
       weigh_row<kMeanWeights>(source.row(y).data(), samples, width);
   };
   Change change;
+  std::array<uint16_t, kBlock> sums;
   std::array<uint8_t, kBlock * 3> up, down;
   with_quotient(Division(kernel.divisor), [&](auto quotient) {
     Convolution(kernel, source.size(), scratch)
-        .run(read, [&](int y, size_t x, size_t count, const uint16_t* sums, const uint8_t* samples) {
-          find_change(sums, samples, whole_vectors(count), change, quotient);
+        .run(read, [&](int y, size_t x, size_t count, const Columns& columns, const uint8_t* samples) {
+          add_columns(kernel, columns, sums.data(), count, x == 0);
+          find_change(sums.data(), samples, whole_vectors(count), change, quotient);
           triple(change.up.data(), up.data(), count);
           triple(change.down.data(), down.data(), count);
           change_components(source.row(y).data() + x * 3, up.data(), down.data(), result.row(y).data() + x * 3, count * 3);

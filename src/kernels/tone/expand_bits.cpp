@@ -66,7 +66,7 @@ void smooth(ConstDibView source, DibView result, uint8_t flip, std::span<uint8_t
     std::array<const uint8_t*, kSize> seen;
     for (size_t i = 0; i < kSize; ++i) seen[i] = stored(std::max(0, y - static_cast<int>(i)));
     const auto to = result.row(y);
-    in_vectors(0, to.size(), [&]<class V>(size_t x) { store(&to[x], smoothed<kWeights, V>(seen, x)); });
+    in_vectors(0, to.size(), [&]<class V>(size_t x) VOREL_INLINE { store(&to[x], smoothed<kWeights, V>(seen, x)); });
   }
 }
 
