@@ -24,7 +24,7 @@ Result<OwnedDib> cleaned(const LockedDib& source, int level, kernels::Reach reac
   const auto colors = opened.colors(implied_colors(header.depth));
   if (!is_gray(colors)) return Error::kUnreported;
 
-  OwnedDib result = VOREL_TRY(OwnedDib::allocate(source.block().size()).or_error(Error::kUnreported));
+  OwnedDib result = VOREL_TRY(OwnedDib::allocate_unset(source.block().size()).or_error(Error::kUnreported));
   std::ranges::copy(source.block(), result.bytes().begin());
   const auto whole = VOREL_TRY(or_error(CompleteBytes::of(result.bytes(), opened.bytes().size()), Error::kUnreported));
   const DibView to = pixels_in(whole.bytes(), header, opened.layout());

@@ -12,7 +12,7 @@ Result<ZeroedBuffer> scratch_for(const OpenDib& source, const kernels::Kernel& k
 
 Result<HGLOBAL> filtered_gray(HGLOBAL handle, const LockedDib& source, const kernels::Kernel& kernel, Where where) {
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
-  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate));
+  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_unset));
   const ZeroedBuffer scratch = VOREL_TRY(scratch_for(opened, kernel));
   target.write_gray_ramp();
   kernels::filter().convolve_gray(opened.pixels(), target.pixels(), kernel, scratch.bytes());
@@ -22,7 +22,7 @@ Result<HGLOBAL> filtered_gray(HGLOBAL handle, const LockedDib& source, const ker
 Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const kernels::Kernel& kernel,
                                kernels::Intensity intensity, Where where) {
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
-  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_or_retry));
+  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_unset_or_retry));
   const ZeroedBuffer scratch = VOREL_TRY(scratch_for(opened, kernel));
   target.keep_table();  // 24 bits have no use for one
   kernels::filter().convolve_color(opened.pixels(), target.pixels(), kernel, intensity, scratch.bytes());

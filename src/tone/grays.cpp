@@ -17,13 +17,15 @@ kernels::Smoothing smoothing_for(int grade, int32_t height) {
   return static_cast<kernels::Smoothing>(grade);
 }
 
-// A result with its image size filled in. Results made from 1 and 24 bits have spare bytes behind their rows.
+// A result with its image size filled in and its pixels unset. Results made from 1 and 24 bits have spare bytes behind their rows.
 Result<NewDib> new_picture(DibHeader header, uint32_t source_depth) {
   const ByteCount rows = rows_bytes(header);
   header.image_bytes = static_cast<uint32_t>(rows.value());
   const bool has_spare = source_depth == 1 || source_depth == 24;
   const ByteCount spare = has_spare ? (ByteCount(static_cast<uint32_t>(header.width)) * 40 + 155).value() / 32 * 4 : 0;
-  return NewDib::make(header, rows + spare);
+  NewDib dib = VOREL_TRY(NewDib::make(header, rows + spare, {}, OwnedDib::allocate_unset));
+  dib.clear_padding();
+  return dib;
 }
 
 Result<OwnedDib> expanded(const OpenDib& source, NewDib result, int grade, bool inverted) {
@@ -44,8 +46,7 @@ void make_table_gray(const OpenDib& source, NewDib& result, kernels::GrayRule ru
   const std::span<Rgb> colors = result.colors();
   const size_t count = std::min<size_t>(DIBNumColors(source.header()), colors.size());
   std::ranges::transform(source.colors(count), colors.begin(), [&](Rgb color) { return gray_of(color, rule); });
-  const auto rows = source.bytes().subspan(source.head().size(), result.header().image_bytes);
-  std::ranges::copy(rows, result.bytes().subspan(result.head().size()).begin());
+  std::ranges::copy(source.rows(), result.rows().begin());
 }
 
 }  // namespace

@@ -22,13 +22,15 @@ DibHeader true_color_header(DibHeader header) {
 Result<OwnedDib> with_mapped_table(const OpenDib& source, const kernels::ComponentTable& table) {
   const DibHeader& header = source.header();
   const ByteCount image_bytes = stated_image_bytes(header);
-  NewDib result = VOREL_TRY(NewDib::make(header, image_bytes, {}, OwnedDib::allocate_or_retry));
+  NewDib result = VOREL_TRY(NewDib::make(header, image_bytes, {}, OwnedDib::allocate_unset_or_retry));
   std::ranges::transform(source.colors(DIBNumColors(header)), result.colors().begin(), [&](Rgb color) {
     return Rgb{table[color.blue], table[color.green], table[color.red], color.reserved};
   });
   const auto rows = source.rows_and_rest();
-  const uint64_t there = std::min<uint64_t>(image_bytes.value(), rows.size());
-  std::ranges::copy(rows.first(static_cast<size_t>(there)), result.bytes().subspan(result.head().size()).begin());
+  const auto image = result.image().first(static_cast<size_t>(image_bytes.value()));
+  const size_t there = std::min(rows.size(), image.size());
+  std::ranges::copy(rows.first(there), image.begin());
+  std::ranges::fill(image.subspan(there), uint8_t{0});
   return OwnedDib(std::move(result));
 }
 
@@ -36,7 +38,7 @@ Result<OwnedDib> with_mapped_table(const OpenDib& source, const kernels::Compone
 
 Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const kernels::ComponentTable& table, Where where) {
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
-  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_or_retry));
+  Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_unset_or_retry));
   kernels::ComponentTable levels;
   std::ranges::transform(opened.colors(kTableColors), levels.begin(), [&](Rgb color) { return table[level_of(color)]; });
   target.write_gray_ramp();
@@ -47,7 +49,7 @@ Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const kerne
 Result<OwnedDib> with_components(const LockedDib& source, const kernels::ComponentTable& table) {
   const OpenDib opened = VOREL_TRY(OpenDib::open(source));
   if (opened.header().depth != 24) return with_mapped_table(opened, table);
-  StatedCopy result = VOREL_TRY(StatedCopy::of(opened, OwnedDib::allocate_or_retry));
+  StatedCopy result = VOREL_TRY(StatedCopy::of(opened, OwnedDib::allocate_unset_or_retry));
   std::ranges::copy(opened.head(), result.head().begin());
   kernels::tone().map_bytes(opened.pixels(), result.pixels(), table);
   return std::move(result).finish();
@@ -56,7 +58,8 @@ Result<OwnedDib> with_components(const LockedDib& source, const kernels::Compone
 Result<OwnedDib> in_true_color(const LockedDib& source) {
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
   const DibHeader header = true_color_header(opened.header());
-  NewDib result = VOREL_TRY(NewDib::make(header, rows_bytes(header), {}, OwnedDib::allocate_or_retry));
+  NewDib result = VOREL_TRY(NewDib::make(header, rows_bytes(header), {}, OwnedDib::allocate_unset_or_retry));
+  result.clear_padding();
   const auto colors = opened.colors(kTableColors).first<kTableColors>();
   kernels::tone().look_up_colors(opened.pixels(), result.pixels(), colors);
   return OwnedDib(std::move(result));

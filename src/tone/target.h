@@ -12,12 +12,17 @@
 namespace vorel::tone {
 
 // A new DIB with the header of another and the image size stated there. Where that is too small for the rows, they are cut at the
-// block's end.
+// block's end. Its pixels are unset.
 class StatedCopy {
  public:
+  // `allocate` need not clear.
   static Result<StatedCopy> of(const OpenDib& source, NewDib::Allocate* allocate) {
     NewDib dib = VOREL_TRY(NewDib::make(source.header(), stated_image_bytes(source.header()), {}, allocate));
     const ByteCount needed = source.layout().offset + source.layout().rows;
+    if (needed <= ByteCount(dib.bytes().size()))
+      dib.clear_padding();
+    else
+      std::ranges::fill(dib.image(), uint8_t{0});
     CompleteBytes bytes = VOREL_TRY(or_error(CompleteBytes::of(dib.bytes(), needed), Error::kMemory));
     return StatedCopy(std::move(dib), source.layout(), std::move(bytes));
   }
