@@ -79,29 +79,4 @@ template <ComponentWeights kWeights>
   }
 }
 
-// Each byte three times.
-inline void triple(const uint8_t* bytes, uint8_t* result, size_t count) {
-  size_t x = 0;
-#ifdef __SSE4_1__
-  constexpr size_t kStep = 16;
-  constexpr auto kThrice = [] {
-    std::array<uint8_t, kStep * 3> places{};
-    for (size_t i = 0; i < places.size(); ++i) places[i] = static_cast<uint8_t>(i / 3);
-    return places;
-  }();
-  for (; x + kStep <= count; x += kStep) {
-    const auto sixteen = load<__m128i>(bytes + x);
-    for (size_t part = 0; part < 3; ++part) {
-      store(result + x * 3 + part * kStep, _mm_shuffle_epi8(sixteen, load<__m128i>(&kThrice[part * kStep])));
-    }
-  }
-#else
-  for (; x + 4 <= count; x += 2) {
-    const uint64_t two = (bytes[x] | uint64_t{bytes[x + 1]} << 24) * 0x010101;
-    store(result + x * 3, two);
-  }
-#endif
-  for (; x < count; ++x) result[x * 3] = result[x * 3 + 1] = result[x * 3 + 2] = bytes[x];
-}
-
 }  // namespace vorel::kernels::VOREL_LEVEL

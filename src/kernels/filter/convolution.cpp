@@ -225,7 +225,7 @@ void add_columns(const Kernel& kernel, const Columns& columns, uint16_t* sums, s
                        [&](size_t x, uint16_t more) { sums[x] = static_cast<uint16_t>(sums[x] + more); });
 }
 
-// A change of intensity in two parts, one of which is 0; more than 255 is as good as 255.
+// Changes of intensity, up and down apart; more than 255 is as good as 255.
 struct Change {
   std::array<uint8_t, kBlock> up, down;
 };
@@ -241,14 +241,39 @@ void find_change(const uint16_t* sums, const uint8_t* samples, size_t count, Cha
 }
 
 // Adds and subtracts within what bytes hold. Source and result may be the same.
-void change_components(const uint8_t* source, const uint8_t* up, const uint8_t* down, uint8_t* result, size_t count) {
-#pragma GCC ivdep
-  for (size_t x = 0; x < count; ++x) {
-    uint8_t component = source[x];
-    const auto room = static_cast<uint8_t>(~component);
-    component = static_cast<uint8_t>(component + (up[x] < room ? up[x] : room));
-    result[x] = static_cast<uint8_t>(component - (down[x] < component ? down[x] : component));
+void change_components(const uint8_t* source, const Change& change, uint8_t* result, size_t count) {
+  size_t x = 0;
+#ifdef __SSE4_1__
+  // Sixteen pixels at a time, each change three times.
+  constexpr size_t kStep = 16;
+  constexpr auto kThrice = [] {
+    std::array<uint8_t, kStep * 3> places{};
+    for (size_t i = 0; i < places.size(); ++i) places[i] = static_cast<uint8_t>(i / 3);
+    return places;
+  }();
+  for (; x + kStep <= count; x += kStep) {
+    const auto up = load<__m128i>(&change.up[x]), down = load<__m128i>(&change.down[x]);
+    for (size_t part = 0; part < kThrice.size(); part += kStep) {
+      const auto places = load<__m128i>(&kThrice[part]);
+      const auto raised = _mm_adds_epu8(load<__m128i>(source + x * 3 + part), _mm_shuffle_epi8(up, places));
+      store(result + x * 3 + part, _mm_subs_epu8(raised, _mm_shuffle_epi8(down, places)));
+    }
   }
+#else
+  // Two pixels at a time; the two bytes behind them stay as they are.
+  const auto thrice = [](const uint8_t* two) {
+    const uint64_t six_bytes = (two[0] | uint64_t{two[1]} << 24) * 0x010101;
+    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&six_bytes));
+  };
+  for (; x + 3 <= count; x += 2) {
+    const auto raised =
+        _mm_adds_epu8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(source + x * 3)), thrice(&change.up[x]));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(result + x * 3), _mm_subs_epu8(raised, thrice(&change.down[x])));
+  }
+#endif
+  for (; x < count; ++x)
+    for (size_t i = x * 3; i < x * 3 + 3; ++i)
+      result[i] = static_cast<uint8_t>(std::clamp(source[i] + change.up[x] - change.down[x], 0, 255));
 }
 
 }  // namespace
@@ -273,15 +298,12 @@ void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, I
   };
   Change change;
   std::array<uint16_t, kBlock> sums;
-  std::array<uint8_t, kBlock * 3> up, down;
   with_quotient(Division(kernel.divisor), [&](auto quotient) {
     Convolution(kernel, source.size(), scratch)
         .run(read, [&](int y, size_t x, size_t count, const Columns& columns, const uint8_t* samples) {
           add_columns(kernel, columns, sums.data(), count, x == 0);
           find_change(sums.data(), samples, whole_vectors(count), change, quotient);
-          triple(change.up.data(), up.data(), count);
-          triple(change.down.data(), down.data(), count);
-          change_components(source.row(y).data() + x * 3, up.data(), down.data(), result.row(y).data() + x * 3, count * 3);
+          change_components(source.row(y).data() + x * 3, change, result.row(y).data() + x * 3, count);
         });
   });
 }

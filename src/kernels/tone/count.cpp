@@ -34,7 +34,7 @@ class Tally {
   }
 
  private:
-  static constexpr int kTables = 4;
+  static constexpr int kTables = 8;
 
   void count(const uint8_t* pixel, const uint8_t* end, uint16_t step) {
     for (; end - pixel >= kWordBytes; pixel += kWordBytes) {
