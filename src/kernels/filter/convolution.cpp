@@ -12,13 +12,16 @@ namespace {
 
 constexpr size_t kBlock = 512;                             // pixels
 constexpr size_t kWideBlock = kBlock + kConvolutionSlack;  // with neighbours on both sides
-static_assert(kConvolutionSlack >= kVectorBytes && kVectorBytes >= kMostKernelSize);
+static_assert(kConvolutionSlack >= kMostKernelSize);
 
 using Numbers = std::array<uint16_t, kWideBlock>;
 using Rows = std::array<const uint8_t*, kMostKernelSize>;
 using Columns = std::array<const uint16_t*, kMostKernelSize>;
 
-constexpr size_t whole_vectors(size_t count) { return (count + kVectorBytes - 1) / kVectorBytes * kVectorBytes; }
+// Rounded up to what loops do at a time, without a rest of single pixels.
+constexpr size_t whole_steps(size_t count) {
+  return (count + kConvolutionSlack - 1) / kConvolutionSlack * kConvolutionSlack;
+}
 
 // ---- Sums ----
 
@@ -67,7 +70,7 @@ struct Block {
 
   // Rows begin as many pixels further left as the kernel reaches.
   void sum_columns(const Plan& plan, const Rows& rows, size_t count) {
-    const size_t wide = whole_vectors(count + plan.size - 1);
+    const size_t wide = whole_steps(count + plan.size - 1);
     std::array<Numbers, kMostKernelSize> terms;
     for (size_t i = 0; i < plan.term_count; ++i) {
       const size_t opposite = plan.size - 1 - i;
@@ -216,9 +219,9 @@ void add_columns(const Columns& all, uint16_t* __restrict sums, size_t count) {
 // All sums of a block.
 void add_columns(const Kernel& kernel, const Columns& columns, uint16_t* sums, size_t count, bool is_first) {
   switch (kernel.size) {
-    case 3: add_columns<3>(columns, sums, whole_vectors(count)); break;
-    case 5: add_columns<5>(columns, sums, whole_vectors(count)); break;
-    default: add_columns<7>(columns, sums, whole_vectors(count)); break;
+    case 3: add_columns<3>(columns, sums, whole_steps(count)); break;
+    case 5: add_columns<5>(columns, sums, whole_steps(count)); break;
+    default: add_columns<7>(columns, sums, whole_steps(count)); break;
   }
   if (is_first)
     repeat_left_border(kernel, columns, static_cast<int>(count),
@@ -302,7 +305,7 @@ void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, I
     Convolution(kernel, source.size(), scratch)
         .run(read, [&](int y, size_t x, size_t count, const Columns& columns, const uint8_t* samples) {
           add_columns(kernel, columns, sums.data(), count, x == 0);
-          find_change(sums.data(), samples, whole_vectors(count), change, quotient);
+          find_change(sums.data(), samples, whole_steps(count), change, quotient);
           change_components(source.row(y).data() + x * 3, change, result.row(y).data() + x * 3, count);
         });
   });

@@ -33,7 +33,7 @@ bool set_coefficients(Kernel& kernel, std::span<const int32_t> numbers);
 
 // What filtering a picture of this width needs: as many rows as the kernel has, with their edges repeated and room for vectors to
 // read on.
-inline constexpr size_t kConvolutionSlack = 32;
+inline constexpr size_t kConvolutionSlack = 64;
 constexpr size_t convolution_row_bytes(const Kernel& kernel, int width) {
   return static_cast<size_t>(width) + static_cast<size_t>(kernel.size) + kConvolutionSlack;
 }

@@ -12,13 +12,18 @@ namespace {
 class LinearMap {
  public:
   explicit LinearMap(const LinearTable& table)
-      : factor_(Words{} + static_cast<uint16_t>(table.factor)), offset_(Doublewords{} + table.offset), shift_(table.shift) {}
+      : factor_(Words{} + static_cast<uint16_t>(table.factor)),
+        offset_(Doublewords{} + table.offset),
+        shift_(table.shift),
+        least_(Bytes{} + table.least),
+        most_(Bytes{} + table.most) {}
 
   size_t map(const uint8_t* from, uint8_t* to, size_t count) const {
     size_t x = 0;
     for (; x + kVectorBytes <= count; x += kVectorBytes) {
       const auto bytes = load<Bytes>(from + x);
-      store(to + x, pack(mapped(low_words(bytes)), mapped(high_words(bytes))));
+      const Bytes levels = pack(mapped(low_words(bytes)), mapped(high_words(bytes)));
+      store(to + x, larger(smaller(levels, most_), least_));
     }
     return x;
   }
@@ -32,6 +37,7 @@ class LinearMap {
   Words factor_;
   Doublewords offset_;
   int shift_;
+  Bytes least_, most_;
 };
 
 #ifdef __AVX2__

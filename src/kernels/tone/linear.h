@@ -1,4 +1,4 @@
-// Tables that are straight lines within the limits of a byte.
+// Tables that are straight lines between two limits.
 #pragma once
 
 #include <optional>
@@ -7,9 +7,10 @@
 
 namespace vorel::kernels {
 
-// Level i becomes (i * factor + offset) >> shift, limited to what a byte holds. The factor is a signed number of 16 bits.
+// Level i becomes (i * factor + offset) >> shift, at least and at most the table's limits. The factor is a signed number of 16 bits.
 struct LinearTable {
   int factor, offset, shift;
+  uint8_t least, most;
 
   // None where no such line gives every entry of the table exactly.
   static std::optional<LinearTable> of(const ComponentTable& table);
