@@ -5,6 +5,7 @@
 #include "core/nearest_color.h"
 #include "core/pixel.h"
 #include "kernels/scale/functions.h"
+#include "kernels/scale/nearest_color_map.h"
 #include "kernels/scale/resampler.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
@@ -96,7 +97,8 @@ void scale_indexed(ConstDibView source, std::span<const Rgb> colors, DibView res
       *to++ = color.red;
     }
   };
-  NearestColor nearest(colors);
+  // An empty table has entry 0 alone, which is black.
+  NearestColorMap nearest(colors.empty() ? std::span<const Rgb>(table).first(1) : colors, arena);
   resample(interpolation, source, result, 3, arena, read, [&](uint8_t* to, auto fill) {
     fill(row.data());
     const uint8_t* from = row.data();
