@@ -1,106 +1,95 @@
 // Packed DIBs as codec modules make and read them: 1, 4, 8 or 24 bits, uncompressed, with rows counted from the top.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <vector>
 
-#include <vorel32.h>
+#include "core/gray.h"
+#include "core/packing.h"
+#include "core/resolution.h"
+#include "dib/open_dib.h"
 
 namespace codec {
 
-using Colors = std::vector<RGBQUAD>;
+using vorel::brightness_of;
+using vorel::from_dpi;
+using vorel::nearest_dpi;
+using vorel::pack_indices;
+using vorel::Resolution;
+using vorel::Rgb;
+using vorel::swap_red_and_blue;
+using vorel::unpack_indices;
+using vorel::whole_dpi;
 
-constexpr RGBQUAD color(int red, int green, int blue) {
+using Colors = std::vector<Rgb>;
+
+constexpr Rgb color(int red, int green, int blue) {
   return {static_cast<uint8_t>(blue), static_cast<uint8_t>(green), static_cast<uint8_t>(red), 0};
 }
 
-// In thousandths of a component, 0 to 255,000.
-constexpr int brightness(RGBQUAD entry) { return 299 * entry.rgbRed + 587 * entry.rgbGreen + 114 * entry.rgbBlue; }
-
-// Greys from black to white, as many as the depth has: at 1 bit just black and white.
+// As many greys from black to white as the depth has.
 Colors gray_ramp(int depth);
 
 // The depth that holds so many colours: 1, 4 or 8.
 constexpr int depth_for_colors(size_t count) { return count <= 2 ? 1 : count <= 16 ? 4 : 8; }
 
-// Pixels per metre; 0 is unknown.
-struct Resolution {
-  int x = 0, y = 0;
-};
-Resolution from_dpi(double x, double y);
-// The nearest whole number of dots per inch; 0 is unknown.
-int nearest_dpi(int per_metre);
-// Dots per inch, if that is a whole number that comes back from from_dpi() as the same pixels per metre; else 0.
-int whole_dpi(int per_metre);
-
-struct Layout {
+// A picture as a file describes it.
+struct Description {
   int64_t width = 0, height = 0;  // pixels
   int depth = 0;                  // bits per pixel: 1, 4, 8 or 24
   Colors colors{};                // completed with black to as many as the depth has; none at 24 bits
   Resolution resolution{};
 };
 
-// What a picture in a file may claim to be: a few hundred megabytes anyway, and more only if the file is large too, so that
-// a small file cannot take all memory. Throws Failure for a picture without pixels and for one that is too large.
+// Limits what a file may claim: a few hundred megabytes in any case, more only if the file is large too. A small file cannot take all
+// memory. Throws Failure for a picture without pixels and for one that is too large.
 void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t file_bytes);
 
-// A DIB being made, zero-filled. Freed with its scope unless it is released.
-class NewDib {
+// A DIB being loaded, zero-filled. Freed with its scope unless it is released.
+class LoadedDib {
  public:
   // Throws Failure.
-  explicit NewDib(const Layout& layout);
-  NewDib(const NewDib&) = delete;
-  NewDib& operator=(const NewDib&) = delete;
-  ~NewDib();
+  explicit LoadedDib(const Description& description);
+  LoadedDib(LoadedDib&& other) noexcept;
+  LoadedDib& operator=(LoadedDib&&) = delete;
+  ~LoadedDib();
 
-  int width() const { return width_; }
-  int height() const { return height_; }
-  // Whole rows, their padding included.
-  std::span<uint8_t> row_from_top(int y) const { return {rows_ + (height_ - 1 - y) * stride_, stride_}; }
+  int width() const { return dib_.header().width; }
+  int height() const { return dib_.header().height; }
+  vorel::DibView pixels() const { return dib_.pixels(); }
+  // A whole row, its padding included.
+  std::span<uint8_t> row_from_top(int y) const;
   // The colour table, for formats that state it after the pixels.
   void set_colors(const Colors& colors);
 
-  [[nodiscard]] HGLOBAL release();
+  [[nodiscard]] HGLOBAL release() { return dib_.release(); }
 
  private:
-  HGLOBAL block_ = nullptr;
-  std::span<uint8_t> table_;
-  uint8_t* rows_ = nullptr;
-  int width_ = 0, height_ = 0;
-  size_t stride_ = 0;
+  vorel::NewDib dib_;
 };
 
 // A DIB to be saved, locked for a scope.
 class SourceDib {
  public:
-  // Throws Failure. What a block is too short for reads as zero.
+  // Throws Failure. Bytes that the block is too short for read as zero.
   explicit SourceDib(HGLOBAL dib);
-  SourceDib(const SourceDib&) = delete;
-  SourceDib& operator=(const SourceDib&) = delete;
-  ~SourceDib();
 
-  int width() const { return header_.biWidth; }
-  int height() const { return height_; }
-  int depth() const { return header_.biBitCount; }
-  Resolution resolution() const { return {header_.biXPelsPerMeter, header_.biYPelsPerMeter}; }
-  // As many colours as the depth has, those that the table lacks being black. None at 24 bits.
+  int width() const { return header_.width; }
+  int height() const { return header_.height; }
+  int depth() const { return header_.depth; }
+  Resolution resolution() const { return {header_.x_per_metre, header_.y_per_metre}; }
+  // As many colours as the depth has; black where the table is shorter. None at 24 bits.
   const Colors& colors() const { return colors_; }
-  // Whole rows, their padding included.
+  // A whole row, its padding included.
   std::span<const uint8_t> row_from_top(int y) const;
 
  private:
-  void read(std::span<const uint8_t> block);
-
-  HGLOBAL block_;
-  std::vector<uint8_t> completed_;  // empty where the block itself is long enough
-  BITMAPINFOHEADER header_{};
-  int height_ = 0;
-  size_t stride_ = 0;
-  const uint8_t* rows_ = nullptr;
+  vorel::LockedDib lock_;
+  vorel::DibHeader header_;  // with a positive height
+  vorel::Layout layout_;
+  vorel::CompleteBytes bytes_;
   Colors colors_;
 };
 
@@ -108,19 +97,11 @@ bool same_colors(const Colors& a, const Colors& b);
 // Whether the colour table has the greys of the depth in their order, so that pixels are brightness.
 bool is_gray_ramp(const SourceDib& dib);
 
-// Rows of one byte per pixel from and to rows of 1, 4 or 8 bits per pixel. An index that the depth has no room for loses its
-// upper bits.
-void pack_indices(std::span<const uint8_t> indices, int depth, std::span<uint8_t> row);
-void unpack_indices(std::span<const uint8_t> row, int depth, std::span<uint8_t> indices);
-
-// Exchanges the first and third byte of each of `width` pixels: red, green, blue and blue, green, red.
-void swap_red_and_blue(std::span<uint8_t> row, int width);
-
 // A colour component that lies over white paper.
 constexpr uint8_t over_white(int value, int alpha) {
   return static_cast<uint8_t>((value * alpha + 255 * (255 - alpha) + 127) / 255);
 }
-// The same for one that has been scaled by its alpha already.
+// The same for a component that is multiplied by its alpha already.
 constexpr uint8_t premultiplied_over_white(int value, int alpha) {
   return static_cast<uint8_t>(std::min(value + 255 - alpha, 255));
 }

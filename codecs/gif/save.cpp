@@ -24,7 +24,7 @@ using ColorMap = std::unique_ptr<ColorMapObject, FreeMap>;
 ColorMap color_map(const Colors& colors) {
   const size_t count = std::bit_ceil(std::max(colors.size(), size_t{2}));
   std::vector<GifColorType> table(count);
-  for (size_t i = 0; i < colors.size(); ++i) table[i] = {colors[i].rgbRed, colors[i].rgbGreen, colors[i].rgbBlue};
+  for (size_t i = 0; i < colors.size(); ++i) table[i] = {colors[i].red, colors[i].green, colors[i].blue};
   ColorMap map(GifMakeMapObject(static_cast<int>(count), table.data()));
   if (!map) fail(IMG_E_MEMORY);
   return map;

@@ -91,7 +91,7 @@ void paint_inks(const uint8_t* samples, bool are_light, std::span<uint8_t> row) 
   }
 }
 
-void read_inks(Decompressor& jpeg, const NewDib& dib) {
+void read_inks(Decompressor& jpeg, const LoadedDib& dib) {
   const auto width = static_cast<size_t>(dib.width());
   std::vector<uint8_t> samples(width * 4);
   const bool are_light = jpeg.header().saw_Adobe_marker != FALSE;
@@ -112,7 +112,7 @@ HGLOBAL load(const char* path) {
   const bool has_inks = header.jpeg_color_space == JCS_CMYK || header.jpeg_color_space == JCS_YCCK;
   const int depth = is_gray ? 8 : 24;
   check_claim(header.image_width, header.image_height, depth + coefficient_bits(jpeg), file.size());
-  NewDib dib({header.image_width, header.image_height, depth, is_gray ? gray_ramp(8) : Colors{}, resolution_of(header)});
+  LoadedDib dib({header.image_width, header.image_height, depth, is_gray ? gray_ramp(8) : Colors{}, resolution_of(header)});
   if (has_inks) {
     read_inks(jpeg, dib);
   } else {

@@ -33,8 +33,7 @@ Density density_of(Resolution resolution) {
 class Samples {
  public:
   explicit Samples(const SourceDib& dib) : dib_(dib) {
-    const auto is_gray = [](const RGBQUAD& c) { return c.rgbRed == c.rgbGreen && c.rgbGreen == c.rgbBlue; };
-    is_gray_ = dib.depth() <= 8 && std::ranges::all_of(dib.colors(), is_gray);
+    is_gray_ = dib.depth() <= 8 && vorel::is_gray(dib.colors());
     if (dib.depth() == 24) return;
     const auto width = static_cast<size_t>(dib.width());
     indices_.resize(width);
@@ -49,11 +48,11 @@ class Samples {
     unpack_indices(dib_.row_from_top(y), dib_.depth(), indices_);
     uint8_t* sample = row_.data();
     for (const uint8_t index : indices_) {
-      const RGBQUAD& c = dib_.colors()[index];
-      *sample++ = c.rgbBlue;
+      const Rgb& c = dib_.colors()[index];
+      *sample++ = c.blue;
       if (is_gray_) continue;
-      *sample++ = c.rgbGreen;
-      *sample++ = c.rgbRed;
+      *sample++ = c.green;
+      *sample++ = c.red;
     }
     return row_.data();
   }

@@ -72,14 +72,14 @@ Resolution resolution_of(const PcxHeader& header) {
   return is_size && header.dpi_x != header.dpi_y ? Resolution{} : from_dpi(header.dpi_x, header.dpi_y);
 }
 
-Layout layout_of(const PcxHeader& header) {
-  Layout layout{.width = width_of(header),
+Description description_of(const PcxHeader& header) {
+  Description picture{.width = width_of(header),
                 .height = height_of(header),
                 .depth = dib_depth(header),
                 .resolution = resolution_of(header)};
-  if (layout.depth == 1) layout.colors = two_colors(header);
-  if (layout.depth == 4) layout.colors = sixteen_colors(header);
-  return layout;
+  if (picture.depth == 1) picture.colors = two_colors(header);
+  if (picture.depth == 4) picture.colors = sixteen_colors(header);
+  return picture;
 }
 
 // The bytes of all lines one after another. Runs may go on from one plane to the next and from one line to the next.
@@ -201,18 +201,18 @@ void check_pcx_start(std::span<const uint8_t> start) {
 HGLOBAL read_pcx(std::span<const uint8_t> file) {
   ByteSource source(file);
   const PcxHeader header = take_sound_header(source);
-  const Layout layout = layout_of(header);
+  const Description picture = description_of(header);
   LineBytes lines(source, header.encoding == PcxHeader::kRunLength);
   std::vector<uint8_t> bytes(size_t{header.planes} * header.plane_bytes);
   // However much the header claims, the picture takes no more memory than the file has bytes for.
-  if (!lines.can_give(uint64_t{bytes.size()} * static_cast<uint64_t>(layout.height))) fail(IMG_E_FORMAT);
+  if (!lines.can_give(uint64_t{bytes.size()} * static_cast<uint64_t>(picture.height))) fail(IMG_E_FORMAT);
 
-  NewDib dib(layout);
+  LoadedDib dib(picture);
   for (int y = 0; y < dib.height(); ++y) {
     lines.read(bytes);
     line_to_row({header, bytes}, dib.row_from_top(y));
   }
-  if (layout.depth == 8) dib.set_colors(colors_after_pixels(header, lines.rest()));
+  if (picture.depth == 8) dib.set_colors(colors_after_pixels(header, lines.rest()));
   return dib.release();
 }
 

@@ -11,7 +11,7 @@ namespace {
 constexpr int kMostPixels = 65'535;
 constexpr int kMostPlaneBytes = 65'534;
 
-PcxColor stored(const RGBQUAD& entry) { return {entry.rgbRed, entry.rgbGreen, entry.rgbBlue}; }
+PcxColor stored(const Rgb& entry) { return {entry.red, entry.green, entry.blue}; }
 
 uint16_t stored_dpi(int per_metre) { return static_cast<uint16_t>(std::min(nearest_dpi(per_metre), 65'535)); }
 
@@ -82,8 +82,8 @@ void PcxWriter::suit_readers_without_tables() {
   const bool are_alike = same_colors(colors, Colors(colors.size(), colors[0]));
   if (are_alike) kept_bits_ = 0;
   if (dib_.depth() != 1) return;
-  const RGBQUAD other = are_alike ? color(127, 127, 127) : colors[1];
-  if (brightness(colors[0]) <= brightness(other)) return;
+  const Rgb other = are_alike ? color(127, 127, 127) : colors[1];
+  if (brightness_of(colors[0]) <= brightness_of(other)) return;
   inversion_ = 0xFF;
   std::swap(header_.colors[0], header_.colors[1]);
 }
@@ -119,7 +119,7 @@ void PcxWriter::write_lines(const OutputFile& file) const {
 
 void PcxWriter::write_colors_of_8_bits(const OutputFile& file) const {
   std::vector<uint8_t> table{kPcxTableMark};
-  for (const RGBQUAD& entry : dib_.colors()) table.insert(table.end(), {entry.rgbRed, entry.rgbGreen, entry.rgbBlue});
+  for (const Rgb& entry : dib_.colors()) table.insert(table.end(), {entry.red, entry.green, entry.blue});
   file.write(table);
 }
 

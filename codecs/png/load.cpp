@@ -12,7 +12,7 @@
 namespace codec::png {
 namespace {
 
-constexpr RGBQUAD kWhite = color(255, 255, 255);
+constexpr Rgb kWhite = color(255, 255, 255);
 
 // Makes 4 bits per pixel of 8, for pictures of 2 bits that were spread over bytes.
 void pack_nibbles(png_structp, png_row_infop info, png_bytep row) {
@@ -59,7 +59,7 @@ class Reader {
   Colors colors() const { return has_palette() ? palette() : has_table() ? grays() : gray_ramp(8); }
   Resolution resolution() const;
 
-  void read_rows(const NewDib& dib) {
+  void read_rows(const LoadedDib& dib) {
     run([&] {
       make_rows_fit();
       const int passes = png_set_interlace_handling(png_);
@@ -156,7 +156,7 @@ HGLOBAL load(const char* path) {
   reader.read_header();
   const int depth = depth_of(reader);
   check_claim(reader.width(), reader.height(), std::max(depth, reader.channels() * reader.bits()), file.size());
-  NewDib dib({reader.width(), reader.height(), depth, reader.colors(), reader.resolution()});
+  LoadedDib dib({reader.width(), reader.height(), depth, reader.colors(), reader.resolution()});
   reader.read_rows(dib);
   return dib.release();
 }

@@ -66,7 +66,7 @@ int color_type_of(const SourceDib& dib) {
 BOOL save(const char* path, HGLOBAL handle) {
   const SourceDib dib(handle);
   Palette palette;
-  for (const RGBQUAD& c : dib.colors()) palette.push_back({c.rgbRed, c.rgbGreen, c.rgbBlue});
+  for (const Rgb& c : dib.colors()) palette.push_back({c.red, c.green, c.blue});
   Writer writer;
   OutputFile file(path);
   if (!writer.write(file.get(), dib, color_type_of(dib), palette)) fail(IMG_E_FILE_IO);

@@ -59,7 +59,7 @@ uint8_t component_over_white(int value, int alpha, Alpha meaning) {
 }
 
 // A colour of a map or a pixel: blue, green, red and alpha, or five bits of each and perhaps one of alpha.
-RGBQUAD opaque_color_at(const uint8_t* bytes, int depth) {
+Rgb opaque_color_at(const uint8_t* bytes, int depth) {
   if (depth >= 24) return color(bytes[2], bytes[1], bytes[0]);
   const int word = bytes[0] | bytes[1] << 8;
   const auto component = [&](int shift) { return ((word >> shift & 31) * 255 + 15) / 31; };
@@ -71,11 +71,11 @@ int color_alpha_at(const uint8_t* bytes, int depth) {
   return depth == 16 && (bytes[1] & 0x80) == 0 ? 0 : 255;
 }
 
-RGBQUAD color_at(const uint8_t* bytes, int depth, Alpha meaning) {
-  const RGBQUAD opaque = opaque_color_at(bytes, depth);
+Rgb color_at(const uint8_t* bytes, int depth, Alpha meaning) {
+  const Rgb opaque = opaque_color_at(bytes, depth);
   if (meaning == Alpha::kIgnored) return opaque;
   const auto component = [&](int value) { return component_over_white(value, color_alpha_at(bytes, depth), meaning); };
-  return color(component(opaque.rgbRed), component(opaque.rgbGreen), component(opaque.rgbBlue));
+  return color(component(opaque.red), component(opaque.green), component(opaque.blue));
 }
 
 int gray_alpha_at(const uint8_t* bytes, int depth) { return depth == 16 ? bytes[1] : 255; }
@@ -209,7 +209,7 @@ void reverse_pixels(std::span<uint8_t> line, size_t pixel_bytes) {
 template <class Convert>
 HGLOBAL read_lines(const Picture& picture, int depth, const Colors& colors, Convert convert) {
   const TgaHeader& header = picture.header;
-  NewDib dib({.width = header.width, .height = header.height, .depth = depth, .colors = colors});
+  LoadedDib dib({.width = header.width, .height = header.height, .depth = depth, .colors = colors});
   PixelBytes pixels = picture.reader();
   std::vector<uint8_t> line(picture.line_bytes());
   for (int i = 0; i < dib.height(); ++i) {
@@ -232,10 +232,10 @@ template <class ColorOf>
 HGLOBAL read_colors(const Picture& picture, ColorOf color_of) {
   return read_lines(picture, 24, {}, [&](std::span<const uint8_t> line, std::span<uint8_t> row) {
     for (size_t x = 0; x < picture.header.width; ++x) {
-      const RGBQUAD found = color_of(&line[x * picture.pixel_bytes()]);
-      row[x * 3] = found.rgbBlue;
-      row[x * 3 + 1] = found.rgbGreen;
-      row[x * 3 + 2] = found.rgbRed;
+      const Rgb found = color_of(&line[x * picture.pixel_bytes()]);
+      row[x * 3] = found.blue;
+      row[x * 3 + 1] = found.green;
+      row[x * 3 + 2] = found.red;
     }
   });
 }

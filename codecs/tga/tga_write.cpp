@@ -68,7 +68,7 @@ void TgaWriter::write(const OutputFile& file) const {
 
 void TgaWriter::write_map(const OutputFile& file) const {
   std::vector<uint8_t> map;
-  for (const RGBQUAD& entry : dib_.colors()) map.insert(map.end(), {entry.rgbBlue, entry.rgbGreen, entry.rgbRed});
+  for (const Rgb& entry : dib_.colors()) map.insert(map.end(), {entry.blue, entry.green, entry.red});
   file.write(map);
 }
 

@@ -43,10 +43,10 @@ void apply(const Component& component, const Colors& colors, std::span<uint8_t> 
     case Action::kIndices: return pack_indices(values, depth, pixels);
     case Action::kLookUp:
       for (size_t i = 0; i < values.size(); ++i) {
-        const RGBQUAD color = values[i] < colors.size() ? colors[values[i]] : RGBQUAD{};
-        pixels[i * 3] = color.rgbBlue;
-        pixels[i * 3 + 1] = color.rgbGreen;
-        pixels[i * 3 + 2] = color.rgbRed;
+        const Rgb color = values[i] < colors.size() ? colors[values[i]] : Rgb{};
+        pixels[i * 3] = color.blue;
+        pixels[i * 3 + 1] = color.green;
+        pixels[i * 3 + 2] = color.red;
       }
       return;
     case Action::kChannel:

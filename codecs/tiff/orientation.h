@@ -5,7 +5,8 @@
 
 namespace codec {
 
-// A DIB that shows a stored picture upright. `orientation` is by TIFF number; layout is that of the stored picture.
-HGLOBAL upright(NewDib& stored, const Layout& layout, int orientation);
+// A DIB that shows a stored picture upright. `orientation` is the TIFF number; any number but 2 to 8 leaves the picture as it is.
+// `description` is that of the stored picture. Throws Failure.
+HGLOBAL upright(LoadedDib stored, Description description, int orientation);
 
 }  // namespace codec

@@ -37,8 +37,8 @@ Colors colors_of(const TiffHandle& tiff, unsigned bits) {
   return colors;
 }
 
-bool is_color(RGBQUAD color, int level) {
-  return color.rgbRed == level && color.rgbGreen == level && color.rgbBlue == level;
+bool is_color(Rgb color, int level) {
+  return color.red == level && color.green == level && color.blue == level;
 }
 
 // The values of a component of so many bits, stretched to 0 up to `last`, or down from there.
@@ -72,8 +72,8 @@ void plan_gray(const TiffHandle& tiff, TiffPage& page, bool is_reversed) {
   add_coverage(tiff, page);
   const bool is_blended = has_coverage(page);
   const int depth = page.bits == 1 && !is_blended ? 1 : (page.bits == 2 || page.bits == 4) && !is_blended ? 4 : 8;
-  page.layout.depth = depth;
-  page.layout.colors = gray_ramp(depth);
+  page.picture.depth = depth;
+  page.picture.colors = gray_ramp(depth);
   page.components[0].values = stretched(page.bits, (1 << depth) - 1, is_reversed);
 }
 
@@ -83,16 +83,16 @@ void plan_palette(const TiffHandle& tiff, TiffPage& page) {
   page.components.push_back({});
   add_coverage(tiff, page);
   if (has_coverage(page)) page.components[0].action = Action::kLookUp;
-  page.layout.depth = has_coverage(page) ? 24 : depth_for_colors(page.colors.size());
+  page.picture.depth = has_coverage(page) ? 24 : depth_for_colors(page.colors.size());
   // Black and white come the usual way round.
   const bool is_reversed = page.bits == 1 && is_color(page.colors[0], 255) && is_color(page.colors[1], 0);
   if (is_reversed) std::swap(page.colors[0], page.colors[1]);
-  page.layout.colors = page.colors;
+  page.picture.colors = page.colors;
   page.components[0].values = stretched(page.bits, static_cast<int>(page.colors.size()) - 1, is_reversed);
 }
 
 void plan_channels(TiffPage& page, bool are_inks) {
-  page.layout.depth = 24;
+  page.picture.depth = 24;
   for (unsigned sample = 0; sample < 3; ++sample)
     page.components.push_back({.sample = sample,
                                .action = Action::kChannel,
@@ -127,7 +127,7 @@ void plan_lab(TiffPage& page, bool counts_from_lowest) {
 // The JPEG codec knows how to make RGB of its own colours; others are left to the library's conversion.
 void plan_luminance(const TiffHandle& tiff, TiffPage& page) {
   const auto compression = tiff.tag<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
-  page.layout.depth = 24;
+  page.picture.depth = 24;
   if (compression != COMPRESSION_JPEG || page.has_planes || page.samples != 3 || page.bits != 8) return;
   tiff.check(TIFFSetField(tiff.get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB) != 0);
   plan_channels(page, false);
@@ -144,7 +144,7 @@ void plan(const TiffHandle& tiff, TiffPage& page) {
     case PHOTOMETRIC_CIELAB: return plan_lab(page, false);
     case PHOTOMETRIC_ICCLAB: return plan_lab(page, true);
     case PHOTOMETRIC_YCBCR: return plan_luminance(tiff, page);
-    default: page.layout.depth = 24;
+    default: page.picture.depth = 24;
   }
 }
 
@@ -159,16 +159,16 @@ void check_samples(const TiffHandle& tiff, const TiffPage& page) {
 // Tiles decode whole, however little of them is in the picture.
 void check_size(const TiffPage& page, uint64_t file_bytes) {
   constexpr unsigned kMostBits = 1 << 24;
-  const unsigned converted_bits = page.components.empty() ? 32 : static_cast<unsigned>(page.layout.depth);
+  const unsigned converted_bits = page.components.empty() ? 32 : static_cast<unsigned>(page.picture.depth);
   const unsigned bits = std::clamp(page.bits * page.samples, converted_bits, kMostBits);
   const auto claim = [&](int64_t width, int64_t height) { check_claim(width, height, static_cast<int>(bits), file_bytes); };
   const auto whole_tiles = [](int64_t length, int64_t tile) { return (length + tile - 1) / tile * tile; };
-  claim(page.layout.width, page.layout.height);
+  claim(page.picture.width, page.picture.height);
   if (!page.has_tiles) return;
   if (page.tile_width == 0 || page.tile_height == 0) fail(IMG_E_FORMAT);
-  claim(whole_tiles(page.layout.width, page.tile_width), whole_tiles(page.layout.height, page.tile_height));
+  claim(whole_tiles(page.picture.width, page.tile_width), whole_tiles(page.picture.height, page.tile_height));
   // Each tile has to begin where a byte of the DIB's row does.
-  if (page.tile_width < page.layout.width && page.tile_width % 8 != 0 && page.layout.depth < 8) fail(IMG_E_FORMAT);
+  if (page.tile_width < page.picture.width && page.tile_width % 8 != 0 && page.picture.depth < 8) fail(IMG_E_FORMAT);
 }
 
 // Strips and tiles may share bytes, but a small file that has very many of the same long one would take hours.
@@ -187,9 +187,9 @@ void check_data(const TiffHandle& tiff, const TiffPage& page, uint64_t file_byte
 
 TiffPage read_tags(const TiffHandle& tiff, uint64_t file_bytes) {
   TiffPage page;
-  page.layout.width = tiff.tag<uint32_t>(TIFFTAG_IMAGEWIDTH, 0);
-  page.layout.height = tiff.tag<uint32_t>(TIFFTAG_IMAGELENGTH, 0);
-  page.layout.resolution = resolution_of(tiff);
+  page.picture.width = tiff.tag<uint32_t>(TIFFTAG_IMAGEWIDTH, 0);
+  page.picture.height = tiff.tag<uint32_t>(TIFFTAG_IMAGELENGTH, 0);
+  page.picture.resolution = resolution_of(tiff);
   page.orientation = tiff.tag<uint16_t>(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
   page.bits = tiff.tag<uint16_t>(TIFFTAG_BITSPERSAMPLE, 1);
   page.samples = tiff.tag<uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);

@@ -10,7 +10,7 @@
 namespace codec {
 
 struct TiffPage {
-  Layout layout;  // of the DIB, before the page is turned
+  Description picture;  // of the DIB, before the page is turned
   int orientation = 1;
   unsigned bits = 0, samples = 0;
   bool has_planes = false;  // each sample of its own

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "tiff/directories.h"
 #include "tiff/lab.h"
@@ -29,27 +30,27 @@ enum class Finish { kNone, kComplement, kSwapChannels };
 // What is left to do for rows that are decoded right into the DIB. None where samples have to be taken apart.
 std::optional<Finish> finish_of_plain_rows(const TiffPage& page) {
   const bool is_reversed = page.components[0].values[0] != 0;
-  if (page.has_tiles || page.bits * page.samples != static_cast<unsigned>(page.layout.depth)) return std::nullopt;
+  if (page.has_tiles || page.bits * page.samples != static_cast<unsigned>(page.picture.depth)) return std::nullopt;
   if (page.samples == 1) return is_reversed ? Finish::kComplement : Finish::kNone;
   if (page.has_planes || page.samples != 3 || page.is_lab || page.components[0].action != Action::kChannel)
     return std::nullopt;
   return Finish::kSwapChannels;
 }
 
-void finish_row(Finish finish, const Layout& layout, std::span<uint8_t> row) {
-  const auto used = row.first(static_cast<size_t>((layout.width * layout.depth + 7) / 8));
-  if (finish == Finish::kSwapChannels) swap_red_and_blue(row, static_cast<int>(layout.width));
+void finish_row(Finish finish, const Description& picture, std::span<uint8_t> row) {
+  const auto used = row.first(static_cast<size_t>((picture.width * picture.depth + 7) / 8));
+  if (finish == Finish::kSwapChannels) swap_red_and_blue(row, static_cast<int>(picture.width));
   if (finish == Finish::kComplement)
     for (uint8_t& byte : used) byte = static_cast<uint8_t>(~byte);
-  const auto unused_bits = static_cast<unsigned>(used.size() * 8 - static_cast<uint64_t>(layout.width * layout.depth));
+  const auto unused_bits = static_cast<unsigned>(used.size() * 8 - static_cast<uint64_t>(picture.width * picture.depth));
   used.back() = static_cast<uint8_t>(used.back() >> unused_bits << unused_bits);
 }
 
-void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish, const NewDib& dib) {
+void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish, const LoadedDib& dib) {
   for (int y = 0; y < dib.height(); ++y) {
     const auto row = dib.row_from_top(y);
     tiff.check(TIFFReadScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) > 0);
-    finish_row(finish, page.layout, row);
+    finish_row(finish, page.picture, row);
   }
 }
 
@@ -57,8 +58,8 @@ void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish
 
 class Assembly {
  public:
-  Assembly(const TiffPage& page, const NewDib& dib)
-      : page_(page), dib_(dib), values_(static_cast<size_t>(page.layout.width)) {}
+  Assembly(const TiffPage& page, const LoadedDib& dib)
+      : page_(page), dib_(dib), values_(static_cast<size_t>(page.picture.width)) {}
 
   bool needs_plane(unsigned plane) const {
     return !page_.has_planes || std::ranges::any_of(page_.components, [=](const Component& c) { return c.sample == plane; });
@@ -70,13 +71,13 @@ class Assembly {
     for (const Component& component : page_.components) {
       if (page_.has_planes && component.sample != plane) continue;
       extract(samples, {page_.bits, page_.samples_in_plane(), page_.has_planes ? 0 : component.sample}, values);
-      apply(component, page_.colors, values, dib_.row_from_top(y), page_.layout.depth, x);
+      apply(component, page_.colors, values, dib_.row_from_top(y), page_.picture.depth, x);
     }
   }
 
  private:
   const TiffPage& page_;
-  const NewDib& dib_;
+  const LoadedDib& dib_;
   std::vector<uint8_t> values_;
 };
 
@@ -87,9 +88,9 @@ std::vector<uint8_t> sample_buffer(const TiffPage& page, int64_t pixels, tmsize_
   return std::vector<uint8_t>(static_cast<size_t>(bytes));
 }
 
-void read_rows(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) {
+void read_rows(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& dib) {
   const tmsize_t row_bytes = TIFFScanlineSize(tiff.get());
-  auto samples = sample_buffer(page, page.layout.width, row_bytes, row_bytes);
+  auto samples = sample_buffer(page, page.picture.width, row_bytes, row_bytes);
   Assembly assembly(page, dib);
   for (unsigned plane = 0; plane < page.planes(); ++plane) {
     if (!assembly.needs_plane(plane)) continue;
@@ -100,7 +101,7 @@ void read_rows(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) 
   }
 }
 
-void read_tiles(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) {
+void read_tiles(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& dib) {
   const tmsize_t row_bytes = TIFFTileRowSize(tiff.get());
   auto samples = sample_buffer(page, page.tile_width, row_bytes, TIFFTileSize(tiff.get()));
   const auto width = static_cast<uint32_t>(dib.width()), height = static_cast<uint32_t>(dib.height());
@@ -147,13 +148,13 @@ class Conversion {
 // Rows that are stored together, so that nothing is decoded twice.
 uint32_t rows_at_once(const TiffHandle& tiff, const TiffPage& page) {
   constexpr uint32_t kFewRows = 64;
-  const auto height = static_cast<uint32_t>(page.layout.height);
+  const auto height = static_cast<uint32_t>(page.picture.height);
   const uint32_t unit = page.has_tiles ? page.tile_height : tiff.tag<uint32_t>(TIFFTAG_ROWSPERSTRIP, height);
   if (unit == 0) fail(IMG_E_FORMAT);
   return unit >= height ? height : std::min(height, unit * std::max(1u, kFewRows / unit));
 }
 
-void read_converted(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) {
+void read_converted(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& dib) {
   Conversion conversion(tiff);
   const uint32_t band = rows_at_once(tiff, page);
   const auto width = static_cast<size_t>(dib.width());
@@ -170,12 +171,12 @@ void read_converted(const TiffHandle& tiff, const TiffPage& page, const NewDib& 
   }
 }
 
-void read_pixels(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib) {
+void read_pixels(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& dib) {
   if (page.components.empty()) return read_converted(tiff, page, dib);
   if (page.has_tiles) return read_tiles(tiff, page, dib);
   const auto finish = finish_of_plain_rows(page);
   const auto row_bytes = static_cast<uint64_t>(TIFFScanlineSize(tiff.get()));
-  if (finish && row_bytes == static_cast<uint64_t>(page.layout.width * page.layout.depth + 7) / 8)
+  if (finish && row_bytes == static_cast<uint64_t>(page.picture.width * page.picture.depth + 7) / 8)
     return read_plain_rows(tiff, page, *finish, dib);
   read_rows(tiff, page, dib);
 }
@@ -185,12 +186,12 @@ void read_pixels(const TiffHandle& tiff, const TiffPage& page, const NewDib& dib
 HGLOBAL read_tiff(Bytes& bytes, int page_number) {
   const TiffHandle tiff = open_page(bytes, page_number);
   const TiffPage page = read_tags(tiff, bytes.size());
-  NewDib stored(page.layout);
+  LoadedDib stored(page.picture);
   read_pixels(tiff, page, stored);
   if (page.is_lab)
     for (int y = 0; y < stored.height(); ++y)
       lab_to_true_color(stored.row_from_top(y).first(static_cast<size_t>(stored.width()) * 3));
-  return upright(stored, page.layout, page.orientation);
+  return upright(std::move(stored), page.picture, page.orientation);
 }
 
 int read_tiff_compression(Bytes& bytes, int page_number) {

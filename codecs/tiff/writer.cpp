@@ -58,10 +58,10 @@ void set_resolution(const TiffHandle& tiff, Resolution resolution) {
 void set_colors(const TiffHandle& tiff, const Colors& colors) {
   std::array<std::vector<uint16_t>, 3> maps;
   const auto widened = [](uint8_t value) { return static_cast<uint16_t>(value * 257); };
-  for (const RGBQUAD& color : colors) {
-    maps[0].push_back(widened(color.rgbRed));
-    maps[1].push_back(widened(color.rgbGreen));
-    maps[2].push_back(widened(color.rgbBlue));
+  for (const Rgb& color : colors) {
+    maps[0].push_back(widened(color.red));
+    maps[1].push_back(widened(color.green));
+    maps[2].push_back(widened(color.blue));
   }
   set(tiff, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data());
 }
@@ -162,7 +162,7 @@ Encoding encoding_for(const SourceDib& dib, int compression) {
 Encoding group4_encoding(const SourceDib& dib) {
   return {.compression = COMPRESSION_CCITTFAX4,
           .photometric = PHOTOMETRIC_MINISWHITE,
-          .is_complemented = brightness(dib.colors()[1]) > brightness(dib.colors()[0])};
+          .is_complemented = brightness_of(dib.colors()[1]) > brightness_of(dib.colors()[0])};
 }
 
 void write_picture(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding) {

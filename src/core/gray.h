@@ -46,6 +46,15 @@ constexpr void write_gray_ramp(std::span<Rgb> colors) {
   }
 }
 
+// From black to white in even steps: the greys that the pixels of a table's depth stand for. At least two entries.
+constexpr void write_even_grays(std::span<Rgb> colors) {
+  const size_t last = colors.size() - 1;
+  for (size_t k = 0; k <= last; ++k) {
+    const auto level = static_cast<uint8_t>(k * 255 / last);
+    colors[k] = {level, level, level, 0};
+  }
+}
+
 constexpr void write_inverted_gray_ramp(std::span<Rgb> colors) {
   write_gray_ramp(colors);
   std::ranges::reverse(colors);
