@@ -58,21 +58,42 @@ bool is_before_end(TIFF* tiff, unsigned row) {
   return rows_per_strip != 0 && TIFFCurrentRow(tiff) % rows_per_strip == row;
 }
 
-// Whether something is lost without which the library makes do, and of which nothing but a message tells: pixels of Group 4
-// data, in whose place there is white, and colours, in whose place there is grey.
+// Losses that only a message tells: the library goes on with white for pixels of Group 4 data, with grey for colours, and without tags
+// that it has no memory for.
 bool tells_loss(TIFF* tiff, std::string_view module, const char* message) {
-  if (module == "TIFFReadDirectory") return std::string_view(message).starts_with("IO error during reading of \"ColorMap\"");
+  const std::string_view text = message;
+  if (module == "TIFFReadDirectory" || module == "TIFFFetchNormalTag")
+    return text.starts_with("Out of memory reading of") || text.starts_with("IO error during reading of \"ColorMap\"");
   if (module != "Fax4Decode") return false;
   const auto row = broken_row(message);
   return row && is_before_end(tiff, *row);
 }
 
+// Whether the library is about to lose its list of tags. Without one, at the start, it fails as it should.
+bool loses_tags(TIFF* tiff, std::string_view message) {
+  return message.find("fields array") != std::string_view::npos &&
+         TIFFFindField(tiff, TIFFTAG_IMAGEWIDTH, TIFF_ANY) != nullptr;
+}
+
+// Whether libjpeg has no memory for its decoder. The library calls it all the same.
+bool lacks_decoder(std::string_view module, std::string_view message) {
+  return module == "JPEGLib" && message.starts_with("Insufficient memory");
+}
+
 // Other messages are for people; what went wrong is told by the library's results.
-int take_message(TIFF* tiff, void* client, const char* module, const char* format, va_list values) {
+int take_message(TIFF* tiff, void* client, const char* module_name, const char* format, va_list values) {
+  const std::string_view module = module_name != nullptr ? module_name : "";
   std::array<char, 200> message{};
   std::vsnprintf(message.data(), message.size(), format, values);
-  if (module != nullptr && tells_loss(tiff, module, message.data()))
-    static_cast<TiffHandle::Client*>(client)->has_loss = true;
+  auto& state = *static_cast<TiffHandle::Client*>(client);
+  if (tells_loss(tiff, module, message.data())) state.has_loss = true;
+  if (module == "Fax3Decode1D" && std::string_view(message.data()).starts_with("Buffer overflow"))
+    state.ran_out_of_runs = true;
+  if (state.can_land && (loses_tags(tiff, message.data()) || lacks_decoder(module, message.data()))) {
+    state.can_land = false;
+    state.left = tiff;
+    std::longjmp(state.landing, 1);
+  }
   return 1;
 }
 
@@ -95,7 +116,12 @@ TiffHandle::TiffHandle(Bytes& bytes, const char* mode) : client_(new Client{byte
   TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), largest_allocation(bytes.size()));
   TIFFOpenOptionsSetErrorHandlerExtR(options.get(), take_message, client_.get());
   TIFFOpenOptionsSetWarningHandlerExtR(options.get(), take_message, client_.get());
-  tiff_.reset(TIFFClientOpenExt("", mode, client_.get(), read, write, seek, close, size, nullptr, nullptr, options.get()));
+  TIFF* opened = nullptr;
+  const bool came_back = came_through(*client_, [&] {
+    opened = TIFFClientOpenExt("", mode, client_.get(), read, write, seek, close, size, nullptr, nullptr, options.get());
+  });
+  tiff_.reset(came_back ? opened : client_->left);
+  if (!came_back) fail(IMG_E_MEMORY);
   check(tiff_ != nullptr);
 }
 

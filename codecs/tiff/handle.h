@@ -1,6 +1,8 @@
-// libtiff over bytes of ours: silent, strict about what is lost, and with limits on what a file can make it allocate.
+// libtiff over bytes of ours: silent, strict about losses, and with limits on the memory that a file can make it allocate.
 #pragma once
 
+#include <csetjmp>
+#include <fcntl.h>
 #include <memory>
 #include <tiffio.h>
 
@@ -24,19 +26,49 @@ class TiffHandle {
 
   // Throws Failure unless the library succeeded, and without loss.
   void check(bool succeeded) const {
-    if (!succeeded || client_->has_loss) fail(client_->bytes.failed() ? IMG_E_FILE_IO : IMG_E_FORMAT);
+    if (!succeeded || client_->has_loss || client_->ran_out_of_runs) fail(client_->bytes.failed() ? IMG_E_FILE_IO : IMG_E_FORMAT);
+  }
+
+  // Whether a row of one-dimensional Group 3 data had more runs than the library has room for.
+  bool ran_out_of_runs() const { return client_->ran_out_of_runs; }
+
+  // Makes calls in which the library would crash where memory is short: those that set tags, read or write a directory, or decode. It
+  // loses its list of tags, or does without a decoder, and uses them nevertheless. Such calls are left by a jump, so that nothing in
+  // `calls` may have a destructor; a block that only the library knew of may stay behind. Throws Failure unless `calls` returns true.
+  template <class Calls>
+  void run(Calls calls) const {
+    bool succeeded = false;
+    if (!came_through(*client_, [&] { succeeded = calls(); })) fail(IMG_E_MEMORY);
+    check(succeeded);
   }
 
   struct Client {
     Bytes& bytes;
     uint64_t position = 0;
     bool has_loss = false;
+    bool ran_out_of_runs = false;
+    std::jmp_buf landing{};
+    bool can_land = false;
+    TIFF* left = nullptr;  // the library's handle when its calls were left
   };
 
  private:
+  // Without writing anything: a file that is wanted is complete before.
   struct Close {
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+    void operator()(TIFF* tiff) const {
+      TIFFSetMode(tiff, O_RDONLY);
+      TIFFClose(tiff);
+    }
   };
+
+  template <class Calls>
+  static bool came_through(Client& client, Calls calls) noexcept {
+    if (setjmp(client.landing) != 0) return false;
+    client.can_land = true;
+    calls();
+    client.can_land = false;
+    return true;
+  }
 
   std::unique_ptr<Client> client_;  // outlives the library's handle, which points to it
   std::unique_ptr<TIFF, Close> tiff_;

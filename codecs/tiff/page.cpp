@@ -28,6 +28,7 @@ uint16_t photometric_of(const TiffHandle& tiff, unsigned samples) {
 Colors colors_of(const TiffHandle& tiff, unsigned bits) {
   std::array<uint16_t*, 3> maps{};
   tiff.check(TIFFGetField(tiff.get(), TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 0);
+  if (std::ranges::count(maps, nullptr) != 0) fail(IMG_E_MEMORY);  // the library had none for them
   const size_t count = size_t{1} << bits;
   const bool has_bytes = std::ranges::all_of(
       maps, [&](const uint16_t* map) { return std::all_of(map, map + count, [](int v) { return v < 256; }); });
@@ -37,9 +38,7 @@ Colors colors_of(const TiffHandle& tiff, unsigned bits) {
   return colors;
 }
 
-bool is_color(Rgb color, int level) {
-  return color.red == level && color.green == level && color.blue == level;
-}
+bool is_color(Rgb color, int level) { return color.red == level && color.green == level && color.blue == level; }
 
 // The values of a component of so many bits, stretched to 0 up to `last`, or down from there.
 std::array<uint8_t, 256> stretched(unsigned bits, int last, bool is_reversed = false) {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tiff/directories.h"
+#include "tiff/group3.h"
 #include "tiff/lab.h"
 #include "tiff/orientation.h"
 #include "tiff/page.h"
@@ -13,13 +14,23 @@
 namespace codec {
 namespace {
 
+// Without memory for them the library forgets the tables, but not that there are some.
+void check_jpeg_tables(const TiffHandle& tiff) {
+  uint32_t count = 0;
+  const void* tables = nullptr;
+  const bool has_tables = tiff.tag<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE) == COMPRESSION_JPEG &&
+                          TIFFGetField(tiff.get(), TIFFTAG_JPEGTABLES, &count, &tables) != 0;
+  if (has_tables && count > 0 && tables == nullptr) fail(IMG_E_MEMORY);
+}
+
 TiffHandle open_page(Bytes& bytes, int page) {
   if (page < 1 || page > static_cast<int>(kMostPages)) fail(IMG_E_PARAMETER);
   const size_t pages = follow_directories(bytes, static_cast<size_t>(page)).pages;
   if (pages == 0) fail(IMG_E_FORMAT);
   if (pages < static_cast<size_t>(page)) fail(IMG_E_PARAMETER);
   TiffHandle tiff(bytes, "rh");
-  tiff.check(TIFFSetDirectory(tiff.get(), static_cast<tdir_t>(page - 1)) != 0);
+  tiff.run([&] { return TIFFSetDirectory(tiff.get(), static_cast<tdir_t>(page - 1)) != 0; });
+  check_jpeg_tables(tiff);
   return tiff;
 }
 
@@ -49,7 +60,7 @@ void finish_row(Finish finish, const Description& picture, std::span<uint8_t> ro
 void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish, const LoadedDib& dib) {
   for (int y = 0; y < dib.height(); ++y) {
     const auto row = dib.row_from_top(y);
-    tiff.check(TIFFReadScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) > 0);
+    tiff.run([&] { return TIFFReadScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) > 0; });
     finish_row(finish, page.picture, row);
   }
 }
@@ -95,7 +106,9 @@ void read_rows(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& di
   for (unsigned plane = 0; plane < page.planes(); ++plane) {
     if (!assembly.needs_plane(plane)) continue;
     for (int y = 0; y < dib.height(); ++y) {
-      tiff.check(TIFFReadScanline(tiff.get(), samples.data(), static_cast<uint32_t>(y), static_cast<uint16_t>(plane)) > 0);
+      tiff.run([&] {
+        return TIFFReadScanline(tiff.get(), samples.data(), static_cast<uint32_t>(y), static_cast<uint16_t>(plane)) > 0;
+      });
       assembly.add(plane, y, 0, static_cast<size_t>(dib.width()), samples);
     }
   }
@@ -110,8 +123,10 @@ void read_tiles(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& d
     if (!assembly.needs_plane(plane)) continue;
     for (uint64_t top = 0; top < height; top += page.tile_height)
       for (uint64_t left = 0; left < width; left += page.tile_width) {
-        tiff.check(TIFFReadTile(tiff.get(), samples.data(), static_cast<uint32_t>(left), static_cast<uint32_t>(top), 0,
-                                static_cast<uint16_t>(plane)) > 0);
+        tiff.run([&] {
+          return TIFFReadTile(tiff.get(), samples.data(), static_cast<uint32_t>(left), static_cast<uint32_t>(top), 0,
+                              static_cast<uint16_t>(plane)) > 0;
+        });
         const uint64_t count = std::min<uint64_t>(page.tile_width, width - left);
         const uint64_t rows = std::min<uint64_t>(page.tile_height, height - top);
         for (size_t i = 0; i < rows; ++i)
@@ -137,7 +152,7 @@ class Conversion {
 
   void rows(int first, uint32_t count, std::span<uint32_t> raster) {
     image_.row_offset = first;
-    tiff_.check(TIFFRGBAImageGet(&image_, raster.data(), image_.width, count) != 0);
+    tiff_.run([&] { return TIFFRGBAImageGet(&image_, raster.data(), image_.width, count) != 0; });
   }
 
  private:
@@ -181,13 +196,25 @@ void read_pixels(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& 
   read_rows(tiff, page, dib);
 }
 
+// Group 3 rows that have too many runs are read from a copy that the library has room for.
+void read_all_pixels(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& dib) {
+  try {
+    return read_pixels(tiff, page, dib);
+  } catch (const Failure&) {
+    if (!tiff.ran_out_of_runs() || !is_one_dimensional_group3(tiff)) throw;
+  }
+  MemoryBytes copy;
+  make_two_dimensional(tiff, copy);
+  read_pixels(TiffHandle(copy, "r"), page, dib);
+}
+
 }  // namespace
 
 HGLOBAL read_tiff(Bytes& bytes, int page_number) {
   const TiffHandle tiff = open_page(bytes, page_number);
   const TiffPage page = read_tags(tiff, bytes.size());
   LoadedDib stored(page.picture);
-  read_pixels(tiff, page, stored);
+  read_all_pixels(tiff, page, stored);
   if (page.is_lab)
     for (int y = 0; y < stored.height(); ++y)
       lab_to_true_color(stored.row_from_top(y).first(static_cast<size_t>(stored.width()) * 3));

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "tiff/directories.h"
+#include "tiff/group3.h"
 
 namespace codec {
 namespace {
@@ -32,7 +33,7 @@ uint16_t photometric_for(const SourceDib& dib, int compression) {
 
 template <class... Values>
 void set(const TiffHandle& tiff, uint32_t tag, Values... values) {
-  tiff.check(TIFFSetField(tiff.get(), tag, values...) != 0);
+  tiff.run([&] { return TIFFSetField(tiff.get(), tag, values...) != 0; });
 }
 
 // Fax programs expect a page in one strip. Other readers like strips that are not large.
@@ -64,7 +65,32 @@ void set_colors(const TiffHandle& tiff, const Colors& colors) {
     maps[2].push_back(widened(color.blue));
   }
   set(tiff, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data());
+  std::array<uint16_t*, 3> copies{};
+  TIFFGetField(tiff.get(), TIFFTAG_COLORMAP, &copies[0], &copies[1], &copies[2]);
+  if (std::ranges::count(copies, nullptr) != 0) fail(IMG_E_MEMORY);  // the library does not say so
 }
+
+// The bits of one-bit rows as they are encoded, and other rows in the order of channels that files have.
+void encode_row(std::span<const uint8_t> source, const SourceDib& dib, const Encoding& encoding, std::vector<uint8_t>& row) {
+  row.assign(source.begin(), source.end());
+  if (dib.depth() == 24) swap_red_and_blue(row, dib.width());
+  if (encoding.is_complemented)
+    for (uint8_t& byte : row) byte = static_cast<uint8_t>(~byte);
+}
+
+bool has_long_rows(const SourceDib& dib, const Encoding& encoding) {
+  if (encoding.compression != COMPRESSION_CCITTRLE && encoding.compression != COMPRESSION_CCITTFAX3) return false;
+  std::vector<uint8_t> row;
+  for (int y = 0; y < dib.height(); ++y) {
+    encode_row(dib.row_from_top(y), dib, encoding, row);
+    if (has_too_many_runs(row, dib.width())) return true;
+  }
+  return false;
+}
+
+// Modified Huffman has no two-dimensional codes. In a tile that is wider than the picture libtiff has room for all runs.
+bool needs_tile(const Encoding& encoding) { return encoding.has_long_rows && encoding.compression == COMPRESSION_CCITTRLE; }
+constexpr int kTileUnit = 16;
 
 void set_tags(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding) {
   const bool is_true_color = dib.depth() == 24;
@@ -76,7 +102,13 @@ void set_tags(const TiffHandle& tiff, const SourceDib& dib, const Encoding& enco
   set(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
   set(tiff, TIFFTAG_COMPRESSION, encoding.compression);
   set(tiff, TIFFTAG_PHOTOMETRIC, encoding.photometric);
-  set(tiff, TIFFTAG_ROWSPERSTRIP, rows_per_strip(dib, encoding.compression));
+  if (needs_tile(encoding)) {
+    set(tiff, TIFFTAG_TILEWIDTH, dib.width() + kTileUnit);
+    set(tiff, TIFFTAG_TILELENGTH, (dib.height() + kTileUnit - 1) / kTileUnit * kTileUnit);
+  } else {
+    set(tiff, TIFFTAG_ROWSPERSTRIP, rows_per_strip(dib, encoding.compression));
+  }
+  if (encoding.has_long_rows && !needs_tile(encoding)) set(tiff, TIFFTAG_GROUP3OPTIONS, GROUP3OPT_2DENCODING);
   if (encoding.photometric == PHOTOMETRIC_YCBCR) set(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
   if (encoding.photometric == PHOTOMETRIC_PALETTE) set_colors(tiff, dib.colors());
   if (encoding.predictor != PREDICTOR_NONE) set(tiff, TIFFTAG_PREDICTOR, encoding.predictor);
@@ -134,6 +166,14 @@ class PageBytes : public Bytes {
   bool failed_ = false;
 };
 
+// The library states these numbers by itself. Without memory for them it forgets them, but not that there are some.
+void check_black_and_white(const TiffHandle& tiff, const Encoding& encoding) {
+  const float* levels = nullptr;
+  const bool has_levels =
+      encoding.photometric == PHOTOMETRIC_YCBCR && TIFFGetField(tiff.get(), TIFFTAG_REFERENCEBLACKWHITE, &levels) != 0;
+  if (has_levels && levels == nullptr) fail(IMG_E_MEMORY);
+}
+
 // Pages of a file that another can be added to.
 size_t pages_in(const char* path) {
   const InputFile file(path);
@@ -153,10 +193,12 @@ Encoding encoding_for(const SourceDib& dib, int compression) {
   const uint16_t photometric = photometric_for(dib, compression);
   const bool predicts = compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE;
   const bool has_gradients = dib.depth() >= 8 && photometric != PHOTOMETRIC_PALETTE;
-  return {.compression = static_cast<uint16_t>(compression),
-          .photometric = photometric,
-          .predictor = static_cast<uint16_t>(predicts && has_gradients ? PREDICTOR_HORIZONTAL : PREDICTOR_NONE),
-          .is_complemented = photometric == PHOTOMETRIC_MINISWHITE && is_gray_ramp(dib)};
+  Encoding encoding{.compression = static_cast<uint16_t>(compression),
+                    .photometric = photometric,
+                    .predictor = static_cast<uint16_t>(predicts && has_gradients ? PREDICTOR_HORIZONTAL : PREDICTOR_NONE),
+                    .is_complemented = photometric == PHOTOMETRIC_MINISWHITE && is_gray_ramp(dib)};
+  encoding.has_long_rows = has_long_rows(dib, encoding);
+  return encoding;
 }
 
 Encoding group4_encoding(const SourceDib& dib) {
@@ -167,15 +209,20 @@ Encoding group4_encoding(const SourceDib& dib) {
 
 void write_picture(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding) {
   set_tags(tiff, dib, encoding);
-  std::vector<uint8_t> row;  // of our own, since the library changes rows while it encodes them
+  std::vector<uint8_t> row;  // a copy, since the library changes rows while it encodes them
+  std::vector<uint8_t> tile;
   for (int y = 0; y < dib.height(); ++y) {
-    const auto source = dib.row_from_top(y);
-    row.assign(source.begin(), source.end());
-    if (dib.depth() == 24) swap_red_and_blue(row, dib.width());
-    if (encoding.is_complemented)
-      for (uint8_t& byte : row) byte = static_cast<uint8_t>(~byte);
-    tiff.check(TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) > 0);
+    encode_row(dib.row_from_top(y), dib, encoding, row);
+    if (needs_tile(encoding)) {
+      row.resize(static_cast<size_t>(TIFFTileRowSize(tiff.get())));
+      tile.insert(tile.end(), row.begin(), row.end());
+    } else {
+      tiff.check(TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) > 0);
+    }
   }
+  if (tile.empty()) return;
+  tile.resize(static_cast<size_t>(TIFFTileSize(tiff.get())));
+  tiff.check(TIFFWriteTile(tiff.get(), tile.data(), 0, 0, 0, 0) > 0);
 }
 
 void save_tiff(const char* path, const SourceDib& dib, int compression, bool adds_page) {
@@ -188,7 +235,8 @@ void save_tiff(const char* path, const SourceDib& dib, int compression, bool add
     set(tiff, TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
     set(tiff, TIFFTAG_PAGENUMBER, static_cast<int>(page), 0);
     write_picture(tiff, dib, encoding);
-    tiff.check(TIFFWriteDirectory(tiff.get()) != 0);
+    check_black_and_white(tiff, encoding);
+    tiff.run([&] { return TIFFWriteDirectory(tiff.get()) != 0; });
   }
   bytes.complete();
 }

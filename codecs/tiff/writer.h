@@ -12,6 +12,7 @@ struct Encoding {
   uint16_t photometric = PHOTOMETRIC_MINISWHITE;
   uint16_t predictor = PREDICTOR_NONE;
   bool is_complemented = false;  // bits, for a photometric of the other sense
+  bool has_long_rows = false;    // rows of which one-dimensional fax codes make more runs than libtiff reads
 };
 
 // `compression` is by TIFF number, or 0 for a good choice. Throws Failure if it does not suit the picture.

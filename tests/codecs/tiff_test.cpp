@@ -140,10 +140,10 @@ TEST_F(TiffTest, WhatCannotBeSavedLeavesTheFileAlone) {
 
 // ---- Files made by hand ----
 
-constexpr uint16_t kWidth = 256, kHeight = 257, kBits = 258, kCompression = 259, kPhotometric = 262, kOffset = 273,
-                   kOrientation = 274, kSamples = 277, kRowsPerStrip = 278, kByteCount = 279, kUnit = 296, kColorMap = 320,
-                   kTileWidth = 322, kTileLength = 323, kTileOffset = 324, kTileByteCount = 325, kExtraSamples = 338,
-                   kSubsampling = 530, kSampleFormat = 339;
+constexpr uint16_t kWidth = 256, kHeight = 257, kBits = 258, kCompression = 259, kPhotometric = 262, kFillOrder = 266,
+                   kOffset = 273, kOrientation = 274, kSamples = 277, kRowsPerStrip = 278, kByteCount = 279, kUnit = 296,
+                   kColorMap = 320, kTileWidth = 322, kTileLength = 323, kTileOffset = 324, kTileByteCount = 325,
+                   kExtraSamples = 338, kSubsampling = 530, kSampleFormat = 339;
 
 using Tags = std::map<uint16_t, std::vector<uint32_t>>;
 
@@ -347,6 +347,42 @@ TEST_F(TiffTest, Group4DataEndsWhenItSaysSo) {
   for (const auto& c : cases) {
     EXPECT_EQ(load_file(tiff_file(c.tags, c.data)).empty(), !c.loads) << c.name;
     EXPECT_EQ(status, c.loads ? IMG_OK : IMG_E_FORMAT) << c.name;
+  }
+}
+
+// A row that begins black and changes at every pixel has one run more than libtiff's decoder of one-dimensional codes has room for
+// where the width is a multiple of 32. The other rows begin white.
+TEST_F(TiffTest, RowsThatChangeAtEveryPixelAreReadAndWritten) {
+  constexpr uint32_t kFaxOptions = 292;
+  for (const int width : {32, 40, 1728}) {
+    Bytes dib = with_table(noise(width, 6, 1), kWhiteBlack);
+    const size_t stride = stride_of(width, 1);
+    for (size_t i = 48; i < dib.size(); ++i) dib[i] = (i - 48) / stride % 2 == 0 ? 0xAA : 0x55;
+    for (const int compression : {2, 3}) {
+      ASSERT_TRUE(save(dib, compression));
+      EXPECT_EQ(largest_difference(load(), dib), 0) << compression << ", width " << width;
+      EXPECT_EQ(modules().tiff_compression(path.c_str(), 1, nullptr), compression);
+    }
+  }
+  // Each row: the end-of-line code, no white, then 16 times a black and a white pixel.
+  std::string bits;
+  for (int row = 0; row < 16; ++row) {
+    bits += "00000000000100110101";
+    for (int i = 0; i < 16; ++i) bits += "010000111";
+  }
+  for (const uint32_t fill_order : {1u, 2u}) {
+    Bytes data(bits.size() / 8 + 1);
+    for (size_t i = 0; i < bits.size(); ++i)
+      data[i / 8] = static_cast<uint8_t>(data[i / 8] | (bits[i] - '0') << (fill_order == 1 ? 7 - i % 8 : i % 8));
+    const auto bytes = static_cast<uint32_t>(data.size());
+    for (const Tags& form : {Tags{{kRowsPerStrip, {16}}, {kOffset, {8}}, {kByteCount, {bytes}}},
+                             Tags{{kTileWidth, {32}}, {kTileLength, {16}}, {kTileOffset, {8}}, {kTileByteCount, {bytes}}}}) {
+      Tags tags = form;
+      tags.merge(Tags{{kCompression, {3}}, {kFaxOptions, {0}}, {kFillOrder, {fill_order}}});
+      const Bytes loaded = load_file(tiff_file(page_tags(32, 16, 1, 0, tags), data));
+      ASSERT_EQ(loaded.size(), 48u + 64) << fill_order << ", status " << status;
+      EXPECT_EQ(Bytes(loaded.begin() + 48, loaded.end()), Bytes(64, 0x55)) << fill_order;
+    }
   }
 }
 
