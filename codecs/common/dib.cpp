@@ -58,8 +58,7 @@ void check_source(const vorel::DibHeader& header) {
   if (header.compression != vorel::Compression::kNone) fail(IMG_E_COMPRESSED);
   if (!is_dib_depth(header.depth)) fail(IMG_E_HEADER_BITS);
   // The lowest number has no positive counterpart.
-  if (header.width <= 0 || header.height == 0 || header.height == std::numeric_limits<int32_t>::min())
-    fail(IMG_E_DIB_SIZE);
+  if (header.width <= 0 || header.height == 0 || header.height == std::numeric_limits<int32_t>::min()) fail(IMG_E_DIB_SIZE);
 }
 
 vorel::DibHeader upright(vorel::DibHeader header) {
@@ -77,8 +76,7 @@ Colors gray_ramp(int depth) {
 }
 
 bool same_colors(const Colors& a, const Colors& b) {
-  return std::ranges::equal(
-      a, b, [](Rgb p, Rgb q) { return p.red == q.red && p.green == q.green && p.blue == q.blue; });
+  return std::ranges::equal(a, b, [](Rgb p, Rgb q) { return p.red == q.red && p.green == q.green && p.blue == q.blue; });
 }
 
 bool is_gray_ramp(const SourceDib& dib) { return same_colors(dib.colors(), gray_ramp(dib.depth())); }

@@ -13,14 +13,14 @@ bool loses_pixels(int warning) {
     case JWRN_BOGUS_PROGRESSION:
     case JWRN_HIT_MARKER:
     case JWRN_HUFF_BAD_CODE:
-    case JWRN_JPEG_EOF:
     case JWRN_MUST_RESYNC: return true;
     default: return false;
   }
 }
 
-// Below level 0 are warnings, the others are news.
+// Below level 0 are warnings, the others are news. A file that ends within its pixels gives another warning as well.
 void take_message(j_common_ptr jpeg, int level) {
+  if (level < 0 && jpeg->err->msg_code == JWRN_JPEG_EOF) static_cast<ErrorManager*>(jpeg->err)->has_no_end = true;
   if (level < 0 && loses_pixels(jpeg->err->msg_code)) leave(jpeg);
 }
 

@@ -11,6 +11,7 @@ namespace codec::jpeg {
 
 struct ErrorManager : jpeg_error_mgr {
   std::jmp_buf landing;
+  bool has_no_end;  // the file ended without saying so
 };
 
 // Nothing is printed. What loses pixels is an error, though libjpeg would go on with grey ones.

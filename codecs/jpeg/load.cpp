@@ -1,5 +1,6 @@
 // KALO32: loads JPEG files.
 #include <algorithm>
+#include <span>
 #include <type_traits>
 
 #include "common/dib.h"
@@ -41,6 +42,7 @@ class Decompressor {
     run([&] {
       jpeg_.out_color_space = space;
       jpeg_start_decompress(&jpeg_);
+      if (errors_.has_no_end && !has_all_coefficients()) jpeg_.err->error_exit(reinterpret_cast<j_common_ptr>(&jpeg_));
       while (jpeg_.output_scanline < jpeg_.output_height) {
         const auto y = static_cast<int>(jpeg_.output_scanline);
         JSAMPROW samples = row(y);
@@ -48,10 +50,20 @@ class Decompressor {
         done(y);
       }
       jpeg_finish_decompress(&jpeg_);
+      // Arithmetic code goes on with zeros where it breaks off, so that only the end says whether it is whole.
+      if (errors_.has_no_end && jpeg_.arith_code != FALSE) jpeg_.err->error_exit(reinterpret_cast<j_common_ptr>(&jpeg_));
     });
   }
 
  private:
+  // Whether no scan is missing, as far as the scans before tell: progressive ones say which bits of the coefficients are known.
+  bool has_all_coefficients() const {
+    if (jpeg_.coef_bits == nullptr) return false;
+    const auto components = std::span(jpeg_.coef_bits, static_cast<size_t>(jpeg_.num_components));
+    return std::ranges::all_of(
+        components, [](const auto& bits) { return std::ranges::all_of(bits, [](int unknown) { return unknown == 0; }); });
+  }
+
   template <class Calls>
   void run(Calls calls) {
     if (!came_through(errors_, calls)) fail(IMG_E_FORMAT);

@@ -74,9 +74,9 @@ Resolution resolution_of(const PcxHeader& header) {
 
 Description description_of(const PcxHeader& header) {
   Description picture{.width = width_of(header),
-                .height = height_of(header),
-                .depth = dib_depth(header),
-                .resolution = resolution_of(header)};
+                      .height = height_of(header),
+                      .depth = dib_depth(header),
+                      .resolution = resolution_of(header)};
   if (picture.depth == 1) picture.colors = two_colors(header);
   if (picture.depth == 4) picture.colors = sixteen_colors(header);
   return picture;

@@ -24,7 +24,7 @@ void pack_nibbles(png_structp, png_row_infop info, png_bytep row) {
 class Reader {
  public:
   explicit Reader(const InputFile& file) : file_(file.get()) {
-    png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, leave, ignore);
+    png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, leave, take_warning);
     if (png_ == nullptr) fail(IMG_E_MEMORY);
     info_ = png_create_info_struct(png_);
     if (info_ == nullptr) {
@@ -85,7 +85,7 @@ class Reader {
     allow_any_size(png_);
     png_set_chunk_cache_max(png_, kMostChunks);
     png_set_chunk_malloc_max(png_, kMostChunkBytes);
-    png_set_crc_action(png_, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
+    png_set_crc_action(png_, PNG_CRC_ERROR_QUIT, PNG_CRC_WARN_DISCARD);
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, kAllOthers);
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_AS_DEFAULT, reinterpret_cast<png_const_bytep>("pHYs"), 1);
   }

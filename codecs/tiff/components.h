@@ -27,14 +27,30 @@ struct Component {
   std::array<uint8_t, 256> values{};  // by the sample, or by its upper eight bits
 };
 
+// What samples are: counts that fill their bits, or numbers of a range of their own.
+enum class SampleKind { kCount, kSigned, kFloat };
+
+// Numbers that become 0 and 255.
+struct Range {
+  double low = 0, high = 1;
+};
+
 // How the samples of a row lie in memory.
 struct SampleLayout {
   unsigned bits = 0;   // of a sample: up to 16, or a multiple of 8
   unsigned count = 0;  // samples per pixel
   unsigned sample = 0;
+  SampleKind kind = SampleKind::kCount;
+  Range range{};  // of numbers
 };
 
-// Takes one sample of each pixel, `values.size()` of them, or its upper eight bits.
+// Whether numbers of so many bits are read.
+bool is_known_number(SampleKind kind, unsigned bits);
+
+// Widens the range by one sample of each of `pixels` pixels. What is no number, or infinite, is passed over.
+void widen(Range& range, std::span<const uint8_t> bytes, const SampleLayout& layout, size_t pixels);
+
+// Takes one sample of each pixel, `values.size()` of them: its upper eight bits, or 0 to 255 for a number.
 void extract(std::span<const uint8_t> bytes, const SampleLayout& layout, std::span<uint8_t> values);
 
 // Applies a component's values, which are replaced by what they stand for, to a row from pixel x on. Below 8 bits per pixel x

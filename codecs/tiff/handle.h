@@ -26,7 +26,8 @@ class TiffHandle {
 
   // Throws Failure unless the library succeeded, and without loss.
   void check(bool succeeded) const {
-    if (!succeeded || client_->has_loss || client_->ran_out_of_runs) fail(client_->bytes.failed() ? IMG_E_FILE_IO : IMG_E_FORMAT);
+    if (!succeeded || client_->has_loss || client_->ran_out_of_runs)
+      fail(client_->bytes.failed() ? IMG_E_FILE_IO : IMG_E_FORMAT);
   }
 
   // Whether a row of one-dimensional Group 3 data had more runs than the library has room for.

@@ -147,12 +147,33 @@ void plan(const TiffHandle& tiff, TiffPage& page) {
   }
 }
 
-void check_samples(const TiffHandle& tiff, const TiffPage& page) {
+SampleKind kind_of(const TiffHandle& tiff) {
+  switch (tiff.tag<uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT)) {
+    case SAMPLEFORMAT_UINT:
+    case SAMPLEFORMAT_VOID: return SampleKind::kCount;
+    case SAMPLEFORMAT_INT: return SampleKind::kSigned;
+    case SAMPLEFORMAT_IEEEFP: return SampleKind::kFloat;
+    default: fail(IMG_E_FORMAT);
+  }
+}
+
+std::optional<Range> stated_range(const TiffHandle& tiff) {
+  Range range;
+  if (TIFFGetField(tiff.get(), TIFFTAG_SMINSAMPLEVALUE, &range.low) == 0 ||
+      TIFFGetField(tiff.get(), TIFFTAG_SMAXSAMPLEVALUE, &range.high) == 0 || !(range.low < range.high))
+    return std::nullopt;
+  return range;
+}
+
+void plan_samples(const TiffHandle& tiff, TiffPage& page) {
   if (page.components.empty()) return;
-  const auto format = tiff.tag<uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
-  const bool is_plain = format == SAMPLEFORMAT_UINT || format == SAMPLEFORMAT_VOID;
-  const bool is_extractable = page.bits <= 16 || (page.bits <= 64 && page.bits % 8 == 0);
-  if (!is_plain || !is_extractable) fail(IMG_E_FORMAT);
+  page.kind = kind_of(tiff);
+  if (page.kind == SampleKind::kCount) {
+    if (page.bits > 16 && (page.bits > 64 || page.bits % 8 != 0)) fail(IMG_E_FORMAT);
+    return;
+  }
+  if (page.is_lab || !page.colors.empty() || !is_known_number(page.kind, page.bits)) fail(IMG_E_FORMAT);
+  page.range = stated_range(tiff);
 }
 
 // Tiles decode whole, however little of them is in the picture.
@@ -199,7 +220,7 @@ TiffPage read_tags(const TiffHandle& tiff, uint64_t file_bytes) {
   page.tile_width = tiff.tag<uint32_t>(TIFFTAG_TILEWIDTH, 0);
   page.tile_height = tiff.tag<uint32_t>(TIFFTAG_TILELENGTH, 0);
   plan(tiff, page);
-  check_samples(tiff, page);
+  plan_samples(tiff, page);
   check_size(page, file_bytes);
   check_data(tiff, page, file_bytes);
   return page;

@@ -1,6 +1,7 @@
 // What the tags of a TIFF page say, and how its samples become a DIB.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "common/dib.h"
@@ -15,7 +16,9 @@ struct TiffPage {
   unsigned bits = 0, samples = 0;
   bool has_planes = false;  // each sample of its own
   bool has_tiles = false;
-  bool is_lab = false;  // once assembled, pixels are still b*, a*, L*
+  SampleKind kind = SampleKind::kCount;
+  std::optional<Range> range;  // of numbers, where the page states it
+  bool is_lab = false;         // once assembled, pixels are still b*, a*, L*
   uint32_t tile_width = 0, tile_height = 0;
   // Empty where the library converts the colours.
   std::vector<Component> components;

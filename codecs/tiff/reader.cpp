@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -41,7 +43,9 @@ enum class Finish { kNone, kComplement, kSwapChannels };
 // What is left to do for rows that are decoded right into the DIB. None where samples have to be taken apart.
 std::optional<Finish> finish_of_plain_rows(const TiffPage& page) {
   const bool is_reversed = page.components[0].values[0] != 0;
-  if (page.has_tiles || page.bits * page.samples != static_cast<unsigned>(page.picture.depth)) return std::nullopt;
+  if (page.kind != SampleKind::kCount || page.has_tiles ||
+      page.bits * page.samples != static_cast<unsigned>(page.picture.depth))
+    return std::nullopt;
   if (page.samples == 1) return is_reversed ? Finish::kComplement : Finish::kNone;
   if (page.has_planes || page.samples != 3 || page.is_lab || page.components[0].action != Action::kChannel)
     return std::nullopt;
@@ -67,10 +71,13 @@ void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish
 
 // ---- Rows and tiles whose samples are taken apart ----
 
-class Assembly {
+// Where decoded rows go: each is given with its plane, its place and its length.
+class RowSink {
  public:
-  Assembly(const TiffPage& page, const LoadedDib& dib)
-      : page_(page), dib_(dib), values_(static_cast<size_t>(page.picture.width)) {}
+  explicit RowSink(const TiffPage& page) : page_(page) {}
+  RowSink(const RowSink&) = delete;
+  RowSink& operator=(const RowSink&) = delete;
+  virtual ~RowSink() = default;
 
   bool needs_plane(unsigned plane) const {
     return !page_.has_planes || std::ranges::any_of(page_.components, [=](const Component& c) { return c.sample == plane; });
@@ -78,17 +85,64 @@ class Assembly {
 
   // The row of a plane from (x, y) on, `count` pixels of it.
   void add(unsigned plane, int y, size_t x, size_t count, std::span<const uint8_t> samples) {
-    const auto values = std::span(values_).first(count);
     for (const Component& component : page_.components) {
       if (page_.has_planes && component.sample != plane) continue;
-      extract(samples, {page_.bits, page_.samples_in_plane(), page_.has_planes ? 0 : component.sample}, values);
-      apply(component, page_.colors, values, dib_.row_from_top(y), page_.picture.depth, x);
+      const unsigned sample = page_.has_planes ? 0 : component.sample;
+      take(component, y, x, count, samples, {page_.bits, page_.samples_in_plane(), sample, page_.kind});
     }
   }
 
- private:
+ protected:
+  virtual void take(const Component& component, int y, size_t x, size_t count, std::span<const uint8_t> samples,
+                    SampleLayout layout) = 0;
+
+  // Alpha has a range of its own.
+  static bool is_color(const Component& component) {
+    return component.action != Action::kCoverage && component.action != Action::kPremultipliedCoverage;
+  }
+
   const TiffPage& page_;
+};
+
+// Finds the smallest and the largest number that a colour has.
+class Measurement : public RowSink {
+ public:
+  using RowSink::RowSink;
+
+  // Floating-point pages within 0 and 1 count from 0 to 1, all others from their smallest number to their largest.
+  Range range() const {
+    const bool is_share = page_.kind == SampleKind::kFloat && found_.low >= 0 && found_.high <= 1;
+    return is_share ? Range{} : found_;
+  }
+
+ private:
+  void take(const Component& component, int, size_t, size_t count, std::span<const uint8_t> samples,
+            SampleLayout layout) override {
+    if (is_color(component)) widen(found_, samples, layout, count);
+  }
+
+  Range found_{std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest()};
+};
+
+class Assembly : public RowSink {
+ public:
+  Assembly(const TiffPage& page, const LoadedDib& dib, Range range)
+      : RowSink(page), dib_(dib), range_(range), values_(static_cast<size_t>(page.picture.width)) {}
+
+ private:
+  void take(const Component& component, int y, size_t x, size_t count, std::span<const uint8_t> samples,
+            SampleLayout layout) override {
+    const auto values = std::span(values_).first(count);
+    if (is_color(component))
+      layout.range = range_;
+    else if (layout.kind == SampleKind::kSigned)
+      layout.range.high = std::ldexp(1, static_cast<int>(layout.bits) - 1) - 1;
+    extract(samples, layout, values);
+    apply(component, page_.colors, values, dib_.row_from_top(y), page_.picture.depth, x);
+  }
+
   const LoadedDib& dib_;
+  Range range_;
   std::vector<uint8_t> values_;
 };
 
@@ -99,28 +153,26 @@ std::vector<uint8_t> sample_buffer(const TiffPage& page, int64_t pixels, tmsize_
   return std::vector<uint8_t>(static_cast<size_t>(bytes));
 }
 
-void read_rows(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& dib) {
+void read_rows(const TiffHandle& tiff, const TiffPage& page, RowSink& sink) {
   const tmsize_t row_bytes = TIFFScanlineSize(tiff.get());
   auto samples = sample_buffer(page, page.picture.width, row_bytes, row_bytes);
-  Assembly assembly(page, dib);
   for (unsigned plane = 0; plane < page.planes(); ++plane) {
-    if (!assembly.needs_plane(plane)) continue;
-    for (int y = 0; y < dib.height(); ++y) {
+    if (!sink.needs_plane(plane)) continue;
+    for (int y = 0; y < page.picture.height; ++y) {
       tiff.run([&] {
         return TIFFReadScanline(tiff.get(), samples.data(), static_cast<uint32_t>(y), static_cast<uint16_t>(plane)) > 0;
       });
-      assembly.add(plane, y, 0, static_cast<size_t>(dib.width()), samples);
+      sink.add(plane, y, 0, static_cast<size_t>(page.picture.width), samples);
     }
   }
 }
 
-void read_tiles(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& dib) {
+void read_tiles(const TiffHandle& tiff, const TiffPage& page, RowSink& sink) {
   const tmsize_t row_bytes = TIFFTileRowSize(tiff.get());
   auto samples = sample_buffer(page, page.tile_width, row_bytes, TIFFTileSize(tiff.get()));
-  const auto width = static_cast<uint32_t>(dib.width()), height = static_cast<uint32_t>(dib.height());
-  Assembly assembly(page, dib);
+  const auto width = static_cast<uint32_t>(page.picture.width), height = static_cast<uint32_t>(page.picture.height);
   for (unsigned plane = 0; plane < page.planes(); ++plane) {
-    if (!assembly.needs_plane(plane)) continue;
+    if (!sink.needs_plane(plane)) continue;
     for (uint64_t top = 0; top < height; top += page.tile_height)
       for (uint64_t left = 0; left < width; left += page.tile_width) {
         tiff.run([&] {
@@ -130,10 +182,23 @@ void read_tiles(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& d
         const uint64_t count = std::min<uint64_t>(page.tile_width, width - left);
         const uint64_t rows = std::min<uint64_t>(page.tile_height, height - top);
         for (size_t i = 0; i < rows; ++i)
-          assembly.add(plane, static_cast<int>(top + i), static_cast<size_t>(left), static_cast<size_t>(count),
-                       std::span(samples).subspan(i * static_cast<size_t>(row_bytes)));
+          sink.add(plane, static_cast<int>(top + i), static_cast<size_t>(left), static_cast<size_t>(count),
+                   std::span(samples).subspan(i * static_cast<size_t>(row_bytes)));
       }
   }
+}
+
+void read_samples(const TiffHandle& tiff, const TiffPage& page, RowSink& sink) {
+  page.has_tiles ? read_tiles(tiff, page, sink) : read_rows(tiff, page, sink);
+}
+
+// The range of numbers that the page does not state takes a pass over it.
+Range range_of(const TiffHandle& tiff, const TiffPage& page) {
+  if (page.kind == SampleKind::kCount) return {};
+  if (page.range) return *page.range;
+  Measurement measurement(page);
+  read_samples(tiff, page, measurement);
+  return measurement.range();
 }
 
 // ---- Colours that the library converts ----
@@ -188,12 +253,12 @@ void read_converted(const TiffHandle& tiff, const TiffPage& page, const LoadedDi
 
 void read_pixels(const TiffHandle& tiff, const TiffPage& page, const LoadedDib& dib) {
   if (page.components.empty()) return read_converted(tiff, page, dib);
-  if (page.has_tiles) return read_tiles(tiff, page, dib);
   const auto finish = finish_of_plain_rows(page);
   const auto row_bytes = static_cast<uint64_t>(TIFFScanlineSize(tiff.get()));
   if (finish && row_bytes == static_cast<uint64_t>(page.picture.width * page.picture.depth + 7) / 8)
     return read_plain_rows(tiff, page, *finish, dib);
-  read_rows(tiff, page, dib);
+  Assembly assembly(page, dib, range_of(tiff, page));
+  read_samples(tiff, page, assembly);
 }
 
 // Group 3 rows that have too many runs are read from a copy that the library has room for.

@@ -57,7 +57,7 @@ constexpr Call kCalls[] = {
     {"LZW", tiff<5>(), 24},    {"JPEG in TIFF", tiff<7>(), 24},
     {"deflate", tiff<8>(), 8}, {"palette", tiff<32773>(), 4},
     {"CALS", kCals, 1},        {"JPEG", kJpeg, 24},
-    {"PNG", kPng, 24},         {"GIF", kGif, 24},
+    {"PNG", kPng, 24},         {"GIF", kGif, 8},
     {"PCX", kPcx, 8},          {"TGA", kTga, 24},
 };
 

@@ -64,7 +64,7 @@ const Format kFormats[] = {
      0,
      false,
      false},
-    {"JPEG", IMG_FORMAT_JPEG, kJpeg, 24, 0, 65'500, 0, false, false},
+    {"JPEG", IMG_FORMAT_JPEG, kJpeg, 24, 0, 65'500, 2, false, false},
     {"PNG", IMG_FORMAT_PNG, kPng, 24, 24, 0, 0, true, true},
 };
 

@@ -74,7 +74,7 @@ std::ptrdiff_t marker(const Bytes& file, uint8_t code) {
   const Bytes wanted{0xFF, code};
   return std::search(file.begin(), file.end(), wanted.begin(), wanted.end()) - file.begin();
 }
-constexpr uint8_t kFrame = 0xC0, kScan = 0xDA, kTables = 0xDB;
+constexpr uint8_t kFrame = 0xC0, kScan = 0xDA, kTables = 0xDB, kProgressiveFrame = 0xC2;
 
 TEST_F(JpegTest, LostPixelsAreAFailureAndStrayBytesAreNot) {
   const Bytes good = saved(smooth(83, 21, 24, false), 75), whole = load();
@@ -93,21 +93,6 @@ TEST_F(JpegTest, LostPixelsAreAFailureAndStrayBytesAreNot) {
   }
 }
 
-// A progressive picture of one block: after the first scan one for each of its 63 other coefficients, and again to refine.
-TEST_F(JpegTest, ScansMayBeManyButNotTooMany) {
-  Bytes file = saved(smooth(8, 8, 8, true));
-  file[static_cast<size_t>(marker(file, kFrame)) + 1] = 0xC2;
-  const auto last_coefficient = static_cast<size_t>(marker(file, kScan)) + 8;
-  file[last_coefficient] = 0;
-  file.resize(file.size() - 2);
-  for (const int bits : {0x01, 0x10}) {
-    for (uint8_t i = 1; i <= 63; ++i) file.insert(file.end(), {0xFF, kScan, 0, 8, 1, 1, 0, i, i, uint8_t(bits), 0xAF});
-    Bytes ended = file;
-    ended.insert(ended.end(), {0xFF, 0xD9});
-    EXPECT_EQ(load_file(ended).empty(), bits == 0x10);
-  }
-}
-
 constexpr uint8_t kSequential = 0xC9, kProgressive = 0xCA;  // both in arithmetic code
 
 // A grey square in arithmetic code of no bytes, which reads as zeros: after the first scan one for each coefficient from 1 on.
@@ -118,6 +103,38 @@ Bytes square_without_data(uint8_t frame, int size, int scans) {
   file = joined(file, {0xFF, frame, 0, 11, 8, high, low, high, low, 1, 1, 0x11, 0, 0xFF, kScan, 0, 8, 1, 1, 0, 0, last, 0});
   for (uint8_t i = 1; i < scans; ++i) file = joined(file, {0xFF, kScan, 0, 8, 1, 1, 0, i, i, 0});
   return joined(file, {0xFF, 0xD9});
+}
+
+// The last bytes are the marker that says where the file ends. Scans of which only the end is missing are whole.
+TEST_F(JpegTest, TheEndMarkerMayBeMissingWhereItLosesNothing) {
+  const Bytes good = saved(smooth(83, 21, 24, false), 75), whole = load();
+  for (const size_t missing : {1, 2}) EXPECT_EQ(load_file(first_bytes(good, good.size() - missing)), whole) << missing;
+  EXPECT_EQ(load_file(first_bytes(good, good.size() - 4)), Bytes());
+  Bytes file = saved(smooth(8, 8, 8, true));
+  file[static_cast<size_t>(marker(file, kFrame)) + 1] = kProgressiveFrame;
+  file[static_cast<size_t>(marker(file, kScan)) + 8] = 0;  // the first scan has the first coefficient alone
+  file.resize(file.size() - 2);
+  EXPECT_EQ(load_file(file), Bytes()) << "no scan of the other coefficients";
+  file.insert(file.end(), {0xFF, kScan, 0, 8, 1, 1, 0, 1, 63, 0, 0xAF});
+  EXPECT_FALSE(load_file(file).empty());
+  file = square_without_data(kSequential, 64, 1);
+  EXPECT_FALSE(load_file(file).empty());
+  EXPECT_EQ(load_file(first_bytes(file, file.size() - 2)), Bytes()) << "arithmetic code";
+}
+
+// A progressive picture of one block: after the first scan one for each of its 63 other coefficients, and again to refine.
+TEST_F(JpegTest, ScansMayBeManyButNotTooMany) {
+  Bytes file = saved(smooth(8, 8, 8, true));
+  file[static_cast<size_t>(marker(file, kFrame)) + 1] = kProgressiveFrame;
+  const auto last_coefficient = static_cast<size_t>(marker(file, kScan)) + 8;
+  file[last_coefficient] = 0;
+  file.resize(file.size() - 2);
+  for (const int bits : {0x01, 0x10}) {
+    for (uint8_t i = 1; i <= 63; ++i) file.insert(file.end(), {0xFF, kScan, 0, 8, 1, 1, 0, i, i, uint8_t(bits), 0xAF});
+    Bytes ended = file;
+    ended.insert(ended.end(), {0xFF, 0xD9});
+    EXPECT_EQ(load_file(ended).empty(), bits == 0x10);
+  }
 }
 
 TEST_F(JpegTest, SmallFilesDoNotTakeMuchTimeOrMemory) {

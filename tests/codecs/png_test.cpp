@@ -81,15 +81,31 @@ TEST_F(PngTest, SamplesBecomeColors) {
   }
 }
 
+// With another bit in the first byte of the chunk behind the header, whose checksum tells.
+Bytes damaged(Bytes file) {
+  file[33 + 8] ^= 1;
+  return file;
+}
+
+TEST_F(PngTest, ChecksumsOfWhatPixelsDoNotNeedDoNotMatter) {
+  const Bytes text{'a', 0, 'b'}, packed_text{'a', 0, 0, 'b'}, time{7, 0xD0, 1, 1, 0, 0, 0}, size{0, 0, 1, 0, 0, 0, 1, 0, 1};
+  for (const Bytes& part :
+       {chunk("tEXt", text), chunk("zTXt", packed_text), chunk("tIME", time), chunk("pHYs", size), kGamma}) {
+    const Bytes dib = load_file(damaged(file_of_row(1, 8, 0, {7}, part)));
+    EXPECT_EQ(status, IMG_OK) << part[4] << part[5];
+    EXPECT_EQ(picture_of(dib), "070707") << part[4] << part[5];
+    EXPECT_EQ(header_of(dib).biXPelsPerMeter, 0);
+  }
+}
+
 TEST_F(PngTest, WhatCannotBeReadHasAStatus) {
-  Bytes damaged = file_of_row(1, 8, 0, {7}, kGamma);
-  damaged[45] ^= 1;  // in the gamma, whose checksum tells
   const struct {
     const char* what;
     Bytes file;
     int status;
   } cases[] = {
-      {"a checksum", damaged, 9},
+      {"the checksum of transparency", damaged(file_of_row(1, 8, 0, {7}, chunk("tRNS", {0, 7}))), 9},
+      {"the checksum of the palette", damaged(file_of_row(1, 8, 3, {0}, chunk("PLTE", {1, 2, 3}))), 9},
       {"no pixels", file_of_row(0, 8, 0, {}), 9},
       {"no such depth", file_of_row(1, 3, 0, {0}), 9},
       {"no colours", file_of_row(1, 8, 3, {0}), 9},

@@ -143,7 +143,7 @@ TEST_F(TiffTest, WhatCannotBeSavedLeavesTheFileAlone) {
 constexpr uint16_t kWidth = 256, kHeight = 257, kBits = 258, kCompression = 259, kPhotometric = 262, kFillOrder = 266,
                    kOffset = 273, kOrientation = 274, kSamples = 277, kRowsPerStrip = 278, kByteCount = 279, kUnit = 296,
                    kColorMap = 320, kTileWidth = 322, kTileLength = 323, kTileOffset = 324, kTileByteCount = 325,
-                   kExtraSamples = 338, kSubsampling = 530, kSampleFormat = 339;
+                   kExtraSamples = 338, kSubsampling = 530, kSampleFormat = 339, kSmallest = 340, kLargest = 341;
 
 using Tags = std::map<uint16_t, std::vector<uint32_t>>;
 
@@ -196,7 +196,23 @@ struct Variant {
 
 TEST_F(TiffTest, VariantsOfSamples) {
   const Tags alpha = {{kSamples, {2}}, {kExtraSamples, {2}}};
+  const Tags is_signed = {{kSampleFormat, {2}}}, is_float = {{kSampleFormat, {3}}};
+  const Tags limited = {{kSampleFormat, {2}}, {kSmallest, {0}}, {kLargest, {100}}};
+  const Tags float_alpha = {{kSamples, {2}}, {kExtraSamples, {2}}, {kSampleFormat, {3, 3}}};
   const std::vector<Variant> variants = {
+      {"signed, from the smallest to the largest",
+       page_tags(3, 1, 8, 1, is_signed),
+       {0xF6, 0, 10},
+       8,
+       "000000 808080 FFFFFF"},
+      {"signed, from white", page_tags(2, 1, 16, 0, is_signed), {0, 0x80, 0xFF, 0x7F}, 8, "FFFFFF 000000"},
+      {"signed, within stated limits", page_tags(3, 1, 8, 1, limited), {0xF6, 50, 120}, 8, "000000 808080 FFFFFF"},
+      {"signed and alike", page_tags(2, 1, 8, 1, is_signed), {9, 9}, 8, "000000 000000"},
+      {"half precision", page_tags(3, 1, 16, 1, is_float), {0, 0x3C, 0, 0x38, 0, 0x7E}, 8, "FFFFFF 808080 000000"},
+      {"single precision", page_tags(2, 1, 32, 0, is_float), {0, 0, 0x80, 0x3E, 0, 0, 0, 0}, 8, "BFBFBF FFFFFF"},
+      {"beyond 0 and 1", page_tags(2, 1, 32, 1, is_float), {0, 0, 0x80, 0xBF, 0, 0, 0x80, 0x40}, 8, "000000 FFFFFF"},
+      {"double precision", page_tags(1, 1, 64, 1, is_float), {0, 0, 0, 0, 0, 0, 0xE0, 0x3F}, 8, "808080"},
+      {"float alpha", page_tags(1, 1, 16, 1, float_alpha), {0, 0, 0, 0x38}, 8, "7F7F7F"},
       {"2 bits from white", page_tags(4, 1, 2, 0), {0x1B}, 4, "FFFFFF AAAAAA 555555 000000"},
       {"4 bits from white", page_tags(2, 1, 4, 0), {0x0E}, 4, "FFFFFF 111111"},
       {"3 bits", page_tags(2, 1, 3, 1), {0x1C}, 8, "000000 FFFFFF"},
@@ -273,7 +289,9 @@ TEST_F(TiffTest, HeadersThatLieAreRefused) {
       {page_tags(1, 1, 8, 77), IMG_E_FORMAT},
       {page_tags(1, 1, 8, 2), IMG_E_FORMAT},
       {page_tags(1, 1, 8, 5, {{kSamples, {3}}}), IMG_E_FORMAT},
-      {page_tags(1, 1, 32, 1, {{kSampleFormat, {3}}}), IMG_E_FORMAT},
+      {page_tags(1, 1, 24, 1, {{kSampleFormat, {3}}}), IMG_E_FORMAT},
+      {page_tags(1, 1, 8, 8, {{kSamples, {3}}, {kSampleFormat, {2, 2, 2}}}), IMG_E_FORMAT},
+      {page_tags(1, 1, 8, 1, {{kSampleFormat, {5}}}), IMG_E_FORMAT},
       {page_tags(1, 1, 8, 1, {{kCompression, {4711}}}), IMG_E_FORMAT},
       {page_tags(1, 1, 8, 1, {{kOffset, {most}}}), IMG_E_FORMAT},
       {page_tags(100, 100, 8, 1), IMG_E_FORMAT},
