@@ -1,4 +1,4 @@
-// Headers as bytes, and the bytes of a file in memory taken one after another.
+// Headers as bytes, and sequential reading of a file in memory.
 #pragma once
 
 #include <bit>
@@ -19,7 +19,7 @@ std::span<const uint8_t> bytes_of(const Header& header) {
   return {reinterpret_cast<const uint8_t*>(&header), sizeof header};
 }
 
-// Throws Failure where the bytes end.
+// Throws Failure at the end of the bytes.
 class ByteSource {
  public:
   explicit ByteSource(std::span<const uint8_t> bytes) : rest_(bytes) {}

@@ -1,4 +1,4 @@
-// The border of a codec module: plain C outside, exceptions inside.
+// The boundary of a codec module: plain C outside, exceptions inside.
 #pragma once
 
 #include <exception>
@@ -13,14 +13,14 @@
 
 namespace codec {
 
-// Ends the work on one file. What is thrown inside a callback of a codec library must be caught there: such libraries are C.
+// Ends the work on one file. Must not pass through a codec library, which is C: callbacks catch their exceptions.
 struct Failure {
   ImgErrorCode status;
 };
 
 [[noreturn]] inline void fail(ImgErrorCode status) { throw Failure{status}; }
 
-// Runs an entry point's body, returns what that returns or zero, and tells `status`, which may be null, how it went.
+// Runs an entry point's body. Returns its result, or zero after a failure; the outcome goes to `status`, which may be null.
 template <class Body>
 auto at_entry(int* status, Body&& body) noexcept -> decltype(body()) {
   int outcome = IMG_OK;
@@ -29,7 +29,7 @@ auto at_entry(int* status, Body&& body) noexcept -> decltype(body()) {
     result = body();
   } catch (const Failure& failure) {
     outcome = failure.status;
-  } catch (const std::exception&) {  // running out of memory is all that the standard library's own types fail at here
+  } catch (const std::exception&) {  // the standard library's types fail here for lack of memory only
     outcome = IMG_E_MEMORY;
   }
   if (status != nullptr) *status = outcome;

@@ -42,7 +42,7 @@ uint64_t size_to_open(const char* path) {
   return *size;
 }
 
-// Closes the file first, because that may still write what it holds back.
+// Closes the file first, because closing may still write buffered bytes.
 void close_and_cut(FileHandle file, uint64_t size) {
   const int descriptor = dup(fileno(file.get()));
   file.reset();

@@ -15,18 +15,18 @@ struct CloseFile {
 };
 using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
 
-// Reads from `offset` on into `bytes` as much as there is. Returns how many bytes that are; ferror() tells when reading failed.
+// Reads up to `bytes.size()` bytes from `offset` on and returns their number. ferror() tells whether reading failed.
 size_t read_at(std::FILE* file, uint64_t offset, std::span<uint8_t> bytes);
 
 class InputFile {
  public:
-  // Throws Failure: only what is a file on disk can be opened.
+  // Opens regular files only. Throws Failure.
   explicit InputFile(const char* path);
 
   uint64_t size() const { return size_; }
-  std::FILE* get() const { return file_.get(); }  // stands at its start until something is read
+  std::FILE* get() const { return file_.get(); }  // at its start until something is read
 
-  // As many bytes from `offset` on as the file has, at most `count`. Throws Failure when reading fails.
+  // At most `count` bytes from `offset` on, fewer at the end of the file. Throws Failure when reading fails.
   std::vector<uint8_t> read(uint64_t offset, uint64_t count) const;
   std::vector<uint8_t> read_all() const { return read(0, size_); }
 
@@ -50,7 +50,7 @@ class OutputFile {
   std::FILE* get() const { return file_.get(); }
   uint64_t found_size() const { return found_size_; }
 
-  // Throw Failure when something is not written.
+  // Throw Failure on a write error.
   void seek(uint64_t offset) const;
   void write(std::span<const uint8_t> bytes) const;
   void flush() const;

@@ -58,14 +58,14 @@ Frame FrameFinder::read_descriptor() {
   frame.width = descriptor.width;
   frame.height = descriptor.height;
   source_.take(color_table_bytes(descriptor.flags));
-  source_.take_byte();  // the size of the first codes
+  source_.take_byte();  // the size of the initial codes
   skip_sub_blocks();
   return frame;
 }
 
 void FrameFinder::read_extension() {
   const uint8_t function = source_.take_byte();
-  // A text in between takes what was meant for the next picture to be drawn.
+  // A plain text extension takes the control block in front of it.
   if (function == PLAINTEXT_EXT_FUNC_CODE) transparent_index_ = -1;
   if (function == GRAPHICS_EXT_FUNC_CODE) {
     const auto block = source_.take(source_.take_byte());

@@ -11,20 +11,20 @@
 namespace codec::gif {
 
 struct Frame {
-  size_t offset = 0;           // of the byte that its descriptor begins with
+  size_t offset = 0;           // of the descriptor's first byte
   int width = 0, height = 0;   // pixels
   int transparent_index = -1;  // none
 };
 
 class FrameFinder {
  public:
-  // Throws Failure for what is no GIF file.
+  // Throws Failure if it is not a GIF file.
   explicit FrameFinder(std::span<const uint8_t> file);
 
-  // What stands in front of all images: signature, screen descriptor and global colour table.
+  // The part in front of all images: signature, screen descriptor and global colour table.
   std::span<const uint8_t> head() const { return file_.first(head_bytes_); }
 
-  // The next image; none at the end, which a file may leave unsaid. Throws Failure for what cannot be passed over.
+  // The next image; none at the end, with or without a trailer. Throws Failure for an invalid block.
   std::optional<Frame> next();
 
  private:

@@ -43,7 +43,7 @@ std::optional<Indexed> with_all_colors(const SourceDib& dib) {
 }
 
 Indexed with_picked_colors(const SourceDib& dib) {
-  static std::mutex quantizer;  // it keeps what it sorts by in a variable of its own
+  static std::mutex quantizer;  // giflib's sort key is a static variable
   const size_t pixels = pixels_of(dib);
   std::vector<uint8_t> red, green, blue;
   for (auto* plane : {&red, &green, &blue}) plane->reserve(pixels);

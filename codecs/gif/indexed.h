@@ -13,7 +13,7 @@ struct Indexed {
   std::vector<uint8_t> indices;  // from the top row on, without padding
 };
 
-// A 24-bit picture: with its very colours if it has no more than 256, else with as many that giflib picks.
+// A 24-bit picture: with its own colours if they are at most 256, else with 256 that giflib chooses.
 // Throws Failure.
 Indexed indexed(const SourceDib& dib);
 

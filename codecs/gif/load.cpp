@@ -13,7 +13,7 @@
 namespace codec::gif {
 namespace {
 
-// What giflib is shown of a file: its head and then, as if nothing lay between, one image.
+// The excerpt of a file for giflib: its head, directly followed by one image.
 struct Excerpt {
   std::span<const uint8_t> head, frame;
 };
@@ -44,7 +44,7 @@ class Decoder {
 
   int height() const { return gif_->Image.Height; }
 
-  // The row of the picture that the file has as its number `i`.
+  // The picture's row that is the file's `i`th.
   int row(int i) const { return gif_->Image.Interlace ? interlaced_row(i, height()) : i; }
 
   // Its own colours, or those of all images of the file.
@@ -70,7 +70,7 @@ class Decoder {
   std::unique_ptr<GifFileType, Close> gif_;
 };
 
-// No DIB if a pixel has an index that the depth has no room for.
+// Null if an index does not fit the depth.
 HGLOBAL decode(const Excerpt& excerpt, const Frame& frame, int least_depth) {
   const Decoder decoder(excerpt);
   Colors colors = decoder.colors();

@@ -20,7 +20,7 @@ struct FreeMap {
 };
 using ColorMap = std::unique_ptr<ColorMapObject, FreeMap>;
 
-// A table has a power of two of colours.
+// The number of colours in a table is a power of two.
 ColorMap color_map(const Colors& colors) {
   const size_t count = std::bit_ceil(std::max(colors.size(), size_t{2}));
   std::vector<GifColorType> table(count);
@@ -39,7 +39,7 @@ struct Close {
   void operator()(GifFileType* gif) const { EGifCloseFile(gif, nullptr); }
 };
 
-// Encodes one image that fills its screen. The file is whole when the scope has ended.
+// Encodes one image that fills its screen. The file is complete at the end of the scope.
 class Encoder {
  public:
   explicit Encoder(const OutputFile& file) : gif_(EGifOpen(file.get(), write_bytes, nullptr)) {
@@ -52,7 +52,7 @@ class Encoder {
     check(EGifPutImageDesc(gif_.get(), 0, 0, width, height, is_interlaced, nullptr));
   }
 
-  // giflib clears bits of the row that the table has no room for.
+  // giflib clears bits that exceed the table in the row itself.
   void write_row(std::span<uint8_t> indices) const {
     check(EGifPutLine(gif_.get(), indices.data(), static_cast<int>(indices.size())));
   }

@@ -1,4 +1,4 @@
-// Calls into libjpeg, which reports an error by leaving all calls that are under way.
+// Calls into libjpeg, which reports errors by longjmp.
 #pragma once
 
 #include <csetjmp>
@@ -11,13 +11,13 @@ namespace codec::jpeg {
 
 struct ErrorManager : jpeg_error_mgr {
   std::jmp_buf landing;
-  bool has_no_end;  // the file ended without saying so
+  bool has_no_end;  // the file has no end marker
 };
 
-// Nothing is printed. What loses pixels is an error, though libjpeg would go on with grey ones.
+// Nothing is printed. Loss of pixels, which libjpeg fills with grey, is an error.
 jpeg_error_mgr* prepare(ErrorManager& errors);
 
-// Returns whether `calls`, in which nothing may have a destructor, came to their end.
+// Returns whether `calls` ended without an error. Nothing in them may have a destructor.
 template <class Calls>
 bool came_through(ErrorManager& errors, Calls calls) noexcept {
   if (setjmp(errors.landing) != 0) return false;

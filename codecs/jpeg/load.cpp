@@ -22,7 +22,7 @@ class Decompressor {
   ~Decompressor() { jpeg_destroy_decompress(&jpeg_); }
 
   void open(std::FILE* file) {
-    // Enough for the coefficients of the largest pictures that a process of 32 bits can have.
+    // Enough for the coefficients of the largest pictures of a 32-bit process.
     constexpr long kMostMemory = 1L << 30;
     run([&] {
       jpeg_create_decompress(&jpeg_);
@@ -50,13 +50,13 @@ class Decompressor {
         done(y);
       }
       jpeg_finish_decompress(&jpeg_);
-      // Arithmetic code goes on with zeros where it breaks off, so that only the end says whether it is whole.
+      // Arithmetic code that breaks off reads as zeros, so that only the end marker shows whether it is complete.
       if (errors_.has_no_end && jpeg_.arith_code != FALSE) jpeg_.err->error_exit(reinterpret_cast<j_common_ptr>(&jpeg_));
     });
   }
 
  private:
-  // Whether no scan is missing, as far as the scans before tell: progressive ones say which bits of the coefficients are known.
+  // Whether the scans gave all bits of all coefficients. Known for progressive files only.
   bool has_all_coefficients() const {
     if (jpeg_.coef_bits == nullptr) return false;
     const auto components = std::span(jpeg_.coef_bits, static_cast<size_t>(jpeg_.num_components));
@@ -89,11 +89,11 @@ Resolution resolution_of(const jpeg_decompress_struct& header) {
   switch (header.density_unit) {
     case kPerInch: return from_dpi(header.X_density, header.Y_density);
     case kPerCentimetre: return {header.X_density * 100, header.Y_density * 100};
-    default: return {};  // a mere ratio
+    default: return {};  // an aspect ratio only
   }
 }
 
-// What four inks leave of white light. Samples state light, not ink, where the file is of Adobe's kind.
+// The light that four inks leave. In files with Adobe's marker samples are light, not ink.
 void paint_inks(const uint8_t* samples, bool are_light, std::span<uint8_t> row) {
   const auto light = [&](int i) { return are_light ? samples[i] : 255 - samples[i]; };
   for (size_t x = 0; x + 3 <= row.size(); x += 3, samples += 4) {
@@ -112,7 +112,7 @@ void read_inks(Decompressor& jpeg, const LoadedDib& dib) {
       [&](int y) { paint_inks(samples.data(), are_light, dib.row_from_top(y).first(width * 3)); });
 }
 
-// What libjpeg keeps of each pixel until it has seen all scans: a coefficient of each component.
+// Memory of libjpeg per pixel until the last scan: a coefficient of each component.
 int coefficient_bits(Decompressor& jpeg) { return jpeg.has_several_scans() ? jpeg.header().num_components * 16 : 0; }
 
 HGLOBAL load(const char* path) {

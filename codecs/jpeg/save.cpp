@@ -12,7 +12,7 @@ namespace codec::jpeg {
 namespace {
 
 struct Density {
-  int unit = 0, x = 1, y = 1;  // a mere ratio
+  int unit = 0, x = 1, y = 1;  // an aspect ratio only
 };
 
 // In dots per inch if that is exact, else per centimetre if that is, else the nearest dots per inch.
@@ -42,7 +42,7 @@ class Samples {
 
   bool is_gray() const { return is_gray_; }
 
-  // Good until the next call. Throws nothing.
+  // Valid until the next call. Does not throw.
   const uint8_t* row(int y) {
     if (dib_.depth() == 24) return dib_.row_from_top(y).data();
     unpack_indices(dib_.row_from_top(y), dib_.depth(), indices_);
@@ -60,7 +60,7 @@ class Samples {
  private:
   const SourceDib& dib_;
   bool is_gray_ = false;
-  std::vector<uint8_t> indices_, row_;  // empty where the DIB's own rows will do
+  std::vector<uint8_t> indices_, row_;  // empty where the DIB's own rows are used
 };
 
 class Compressor {
@@ -70,7 +70,7 @@ class Compressor {
   Compressor& operator=(const Compressor&) = delete;
   ~Compressor() { jpeg_destroy_compress(&jpeg_); }
 
-  // Returns whether all was written.
+  // Returns whether everything was written.
   bool write(std::FILE* file, const SourceDib& dib, Samples& samples, int quality) {
     return came_through(errors_, [&] {
       jpeg_create_compress(&jpeg_);

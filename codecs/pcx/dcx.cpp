@@ -67,7 +67,7 @@ void add_dcx_page(const char* path, const SourceDib& dib) {
   file.seek(begin);
   page.write(file);
   file.flush();
-  // Only now that the page is there does the directory change.
+  // The directory changes last, once the page is complete.
   file.seek(entry);
   file.write(bytes_of(std::array{static_cast<uint32_t>(begin), 0u}));
   file.complete();

@@ -12,7 +12,7 @@ namespace {
 constexpr int width_of(const PcxHeader& header) { return header.right - header.left + 1; }
 constexpr int height_of(const PcxHeader& header) { return header.bottom - header.top + 1; }
 
-// The depth of the DIB that a picture becomes; 0 for planes that do not go together.
+// The depth of the resulting DIB; 0 for an invalid combination of planes.
 int dib_depth(const PcxHeader& header) {
   struct Planes {
     int depth, count, dib_depth;
@@ -204,7 +204,7 @@ HGLOBAL read_pcx(std::span<const uint8_t> file) {
   const Description picture = description_of(header);
   LineBytes lines(source, header.encoding == PcxHeader::kRunLength);
   std::vector<uint8_t> bytes(size_t{header.planes} * header.plane_bytes);
-  // However much the header claims, the picture takes no more memory than the file has bytes for.
+  // Whatever the header claims, no memory is taken that the file has no pixels for.
   if (!lines.can_give(uint64_t{bytes.size()} * static_cast<uint64_t>(picture.height))) fail(IMG_E_FORMAT);
 
   LoadedDib dib(picture);

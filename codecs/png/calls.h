@@ -1,4 +1,4 @@
-// Calls into libpng, which reports an error by leaving all calls that are under way.
+// Calls into libpng, which reports errors by longjmp.
 #pragma once
 
 #include <csetjmp>
@@ -12,7 +12,7 @@ namespace codec::png {
 [[noreturn]] inline void leave(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 inline void ignore(png_structp, png_const_charp) {}
 
-// Transparency with a wrong checksum costs pixels. Of the chunks that a picture can do without it is the only one that does.
+// Transparency is the only optional chunk whose loss changes pixels: a wrong checksum there is an error.
 inline void take_warning(png_structp png, png_const_charp message) {
   if (std::string_view(message).starts_with("tRNS: CRC")) leave(png, message);
 }
@@ -20,7 +20,7 @@ inline void take_warning(png_structp png, png_const_charp message) {
 // Sizes are checked where DIBs are made; libpng's own limit is lower.
 inline void allow_any_size(png_structp png) { png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX); }
 
-// Returns whether `calls`, in which nothing may have a destructor, came to their end.
+// Returns whether `calls` ended without an error. Nothing in them may have a destructor.
 template <class Calls>
 bool came_through(png_structp png, Calls calls) noexcept {
   if (setjmp(png_jmpbuf(png)) != 0) return false;

@@ -14,13 +14,13 @@ namespace {
 
 constexpr Rgb kWhite = color(255, 255, 255);
 
-// Makes 4 bits per pixel of 8, for pictures of 2 bits that were spread over bytes.
+// Packs bytes into 4 bits per pixel, for 2-bit pictures that libpng expanded to bytes.
 void pack_nibbles(png_structp, png_row_infop info, png_bytep row) {
   const std::span pixels(row, info->width);
   pack_indices(pixels, 4, pixels);
 }
 
-// Reads the header, then is told how the rows are to look, and reads them.
+// Reads the header, then the rows in the form that the DIB needs.
 class Reader {
  public:
   explicit Reader(const InputFile& file) : file_(file.get()) {
@@ -55,7 +55,7 @@ class Reader {
   // Palettes, and greys without alpha that a DIB's table has room for.
   bool has_table() const { return has_palette() || (channels() == 1 && bits() <= 8); }
 
-  // The DIB's table, with what is transparent over white.
+  // The DIB's table, blended over white.
   Colors colors() const { return has_palette() ? palette() : has_table() ? grays() : gray_ramp(8); }
   Resolution resolution() const;
 
@@ -76,7 +76,7 @@ class Reader {
     if (!came_through(png_, calls)) fail(std::ferror(file_) != 0 ? IMG_E_FILE_IO : IMG_E_FORMAT);
   }
 
-  // Skips chunks that say nothing of what a DIB holds: profiles and gamma, which are not applied, and texts, which may
+  // Skips chunks that a DIB has no place for: profiles and gamma, which are not applied, and texts, which may
   // unpack to any size.
   void limit() {
     constexpr png_uint_32 kMostChunks = 100;

@@ -28,7 +28,7 @@ class Writer {
   Writer& operator=(const Writer&) = delete;
   ~Writer() { destroy(); }
 
-  // Returns whether all was written.
+  // Returns whether everything was written.
   bool write(std::FILE* file, const SourceDib& dib, int color_type, const Palette& palette) {
     return came_through(png_, [&] {
       allow_any_size(png_);

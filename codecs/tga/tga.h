@@ -14,9 +14,9 @@
 namespace codec {
 
 #pragma pack(push, 1)
-// The header as it lies in a file. A name of any text, the colour map and the pixels follow.
+// The file header. The picture's name, the colour map and the pixels follow.
 struct TgaHeader {
-  enum Kind : uint8_t { kIndexed = 1, kColor = 2, kGray = 3, kRunLength = 8 };  // the last is added to one of the others
+  enum Kind : uint8_t { kIndexed = 1, kColor = 2, kGray = 3, kRunLength = 8 };  // kRunLength is added to one of the others
   enum Descriptor : uint8_t { kAlphaBits = 0x0F, kRightToLeft = 0x10, kTopDown = 0x20, kInterleaved = 0xC0 };
 
   uint8_t name_bytes;
@@ -33,11 +33,11 @@ struct TgaHeader {
   bool is_compressed() const { return (kind & kRunLength) != 0; }
 };
 
-// Ends files of the format's second version.
+// At the end of files of the format's second version.
 struct TgaFooter {
   static constexpr std::array<char, 18> kSignature = {"TRUEVISION-XFILE."};
 
-  uint32_t extension, developer_area;  // where they begin; 0 where there is none
+  uint32_t extension, developer_area;  // file offsets; 0 for none
   std::array<char, 18> signature;
 };
 
@@ -51,11 +51,11 @@ struct TgaExtension {
 #pragma pack(pop)
 static_assert(sizeof(TgaHeader) == 18 && sizeof(TgaFooter) == 26 && sizeof(TgaExtension) == 495);
 
-// A packet is a byte and then either a pixel that is repeated, or pixels as they are.
+// A packet is a count byte, then one pixel to repeat or as many literal pixels.
 inline constexpr uint8_t kTgaRunMark = 0x80;
 inline constexpr size_t kTgaLongestPacket = 128;
 
-// Takes the start of a file. Throws Failure unless it is a header of what read_tga() reads.
+// Takes the start of a file. Throws Failure unless it is a header that read_tga() supports.
 void check_tga_start(std::span<const uint8_t> start);
 
 // Throws Failure.

@@ -35,7 +35,7 @@ TgaHeader take_sound_header(ByteSource& source) {
 
 enum class Alpha { kIgnored, kStraight, kPremultiplied };
 
-// What the extension area says of alpha. Files need not have one.
+// The extension area's meaning of alpha. Files need not have one.
 uint8_t stated_alpha_kind(std::span<const uint8_t> file) {
   constexpr uint8_t kUnstated = TgaExtension::kStraight;
   if (file.size() < sizeof(TgaFooter)) return kUnstated;
@@ -46,7 +46,7 @@ uint8_t stated_alpha_kind(std::span<const uint8_t> file) {
   return extension.size < sizeof extension ? kUnstated : extension.alpha_kind;
 }
 
-// Bits that the descriptor does not call alpha say nothing.
+// Bits that the descriptor does not count as alpha are ignored.
 Alpha alpha_of(const TgaHeader& header, std::span<const uint8_t> file) {
   if ((header.descriptor & TgaHeader::kAlphaBits) == 0) return Alpha::kIgnored;
   const uint8_t kind = stated_alpha_kind(file);
@@ -58,7 +58,7 @@ uint8_t component_over_white(int value, int alpha, Alpha meaning) {
   return meaning == Alpha::kPremultiplied ? premultiplied_over_white(value, alpha) : over_white(value, alpha);
 }
 
-// A colour of a map or a pixel: blue, green, red and alpha, or five bits of each and perhaps one of alpha.
+// A colour of a map or a pixel: bytes of blue, green, red and alpha, or five bits each and at 16 bits one of alpha.
 Rgb opaque_color_at(const uint8_t* bytes, int depth) {
   if (depth >= 24) return color(bytes[2], bytes[1], bytes[0]);
   const int word = bytes[0] | bytes[1] << 8;
@@ -93,7 +93,7 @@ void repeat(std::span<const uint8_t> bytes, std::span<uint8_t> out) {
   }
 }
 
-// Pixels one after another. Packets may go on from one line to the next.
+// Pixels in sequence. Packets may cross lines.
 class PixelBytes {
  public:
   PixelBytes(ByteSource source, size_t pixel_bytes, bool is_compressed)
@@ -109,7 +109,7 @@ class PixelBytes {
     size_t bytes;                     // of the pixels that it gives
   };
 
-  // The next pixels, as far as their packet goes and `most` bytes at most.
+  // The next pixels of a packet, at most `most` bytes.
   Stretch next(size_t most) {
     if (left_ == 0) next_packet(most);
     const size_t bytes = std::min(left_, most);
@@ -184,16 +184,16 @@ bool any_alpha(const Picture& picture) {
   }
 }
 
-// The format has no signature: a header that fits together, and enough bytes, are all there is to know it by.
+// The format has no signature: a consistent header and enough bytes are all that identifies it.
 Picture parse(std::span<const uint8_t> file) {
   ByteSource source(file);
   const TgaHeader header = take_sound_header(source);
   source.take(header.name_bytes);
   const auto map = source.take(header.has_map == 1 ? header.map_count * bytes_for(header.map_depth) : 0);
   Picture picture{header, alpha_of(header, file), map, source.rest()};
-  // However much the header claims, the picture takes no more memory than the file has bytes for.
+  // Whatever the header claims, no memory is taken that the file has no pixels for.
   if (!picture.reader().can_give(uint64_t{header.width} * header.height)) fail(IMG_E_FORMAT);
-  // Nobody means a picture to be seen through everywhere; some programs leave zeros where others have alpha.
+  // A fully transparent picture is never intended: some programs leave the alpha bytes 0.
   if (picture.alpha != Alpha::kIgnored && !any_alpha(picture)) picture.alpha = Alpha::kIgnored;
   return picture;
 }
@@ -205,7 +205,7 @@ void reverse_pixels(std::span<uint8_t> line, size_t pixel_bytes) {
   }
 }
 
-// Makes a DIB of rows that `convert` makes of lines.
+// Makes a DIB; `convert` turns each line into a row.
 template <class Convert>
 HGLOBAL read_lines(const Picture& picture, int depth, const Colors& colors, Convert convert) {
   const TgaHeader& header = picture.header;
@@ -221,13 +221,13 @@ HGLOBAL read_lines(const Picture& picture, int depth, const Colors& colors, Conv
   return dib.release();
 }
 
-// Makes a DIB of pixels that lie in files as they do in DIBs.
+// Makes a DIB of pixels that files store as DIBs do.
 HGLOBAL read_as_stored(const Picture& picture, const Colors& colors) {
   return read_lines(picture, picture.header.depth, colors,
                     [](std::span<const uint8_t> line, std::span<uint8_t> row) { std::ranges::copy(line, row.begin()); });
 }
 
-// Makes a 24-bit DIB of pixels that `color_of` tells the colour of.
+// Makes a 24-bit DIB; `color_of` gives the colour of a pixel.
 template <class ColorOf>
 HGLOBAL read_colors(const Picture& picture, ColorOf color_of) {
   return read_lines(picture, 24, {}, [&](std::span<const uint8_t> line, std::span<uint8_t> row) {
@@ -249,7 +249,7 @@ Colors colors_of_map(const Picture& picture) {
   return colors;
 }
 
-// The depth that has a place for every colour of the map and for every index: one outside the map is black.
+// The depth with room for every colour of the map and every index. Indices outside the map are black.
 int depth_of_indices(const Picture& picture, size_t colors) {
   int depth = depth_for_colors(colors);
   const auto has_no_place = [&](const uint8_t* pixel) { return *pixel >> depth != 0; };

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kMostPixels = std::numeric_limits<uint16_t>::max();
 
-// How many pixels from `at` on are alike, as far as a packet goes.
+// The number of equal pixels from `at` on, at most a packet's worth.
 size_t run_at(std::span<const uint8_t> row, size_t at, size_t pixel_bytes) {
   const auto first = row.subspan(at, pixel_bytes);
   size_t count = 1;
@@ -19,7 +19,7 @@ size_t run_at(std::span<const uint8_t> row, size_t at, size_t pixel_bytes) {
   return count;
 }
 
-// How many pixels from `at` on go into a packet of pixels as they are.
+// The number of pixels from `at` on for a literal packet.
 size_t literals_at(std::span<const uint8_t> row, size_t at, size_t pixel_bytes, size_t shortest_run) {
   size_t count = 0;
   while (at < row.size() && count < kTgaLongestPacket && run_at(row, at, pixel_bytes) < shortest_run) {
@@ -29,7 +29,7 @@ size_t literals_at(std::span<const uint8_t> row, size_t at, size_t pixel_bytes, 
   return count;
 }
 
-// Packets end with their row, as the format's second version asks.
+// Packets end with their row, as the format's second version requires.
 void append_packets(std::span<const uint8_t> row, size_t pixel_bytes, std::vector<uint8_t>& out) {
   const size_t shortest_run = pixel_bytes == 1 ? 3 : 2;  // shorter ones cost more than they save
   for (size_t at = 0; at < row.size();) {

@@ -1,4 +1,4 @@
-// What TIFF files are read from and written to. These functions are called out of C code, so they do not throw.
+// Sources and targets of TIFF files. C code calls these functions, so they do not throw.
 #pragma once
 
 #include <algorithm>
@@ -23,7 +23,7 @@ class Bytes {
   virtual size_t write(uint64_t /*offset*/, std::span<const uint8_t> /*bytes*/) noexcept { return 0; }
   virtual uint64_t size() const noexcept = 0;
 
-  // Whether the system failed, rather than the content.
+  // Whether the failure is one of the system, not of the content.
   virtual bool failed() const noexcept { return false; }
 };
 

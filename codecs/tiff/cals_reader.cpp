@@ -18,13 +18,13 @@ struct CalsHeader {
   int dots_per_inch = 0;
 };
 
-// Up to two numbers of a record, with zeros for those that it lacks.
+// Up to two numbers of a record; missing ones are 0.
 struct Record {
   int found = 0;
   std::array<int, 2> numbers{};
 };
 
-// Records are found by their names: writers differ in which they put, and in what order.
+// Records are found by name: writers differ in their choice and order.
 Record record(const std::string& text, const std::string& name) {
   Record record;
   const size_t begin = text.find(name);
@@ -59,7 +59,7 @@ CalsHeader read_header(const std::vector<uint8_t>& file) {
   return header;
 }
 
-// A TIFF directory in the making, in Intel byte order.
+// A TIFF directory under construction, in Intel byte order.
 class Directory {
  public:
   explicit Directory(std::vector<uint8_t>& file) : file_(file) {}
@@ -98,7 +98,7 @@ class Directory {
   uint32_t entries_ = 0, rationals_ = 0;
 };
 
-// Puts a directory where the text was, so that the file is a TIFF file of one strip.
+// Overwrites the text with a directory, which makes the file a TIFF file of one strip.
 void make_tiff(std::vector<uint8_t>& file, const CalsHeader& header) {
   const auto height = static_cast<uint32_t>(header.height), density = static_cast<uint32_t>(header.dots_per_inch);
   Directory directory(file);

@@ -8,15 +8,15 @@
 
 namespace codec {
 
-// Numbers of pages are 16 bits wide in TIFF. A longer chain is taken for an endless one.
+// Page numbers have 16 bits in TIFF. A longer chain counts as endless.
 inline constexpr size_t kMostPages = 65'535;
 
 struct DirectoryChain {
   size_t pages = 0;
-  bool ends = false;  // with a link of zero, not in a loop or in the middle of nowhere
+  bool ends = false;  // with a link of zero, not in a loop or an invalid link
 };
 
-// Follows the chain until it ends, or has `most` pages. Throws Failure for what is no TIFF file.
+// Follows the chain to its end or to `most` pages. Throws Failure if it is not a TIFF file.
 DirectoryChain follow_directories(Bytes& bytes, size_t most = kMostPages);
 
 }  // namespace codec

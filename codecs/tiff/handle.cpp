@@ -80,7 +80,7 @@ bool lacks_decoder(std::string_view module, std::string_view message) {
   return module == "JPEGLib" && message.starts_with("Insufficient memory");
 }
 
-// Other messages are for people; what went wrong is told by the library's results.
+// All other messages are ignored: the library's results tell failures.
 int take_message(TIFF* tiff, void* client, const char* module_name, const char* format, va_list values) {
   const std::string_view module = module_name != nullptr ? module_name : "";
   std::array<char, 200> message{};

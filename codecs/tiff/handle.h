@@ -54,7 +54,7 @@ class TiffHandle {
   };
 
  private:
-  // Without writing anything: a file that is wanted is complete before.
+  // Writes nothing: a finished file is complete before.
   struct Close {
     void operator()(TIFF* tiff) const {
       TIFFSetMode(tiff, O_RDONLY);

@@ -1,4 +1,4 @@
-// What the tags of a TIFF page say, and how its samples become a DIB.
+// The tags of a TIFF page, and the plan by which its samples become a DIB.
 #pragma once
 
 #include <optional>
@@ -28,7 +28,7 @@ struct TiffPage {
   unsigned samples_in_plane() const { return has_planes ? 1 : samples; }
 };
 
-// Throws Failure for a page of a variant that is not read, and for one that claims more than a file of so many bytes may.
+// Throws Failure for an unsupported variant, and for a page that claims more than a file of so many bytes may.
 TiffPage read_tags(const TiffHandle& tiff, uint64_t file_bytes);
 
 }  // namespace codec

@@ -36,11 +36,11 @@ TiffHandle open_page(Bytes& bytes, int page) {
   return tiff;
 }
 
-// ---- Rows that come out of the library as they are needed ----
+// ---- Rows that the library decodes in the DIB's own form ----
 
 enum class Finish { kNone, kComplement, kSwapChannels };
 
-// What is left to do for rows that are decoded right into the DIB. None where samples have to be taken apart.
+// The last step for rows that are decoded right into the DIB. None where samples must be extracted.
 std::optional<Finish> finish_of_plain_rows(const TiffPage& page) {
   const bool is_reversed = page.components[0].values[0] != 0;
   if (page.kind != SampleKind::kCount || page.has_tiles ||
@@ -69,7 +69,7 @@ void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish
   }
 }
 
-// ---- Rows and tiles whose samples are taken apart ----
+// ---- Rows and tiles whose samples are extracted ----
 
 // Where decoded rows go: each is given with its plane, its place and its length.
 class RowSink {

@@ -36,7 +36,7 @@ void set(const TiffHandle& tiff, uint32_t tag, Values... values) {
   tiff.run([&] { return TIFFSetField(tiff.get(), tag, values...) != 0; });
 }
 
-// Fax programs expect a page in one strip. Other readers like strips that are not large.
+// Fax programs expect a page in one strip. Other readers prefer small strips.
 uint32_t rows_per_strip(const SourceDib& dib, int compression) {
   constexpr size_t kStripBytes = size_t{64} << 10;
   constexpr size_t kJpegBlockRows = 16;
@@ -70,7 +70,7 @@ void set_colors(const TiffHandle& tiff, const Colors& colors) {
   if (std::ranges::count(copies, nullptr) != 0) fail(IMG_E_MEMORY);  // the library does not say so
 }
 
-// The bits of one-bit rows as they are encoded, and other rows in the order of channels that files have.
+// A row as it is encoded: complemented where asked for, channels in the file's order.
 void encode_row(std::span<const uint8_t> source, const SourceDib& dib, const Encoding& encoding, std::vector<uint8_t>& row) {
   row.assign(source.begin(), source.end());
   if (dib.depth() == 24) swap_red_and_blue(row, dib.width());
@@ -112,7 +112,7 @@ void set_tags(const TiffHandle& tiff, const SourceDib& dib, const Encoding& enco
   if (encoding.photometric == PHOTOMETRIC_YCBCR) set(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
   if (encoding.photometric == PHOTOMETRIC_PALETTE) set_colors(tiff, dib.colors());
   if (encoding.predictor != PREDICTOR_NONE) set(tiff, TIFFTAG_PREDICTOR, encoding.predictor);
-  // The one encoder that every build of the library has, so that all of ours write the same bytes.
+  // The encoder that every build of libtiff has, so that all of our builds write the same bytes.
   if (encoding.compression == COMPRESSION_ADOBE_DEFLATE) set(tiff, TIFFTAG_DEFLATE_SUBCODEC, DEFLATE_SUBCODEC_ZLIB);
   set_resolution(tiff, dib.resolution());
 }
@@ -174,7 +174,7 @@ void check_black_and_white(const TiffHandle& tiff, const Encoding& encoding) {
   if (has_levels && levels == nullptr) fail(IMG_E_MEMORY);
 }
 
-// Pages of a file that another can be added to.
+// The number of pages in a file that a page can be added to.
 size_t pages_in(const char* path) {
   const InputFile file(path);
   FileBytes bytes(file);

@@ -6,25 +6,25 @@
 
 namespace codec {
 
-// How a picture is put into a page.
+// The encoding of a picture in a page.
 struct Encoding {
   uint16_t compression = COMPRESSION_NONE;
   uint16_t photometric = PHOTOMETRIC_MINISWHITE;
   uint16_t predictor = PREDICTOR_NONE;
   bool is_complemented = false;  // bits, for a photometric of the other sense
-  bool has_long_rows = false;    // rows of which one-dimensional fax codes make more runs than libtiff reads
+  bool has_long_rows = false;    // see group3.h
 };
 
-// `compression` is by TIFF number, or 0 for a good choice. Throws Failure if it does not suit the picture.
+// `compression` is the TIFF number, or 0 for the default. Throws Failure if it does not suit the picture.
 Encoding encoding_for(const SourceDib& dib, int compression);
 
 // One strip of bits in which black is 1, as fax machines have it.
 Encoding group4_encoding(const SourceDib& dib);
 
-// Throws Failure. The directory is left to be written.
+// Does not write the directory. Throws Failure.
 void write_picture(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding);
 
-// Makes a file of one page, or adds a page to the file that is there, which is as it was if that fails. Throws Failure.
+// Makes a file of one page, or adds a page to an existing file, which is unchanged on failure. Throws Failure.
 void save_tiff(const char* path, const SourceDib& dib, int compression, bool adds_page);
 
 }  // namespace codec
