@@ -1,18 +1,18 @@
-// Tone and colour one pixel at a time: what the library's results are held against, and how much is gained by its way of doing
-// it. No checks: these are for good pictures and parameters.
+// Tone and colour one pixel at a time: the reference for the library's results, and a baseline for benchmarks. No checks: for good
+// pictures and parameters only.
 #pragma once
 
 #include "support/dib.h"
 
 namespace test {
 
-// 256 counters of the square whose left upper corner is (x, y) from the top, or as near to that as the picture allows.
+// 256 counters of the square whose top left corner is (x, y), counted from the top, or the nearest that lies inside.
 Bytes plain_histogram(const Bytes& dib, int x, int y);
 
-// Without a histogram if that is empty.
+// An empty histogram stands for none.
 Bytes plain_table(const Bytes& histogram, int contrast, int brightness);
 
-// Each of the following returns the block that the library should. `copied` is false where the picture itself is changed.
+// Each of the following returns the block that the library should return. `copied` is false where the picture itself changes.
 
 Bytes plain_lookup(const Bytes& dib, const Bytes& table, bool copied);
 
@@ -25,7 +25,7 @@ struct PlainFilter {
   std::vector<int> kernel = {};  // the caller's: coefficients and divisor
 };
 
-// Its kernel as a file of little-endian numbers of so many bytes each.
+// The kernel as a file of little-endian numbers, `number_bytes` each.
 Bytes kernel_file(const std::vector<int>& kernel, size_t number_bytes);
 
 Bytes plain_convolution(const Bytes& dib, bool copied, const PlainFilter& filter);
@@ -36,7 +36,7 @@ Bytes plain_gray(const Bytes& dib, int grade, bool weighted);
 
 Bytes plain_mono_gray(const Bytes& dib, int grade);
 
-// Nothing for pictures that are not cleaned.
+// Empty for pictures that are not cleaned.
 Bytes plain_cleaning(const Bytes& dib, int level, bool full);
 
 }  // namespace test

@@ -1,5 +1,6 @@
-// What makes pictures of pictures, held against versions that go one pixel at a time: every operation over every kind of picture
-// of its depth, copied and in place.
+// Every operation that returns a picture, over every kind of picture of its depth, copied and in place, against the same done one
+// pixel at a time.
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 #include <random>
@@ -106,8 +107,8 @@ struct Named {
   Bytes dib;
 };
 
-// Widths and heights that fill bytes and words exactly or not, edges that meet, grey tables, tables shorter and longer than the
-// depth implies, images larger or smaller than they state, and blocks that end early.
+// Widths and heights that do and do not fill bytes and words, pictures of one or two pixels, grey tables, tables shorter and longer
+// than the depth implies, stated sizes that are too small or too large, and blocks that end early.
 std::vector<Named> pictures(int depth) {
   std::vector<Named> all;
   for (const auto& [width, height] :
@@ -139,7 +140,7 @@ std::vector<Named> pictures(int depth) {
   return all;
 }
 
-// The block that an operation gives. Its source is that block or stays as it is.
+// The block that an operation returns: its source, changed, or a new one.
 Bytes run(const Operation& operation, const Bytes& dib, bool copied) {
   const Block source = block_of(dib);
   HGLOBAL result = operation.run(source.get(), copied);
@@ -147,6 +148,14 @@ Bytes run(const Operation& operation, const Bytes& dib, bool copied) {
   if (!copied) return bytes_of(result);
   EXPECT_TRUE(bytes_of(source.get()) == dib) << "the source is only read";
   return bytes_of(Block(result).get());
+}
+
+// Says where results begin to differ; they are too long to print.
+void expect_same(const Bytes& result, const Bytes& expected, const char* how) {
+  EXPECT_EQ(result.size(), expected.size()) << how;
+  const auto [at, other] = std::ranges::mismatch(result, expected);
+  if (at == result.end() || other == expected.end()) return;
+  ADD_FAILURE() << how << ": byte " << at - result.begin() << " is " << int{*at} << " instead of " << int{*other};
 }
 
 TEST(Tone, AgreesWithTheSameOnePixelAtATimeOnEveryBuild) {
@@ -160,11 +169,11 @@ TEST(Tone, AgreesWithTheSameOnePixelAtATimeOnEveryBuild) {
     for (const auto& [name, dib] : pictures(operation.depth)) {
       const Bytes result = run(operation, dib, true);
       SCOPED_TRACE(operation.name + ", " + std::to_string(operation.depth) + " bits, " + name);
-      EXPECT_TRUE(result == operation.plain(dib, true));
-      EXPECT_TRUE(!operation.works_in_place || run(operation, dib, false) == operation.plain(dib, false));
+      expect_same(result, operation.plain(dib, true), "copied");
+      if (operation.works_in_place) expect_same(run(operation, dib, false), operation.plain(dib, false), "in place");
       digest.add(result);
     }
-  EXPECT_EQ(digest.value, 14203820896009046385u);
+  EXPECT_EQ(digest.value, 14203820896009046385u) << "agrees with the plain versions, but not with other builds";
 }
 
 }  // namespace

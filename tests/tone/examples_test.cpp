@@ -1,4 +1,4 @@
-// Small pictures with results made by hand, and what holds for every picture.
+// Small pictures with results made by hand.
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ TEST(Convolve, CountsTheSecondPixelOfARowMoreThanOnce) {
   EXPECT_EQ(convolved({{100, 100, 100, 100, 100}}, 6, 5), (Rows{{0, 100, 0, 100, 100}})) << "-900";
 }
 
-// A single pixel shows the kernel turned by 180 degrees, seen from the top; so its rows are stored first row first.
+// A single pixel shows the kernel turned by 180 degrees. Rows are stored bottom-up, so the kernel's first row is stored first.
 TEST(Convolve, PutsTheFirstCoefficientOnTheUpperLeftNeighbour) {
   EXPECT_EQ(convolved({{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 0}}, 1, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 1}),
             (Rows{{0, 0, 0, 0}, {0, 3, 2, 1}, {0, 6, 5, 4}, {0, 9, 8, 7}}));
@@ -117,7 +117,7 @@ TEST(Grayscale, WeighsColoursAndKnowsWhichIsTheLighter) {
   EXPECT_EQ(of_bits(black_first), (Rows{{0, 255}}));
 }
 
-// One pixel that all its neighbours differ from, where black is the first colour or the second.
+// One pixel that differs from all its neighbours; black is the first colour or the second.
 TEST(CleanImage, TakesSpecksOffAndFillsHoles) {
   const auto middle = [](bool black_first, uint8_t around, int level, int mode) {
     Bytes rows(20, around);

@@ -1,4 +1,4 @@
-// Histograms that follow a square, and the tables made of them.
+// Histograms that follow a square, and lookup tables computed from them.
 #include <climits>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -47,7 +47,7 @@ TEST(ComputeHistogram, CountsTheSquareAlongRandomDrags) {
   }
 }
 
-// Counters that were emptied in between come right only where they are counted anew.
+// Counters that were cleared in between are right again only after a full count.
 TEST(ComputeHistogram, CountsAnewFrom129PixelsOn) {
   const Bytes dib = noise(600, 600, 8);
   const Block picture = block_of(dib), histogram = new_histogram();
@@ -75,7 +75,7 @@ TEST(ComputeHistogram, MovesTheSquareInsideAndRemembersItForAllPicturesAndBlocks
   EXPECT_EQ(counted(flat, new_histogram(), {0, 0}), Bytes(512)) << "65,536 wraps to 0";
 }
 
-// Such a thread takes the square at (0, 0) for counted, has nothing to clear when it counts, and makes tables of no entries.
+// Such a thread assumes that the square at (0, 0) is counted, clears nothing before it counts, and writes no table entries.
 TEST(ComputeHistogram, OnAThreadThatNeverAllocatedOne) {
   const Bytes dib = noise(600, 300, 8);
   const Block picture = block_of(dib), histogram = block_of(Bytes(512)), table = block_of(Bytes(256, 5));

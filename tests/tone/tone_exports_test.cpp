@@ -1,4 +1,4 @@
-// What the exports of tone and colour refuse, in which order, and how each tells.
+// What the exports of tone and colour refuse, in which order, and how each reports it.
 #include <climits>
 #include <gtest/gtest.h>
 #include <set>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kUntouched = 77;
 
-// Each with good parameters and with one that is refused after everything that can be wrong with the DIB.
+// Each with good parameters, and with a bad one that is checked after the DIB.
 
 HGLOBAL histogram_of(HGLOBAL dib, bool good, int* error) {
   static const Block histogram = block_of(Bytes(512));
@@ -51,7 +51,7 @@ const Export kExports[] = {{"ComputeHistogram", histogram_of, false, {8}, 13, 17
                            {"ConvColorDIBtoGrayscale", gray, true, {1, 4, 8, 24}, 13, 8},
                            {"ConvMonoDIBtoGrayscale", gray_of_bits, true, {1}, 18, 8}};
 
-// Calls and looks where the code is told, and that it is not told elsewhere.
+// Calls, and checks that the code is reported in the right place alone.
 void expect(const Export& e, HGLOBAL dib, bool good, int code, const std::string& what) {
   SetImgError(7);
   int error = kUntouched;
@@ -98,12 +98,12 @@ TEST(ToneExports, CheckTheDibFromItsHeaderToItsSizeAndThenTheRest) {
   expect(kExports[7], picture(planes).get(), true, 18, "two planes");
 }
 
-// Some look at 16 bits of a size. Negative ones give no pixels where the picture itself is changed, and no copy.
+// Some check only 16 bits of a size. Negative sizes change no pixel in place, and make copies fail.
 TEST(ToneExports, RefuseSizesThatMeanNothing) {
   const struct {
     int width, height;
     uint32_t colors;
-    int codes[4];  // where the picture is changed; for colour filters; where low words count; for greys
+    int codes[4];  // in place; for colour filters; where low words count; for greys
   } sizes[] = {{65'536, 1, 1, {0, 19, 19, 0}},    {1, 65'536, 1, {0, 0, 19, 0}},         {-9, 9, 1, {0, 0, 1, 1}},
                {9, -9, 1, {0, 0, 1, 1}},          {INT_MIN, INT_MIN, 1, {0, 19, 19, 1}}, {INT_MAX, INT_MAX, 1, {1, 1, 1, 1}},
                {65'537, 65'537, 1, {1, 1, 1, 1}}, {9, 9, 1u << 30, {1, 1, 1, 1}},        {9, 9, UINT_MAX, {1, 1, 1, 1}}};
@@ -130,7 +130,7 @@ TEST(ToneExports, LookAtTheirOtherArgumentsFirst) {
   EXPECT_EQ(told(ApplyLUT(dead_handle(), nullptr, 0, &error)), 8);
 }
 
-// Both filtering exports judge kernels alike; a refused picture stays as it is. Files are there unless they would be empty.
+// Both filters check kernels alike; a refused picture does not change. Files exist unless they would be empty.
 void expect_filter(const PlainFilter& filter, bool is_good, size_t bytes_missing = 0) {
   static const TempFolder folder;
   static int files = 0;
@@ -139,7 +139,7 @@ void expect_filter(const PlainFilter& filter, bool is_good, size_t bytes_missing
     file.resize(file.size() - bytes_missing);
     const std::string path = folder.path(std::to_string(++files));
     if (filter.type == 2 && !file.empty()) write_file(path, file);
-    const std::vector<short> shorts(filter.kernel.begin(), filter.kernel.end());  // without numbers, like those, null
+    const std::vector<short> shorts(filter.kernel.begin(), filter.kernel.end());  // null if there are no numbers
     const Bytes dib = noise(9, 9, colored ? 24 : 8);
     const Block block = block_of(dib);
     int error = kUntouched;
@@ -174,7 +174,7 @@ TEST(Filters, RefuseTypesSizesAndKernels) {
   EXPECT_EQ(Convolve(block_of(noise(9, 9, 8)).get(), 0, 2, 3, nullptr, nullptr, nullptr), nullptr) << "no name";
 }
 
-// Nothing and no code for what is not cleaned. Sizes that lie are no worse: only what is in the block is looked at.
+// No result and no code. Wrong sizes do no harm: nothing outside the block is read.
 TEST(CleanImage, RefusesInSilence) {
   const auto cleaned = [](const Bytes& dib, int level) {
     SetImgError(7);

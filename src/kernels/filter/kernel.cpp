@@ -6,7 +6,7 @@
 namespace vorel::kernels {
 namespace {
 
-constexpr int kMostWeight = 127;  // of a coefficient, and of all positive or all negative ones together
+constexpr int kMostWeight = 127;  // of a coefficient, of the positive sum and of the negative sum
 
 using Rows3 = std::array<std::array<int16_t, 3>, 3>;
 using Rows5 = std::array<std::array<int16_t, 5>, 5>;

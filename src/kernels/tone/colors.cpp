@@ -40,7 +40,29 @@ class LinearMap {
   Bytes least_, most_;
 };
 
-#ifdef __AVX2__
+#if defined(__AVX512VBMI__)
+// Looks all bytes up by permutes of 128 entries.
+class ShuffledMap {
+ public:
+  explicit ShuffledMap(const ComponentTable& table) {
+    for (size_t i = 0; i < 4; ++i) parts_[i] = load<__m512i>(&table[i * sizeof parts_[i]]);
+  }
+
+  size_t map(const uint8_t* from, uint8_t* to, size_t count) const {
+    size_t x = 0;
+    for (; x + sizeof(__m512i) <= count; x += sizeof(__m512i)) {
+      const auto index = load<__m512i>(from + x);
+      const __m512i low = _mm512_permutex2var_epi8(parts_[0], index, parts_[1]);
+      const __m512i high = _mm512_permutex2var_epi8(parts_[2], index, parts_[3]);
+      store(to + x, _mm512_mask_blend_epi8(_mm512_movepi8_mask(index), low, high));
+    }
+    return x;
+  }
+
+ private:
+  __m512i parts_[4];
+};
+#elif defined(__AVX2__)
 // Looks all bytes up by shuffles of sixteen entries. Entries are kept as differences from those sixteen further down: a byte takes
 // part in each shuffle up to its own, so that the differences add up to its entry.
 class ShuffledMap {

@@ -5,7 +5,7 @@
 namespace vorel::kernels {
 namespace {
 
-// Cut towards zero, and limited to what a byte holds.
+// Truncated, and limited to 0 to 255.
 uint8_t to_byte(double value) { return static_cast<uint8_t>(std::clamp(value, 0.0, 255.0)); }
 
 }  // namespace
@@ -22,7 +22,7 @@ int mean_level(std::span<const uint16_t, kHistogramLevels> histogram) {
 ComponentTable contrast_table(int32_t contrast, int32_t brightness, int mean) {
   constexpr double kPerLevel = 0.00392156862745098;  // a product, since a quotient may differ in the last bit
   const double step = contrast + 255.0;
-  double scaled = -static_cast<double>(mean) * contrast;  // 255 times the level, without brightness
+  double scaled = -static_cast<double>(mean) * contrast;  // 255 times the level before brightness
   ComponentTable table;
   for (uint8_t& level : table) {
     level = to_byte(scaled * kPerLevel + brightness);

@@ -1,4 +1,4 @@
-// Tone and colour of pixels: tables, greys, counts.
+// Tone and colour of pixels: lookup tables, greys, bit expansion, histograms.
 #pragma once
 
 #include <array>
@@ -13,13 +13,13 @@
 
 namespace vorel::kernels {
 
-// How much each component counts in a grey: alike, or by the weights of the conversion to grey.
+// Weights of the components in a grey: equal, or those of the conversion to grey.
 enum class GrayRule { kMean, kWeighted };
 
-// Over how many neighbours each way a set bit is spread.
+// How many neighbours on each side a set bit spreads to.
 enum class Smoothing : int { kNone = 0, kBy3 = 1, kBy5 = 2 };
 
-// What smoothing rows of this width needs: a byte for each bit of as many rows as a pixel sees, and margins.
+// Scratch memory for rows of this width: a byte for each bit of as many rows as contribute to a pixel, and margins.
 inline constexpr size_t kExpandedMargin = 4;
 constexpr size_t expanded_row_bytes(int width) { return row_bytes(1, width) * 8 + 2 * kExpandedMargin; }
 constexpr size_t expansion_scratch_bytes(Smoothing smoothing, int width) {
@@ -27,7 +27,7 @@ constexpr size_t expansion_scratch_bytes(Smoothing smoothing, int width) {
 }
 
 struct ToneTable {
-  // Each byte of the source's pixels becomes the table's value for it; both views are of the same size and depth.
+  // Maps each byte of the pixels. Views have the same size and depth, and may be the same.
   void (*map_bytes)(ConstDibView source, DibView result, const ComponentTable& table);
 
   // Fills a 24-bit result with the colours of an 8-bit source.
@@ -42,10 +42,10 @@ struct ToneTable {
   //   scratch  expansion_scratch_bytes() or more
   void (*expand_bits)(ConstDibView source, DibView result, Smoothing smoothing, bool inverted, std::span<uint8_t> scratch);
 
-  // Counts a square of an 8-bit picture anew.
+  // Adds the pixels of a square of an 8-bit picture.
   void (*count_square)(ConstDibView picture, Corner corner, Histogram histogram);
-  // Makes the counters of one square those of another that is at most half a side away in each direction, by what enters and
-  // what leaves.
+  // Turns the counters of one square into those of another, at most half a side away in each direction, by adding the strips that
+  // enter and subtracting the strips that leave.
   void (*slide_square)(ConstDibView picture, Corner from, Corner to, Histogram histogram);
 };
 
