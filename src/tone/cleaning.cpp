@@ -15,6 +15,21 @@ bool can_be_cleaned(const DibHeader& header) {
   return header.size == kHeaderBytes && (header.depth == 1 || (header.depth == 8 && header.planes == 1));
 }
 
+// Copies a block, but for the 8-bit pixels that it holds whole: the kernel writes all of them.
+void copy_all_but_pixels(const OpenDib& source, std::span<const uint8_t> block, std::span<uint8_t> result) {
+  const DibView pixels = source.pixels();
+  const auto stride = static_cast<size_t>(pixels.stride());
+  size_t begin = 0;
+  if (pixels.depth() == 8 && block.size() >= source.bytes().size()) {
+    size_t row = source.head().size();
+    for (int y = 0; y < pixels.height(); ++y, row += stride) {
+      std::ranges::copy(block.subspan(begin, row - begin), result.subspan(begin).begin());
+      begin = row + static_cast<size_t>(pixels.width());
+    }
+  }
+  std::ranges::copy(block.subspan(begin), result.subspan(begin).begin());
+}
+
 }  // namespace
 
 Result<OwnedDib> cleaned(const LockedDib& source, int level, kernels::Reach reach) {
@@ -25,7 +40,7 @@ Result<OwnedDib> cleaned(const LockedDib& source, int level, kernels::Reach reac
   if (!is_gray(colors)) return Error::kUnreported;
 
   OwnedDib result = VOREL_TRY(OwnedDib::allocate_unset(source.block().size()).or_error(Error::kUnreported));
-  std::ranges::copy(source.block(), result.bytes().begin());
+  copy_all_but_pixels(opened, source.block(), result.bytes());
   const auto whole = VOREL_TRY(or_error(CompleteBytes::of(result.bytes(), opened.bytes().size()), Error::kUnreported));
   const DibView to = pixels_in(whole.bytes(), header, opened.layout());
   const int opposite = kLeastLevel + kMostLevel - level;

@@ -162,9 +162,18 @@ void with_number(int number, Op&& op) {
 
 template <int kRank, Reach kReach>
 void take_rank_of(ConstDibView source, DibView result) {
-  if (source.width() < 3) return;
-  for (int y = 1; y + 1 < source.height(); ++y)
+  const auto copy_row = [&](int y) { std::memcpy(result.row(y).data(), source.row(y).data(), source.row(y).size()); };
+  if (source.width() < 3 || source.height() < 3) {
+    for (int y = 0; y < source.height(); ++y) copy_row(y);
+    return;
+  }
+  copy_row(0);
+  copy_row(source.height() - 1);
+  for (int y = 1; y + 1 < source.height(); ++y) {
+    result.row(y).front() = source.row(y).front();
+    result.row(y).back() = source.row(y).back();
     take_rank_in_row<kRank, kReach>(source.row(y - 1).data(), source.row(y).data(), source.row(y + 1).data(), result.row(y));
+  }
 }
 
 }  // namespace

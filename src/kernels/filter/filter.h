@@ -33,7 +33,7 @@ struct FilterTable {
   void (*clean_bits)(std::span<const uint8_t> source, DibView result, int threshold, Reach reach);
 
   // Replaces each pixel of an 8-bit picture by the neighbour of this rank, from 1 for the smallest to 8. kGentle replaces only
-  // pixels below 5 or above 250. Pixels at the edges do not change. `result` is a copy of `source`.
+  // pixels below 5 or above 250. Pixels at the edges do not change. `result` is filled.
   void (*take_rank)(ConstDibView source, DibView result, int rank, Reach reach);
 };
 
