@@ -8,6 +8,8 @@
 #include "metafile/units.h"
 
 using namespace vorel;
+using namespace vorel::formats;
+using namespace vorel::metafile;
 
 namespace {
 
@@ -23,7 +25,13 @@ void read_metafile(std::span<const uint8_t> bytes) {
   const Size size = pixels_of(start->extent, kScreen);
   require(size.width > 0 && size.height > 0);
   std::vector<uint8_t> copy(bytes.begin() + static_cast<std::ptrdiff_t>(start->offset), bytes.end());
-  require(playable_windows_metafile(copy).size() <= copy.size());
+  std::vector<uint8_t> enhanced = copy;
+  const auto all = playable_enhanced_metafile(enhanced);
+  require(playable_enhanced_metafile(all).size() == all.size());
+  copy.resize(copy.size() + kRoomBehindRecords);
+  const auto played = playable_windows_metafile(copy);
+  std::vector<uint8_t> again(played.begin(), played.end());
+  require(playable_windows_metafile(again).size() == played.size());
 }
 
 void read_clipboard_file(std::span<const uint8_t> bytes) {

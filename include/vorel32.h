@@ -995,8 +995,8 @@ VOREL_API HBITMAP VORELCALL DrawMetaFileIntoBitmap(HANDLE metafile, int width, i
 
 /** Loads a metafile as a bitmap: a Windows metafile with or without a placeable header, or an enhanced one.
  *  Its size comes from the placeable header, or from bounds and frame of the enhanced one, at the screen's resolution; it is five
- *  inches square where nothing says it, or what is said makes no pixel. A Windows metafile is drawn up to its last whole record, an
- *  enhanced one that is not whole is refused.
+ *  inches square where nothing says it, or what is said makes no pixel. A Windows metafile is drawn up to its first damaged record,
+ *  an enhanced one that has any is refused.
  *  Returns a bitmap for DeleteObject. NULL: IMG_E_FILE_IO, IMG_E_MEMORY, IMG_E_CREATE_METAFILE; no code when the file cannot be
  *  opened. */
 VOREL_API HBITMAP VORELCALL LoadMetaFileIntoBitmap(LPCSTR path);
@@ -1096,7 +1096,7 @@ VOREL_API void VORELCALL PrintPageContinue(void);
 
 /** Ends page, document and job, after a failed preparation too; nothing the second time.
  *  printerDC  is deleted, and what the job made or drew on as well; may be NULL
- *  Returns 0; -1 when the document cannot be ended. */
+ *  Returns 0; -1 when the document cannot be ended, as after a cancelled job that the device has aborted. */
 VOREL_API int VORELCALL EndPrint(HDC printerDC);
 
 /** Prints a DIB as a job of one page. Returns 0, or the first code that is not 0 of the three. */
@@ -1107,7 +1107,9 @@ VOREL_API int VORELCALL PrintDIB(HWND owner, HDC printerDC, HGLOBAL dib, LPCSTR 
 VOREL_API int VORELCALL PrintImage(HWND owner, HDC printerDC, HBITMAP bitmap, HPALETTE palette, LPCSTR documentName,
                                    int* imageDpi, ImgPrintOptions* options, int pageTag);
 
-/** The abort procedure of a job: lets the thread's messages through. Returns FALSE once the job is cancelled. */
+/** The abort procedure of a job: lets the thread's messages through.
+ *  code    the spooler's; any other than 0 cancels the job
+ *  Returns FALSE once the job is cancelled. */
 VOREL_API BOOL VORELCALL PrintAbortProc(HDC dc, int code);
 
 /** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own. The first shows the

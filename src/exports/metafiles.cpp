@@ -9,6 +9,7 @@
 #include "metafile/metafile_file.h"
 
 using namespace vorel;
+using formats::TextCodePage, metafile::MetafileKind;
 
 namespace {
 
@@ -30,52 +31,53 @@ extern "C" {
 
 HBITMAP VORELCALL DrawMetaFileIntoBitmap(HANDLE metafile, int width, int height, BOOL enhanced) {
   const MetafileKind kind = enhanced ? MetafileKind::kEnhanced : MetafileKind::kWindows;
-  return object_for_caller([&] { return draw_metafile(metafile, {width, height}, kind); });
+  return object_for_caller([&] { return metafile::draw_metafile(metafile, {width, height}, kind); });
 }
 
 HBITMAP VORELCALL LoadMetaFileIntoBitmap(LPCSTR path) {
-  return object_for_caller([&] { return load_metafile(path); });
+  return object_for_caller([&] { return metafile::load_metafile(path); });
 }
 
 BOOL VORELCALL SaveDIBIntoMetaFile(LPCSTR path, HGLOBAL dib) {
-  return saved([&] { save_dib_in_metafile(path, dib, MetafileKind::kWindows); });
+  return saved([&] { metafile::save_dib_in_metafile(path, dib, MetafileKind::kWindows); });
 }
 BOOL VORELCALL SaveDIBIntoEnhMetaFile(LPCSTR path, HGLOBAL dib) {
-  return saved([&] { save_dib_in_metafile(path, dib, MetafileKind::kEnhanced); });
+  return saved([&] { metafile::save_dib_in_metafile(path, dib, MetafileKind::kEnhanced); });
 }
 BOOL VORELCALL SaveBitmapIntoMetaFile(LPCSTR path, HBITMAP bitmap) {
-  return saved([&] { save_bitmap_in_metafile(path, bitmap, MetafileKind::kWindows); });
+  return saved([&] { metafile::save_bitmap_in_metafile(path, bitmap, MetafileKind::kWindows); });
 }
 BOOL VORELCALL SaveBitmapIntoEnhMetaFile(LPCSTR path, HBITMAP bitmap) {
-  return saved([&] { save_bitmap_in_metafile(path, bitmap, MetafileKind::kEnhanced); });
+  return saved([&] { metafile::save_bitmap_in_metafile(path, bitmap, MetafileKind::kEnhanced); });
 }
 
 HBITMAP VORELCALL PlaceMetaFileIntoBMPFromCLP(HWND owner) {
-  return object_for_caller([&] { return draw_clipboard_picture(owner); });
+  return object_for_caller([&] { return metafile::draw_clipboard_picture(owner); });
 }
 
 HGLOBAL VORELCALL PlaceMetaFileIntoDIBFromCLP(HWND owner) {
   return at_boundary(ThreadCode{}, [&]() -> Result<HGLOBAL> {
-    const auto bitmap = draw_clipboard_picture(owner);
+    const auto bitmap = metafile::draw_clipboard_picture(owner);
     if (!bitmap) return bitmap.error();
     return released(dib_in_screen_colors(bitmap->get()));
   });
 }
 
 HBITMAP VORELCALL LoadASCIIFile(LPCSTR path, BOOL ansi) {
-  return object_for_caller([&] { return load_text(path, ansi ? TextCodePage::kAnsi : TextCodePage::kOem); });
+  return object_for_caller([&] { return formats::load_text(path, ansi ? TextCodePage::kAnsi : TextCodePage::kOem); });
 }
 
 HBITMAP VORELCALL LoadASCIIIntoBitmap(HGLOBAL text) {
-  return object_for_caller([&] { return draw_text(text); });
+  return object_for_caller([&] { return formats::draw_text(text); });
 }
 
 HANDLE VORELCALL LoadClipboardFormat(LPCSTR path, WORD format) {
-  return at_boundary(ThreadCode{}, [&] { return load_clipboard_format(path, static_cast<ClipboardFormat>(format)); });
+  return at_boundary(ThreadCode{},
+                     [&] { return formats::load_clipboard_format(path, static_cast<formats::ClipboardFormat>(format)); });
 }
 
 BOOL VORELCALL SaveClipboardFormat(LPCSTR path, HBITMAP bitmap) {
-  return at_boundary(ThreadCode{}, [&] { return save_clipboard_file(path, bitmap); });
+  return at_boundary(ThreadCode{}, [&] { return formats::save_clipboard_file(path, bitmap); });
 }
 
 }  // extern "C"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace vorel {
+namespace vorel::formats {
 
 Result<uint16_t> read_clipboard_header(std::span<const uint8_t> start) {
   ClipboardFileHeader header{.id = 0};
@@ -22,8 +22,8 @@ Result<ClipboardEntry> find_entry(std::span<const uint8_t> directory, ClipboardF
   return Error::kClipboardFormat;
 }
 
-PictureLengths read_picture_header(std::span<const uint8_t, kPictureHeaderBytes> header) {
-  PictureLengths lengths;
+metafile::PictureLengths read_picture_header(std::span<const uint8_t, kPictureHeaderBytes> header) {
+  metafile::PictureLengths lengths;
   std::memcpy(&lengths, header.data(), sizeof lengths);
   return lengths;
 }
@@ -37,4 +37,4 @@ ClipboardDibStart clipboard_start_for_dib(uint32_t bytes) {
   return start;
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -8,7 +8,7 @@
 #include "frame/error.h"
 #include "metafile/units.h"
 
-namespace vorel {
+namespace vorel::formats {
 
 inline constexpr uint16_t kClipboardFileId = 50'000;
 
@@ -57,9 +57,9 @@ inline bool lies_within(const ClipboardEntry& entry, uint64_t file_bytes) {
 
 // What stands in front of the metafile in a metafile picture.
 inline constexpr size_t kPictureHeaderBytes = 16;
-PictureLengths read_picture_header(std::span<const uint8_t, kPictureHeaderBytes> header);
+metafile::PictureLengths read_picture_header(std::span<const uint8_t, kPictureHeaderBytes> header);
 
 // What stands in front of a DIB of so many bytes.
 ClipboardDibStart clipboard_start_for_dib(uint32_t bytes);
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -1,12 +1,15 @@
 #include "formats/clipboard_file.h"
 
+#include <algorithm>
+
 #include "dib/device_bitmap.h"
 #include "formats/device_text.h"
 #include "metafile/device_metafile.h"
+#include "metafile/records.h"
 #include "platform/file.h"
 #include "platform/memory.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 // Leaves the file behind the entry that it has found. What the file ends before is not read.
@@ -38,10 +41,14 @@ Result<OwnedBlock> read_entry(FileRef file, const ClipboardEntry& entry) {
 Result<OwnedBitmap> draw_metafile_picture(HGLOBAL picture) {
   const auto locked = LockedBlock::lock(picture);
   if (!locked || locked->bytes().size() < kPictureHeaderBytes) return Error::kFileIo;
-  const PictureLengths lengths = read_picture_header(locked->bytes().first<kPictureHeaderBytes>());
-  const auto metafile = OwnedMetafile::make(locked->bytes().subspan(kPictureHeaderBytes), MetafileKind::kWindows);
-  if (!metafile) return Error::kUnreported;
-  return draw_metafile(metafile->get(), pixels_in_file(lengths, screen_resolution()), metafile->kind());
+  const metafile::PictureLengths lengths = read_picture_header(locked->bytes().first<kPictureHeaderBytes>());
+  const auto bytes = locked->bytes().subspan(kPictureHeaderBytes);
+  const auto copy =
+      VOREL_TRY(or_error(ZeroedBuffer::allocate(ByteCount(bytes.size()) + metafile::kRoomBehindRecords), Error::kMemory));
+  std::ranges::copy(bytes, copy.bytes().begin());
+  const auto made =
+      VOREL_TRY(or_error(metafile::OwnedMetafile::make(copy.bytes(), metafile::MetafileKind::kWindows), Error::kUnreported));
+  return metafile::draw_metafile(made.get(), metafile::pixels_in_file(lengths, metafile::screen_resolution()), made.kind());
 }
 
 Result<OwnedBitmap> draw(HGLOBAL data, ClipboardFormat format) {
@@ -85,4 +92,4 @@ Result<bool> save_clipboard_file(const char* path, HBITMAP bitmap) {
   return true;
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

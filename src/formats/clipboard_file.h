@@ -5,11 +5,11 @@
 #include "frame/error.h"
 #include "platform/windows/gdi.h"
 
-namespace vorel {
+namespace vorel::formats {
 
 // A bitmap, or a memory block for ClipboardFormat::kBitmap. A metafile that is damaged is an unreported failure.
 Result<HANDLE> load_clipboard_format(const char* path, ClipboardFormat format);
 
 Result<bool> save_clipboard_file(const char* path, HBITMAP bitmap);
 
-}  // namespace vorel
+}  // namespace vorel::formats

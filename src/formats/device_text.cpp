@@ -7,7 +7,7 @@
 #include "platform/memory.h"
 #include "platform/user.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 constexpr uint32_t kZerosBehindText = 10;
@@ -98,4 +98,4 @@ Result<OwnedBitmap> load_text(const char* path, TextCodePage code_page) {
   return bitmap;
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

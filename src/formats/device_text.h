@@ -4,7 +4,7 @@
 #include "frame/error.h"
 #include "platform/windows/gdi.h"
 
-namespace vorel {
+namespace vorel::formats {
 
 enum class TextCodePage { kOem, kAnsi };
 
@@ -15,4 +15,4 @@ Result<OwnedBitmap> load_text(const char* path, TextCodePage code_page);
 // of that.
 Result<OwnedBitmap> draw_text(HGLOBAL text);
 
-}  // namespace vorel
+}  // namespace vorel::formats

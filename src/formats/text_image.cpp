@@ -1,6 +1,6 @@
 #include "formats/text_image.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 constexpr int kMostPixels = 32'767;
@@ -23,4 +23,4 @@ TextExtent measure_text(std::string_view text, FontSize font) {
   return {.length = text.size(), .is_cut = false, .x = x, .y = y};
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-namespace vorel {
+namespace vorel::formats {
 
 // What the measuring knows of a font, in pixels.
 struct FontSize {
@@ -20,4 +20,4 @@ struct TextExtent {
 // Only carriage returns end lines. A line that is too long goes on where it is; a backspace is eight characters wide.
 TextExtent measure_text(std::string_view text, FontSize font);
 
-}  // namespace vorel
+}  // namespace vorel::formats

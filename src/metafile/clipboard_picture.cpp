@@ -7,7 +7,7 @@
 #include "platform/memory.h"
 #include "platform/user.h"
 
-namespace vorel {
+namespace vorel::metafile {
 namespace {
 
 constexpr const char* kTitle = "ERROR";
@@ -55,10 +55,12 @@ Result<OwnedBitmap> draw_clipboard_picture(HWND owner) {
   }
   const auto picture = picture_on_clipboard();
   if (!picture) return Error::kMemory;
-  auto bitmap = draw_metafile(picture->hMF, size_in(owner, *picture), MetafileKind::kWindows);
+  // A metafile that cannot be played is drawn as nothing.
+  const auto metafile = OwnedMetafile::playable_copy(picture->hMF);
+  auto bitmap = draw_metafile(metafile ? metafile->get() : nullptr, size_in(owner, *picture), MetafileKind::kWindows);
   clipboard.reset();  // other programs need not wait for the message to be read
   if (!bitmap) show_error_message("Could not draw meta file into a bitmap", kTitle);
   return bitmap;
 }
 
-}  // namespace vorel
+}  // namespace vorel::metafile

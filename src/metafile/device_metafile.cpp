@@ -3,7 +3,7 @@
 #include "dib/device_bitmap.h"
 #include "metafile/records.h"
 
-namespace vorel {
+namespace vorel::metafile {
 namespace {
 
 OwnedBitmap largest_bitmap(Size size, HDC screen) {
@@ -33,11 +33,18 @@ std::optional<OwnedMetafile> OwnedMetafile::make(std::span<uint8_t> bytes, Metaf
   if (kind == MetafileKind::kWindows) {
     const auto playable = playable_windows_metafile(bytes);
     handle = SetMetaFileBitsEx(static_cast<UINT>(playable.size()), playable.data());
-  } else if (is_playable_enhanced_metafile(bytes)) {
-    handle = SetEnhMetaFileBits(static_cast<UINT>(bytes.size()), bytes.data());
+  } else if (const auto playable = playable_enhanced_metafile(bytes); !playable.empty()) {
+    handle = SetEnhMetaFileBits(static_cast<UINT>(playable.size()), playable.data());
   }
   if (handle == nullptr) return std::nullopt;
   return OwnedMetafile(handle, kind);
+}
+
+Result<OwnedMetafile> OwnedMetafile::playable_copy(HMETAFILE metafile) {
+  const UINT size = GetMetaFileBitsEx(metafile, 0, nullptr);
+  const auto block = VOREL_TRY(or_error(ZeroedBuffer::allocate(ByteCount(size) + kRoomBehindRecords), Error::kMemory));
+  GetMetaFileBitsEx(metafile, size, block.bytes().data());
+  return or_error(make(block.bytes(), MetafileKind::kWindows), Error::kCreateMetafile);
 }
 
 OwnedMetafile::~OwnedMetafile() {
@@ -61,10 +68,10 @@ Result<OwnedBitmap> draw_metafile(HANDLE metafile, Size size, MetafileKind kind)
   const MemoryDc memory(screen.get());
   if (!facts || !memory) return Error::kMemory;
   const HDC dc = memory.get();
+  // Without a saved state: a metafile that restores one more than it saved would get it.
   const Selection brush(dc, GetStockObject(WHITE_BRUSH));
   const Selection drawn_on(dc, bitmap.get());
   PatBlt(dc, 0, 0, facts->bmWidth, facts->bmHeight, PATCOPY);
-  const SavedDc saved(dc);  // what the metafile leaves selected goes before the bitmap does
   SetMapMode(dc, MM_ANISOTROPIC);
   SetWindowExtEx(dc, facts->bmWidth, facts->bmHeight, nullptr);
   SetViewportExtEx(dc, size.width, size.height, nullptr);
@@ -72,4 +79,4 @@ Result<OwnedBitmap> draw_metafile(HANDLE metafile, Size size, MetafileKind kind)
   return bitmap;
 }
 
-}  // namespace vorel
+}  // namespace vorel::metafile

@@ -9,15 +9,19 @@
 #include "metafile/header.h"
 #include "platform/windows/gdi.h"
 
-namespace vorel {
+namespace vorel::metafile {
 
 enum class MetafileKind { kWindows, kEnhanced };
 
 // A metafile of either kind, deleted with its scope.
 class OwnedMetafile {
  public:
-  // Makes one of the bytes that a file has of it, changing them. None for what the system does not take.
+  // Makes one of a file's bytes, of which it changes some. None where nothing can be played or the system takes none.
+  //   bytes    a Windows metafile, and kRoomBehindRecords bytes behind it; or an enhanced one
   static std::optional<OwnedMetafile> make(std::span<uint8_t> bytes, MetafileKind kind);
+
+  // The part of a Windows metafile that can be played. None for what is no metafile.
+  static Result<OwnedMetafile> playable_copy(HMETAFILE metafile);
 
   OwnedMetafile(OwnedMetafile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)), kind_(other.kind_) {}
   OwnedMetafile& operator=(OwnedMetafile&&) = delete;
@@ -40,4 +44,4 @@ Resolution screen_resolution();
 // shows the upper left part of the picture, which keeps its size.
 Result<OwnedBitmap> draw_metafile(HANDLE metafile, Size size, MetafileKind kind);
 
-}  // namespace vorel
+}  // namespace vorel::metafile

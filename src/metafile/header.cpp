@@ -6,7 +6,7 @@
 
 #include "core/saturate.h"
 
-namespace vorel {
+namespace vorel::metafile {
 namespace {
 
 constexpr int kMostUnitsPerInch = 1440;
@@ -17,7 +17,7 @@ constexpr int16_t saturated_word(int64_t value) {
       std::clamp<int64_t>(value, std::numeric_limits<int16_t>::min(), std::numeric_limits<int16_t>::max()));
 }
 
-// None of a header that the bytes end in.
+// Fails where the bytes end within the header.
 template <class Header>
 Result<Header> header_at(std::span<const uint8_t> start, size_t offset) {
   if (start.size() < offset + sizeof(Header)) return Error::kFileIo;
@@ -37,17 +37,15 @@ Extent extent_of(const PlaceableHeader& header) {
           .y_units = header.units_per_inch};
 }
 
-// Bounds, of which there are as many to an inch as bounds and frame together say. Nothing but the frame remains of that in the
-// end; empty bounds mean that it says nothing.
+// The size is the bounds', and bounds and frame together say how many of their units make an inch: the bounds cancel out and the
+// frame remains. Bounds without width or height say nothing; a metafile that draws nothing has bounds of -1.
 Extent extent_of(const EnhancedHeader& header) {
-  const auto length = [](int32_t from, int32_t to) { return int64_t{to} - from; };
-  const bool is_drawn_on =
-      length(header.bounds.left, header.bounds.right) > 0 && length(header.bounds.top, header.bounds.bottom) > 0;
-  return is_drawn_on ? Extent{.width = length(header.frame.left, header.frame.right),
-                              .height = length(header.frame.top, header.frame.bottom),
-                              .x_units = kHundredthsOfMillimetrePerInch,
-                              .y_units = kHundredthsOfMillimetrePerInch}
-                     : Extent{};
+  const Edges &bounds = header.bounds, &frame = header.frame;
+  if (bounds.left == bounds.right || bounds.top == bounds.bottom) return {};
+  return {.width = int64_t{frame.right} - frame.left,
+          .height = int64_t{frame.bottom} - frame.top,
+          .x_units = kHundredthsOfMillimetrePerInch,
+          .y_units = kHundredthsOfMillimetrePerInch};
 }
 
 }  // namespace
@@ -78,23 +76,17 @@ Edges enhanced_frame_for(Size pixels) {
 
 Result<MetafileStart> read_metafile_start(std::span<const uint8_t> start) {
   MetafileStart found;
-  const auto key = header_at<uint32_t>(start, 0);
-  if (!key) return key.error();
-  if (*key == kPlaceableKey) {
-    const auto placeable = header_at<PlaceableHeader>(start, 0);
-    if (!placeable) return placeable.error();
+  if (VOREL_TRY(header_at<uint32_t>(start, 0)) == kPlaceableKey) {
+    found.extent = extent_of(VOREL_TRY(header_at<PlaceableHeader>(start, 0)));
     found.offset = kPlaceableBytes;
-    found.extent = extent_of(*placeable);
   }
-  const auto windows = header_at<WindowsMetafileHeader>(start, found.offset);
-  if (!windows) return windows.error();
-  found.bytes = uint64_t{windows->words} * 2;
-  found.is_enhanced = size_t{windows->header_words} * 2 != kWindowsHeaderBytes;
+  const auto windows = VOREL_TRY(header_at<WindowsMetafileHeader>(start, found.offset));
+  found.bytes = uint64_t{windows.words} * 2;
+  found.is_enhanced = size_t{windows.header_words} * 2 != kWindowsHeaderBytes;
   if (!found.is_enhanced) return found;
-  const auto enhanced = header_at<EnhancedHeader>(start, found.offset);
-  if (!enhanced) return enhanced.error();
-  found.bytes = enhanced->bytes;
-  found.extent = extent_of(*enhanced);
+  const auto enhanced = VOREL_TRY(header_at<EnhancedHeader>(start, found.offset));
+  found.bytes = enhanced.bytes;
+  found.extent = extent_of(enhanced);
   return found;
 }
 
@@ -108,4 +100,4 @@ Size pixels_of(const Extent& extent, Resolution screen) {
   return pixels.width > 0 && pixels.height > 0 ? pixels : five_inches(screen);
 }
 
-}  // namespace vorel
+}  // namespace vorel::metafile

@@ -10,7 +10,7 @@
 #include "frame/error.h"
 #include "platform/memory.h"
 
-namespace vorel {
+namespace vorel::metafile {
 
 // Dots per inch.
 struct Resolution {
@@ -102,4 +102,4 @@ Result<MetafileStart> read_metafile_start(std::span<const uint8_t> start);
 Size pixels_of(const Extent& extent, Resolution screen);
 Size five_inches(Resolution screen);
 
-}  // namespace vorel
+}  // namespace vorel::metafile

@@ -5,10 +5,11 @@
 #include "dib/device_bitmap.h"
 #include "dib/device_palette.h"
 #include "frame/thread_context.h"
+#include "metafile/records.h"
 #include "platform/file.h"
 #include "platform/user.h"
 
-namespace vorel {
+namespace vorel::metafile {
 namespace {
 
 // ---- Loading ----
@@ -20,18 +21,16 @@ Result<MetafileStart> start_of(FileRef file) {
   return read_metafile_start(std::span(bytes).first(static_cast<size_t>(count)));
 }
 
-// A Windows metafile may end early, an enhanced one is whole or none.
+// A Windows metafile may end early; an enhanced one is whole or damaged.
 Result<OwnedMetafile> metafile_in(FileRef file, const MetafileStart& start) {
-  const auto block = ZeroedBuffer::allocate(start.block_bytes());
-  if (!block) return Error::kMemory;
+  const size_t room = start.is_enhanced ? 0 : kRoomBehindRecords;
+  const auto block = VOREL_TRY(or_error(ZeroedBuffer::allocate(start.block_bytes() + room), Error::kMemory));
   file.seek(static_cast<int64_t>(start.offset), SeekFrom::kStart);
-  const int64_t count = file.read(block->bytes().data(), static_cast<size_t>(start.bytes));
+  const int64_t count = file.read(block.bytes().data(), static_cast<size_t>(start.bytes));
   if (count <= 0) return Error::kFileIo;
-  const auto bytes = block->bytes().first(static_cast<size_t>(count));
-  if (start.is_enhanced && bytes.size() != start.bytes) return Error::kCreateMetafile;
-  auto metafile = OwnedMetafile::make(bytes, start.is_enhanced ? MetafileKind::kEnhanced : MetafileKind::kWindows);
-  if (!metafile) return Error::kCreateMetafile;
-  return std::move(*metafile);
+  if (start.is_enhanced && static_cast<uint64_t>(count) != start.bytes) return Error::kCreateMetafile;
+  const auto kind = start.is_enhanced ? MetafileKind::kEnhanced : MetafileKind::kWindows;
+  return or_error(OwnedMetafile::make(block.bytes().first(static_cast<size_t>(count) + room), kind), Error::kCreateMetafile);
 }
 
 // ---- Saving ----
@@ -110,11 +109,9 @@ Result<OwnedBitmap> load_metafile(const char* path) {
   const WaitCursor cursor;
   const auto file = OwnedFile::open_as_named(path);
   if (!file) return Error::kUnreported;
-  const auto start = start_of(*file);
-  if (!start) return start.error();
-  const auto metafile = metafile_in(*file, *start);
-  if (!metafile) return metafile.error();
-  return draw_metafile(metafile->get(), pixels_of(start->extent, screen_resolution()), metafile->kind());
+  const MetafileStart start = VOREL_TRY(start_of(*file));
+  const OwnedMetafile metafile = VOREL_TRY(metafile_in(*file, start));
+  return draw_metafile(metafile.get(), pixels_of(start.extent, screen_resolution()), metafile.kind());
 }
 
 void save_dib_in_metafile(const char* path, HGLOBAL dib, MetafileKind kind) {
@@ -129,4 +126,4 @@ void save_bitmap_in_metafile(const char* path, HBITMAP bitmap, MetafileKind kind
   save(path, block.get(), kind, nullptr);
 }
 
-}  // namespace vorel
+}  // namespace vorel::metafile

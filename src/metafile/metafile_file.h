@@ -4,7 +4,7 @@
 #include "metafile/device_metafile.h"
 #include "platform/memory.h"
 
-namespace vorel {
+namespace vorel::metafile {
 
 // A file that cannot be opened is an unreported failure.
 Result<OwnedBitmap> load_metafile(const char* path);
@@ -14,4 +14,4 @@ Result<OwnedBitmap> load_metafile(const char* path);
 void save_dib_in_metafile(const char* path, HGLOBAL dib, MetafileKind kind);
 void save_bitmap_in_metafile(const char* path, HBITMAP bitmap, MetafileKind kind);
 
-}  // namespace vorel
+}  // namespace vorel::metafile

@@ -1,16 +1,24 @@
-// The records that metafiles consist of, looked at before they are played: not every system checks what they say of themselves.
+// The records of metafiles, checked before they are played: a player that believes a count or an offset reads outside the record
+// and may end the process.
 #pragma once
 
 #include <cstdint>
 #include <span>
 
-namespace vorel {
+namespace vorel::metafile {
 
-// The bytes of a Windows metafile up to the last of the records that are whole and name objects that it can have, for a metafile
-// in memory of this length: the header is changed to say so. Empty for what is no header.
-std::span<uint8_t> playable_windows_metafile(std::span<uint8_t> metafile);
+// Bytes behind a Windows metafile that the check may use: it puts an end record there, and zeros, since players read a short font
+// name to its full length.
+inline constexpr size_t kRoomBehindRecords = 64;
 
-// Whether all records of an enhanced metafile, up to one that says it is the last, are whole and name objects that it can have.
-bool is_playable_enhanced_metafile(std::span<const uint8_t> metafile);
+// The part of a Windows metafile that can be played: its records up to the first one that is not whole, disagrees with its own
+// size or names an object that the metafile cannot have. The header is changed to say so, and escapes to comments: a bitmap
+// takes none, and some of them write through pointers.
+//   block    the metafile, and behind it kRoomBehindRecords bytes
+//   Empty where there is no header.
+std::span<uint8_t> playable_windows_metafile(std::span<uint8_t> block);
 
-}  // namespace vorel
+// An enhanced metafile up to its end record, which is its last. Empty if any record is like that.
+std::span<uint8_t> playable_enhanced_metafile(std::span<uint8_t> metafile);
+
+}  // namespace vorel::metafile

@@ -2,7 +2,7 @@
 
 #include "core/saturate.h"
 
-namespace vorel {
+namespace vorel::metafile {
 namespace {
 
 // Numbers that callers' pictures are as large by: the twips of files are no twentieths of a point, and an inch on the clipboard
@@ -64,4 +64,4 @@ Size pixels_on_clipboard(const PictureLengths& picture, int dots_per_inch, Size 
   return {width > 0 ? width : otherwise.width, height > 0 ? height : otherwise.height};
 }
 
-}  // namespace vorel
+}  // namespace vorel::metafile

@@ -4,7 +4,7 @@
 
 #include "metafile/header.h"
 
-namespace vorel {
+namespace vorel::metafile {
 
 // The mapping modes, by the system's numbers.
 enum class MappingMode : int32_t {
@@ -31,4 +31,4 @@ Size pixels_in_file(const PictureLengths& picture, Resolution screen);
 // ones, are taken from `otherwise`, each by itself.
 Size pixels_on_clipboard(const PictureLengths& picture, int dots_per_inch, Size otherwise);
 
-}  // namespace vorel
+}  // namespace vorel::metafile

@@ -116,9 +116,8 @@ int start_document(PrintJob& job) {
   DOCINFOA document = {};
   document.cbSize = sizeof document;
   document.lpszDocName = job.document;
-  const int started = StartDocA(job.dc, &document);
-  job.document_is_open = started > 0;
-  return started < 0 ? kNoDocument : 0;
+  job.document_is_open = StartDocA(job.dc, &document) >= 0;
+  return job.document_is_open ? 0 : kNoDocument;
 }
 
 void measure_page(PrintJob& job) {
@@ -200,12 +199,8 @@ int print_copies(const Page& page) {
   return result;
 }
 
-// Where the device has really dropped the document, there is none to end.
-int abort_document(PrintJob& job) {
-  const int answer = Escape(job.dc, ABORTDOC, 0, nullptr, nullptr);
-  if (answer > 0) job.page_is_open = job.document_is_open = false;
-  return std::min(answer, 0);
-}
+// The document stays to be ended: that fails then, which is how callers learn of it.
+int abort_document(PrintJob& job) { return std::min(Escape(job.dc, ABORTDOC, 0, nullptr, nullptr), 0); }
 
 void tell_page(const PrintJob& job, int index) {
   if (job.options.showPageProgress == 0 || job.cancel_dialog == nullptr) return;

@@ -46,8 +46,9 @@ std::string selected_entry(HWND dialog) {
 // The names of the printers, each ended by a zero, the last by two.
 std::string printer_names(HWND dialog) {
   std::string names(kNamesBytes, '\0');
+  // Systems differ in whether they count a zero behind what they cut off.
   const DWORD length = GetProfileStringA("devices", nullptr, "", names.data(), kNamesBytes);
-  if (length == kNamesBytes - 2) complain(dialog, "Too many printers installed.\tList truncated.");
+  if (length >= kNamesBytes - 2) complain(dialog, "Too many printers installed.\tList truncated.");
   return names;
 }
 

@@ -7,6 +7,7 @@
 #include "support/dib.h"
 
 using namespace vorel;
+using namespace vorel::formats;
 using test::Bytes;
 using test::joined;
 

@@ -12,6 +12,7 @@
 #include "support/dib.h"
 
 using namespace vorel;
+using namespace vorel::metafile;
 using test::Bytes;
 using test::joined;
 
@@ -123,6 +124,7 @@ std::vector<File> files() {
        {96, 120}},
       {"enhanced, empty frame", enhanced({0, 0, 9, 9}, {5, 5, 5, 5}), 0, true, 120, 120, five_inches},
       {"enhanced, empty bounds", enhanced({9, 0, 9, 9}, {0, 0, 2540, 2540}), 0, true, 120, 120, five_inches},
+      {"enhanced, nothing drawn", enhanced({0, 0, -1, -1}, {0, 0, 2540, 5080}), 0, true, 120, 120, {96, 240}},
       {"enhanced, as far as can be",
        enhanced({kLeast, kLeast, kMost, kMost}, {kLeast, kLeast, kMost, kMost}),
        0,
@@ -231,14 +233,18 @@ Bytes metafile_of_three_records() {
   return bytes;
 }
 
+// Bytes of the records that are played, with the header.
 size_t playable_bytes(Bytes metafile) {
+  metafile.resize(metafile.size() + kRoomBehindRecords);
   const auto playable = playable_windows_metafile(metafile);
   if (playable.empty()) return 0;
-  uint32_t words;
+  uint32_t words, end;
   std::memcpy(&words, playable.data() + 6, sizeof words);
+  std::memcpy(&end, playable.data() + playable.size() - kRoomBehindRecords, sizeof end);
   EXPECT_EQ(words * 2, playable.size());
+  EXPECT_EQ(end, 3u) << "an end record";
   EXPECT_EQ(playable[0], 1) << "in memory, whatever the file was";
-  return playable.size();
+  return playable.size() - kRoomBehindRecords;
 }
 
 TEST(Records, EndWithTheLastWholeOne) {
@@ -255,6 +261,135 @@ TEST(Records, EndWithTheLastWholeOne) {
     std::memcpy(&changed[26], &length, 4);
     EXPECT_EQ(playable_bytes(changed), end) << length;
   }
+}
+
+// A record is its function and parameters; the last parameter that is right makes it whole.
+TEST(Records, OfWindowsMetafilesAgreeWithTheirSize) {
+  const struct {
+    const char* name;
+    std::vector<uint16_t> words;
+    size_t changed;  // the word to be changed
+    uint16_t to;     // the least number that is a lie
+  } rows[] = {
+      {"points", {0x325, 2, 1, 1, 9, 9}, 1, 3},
+      {"polygons", {0x538, 2, 1, 2, 1, 1, 2, 2, 3, 3}, 3, 3},
+      {"number of polygons", {0x538, 1, 1, 2, 2}, 1, 2},
+      {"text", {0x521, 3, 'a', 'b', 5, 5}, 1, 5},
+      {"text in a rectangle", {0xA32, 1, 1, 2, 4, 0, 0, 9, 9, 'a'}, 3, 3},
+      {"glyphs", {0xA32, 1, 1, 2, 0x10, 'a', 'b'}, 3, 3},
+      {"two distances a character", {0xA32, 1, 1, 2, 0x2000, 'a', 5, 5, 5, 5}, 3, 3},
+      {"escape", {0x626, 15, 4, 1, 1}, 2, 5},
+      {"palette", {0xF7, 0x300, 1, 1, 1}, 2, 2},
+      {"brush", {0x2FC, 2, 0, 0, 1}, 1, 3},
+      {"region's scans", {0x6FF, 0, 6, 0, 0, 1, 1, 0, 0, 9, 9, 9, 2, 0, 9, 0, 9, 2}, 6, 2},
+      {"region's ends", {0x6FF, 0, 6, 0, 0, 1, 1, 0, 0, 9, 9, 9, 2, 0, 9, 0, 9, 2}, 12, 4},
+      {"object", {0x12D, 0}, 1, 1},
+      {"region and brush", {0x228, 0, 0}, 2, 1},
+      {"frame", {0x429, 0, 0, 1, 1}, 1, 1},
+      {"inverted region", {0x12A, 0}, 1, 1},
+      {"painted region", {0x12B, 0}, 1, 1},
+      {"rows", {0x142, 5, 0, 12, 0, 1, 2, 1, 24, 1, 2, 3, 4}, 6, 3},
+      {"width", {0x142, 5, 0, 12, 0, 1, 1, 1, 24, 1, 2}, 5, 2},
+      {"depth", {0x142, 5, 0, 12, 0, 1, 1, 1, 24, 1, 2}, 8, 23},
+      {"rows in the record", {0xD33, 0, 1, 0, 0, 0, 9, 9, 0, 0, 12, 0, 1, 9, 1, 24, 1, 2}, 2, 2},
+      {"bitmap", {0x922, 0, 0, 0, 0, 2, 1, 0, 0, 0, 16, 2, 2, 0x101, 1, 1}, 11, 3},
+  };
+  for (const auto& row : rows) {
+    const auto playable = [&](const std::vector<uint16_t>& words) {
+      Bytes file = bytes_of(windows_header(0));
+      file[10] = 1;  // object
+      const auto length = static_cast<uint32_t>(2 + words.size());
+      file = joined(file, bytes_of(length));
+      for (const uint16_t word : words) file = joined(file, bytes_of(word));
+      return playable_bytes(file) - kWindowsHeaderBytes;
+    };
+    const size_t whole = 4 + 2 * row.words.size();
+    EXPECT_EQ(playable(row.words), whole) << row.name;
+    std::vector<uint16_t> changed = row.words;
+    changed[row.changed] = row.to;
+    EXPECT_EQ(playable(changed), 0u) << row.name;
+    changed[row.changed] = row.words[0] == 0x6FF && row.changed == 12 ? 1 : 0xFFFF;
+    EXPECT_EQ(playable(changed), 0u) << row.name;
+    EXPECT_EQ(playable({row.words.begin(), row.words.begin() + 2}) == 0, row.words.size() > 2) << row.name << ", cut";
+  }
+}
+
+// A record is its type and parameters, as numbers of 32 bits.
+TEST(Records, OfEnhancedMetafilesAgreeWithTheirSize) {
+  using Numbers = std::vector<uint32_t>;
+  const auto after = [](Numbers numbers, size_t zeros, const Numbers& more) {
+    numbers.resize(numbers.size() + zeros);
+    numbers.insert(numbers.end(), more.begin(), more.end());
+    return numbers;
+  };
+  const Numbers region = {32, 1, 1, 16, 0, 0, 9, 9, 0, 0, 9, 9};
+  const Numbers core_dib = {12, 0x20001, 0x180001, 0, 0};  // 1 x 2 pixels of 24 bits
+  const struct {
+    const char* name;
+    Numbers numbers;
+    size_t changed;
+    uint32_t to;  // the least number that is a lie
+  } rows[] = {
+      {"points", after({4}, 4, {2, 1, 1, 2, 2}), 5, 3},
+      {"short points", after({87}, 4, {2, 1, 2}), 5, 3},
+      {"typed points", after({92}, 4, {2, 1, 2, 0x0206}), 5, 3},
+      {"lists", after({91}, 4, {1, 2, 2, 1, 2}), 5, 4},
+      {"lists' points", after({91}, 4, {1, 2, 2, 1, 2}), 7, 3},
+      {"brush", {39, 1, 2, 0, 0}, 2, 3},
+      {"object", {37, 1}, 1, 2},
+      {"stock object", {37, 0x80000013}, 1, 0x80000014},
+      {"deleted object", {40, 1}, 1, 0x80000001},
+      {"the metafile's own number", {40, 1}, 1, 0},
+      {"pen's dashes", after({95, 1}, 9, {1, 5}), 11, 2},
+      {"pen's style", after({95, 1}, 10, {}), 8, 3},
+      {"palette", {49, 1, 0x10300, 7}, 2, 0x20300},
+      {"region's bytes", after(after({73}, 4, {48}), 0, region), 5, 49},
+      {"region's rectangles", after(after({73}, 4, {48}), 0, region), 8, 2},
+      {"region's brush", after(after({71}, 4, {48, 1}), 0, region), 6, 2},
+      {"frame's brush", after(after({72}, 4, {48, 1, 1, 1}), 0, region), 6, 2},
+      {"clip region", after({75, 48, 5}, 0, region), 1, 20},
+      {"gradient", after({118}, 4, after({2, 1, 0}, 8, {0, 1})), 16, 2},
+      {"characters", after({84}, 9, after({2, 76, 0}, 5, {0x620061})), 10, 3},
+      {"where characters are", after({84}, 9, after({2, 76, 0}, 5, {0x620061})), 11, 77},
+      {"where distances are", after({84}, 9, after({1, 76, 0}, 4, {80, 'a', 5})), 17, 81},
+      {"texts", after({96}, 7, after({1, 0, 0, 1, 80, 0}, 5, {'a'})), 8, 2},
+      {"small text", {108, 0, 0, 4, 0x300, 0, 0, 0, 0x61616161}, 3, 5},
+      {"comment", {70, 4, 0}, 1, 5},
+      {"picture", after({93, 1, 0, 32, 12, 44, 8}, 0, core_dib), 3, 33},
+      {"picture's rows", after({93, 1, 0, 32, 12, 44, 8}, 0, core_dib), 6, 7},
+      {"where rows are", after({93, 1, 0, 32, 12, 44, 8}, 0, core_dib), 5, 45},
+  };
+  for (const auto& row : rows) {
+    const auto is_playable = [&](const Numbers& numbers) {
+      EnhancedHeader header = enhanced_header({}, {});
+      header.objects = 2;
+      Bytes file =
+          joined(bytes_of(header), joined(bytes_of(numbers[0]), bytes_of(static_cast<uint32_t>(4 + 4 * numbers.size()))));
+      for (size_t i = 1; i < numbers.size(); ++i) file = joined(file, bytes_of(numbers[i]));
+      return playable_enhanced_metafile(file).size() == file.size() && !file.empty();
+    };
+    EXPECT_TRUE(is_playable(row.numbers)) << row.name;
+    Numbers changed = row.numbers;
+    changed[row.changed] = row.to;
+    EXPECT_FALSE(is_playable(changed)) << row.name;
+    changed[row.changed] = 0xFFFFFFFF;
+    EXPECT_FALSE(is_playable(changed)) << row.name;
+    EXPECT_FALSE(is_playable({row.numbers[0]})) << row.name << ", cut";
+  }
+}
+
+TEST(Records, OfEnhancedMetafilesEndWithTheirEndRecord) {
+  EnhancedHeader header = enhanced_header({}, {});
+  const Bytes end = joined(bytes_of(14u), joined(bytes_of(20u), Bytes(12)));
+  Bytes file = joined(joined(bytes_of(header), end), Bytes(8, 0xFF));
+  const auto playable = playable_enhanced_metafile(file);
+  EXPECT_EQ(playable.size(), 120u);
+  uint32_t bytes;
+  std::memcpy(&bytes, &file[48], sizeof bytes);
+  EXPECT_EQ(bytes, 120u) << "some players go on behind it";
+  header.objects = 0;
+  file = joined(bytes_of(header), end);
+  EXPECT_TRUE(playable_enhanced_metafile(file).empty());
 }
 
 }  // namespace

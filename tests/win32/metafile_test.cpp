@@ -1,11 +1,13 @@
 // Metafiles drawn, loaded and saved, and the picture on the clipboard.
 #include <gtest/gtest.h>
 #include <random>
+#include <set>
 #include <thread>
 
 #include <vorel32.h>
 
 #include "win32/support/device_formats.h"
+#include "win32/support/every_record.h"
 #include "win32/support/imports.h"
 #include "win32/support/message_box.h"
 
@@ -190,6 +192,25 @@ TEST_F(Metafile, WhatIsNoneIsDrawnAsNothing) {
   }
 }
 
+// A state that nobody saved is not there to be restored.
+TEST_F(Metafile, RestoringMoreThanWasSavedChangesNothing) {
+  HDC dc = CreateMetaFileA(nullptr);
+  RestoreDC(dc, -1);
+  SetWindowExtEx(dc, 100, 100, nullptr);
+  HBRUSH red = CreateSolidBrush(RGB(255, 0, 0));
+  SelectObject(dc, red);
+  PatBlt(dc, 0, 0, 50, 100, PATCOPY);
+  HMETAFILE metafile = CloseMetaFile(dc);
+  DeleteObject(red);
+  const Holdings before;
+  {
+    const Object<HBITMAP> bitmap(DrawMetaFileIntoBitmap(metafile, 300, 300, FALSE));
+    EXPECT_EQ(quarters_of(dib_bytes(bitmap.get())), "FF0000 FFFFFF FF0000 FFFFFF");
+  }
+  before.expect_no_more();
+  DeleteMetaFile(metafile);
+}
+
 // ---- The clipboard ----
 
 class ClipboardPicture : public Metafile {
@@ -284,6 +305,93 @@ TEST_F(ClipboardPicture, SaysWhatIsWrong) {
 }
 
 // ---- Hostile files ----
+
+// Says which file the process ends at.
+class Watch {
+ public:
+  Watch() : handler_(AddVectoredExceptionHandler(1, tell)) {}
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
+  ~Watch() { RemoveVectoredExceptionHandler(handler_); }
+
+  inline static std::string file;
+
+ private:
+  static LONG CALLBACK tell(EXCEPTION_POINTERS* about) {
+    if (about->ExceptionRecord->ExceptionCode != STATUS_ACCESS_VIOLATION) return EXCEPTION_CONTINUE_SEARCH;
+    std::printf("ended by %s\n", file.c_str());
+    std::fflush(stdout);
+    TerminateProcess(GetCurrentProcess(), 1);
+    return EXCEPTION_CONTINUE_SEARCH;
+  }
+
+  PVOID handler_;
+};
+
+// Files of one record each: one whose numbers are changed one by one, and each kind of record with what another one holds.
+class LyingRecords : public Metafile {
+ protected:
+  template <class Number>
+  void load_all(const Taken& taken, size_t kind_at, size_t first_number, const std::set<Number>& kinds,
+                void (*set_size)(Bytes& file)) const {
+    const Watch watch;
+    const auto load = [&](const Bytes& record, const std::string& name) {
+      Bytes file = taken.file_with(record);
+      set_size(file);
+      Watch::file = name;
+      loaded(file);
+    };
+    std::set<Number> seen;
+    std::set<size_t> sizes;
+    for (const Bytes& record : taken.records) {
+      const auto kind = number_at<Number>(record, kind_at);
+      const std::string name = std::to_string(kind);
+      if (seen.insert(kind).second) {
+        for (size_t at = first_number; at + sizeof(Number) <= std::min<size_t>(record.size(), 130); at += sizeof(Number)) {
+          Bytes changed = record;
+          set_number(changed, at, static_cast<Number>(-1));
+          load(changed, name + " at " + std::to_string(at));
+        }
+      }
+      if (!sizes.insert(record.size() / 100).second) continue;
+      for (const Number other : kinds) {
+        Bytes changed = record;
+        set_number(changed, kind_at, other);
+        load(changed, name + " as " + std::to_string(other));
+      }
+    }
+  }
+};
+
+TEST_F(LyingRecords, OfEnhancedMetafilesDoNotEndTheProcess) {
+  std::set<uint32_t> kinds;
+  for (uint32_t kind = 2; kind <= 123; ++kind) kinds.insert(kind);
+  load_all<uint32_t>(every_enhanced_record(), 0, 8, kinds, [](Bytes& file) {
+    set_number(file, 48, static_cast<uint32_t>(file.size()));
+    set_number(file, 16, 20);  // small bounds and a small frame
+    set_number(file, 20, 20);
+    set_number(file, 32, 500);
+    set_number(file, 36, 500);
+  });
+}
+
+TEST_F(LyingRecords, OfWindowsMetafilesDoNotEndTheProcess) {
+  const Taken taken = every_windows_record();
+  std::set<uint16_t> kinds = {0x35, 0x37, 0x139, 0x1F9, 0x419, 0x436, 0x521, 0x922, 0xB23, 0xD33};
+  for (const Bytes& record : taken.records) kinds.insert(number_at<uint16_t>(record, 4));
+  load_all<uint16_t>(taken, 4, 6, kinds, [](Bytes& file) {
+    set_number(file, 6, static_cast<uint32_t>(file.size() / 2));
+    const Bytes placed = placeable(20, 20, 96, file);
+    file = placed;
+  });
+  for (uint16_t escape = 0; escape < 60; ++escape) {
+    Bytes record = {7, 0, 0, 0, 0x26, 6, 0, 0, 4, 0, 0, 0, 0, 0};
+    set_number(record, 6, escape);
+    Bytes file = taken.file_with(record);
+    set_number(file, 6, static_cast<uint32_t>(file.size() / 2));
+    EXPECT_TRUE(loaded(file)) << escape;
+  }
+}
 
 TEST_F(Metafile, HostileFilesLeaveNothing) {
   SaveDIBIntoMetaFile(at("a.wmf").c_str(), block_of(quarters(16, 8, 4)).get());

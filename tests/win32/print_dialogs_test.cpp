@@ -279,6 +279,7 @@ HWND WINAPI no_window(HINSTANCE, LPCSTR, HWND, DLGPROC, LPARAM) { return nullptr
 INT_PTR WINAPI no_dialog(HINSTANCE, LPCSTR, HWND, DLGPROC, LPARAM) { return -1; }
 int WINAPI no_abort_procedure(HDC, ABORTPROC) { return -7; }
 int WINAPI no_document(HDC, const DOCINFOA*) { return -4; }
+int WINAPI document_unsaid(HDC, const DOCINFOA*) { return 0; }
 int WINAPI no_page(HDC) { return 0; }
 int WINAPI no_end(HDC) { return -1; }
 int WINAPI no_band(HDC, int escape, int, LPCSTR, LPVOID) { return escape == NEXTBAND ? -6 : 0; }
@@ -300,6 +301,7 @@ TEST_F(Printing, EveryFailureHasItsCodeAndLeavesNothing) {
       {fails("CreateDialogParamA", no_window), -5, 0, 0},
       {fails("SetAbortProc", no_abort_procedure), -7, 0, 0},
       {fails("StartDocA", no_document), -1, 0, 0},
+      {fails("StartDocA", document_unsaid), 0, 0, -1},
       {fails("StartPage", no_page), 0, 0, 0},
       {fails("EndDoc", no_end), 0, 0, -1},
       {fails("CreatePalette", no_palette), 0, 0, 0},
@@ -335,6 +337,15 @@ TEST_F(Printing, EveryFailureHasItsCodeAndLeavesNothing) {
   }
   const Replacement failing("DialogBoxParamA", no_dialog);
   EXPECT_EQ(prepare(nullptr, nullptr), IMG_E_PRINTER_DC);
+}
+
+int WINAPI aborted_escape(HDC, int escape, int, LPCSTR, LPVOID) { return escape == ABORTDOC ? 1 : 0; }
+
+// A page that does not start cancels the job.
+TEST_F(Printing, ACancelledJobFailsWhereTheDeviceHasDroppedTheDocument) {
+  const Replacement starting("StartPage", no_page), escaping("Escape", aborted_escape), ending("EndDoc", no_end);
+  ImgPrintOptions options = silent_options();
+  EXPECT_EQ(PrintDIB(owner_, printer_dc(300), dib_.get(), "Doc", nullptr, &options, 0), -1);
 }
 
 TEST_F(Printing, WhatIsNoDibIsNotPrinted) {

@@ -25,6 +25,7 @@ constexpr int kList = 122, kSetup = 115;
 
 std::map<std::string, std::string> devices, windows;
 std::string written;
+DWORD counted_zeros = 0;  // in the length of names that are cut off; systems differ
 
 DWORD copied(const std::string& text, LPSTR out, DWORD size) {
   const auto count = std::min<size_t>(text.size(), size - 1);
@@ -45,7 +46,7 @@ DWORD WINAPI profile_text(LPCSTR section, LPCSTR key, LPCSTR, LPSTR out, DWORD s
   std::fill_n(out, size, '\0');
   const auto count = std::min<size_t>(names.size(), size - 2);
   std::copy_n(names.begin(), count, out);
-  return static_cast<DWORD>(count);
+  return static_cast<DWORD>(count) + (count < names.size() ? counted_zeros : 0);
 }
 
 BOOL WINAPI profile_write(LPCSTR section, LPCSTR key, LPCSTR value) {
@@ -116,15 +117,18 @@ TEST_F(PrinterSetupDialog, ListsPortsAndWritesTheDefault) {
 
 TEST_F(PrinterSetupDialog, TellsOfTooManyPrintersAndOfNone) {
   for (int i = 100; i < 200; ++i) devices["Printer " + std::to_string(i)] = "D,P";
-  size_t listed = 0;
-  run([&](HWND dialog) {
-    listed = entries(dialog).size();
-    press(dialog, IDCANCEL);
-  });
-  EXPECT_EQ(listed, 2u + 89 + 1) << "1088 bytes hold two names and 89 of 12 bytes; what is left of the 90th is no printer";
+  for (counted_zeros = 0; counted_zeros < 2; ++counted_zeros) {
+    size_t listed = 0;
+    run([&](HWND dialog) {
+      listed = entries(dialog).size();
+      press(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(listed, 2u + 89 + 1) << "1088 bytes hold two names and 89 of 12 bytes; the 90th is cut and no printer";
+  }
   devices.clear();
   EXPECT_EQ(run(), 0);
-  EXPECT_THAT(boxes_.seen(), ElementsAre(": Too many printers installed.\tList truncated.", ": No printers installed."));
+  const std::string too_many = ": Too many printers installed.\tList truncated.";
+  EXPECT_THAT(boxes_.seen(), ElementsAre(too_many, too_many, ": No printers installed."));
 }
 
 LPVOID WINAPI no_alloc(UINT, SIZE_T) { return nullptr; }
