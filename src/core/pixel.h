@@ -51,6 +51,9 @@ struct Pixel {
 // The depths at which pixels stand for more than two colours and are worked on as colours: mixed, or reduced to fewer.
 inline bool is_color_depth(int depth) { return depth == 4 || depth == 8 || depth == 24; }
 
+// The depths that with_depth knows.
+inline bool is_pixel_depth(int depth) { return depth == 1 || is_color_depth(depth); }
+
 // Calls op with the depth as a constant and returns true; false, and no call, for a depth that pixels are not copied at.
 template <class Op>
 bool with_depth(int depth, Op&& op) {

@@ -45,6 +45,7 @@ class BasicView {
 
   // The same memory, fewer rows or another width.
   BasicView first_rows(int height) const { return {first_row_, stride_, width_, height, depth_}; }
+  BasicView without_first_row() const { return {first_row_ + stride_, stride_, width_, height_ - 1, depth_}; }
   BasicView with_width(int width) const { return {first_row_, stride_, width, height_, depth_}; }
   // The first `count` bytes of each row, whatever pixels they hold.
   BasicView byte_rows(int count) const { return {first_row_, stride_, count, height_, 8}; }

@@ -7,8 +7,8 @@
 //   kernel(opened.pixels(), result.pixels());
 //   return OwnedDib(std::move(result));
 //
-// A kernel that writes every pixel of the result can do without zeros: make the result with OwnedDib::allocate_unset and call
-// clear_padding(), which clears what such a kernel leaves out: the bytes behind the pixels of each row and behind the rows.
+// A kernel that writes every pixel of the result can do without zeros: make the result with OwnedDib::allocate_unset (at depths that
+// the kernel writes) and call clear_padding(), which clears the bytes behind the pixels of each row and behind the rows.
 #pragma once
 
 #include <algorithm>

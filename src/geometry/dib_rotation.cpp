@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "core/pixel.h"
 #include "dib/open_dib.h"
 
 namespace vorel::geometry {
@@ -60,8 +61,11 @@ Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, kernels::Steppi
   if (!rotation.is_countable()) return Error::kTurnMemory;
 
   const OpenDib opened = VOREL_TRY(OpenDib::open(source).or_error(Error::kTurnMemory));
-  auto result = NewDib::like(opened, turned_header(header, rotation, angle), OwnedDib::allocate_or_retry);
+  const bool is_overwritten = is_pixel_depth(header.depth) && has_pixels(header);
+  NewDib::Allocate* const allocate = is_overwritten ? OwnedDib::allocate_unset_or_retry : OwnedDib::allocate_or_retry;
+  auto result = NewDib::like(opened, turned_header(header, rotation, angle), allocate);
   if (!result) return result.error() == Error::kLock ? Error::kTurnLock : Error::kTurnMemory;
+  result->clear_padding();
   kernels::turn().rotate(opened.pixels(), result->pixels(), rotation, stepping);
   return OwnedDib(std::move(*result));
 }

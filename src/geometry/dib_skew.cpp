@@ -3,6 +3,7 @@
 #include <array>
 #include <limits>
 
+#include "core/pixel.h"
 #include "dib/open_dib.h"
 #include "kernels/turn/turn.h"
 
@@ -52,7 +53,10 @@ Result<OwnedDib> skewed(const LockedDib& source, SkewDirection direction, int32_
   result_header.image_bytes = static_cast<uint32_t>(Layout::of(result_header).rows.value());
 
   const OpenDib opened = VOREL_TRY(OpenDib::open(source));
-  NewDib result = VOREL_TRY(NewDib::like(opened, result_header));
+  const bool is_overwritten = is_pixel_depth(header.depth) && has_pixels(header);
+  NewDib result =
+      VOREL_TRY(NewDib::like(opened, result_header, is_overwritten ? OwnedDib::allocate_unset : OwnedDib::allocate));
+  result.clear_padding();
   const auto kernel = direction == SkewDirection::kRows ? kernels::turn().skew_rows : kernels::turn().skew_columns;
   kernel(opened.pixels(), result.pixels(), offset);
   return OwnedDib(std::move(result));

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/pixel.h"
 #include "dib/open_dib.h"
 #include "kernels/turn/turn.h"
 
@@ -33,8 +34,10 @@ void move_pixels(ConstDibView source, DibView result, DibTurn turn) {
     case DibTurn::kCounterClockwise:
       // A quirk that is kept: every pixel lands one column too far right. Column 0 stays empty, and source row 0 goes to the
       // column past the last: the row's padding, the next row's first pixel, or the spare bytes.
-      return kernels::turn().quarter_turn(source, result.with_width(height + 1),
-                                          {.first_column = height, .column_step = -1, .first_row = 0, .row_step = 1});
+      if (height == 0) return;
+      kernels::turn().quarter_turn(source.without_first_row(), result,
+                                   {.first_column = height - 1, .column_step = -1, .first_row = 0, .row_step = 1});
+      return kernels::turn().row_to_column(source.first_rows(1), result.with_width(height + 1), height);
     case DibTurn::kHalf: return kernels::turn().half_turn(source, result);
     case DibTurn::kLeftRight: return kernels::turn().mirror_left_right(source, result);
     case DibTurn::kTopBottom: {
@@ -52,8 +55,10 @@ Result<OwnedDib> turned(const LockedDib& source, DibTurn turn) {
 
   const DibHeader result_header = is_quarter(turn) ? quarter_turned_header(header) : header;
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kRule).or_error(Error::kUnreported));
-  NewDib result =
-      VOREL_TRY(NewDib::like(opened, result_header, OwnedDib::allocate, kSpareBytes).or_error(Error::kUnreported));
+  const bool is_overwritten = turn == DibTurn::kTopBottom || is_pixel_depth(header.depth);
+  NewDib::Allocate* const allocate = is_overwritten ? OwnedDib::allocate_unset : OwnedDib::allocate;
+  NewDib result = VOREL_TRY(NewDib::like(opened, result_header, allocate, kSpareBytes).or_error(Error::kUnreported));
+  result.clear_padding();
   move_pixels(opened.pixels(), result.pixels(), turn);
   return OwnedDib(std::move(result));
 }

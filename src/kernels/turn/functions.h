@@ -6,6 +6,7 @@
 namespace vorel::kernels::VOREL_LEVEL {
 
 void quarter_turn(ConstDibView source, DibView result, QuarterTurn turn);
+void row_to_column(ConstDibView source, DibView result, int column);
 void half_turn(ConstDibView source, DibView result);
 void mirror_left_right(ConstDibView source, DibView result);
 void mirror_top_bottom(ConstDibView source, DibView result);

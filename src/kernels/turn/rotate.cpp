@@ -1,121 +1,358 @@
+#include <algorithm>
 #include <cmath>
-#include <type_traits>
+#include <cstdint>
+#include <cstring>
 
-#include "core/row_writer.h"
+#include "core/pixel.h"
+#include "core/word.h"
 #include "kernels/turn/functions.h"
 
+// The result is written tile by tile, so that the source pixels of a tile stay in cache. Pixels of less than a byte are unpacked
+// around a tile and packed again.
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
-// The pixel that a row of the result is at, followed by exact positions.
-class ExactSteps {
- public:
-  explicit ExactSteps(const Rotation& rotation) : step_(rotation.column_step) {}
+constexpr int kTileColumns = 64;
 
-  void start(Point position) {
-    position_ = position;
-    round();
-  }
-  void advance() {
-    position_ = position_ + step_;
-    round();
-  }
-  int x() const { return x_; }
-  int y() const { return y_; }
+// Columns of a tile, from `begin` to before `end`, whose pixels lie in the source. The source is convex: they are neighbours.
+struct Range {
+  int begin, end;
 
- private:
-  void round() {
-    x_ = rounded<int>(position_.x);
-    y_ = rounded<int>(position_.y);
-  }
-
-  Point step_, position_;
-  int x_ = 0, y_ = 0;
+  bool is_empty() const { return begin >= end; }
 };
 
-// The same by counting: each coordinate moves on when its share of a row's columns has gone by.
-class IntegerSteps {
- public:
-  explicit IntegerSteps(const Rotation& rotation)
-      : x_share_{2 * rounded<int>(std::abs(rotation.across.x)), rotation.column_step.x >= 0 ? 1 : -1},
-        y_share_{2 * rounded<int>(std::abs(rotation.across.y)), rotation.column_step.y >= 0 ? 1 : -1},
-        columns_(static_cast<int>(rotation.width - 1)) {}
+// The part of the source that a tile needs.
+struct Box {
+  int left, top, right, bottom;  // the last two belong to it
 
-  void start(Point position) {
-    x_share_.start(rounded<int>(position.x));
-    y_share_.start(rounded<int>(position.y));
+  static Box none() { return {INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN}; }
+  bool is_empty() const { return left > right; }
+  void include(int x, int y) {
+    left = std::min(left, x);
+    right = std::max(right, x);
+    top = std::min(top, y);
+    bottom = std::max(bottom, y);
   }
+};
+
+// Where pixels are in memory, in bytes from its start. Sums wrap: only those that are pixels of the source are places in it.
+struct Grid {
+  size_t stride, pixel_bytes, origin = 0;
+
+  size_t way(int x, int y) const {
+    return static_cast<size_t>(std::ptrdiff_t{y}) * stride + static_cast<size_t>(std::ptrdiff_t{x}) * pixel_bytes;
+  }
+  size_t at(int x, int y) const { return origin + way(x, y); }
+};
+
+// One coordinate along a row of the result, by counting: it moves on by one when its share of the row's columns has gone by. The
+// way from the row's start is the same in every row.
+class Axis {
+ public:
+  Axis(double across, double step, int64_t columns, int size)
+      : share_(2 * rounded<int>(std::abs(across))),
+        step_(step >= 0 ? 1 : -1),
+        columns_(static_cast<int>(columns)),
+        size_(size) {}
+
+  void restart() { error_ = moved_ = 0; }
   void advance() {
-    x_share_.advance(columns_);
-    y_share_.advance(columns_);
+    error_ += share_;
+    if (error_ <= columns_) return;
+    error_ -= 2 * columns_;
+    moved_ += step_;
   }
-  int x() const { return x_share_.at; }
-  int y() const { return y_share_.at; }
+  int moved() const { return moved_; }
+
+  // The first column of a row at which the coordinate is not in front of the source any more, or behind it.
+  int64_t entry(int start) const { return column_of(step_ > 0 ? -int64_t{start} : int64_t{start} - size_ + 1); }
+  int64_t exit(int start) const { return column_of(step_ > 0 ? int64_t{size_} - start : int64_t{start} + 1); }
 
  private:
-  struct Share {
-    int share, direction, error = 0, at = 0;
+  // The column at which so many steps have been made.
+  int64_t column_of(int64_t steps) const {
+    if (steps <= 0) return 0;
+    if (share_ == 0) return INT64_MAX;
+    return (2 * columns_ * steps - columns_ + share_) / share_;
+  }
 
-    void start(int position) {
-      at = position;
-      error = 0;
+  int share_, step_;
+  int64_t columns_;
+  int size_, moved_ = 0;
+  int64_t error_ = 0;
+};
+
+// The pixels of a band of tiles, stepped by counting.
+class CountedPixels {
+ public:
+  static constexpr int kRows = 64;
+
+  CountedPixels(Size source, const Rotation& rotation)
+      : row_step_(rotation.row_step),
+        width_(rotation.width),
+        x_axis_(rotation.across.x, rotation.column_step.x, rotation.width - 1, source.width),
+        y_axis_(rotation.across.y, rotation.column_step.y, rotation.width - 1, source.height) {}
+
+  // Takes the rows from a position on and returns that of the row behind them.
+  Point start_band(Point position, int rows) {
+    for (int i = 0; i < rows; ++i, position = position + row_step_) {
+      const int x = rounded<int>(position.x), y = rounded<int>(position.y);
+      const int64_t entry = std::max(x_axis_.entry(x), y_axis_.entry(y));
+      const int64_t exit = std::min({x_axis_.exit(x), y_axis_.exit(y), width_});
+      rows_[i] = {x, y, entry, exit};
     }
-    void advance(int columns) {
-      error += share;
-      if (error <= columns) return;
-      error -= 2 * columns;
-      at += direction;
+    x_axis_.restart();
+    y_axis_.restart();
+    return position;
+  }
+
+  // Takes the next columns.
+  void start_tile(int column, int count) {
+    column_ = column;
+    count_ = count;
+    for (int i = 0; i < count; ++i) {
+      x_moved_[i] = x_axis_.moved();
+      y_moved_[i] = y_axis_.moved();
+      x_axis_.advance();
+      y_axis_.advance();
     }
+  }
+
+  Range range(int row) const {
+    const auto in_tile = [&](int64_t column) { return static_cast<int>(std::clamp<int64_t>(column - column_, 0, count_)); };
+    return {in_tile(rows_[row].entry), in_tile(rows_[row].exit)};
+  }
+  int x(int row, int column) const { return rows_[row].x + x_moved_[column]; }
+  int y(int row, int column) const { return rows_[row].y + y_moved_[column]; }
+
+  // Where the pixels of the tile are.
+  void place(const Grid& grid) {
+    grid_ = grid;
+    for (int i = 0; i < count_; ++i) places_[i] = grid.way(x_moved_[i], y_moved_[i]);
+  }
+  auto places(int row) const {
+    return [first = grid_.at(rows_[row].x, rows_[row].y), places = places_](int column) { return first + places[column]; };
+  }
+
+ private:
+  struct Row {
+    int x, y;             // where it starts in the source
+    int64_t entry, exit;  // its columns with pixels
   };
 
-  Share x_share_, y_share_;
-  int columns_;
+  Point row_step_;
+  int64_t width_;
+  Axis x_axis_, y_axis_;
+  Row rows_[kRows];
+  int column_ = 0, count_ = 0;
+  int x_moved_[kTileColumns], y_moved_[kTileColumns];
+  Grid grid_{};
+  size_t places_[kTileColumns];
 };
 
-// Whether a coordinate has not come in yet, and whether it has gone out on the other side, for its way of moving.
-template <bool kForward>
-bool is_before(int at, int size) {
-  return kForward ? at < 0 : at >= size;
-}
-template <bool kForward>
-bool is_past(int at, int size) {
-  return kForward ? at >= size : at < 0;
+// The same, followed by exact positions: several rows at a time, because each position waits for the one in front of it.
+class ExactPixels {
+ public:
+  static constexpr int kRows = 16;
+
+  ExactPixels(Size source, const Rotation& rotation)
+      : source_(source), step_(rotation.column_step), row_step_(rotation.row_step) {}
+
+  Point start_band(Point position, int rows) {
+    for (int i = 0; i < kRows; ++i) {
+      x_at_[i] = position.x;
+      y_at_[i] = position.y;
+      if (i < rows) position = position + row_step_;
+    }
+    return position;
+  }
+
+  void start_tile(int, int count) {
+    count_ = count;
+    for (int column = 0; column < count; ++column) {
+      follow(x_at_, step_.x, x_[column]);
+      follow(y_at_, step_.y, y_[column]);
+    }
+  }
+
+  Range range(int row) const {
+    const auto is_inside = [&](int column) {
+      return static_cast<unsigned>(x(row, column)) < static_cast<unsigned>(source_.width) &&
+             static_cast<unsigned>(y(row, column)) < static_cast<unsigned>(source_.height);
+    };
+    Range range{0, count_};
+    if (is_inside(0) && is_inside(count_ - 1)) return range;
+    while (range.begin < count_ && !is_inside(range.begin)) ++range.begin;
+    while (range.end > range.begin && !is_inside(range.end - 1)) --range.end;
+    return range;
+  }
+  int x(int row, int column) const { return x_[column][row]; }
+  int y(int row, int column) const { return y_[column][row]; }
+
+  void place(const Grid& grid) { grid_ = grid; }
+  auto places(int row) const {
+    return [grid = grid_, x = &x_[0][row], y = &y_[0][row]](int column) {
+      return grid.at(x[column * kRows], y[column * kRows]);
+    };
+  }
+
+ private:
+  static void follow(double (&at)[kRows], double step, int32_t (&whole)[kRows]) {
+    for (int i = 0; i < kRows; ++i) {
+      whole[i] = static_cast<int32_t>(at[i] + std::copysign(0.5, at[i]));
+      at[i] += step;
+    }
+  }
+
+  Size source_;
+  Point step_, row_step_;
+  int count_ = 0;
+  double x_at_[kRows], y_at_[kRows];
+  int32_t x_[kTileColumns][kRows], y_[kTileColumns][kRows];
+  Grid grid_{};
+};
+
+// Copies the pixels of a row of a tile, a byte or three bytes each.
+template <class Places>
+void copy_bytes(const uint8_t* source, uint8_t* target, Range range, const Places& place) {
+  for (int i = range.begin; i < range.end; ++i) target[i] = source[place(i)];
 }
 
-// The picture is convex: each row of the result runs into it once and leaves it once.
-template <int kDepth, bool kRight, bool kUp, class Steps>
-void walk_row(ConstDibView source, uint8_t* row, int columns, Steps& steps) {
-  const int width = source.width(), height = source.height();
-  int column = 0;
-  while (column < columns && (is_before<kRight>(steps.x(), width) || is_before<kUp>(steps.y(), height))) {
-    steps.advance();
-    ++column;
+template <class Places>
+void copy_colors(const uint8_t* source, uint8_t* target, Range range, const Places& place) {
+  int i = range.begin;
+  target += static_cast<size_t>(i) * 3;
+  // Stores four bytes; the last one belongs to the next pixel, which comes after.
+  for (; i + 1 < range.end; ++i, target += 3) {
+    const uint8_t* const from = source + place(i);
+    uint16_t blue_green;
+    std::memcpy(&blue_green, from, sizeof blue_green);
+    const uint32_t pixel = blue_green | uint32_t{from[2]} << 16;
+    std::memcpy(target, &pixel, sizeof pixel);
   }
-  if (column == columns) return;
-  RowWriter<kDepth> writer(row, column);
-  const uint8_t* const first_row = source.row(0).data();
-  const std::ptrdiff_t stride = source.stride();
-  while (column < columns && !is_past<kRight>(steps.x(), width) && !is_past<kUp>(steps.y(), height)) {
-    writer.put(Pixel<kDepth>::load(first_row + steps.y() * stride, steps.x()));
-    steps.advance();
-    ++column;
+  if (i < range.end) std::memcpy(target, source + place(i), 3);
+}
+
+// The bits of each byte, a byte each, the highest one first.
+struct BitTable {
+  uint64_t words[256] = {};
+
+  constexpr BitTable() {
+    for (unsigned byte = 0; byte < 256; ++byte)
+      for (unsigned bit = 0; bit < 8; ++bit) words[byte] |= uint64_t{byte >> (7 - bit) & 1} << 8 * bit;
+  }
+};
+constexpr BitTable kBits;
+
+// Pixels of less than a byte, a byte each.
+class Patch {
+ public:
+  // Of the box, whose left side moves out to a whole byte.
+  template <int kDepth>
+  void unpack(ConstDibView source, const Box& box) {
+    constexpr int kPixels = 8 / kDepth;
+    left_ = box.left / kPixels * kPixels;
+    top_ = box.top;
+    const int bytes = box.right / kPixels - box.left / kPixels + 1;
+    for (int y = box.top; y <= box.bottom; ++y) {
+      const uint8_t* const from = source.row(y).data() + left_ / kPixels;
+      uint8_t* const to = pixels_[y - box.top];
+      for (int i = 0; i < bytes; ++i) {
+        if constexpr (kDepth == 1) {
+          store_word(to + i * 8, kBits.words[from[i]]);
+        } else {
+          to[2 * i] = static_cast<uint8_t>(from[i] >> 4);
+          to[2 * i + 1] = from[i] & 0x0F;
+        }
+      }
+    }
+  }
+
+  const uint8_t* pixels() const { return pixels_[0]; }
+  // Of the source's coordinates.
+  Grid grid() const {
+    Grid grid{kStride, 1};
+    grid.origin = 0 - grid.way(left_, top_);
+    return grid;
+  }
+
+ private:
+  // A tile turned by any angle fits, with the rest of a byte on either side.
+  static constexpr size_t kStride = 128;
+  static constexpr int kRows = 112;
+
+  int left_ = 0, top_ = 0;
+  uint8_t pixels_[kRows][kStride];
+};
+
+// Packs a row of a tile.
+template <int kDepth>
+void pack(const uint8_t (&pixels)[kTileColumns], uint8_t* target, int count) {
+  uint8_t packed[kTileColumns * kDepth / 8];
+  if constexpr (kDepth == 1) {
+    // Bit i * 8 moves to the highest byte, to its bit 7 - i.
+    for (int i = 0; i < 8; ++i) packed[i] = static_cast<uint8_t>(load_word(pixels + i * 8) * 0x8040201008040201 >> 56);
+  } else {
+    for (int i = 0; i < kTileColumns / 2; ++i) packed[i] = static_cast<uint8_t>(pixels[2 * i] << 4 | pixels[2 * i + 1]);
+  }
+  std::memcpy(target, packed, row_bytes(kDepth, count));
+}
+
+template <int kDepth, class Pixels>
+void write_tile(ConstDibView source, DibView result, Pixels& pixels, int column, int count, int first_row, int rows) {
+  Range ranges[Pixels::kRows];
+  Box box = Box::none();
+  for (int i = 0; i < rows; ++i) {
+    const Range range = ranges[i] = pixels.range(i);
+    if (range.is_empty()) continue;
+    box.include(pixels.x(i, range.begin), pixels.y(i, range.begin));
+    box.include(pixels.x(i, range.end - 1), pixels.y(i, range.end - 1));
+  }
+  const size_t byte = static_cast<size_t>(column) * kDepth / 8;
+  if (box.is_empty()) {
+    for (int i = 0; i < rows; ++i) std::memset(result.row(first_row + i).data() + byte, 0, row_bytes(kDepth, count));
+    return;
+  }
+  if constexpr (kDepth < 8) {
+    Patch patch;
+    patch.unpack<kDepth>(source, box);
+    pixels.place(patch.grid());
+    for (int i = 0; i < rows; ++i) {
+      uint8_t line[kTileColumns] = {};
+      copy_bytes(patch.pixels(), line, ranges[i], pixels.places(i));
+      pack<kDepth>(line, result.row(first_row + i).data() + byte, count);
+    }
+  } else {
+    constexpr size_t kBytes = kDepth / 8;
+    const uint8_t* const origin = source.row(0).data();
+    pixels.place({static_cast<size_t>(source.stride()), kBytes});
+    for (int i = 0; i < rows; ++i) {
+      const Range range = ranges[i];
+      uint8_t* const target = result.row(first_row + i).data() + byte;
+      std::memset(target, 0, static_cast<size_t>(range.begin) * kBytes);
+      if constexpr (kDepth == 8)
+        copy_bytes(origin, target, range, pixels.places(i));
+      else
+        copy_colors(origin, target, range, pixels.places(i));
+      const int end = std::max(range.begin, range.end);
+      std::memset(target + static_cast<size_t>(end) * kBytes, 0, static_cast<size_t>(count - end) * kBytes);
+    }
   }
 }
 
-template <int kDepth, bool kRight, bool kUp, class Steps>
-void walk(ConstDibView source, DibView result, const Rotation& rotation) {
-  Steps steps(rotation);
+template <int kDepth, class Pixels>
+void write_tiles(ConstDibView source, DibView result, const Rotation& rotation) {
+  Pixels pixels(source.size(), rotation);
   Point position = rotation.first;
-  for (int y = 0; y < result.height(); ++y, position = position + rotation.row_step) {
-    steps.start(position);
-    walk_row<kDepth, kRight, kUp>(source, result.row(y).data(), result.width(), steps);
+  for (int y = 0; y < result.height(); y += Pixels::kRows) {
+    const int rows = std::min(Pixels::kRows, result.height() - y);
+    position = pixels.start_band(position, rows);
+    for (int x = 0; x < result.width(); x += kTileColumns) {
+      const int count = std::min(kTileColumns, result.width() - x);
+      pixels.start_tile(x, count);
+      write_tile<kDepth>(source, result, pixels, x, count, y, rows);
+    }
   }
-}
-
-// Calls op with a condition as a constant.
-template <class Op>
-void with_condition(bool condition, Op&& op) {
-  condition ? op(std::true_type{}) : op(std::false_type{});
 }
 
 }  // namespace
@@ -123,14 +360,10 @@ void with_condition(bool condition, Op&& op) {
 void rotate(ConstDibView source, DibView result, const Rotation& rotation, Stepping stepping) {
   if (source.width() <= 0 || source.height() <= 0) return;
   with_depth(source.depth(), [&](auto depth) {
-    with_condition(rotation.column_step.x >= 0, [&](auto right) {
-      with_condition(rotation.column_step.y >= 0, [&](auto up) {
-        if (stepping == Stepping::kInteger)
-          walk<depth, right, up, IntegerSteps>(source, result, rotation);
-        else
-          walk<depth, right, up, ExactSteps>(source, result, rotation);
-      });
-    });
+    if (stepping == Stepping::kInteger)
+      write_tiles<depth(), CountedPixels>(source, result, rotation);
+    else
+      write_tiles<depth(), ExactPixels>(source, result, rotation);
   });
 }
 

@@ -1,7 +1,7 @@
 // Quarter turns, half turns, mirrors, turns by any angle and shears: pixels moved, never resampled.
 //
-// Kernels for pictures of 1, 4, 8 or 24 bits per pixel; at any other depth they copy nothing. Results are zero-filled when
-// they come in, and their padding stays zero.
+// Kernels for pictures of 1, 4, 8 or 24 bits per pixel; at any other depth they write nothing. They write every byte that holds
+// pixels of the result, whatever is in it before, and no others; bits behind the last pixel of a row become zero.
 #pragma once
 
 #include "core/view.h"
@@ -23,8 +23,12 @@ struct QuarterTurn {
 };
 
 struct TurnTable {
-  // Every target pixel must lie in `result`.
+  // `result` has a row for every column of the source. Columns that no source row goes to become zero; source rows that go to
+  // columns that `result` does not have are left out.
   void (*quarter_turn)(ConstDibView source, DibView result, QuarterTurn turn);
+
+  // Stores the pixels of row 0 down a column. All other pixels stay as they are.
+  void (*row_to_column)(ConstDibView source, DibView result, int column);
 
   // These take views of the same size and depth.
   void (*half_turn)(ConstDibView source, DibView result);
@@ -32,14 +36,15 @@ struct TurnTable {
   // Moves rows whole, at any depth.
   void (*mirror_top_bottom)(ConstDibView source, DibView result);
 
-  // Pixels that the source does not cover stay as they are in `result`, which has the size that the rotation states and is
-  // countable. Sources without pixels are left alone.
+  // Pixels that the source does not cover become zero. `result` has the size that the rotation states and is countable. A source
+  // without pixels writes nothing.
   void (*rotate)(ConstDibView source, DibView result, const Rotation& rotation, Stepping stepping);
 
-  // Both want a result that is larger by the offset, in width or in height.
+  // Both need a result that is larger by the offset, in width or in height. A source without pixels writes nothing.
   //
-  // Moves rows right. Whole bytes are moved: bits behind a row's last pixel come along. Shifts are rounded down to whole pixels,
-  // at 8 bits up; at 24 bits up to whole bytes first.
+  // Moves rows right. Whole bytes are moved, with the bits behind a row's last pixel; these may go to the padding, which is why
+  // each row is written up to its stride. Shifts are rounded down to whole pixels, at 8 bits up; at 24 bits up to whole bytes
+  // first.
   void (*skew_rows)(ConstDibView source, DibView result, int32_t offset);
   // Moves columns towards later rows: up in the picture.
   void (*skew_columns)(ConstDibView source, DibView result, int32_t offset);

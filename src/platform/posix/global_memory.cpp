@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <mutex>
 #include <new>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "platform/posix/large_memory.h"
 #include "platform/win32.h"
 
 namespace {
@@ -16,6 +17,7 @@ namespace {
 struct Block {
   void* data = nullptr;
   size_t size = 0;
+  size_t room = 0;          // of a large piece; 0: the data comes from the heap
   uint32_t generation = 0;  // counts the blocks that this entry has held, so that old handles are told from new ones
   uint8_t locks = 0;
   bool used = false;
@@ -31,30 +33,52 @@ HGLOBAL handle_of(size_t index, uint32_t generation) {
   return reinterpret_cast<HGLOBAL>(uintptr_t{generation} << 32 | index << 2 | kMovableMark);
 }
 
-void* new_data(size_t bytes, bool zeroed) {
-  const size_t size = std::max<size_t>(bytes, 1);
-  return zeroed ? std::calloc(size, 1) : std::malloc(size);
-}
+// The content of a block until the block takes it.
+class Data {
+ public:
+  // Null when memory is short. Fixed blocks are freed by their address alone, which is why theirs comes from the heap.
+  static Data allocate(size_t bytes, bool zeroed, bool movable) {
+    if (movable && bytes >= vorel::kLargeBytes) {
+      const vorel::LargePiece piece = vorel::take_large(bytes, zeroed);
+      return {piece.bytes, piece.room};
+    }
+    const size_t size = std::max<size_t>(bytes, 1);
+    return {zeroed ? std::calloc(size, 1) : std::malloc(size), 0};
+  }
+  Data(void* bytes, size_t room) : bytes_(bytes), room_(room) {}
+  Data(Data&& other) noexcept : bytes_(other.release()), room_(other.room_) {}
+  Data& operator=(Data&&) = delete;
+  ~Data() {
+    if (room_ == 0)
+      std::free(bytes_);
+    else if (bytes_ != nullptr)
+      vorel::give_back_large({static_cast<uint8_t*>(bytes_), room_});
+  }
 
-// Copies the content to memory of another size; new bytes are zero on request. Fresh zero pages cost nothing until they are
-// touched, so growing does not use realloc.
-void* moved_data(const void* data, size_t size, size_t bytes, bool zeroed) {
-  void* moved = new_data(bytes, zeroed);
-  if (moved != nullptr && data != nullptr) std::memcpy(moved, data, std::min(size, bytes));
+  void* get() const { return bytes_; }
+  size_t room() const { return room_; }
+  void* release() { return std::exchange(bytes_, nullptr); }
+
+ private:
+  void* bytes_;
+  size_t room_;
+};
+
+void free_data(void* bytes, size_t room) { const Data freed(bytes, room); }
+
+// The same content in memory of another size; new bytes are zero if asked for. Untouched zero pages cost nothing, which is why
+// growing is not left to realloc.
+Data moved_data(const void* data, size_t size, size_t bytes, bool zeroed, bool movable) {
+  Data moved = Data::allocate(bytes, zeroed, movable);
+  if (moved.get() != nullptr && data != nullptr) std::memcpy(moved.get(), data, std::min(size, bytes));
   return moved;
 }
 
-using DataPtr = std::unique_ptr<void, decltype(&std::free)>;
-
 class Blocks {
  public:
-  HGLOBAL allocate(UINT flags, size_t bytes) {
-    const bool zeroed = (flags & GMEM_ZEROINIT) != 0;
-    const bool movable = (flags & GMEM_MOVEABLE) != 0;
-    const bool empty = movable && bytes == 0;
-    DataPtr data(empty ? nullptr : new_data(bytes, zeroed), &std::free);
-    if (data == nullptr && !empty) return nullptr;
-    HGLOBAL handle = movable ? add_movable(data.get(), bytes) : add_fixed(data.get(), bytes);
+  // A block of so many bytes takes the data.
+  HGLOBAL add(Data data, size_t bytes, bool movable) {
+    HGLOBAL handle = movable ? add_movable(data.get(), bytes, data.room()) : add_fixed(data.get(), bytes);
     if (handle != nullptr) static_cast<void>(data.release());
     return handle;
   }
@@ -94,7 +118,7 @@ class Blocks {
     }
     Block* block = movable(handle);
     if (block == nullptr) return handle;
-    std::free(block->data);
+    free_data(block->data, block->room);
     *block = Block{.generation = block->generation};
     unused_.push_back(static_cast<size_t>(block - movable_.data()));
     return nullptr;
@@ -106,7 +130,7 @@ class Blocks {
     return data;
   }
 
-  HGLOBAL add_movable(void* data, size_t bytes) {
+  HGLOBAL add_movable(void* data, size_t bytes, size_t room) {
     if (unused_.empty()) {
       if (movable_.size() >= kMostMovable) return nullptr;
       if (unused_.capacity() <= movable_.size())  // giving an entry back must never need memory
@@ -117,7 +141,7 @@ class Blocks {
     const size_t index = unused_.back();
     unused_.pop_back();
     Block& block = movable_[index];
-    block = Block{.data = data, .size = bytes, .generation = block.generation + 1, .used = true};
+    block = Block{.data = data, .size = bytes, .room = room, .generation = block.generation + 1, .used = true};
     return handle_of(index, block.generation);
   }
 
@@ -135,14 +159,16 @@ class Blocks {
     const bool may_move = block.locks == 0 || (flags & GMEM_MOVEABLE) != 0;
     if (!may_move && bytes > block.size) return nullptr;
     if (may_move && bytes != 0) {
-      void* data = moved_data(block.data, block.size, bytes, (flags & GMEM_ZEROINIT) != 0);
-      if (data == nullptr) return nullptr;
-      std::free(block.data);
-      block.data = data;
+      Data data = moved_data(block.data, block.size, bytes, (flags & GMEM_ZEROINIT) != 0, true);
+      if (data.get() == nullptr) return nullptr;
+      free_data(block.data, block.room);
+      block.room = data.room();
+      block.data = data.release();
     } else if (bytes == 0) {
       if (block.locks != 0) return nullptr;
-      std::free(block.data);
+      free_data(block.data, block.room);
       block.data = nullptr;
+      block.room = 0;
     }
     block.size = bytes;
     return handle;
@@ -151,7 +177,7 @@ class Blocks {
   HGLOBAL reallocate_fixed(HGLOBAL handle, size_t& size, size_t bytes, UINT flags) {
     const bool becomes_movable = (flags & GMEM_MODIFY) != 0 && (flags & GMEM_MOVEABLE) != 0;
     if (becomes_movable) {
-      HGLOBAL handle_now = add_movable(handle, size);
+      HGLOBAL handle_now = add_movable(handle, size, 0);
       if (handle_now != nullptr) fixed_.erase(handle);
       return handle_now;
     }
@@ -161,8 +187,8 @@ class Blocks {
       return handle;
     }
     if ((flags & GMEM_MOVEABLE) == 0) return nullptr;
-    DataPtr data(moved_data(handle, size, bytes, (flags & GMEM_ZEROINIT) != 0), &std::free);
-    if (data == nullptr) return nullptr;
+    Data data = moved_data(handle, size, bytes, (flags & GMEM_ZEROINIT) != 0, false);
+    if (data.get() == nullptr) return nullptr;
     add_fixed(data.get(), bytes);
     fixed_.erase(handle);
     std::free(handle);
@@ -198,7 +224,11 @@ auto with_blocks(Step step) noexcept -> decltype(step(blocks())) {
 extern "C" {
 
 HGLOBAL GlobalAlloc(UINT flags, size_t bytes) {
-  return with_blocks([&](Blocks& all) { return all.allocate(flags, bytes); });
+  const bool movable = (flags & GMEM_MOVEABLE) != 0;
+  const bool empty = movable && bytes == 0;
+  Data data = empty ? Data(nullptr, 0) : Data::allocate(bytes, (flags & GMEM_ZEROINIT) != 0, movable);
+  if (data.get() == nullptr && !empty) return nullptr;
+  return with_blocks([&](Blocks& all) { return all.add(std::move(data), bytes, movable); });
 }
 
 HGLOBAL GlobalReAlloc(HGLOBAL block, size_t bytes, UINT flags) {
