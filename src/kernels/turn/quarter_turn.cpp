@@ -12,6 +12,7 @@ namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
 constexpr int kTileBytes = 16;
+constexpr int kCacheLine = 64;
 
 // Source rows in the order of the result's columns: their bytes at one place.
 struct Rows {
@@ -202,7 +203,10 @@ void quarter_turn_tile(ConstDibView source, DibView result, QuarterTurn turn, in
   const int y = turn.source_row_of(column), last_y = turn.source_row_of(column + TileOf::kColumns - 1);
   const bool has_rows = std::min(y, last_y) >= 0 && std::max(y, last_y) < source.height();
   if (has_rows && column + TileOf::kColumns <= result.width() && byte + kTileBytes <= row_bytes(kDepth, source.width())) {
-    TileOf::write({source.row(y).data() + byte, turn.column_step * source.stride()}, target, count, room);
+    const Rows rows = {source.row(y).data() + byte, turn.column_step * source.stride()};
+    // The rows are too far apart for the processor to see where they lead.
+    for (int i = 0; i < TileOf::kColumns; ++i) __builtin_prefetch(rows.at(i) + kCacheLine);
+    TileOf::write(rows, target, count, room);
   } else {
     const CompletedRows completed(source, turn, column, result.width(), byte, TileOf::kColumns);
     TileOf::write(completed.rows(), target, count, room);
@@ -211,8 +215,7 @@ void quarter_turn_tile(ConstDibView source, DibView result, QuarterTurn turn, in
 
 template <int kDepth>
 void quarter_turn_pixels(ConstDibView source, DibView result, QuarterTurn turn) {
-  // Columns of the result that are written together: some cache lines, while as many source rows stay in cache.
-  constexpr int kStrip = kDepth == 1 ? 512 : 128;
+  constexpr int kStrip = 512;  // columns of the result that are written together, while as many source rows stay in cache
   for (int strip = 0; strip < result.width(); strip += kStrip) {
     const int end = std::min(strip + kStrip, result.width());
     for (int x = 0; x < source.width(); x += Tile<kDepth>::kRows)

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <immintrin.h>
 
 #include "core/pixel.h"
 #include "core/word.h"
@@ -36,11 +37,12 @@ struct Box {
 };
 
 // Where pixels are in memory, in bytes from its start. Sums wrap: only those that are pixels of the source are places in it.
+template <size_t kPixelBytes>
 struct Grid {
-  size_t stride, pixel_bytes, origin = 0;
+  size_t stride, origin = 0;
 
   size_t way(int x, int y) const {
-    return static_cast<size_t>(std::ptrdiff_t{y}) * stride + static_cast<size_t>(std::ptrdiff_t{x}) * pixel_bytes;
+    return static_cast<size_t>(std::ptrdiff_t{y}) * stride + static_cast<size_t>(std::ptrdiff_t{x}) * kPixelBytes;
   }
   size_t at(int x, int y) const { return origin + way(x, y); }
 };
@@ -125,13 +127,14 @@ class CountedPixels {
   int x(int row, int column) const { return rows_[row].x + x_moved_[column]; }
   int y(int row, int column) const { return rows_[row].y + y_moved_[column]; }
 
-  // Where the pixels of the tile are.
-  void place(const Grid& grid) {
-    grid_ = grid;
+  // Takes the grid that `places` tells the columns' places in.
+  template <size_t kPixelBytes>
+  void place(const Grid<kPixelBytes>& grid) {
     for (int i = 0; i < count_; ++i) places_[i] = grid.way(x_moved_[i], y_moved_[i]);
   }
-  auto places(int row) const {
-    return [first = grid_.at(rows_[row].x, rows_[row].y), places = places_](int column) { return first + places[column]; };
+  template <size_t kPixelBytes>
+  auto places(int row, const Grid<kPixelBytes>& grid) const {
+    return [first = grid.at(rows_[row].x, rows_[row].y), places = places_](int column) { return first + places[column]; };
   }
 
  private:
@@ -146,8 +149,45 @@ class CountedPixels {
   Row rows_[kRows];
   int column_ = 0, count_ = 0;
   int x_moved_[kTileColumns], y_moved_[kTileColumns];
-  Grid grid_{};
   size_t places_[kTileColumns];
+};
+
+// As many doubles as the level has in a vector.
+class Doubles {
+ public:
+#ifdef __AVX2__
+  static constexpr int kCount = 4;
+
+  static Doubles all(double value) { return {_mm256_set1_pd(value)}; }
+  static Doubles load(const double* values) { return {_mm256_loadu_pd(values)}; }
+  void store(double* values) const { _mm256_storeu_pd(values, all_); }
+  void store_rounded(int32_t* values) const {
+    const __m256d half = _mm256_or_pd(_mm256_and_pd(all_, _mm256_set1_pd(-0.0)), _mm256_set1_pd(0.5));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(values), _mm256_cvttpd_epi32(_mm256_add_pd(all_, half)));
+  }
+  friend Doubles operator+(Doubles a, Doubles b) { return {_mm256_add_pd(a.all_, b.all_)}; }
+
+ private:
+  Doubles(__m256d all) : all_(all) {}
+
+  __m256d all_;
+#else
+  static constexpr int kCount = 2;
+
+  static Doubles all(double value) { return {_mm_set1_pd(value)}; }
+  static Doubles load(const double* values) { return {_mm_loadu_pd(values)}; }
+  void store(double* values) const { _mm_storeu_pd(values, all_); }
+  void store_rounded(int32_t* values) const {
+    const __m128d half = _mm_or_pd(_mm_and_pd(all_, _mm_set1_pd(-0.0)), _mm_set1_pd(0.5));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(values), _mm_cvttpd_epi32(_mm_add_pd(all_, half)));
+  }
+  friend Doubles operator+(Doubles a, Doubles b) { return {_mm_add_pd(a.all_, b.all_)}; }
+
+ private:
+  Doubles(__m128d all) : all_(all) {}
+
+  __m128d all_;
+#endif
 };
 
 // The same, followed by exact positions: several rows at a time, because each position waits for the one in front of it.
@@ -169,9 +209,15 @@ class ExactPixels {
 
   void start_tile(int, int count) {
     count_ = count;
-    for (int column = 0; column < count; ++column) {
-      follow(x_at_, step_.x, x_[column]);
-      follow(y_at_, step_.y, y_[column]);
+    const Doubles x_step = Doubles::all(step_.x), y_step = Doubles::all(step_.y);
+    for (int row = 0; row < kRows; row += Doubles::kCount) {
+      Doubles x = Doubles::load(x_at_ + row), y = Doubles::load(y_at_ + row);
+      for (int column = 0; column < count; ++column, x = x + x_step, y = y + y_step) {
+        x.store_rounded(&x_[column][row]);
+        y.store_rounded(&y_[column][row]);
+      }
+      x.store(x_at_ + row);
+      y.store(y_at_ + row);
     }
   }
 
@@ -189,27 +235,19 @@ class ExactPixels {
   int x(int row, int column) const { return x_[column][row]; }
   int y(int row, int column) const { return y_[column][row]; }
 
-  void place(const Grid& grid) { grid_ = grid; }
-  auto places(int row) const {
-    return [grid = grid_, x = &x_[0][row], y = &y_[0][row]](int column) {
-      return grid.at(x[column * kRows], y[column * kRows]);
-    };
+  template <size_t kPixelBytes>
+  void place(const Grid<kPixelBytes>&) {}
+  template <size_t kPixelBytes>
+  auto places(int row, const Grid<kPixelBytes>& grid) const {
+    return [grid, x = &x_[0][row], y = &y_[0][row]](int column) { return grid.at(x[column * kRows], y[column * kRows]); };
   }
 
  private:
-  static void follow(double (&at)[kRows], double step, int32_t (&whole)[kRows]) {
-    for (int i = 0; i < kRows; ++i) {
-      whole[i] = static_cast<int32_t>(at[i] + std::copysign(0.5, at[i]));
-      at[i] += step;
-    }
-  }
-
   Size source_;
   Point step_, row_step_;
   int count_ = 0;
   double x_at_[kRows], y_at_[kRows];
   int32_t x_[kTileColumns][kRows], y_[kTileColumns][kRows];
-  Grid grid_{};
 };
 
 // Copies the pixels of a row of a tile, a byte or three bytes each.
@@ -270,8 +308,8 @@ class Patch {
 
   const uint8_t* pixels() const { return pixels_[0]; }
   // Of the source's coordinates.
-  Grid grid() const {
-    Grid grid{kStride, 1};
+  Grid<1> grid() const {
+    Grid<1> grid{kStride};
     grid.origin = 0 - grid.way(left_, top_);
     return grid;
   }
@@ -285,18 +323,36 @@ class Patch {
   uint8_t pixels_[kRows][kStride];
 };
 
-// Packs a row of a tile.
+// A row of a tile, a byte or three bytes a pixel, before it is written: byte by byte it would wait for each line of the result
+// to come into cache.
 template <int kDepth>
-void pack(const uint8_t (&pixels)[kTileColumns], uint8_t* target, int count) {
-  uint8_t packed[kTileColumns * kDepth / 8];
-  if constexpr (kDepth == 1) {
-    // Bit i * 8 moves to the highest byte, to its bit 7 - i.
-    for (int i = 0; i < 8; ++i) packed[i] = static_cast<uint8_t>(load_word(pixels + i * 8) * 0x8040201008040201 >> 56);
-  } else {
-    for (int i = 0; i < kTileColumns / 2; ++i) packed[i] = static_cast<uint8_t>(pixels[2 * i] << 4 | pixels[2 * i + 1]);
+struct Line {
+  uint8_t pixels[kTileColumns * (kDepth == 24 ? 3 : 1)];
+
+  void write(uint8_t* target, int count) const {
+    if constexpr (kDepth >= 8) {
+      copy(pixels, target, count);
+    } else {
+      uint8_t packed[kTileColumns * kDepth / 8];
+      if constexpr (kDepth == 1) {
+        // Bit 8 * i moves to bit 7 - i of the highest byte.
+        for (int i = 0; i < 8; ++i) packed[i] = static_cast<uint8_t>(load_word(pixels + i * 8) * 0x8040201008040201 >> 56);
+      } else {
+        for (int i = 0; i < kTileColumns / 2; ++i) packed[i] = static_cast<uint8_t>(pixels[2 * i] << 4 | pixels[2 * i + 1]);
+      }
+      copy(packed, target, count);
+    }
   }
-  std::memcpy(target, packed, row_bytes(kDepth, count));
-}
+
+ private:
+  static void copy(const uint8_t* bytes, uint8_t* target, int count) {
+    constexpr size_t kWhole = row_bytes(kDepth, kTileColumns);
+    if (count == kTileColumns)
+      std::memcpy(target, bytes, kWhole);
+    else
+      std::memcpy(target, bytes, row_bytes(kDepth, count));
+  }
+};
 
 template <int kDepth, class Pixels>
 void write_tile(ConstDibView source, DibView result, Pixels& pixels, int column, int count, int first_row, int rows) {
@@ -313,30 +369,23 @@ void write_tile(ConstDibView source, DibView result, Pixels& pixels, int column,
     for (int i = 0; i < rows; ++i) std::memset(result.row(first_row + i).data() + byte, 0, row_bytes(kDepth, count));
     return;
   }
+  const auto write = [&](const uint8_t* memory, const auto& grid) {
+    pixels.place(grid);
+    for (int i = 0; i < rows; ++i) {
+      Line<kDepth> line{};
+      if constexpr (kDepth == 24)
+        copy_colors(memory, line.pixels, ranges[i], pixels.places(i, grid));
+      else
+        copy_bytes(memory, line.pixels, ranges[i], pixels.places(i, grid));
+      line.write(result.row(first_row + i).data() + byte, count);
+    }
+  };
   if constexpr (kDepth < 8) {
     Patch patch;
     patch.unpack<kDepth>(source, box);
-    pixels.place(patch.grid());
-    for (int i = 0; i < rows; ++i) {
-      uint8_t line[kTileColumns] = {};
-      copy_bytes(patch.pixels(), line, ranges[i], pixels.places(i));
-      pack<kDepth>(line, result.row(first_row + i).data() + byte, count);
-    }
+    write(patch.pixels(), patch.grid());
   } else {
-    constexpr size_t kBytes = kDepth / 8;
-    const uint8_t* const origin = source.row(0).data();
-    pixels.place({static_cast<size_t>(source.stride()), kBytes});
-    for (int i = 0; i < rows; ++i) {
-      const Range range = ranges[i];
-      uint8_t* const target = result.row(first_row + i).data() + byte;
-      std::memset(target, 0, static_cast<size_t>(range.begin) * kBytes);
-      if constexpr (kDepth == 8)
-        copy_bytes(origin, target, range, pixels.places(i));
-      else
-        copy_colors(origin, target, range, pixels.places(i));
-      const int end = std::max(range.begin, range.end);
-      std::memset(target + static_cast<size_t>(end) * kBytes, 0, static_cast<size_t>(count - end) * kBytes);
-    }
+    write(source.row(0).data(), Grid<kDepth / 8>{static_cast<size_t>(source.stride())});
   }
 }
 

@@ -11,7 +11,7 @@ namespace vorel {
 #ifdef __SANITIZE_ADDRESS__
 inline constexpr size_t kLargeBytes = SIZE_MAX;
 #else
-inline constexpr size_t kLargeBytes = size_t{1} << 20;
+inline constexpr size_t kLargeBytes = size_t{4} << 20;
 #endif
 
 struct LargePiece {
