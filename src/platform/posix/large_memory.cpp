@@ -10,7 +10,8 @@ namespace {
 
 constexpr size_t kPage = 4096, kHugePage = size_t{2} << 20;
 
-// What is kept at most, in bytes and pieces. The system may take back the pages of what is kept when it is short of memory.
+// The most that is kept, in bytes and pieces; a single piece may be larger. When the system is short of memory it may take the
+// pages of kept pieces back.
 constexpr size_t kMostKeptBytes = size_t{256} << 20;
 constexpr int kMostKept = 8;
 
@@ -53,11 +54,10 @@ class KeptPieces {
     return best < 0 ? LargePiece{} : remove(best);
   }
 
-  // Keeps a piece; what has to go for it is handed on to be unmapped.
+  // Keeps a piece, the last one whatever its size; older ones that are too many with it are handed on to be unmapped.
   template <class Unmap>
   void keep(const LargePiece& piece, Unmap unmap_piece) {
-    if (piece.room > kMostKeptBytes) return unmap_piece(piece);
-    while (count_ == kMostKept || bytes_ + piece.room > kMostKeptBytes) unmap_piece(remove(0));
+    while (count_ != 0 && (count_ == kMostKept || bytes_ + piece.room > kMostKeptBytes)) unmap_piece(remove(0));
     pieces_[count_++] = piece;
     bytes_ += piece.room;
   }
