@@ -3,6 +3,9 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
+
+#include "common/problem.h"
 
 namespace vorel::cli {
 
@@ -17,7 +20,19 @@ enum class ExitCode {
   kModule = 7,
 };
 
-// Ends the work on one file. The text is "FILE: what was wrong; what to do".
+constexpr ExitCode code_for(programs::Fault fault) {
+  switch (fault) {
+    case programs::Fault::kWrongUse: return ExitCode::kWrongUse;
+    case programs::Fault::kInput: return ExitCode::kInput;
+    case programs::Fault::kFormat: return ExitCode::kFormat;
+    case programs::Fault::kOutput: return ExitCode::kOutput;
+    case programs::Fault::kLimit: return ExitCode::kLimit;
+    case programs::Fault::kModule: return ExitCode::kModule;
+  }
+  return ExitCode::kLimit;
+}
+
+// Ends the work on one file. The text is "FILE: what is wrong; what to do".
 class Failure : public std::runtime_error {
  public:
   Failure(ExitCode code, const std::string& file, const std::string& text)
@@ -28,5 +43,15 @@ class Failure : public std::runtime_error {
  private:
   ExitCode code_;
 };
+
+// Does something with a file: problems become failures in its name.
+template <class Work>
+auto about(const std::string& file, Work&& work) {
+  try {
+    return std::forward<Work>(work)();
+  } catch (const programs::Problem& problem) {
+    throw Failure(code_for(problem.fault()), file, problem.what());
+  }
+}
 
 }  // namespace vorel::cli

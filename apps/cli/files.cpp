@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/failure.h"
+#include "common/platform.h"
 
 namespace vorel::cli {
 namespace fs = std::filesystem;
@@ -47,12 +48,17 @@ ScratchFile::ScratchFile(const std::string& ending) : ScratchFile(fs::temp_direc
 
 ScratchFile::ScratchFile(const fs::path& folder, Readers readers, const std::string& ending)
     : path_(folder / new_name(ending)) {
-  if (const std::error_code error = create_new_file(path_, readers)) throw std::system_error(error);
+  remove_if_stopped(path_);
+  if (const std::error_code error = create_new_file(path_, readers)) {
+    forget_if_stopped(path_);
+    throw std::system_error(error);
+  }
 }
 
 ScratchFile::~ScratchFile() {
   std::error_code ignored;
   fs::remove(path_, ignored);
+  forget_if_stopped(path_);
 }
 
 Input::Input(const std::string& name, std::istream& standard_input)
@@ -74,15 +80,11 @@ Input::Input(const std::string& name, std::istream& standard_input)
     if (!fs::is_regular_file(status)) copy(file);
   }
 
-  const auto loading_path = path_for_library(path_);
-  if (!loading_path) fail("the path is longer than 127 characters; move the file nearer to the root folder");
-  loading_path_ = *loading_path;
-  bytes_ = fs::file_size(path_, error);
-  if (error) fail(fmt::format("its size is unknown ({}); try again", error.message()));
+  file_ = about(label_, [&] { return programs::PictureFile(path_); });
 }
 
 void Input::copy(std::istream& from) try {
-  copy_.emplace();
+  copy_ = std::make_unique<ScratchFile>();
   path_ = copy_->path();
   std::ofstream file(path_, std::ios::binary);
   switch (copy_bytes(from, file)) {
@@ -121,7 +123,7 @@ Output::Output(const std::string& name, bool overwrite, std::ostream& standard_o
 
 bool Output::replaces(const Input& input) const {
   std::error_code error;
-  return stream_ == nullptr && fs::equivalent(target_, input.path(), error);
+  return stream_ == nullptr && fs::equivalent(target_, input.file().path(), error);
 }
 
 bool Output::is_same_as(const Output& other) const {
@@ -145,7 +147,7 @@ void Output::write(const std::string& ending, const Save& save) const try {
 void Output::fail(const std::string& text) const { throw Failure(ExitCode::kOutput, label_, text); }
 
 void Output::save_into(const ScratchFile& file, const Save& save) const {
-  const auto path = path_for_library(file.path());
+  const auto path = programs::path_for_library(file.path());
   if (!path) fail("the path is longer than 127 characters; choose a folder nearer to the root");
   save(*path);
 }

@@ -4,18 +4,19 @@
 #include <filesystem>
 #include <functional>
 #include <iosfwd>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "cli/platform.h"
-#include "common/dib.h"
+#include "common/picture_file.h"
 
 namespace vorel::cli {
 
 // A new, empty file with a name of its own that is removed with its scope, unless it was renamed by then.
 class ScratchFile {
  public:
-  // In the system's temporary folder, for its owner's eyes only, or in a given one. The name ends as asked for. Both throw
+  // In the system's temporary folder, readable by its owner only, or in a given one. `ending` ends the name. Both throw
   // std::system_error.
   explicit ScratchFile(const std::string& ending = "");
   ScratchFile(const std::filesystem::path& folder, Readers readers, const std::string& ending);
@@ -31,29 +32,25 @@ class ScratchFile {
 
 class Input {
  public:
-  // Throws Failure when there is nothing that can be read. The library needs files it can move about in: standard input
-  // ("-"), pipes and devices are copied to a temporary one.
+  // Throws Failure if the input cannot be read. The library needs seekable files: standard input ("-"), pipes and devices are
+  // copied to a temporary one.
   Input(const std::string& name, std::istream& standard_input);
 
   const std::string& label() const { return label_; }  // for messages
-  const std::string& loading_path() const { return loading_path_; }
-  const std::filesystem::path& path() const { return path_; }
-  uintmax_t bytes() const { return bytes_; }
+  const programs::PictureFile& file() const { return *file_; }
 
  private:
   void copy(std::istream& from);
 
   std::string label_;
   std::filesystem::path path_;
-  std::optional<ScratchFile> copy_;
-  std::string loading_path_;
-  uintmax_t bytes_ = 0;
+  std::unique_ptr<ScratchFile> copy_;
+  std::optional<programs::PictureFile> file_;
 };
 
 class Output {
  public:
-  // Refuses what must not be written before any work goes into it: throws Failure if something is there already and may not
-  // be replaced.
+  // Checks the target before any work is done: throws Failure if a file is there already and may not be replaced.
   Output(const std::string& name, bool overwrite, std::ostream& standard_output);
 
   const std::string& label() const { return label_; }  // for messages
@@ -62,8 +59,8 @@ class Output {
   bool replaces(const Input& input) const;
   bool is_same_as(const Output& other) const;
 
-  // Lets `save` write an empty file whose name ends as asked for, given as the library takes it, and puts that in place; or
-  // leaves everything as it was. Throws Failure, and whatever `save` throws.
+  // Hands `save` the path of an empty file, in the form that the library takes, and moves the file to the target when it is
+  // written. On failure the target stays as it was. `ending` ends the file's name. Throws Failure, and whatever `save` throws.
   using Save = std::function<void(const std::string& path)>;
   void write(const std::string& ending, const Save& save) const;
 

@@ -6,12 +6,12 @@
 #include <string>
 #include <system_error>
 
-#include "common/dib.h"
-#include "common/platform.h"
+#include "common/picture.h"
 
 namespace vorel::cli {
 
-// Binary standard streams, and no message box or signal in place of an error code. Called once, by main().
+// Binary standard streams, no message box or signal in place of an error code, and no scratch file left behind by Ctrl+C. Called
+// once, by main().
 void prepare_process();
 
 enum class Readers { kOwner, kAsUsual };
@@ -19,32 +19,17 @@ enum class Readers { kOwner, kAsUsual };
 // Makes an empty file where there is nothing yet.
 std::error_code create_new_file(const std::filesystem::path& path, Readers readers);
 
+// A file that is removed when a signal, or closing the console, ends the program; and one that is not any longer.
+void remove_if_stopped(const std::filesystem::path& path);
+void forget_if_stopped(const std::filesystem::path& path);
+
 // Renames a file, but never over another one.
 std::error_code move_to_free_name(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // Whether somebody watches the standard error stream.
 bool standard_error_is_terminal();
 
-// Whether this build has what draws metafiles, text and device bitmaps.
-bool has_drawing();
-
-// A text file drawn as a bitmap, black on white. Null if that fails.
-Dib drawn_text(const std::string& path, bool is_oem);
-
-// A file opened for the library's functions that take one, closed with its scope.
-class LibraryFile {
- public:
-  explicit LibraryFile(const std::string& path);
-  LibraryFile(const LibraryFile&) = delete;
-  LibraryFile& operator=(const LibraryFile&) = delete;
-  ~LibraryFile();
-
-  HFILE get() const { return handle_; }
-  bool is_open() const { return handle_ != HFILE_ERROR; }
-  int64_t position() const;  // bytes from the start
-
- private:
-  HFILE handle_;
-};
+// A text file drawn as a bitmap, black on white. Throws Problem if that fails.
+programs::Picture drawn_text(const std::string& path, bool is_oem);
 
 }  // namespace vorel::cli

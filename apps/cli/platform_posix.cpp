@@ -1,17 +1,63 @@
+#include <atomic>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
 
 #include "cli/platform.h"
+#include "common/picture_file.h"
 
 namespace vorel::cli {
+namespace {
+
+// A signal handler may call few functions, so names wait here ready to be used.
+enum : int { kFree, kFilling, kTaken };
+struct Slot {
+  std::atomic<int> state = kFree;
+  char path[PATH_MAX] = {};
+};
+Slot slots[8];  // more than the tool has scratch files at a time
+static_assert(std::atomic<int>::is_always_lock_free);
+
+void end_by_signal(int signal) {
+  for (Slot& slot : slots)
+    if (slot.state == kTaken) ::unlink(slot.path);
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+}  // namespace
 
 // A reader that goes away and a limit on the size of files are errors like any other: to be stopped by their signals would
 // leave temporary files behind.
 void prepare_process() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction action = {};
+    ::sigaction(signal, nullptr, &action);
+    if (action.sa_handler == SIG_IGN) continue;  // as under nohup
+    action = {};
+    action.sa_handler = end_by_signal;
+    ::sigaction(signal, &action, nullptr);
+  }
+}
+
+void remove_if_stopped(const std::filesystem::path& path) {
+  for (Slot& slot : slots) {
+    int expected = kFree;
+    if (path.native().size() >= sizeof slot.path || !slot.state.compare_exchange_strong(expected, kFilling)) continue;
+    path.native().copy(slot.path, sizeof slot.path);
+    slot.path[path.native().size()] = 0;
+    slot.state = kTaken;
+    return;
+  }
+}
+
+void forget_if_stopped(const std::filesystem::path& path) {
+  for (Slot& slot : slots)
+    if (slot.state == kTaken && path.native() == slot.path) slot.state = kFree;
 }
 
 std::error_code create_new_file(const std::filesystem::path& path, Readers readers) {
@@ -40,16 +86,9 @@ std::error_code move_to_free_name(const std::filesystem::path& from, const std::
 
 bool standard_error_is_terminal() { return ::isatty(STDERR_FILENO) != 0; }
 
-bool has_drawing() { return false; }
-
-Dib drawn_text(const std::string&, bool) { return nullptr; }
-
-LibraryFile::LibraryFile(const std::string& path) : handle_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
-
-LibraryFile::~LibraryFile() {
-  if (is_open()) ::close(handle_);
+programs::Picture drawn_text(const std::string&, bool) {
+  programs::require_drawing("text");
+  return {};
 }
-
-int64_t LibraryFile::position() const { return ::lseek(handle_, 0, SEEK_CUR); }
 
 }  // namespace vorel::cli

@@ -8,9 +8,11 @@ void require_printing() {
                 "printing needs the Windows build of this tool; run vorel.exe on Windows or under Wine");
 }
 
-PrintJob::PrintJob(const std::string&, const std::string&, ImgPrintOptions, int) { require_printing(); }
+std::vector<std::string> names_of_printers() { return {}; }
+
+PrintJob::PrintJob(const std::string&, const std::string&, const PaperLayout&, int) { require_printing(); }
 PrintJob::~PrintJob() = default;
-void PrintJob::print(const Picture&, int) { require_printing(); }
+void PrintJob::print(const programs::Picture&, int) { require_printing(); }
 void PrintJob::end() { require_printing(); }
 
 }  // namespace vorel::cli

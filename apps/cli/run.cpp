@@ -1,5 +1,6 @@
 #include "cli/run.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 
@@ -49,7 +50,7 @@ class CommandLine {
   }
 
   ExitCode run(std::vector<std::string> arguments, const Streams& streams) {
-    const std::string first = arguments.empty() ? "" : arguments.front();
+    const std::vector<std::string> given = arguments;
     try {
       std::ranges::reverse(arguments);  // the parser takes them from the back
       app_.parse(std::move(arguments));
@@ -60,27 +61,40 @@ class CommandLine {
       streams.output << version() << '\n';
       return ExitCode::kDone;
     } catch (const CLI::ParseError& error) {
-      print_error(streams.errors, wrong_use(error, first));
+      print_error(streams.errors, wrong_use(error, given));
       return ExitCode::kWrongUse;
     }
     return action_(streams);
   }
 
  private:
-  std::string wrong_use(const CLI::ParseError& error, const std::string& first) const {
+  std::string wrong_use(const CLI::ParseError& error, const std::vector<std::string>& given) const {
+    const std::string first = given.empty() ? "" : given.front();
     const auto chosen = app_.get_subcommands();
     if (!chosen.empty()) {
       const std::string verb = chosen.front()->get_name();
-      return verb + ": " + error.what() + "; see \"vorel " + verb + " --help\"";
+      return verb + ": " + error.what() + "; " + dash_hint(given) + "see \"vorel " + verb + " --help\"";
     }
     const bool is_word = !first.empty() && first[0] != '-';
     return (is_word ? first + ": there is no such verb" : "a verb is missing") + "; see \"vorel --help\"";
   }
 
+  // A file whose name begins with a dash looks like an option.
+  static std::string dash_hint(const std::vector<std::string>& given) {
+    const auto looks_like_a_file = [](const std::string& text) {
+      return text.starts_with('-') && text.find('.') != std::string::npos && text.find('=') == std::string::npos;
+    };
+    const bool has_end = std::ranges::find(given, "--") != given.end();
+    const auto found = std::ranges::find_if(given, looks_like_a_file);
+    if (has_end || found == given.end()) return {};
+    return "write -- in front of file names that begin with a dash, as in \"-- " + *found + "\"; ";
+  }
+
   void declare(const Verb& verb) {
     CLI::App* app = app_.add_subcommand(verb.name, verb.purpose);
     app->group("Verbs");
-    const Action action = verb.declare(*app);
+    Arguments arguments(*app);
+    const Action action = verb.declare(arguments);
     app->final_callback([this, action] { action_ = action; });
   }
 
@@ -103,6 +117,8 @@ void print_error(std::ostream& errors, std::string text) {
       text, [](unsigned char c) { return c < ' ' || c == 127; }, ' ');
   errors << "vorel: " << text << std::endl;
 }
+
+void print_note(std::ostream& errors, const std::string& text) { print_error(errors, "note: " + text); }
 
 ExitCode each_file(const std::vector<std::string>& files, const Streams& streams,
                    const std::function<void(const std::string&)>& work) {
@@ -129,6 +145,9 @@ int run(std::vector<std::string> arguments, std::istream& input, std::ostream& o
     } catch (const Failure& failure) {
       print_error(errors, failure.what());
       return static_cast<int>(failure.code());
+    } catch (const programs::Problem& problem) {
+      print_error(errors, problem.what());
+      return static_cast<int>(code_for(problem.fault()));
     } catch (const std::exception& error) {
       print_error(errors,
                   std::string("out of memory or at another limit (") + error.what() + "); close programs and try again");

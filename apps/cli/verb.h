@@ -1,12 +1,12 @@
 // What a verb of the tool is, and the list of all verbs.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>
 
+#include "cli/arguments.h"
 #include "cli/failure.h"
 
 namespace vorel::cli {
@@ -23,8 +23,8 @@ using Action = std::function<ExitCode(const Streams&)>;
 
 struct Verb {
   const char* name;
-  const char* purpose;               // one line
-  Action (*declare)(CLI::App& app);  // tells the verb's arguments and help
+  const char* purpose;                      // one line
+  Action (*declare)(Arguments& arguments);  // tells the verb's arguments and help
 };
 
 // In the order of the help.
@@ -38,7 +38,8 @@ inline constexpr const Verb* kVerbs[] = {&kInfo, &kConvert, &kText,    &kPages, 
 ExitCode each_file(const std::vector<std::string>& files, const Streams& streams,
                    const std::function<void(const std::string&)>& work);
 
-// Prints an error as one line.
+// Prints an error, or a note that ends nothing, as one line.
 void print_error(std::ostream& errors, std::string text);
+void print_note(std::ostream& errors, const std::string& text);
 
 }  // namespace vorel::cli

@@ -5,12 +5,19 @@
 #include <optional>
 #include <string>
 
+#include "common/picture.h"
 #include "platform/module.h"
 
-namespace vorel {
+namespace vorel::programs {
 
 // The path as the library takes it, for a file that exists. None if no spelling of it is short and plain enough.
 std::optional<std::string> path_for_library(const std::filesystem::path& path);
+
+// Whether this build has what draws metafiles, text and device bitmaps.
+bool has_drawing();
+
+// A metafile's whole picture, given what the library has loaded of it: of a large one it draws a part. Throws Problem.
+Picture whole_metafile(const std::filesystem::path& path, Picture loaded);
 
 // The folder that the library was loaded from.
 FolderName library_folder();
@@ -20,4 +27,4 @@ struct CodecModule : LoadedModule {
   explicit CodecModule(const char* name) : LoadedModule(module_file_name(name).c_str(), library_folder()) {}
 };
 
-}  // namespace vorel
+}  // namespace vorel::programs

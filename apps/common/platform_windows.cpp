@@ -3,7 +3,7 @@
 
 #include "common/platform.h"
 
-namespace vorel {
+namespace vorel::programs {
 namespace {
 
 constexpr size_t kLongestPath = 127;
@@ -32,4 +32,6 @@ std::optional<std::string> path_for_library(const std::filesystem::path& path) {
 // The address of a function would be that of this program's way to it.
 FolderName library_folder() { return folder_of_code(GetModuleHandleW(L"VOREL32.DLL")); }
 
-}  // namespace vorel
+bool has_drawing() { return true; }
+
+}  // namespace vorel::programs

@@ -2,12 +2,17 @@
 
 #include <algorithm>
 #include <iterator>
+#include <sstream>
 
+#include "common/bitmap_file.h"
+#include "common/forms.h"
+#include "platform/memory.h"
 #include "viewer/failure.h"
-#include "viewer/picture.h"
 
 namespace vorel::viewer {
 namespace {
+
+using programs::Picture;
 
 // The clipboard, open for a scope.
 class OpenedClipboard {
@@ -20,64 +25,28 @@ class OpenedClipboard {
   ~OpenedClipboard() { CloseClipboard(); }
 };
 
-// The block belongs to the clipboard.
-Dib copy_of_block(HGLOBAL block) {
-  const size_t bytes = GlobalSize(block);
-  Dib copy(GlobalAlloc(GHND, bytes));
-  const void* data = GlobalLock(block);
-  if (data == nullptr || !copy || bytes < sizeof(BITMAPINFOHEADER)) {
-    GlobalUnlock(block);
-    throw Failure(L"The picture on the clipboard cannot be read");
-  }
-  std::memcpy(DibLock(copy).bytes().data(), data, bytes);
-  GlobalUnlock(block);
-  return copy;
-}
-
-constexpr size_t kMasks = 3 * sizeof(DWORD);
-
-bool has_masks_of_true_color(const Dib& dib) {
-  const DibLock lock(dib);
-  const BITMAPINFOHEADER header = lock.header();
-  if (header.biSize != sizeof header || header.biBitCount != 32 || header.biCompression != BI_BITFIELDS) return false;
-  if (lock.bytes().size() < sizeof header + kMasks) return false;
-  DWORD masks[3];
-  std::memcpy(masks, lock.bytes().data() + sizeof header, sizeof masks);
-  return masks[0] == 0xFF0000 && masks[1] == 0xFF00 && masks[2] == 0xFF;
-}
-
-// Masks that say what 32 bits mean anyway are in the library's way.
-Dib without_masks(Dib dib) {
-  if (!has_masks_of_true_color(dib)) return dib;
-  const DibLock lock(dib);
-  const auto bytes = lock.bytes();
-  BITMAPINFOHEADER header = lock.header();
-  header.biCompression = BI_RGB;
-  header.biClrUsed = 0;
-  std::memcpy(bytes.data(), &header, sizeof header);
-  std::ranges::copy(bytes.subspan(sizeof header + kMasks), bytes.subspan(sizeof header).begin());
-  return dib;
-}
-
-Dib pasted_dib(HWND owner) {
+// The block belongs to the clipboard. It may have colour masks and any order of rows.
+Picture pasted_dib(HWND owner) {
   const OpenedClipboard clipboard(owner);
-  const HANDLE block = GetClipboardData(CF_DIB);
-  if (block == nullptr) throw Failure(L"There is no picture on the clipboard");
-  return without_masks(copy_of_block(block));
+  const auto block = LockedBlock::lock(GetClipboardData(CF_DIB));
+  if (!block) throw Failure(L"There is no picture on the clipboard");
+  std::istringstream bytes(std::string(block->bytes().begin(), block->bytes().end()));
+  return about(L"The picture on the clipboard cannot be read",
+               [&] { return programs::read_bitmap(bytes, block->bytes().size()); });
 }
 
 // The library opens the clipboard itself, and draws what is there.
-Dib pasted_metafile(HWND owner) {
+Picture pasted_metafile(HWND owner) {
   SetImgError(IMG_OK);
-  Dib dib(PlaceMetaFileIntoDIBFromCLP(owner));
-  if (!dib) throw Failure(L"The metafile on the clipboard is not pasted: " + reason(0, L"it cannot be drawn"));
-  return dib;
+  const HGLOBAL dib = PlaceMetaFileIntoDIBFromCLP(owner);
+  if (dib == nullptr) throw Failure(L"The metafile on the clipboard is not pasted: " + reason(0, L"it cannot be drawn"));
+  return Picture(dib);
 }
 
 // The first that is there counts. The system makes metafile pictures of enhanced metafiles, but none of bitmaps.
 constexpr struct {
   UINT format;
-  Dib (*paste)(HWND owner);
+  Picture (*paste)(HWND owner);
 } kKinds[] = {{CF_METAFILEPICT, pasted_metafile}, {CF_DIB, pasted_dib}};
 
 const auto* first_kind_there() {
@@ -88,18 +57,20 @@ const auto* first_kind_there() {
 
 bool can_paste() { return first_kind_there() != std::end(kKinds); }
 
-Dib paste_picture(HWND owner) {
+Picture paste_picture(HWND owner) {
   const auto* kind = first_kind_there();
   if (kind == std::end(kKinds)) throw Failure(L"There is no picture on the clipboard");
-  return normalised(kind->paste(owner));
+  return programs::with_whole_table(programs::workable(kind->paste(owner)));
 }
 
-void copy_picture(HWND owner, const Dib& dib) {
-  Dib copy = copy_of(dib);
+void copy_picture(HWND owner, const Picture& picture) {
+  Picture copy = picture.copy();
   const OpenedClipboard clipboard(owner);
   EmptyClipboard();
-  if (SetClipboardData(CF_DIB, copy.get()) == nullptr) throw Failure(L"The clipboard does not take the picture");
-  static_cast<void>(copy.release());  // the clipboard's from now on
+  const HGLOBAL block = copy.release();
+  if (SetClipboardData(CF_DIB, block) != nullptr) return;  // the clipboard's from now on
+  GlobalFree(block);
+  throw Failure(L"The clipboard does not take the picture");
 }
 
 }  // namespace vorel::viewer

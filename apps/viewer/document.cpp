@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "viewer/picture.h"
 #include "viewer/picture_file.h"
 
 namespace vorel::viewer {
@@ -14,34 +13,33 @@ Document Document::from_file(const std::filesystem::path& path, int page) {
   document.path_ = std::filesystem::absolute(path);
   document.page_ = page;
   document.pages_ = loaded.pages;
-  document.current_.dib = std::move(loaded.dib);
+  document.current_.picture = std::move(loaded.picture);
   return document;
 }
 
-Document Document::untitled(Dib dib) {
+Document Document::untitled(programs::Picture picture) {
   Document document;
-  document.current_ = {std::move(dib), true};
+  document.current_ = {std::move(picture), true};
   return document;
 }
 
 PictureFacts Document::facts() const {
   if (!is_open()) return {};
-  const BITMAPINFOHEADER header = header_of(current_.dib);
   return {.name = path_.empty() ? L"Untitled" : path_.filename().wstring(),
           .page = page_,
           .pages = pages_,
-          .width = header.biWidth,
-          .height = header.biHeight,
-          .depth = header.biBitCount,
+          .width = current_.picture.width(),
+          .height = current_.picture.height(),
+          .depth = current_.picture.depth(),
           .changed = current_.is_changed};
 }
 
-void Document::change(Dib dib) { previous_ = std::exchange(current_, Version{std::move(dib), true}); }
+void Document::change(programs::Picture picture) { previous_ = std::exchange(current_, Version{std::move(picture), true}); }
 
 void Document::undo() { std::swap(current_, previous_); }
 
-void Document::save_as(const std::filesystem::path& path, const Format& format) {
-  save_picture(path, current_.dib, format);
+void Document::save_as(const std::filesystem::path& path, const FileFormat& format) {
+  save_picture(path, current_.picture, format);
   path_ = path;
   page_ = pages_ = 1;
   current_.is_changed = false;

@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "common/dib.h"
-#include "common/formats.h"
+#include "common/picture.h"
+#include "core/file_formats.h"
 #include "viewer/logic/texts.h"
 
 namespace vorel::viewer {
@@ -16,12 +16,12 @@ class Document {
   // Throws Failure.
   static Document from_file(const std::filesystem::path& path, int page);
   // A picture that is in no file yet.
-  static Document untitled(Dib dib);
+  static Document untitled(programs::Picture picture);
 
-  bool is_open() const { return current_.dib != nullptr; }
+  bool is_open() const { return static_cast<bool>(current_.picture); }
   bool is_changed() const { return current_.is_changed; }
-  bool can_undo() const { return previous_.dib != nullptr; }
-  const Dib& dib() const { return current_.dib; }
+  bool can_undo() const { return static_cast<bool>(previous_.picture); }
+  const programs::Picture& picture() const { return current_.picture; }
   const std::filesystem::path& path() const { return path_; }  // empty for a picture that is in no file
   int page() const { return page_; }
   int pages() const { return pages_; }
@@ -30,15 +30,15 @@ class Document {
   PictureFacts facts() const;
 
   // Another picture takes the place of this one, which undo brings back; undone, a change can be undone again.
-  void change(Dib dib);
+  void change(programs::Picture picture);
   void undo();
 
   // Throws Failure. The document goes by the new file from then on.
-  void save_as(const std::filesystem::path& path, const Format& format);
+  void save_as(const std::filesystem::path& path, const FileFormat& format);
 
  private:
   struct Version {
-    Dib dib;
+    programs::Picture picture;
     bool is_changed = false;  // since it was loaded or saved
   };
 

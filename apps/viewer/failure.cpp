@@ -1,10 +1,16 @@
 #include "viewer/failure.h"
 
+#include <filesystem>
+
 #include <vorel32.h>
 
 #include "viewer/logic/texts.h"
 
 namespace vorel::viewer {
+
+std::wstring widened(const std::string& utf8) {
+  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).wstring();
+}
 
 std::wstring reason(int status, const wchar_t* otherwise) {
   const int code = status != IMG_OK ? status : ImgError();

@@ -9,16 +9,18 @@ namespace {
 std::wstring widened(const char* text) { return {text, text + std::char_traits<char>::length(text)}; }
 
 // "*.tif;*.tiff"
-std::wstring patterns_of(const Format& format) {
+std::wstring patterns_of(const FileFormat& format) {
   std::wstring patterns;
-  for (const char* ending : format.endings) patterns += (patterns.empty() ? L"*." : L";*.") + widened(ending);
+  for (const char* ending : format.endings)
+    if (ending != nullptr) patterns += (patterns.empty() ? L"*." : L";*.") + widened(ending);
   return patterns;
 }
 
-// The formats that have endings, in the order of saving_words.
-std::vector<const Format*> formats_with_endings() {
-  std::vector<const Format*> formats;
-  for (const std::string& word : saving_words()) formats.push_back(format_called(word));
+// The formats that can be saved. The other ones have no endings.
+std::vector<const FileFormat*> formats_with_endings() {
+  std::vector<const FileFormat*> formats;
+  for (const FileFormat& format : file_formats())
+    if (format.endings[0] != nullptr) formats.push_back(&format);
   return formats;
 }
 
@@ -27,13 +29,13 @@ std::wstring filter_of(const std::wstring& name, const std::wstring& patterns) {
 
 std::wstring opening_filter() {
   std::wstring all;
-  for (const Format* format : formats_with_endings()) all += (all.empty() ? L"" : L";") + patterns_of(*format);
+  for (const FileFormat* format : formats_with_endings()) all += (all.empty() ? L"" : L";") + patterns_of(*format);
   return filter_of(L"Pictures", all) + filter_of(L"All files", L"*.*");
 }
 
 std::wstring saving_filter() {
   std::wstring filter;
-  for (const Format* format : formats_with_endings()) filter += filter_of(widened(format->name), patterns_of(*format));
+  for (const FileFormat* format : formats_with_endings()) filter += filter_of(widened(format->name), patterns_of(*format));
   return filter;
 }
 
@@ -52,7 +54,7 @@ OPENFILENAMEW dialog_for(HWND owner, const std::wstring& filter, std::wstring& n
 }
 
 // The filter that belongs to a format, counted from 1.
-DWORD filter_index_of(const Format* format) {
+DWORD filter_index_of(const FileFormat* format) {
   const auto formats = formats_with_endings();
   const auto found = std::ranges::find(formats, format);
   return found == formats.end() ? 1 : static_cast<DWORD>(found - formats.begin()) + 1;
@@ -71,17 +73,17 @@ std::optional<SavingChoice> ask_for_file_to_save(HWND owner, const std::filesyst
   const std::wstring filter = saving_filter();
   std::wstring name = offered.wstring();
   OPENFILENAMEW dialog = dialog_for(owner, filter, name, OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST);
-  const Format* usual = format_by_name(offered);
-  const std::wstring ending = widened((usual != nullptr ? usual : formats_with_endings().front())->endings.front());
+  const FileFormat* usual = format_by_name(offered);
+  const std::wstring ending = widened((usual != nullptr ? usual : formats_with_endings().front())->endings[0]);
   dialog.nFilterIndex = filter_index_of(usual);
   dialog.lpstrDefExt = ending.c_str();  // the dialog takes that of the chosen filter instead
   if (!GetSaveFileNameW(&dialog)) return std::nullopt;
   const std::filesystem::path path = name.c_str();
-  const Format* format = format_by_name(path);
+  const FileFormat* format = format_by_name(path);
   return SavingChoice{path, format != nullptr ? format : formats_with_endings()[dialog.nFilterIndex - 1]};
 }
 
-const Format* format_by_name(const std::filesystem::path& path) {
+const FileFormat* format_by_name(const std::filesystem::path& path) {
   std::string ending;  // endings of pictures are plain
   for (const wchar_t character : path.extension().wstring()) ending += character < 128 ? static_cast<char>(character) : '?';
   return format_for_name(ending);

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "common/formats.h"
+#include "core/file_formats.h"
 #include "viewer/system.h"
 
 namespace vorel::viewer {
@@ -13,7 +13,7 @@ std::optional<std::filesystem::path> ask_for_file_to_open(HWND owner);
 
 struct SavingChoice {
   std::filesystem::path path;
-  const Format* format;
+  const FileFormat* format;
 };
 
 // The format is the one that the name's ending says, or else the chosen one.
@@ -21,6 +21,6 @@ struct SavingChoice {
 std::optional<SavingChoice> ask_for_file_to_save(HWND owner, const std::filesystem::path& name);
 
 // By the ending of its name; null for what is no picture's.
-const Format* format_by_name(const std::filesystem::path& path);
+const FileFormat* format_by_name(const std::filesystem::path& path);
 
 }  // namespace vorel::viewer

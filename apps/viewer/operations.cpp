@@ -1,132 +1,87 @@
 #include "viewer/operations.h"
 
 #include <algorithm>
-#include <cstring>
-#include <utility>
 
+#include "common/forms.h"
+#include "common/operations.h"
 #include "viewer/failure.h"
 #include "viewer/logic/texts.h"
-#include "viewer/picture.h"
 
 namespace vorel::viewer {
 namespace {
 
+using programs::Picture;
+
 // ---- Turning and mirroring ----
 
-Dib turned_right(const Dib& dib, const Numbers&) { return Dib(RotateDIB90(dib.get())); }
-Dib turned_by_half(const Dib& dib, const Numbers&) { return Dib(RotateDIB180(dib.get())); }
-
-// RotateDIB270 moves the picture by a column; two other turns together do not.
-Dib turned_left(const Dib& dib, const Numbers&) {
-  const Dib right(RotateDIB90(dib.get()));
-  return Dib(RotateDIB180(right.get()));
+template <int degrees>
+Picture turned_by(Picture picture, const Numbers&) {
+  return programs::turned(std::move(picture), degrees);
 }
 
-Dib mirrored_across(const Dib& dib, const Numbers&) { return Dib(FlipDIBHorizontal(dib.get())); }
-Dib mirrored_down(const Dib& dib, const Numbers&) { return Dib(FlipDIBVertical(dib.get())); }
+Picture turned_by_angle(Picture picture, const Numbers& numbers) { return programs::turned(std::move(picture), numbers[0]); }
 
-Dib turned_by_angle(const Dib& dib, const Numbers& numbers) {
-  constexpr int kExactPositions = 0;
-  return Dib(RotateDIB(dib.get(), -numbers[0], kExactPositions, nullptr, nullptr));
-}
+Picture mirrored_across(Picture picture, const Numbers&) { return programs::mirrored_left_right(std::move(picture)); }
+Picture mirrored_down(Picture picture, const Numbers&) { return programs::mirrored_top_bottom(std::move(picture)); }
 
 // ---- Size and shape ----
 
-unsigned scaled(LONG pixels, int per_cent) { return static_cast<unsigned>(std::max(1, MulDiv(pixels, per_cent, 100))); }
+int scaled(int pixels, int per_cent) { return std::max(1, MulDiv(pixels, per_cent, 100)); }
 
-template <int mode>
-Dib scaled_by(const Dib& dib, const Numbers& numbers) {
-  const BITMAPINFOHEADER header = header_of(dib);
-  return Dib(ScaleDIB(dib.get(), mode, scaled(header.biWidth, numbers[0]), scaled(header.biHeight, numbers[1])));
+template <programs::Resampling resampling>
+Picture scaled_by(Picture picture, const Numbers& numbers) {
+  const Size size = {scaled(picture.width(), numbers[0]), scaled(picture.height(), numbers[1])};
+  return programs::scaled(std::move(picture), size, resampling);
 }
-constexpr int kLinear = 0, kCubic = 1;
+constexpr auto kLinear = programs::Resampling::kLinear, kCubic = programs::Resampling::kCubic;
 
-Dib skewed_rows(const Dib& dib, const Numbers& numbers) { return Dib(SkewDIB(dib.get(), 1, numbers[0], nullptr, nullptr)); }
-Dib skewed_columns(const Dib& dib, const Numbers& numbers) {
-  return Dib(SkewDIB(dib.get(), 0, numbers[0], nullptr, nullptr));
+template <programs::Shear shear>
+Picture skewed(Picture picture, const Numbers& numbers) {
+  return programs::skewed(std::move(picture), shear, numbers[0]);
 }
 
 // ---- Colours ----
 
-// The colours of a table, or the pixels where there is none.
-Dib negative(const Dib& dib, const Numbers&) {
-  Dib result = copy_of(dib);
-  const DibLock lock(result);
-  BITMAPINFOHEADER header = lock.header();
-  if (header.biBitCount > 8) {
-    for (uint8_t& byte : lock.pixels()) byte = static_cast<uint8_t>(~byte);
-    return result;
-  }
-  header.biClrUsed = 1u << header.biBitCount;  // as many colours are turned as it says
-  std::memcpy(lock.bytes().data(), &header, sizeof header);
-  InvertDIBPalette(result.get());
-  return result;
+Picture negative(Picture picture, const Numbers&) { return programs::negative(std::move(picture)); }
+
+template <programs::GrayWeights weights>
+Picture gray(Picture picture, const Numbers&) {
+  return programs::gray(std::move(picture), weights);
 }
 
-// What the library makes of black and white without their colours goes by the bits.
-template <int weighted>
-Dib gray(const Dib& dib, const Numbers&) {
-  constexpr int kPlain = 0;
-  const bool is_bilevel = header_of(dib).biBitCount == 1;
-  return Dib(is_bilevel ? ConvMonoDIBtoGrayscale(dib.get(), kPlain) : ConvColorDIBtoGrayscale(dib.get(), kPlain, weighted));
+Picture toned(Picture picture, const Numbers& numbers) {
+  return programs::toned(std::move(picture), numbers[0], numbers[1]);
 }
 
-Dib brighter(const Dib& dib, const Numbers& numbers) {
-  return Dib(ColorBrightnessContrast(dib.get(), static_cast<short>(numbers[0]), static_cast<short>(numbers[1])));
-}
-
-Dib in_true_color(const Dib& dib, const Numbers&) {
-  if (header_of(dib).biBitCount != 1) return Dib(Convert8to24(dib.get()));
-  const Dib grays(ConvMonoDIBtoGrayscale(dib.get(), 0));
-  return Dib(Convert8to24(grays.get()));
-}
+Picture in_true_color(Picture picture, const Numbers&) { return programs::in_true_color(std::move(picture)); }
 
 // ---- Filters ----
 
-enum FilterType : short { kBox = 3, kWeighted = 4, kSharpenByFour = 5, kSharpenByEight = 6 };
-
-// Pixels of 8 bits would be taken for greys whatever their colours are.
-template <short type, int size>
-Dib filtered(const Dib& dib, const Numbers& numbers) {
-  constexpr int kInPlace = 0, kByWeight = 1;
-  Dib colors = header_of(dib).biBitCount == 24 ? copy_of(dib) : in_true_color(dib, numbers);
-  if (!colors) return {};
-  int error = IMG_OK;
-  ColorConvolution(colors.get(), kInPlace, kByWeight, type, size, nullptr, nullptr, &error);
-  SetImgError(error);
-  return error == IMG_OK ? std::move(colors) : Dib();
+// Black and white, and few colours, are filtered with 24 bits.
+template <programs::Filter filter, int size>
+Picture filtered(Picture picture, const Numbers&) {
+  if (picture.depth() < 8) picture = programs::in_true_color(std::move(picture));
+  return programs::filtered(std::move(picture),
+                            {.filter = filter, .size = size, .intensity = programs::GrayWeights::kByColor});
 }
 
-template <int mode>
-Dib cleaned(const Dib& dib, const Numbers& numbers) {
-  return Dib(CleanImage(dib.get(), numbers[0], mode));
+template <programs::Cleaning cleaning>
+Picture cleaned(Picture picture, const Numbers& numbers) {
+  return programs::cleaned(std::move(picture), numbers[0], cleaning);
 }
-constexpr int kGentle = 0, kAll = 1;
 
 // ---- Few colours ----
 
-bool has_more_bits(const Dib& dib, int bits) {
-  if (header_of(dib).biBitCount > bits) return true;
-  SetImgError(IMG_E_NOTHING_TO_CONVERT);
-  return false;
+template <int method, int bits>
+Picture dithered(Picture picture, const Numbers&) {
+  return programs::dithered(std::move(picture), programs::dither_methods()[method], bits);
 }
+enum DitherNumber { kFourNeighbours, kTwelveNeighbours, kSmooth, kSharp };
 
-template <auto dither, int bits>
-Dib dithered(const Dib& dib, const Numbers&) {
-  return has_more_bits(dib, bits) ? Dib(dither(dib.get(), bits)) : Dib();
+template <programs::Halftone method>
+Picture halftoned(Picture picture, const Numbers& numbers) {
+  return programs::halftoned(std::move(picture), method, numbers[0]);
 }
-
-// In full colour the library puts rows together wrongly; greys come out right.
-template <WORD method>
-Dib halftoned(const Dib& dib, const Numbers& numbers) {
-  if (!has_more_bits(dib, 1)) return {};
-  const Dib grays = header_of(dib).biBitCount == 24 ? gray<1>(dib, numbers) : copy_of(dib);
-  WORD error = IMG_OK;
-  Dib result(Halftone(grays.get(), method, numbers[0], &error));
-  SetImgError(error);
-  return result;
-}
-constexpr WORD kThreshold = 0, kDiffusion = 1, kOrdered = 2;
 
 // ---- The menu ----
 
@@ -135,7 +90,6 @@ constexpr const wchar_t* kShape = L"&Size and shape";
 constexpr const wchar_t* kColor = L"&Colours";
 constexpr const wchar_t* kFilter = L"&Filter";
 constexpr const wchar_t* kReduce = L"&Few colours";
-constexpr const wchar_t* kGrays = L"it takes greys of 1 or 8 bits per pixel";
 
 const Parameter kAngle = {L"&Degrees to the right", -360, 360, 5};
 const Parameter kAcross = {L"&Pixels to the right", -10'000, 10'000, 100};
@@ -147,49 +101,47 @@ const Parameter kLevel = {L"&Level", 20, 100, 60};
 const Parameter kBrightness = {L"&Brightness", -255, 255, 0};
 
 const Operation kOperations[] = {
-    {kTurn, L"A quarter to the &right", {'R'}, turned_right},
-    {kTurn, L"A quarter to the &left", {'L'}, turned_left},
-    {kTurn, L"By &half", {'U'}, turned_by_half},
+    {kTurn, L"A quarter to the &right", {'R'}, turned_by<90>},
+    {kTurn, L"A quarter to the &left", {'L'}, turned_by<270>},
+    {kTurn, L"By &half", {'U'}, turned_by<180>},
     {kTurn, L"&Mirror left and right", {'M'}, mirrored_across},
     {kTurn, L"Mirror &top and bottom", {'M', false, true}, mirrored_down},
     {kTurn, L"By an &angle...", {'A'}, turned_by_angle, {kAngle}},
     {kShape, L"Scale, &linear...", {'S'}, scaled_by<kLinear>, kSize},
     {kShape, L"Scale, &cubic...", {}, scaled_by<kCubic>, kSize},
-    {kShape, L"Skew &rows...", {}, skewed_rows, {kAcross}},
-    {kShape, L"Skew c&olumns...", {}, skewed_columns, {kUp}},
+    {kShape, L"Skew &rows...", {}, skewed<programs::Shear::kRows>, {kAcross}},
+    {kShape, L"Skew c&olumns...", {}, skewed<programs::Shear::kColumns>, {kUp}},
     {kColor, L"&Negative", {'N'}, negative},
-    {kColor, L"&Greys", {'G'}, gray<1>},
-    {kColor, L"Greys, all colours &alike", {}, gray<0>},
-    {kColor, L"&Brightness and contrast...", {'B'}, brighter, kTones},
+    {kColor, L"&Greys", {'G'}, gray<programs::GrayWeights::kByColor>},
+    {kColor, L"Greys, all colours &alike", {}, gray<programs::GrayWeights::kEqual>},
+    {kColor, L"&Brightness and contrast...", {'B'}, toned, kTones},
     {kColor, L"&24 bits", {}, in_true_color},
-    {kFilter, L"&Blur, 3 x 3", {}, filtered<kBox, 3>},
-    {kFilter, L"Blur, &5 x 5", {}, filtered<kBox, 5>},
-    {kFilter, L"Blur, &7 x 7", {}, filtered<kBox, 7>},
-    {kFilter, L"Blur with &weights", {}, filtered<kWeighted, 3>},
-    {kFilter, L"&Sharpen", {}, filtered<kSharpenByFour, 3>},
-    {kFilter, L"Sharpen &more", {}, filtered<kSharpenByEight, 3>},
-    {kFilter, L"&Clean...", {'C'}, cleaned<kAll>, {kLevel}, kGrays},
-    {kFilter, L"Clean &gently...", {}, cleaned<kGentle>, {kLevel}, kGrays},
-    {kReduce, L"Black and white, &four neighbours", {'D'}, dithered<DitherFS4, 1>},
-    {kReduce, L"Black and white, &twelve neighbours", {}, dithered<DitherJJN, 1>},
-    {kReduce, L"Black and white, &smooth", {}, dithered<DitherSmooth, 1>},
-    {kReduce, L"Black and white, s&harp", {}, dithered<DitherSharp, 1>},
-    {kReduce, L"&8 colours", {}, dithered<DitherFS4, 4>},
-    {kReduce, L"&256 colours", {}, dithered<DitherFS4, 8>},
-    {kReduce, L"Halftone, &ordered...", {'H'}, halftoned<kOrdered>, {kBrightness}},
-    {kReduce, L"Halftone, &diffusion...", {}, halftoned<kDiffusion>, {kBrightness}},
-    {kReduce, L"Halftone, by a th&reshold...", {}, halftoned<kThreshold>, {kBrightness}},
+    {kFilter, L"&Blur, 3 x 3", {}, filtered<programs::Filter::kBox, 3>},
+    {kFilter, L"Blur, &5 x 5", {}, filtered<programs::Filter::kBox, 5>},
+    {kFilter, L"Blur, &7 x 7", {}, filtered<programs::Filter::kBox, 7>},
+    {kFilter, L"Blur with &weights", {}, filtered<programs::Filter::kBlur, 3>},
+    {kFilter, L"&Sharpen", {}, filtered<programs::Filter::kSharpen, 3>},
+    {kFilter, L"Sharpen &more", {}, filtered<programs::Filter::kSharpenMore, 3>},
+    {kFilter, L"&Clean...", {'C'}, cleaned<programs::Cleaning::kAll>, {kLevel}},
+    {kFilter, L"Clean &gently...", {}, cleaned<programs::Cleaning::kGentle>, {kLevel}},
+    {kReduce, L"Black and white, &four neighbours", {'D'}, dithered<kFourNeighbours, 1>},
+    {kReduce, L"Black and white, &twelve neighbours", {}, dithered<kTwelveNeighbours, 1>},
+    {kReduce, L"Black and white, &smooth", {}, dithered<kSmooth, 1>},
+    {kReduce, L"Black and white, s&harp", {}, dithered<kSharp, 1>},
+    {kReduce, L"&8 colours", {}, dithered<kFourNeighbours, 4>},
+    {kReduce, L"&256 colours", {}, dithered<kFourNeighbours, 8>},
+    {kReduce, L"Halftone, &ordered...", {'H'}, halftoned<programs::Halftone::kOrdered>, {kBrightness}},
+    {kReduce, L"Halftone, &diffusion...", {}, halftoned<programs::Halftone::kDiffusion>, {kBrightness}},
+    {kReduce, L"Halftone, by a th&reshold...", {}, halftoned<programs::Halftone::kThreshold>, {kBrightness}},
 };
 
 }  // namespace
 
 std::span<const Operation> operations() { return kOperations; }
 
-Dib run_operation(const Operation& operation, const Dib& dib, const Numbers& numbers) {
-  SetImgError(IMG_OK);
-  Dib result = operation.run(dib, numbers);
-  if (!result) throw Failure(plain_name(operation.name) + L" is not done: " + reason(0, operation.usual_reason));
-  return result;
+Picture run_operation(const Operation& operation, const Picture& picture, const Numbers& numbers) {
+  return about(plain_name(operation.name) + L" is not done",
+               [&] { return programs::with_whole_table(operation.run(picture.copy(), numbers)); });
 }
 
 }  // namespace vorel::viewer

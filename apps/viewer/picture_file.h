@@ -3,13 +3,13 @@
 
 #include <filesystem>
 
-#include "common/dib.h"
-#include "common/formats.h"
+#include "common/picture.h"
+#include "core/file_formats.h"
 
 namespace vorel::viewer {
 
 struct LoadedPage {
-  Dib dib;
+  programs::Picture picture;
   int pages;  // that the file has
 };
 
@@ -17,6 +17,6 @@ struct LoadedPage {
 LoadedPage load_page(const std::filesystem::path& path, int page);
 
 // Replaces a file, or leaves it as it was and throws Failure.
-void save_picture(const std::filesystem::path& path, const Dib& dib, const Format& format);
+void save_picture(const std::filesystem::path& path, const programs::Picture& picture, const FileFormat& format);
 
 }  // namespace vorel::viewer

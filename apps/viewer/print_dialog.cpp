@@ -1,10 +1,12 @@
 #include "viewer/print_dialog.h"
 
+#include <filesystem>
 #include <utility>
 
+#include "common/page_range.h"
+#include "common/printers.h"
 #include "viewer/failure.h"
 #include "viewer/layout_controls.h"
-#include "viewer/logic/page_range.h"
 #include "viewer/resource.h"
 #include "viewer/window.h"
 
@@ -55,7 +57,7 @@ class PrintDialog {
   }
 
   void offer_printers(HWND box) const {
-    for (const std::wstring& name : printer_names()) {
+    for (const std::wstring& name : programs::printer_names()) {
       const LRESULT item = SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
       if (name == settings_.printer.name()) SendMessageW(box, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
     }
@@ -84,7 +86,8 @@ class PrintDialog {
   bool take(HWND dialog) {
     take_printer(dialog);
     settings_.layout = chosen_layout(dialog);
-    const auto pages = parse_page_range(text_of(GetDlgItem(dialog, IDC_PAGES)), pages_.count());
+    const std::string list = std::filesystem::path(text_of(GetDlgItem(dialog, IDC_PAGES))).string();
+    const auto pages = programs::parse_page_range(list, pages_.count());
     if (!pages) return point_at(dialog, IDC_PAGES);
     chosen_pages_ = *pages;
     settings_.copies = static_cast<int>(GetDlgItemInt(dialog, IDC_COPIES, nullptr, FALSE));

@@ -1,13 +1,11 @@
 #include "viewer/print_preview.h"
 
 #include <algorithm>
-#include <bit>
 #include <new>
 
 #include "viewer/failure.h"
 #include "viewer/gdi.h"
 #include "viewer/layout_controls.h"
-#include "viewer/picture.h"
 #include "viewer/resource.h"
 #include "viewer/window.h"
 
@@ -26,17 +24,16 @@ void fill(HDC dc, const RECT& rect, COLORREF color) {
   FillRect(dc, &rect, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
-void draw_picture(HDC dc, const Rect& box, const Dib& dib) {
-  const DibLock lock(dib);
-  const BITMAPINFOHEADER header = lock.header();
+void draw_picture(HDC dc, const Rect& box, const programs::Picture& picture) {
   SetStretchBltMode(dc, HALFTONE);
   SetBrushOrgEx(dc, 0, 0, nullptr);
-  StretchDIBits(dc, box.x, box.y, box.width, box.height, 0, 0, header.biWidth, header.biHeight, lock.pixels().data(),
-                reinterpret_cast<const BITMAPINFO*>(lock.bytes().data()), DIB_RGB_COLORS, SRCCOPY);
+  StretchDIBits(dc, box.x, box.y, box.width, box.height, 0, 0, picture.width(), picture.height(),
+                picture.image_bytes().data(), reinterpret_cast<const BITMAPINFO*>(picture.bytes().data()), DIB_RGB_COLORS,
+                SRCCOPY);
 }
 
 // What the printer does not reach is left out, as it is on paper.
-void draw_sheet(HDC dc, const PreviewBoxes& boxes, const Dib& dib) {
+void draw_sheet(HDC dc, const PreviewBoxes& boxes, const programs::Picture& picture) {
   RECT edge = rect_of(boxes.paper);
   InflateRect(&edge, 1, 1);
   fill(dc, edge, kEdge);
@@ -45,7 +42,7 @@ void draw_sheet(HDC dc, const PreviewBoxes& boxes, const Dib& dib) {
   const RECT reach = rect_of(boxes.printable);
   const int saved = SaveDC(dc);
   IntersectClipRect(dc, reach.left, reach.top, reach.right, reach.bottom);
-  draw_picture(dc, boxes.picture, dib);
+  draw_picture(dc, boxes.picture, picture);
   RestoreDC(dc, saved);
 }
 
@@ -70,7 +67,7 @@ class Preview {
         settings_(settings),
         sheet_(settings.printer.sheet()),
         page_(pages.shown()),
-        dib_(&pages.page(page_)) {}
+        picture_(&pages.page(page_)) {}
 
   PreviewEnd run(HWND owner) {
     const HWND dialog =
@@ -138,7 +135,7 @@ class Preview {
   void draw(const DRAWITEMSTRUCT& item) const {
     draw_buffered(item.hDC, item.rcItem, [this](HDC dc, Size window) {
       fill(dc, {0, 0, window.width, window.height}, kDesk);
-      draw_sheet(dc, preview_boxes(sheet_, printed(), window), *dib_);
+      draw_sheet(dc, preview_boxes(sheet_, printed(), window), *picture_);
     });
   }
 
@@ -161,7 +158,7 @@ class Preview {
   void go_to(HWND dialog, int page) {
     if (page < 1 || page > pages_.count()) return MessageBeep(MB_OK), void();
     try {
-      dib_ = &pages_.page(page);
+      picture_ = &pages_.page(page);
       page_ = page;
       update(dialog);
     } catch (const Failure& failure) {
@@ -182,13 +179,13 @@ class Preview {
     InvalidateRect(GetDlgItem(dialog, IDC_PAGE), nullptr, FALSE);
   }
 
-  Rect printed() const { return printed_box(settings_.layout, std::bit_cast<DibHeader>(header_of(*dib_)), sheet_); }
+  Rect printed() const { return printed_box(settings_.layout, picture_->header(), sheet_); }
 
   DocumentPages& pages_;
   PrintSettings& settings_;
   Sheet sheet_;
   int page_;
-  const Dib* dib_;  // the page's
+  const programs::Picture* picture_;  // the page's
   PreviewEnd end_ = PreviewEnd::kClosed;
   bool is_done_ = false;
 };

@@ -3,18 +3,11 @@
 #include <algorithm>
 #include <winspool.h>
 
+#include "common/printers.h"
 #include "viewer/failure.h"
 
 namespace vorel::viewer {
 namespace {
-
-// "NAME,DRIVER,PORT" in the profile, which is where the library's set-up dialog writes it.
-std::wstring default_printer_name() {
-  wchar_t device[1024];
-  const DWORD length = GetProfileStringW(L"windows", L"device", L"", device, static_cast<DWORD>(std::size(device)));
-  const std::wstring text(device, length);
-  return text.substr(0, text.find(L','));
-}
 
 struct ClosePrinterHandle {
   void operator()(HANDLE printer) const { ClosePrinter(printer); }
@@ -28,24 +21,10 @@ PrinterHandle open_printer(std::wstring name) {
 
 }  // namespace
 
-std::vector<std::wstring> printer_names() {
-  constexpr DWORD kFlags = PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, kNamesLevel = 4;
-  std::vector<BYTE> bytes;
-  DWORD needed = 0, count = 0;
-  EnumPrintersW(kFlags, nullptr, kNamesLevel, nullptr, 0, &needed, &count);
-  bytes.resize(needed);
-  if (!EnumPrintersW(kFlags, nullptr, kNamesLevel, bytes.data(), needed, &needed, &count)) return {};
-  const auto* first = reinterpret_cast<const PRINTER_INFO_4W*>(bytes.data());
-  std::vector<std::wstring> names;
-  std::transform(first, first + count, std::back_inserter(names), [](const auto& printer) { return printer.pPrinterName; });
-  return names;
-}
-
 Printer Printer::usual() {
-  const std::vector<std::wstring> names = printer_names();
+  const std::vector<std::wstring> names = programs::printer_names();
   if (names.empty()) throw Failure(L"There is no printer: add one to the system");
-  const auto found = std::ranges::find(names, default_printer_name());
-  return Printer(found != names.end() ? *found : names.front());
+  return Printer(names.front());
 }
 
 void Printer::set_up(HWND owner) {

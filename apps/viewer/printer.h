@@ -17,8 +17,6 @@ struct DeleteContext {
 };
 using OwnedDc = std::unique_ptr<std::remove_pointer_t<HDC>, DeleteContext>;
 
-std::vector<std::wstring> printer_names();
-
 class Printer {
  public:
   Printer() = default;  // none

@@ -52,12 +52,12 @@ class Job {
   }
 
   // The library draws nothing once the job is cancelled, but has the printer drop what it has got.
-  void print(const Dib& dib, int sheet) {
+  void print(const programs::Picture& picture, int sheet) {
     SetImgError(IMG_OK);
-    const int code = print_sheet(dib, sheet);
+    const int code = print_sheet(picture, sheet);
     if (code != 0) fail(reason(code, L"it does not take the page; look at its queue"));
     if (PrintAbortProc(dc_, 0)) return;
-    print_sheet(dib, sheet);
+    print_sheet(picture, sheet);
     throw Failure(L"Printing was cancelled, or the printer refused a page");
   }
 
@@ -66,7 +66,9 @@ class Job {
   }
 
  private:
-  static int print_sheet(const Dib& dib, int sheet) { return PrintDIBPage(dib.get(), nullptr, 0, sheet, 0, 0); }
+  static int print_sheet(const programs::Picture& picture, int sheet) {
+    return PrintDIBPage(picture.get(), nullptr, 0, sheet, 0, 0);
+  }
   [[noreturn]] void fail(const std::wstring& why) const {
     throw Failure(L"Nothing more is printed on \"" + printer_ + L"\": " + why);
   }
@@ -80,17 +82,17 @@ void print_sheets(Job& job, HWND owner, DocumentPages& pages, std::span<const in
   const DisabledWindow disabled(owner);
   int sheet = 0;
   for (const int number : numbers) {
-    const Dib& dib = pages.page(number);
-    for (int copy = 0; copy < copies; ++copy) job.print(dib, sheet++);
+    const programs::Picture& picture = pages.page(number);
+    for (int copy = 0; copy < copies; ++copy) job.print(picture, sheet++);
   }
 }
 
 }  // namespace
 
-const Dib& DocumentPages::page(int number) {
-  if (number == document_.page()) return document_.dib();
+const programs::Picture& DocumentPages::page(int number) {
+  if (number == document_.page()) return document_.picture();
   if (number != loaded_number_) {
-    loaded_ = load_page(document_.path(), number).dib;
+    loaded_ = load_page(document_.path(), number).picture;
     loaded_number_ = number;
   }
   return loaded_;

@@ -26,11 +26,11 @@ class DocumentPages {
   std::wstring name() const { return document_.facts().name; }
 
   // Counted from 1; lives until the next is asked for. Throws Failure, and keeps the one before.
-  const Dib& page(int number);
+  const programs::Picture& page(int number);
 
  private:
   const Document& document_;
-  Dib loaded_;
+  programs::Picture loaded_;
   int loaded_number_ = 0;
 };
 

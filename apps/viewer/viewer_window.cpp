@@ -61,6 +61,8 @@ void ViewerWindow::attempt(const std::function<void()>& action) {
     action();
   } catch (const Failure& failure) {
     tell(failure.text());
+  } catch (const programs::Problem& problem) {
+    tell(widened(problem.what()));
   } catch (const std::bad_alloc&) {
     tell(L"There is not enough memory");
   } catch (const fs::filesystem_error&) {
@@ -192,7 +194,7 @@ void ViewerWindow::tell_about() {
 // The picture that was shown lives until the new one is.
 void ViewerWindow::show(Document document, Beginning beginning) {
   canvas_.change([&](View& view) {
-    beginning == Beginning::kFirst ? view.show_first(document.dib().get()) : view.show_next(document.dib().get());
+    beginning == Beginning::kFirst ? view.show_first(document.picture().get()) : view.show_next(document.picture().get());
     std::swap(document_, document);
   });
 }
@@ -277,14 +279,14 @@ void ViewerWindow::set_up_printer() {
 
 // ---- Editing ----
 
-void ViewerWindow::change(Dib dib) {
-  document_.change(std::move(dib));
-  canvas_.change([this](View& view) { view.show_changed(document_.dib().get()); });
+void ViewerWindow::change(programs::Picture picture) {
+  document_.change(std::move(picture));
+  canvas_.change([this](View& view) { view.show_changed(document_.picture().get()); });
 }
 
 void ViewerWindow::undo() {
   document_.undo();
-  canvas_.change([this](View& view) { view.show_changed(document_.dib().get()); });
+  canvas_.change([this](View& view) { view.show_changed(document_.picture().get()); });
 }
 
 void ViewerWindow::process(size_t number) {
@@ -294,10 +296,10 @@ void ViewerWindow::process(size_t number) {
     if (!numbers) return;
     last_numbers_[number] = *numbers;
   }
-  change(run_operation(operation, document_.dib(), last_numbers_[number]));
+  change(run_operation(operation, document_.picture(), last_numbers_[number]));
 }
 
-void ViewerWindow::copy() { copy_picture(window_, document_.dib()); }
+void ViewerWindow::copy() { copy_picture(window_, document_.picture()); }
 
 void ViewerWindow::paste() {
   if (may_lose_changes()) show(Document::untitled(paste_picture(window_)), Beginning::kFirst);

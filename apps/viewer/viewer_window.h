@@ -56,7 +56,7 @@ class ViewerWindow {
 
   enum class Beginning { kFirst, kNext };
   void show(Document document, Beginning beginning);
-  void change(Dib dib);
+  void change(programs::Picture picture);
   void keep_pages(const std::filesystem::path& target) const;
   bool may_lose_changes();
   void update_facts();

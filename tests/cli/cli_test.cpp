@@ -3,6 +3,13 @@
 #include <cstring>
 
 #include "cli_fixture.h"
+#ifndef _WIN32
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "support/module.h"
+#endif
 
 using namespace test;
 using testing::HasSubstr;
@@ -106,35 +113,132 @@ TEST_F(Cli, EveryDamagedHeaderIsNoticed) {
   }
 }
 
-TEST_F(Cli, EveryKindOfPictureWorksOrIsRefused) {
-  BITMAPINFOHEADER rle = header_for(5, 3, 8);
-  rle.biCompression = BI_RLE8;
-  BITMAPINFOHEADER masks = header_for(5, 3, 16);
-  masks.biCompression = BI_BITFIELDS;
-  BITMAPINFOHEADER top_down = header_for(5, -3, 24);
-  const Bytes unstated = blank_file(top_down);
-  top_down.biSizeImage = 3 * 16;
-  const struct {
-    const char* name;
-    Bytes file;
-    int info, convert, invert, rotate, horizontal, vertical;
-  } rows[] = {{"run-length", blank_file(rle), 0, 0, 0, 0, 0, 0},
-              {"masks", blank_file(masks), 0, 4, 4, 4, 4, 4},
-              {"top-down", blank_file(top_down), 0, 0, 0, 4, 4, 4},
-              {"top-down without a size", unstated, 0, 4, 4, 4, 4, 4},
-              {"16 bits", bitmap_file(noise(5, 3, 16)), 0, 0, 0, 4, 4, 0},
-              {"32 bits", bitmap_file(noise(5, 3, 32)), 0, 0, 0, 4, 4, 0},
-              {"12-byte header", core_file(), 0, 0, 0, 0, 0, 0}};
-  for (const auto& row : rows) {
-    const std::string in = put("in.bmp", row.file);
-    const std::string out = at("out.bmp");
-    EXPECT_EQ(run({"info", in}), row.info) << row.name;
-    EXPECT_EQ(run({"convert", in, out, "--overwrite"}), row.convert) << row.name;
-    EXPECT_EQ(run({"invert", in, out, "--overwrite"}), row.invert) << row.name;
-    EXPECT_EQ(run({"rotate", in, out, "90", "--overwrite"}), row.rotate) << row.name;
-    EXPECT_EQ(run({"mirror", in, out, "horizontal", "--overwrite"}), row.horizontal) << row.name;
-    EXPECT_EQ(run({"mirror", in, out, "vertical", "--overwrite"}), row.vertical) << row.name;
+// The same 3 x 2 pixels, white red / green blue, with a black column behind them, as files of every kind.
+struct Kind {
+  const char* name;
+  uint32_t header_bytes;
+  int depth;
+  uint32_t compression;
+  bool top_down;
+  Bytes rest;  // behind the header: masks, colours, rows
+};
+
+Bytes file_of_kind(const Kind& kind) {
+  Bytes header(kind.header_bytes);
+  const auto put = [&](size_t offset, uint32_t value, size_t size = 4) {
+    if (offset + size <= header.size()) std::memcpy(header.data() + offset, &value, size);
+  };
+  put(0, kind.header_bytes);
+  if (kind.header_bytes == 12) {
+    put(4, 3 | 2 << 16);
+    put(8, 1 | static_cast<uint32_t>(kind.depth) << 16);
+  } else {
+    put(4, 3);
+    put(8, static_cast<uint32_t>(kind.top_down ? -2 : 2));
+    put(12, 1 | static_cast<uint32_t>(kind.depth) << 16);
+    put(16, kind.compression);
   }
+  const bool has_masks = kind.compression == BI_BITFIELDS && kind.header_bytes > 40;
+  if (has_masks) std::memcpy(header.data() + 40, kind.rest.data(), 12);
+  const Bytes rest(kind.rest.begin() + (has_masks ? 12 : 0), kind.rest.end());
+  Bytes file = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};  // the rows follow what is in front of them
+  return joined(joined(file, header), rest);
+}
+
+TEST_F(Cli, EveryKindOfBitmapLoadsAndIsWorkedOn) {
+  const Bytes k24Down = {255, 255, 255, 0, 0, 255, 0, 0, 0, 0, 0, 0, 0, 255, 0, 255, 0, 0, 0, 0, 0, 0, 0, 0};
+  const Bytes k24Up = {0, 255, 0, 255, 0, 0, 0, 0, 0, 0, 0, 0, 255, 255, 255, 0, 0, 255, 0, 0, 0, 0, 0, 0};
+  const Bytes k32 = {0, 255, 0, 9, 255, 0, 0, 9, 0, 0, 0, 9, 255, 255, 255, 9, 0, 0, 255, 9, 0, 0, 0, 9};
+  const Bytes kMasks32 = {0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 0};
+  const Bytes k16 = {0xE0, 0x03, 0x1F, 0, 0, 0, 0, 0, 0xFF, 0x7F, 0x00, 0x7C, 0, 0, 0, 0};
+  const Bytes kMasks565 = {0, 0xF8, 0, 0, 0xE0, 0x07, 0, 0, 0x1F, 0, 0, 0};
+  const Bytes k565 = {0xE0, 0x07, 0x1F, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0x00, 0xF8, 0, 0, 0, 0};
+  Bytes colors = {0, 0, 0, 0, 255, 255, 255, 0, 0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 0};
+  Bytes triples = {0, 0, 0, 255, 255, 255, 0, 0, 255, 0, 255, 0, 255, 0, 0};
+  colors.resize(256 * 4);
+  triples.resize(256 * 3);
+  const Bytes k8 = {3, 4, 0, 0, 1, 2, 0, 0};
+  // The last column of the first row is skipped by a delta.
+  const Bytes codes = {1, 3, 1, 4, 0, 2, 1, 0, 0, 0, 1, 1, 1, 2, 0, 1};
+  const Kind kinds[] = {{"12 bytes", 12, 8, 0, false, joined(triples, k8)},
+                        {"16 bytes", 16, 24, 0, false, k24Up},
+                        {"40 bytes", 40, 8, 0, false, joined(colors, k8)},
+                        {"52 bytes and masks", 52, 32, BI_BITFIELDS, false, joined(kMasks32, k32)},
+                        {"56 bytes and masks", 56, 16, BI_BITFIELDS, false, joined(kMasks565, k565)},
+                        {"64 bytes", 64, 24, 0, false, k24Up},
+                        {"108 bytes", 108, 8, 0, false, joined(colors, k8)},
+                        {"124 bytes", 124, 24, 0, false, k24Up},
+                        {"124 bytes and masks", 124, 32, BI_BITFIELDS, false, joined(kMasks32, k32)},
+                        {"masks behind 40 bytes", 40, 16, BI_BITFIELDS, false, joined(kMasks565, k565)},
+                        {"16 bits", 40, 16, 0, false, k16},
+                        {"32 bits", 40, 32, 0, false, k32},
+                        {"top-down", 40, 24, 0, true, k24Down},
+                        {"run-length with a delta", 40, 8, BI_RLE8, false, joined(colors, codes)}};
+  const std::string upright = "FFFFFF FF0000 000000/00FF00 0000FF 000000";
+  for (const Kind& kind : kinds) {
+    SCOPED_TRACE(kind.name);
+    const Bytes file = file_of_kind(kind);
+    const std::string in = put("in.bmp", file), out = at("out.bmp");
+    EXPECT_EQ(run({"info", in}), 0) << err_;
+    const bool has_old_header = kind.header_bytes == 12 || kind.header_bytes == 40;
+    EXPECT_EQ(Block(LoadDIBFromFile(in.c_str())).get() != nullptr, has_old_header && !kind.top_down) << "the library itself";
+    ASSERT_EQ(run({"rotate", in, out, "0", "--overwrite"}), 0) << err_;
+    EXPECT_EQ(picture_of(dib_in(read_file(out))), upright);
+    EXPECT_EQ(run({"convert", in, at("out.png"), "--overwrite"}), 0) << err_;
+    ASSERT_EQ(run({"mirror", in, out, "horizontal", "--overwrite"}), 0) << err_;
+    EXPECT_EQ(picture_of(dib_in(read_file(out))), "000000 FF0000 FFFFFF/000000 0000FF 00FF00");
+  }
+  // An array of bitmaps: the first one, whose offsets count from the file's start.
+  Bytes first = patched(file_of_kind(kinds[0]), 10, 14 + 14 + 12 + 768);
+  const std::string array = put("in.bmp", joined({'B', 'A', 14, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, first));
+  ASSERT_EQ(run({"rotate", array, at("out.bmp"), "0", "--overwrite"}), 0) << err_;
+  EXPECT_EQ(picture_of(dib_at("out.bmp")), upright);
+}
+
+TEST_F(Cli, BitmapsOfBitmapsKeepTheirForm) {
+  BITMAPINFOHEADER rle = header_for(5, 3, 8), top_down = header_for(5, -3, 24);
+  rle.biCompression = BI_RLE8;
+  for (const Bytes& file :
+       {blank_file(rle), blank_file(top_down), bitmap_file(noise(5, 3, 16)), bitmap_file(noise(5, 3, 32))}) {
+    const Bytes copy = converted({"convert"}, file);
+    EXPECT_EQ(header_of(dib_in(copy)).biHeight, header_of(dib_in(file)).biHeight);
+    EXPECT_EQ(header_of(dib_in(copy)).biBitCount, header_of(dib_in(file)).biBitCount);
+    EXPECT_EQ(header_of(dib_in(copy)).biCompression, header_of(dib_in(file)).biCompression);
+  }
+}
+
+#ifndef _WIN32
+// The tool waits for standard input, which is copied to a scratch file, when the signal comes.
+TEST_F(Cli, SignalsLeaveNoScratchFiles) {
+  for (const int signal : {SIGINT, SIGTERM}) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+      dup2(ends[0], STDIN_FILENO);
+      close(ends[1]);
+      const std::string tool = (program_folder() / "vorel").string(), out = at("out.bmp");
+      execl(tool.c_str(), "vorel", "convert", "-", out.c_str(), nullptr);
+      _exit(99);
+    }
+    close(ends[0]);
+    for (int i = 0; i < 500 && entries(temporary_) == 0; ++i) usleep(10'000);
+    EXPECT_EQ(entries(temporary_), 1u);
+    kill(child, signal);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
+    EXPECT_EQ(entries(temporary_), 0u);
+    close(ends[1]);
+  }
+}
+#endif
+
+TEST_F(Cli, FileNamesThatBeginWithADash) {
+  EXPECT_EQ(run({"convert", "-x.bmp", at("out.png")}), 2);
+  EXPECT_THAT(err_, HasSubstr("-- -x.bmp"));
+  EXPECT_EQ(run({"rotate", "a.bmp", "b.bmp", "1.5"}), 2);
+  EXPECT_THAT(err_, HasSubstr("DEGREES: \"1.5\" is no whole number;"));
 }
 
 // The pixels of a picture, top row first.

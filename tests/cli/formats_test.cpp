@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "cli_fixture.h"
+#include "common/page_range.h"
 #include "support/module.h"
 
 using namespace test;
@@ -101,23 +102,92 @@ TEST_F(CliFormats, PagesAreCountedSplitAndJoined) {
   EXPECT_EQ(out_.str(), "1 " + at("a.bmp") + "\n2 " + at("two.tif") + "\n");
 }
 
+// No page is lost without a word.
+TEST_F(CliFormats, AllPagesGoThroughEveryVerb) {
+  for (const int width : {5, 6, 7}) put(std::to_string(width) + ".bmp", bitmap_file(bilevel(width, 4)));
+  const std::string three = at("three.tif"), out = at("out.tif");
+  ASSERT_EQ(run({"pages", "join", at("5.bmp"), at("6.bmp"), at("7.bmp"), three}), 0) << err_;
+  const auto heights_of = [&](const std::string& file) {
+    std::string heights;
+    for (const std::string page : {"1", "2", "3", "4"}) {
+      if (run({"info", file, "--page", page, "--json"}) != 0) break;
+      heights += out_.str().substr(out_.str().find("\"height\": ") + 10, 1);
+    }
+    return heights;
+  };
+  ASSERT_EQ(run({"rotate", three, out, "90"}), 0) << err_;
+  EXPECT_EQ(heights_of(out), "567");
+  ASSERT_EQ(run({"rotate", three, at("out.dcx"), "90", "--page", "3,1-2"}), 0) << err_;
+  EXPECT_EQ(heights_of(at("out.dcx")), "756");
+  ASSERT_EQ(run({"clean", three, out, "60", "--overwrite"}), 0) << err_;
+  EXPECT_THAT(out_.str(), HasSubstr(three + ", page 3: "));
+  ASSERT_EQ(run({"combine", three, at("5.bmp"), out, "--overwrite"}), 0) << err_;
+  EXPECT_EQ(heights_of(out), "444");
+  ASSERT_EQ(run({"cut", three, at("above.tif"), at("below.tif"), "1"}), 0) << err_;
+  EXPECT_EQ(heights_of(at("above.tif")) + heights_of(at("below.tif")), "111333");
+  ASSERT_EQ(run({"histogram", three, "--json"}), 0) << err_;
+  EXPECT_THAT(out_.str(), HasSubstr("page 3"));
+  ASSERT_EQ(run({"convert", three, at("page.png"), "--numbered"}), 0) << err_;
+  EXPECT_TRUE(fs::exists(at("page-3.png")));
+  ASSERT_EQ(run({"rotate", three, three, "90", "--overwrite"}), 0) << err_;
+  EXPECT_EQ(heights_of(three), "567");
+  expect_refused({{{"convert", three, at("one.png")}, 2, "3 pages do not go into one PNG file"},
+                  {{"convert", three, at("one.png"), "--page", "2-5"}, 2, "does not list pages of it"},
+                  {{"convert", three, three, "--page", "2", "--overwrite"}, 2, "more pages than those chosen"},
+                  {{"combine", at("5.bmp"), three, out, "--overwrite"}, 2, "BASE has 1"}});
+}
+
+TEST(ProgramPages, AreListedAsTheyAreWritten) {
+  using Pages = std::vector<int>;
+  const struct {
+    const char* text;
+    std::optional<Pages> pages;
+  } cases[] = {
+      {"1-3,5", Pages{1, 2, 3, 5}},
+      {" 2 , 1, 2", Pages{2, 1, 2}},
+      {"4-", Pages{4, 5}},
+      {"", Pages{1, 2, 3, 4, 5}},
+      {"5-5", Pages{5}},
+      {"6", {}},
+      {"4-6", {}},
+      {"0", {}},
+      {"3-2", {}},
+      {"1,", {}},
+      {"-2", {}},
+      {"1-2-3", {}},
+      {"two", {}},
+      {"99999999999999999999", {}},
+  };
+  for (const auto& row : cases) EXPECT_EQ(vorel::programs::parse_page_range(row.text, 5), row.pages) << row.text;
+}
+
+// Its first bytes are those of a plain metafile, but the name says what it is.
+TEST_F(CliFormats, RunLengthTgaWithColoursIsKnownByItsName) {
+  const Bytes header = {0, 1, 9, 0, 0, 2, 0, 24, 0, 0, 0, 0, 3, 0, 1, 0, 8, 0};
+  const Bytes colors = {1, 2, 3, 0xAA, 0xBB, 0xCC}, packets = {0x82, 1};
+  const std::string in = put("in.tga", joined(joined(header, colors), packets));
+  EXPECT_EQ(GetImageFormat(in.c_str()), IMG_FORMAT_METAFILE);
+  ASSERT_EQ(run({"convert", in, at("out.bmp")}), 0) << err_;
+  EXPECT_EQ(picture_of(dib_at("out.bmp")), "CCBBAA CCBBAA CCBBAA");
+  EXPECT_EQ(run({"convert", in, at("out"), "--to", "tif"}), 0) << err_;
+}
+
 TEST_F(CliFormats, WhatDoesNotGoTogetherIsRefused) {
   const std::string gray = put("gray.bmp", bitmap_file(noise(9, 5, 8)));
-  const std::string sixteen = put("sixteen.bmp", bitmap_file(noise(9, 5, 16)));
-  expect_refused({{{"convert", gray, at("out.webp")}, 2, "--to with one of tiff"},
-                  {{"convert", gray, at("out.png"), "--compression", "lzw"}, 2, "PNG files have no compression"},
-                  {{"convert", gray, at("out.tga"), "--compression", "g4"}, 2, "TGA files have no compression"},
-                  {{"convert", gray, at("out.tif"), "--interlaced"}, 2, "only GIF files"},
-                  {{"convert", gray, at("out.tif"), "--compression", "g4"}, 4, "Group 4 compresses 1 bit"},
-                  {{"convert", gray, at("out.tif"), "--compression", "jpeg"}, 5, "suit a picture"},
-                  {{"convert", gray, at("out.cal")}, 4, "CALS raster holds 1 bit"},
-                  {{"convert", sixteen, at("out.png")}, 4, "pixels of 16 bits"},
-                  {{"convert", gray, at("out.png"), "--page", "2"}, 2, "there is no page 2; the file has 1 page"},
-                  {{"convert", gray, at("out.png"), "--page", "0"}, 2, "convert --help"},
-                  {{"pages", "join", gray}, 2, "nothing to join"},
-                  {{"pages", "join", gray, at("out.png")}, 2, "--to tiff"},
-                  {{"pages", "split", gray, "-", "--to", "png"}, 2, "give OUT a name"},
-                  {{"pages"}, 2, "pages --help"}});
+  expect_refused(
+      {{{"convert", gray, at("out.webp")}, 2, "--to with one of tiff"},
+       {{"convert", gray, at("out.png"), "--compression", "lzw"}, 2, "PNG files have no compression"},
+       {{"convert", gray, at("out.tga"), "--compression", "g4"}, 2, "TGA files have no compression"},
+       {{"convert", gray, at("out.tif"), "--interlaced"}, 2, "only GIF files"},
+       {{"convert", gray, at("out.tif"), "--compression", "g4"}, 4, "Group 4 compresses 1 bit"},
+       {{"convert", gray, at("out.tif"), "--compression", "jpeg"}, 4, "JPEG compresses 24 bits per pixel and greys"},
+       {{"convert", gray, at("out.cal")}, 4, "CALS raster holds 1 bit"},
+       {{"convert", gray, at("out.png"), "--page", "2"}, 2, "there is no page 2; the file has 1 page"},
+       {{"convert", gray, at("out.png"), "--page", "0"}, 2, "there is no page 0"},
+       {{"pages", "join", gray}, 2, "nothing to join"},
+       {{"pages", "join", gray, at("out.png")}, 2, "--to tiff"},
+       {{"pages", "split", gray, "-", "--to", "png"}, 2, "give OUT a name"},
+       {{"pages"}, 2, "pages --help"}});
 }
 
 TEST_F(CliFormats, DamagedFilesAreRefused) {

@@ -1,6 +1,7 @@
 // The verbs that move, scale, cut and combine pictures.
 #include <functional>
 
+#include "cli/paper.h"
 #include "cli_fixture.h"
 
 using namespace test;
@@ -173,9 +174,73 @@ TEST_F(CliGeometry, NothingIsLostByWritingInPlace) {
   const std::string pages = at("pages.tif");
   ASSERT_EQ(run({"pages", "join", in, in, pages}), 0) << err_;
   const Bytes joined_pages = read_file(pages);
-  EXPECT_EQ(run({"rotate", pages, pages, "90", "--overwrite"}), 2);
-  EXPECT_THAT(err_, HasSubstr("2 pages"));
+  EXPECT_EQ(run({"rotate", pages, pages, "90", "--page", "2", "--overwrite"}), 2);
   EXPECT_EQ(read_file(pages), joined_pages);
+}
+
+// A standard fax has 204 x 98 dots to the inch.
+TEST_F(CliGeometry, SizesOnPaperStay) {
+  Bytes fax = with_header_changed(plain(102, 49, 1, 0xFF), [](BITMAPINFOHEADER& header) {
+    header.biXPelsPerMeter = 8031;
+    header.biYPelsPerMeter = 3858;
+  });
+  const struct {
+    std::vector<std::string> arguments;
+    int x, y;
+  } rows[] = {{{"rotate", "1"}, 7985, 3904},
+              {{"rotate", "-1"}, 7985, 3904},
+              {{"rotate", "179"}, 7985, 3904},
+              {{"rotate", "45"}, 5945, 5945},
+              {{"rotate", "89"}, 3904, 7985},
+              {{"rotate", "90"}, 3858, 8031},
+              {{"rotate", "180"}, 8031, 3858},
+              {{"scale", "204x49"}, 16062, 3858},
+              {{"scale", "50%", "--keep-dpi"}, 8031, 3858},
+              {{"convert", "--dpi", "300x150"}, 11811, 5906}};
+  for (const auto& row : rows) {
+    const BITMAPINFOHEADER header = header_of(changed(row.arguments, fax));
+    EXPECT_EQ((std::pair<int, int>(header.biXPelsPerMeter, header.biYPelsPerMeter)), std::pair(row.x, row.y))
+        << row.arguments[0] << ' ' << row.arguments[1];
+  }
+  const BITMAPINFOHEADER square = header_of(changed({"scale", "--dpi", "200"}, fax));
+  EXPECT_EQ(extent_of(square), std::pair(100, 100));
+  EXPECT_EQ(square.biXPelsPerMeter, square.biYPelsPerMeter);
+}
+
+using vorel::cli::fitted;
+using vorel::cli::Paper;
+using vorel::cli::PaperLayout;
+using vorel::cli::PaperSizing;
+
+TEST(CliPaper, ShrinksTurnsAndTellsWhatIsCut) {
+  const Paper paper = {{100, 100}, {700, 1000}};  // 7 x 10 inches
+  const struct {
+    const char* name;
+    int width, height, per_metre;  // of the picture
+    PaperLayout layout;
+    int shown_width, shown_height, shown_per_metre;
+    const char* cut;
+  } rows[] = {
+      {"small", 300, 200, 3937, {}, 300, 200, 3937, ""},
+      {"exact", 700, 1000, 3937, {}, 700, 1000, 3937, ""},
+      {"wide, whole once turned", 1000, 700, 3937, {}, 700, 1000, 3937, ""},
+      {"wide, upright", 1400, 100, 3937, {.may_turn = false}, 1400, 100, 7875, ""},
+      {"large", 1400, 2000, 3937, {}, 1400, 2000, 7875, ""},
+      {"without resolution", 1400, 2000, 0, {}, 1400, 2000, 7875, ""},
+      {"a dot a pixel", 350, 500, 50, {.by_printer_dots = true}, 350, 500, 0, ""},
+      {"cut", 700, 1100, 3937, {.sizing = PaperSizing::kTrueSize}, 700, 1100, 3937, "25 mm of its height"},
+      {"fit turns", 200, 100, 3937, {.sizing = PaperSizing::kFit}, 100, 200, 3937, ""},
+      {"stretch does not", 200, 100, 3937, {.sizing = PaperSizing::kStretch}, 200, 100, 3937, ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const vorel::DibHeader header{
+        .width = row.width, .height = row.height, .depth = 24, .x_per_metre = row.per_metre, .y_per_metre = row.per_metre};
+    const auto shown = fitted(vorel::programs::Picture::blank(header), row.layout, paper);
+    EXPECT_EQ(std::pair(shown.picture.width(), shown.picture.height()), std::pair(row.shown_width, row.shown_height));
+    EXPECT_EQ(shown.picture.header().x_per_metre, row.shown_per_metre);
+    EXPECT_EQ(shown.cut, row.cut);
+  }
 }
 
 TEST_F(CliGeometry, Refusals) {

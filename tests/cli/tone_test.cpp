@@ -73,6 +73,33 @@ TEST_F(CliTone, CleaningReports) {
   EXPECT_EQ(picture_of(dib_in(read_file(out))).find('0'), std::string::npos);
 }
 
+// Whichever bit stands for white: a lonely black pixel goes, an edge and a hole in black stay.
+TEST_F(CliTone, GentleCleaningGoesByBlack) {
+  for (const bool white_first : {false, true}) {
+    Bytes page = plain(40, 10, 1, 0xFF);
+    const auto rows = page.begin() + 48;
+    rows[8 * 5 + 1] = 0xF7;
+    for (int y = 0; y < 10; ++y) rows[8 * y + 3] = 0;
+    rows[8 * 5 + 3] = 0x10;
+    if (white_first) {
+      for (auto byte = rows; byte != page.end(); ++byte) *byte = static_cast<uint8_t>(~*byte);
+      std::swap_ranges(page.begin() + 40, page.begin() + 44, page.begin() + 44);
+    }
+    const Bytes cleaned_page = changed({"clean", "60", "--gentle"}, page);
+    EXPECT_EQ(color_at(cleaned_page, 12, 5).rgbRed, 255) << "the speck";
+    EXPECT_EQ(color_at(cleaned_page, 24, 5).rgbRed, 0) << "the edge";
+    EXPECT_EQ(color_at(cleaned_page, 27, 5).rgbRed, 255) << "the hole";
+  }
+}
+
+// By 30/59/11 the green is just lighter than the middle and the purple is not; by the greys' weights, 8/15/3, the reverse.
+TEST_F(CliTone, HalftonesOfColoursGoByLuminance) {
+  Bytes dib = plain(2, 1, 24, 0);
+  const Bytes pixels = {0, 219, 0, 255, 40, 255};
+  std::copy(pixels.begin(), pixels.end(), dib.begin() + 40);
+  EXPECT_EQ(picture_of(changed({"halftone", "--method", "threshold"}, dib)), "FFFFFF 000000");
+}
+
 TEST_F(CliTone, FewColours) {
   const struct {
     std::vector<std::string> arguments;
@@ -98,10 +125,10 @@ TEST_F(CliTone, Refusals) {
   const std::string bits = put("bits.bmp", bitmap_file(plain(9, 9, 1, 0))),
                     colors = put("colors.bmp", bitmap_file(noise(9, 9, 8))), out = at("out.bmp");
   expect_refused(
-      {{{"tone", bits, out}, 4, "gray"},
+      {{{"tone", bits, out}, 4, "grey first"},
        {{"tone", colors, out, "--contrast", "101"}, 2, "tone --help"},
        {{"lut", bits, out}, 4, "8 bits"},
-       {{"filter", bits, out, "box"}, 4, "expand"},
+       {{"filter", bits, out, "box"}, 4, "24 bits first"},
        {{"filter", colors, out, "blur", "--size", "7"}, 2, "out of bounds"},
        {{"filter", colors, out, "kernel", "--kernel", "1,2"}, 2, "9 numbers"},
        {{"filter", colors, out, "box", "--kernel", "1"}, 2, "leave it out"},

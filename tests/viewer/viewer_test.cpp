@@ -4,7 +4,6 @@
 
 #include "viewer/logic/key.h"
 #include "viewer/logic/neighbours.h"
-#include "viewer/logic/page_range.h"
 #include "viewer/logic/print_layout.h"
 #include "viewer/logic/texts.h"
 #include "viewer/logic/zoom.h"
@@ -123,30 +122,6 @@ TEST(ViewerTexts, TellAboutAPicture) {
   EXPECT_EQ(size_text(picture), L"640 x 480 pixels, 1 bit");
   EXPECT_EQ(plain_name(L"Scale, &linear..."), L"Scale, linear");
   EXPECT_EQ(as_reason("Not enough memory."), L"Not enough memory");
-}
-
-TEST(ViewerPages, AreListedAsTheyAreWritten) {
-  using Pages = std::vector<int>;
-  const struct {
-    const wchar_t* text;
-    std::optional<Pages> pages;
-  } cases[] = {
-      {L"1-3,5", Pages{1, 2, 3, 5}},
-      {L" 2 , 1, 2", Pages{2, 1, 2}},
-      {L"4-", Pages{4, 5}},
-      {L"", Pages{1, 2, 3, 4, 5}},
-      {L"5-5", Pages{5}},
-      {L"6", {}},
-      {L"4-6", {}},
-      {L"0", {}},
-      {L"3-2", {}},
-      {L"1,", {}},
-      {L"-2", {}},
-      {L"1-2-3", {}},
-      {L"two", {}},
-      {L"99999999999999999999", {}},
-  };
-  for (const auto& row : cases) EXPECT_EQ(parse_page_range(row.text, 5), row.pages) << row.text;
 }
 
 std::array<int, 4> numbers_of(Rect rect) { return {rect.x, rect.y, rect.width, rect.height}; }

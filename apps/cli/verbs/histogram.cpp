@@ -4,18 +4,21 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "cli/pixels.h"
-#include "cli/verbs/saving_options.h"
 #include "cli/verbs/transform.h"
+#include "common/forms.h"
+#include "core/pixel.h"
 
 namespace vorel::cli {
 namespace {
 
+using Json = nlohmann::ordered_json;
+using programs::LevelCounts;
+using programs::Picture;
+
 constexpr int kLevels = 256, kPictureHeight = 128;
 
-struct Arguments {
-  std::string input, picture;
-  int page = 1;
+struct Values {
+  std::string input, picture, pages;
   bool as_json = false;
   SavingOptions saving;
 };
@@ -27,7 +30,7 @@ struct Facts {
 };
 
 Facts facts_of(const Picture& picture) {
-  Facts facts{.counts = count_levels(picture)};
+  Facts facts{.counts = programs::count_levels(picture)};
   double sum = 0;
   for (size_t level = 0; level < kLevels; ++level) {
     facts.pixels += facts.counts[level];
@@ -37,77 +40,82 @@ Facts facts_of(const Picture& picture) {
   return facts;
 }
 
-void print_json(std::ostream& output, const std::string& name, const Facts& facts) {
-  const nlohmann::ordered_json json = {
-      {"file", name}, {"pixels", facts.pixels}, {"mean", facts.mean}, {"counts", facts.counts}};
-  output << json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+Json json_of(const std::string& name, const Facts& facts) {
+  return {{"file", name}, {"pixels", facts.pixels}, {"mean", facts.mean}, {"counts", facts.counts}};
 }
 
-void print_text(std::ostream& output, const std::string& name, const Facts& facts) {
-  output << fmt::format("{}\n  pixels  {}\n  mean    {:.2f}\n  level   count\n", name, facts.pixels, facts.mean);
+std::string text_of(const std::string& name, const Facts& facts) {
+  std::string text = fmt::format("{}\n  pixels  {}\n  mean    {:.2f}\n  level   count\n", name, facts.pixels, facts.mean);
   for (size_t level = 0; level < kLevels; ++level)
-    if (facts.counts[level] != 0) output << fmt::format("  {:5}   {}\n", level, facts.counts[level]);
+    if (facts.counts[level] != 0) text += fmt::format("  {:5}   {}\n", level, facts.counts[level]);
+  return text;
 }
 
 // Bars in black on white, the longest as high as the picture.
-Picture drawn(const Facts& facts, const std::string& label) {
-  BITMAPINFOHEADER header{};
-  header.biSize = sizeof header;
-  header.biWidth = kLevels;
-  header.biHeight = kPictureHeight;
-  header.biPlanes = 1;
-  header.biBitCount = 1;
-  header.biClrUsed = 2;
-  constexpr size_t kTable = 2 * sizeof(RGBQUAD);
-  header.biSizeImage = static_cast<uint32_t>(stored_row_bytes(header) * row_count(header));
-  Picture picture{
-      .label = label, .header = header, .dib = Dib(GlobalAlloc(GHND, sizeof header + kTable + header.biSizeImage))};
-  if (!picture.dib) throw std::bad_alloc();
-  const DibLock lock(picture.dib);
-  std::memcpy(lock.bytes().data(), &header, sizeof header);
-  std::ranges::fill(lock.bytes().subspan(sizeof header + sizeof(RGBQUAD), 3), uint8_t{0xFF});
-  std::ranges::fill(lock.pixels(), uint8_t{0xFF});
-  Pixels pixels(lock);
+Picture drawn(const Facts& facts) {
+  DibHeader header{.width = kLevels, .height = kPictureHeight, .depth = 1};
+  const Rgb black_and_white[] = {{0, 0, 0, 0}, {255, 255, 255, 0}};
+  Picture picture = Picture::blank(header, black_and_white);
+  const DibView pixels = picture.pixels();
   const uint64_t most = *std::ranges::max_element(facts.counts);
   for (int level = 0; level < kLevels; ++level) {
     const uint64_t count = facts.counts[static_cast<size_t>(level)];
     const auto length = static_cast<int>((count * kPictureHeight + most - 1) / most);  // whatever occurs is seen
-    for (int y = kPictureHeight - length; y < kPictureHeight; ++y) pixels.set(level, y, 0);
+    for (int y = length; y < kPictureHeight; ++y) Pixel<1>::store(pixels.row(y).data(), level, 1);
   }
   return picture;
 }
 
-ExitCode tell(const Arguments& arguments, const Streams& streams) {
-  Picture picture = load_picture(Input(arguments.input, streams.input), arguments.page);
-  prepare(picture, Reach::kMovesPixels);
-  const Facts facts = facts_of(picture);
-  if (!arguments.picture.empty()) {
-    Picture bars = drawn(facts, arguments.picture);
-    write_picture(Output(arguments.picture, arguments.saving.overwrite, streams.output), bars,
-                  arguments.saving.saving_for(arguments.picture));
+// Counts each page and hands it on.
+void count_all(const Source& source, const std::function<void(size_t index, const Facts& facts)>& take) {
+  for (size_t i = 0; i < source.size(); ++i) {
+    Page page = source.load(i);
+    take(i, about(page.label, [&] { return facts_of(programs::workable(std::move(page.picture))); }));
   }
-  if (arguments.picture == "-") return ExitCode::kDone;
-  if (arguments.as_json)
-    print_json(streams.output, arguments.input, facts);
-  else
-    print_text(streams.output, arguments.input, facts);
+}
+
+ExitCode tell(const Values& values, const Streams& streams) {
+  const Source source(values.input, values.pages, streams);
+  std::vector<Facts> all;
+  const auto note = [&](size_t, const Facts& facts) { all.push_back(facts); };
+  if (values.picture.empty()) {
+    count_all(source, note);
+  } else {
+    Target target(values.picture, values.saving, streams);
+    target.open(source.size(), {&source});
+    target.write([&](const Target::Put& put) {
+      count_all(source, [&](size_t index, const Facts& facts) {
+        note(index, facts);
+        put({source.label(index), drawn(facts)});
+      });
+    });
+  }
+  if (values.picture == "-") return ExitCode::kDone;
+  const auto name = [&](size_t index) { return all.size() == 1 ? values.input : source.label(index); };
+  if (values.as_json) {
+    Json list = Json::array();
+    for (size_t i = 0; i < all.size(); ++i) list.push_back(json_of(name(i), all[i]));
+    streams.output << (list.size() == 1 ? list[0] : list).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    return ExitCode::kDone;
+  }
+  for (size_t i = 0; i < all.size(); ++i) streams.output << text_of(name(i), all[i]);
   return ExitCode::kDone;
 }
 
-Action declare(CLI::App& app) {
-  app.footer(
-      "The grey of a pixel is (blue + green + red + 1) / 3. IN may have 1, 4, 8 or 24 bits per pixel.\n\n"
+Action declare(Arguments& arguments) {
+  arguments.explain(
+      "The grey of a pixel is (blue + green + red + 1) / 3. Of several pages JSON is an array of objects.\n\n"
       "Examples:\n"
       "  vorel histogram scan.png\n"
       "  vorel histogram scan.png --json\n"
       "  vorel histogram scan.png --picture bars.png");
-  const auto arguments = std::make_shared<Arguments>();
-  declare_argument(app, "IN", arguments->input, "the picture file to read; - is standard input");
-  declare_page(app, arguments->page);
-  app.add_flag("--json", arguments->as_json, "print a JSON object with a count for each level (default: text)");
-  app.add_option("--picture", arguments->picture, "draw it too, into this file (default: do not)")->option_text("OUT");
-  arguments->saving.declare(app);
-  return [arguments](const Streams& streams) { return tell(*arguments, streams); };
+  const auto values = std::make_shared<Values>();
+  declare_input(arguments, values->input);
+  declare_pages(arguments, values->pages);
+  arguments.flag("--json", values->as_json, "print a JSON object with a count for each level (default: text)");
+  arguments.option("--picture", values->picture, "OUT", "draw it too, into this file (default: do not)");
+  values->saving.declare(arguments);
+  return [values](const Streams& streams) { return tell(*values, streams); };
 }
 
 }  // namespace

@@ -4,23 +4,21 @@
 namespace vorel::cli {
 namespace {
 
-Dib mirrored(Picture& picture, const std::string& direction) {
-  const bool is_vertical = direction == "vertical";
-  prepare(picture, is_vertical ? Reach::kMovesRows : Reach::kMovesPixels);
-  return checked(picture, is_vertical ? FlipDIBVertical(picture.dib.get()) : FlipDIBHorizontal(picture.dib.get()));
-}
+using programs::Picture;
 
-Action declare(CLI::App& app) {
-  app.footer(
-      "IN may have 1, 4, 8 or 24 bits per pixel, and for vertical also 16 or 32. OUT has the format that its ending\n"
-      "names; see \"vorel convert --help\".\n\n"
+Action declare(Arguments& arguments) {
+  arguments.explain(
+      "OUT has the format that its ending names; see \"vorel convert --help\".\n\n"
       "Examples:\n"
       "  vorel mirror slide.bmp right-way-round.bmp horizontal\n"
       "  vorel mirror picture.bmp picture.bmp vertical --overwrite");
   const auto direction = std::make_shared<std::string>();
-  const Action action = declare_transform(app, [direction](Picture& picture) { return mirrored(picture, *direction); });
-  declare_argument(app, "DIRECTION", *direction, "horizontal exchanges left and right, vertical top and bottom")
-      ->check(CLI::IsMember({"horizontal", "vertical"}));
+  const Action action = declare_transform(arguments, [direction](Picture picture) {
+    return *direction == "vertical" ? programs::mirrored_top_bottom(std::move(picture))
+                                    : programs::mirrored_left_right(std::move(picture));
+  });
+  arguments.required("DIRECTION", *direction, "horizontal exchanges left and right, vertical top and bottom",
+                     one_of({"horizontal", "vertical"}));
   return action;
 }
 

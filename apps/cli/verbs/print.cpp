@@ -1,83 +1,120 @@
 // vorel print: pictures to a printer.
 #include <filesystem>
+#include <fmt/format.h>
 #include <limits>
+#include <ostream>
 
-#include "cli/page_reader.h"
 #include "cli/printing.h"
 #include "cli/progress.h"
-#include "cli/verb.h"
+#include "cli/verbs/transform.h"
 
 namespace vorel::cli {
 namespace {
 
-struct Arguments {
+struct Values {
   std::vector<std::string> files;
-  std::string printer, center;
+  std::string printer, center, pages;
   int copies = 1;
-  bool fits = false, stretches = false, by_image = false, by_printer_dots = false;
+  bool lists = false, true_size = false, fits = false, stretches = false, by_image = false, by_printer_dots = false,
+       upright = false;
 
-  ImgPrintOptions options() const {
-    ImgPrintOptions options = {};
-    options.centreHorizontally = center == "both" || center == "across";
-    options.centreVertically = center == "both" || center == "down";
-    options.fitProportionally = fits;
-    options.stretchToPage = stretches;
-    options.useImageDpi = !by_printer_dots;
-    options.copies = 1;  // the tool prints a page again instead: most printers put the library's copies on one sheet
-    return options;
+  PaperLayout layout() const {
+    PaperLayout layout;
+    layout.sizing = fits        ? PaperSizing::kFit
+                    : stretches ? PaperSizing::kStretch
+                    : true_size ? PaperSizing::kTrueSize
+                                : PaperSizing::kShrink;
+    layout.by_printer_dots = by_printer_dots;
+    layout.may_turn = !upright;
+    layout.is_centered_across = center == "both" || center == "across";
+    layout.is_centered_down = center == "both" || center == "down";
+    return layout;
   }
 };
 
 std::string document_name(const std::vector<std::string>& files) {
-  const std::string name = std::filesystem::path(files.front()).filename().string();
-  return files.size() == 1 ? name : name + " and others";
+  const std::string& file = files.front();
+  const std::u8string name = std::filesystem::path(std::u8string(file.begin(), file.end())).filename().u8string();
+  const std::string shown(name.begin(), name.end());
+  return files.size() == 1 ? shown : shown + " and others";
 }
 
-ExitCode print(const Arguments& arguments, const Streams& streams) {
+// Half a document on paper is of no use: whatever cannot be loaded is found before the first page is printed.
+std::vector<Source> checked_sources(const Values& values, const Streams& streams) {
+  std::vector<Source> sources;
+  sources.reserve(values.files.size());
+  for (const std::string& file : values.files) sources.emplace_back(file, values.pages, streams);
+  for (const Source& source : sources)
+    for (size_t i = 0; i < source.size(); ++i) source.load(i);
+  return sources;
+}
+
+int sheet_count(const std::vector<Source>& sources, int copies) {
+  uint64_t pages = 0;
+  for (const Source& source : sources) pages += source.size();
+  pages *= static_cast<uint64_t>(copies);
+  if (pages <= static_cast<uint64_t>(std::numeric_limits<int>::max())) return static_cast<int>(pages);
+  throw Failure(ExitCode::kWrongUse, "--copies", "so many pages cannot be counted; print fewer copies");
+}
+
+void print_page(PrintJob& job, Page page, const PaperLayout& layout, int sheet, bool is_first_copy, const Streams& streams) {
+  const OnPaper shown = about(page.label, [&] { return fitted(std::move(page.picture), layout, job.paper()); });
+  if (!shown.cut.empty() && is_first_copy)
+    print_note(streams.errors, fmt::format("{}: {} lie outside what the printer reaches and are cut off; leave --true-size "
+                                           "out to have the page shrunk",
+                                           page.label, shown.cut));
+  job.print(shown.picture, sheet);
+}
+
+ExitCode print(const Values& values, const Streams& streams) {
   require_printing();
-  PageReader reader(arguments.files, streams.input);
-  const int64_t pages = int64_t{reader.total()} * arguments.copies;
-  if (pages > std::numeric_limits<int>::max()) {
-    throw Failure(ExitCode::kWrongUse, "--copies", "so many pages cannot be counted; print fewer copies");
+  if (values.lists) {
+    for (const std::string& name : names_of_printers()) streams.output << name << '\n';
+    return ExitCode::kDone;
   }
-  PrintJob job(arguments.printer, document_name(arguments.files), arguments.options(), static_cast<int>(pages));
-  Progress progress(streams, "page", static_cast<int>(pages));
-  for (int index = 0; auto picture = reader.next();) {
-    prepare(*picture, Reach::kMovesRows);
-    for (int copy = 0; copy < arguments.copies; ++copy) {
-      progress.step();
-      job.print(*picture, index++);
-    }
-  }
+  if (values.files.empty()) throw Failure(ExitCode::kWrongUse, "print", "there is nothing to print; name one or more files");
+  const std::vector<Source> sources = checked_sources(values, streams);
+  const int sheets = sheet_count(sources, values.copies);
+  const PaperLayout layout = values.layout();
+  PrintJob job(values.printer, document_name(values.files), layout, sheets);
+  Progress progress(streams, "page", sheets);
+  int sheet = 0;
+  for (int copy = 0; copy < values.copies; ++copy)
+    for (const Source& source : sources)
+      for (size_t i = 0; i < source.size(); ++i) {
+        progress.step();
+        print_page(job, source.load(i), layout, sheet++, copy == 0, streams);
+      }
   job.end();
   return ExitCode::kDone;
 }
 
-Action declare(CLI::App& app) {
-  const auto arguments = std::make_shared<Arguments>();
-  app.add_option("FILE", arguments->files, "one or more picture files; - is standard input")->required()->option_text(" ");
-  app.add_option("--printer", arguments->printer, "its name as the system lists it (default: the default printer)")
-      ->option_text("NAME");
-  app.add_option("--copies", arguments->copies, "sheets of each page, one after another (default: 1)")
-      ->check(CLI::PositiveNumber)
-      ->option_text("N");
-  CLI::Option* fit = app.add_flag("--fit", arguments->fits, "as large as the page allows, in proportion");
-  app.add_flag("--stretch", arguments->stretches, "over the whole page, out of proportion")->excludes(fit);
-  app.add_option("--center", arguments->center, "on the page: across, down or both (default: at its top left)")
-      ->check(CLI::IsMember({"across", "down", "both"}))
-      ->option_text("WHICH");
-  CLI::Option* image_dpi =
-      app.add_flag("--image-dpi", arguments->by_image, "at the size that the picture's resolution says (default)");
-  app.add_flag("--printer-dpi", arguments->by_printer_dots, "one printer dot for each pixel")->excludes(image_dpi);
-  app.footer(
-      "All pages of all files are one document; each begins a sheet. Pictures without a resolution are printed with one "
-      "dot\n"
-      "for each pixel, and what is larger than the page is cut off, unless --fit or --stretch is given. No window opens.\n"
-      "Needs the Windows build.\n\n"
+Action declare(Arguments& arguments) {
+  const auto values = std::make_shared<Values>();
+  arguments.any_number("FILE", values->files, "one or more picture files; - is standard input");
+  arguments.option("--printer", values->printer, "NAME", "its name as --list shows it (default: the default printer)");
+  arguments.flag("--list", values->lists, "list the printers, the default one first, and print nothing");
+  arguments.option("--page", values->pages, "LIST", "pages of each file, such as 2 or 1-3,5 or 4- (default: all)");
+  arguments.option("--copies", values->copies, "N", "of the whole document, one after another (default: 1)", kFromOne);
+  arguments.flag("--true-size", values->true_size, "cut off what is larger than the page (default: shrink it to fit)");
+  arguments.flag("--fit", values->fits, "as large as the page allows, in proportion");
+  arguments.flag("--stretch", values->stretches, "over the whole page, out of proportion");
+  arguments.flag("--upright", values->upright, "turn nothing (default: turn by a quarter what fits better so)");
+  arguments.option("--center", values->center, "WHICH", "on the page: across, down or both (default: at its top left)",
+                   one_of({"across", "down", "both"}));
+  arguments.flag("--image-dpi", values->by_image, "at the size that the picture's resolution says (default)");
+  arguments.flag("--printer-dpi", values->by_printer_dots, "one printer dot for each pixel");
+  arguments.exclude("--stretch", "--fit");
+  arguments.exclude("--true-size", "--fit");
+  arguments.exclude("--true-size", "--stretch");
+  arguments.exclude("--printer-dpi", "--image-dpi");
+  arguments.explain(
+      "All pages of all files are one document; each begins a sheet. Pictures without a resolution are printed with one\n"
+      "dot for each pixel. Nothing is printed if a file cannot be read. No window opens. Needs the Windows build.\n\n"
       "Examples:\n"
       "  vorel print scan.tif\n"
       "  vorel print cover.png fax.tif --fit --center both --printer \"Office Laser\" --copies 2");
-  return [arguments](const Streams& streams) { return print(*arguments, streams); };
+  return [values](const Streams& streams) { return print(*values, streams); };
 }
 
 }  // namespace

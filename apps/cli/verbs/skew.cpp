@@ -1,9 +1,12 @@
 // vorel skew: shears a picture.
-#include "cli/pixels.h"
 #include "cli/verbs/transform.h"
 
 namespace vorel::cli {
 namespace {
+
+using programs::Background;
+using programs::Picture;
+using programs::Shear;
 
 struct Options {
   std::string direction;
@@ -11,30 +14,22 @@ struct Options {
   bool white = false;
 };
 
-Dib sheared(Picture& picture, const Options& options) {
-  prepare(picture, Reach::kMovesPixels);
-  return on_background(picture, options.white, [&](Picture& source) {
-    clear_padding(source);  // the library moves whole bytes
-    int corners[8];
-    return checked(source,
-                   SkewDIB(source.dib.get(), options.direction == "horizontal" ? 1 : 0, options.pixels, nullptr, corners));
-  });
-}
-
-Action declare(CLI::App& app) {
-  app.footer(
+Action declare(Arguments& arguments) {
+  arguments.explain(
       "horizontal moves rows right: the upper ones most if PIXELS is positive, else the lower ones. vertical moves\n"
-      "columns up: the right ones most if PIXELS is positive, else the left ones. The picture grows by as much. IN may\n"
-      "have 1, 4, 8 or 24 bits per pixel. OUT has the format that its ending names; see \"vorel convert --help\".\n\n"
+      "columns up: the right ones most if PIXELS is positive, else the left ones. The picture grows by as much. OUT has\n"
+      "the format that its ending names; see \"vorel convert --help\".\n\n"
       "Examples:\n"
       "  vorel skew page.tif slanted.tif horizontal 40\n"
       "  vorel skew page.tif slanted.tif vertical -25 --white");
   const auto options = std::make_shared<Options>();
-  const Action action = declare_transform(app, [options](Picture& picture) { return sheared(picture, *options); });
-  declare_argument(app, "DIRECTION", options->direction, "horizontal or vertical")
-      ->check(CLI::IsMember({"horizontal", "vertical"}));
-  declare_argument(app, "PIXELS", options->pixels, "how far the edge that moves most does");
-  app.add_flag("--white", options->white, kWhiteHelp);
+  const Action action = declare_transform(arguments, [options](Picture picture) {
+    return programs::skewed(std::move(picture), options->direction == "horizontal" ? Shear::kRows : Shear::kColumns,
+                            options->pixels, options->white ? Background::kWhite : Background::kBlack);
+  });
+  arguments.required("DIRECTION", options->direction, "horizontal or vertical", one_of({"horizontal", "vertical"}));
+  arguments.required("PIXELS", options->pixels, "how far the edge that moves most does");
+  arguments.flag("--white", options->white, kWhiteHelp);
   return action;
 }
 

@@ -1,28 +1,28 @@
 // The options of verbs that write pictures.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
-#include "cli/picture.h"
+#include "cli/arguments.h"
+#include "common/saving.h"
 
 namespace vorel::cli {
 
 struct SavingOptions {
   std::string to, compression;
-  bool interlaced = false, overwrite = false;
+  bool interlaced = false, overwrite = false, numbered = false;
 
-  void declare(CLI::App& app);
+  void declare(Arguments& arguments, bool offers_numbering = true);
 
   // How to save under a name. Throws Failure if that and the options do not tell, or do not go together.
-  Saving saving_for(const std::string& output) const;
+  programs::Saving saving_for(const std::string& output) const;
 };
 
 // The same in help texts, under the verb's own words.
 inline constexpr const char* kSavingHelp =
     "The ending of OUT tells its format: .bmp .tif .png .jpg .gif .pcx .dcx .tga .cal and, on Windows, .wmf\n"
     ".emf .clp. Without one, and on standard output, it is a Windows bitmap. JPEG gets quality 75; GIF keeps at most 256\n"
-    "colours; CALS takes 1 bit per pixel.\n"
+    "colours; CALS takes 1 bit per pixel. TIFF and DCX files hold several pages, other files one.\n"
     "KIND is for TIFF none, huffman, g3, g4 (these three for 1 bit per pixel), lzw, jpeg (for 24 bits and greys of 8),\n"
     "deflate or packbits, and without it g4 for 1 bit and deflate else; for TGA it is none (the usual one) or rle, which\n"
     "pictures with a colour table do not get.\n\n";

@@ -1,10 +1,10 @@
-#include "cli/codec.h"
+#include "common/codec.h"
 
 #include <fmt/format.h>
 
-#include "cli/failure.h"
+#include "common/problem.h"
 
-namespace vorel::cli {
+namespace vorel::programs {
 namespace {
 
 std::string shown_library_folder() {
@@ -14,23 +14,23 @@ std::string shown_library_folder() {
 
 }  // namespace
 
-Codec::Codec(const Entry& entry, const std::string& label)
+Codec::Codec(const EntryPoint& entry)
     : module_(entry.module), address_(module_.is_loaded() ? module_.entry(entry.name) : nullptr) {
   if (!module_.is_loaded()) {
-    throw Failure(
-        ExitCode::kModule, label,
+    throw Problem(
+        Fault::kModule,
         fmt::format("the codec module {} for this format is missing or does not load; put it beside the library in {}",
                     module_file_name(entry.module), shown_library_folder()));
   }
   if (address_ == nullptr) {
-    throw Failure(ExitCode::kModule, label,
+    throw Problem(Fault::kModule,
                   fmt::format("the codec module {} lacks {}; put this version's module beside the library in {}",
                               module_file_name(entry.module), entry.name, shown_library_folder()));
   }
 }
 
-void Codec::require(const Entry& entry, const std::string& label) {
-  if (entry.module != nullptr) Codec(entry, label);
+void Codec::require(const EntryPoint& entry) {
+  if (entry) static_cast<void>(Codec{entry});
 }
 
-}  // namespace vorel::cli
+}  // namespace vorel::programs

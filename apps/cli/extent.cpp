@@ -1,4 +1,4 @@
-#include "cli/verbs/extent.h"
+#include "cli/extent.h"
 
 #include <charconv>
 #include <cmath>
@@ -6,6 +6,8 @@
 
 namespace vorel::cli {
 namespace {
+
+constexpr int kMostDpi = 50'000;
 
 // Two whole numbers with a character between them.
 std::optional<std::pair<int, int>> numbers(const std::string& text, char between) {
@@ -23,22 +25,29 @@ bool states_extent(const std::string& text) {
   return both && both->first > 0 && both->second > 0;
 }
 
+// One number stands for both directions.
+std::optional<std::pair<int, int>> dpi_of(const std::string& text) {
+  const auto both = numbers(text.find('x') == std::string::npos ? text + 'x' + text : text, 'x');
+  const auto is_usual = [](int dpi) { return dpi > 0 && dpi <= kMostDpi; };
+  return both && is_usual(both->first) && is_usual(both->second) ? both : std::nullopt;
+}
+
 }  // namespace
 
-CLI::Validator is_extent() {
-  return {[](std::string& text) { return states_extent(text) ? "" : text + " is no size; write it like 640x480"; }, ""};
+std::string extent_is_wrong(const std::string& text) {
+  return states_extent(text) ? "" : "\"" + text + "\" is no size; write it like 640x480";
 }
 
-CLI::Validator is_extent_or_percent() {
-  return {[](std::string& text) {
-            const bool is_either = states_extent(text) || parse_percent(text);
-            return is_either ? "" : text + " is no size; write it like 640x480 or 50%";
-          },
-          ""};
+std::string extent_or_percent_is_wrong(const std::string& text) {
+  return states_extent(text) || parse_percent(text) ? "" : "\"" + text + "\" is no size; write it like 640x480 or 50%";
 }
 
-CLI::Validator is_position() {
-  return {[](std::string& text) { return numbers(text, ',') ? "" : text + " is no position; write it like 100,50"; }, ""};
+std::string position_is_wrong(const std::string& text) {
+  return numbers(text, ',') ? "" : "\"" + text + "\" is no position; write it like 100,50";
+}
+
+std::string dpi_is_wrong(const std::string& text) {
+  return dpi_of(text) ? "" : "\"" + text + "\" is no resolution; write it like 300 or 204x196";
 }
 
 std::optional<double> parse_percent(const std::string& text) {
@@ -50,14 +59,21 @@ std::optional<double> parse_percent(const std::string& text) {
   return is_percent ? std::optional(percent) : std::nullopt;
 }
 
-Extent parse_extent(const std::string& text) {
+Size parse_extent(const std::string& text) {
   const auto [width, height] = numbers(text, 'x').value();
   return {width, height};
 }
 
-Position parse_position(const std::string& text) {
+programs::Corner parse_position(const std::string& text) {
   const auto [x, y] = numbers(text, ',').value();
   return {x, y};
 }
+
+Size parse_dpi(const std::string& text) {
+  const auto [x, y] = dpi_of(text).value();
+  return {x, y};
+}
+
+int per_metre(int dpi) { return static_cast<int>(std::lround(dpi * kInchesPerMetre)); }
 
 }  // namespace vorel::cli

@@ -1,0 +1,167 @@
+#include "common/picture_file.h"
+
+#include <fmt/format.h>
+#include <fstream>
+
+#include "common/codec.h"
+#include "common/platform.h"
+#include "common/problem.h"
+#include "common/saving.h"
+
+namespace vorel::programs {
+namespace {
+
+// Why a module gave no picture. `status` is negative where it does not say.
+Problem not_loaded(const FileFormat& format, int status) {
+  switch (status) {
+    case IMG_E_MEMORY:
+      return {Fault::kLimit,
+              "the picture is too large for the memory there is, or claims more than such a file can hold; close programs, "
+              "or get "
+              "another copy of the file"};
+    case IMG_E_OPEN_FILE:
+    case IMG_E_FILE_IO: return {Fault::kInput, "the file cannot be read; check the disk and that no other program holds it"};
+    default:
+      return {Fault::kFormat,
+              fmt::format("the {} file is damaged or of a variant that is not supported; get another copy of "
+                          "it, or save it in another way",
+                          format.name)};
+  }
+}
+
+Problem set_not_loaded() {
+  return {
+      Fault::kFormat,
+      "a file that the page set lists is missing, or is no 1-bit picture of the size of the others; check the names in it, "
+      "which count from the current folder"};
+}
+
+Problem unknown_format(int code) {
+  if (code == IMG_FORMAT_TEXT)
+    return {Fault::kFormat, "this is a text; give a picture file, or draw it with \"vorel text\""};
+  return {Fault::kFormat,
+          "the format is not recognised, or the file is damaged; give a picture file (TGA files go by their name)"};
+}
+
+uint64_t size_of(const std::filesystem::path& path) {
+  std::error_code error;
+  const auto bytes = std::filesystem::file_size(path, error);
+  if (error) throw Problem(Fault::kInput, fmt::format("its size is unknown ({}); try again", error.message()));
+  return bytes;
+}
+
+std::string usable_path(const std::filesystem::path& path) {
+  if (auto usable = path_for_library(path)) return *usable;
+  throw Problem(Fault::kInput, "the path is longer than 127 characters; move the file nearer to the root folder");
+}
+
+constexpr uint32_t kPlaceableKey = 0x9AC6CDD7;
+
+}  // namespace
+
+PictureFile::PictureFile(std::filesystem::path path)
+    : path_(std::move(path)), library_path_(usable_path(path_)), bytes_(size_of(path_)) {}
+
+bool PictureFile::is_bitmap() const {
+  std::ifstream file(path_, std::ios::binary);
+  return begins_as_bitmap(file);
+}
+
+// The header of a TGA file with a colour table and run-length codes is that of a plain metafile by chance. Its name decides.
+const FileFormat& PictureFile::format() const {
+  int code = GetImageFormat(library_path_.c_str());
+  if (code == IMG_FORMAT_METAFILE) {
+    uint32_t key = 0;
+    std::ifstream(path_, std::ios::binary).read(reinterpret_cast<char*>(&key), sizeof key);
+    const FileFormat* named = format_for_name(path_.filename().string());
+    if (key != kPlaceableKey && named != nullptr && named->code == FormatCode::kTga) code = IMG_FORMAT_TGA;
+  }
+  if (code == IMG_FORMAT_UNKNOWN && is_bitmap()) code = IMG_FORMAT_BITMAP;
+  const FileFormat* format = format_of(code);
+  if (format == nullptr) throw unknown_format(code);
+  return *format;
+}
+
+std::optional<int> PictureFile::count_pages() const {
+  const FileFormat& kind = format();
+  if (kind.code == FormatCode::kColorFax) return GetNumberOfImagesInFaxFile(library_path_.c_str());
+  if (!kind.count) return 1;
+  const Codec codec(kind.load);
+  const auto count = codec.other<ImgCountPages>(kind.count.name);
+  if (count == nullptr) return std::nullopt;
+  int status = -1;
+  const int pages = count(library_path_.c_str(), &status);
+  if (pages < 1) throw not_loaded(kind, status);
+  return pages;
+}
+
+Picture PictureFile::load(int page) const {
+  const FileFormat& kind = format();
+  Codec::require(kind.load);
+  if (const auto pages = page == 1 ? std::nullopt : count_pages(); pages && page > *pages) {
+    throw Problem(Fault::kWrongUse,
+                  fmt::format("there is no page {}; the file has {} page{}", page, *pages, *pages == 1 ? "" : "s"));
+  }
+  switch (kind.code) {
+    case FormatCode::kBitmap: {
+      std::ifstream file(path_, std::ios::binary);
+      return read_bitmap(file, bytes_);
+    }
+    case FormatCode::kTga: return load_tga();
+    default: return load_by_library(kind, page);
+  }
+}
+
+Picture PictureFile::load_by_library(const FileFormat& kind, int page) const {
+  if (kind.needs_windows) require_drawing(kind.name);
+  int status = -1;
+  SetImgError(IMG_OK);
+  const HGLOBAL dib = LoadImageIntoDIB(library_path_.c_str(), page, &status);
+  const bool is_metafile = kind.code == FormatCode::kMetafile || kind.code == FormatCode::kEnhancedMetafile;
+  if (dib != nullptr) return is_metafile ? whole_metafile(path_, Picture(dib)) : Picture(dib);
+  if (kind.code == FormatCode::kColorFax) throw set_not_loaded();
+  throw not_loaded(kind, kind.needs_windows ? ImgError() : status);
+}
+
+// By its module, which does not ask for the name's ending and tells why it fails.
+Picture PictureFile::load_tga() const {
+  const FileFormat& kind = *format_of(IMG_FORMAT_TGA);
+  int status = -1;
+  const HGLOBAL dib = Codec(kind.load).as<ImgLoadPicture>()(library_path_.c_str(), &status);
+  if (dib == nullptr) throw not_loaded(kind, status);
+  return Picture(dib);
+}
+
+BitmapFacts PictureFile::bitmap_facts() const {
+  std::ifstream file(path_, std::ios::binary);
+  return inspect_bitmap(file, bytes_);
+}
+
+std::optional<std::string> PictureFile::compression(int page) const {
+  const FileFormat& kind = format();
+  if (kind.compression != nullptr) return kind.compression;
+  switch (kind.code) {
+    case FormatCode::kBitmap: return bitmap_facts().compression;
+    case FormatCode::kTiff: {
+      const Codec codec(kind.load);
+      const auto ask = codec.other<ImgTiffCompression>("GetTiffCompression");
+      const int number = ask == nullptr ? 0 : ask(library_path_.c_str(), page, nullptr);
+      return number == 0 ? std::nullopt : std::optional(tiff_compression_name(number));
+    }
+    case FormatCode::kTga: {  // byte 2 of the header is the type; from 9 on its rows are compressed
+      char start[3] = {};
+      std::ifstream(path_, std::ios::binary).read(start, sizeof start);
+      return start[2] >= 9 ? "run-length" : "none";
+    }
+    default: return std::nullopt;
+  }
+}
+
+void require_drawing(const char* what) {
+  if (has_drawing()) return;
+  throw Problem(
+      Fault::kFormat,
+      fmt::format("this build does not draw, which a {} needs; use the Windows build of this tool, vorel.exe", what));
+}
+
+}  // namespace vorel::programs

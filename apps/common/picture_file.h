@@ -1,0 +1,53 @@
+// Picture files of any format, page by page.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "common/bitmap_file.h"
+#include "common/picture.h"
+#include "core/file_formats.h"
+
+namespace vorel::programs {
+
+// A file that pictures are loaded from. Its functions throw Problem.
+class PictureFile {
+ public:
+  // The file is there and can be read.
+  explicit PictureFile(std::filesystem::path path);
+
+  const std::filesystem::path& path() const { return path_; }
+  const std::string& library_path() const { return library_path_; }  // as the library takes it
+  uint64_t bytes() const { return bytes_; }
+
+  // By what it holds, and for TGA by its name. Throws for what the programs cannot load.
+  const FileFormat& format() const;
+
+  // None if the module does not tell.
+  std::optional<int> count_pages() const;
+
+  // A page, counted from 1, in the form that the file has it in.
+  Picture load(int page) const;
+
+  // Of a bitmap, without its pixels.
+  BitmapFacts bitmap_facts() const;
+
+  // Of a page, in words; none where it is unknown.
+  std::optional<std::string> compression(int page) const;
+
+ private:
+  bool is_bitmap() const;
+  Picture load_by_library(const FileFormat& format, int page) const;
+  Picture load_tga() const;
+
+  std::filesystem::path path_;
+  std::string library_path_;
+  uint64_t bytes_;
+};
+
+// Throws Problem where this build does not draw, which `what` needs.
+void require_drawing(const char* what);
+
+}  // namespace vorel::programs
