@@ -41,7 +41,7 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, kernels::Dithering method
   if (header.width < 0 || !(plane * kPlanes).fits_block()) return Error::kMemory;
 
   auto result = reduced(reduced_header(header, bits));
-  const auto scratch = ZeroedBuffer::allocate(kernels::dithering_scratch({header.width, header.height}));
+  const auto scratch = ZeroedBuffer::allocate(kernels::dithering_scratch({header.width, header.height}, bits, method));
   if (!result || !scratch) {
     source.leave_locked();
     return Error::kMemory;
@@ -61,8 +61,8 @@ Result<OwnedDib> halftoned(LockedDib& source, kernels::HalftoneMethod method, in
   const uint32_t colors = implied_colors(header.depth);
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, {.rows_at = RowsAt::kBehindTable, .least_colors = colors}));
   if (header.width < 0) return Error::kMemory;
-  const auto scratch =
-      VOREL_TRY(or_error(ZeroedBuffer::allocate(kernels::halftone_scratch({header.width, header.height})), Error::kMemory));
+  const auto scratch = VOREL_TRY(
+      or_error(ZeroedBuffer::allocate(kernels::halftone_scratch({header.width, header.height}, method)), Error::kMemory));
   NewDib result = VOREL_TRY(reduced(reduced_header(header, 1)));
   if (has_pixels(header))
     kernels::bilevel().halftone(opened.pixels(), opened.rows_and_rest(), opened.colors(colors), brightness, result.pixels(),

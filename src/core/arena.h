@@ -7,8 +7,7 @@
 
 namespace vorel {
 
-// Pieces begin at multiples of kPieceAlignment from the start, so that each may take up to that much more than its length. Whoever hands the
-// memory in has asked the kernel how much it needs.
+// Pieces are rounded up to multiples of kPieceAlignment. The kernel says beforehand how much memory it needs.
 class Arena {
  public:
   static constexpr size_t kPieceAlignment = 64;

@@ -27,7 +27,7 @@ constexpr uint8_t weighted_intensity_of(Rgb color) {
 
 // What error diffusion and halftoning take for the brightness of a colour.
 constexpr uint8_t luminance_of(Rgb color) {
-  return static_cast<uint8_t>((30 * color.red + 59 * color.green + 11 * color.blue) / 100);
+  return static_cast<uint8_t>(static_cast<uint16_t>(30 * color.red + 59 * color.green + 11 * color.blue) / 100);
 }
 
 // In thousandths of a component, 0 to 255,000. Files of two colours are told apart by it.

@@ -71,18 +71,22 @@ class NewDib {
   // With an empty colour table, and `image_bytes` for rows and whatever is to follow them.
   static Result<NewDib> make(const DibHeader& header, ByteCount image_bytes, const LayoutRule& rule = {},
                              Allocate* allocate = OwnedDib::allocate) {
-    const Layout layout = Layout::of(header, rule);
-    NewDib dib(header, layout, VOREL_TRY(allocate(layout.offset + image_bytes)));
-    std::ranges::fill(dib.head(), uint8_t{0});
-    write_header(dib.bytes(), header);
-    return dib;
+    return make_laid_out(Layout::of(header, rule), header, image_bytes, allocate);
   }
 
-  // With the colours of another DIB and room for all rows, and `spare` bytes behind them.
+  // With room for the colours that another header has, and as many bytes of rows as this one says and `spare` ones behind them. A
+  // 12-byte header may count other colours when its numbers change.
+  static Result<NewDib> with_room_of(const DibHeader& source, const LayoutRule& rule, const DibHeader& header,
+                                     Allocate* allocate = OwnedDib::allocate, ByteCount spare = 0) {
+    Layout layout = Layout::of(header, rule);
+    layout.offset = Layout::of(source, rule).offset;
+    return make_laid_out(layout, header, layout.rows + spare, allocate);
+  }
+
+  // The same with the colours of another DIB.
   static Result<NewDib> like(const OpenDib& source, const DibHeader& header, Allocate* allocate = OwnedDib::allocate,
                              ByteCount spare = 0) {
-    const ByteCount image_bytes = Layout::of(header, source.rule()).rows + spare;
-    NewDib dib = VOREL_TRY(make(header, image_bytes, source.rule(), allocate));
+    NewDib dib = VOREL_TRY(with_room_of(source.header(), source.rule(), header, allocate, spare));
     dib.copy_colors(source);
     return dib;
   }
@@ -103,7 +107,7 @@ class NewDib {
     write_header(bytes(), header);
   }
 
-  // Takes over everything between the header and the rows of a DIB with a table of the same length.
+  // Takes over everything between the header and the rows of a DIB with as much room there.
   void copy_colors(const OpenDib& source) {
     std::ranges::copy(source.head().subspan(kHeaderBytes), head().begin() + kHeaderBytes);
   }
@@ -121,6 +125,14 @@ class NewDib {
   operator OwnedDib() && { return std::move(dib_); }  // NOLINT(google-explicit-constructor): handed on as what it owns
 
  private:
+  static Result<NewDib> make_laid_out(const Layout& layout, const DibHeader& header, ByteCount image_bytes,
+                                      Allocate* allocate) {
+    NewDib dib(header, layout, VOREL_TRY(allocate(layout.offset + image_bytes)));
+    std::ranges::fill(dib.head(), uint8_t{0});
+    write_header(dib.bytes(), header);
+    return dib;
+  }
+
   NewDib(const DibHeader& header, const Layout& layout, OwnedDib dib)
       : header_(header), layout_(layout), dib_(std::move(dib)) {}
 

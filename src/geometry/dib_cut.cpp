@@ -15,8 +15,8 @@ DibHeader with_height(DibHeader header, int32_t height) {
 }
 
 // A part without colours and rows yet.
-Result<NewDib> new_part(const DibHeader& header, HGLOBAL* handle) {
-  auto part = NewDib::make(header, Layout::of(header, kRule).rows, kRule);
+Result<NewDib> new_part(const DibHeader& source, int32_t height, HGLOBAL* handle) {
+  auto part = NewDib::with_room_of(source, kRule, with_height(source, height));
   *handle = part ? part->handle() : nullptr;
   return part;
 }
@@ -36,8 +36,8 @@ Result<bool> cut(const LockedDib& source, int32_t line, CutHandles parts) {
   if (header.width < 0 || line <= 0 || line >= header.height) return Error::kUnreported;
   if (header.depth != 24 && implied_colors(header.depth) == 0) return Error::kUnreported;
 
-  NewDib lower = VOREL_TRY(new_part(with_height(header, header.height - line), parts.first).or_error(Error::kUnreported));
-  NewDib upper = VOREL_TRY(new_part(with_height(header, line), parts.second).or_error(Error::kUnreported));
+  NewDib lower = VOREL_TRY(new_part(header, header.height - line, parts.first).or_error(Error::kUnreported));
+  NewDib upper = VOREL_TRY(new_part(header, line, parts.second).or_error(Error::kUnreported));
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kRule).or_error(Error::kUnreported));
 
   const std::span<const uint8_t> rows = opened.rows();

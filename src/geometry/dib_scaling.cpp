@@ -26,13 +26,15 @@ Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, ker
   const LayoutRule result_rule = {.rows_at = RowsAt::kBehindTable};
   const uint32_t head_colors = static_cast<uint32_t>((palette_bytes(header).value() + sizeof(Rgb) - 1) / sizeof(Rgb));
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, {.least_colors = std::max(color_count(header), head_colors)}));
-  NewDib result = VOREL_TRY(NewDib::make(result_header, rows_bytes(result_header), result_rule).or_error(Error::kMemory));
+  const auto allocate = header.depth == 4 ? OwnedDib::allocate : OwnedDib::allocate_unset;  // half a byte may be padding
+  NewDib result = VOREL_TRY(NewDib::with_room_of(header, result_rule, result_header, allocate).or_error(Error::kMemory));
   const auto scratch =
       VOREL_TRY(or_error(ZeroedBuffer::allocate(kernels::interpolation_scratch(area, size)), Error::kMemory));
   std::ranges::copy(opened.bytes().first(result.head().size()), result.head().begin());
   write_header(result.bytes(), result_header);
   scale(opened.pixels().with_width(area.width).first_rows(area.height), opened.colors(color_count(header)), result.pixels(),
         interpolation, scratch.bytes());
+  result.clear_padding();
   return OwnedDib(std::move(result));
 }
 
@@ -81,10 +83,10 @@ Result<OwnedDib> ScaleDIBRect(const LockedDib& source, Rect rect, Size size) {
   OwnedDib result =
       VOREL_TRY(OwnedDib::with_head(whole.bytes().first(static_cast<size_t>(head.value())), result_header, image)
                     .or_error(Error::kUnreported));
-  const auto scratch =
-      VOREL_TRY(or_error(ZeroedBuffer::allocate(kernels::nearest_scratch(header.depth, size)), Error::kUnreported));
+  const auto scratch = ZeroedBuffer::allocate(kernels::nearest_scratch(header.depth, size));
   kernels::scale().scale_nearest(pixels_at(whole.bytes(), bits_offset(header), header), rect,
-                                 pixels_at(result.bytes(), head, result_header), scratch.bytes());
+                                 pixels_at(result.bytes(), head, result_header),
+                                 scratch ? scratch->bytes() : std::span<uint8_t>());
   return result;
 }
 

@@ -3,7 +3,7 @@
 set(VOREL_LEVELS sse2 sse41 avx2 avx512)
 set(VOREL_FLAGS_sse2 -msse2)
 set(VOREL_FLAGS_sse41 -msse4.1 -mpopcnt)
-set(VOREL_FLAGS_avx2 -mavx2 -mbmi -mbmi2 -mlzcnt -mpopcnt)
+set(VOREL_FLAGS_avx2 -mavx2 -mbmi -mbmi2 -mpopcnt)
 set(VOREL_FLAGS_avx512 ${VOREL_FLAGS_avx2} -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512vbmi -mprefer-vector-width=512)
 
 function(vorel_kernels)

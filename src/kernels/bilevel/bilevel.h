@@ -15,8 +15,8 @@ enum class Dithering { kFloydSteinberg, kJarvisJudiceNinke, kSmooth, kSharp };
 enum class HalftoneMethod : uint16_t { kThreshold = 0, kDiffusion = 1, kOrdered = 2 };
 
 // The scratch memory that these need, aligned to 8 bytes.
-ByteCount dithering_scratch(Size picture);
-ByteCount halftone_scratch(Size picture);
+ByteCount dithering_scratch(Size picture, int bits, Dithering method);
+ByteCount halftone_scratch(Size picture, HalftoneMethod method);
 
 struct BilevelTable {
   // Error diffusion. Fills a zero-filled result of 1, 4 or (not kSmooth and kSharp) 8 bits and of the source's size.

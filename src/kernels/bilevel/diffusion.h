@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "kernels/bilevel/lanes.h"
+#include "kernels/bilevel/row_lanes.h"
 #include "kernels/bilevel/wavefront.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
@@ -11,7 +11,7 @@ namespace vorel::kernels::VOREL_LEVEL {
 inline constexpr int16_t kThreshold = 128;  // what is lighter becomes white
 inline constexpr int16_t kWhite = 255;
 
-// Errors are at most half of white, and the shares of any pixel add up to less than one: no sum leaves 16 bits.
+// The shares that any pixel gets add up to less than one, so errors stay below white and no sum leaves 16 bits.
 
 // A share of an error, cut towards zero.
 template <int kPart>
@@ -20,7 +20,7 @@ Lanes sixteenths(Lanes error) {
   return (scaled + (scaled >> 15 & int16_t{15})) >> 4;
 }
 
-// The same of 48: exact for all products up to 3,000.
+// The same of 48: exact for all products up to 2,000.
 template <int kPart>
 Lanes of_48(Lanes error) {
   const Lanes scaled = error * int16_t{kPart};
@@ -119,6 +119,7 @@ struct JarvisJudiceNinke : Result {
     Lanes below[4] = {};                  // sums so far, for the columns from the one before on
     Lanes further[2] = {};                // values so far, for the column before and this one
     Lanes last[2] = {}, counted[2] = {};  // shares for this column of the two pixels before, and whether they count
+    Lanes last_share = {};                // of the pixel before, for the next column
 
     // `second` comes as what the row below has and the second row below had, and leaves as what that gets.
     void spread(Lanes error, Lanes& first, Lanes& second) {
@@ -137,15 +138,12 @@ struct JarvisJudiceNinke : Result {
       second = chosen(counts, one, further[0]);
       further[0] = chosen(counts, three, further[1]);
       further[1] = chosen(counts, five, before);
-      last[1] = last_share_;
+      last[1] = last_share;
       counted[1] = counted[0];
       last[0] = kNext == 1 ? one : three;
-      last_share_ = kLast == 1 ? one : three;
+      last_share = kLast == 1 ? one : three;
       counted[0] = counts;
     }
-
-   private:
-    Lanes last_share_ = {};
   };
 
   Channel channels_[kChannels];

@@ -75,7 +75,7 @@ class LuminancePlane {
 
   // Pixels from an offset on; black behind the end of the memory.
   void read_pixels(size_t offset, std::span<uint8_t> levels) const {
-    if (memory_.size() - offset < 3 * levels.size()) {
+    if (offset > memory_.size() || memory_.size() - offset < 3 * levels.size()) {
       for (uint8_t& level : levels) {
         const auto byte = [&] { return offset < memory_.size() ? memory_[offset++] : uint8_t{0}; };
         const uint8_t blue = byte(), green = byte(), red = byte();
@@ -85,8 +85,7 @@ class LuminancePlane {
     }
     const uint8_t* pixel = memory_.data() + offset;
     for (size_t i = 0; i < levels.size(); ++i, pixel += 3)
-      levels[i] =
-          brightened(static_cast<uint8_t>(static_cast<uint16_t>(30 * pixel[2] + 59 * pixel[1] + 11 * pixel[0]) / 100));
+      levels[i] = brightened(luminance_of({pixel[0], pixel[1], pixel[2], 0}));
   }
 
   ConstDibView source_;

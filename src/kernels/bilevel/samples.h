@@ -35,8 +35,7 @@ class Samples {
     uint8_t* __restrict out = to[0];
     const uint8_t* pixel = row + size_t{3} * static_cast<size_t>(x);
     const int there = std::clamp(picture_.width() - x, 0, count);
-    for (int i = 0; i < there; ++i, pixel += 3)
-      out[i] = static_cast<uint8_t>(static_cast<uint16_t>(30 * pixel[2] + 59 * pixel[1] + 11 * pixel[0]) / 100);
+    for (int i = 0; i < there; ++i, pixel += 3) out[i] = luminance_of({pixel[0], pixel[1], pixel[2], 0});
     for (int i = there; i < count; ++i) out[i] = 0;
   }
 

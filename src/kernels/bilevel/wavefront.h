@@ -10,7 +10,7 @@
 
 #include "core/arena.h"
 #include "core/view.h"
-#include "kernels/bilevel/lanes.h"
+#include "kernels/bilevel/row_lanes.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
 
@@ -60,12 +60,6 @@ class Wavefront {
       bits = arena.take<uint16_t>(static_cast<size_t>(end) + 2 * kMargin).data();
       std::memset(bits, 0, (static_cast<size_t>(end) + 2 * kMargin) * sizeof(uint16_t));
     }
-  }
-
-  // Scratch memory for so many columns.
-  static constexpr uint64_t scratch_bytes(uint64_t end) {
-    constexpr uint64_t kPieces = kStreams + kChannels;
-    return kPieces * ((end + 2 * kMargin) * sizeof(int16_t) + Arena::kPieceAlignment);
   }
 
   // What the first row gets from above.

@@ -53,7 +53,7 @@ int first_set_byte(uint64_t word) { return std::countr_zero(word) / 8; }
 // A bit in the first zero byte of a word, and none in those before it.
 uint64_t zero_bytes(uint64_t word) { return (word - kOneInEachByte) & ~word & 0x8080808080808080; }
 
-// How many bytes from the first on are equal, of which two are known to be.
+// Run length; the first two bytes already match.
 int run_length(const uint8_t* bytes, int most) {
   int count = 2;
   for (; count + kWordBytes <= most; count += kWordBytes)
@@ -63,7 +63,7 @@ int run_length(const uint8_t* bytes, int most) {
   return count;
 }
 
-// How many bytes come before the first equal neighbours, which two are known to do.
+// Literal length, up to the first equal neighbours; the first two bytes already differ from theirs.
 int literal_length(const uint8_t* bytes, int most) {
   int count = 2;
   for (; count + kWordBytes <= most; count += kWordBytes)

@@ -21,10 +21,11 @@ class ByteGather {
 #else
   static constexpr size_t kBlock = 16, kWindow = 16;
 #endif
-  // Bytes that are read behind the last position, and at most so many are written behind the last one asked for.
-  static constexpr size_t kOverread = 256, kOverwrite = 63;
+  // Bytes that are read behind the last position.
+  static constexpr size_t kOverread = 256;
 
-  // `positions` lives as long as the gather. Takes two bytes of the arena for each of them.
+  // `positions` lives as long as the gather. Takes a byte of the arena for each of them and
+  // four for each block.
   ByteGather(std::span<const uint32_t> positions, Arena& arena)
       : positions_(positions),
         first_(arena.take<uint32_t>((positions.size() + kBlock - 1) / kBlock)),

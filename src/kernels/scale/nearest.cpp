@@ -165,7 +165,7 @@ void scale_nearest(ConstDibView source, Rect rect, DibView result, std::span<uin
                         [&](Row from, std::span<uint8_t> to) { copy_bits(from, rect.x, rect.width, to); });
   }
 #ifdef __SSSE3__
-  if (source.depth() == 1) {
+  if (source.depth() == 1 && !scratch.empty()) {
     const BitGather gather(columns, scratch);
     if (gather.fits()) {
       const size_t bytes = row_bytes(1, result.width());

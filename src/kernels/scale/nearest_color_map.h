@@ -64,14 +64,15 @@ class NearestColorMap {
     for (const Rgb color : colors_)
       bound = std::min(bound, furthest_in(corner.blue, color.blue) + furthest_in(corner.green, color.green) +
                                   furthest_in(corner.red, color.red));
-    cell = {static_cast<uint16_t>(used_), 0};
+    const size_t first = used_;
+    cell = {static_cast<uint16_t>(first), 0};
     for (size_t i = 0; i < colors_.size(); ++i) {
       const Rgb color = colors_[i];
       if (nearest_in(corner.blue, color.blue) + nearest_in(corner.green, color.green) + nearest_in(corner.red, color.red) >
           bound)
         continue;
       if (used_ == kPoolBytes) {
-        used_ = cell.first;
+        used_ = first;
         cell = {0, static_cast<uint16_t>(colors_.size())};
         return;
       }

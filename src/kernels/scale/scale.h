@@ -35,7 +35,7 @@ struct ScaleTable {
 
   // Fills a zero-filled result of the same depth with the nearest pixels of a rectangle that begins inside the picture; what it
   // covers beyond is zero.
-  //   scratch  as much as nearest_scratch() says, aligned to 8 bytes
+  //   scratch  as much as nearest_scratch() says, aligned to 8 bytes, or none, which takes longer
   void (*scale_nearest)(ConstDibView source, Rect rect, DibView result, std::span<uint8_t> scratch);
 };
 
