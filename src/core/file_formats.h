@@ -1,5 +1,5 @@
-// The image file formats: one table, which the library's dispatch, the programs and the tests are fed from. A new format is a row
-// here and a codec module in a folder of its own.
+// The image file formats: one table that feeds the library's dispatch, the programs and the tests. A new format is a row
+// here and a codec module in its own folder.
 #pragma once
 
 #include <span>
@@ -7,7 +7,7 @@
 
 namespace vorel {
 
-// The numbers that GetImageFormat returns. 10 is a text, 11 is never used.
+// The numbers that GetImageFormat returns. 10 is a text file, 11 is unused.
 enum class FormatCode {
   kUnknown = 0,
   kTiff = 1,
@@ -26,29 +26,29 @@ enum class FormatCode {
   kEnhancedMetafile = 15,
 };
 
-// A function of a codec module. Formats that the library handles by itself have none.
+// A function of a codec module. Empty for formats that the library handles itself.
 struct EntryPoint {
-  const char* module = nullptr;  // file name without its ending
+  const char* module = nullptr;  // file name without extension
   const char* name = nullptr;
 
   explicit operator bool() const { return module != nullptr; }
 };
 
-// What a loader takes behind the path.
+// Arguments of a loader after the path.
 enum class LoadArguments { kNone, kStatus, kNullStatus, kPageAndStatus, kPageAndNull };
 
-// What a saver takes behind the path and the DIB.
+// Arguments of a saver after the path and the DIB.
 enum class SaveArguments { kStatus, kOptionAndStatus, kCompressionAndPage, kRunLengthAndFooter, kThreeZeros, kQuality };
 
-// Who saves a format.
+// Who can save a format.
 enum class Saver { kNobody, kProgramsAlone, kLibrary };
 
-// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): a row reads in this order
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): members in the reading order of a row
 struct FileFormat {
   FormatCode code;
-  const char* name;        // for people
-  const char* word;        // as the value of an option
-  const char* endings[3];  // of file names, the usual one first; null where there are fewer
+  const char* name;        // for display
+  const char* word;        // option value
+  const char* endings[3];  // file name extensions, the usual one first; null where there are fewer
   EntryPoint load = {};
   LoadArguments load_arguments = LoadArguments::kNone;
   EntryPoint save = {};
@@ -57,20 +57,20 @@ struct FileFormat {
   EntryPoint count = {};  // counts pages; none for files of one page
   Saver saver = Saver::kLibrary;
   bool holds_pages = false;           // saving can add a page to a file
-  bool needs_windows = false;         // pictures of it are drawn
-  int most_bits = 24;                 // to a pixel, when saved
-  const char* compression = nullptr;  // of all files; null where they differ
+  bool needs_windows = false;         // its pictures are drawn by the system
+  int most_bits = 24;                 // per pixel, when saved
+  const char* compression = nullptr;  // the same in all files; null where it varies
 };
 
 std::span<const FileFormat> file_formats();
 
-// Null for a number that no picture format has.
+// Null if no picture format has this number.
 const FileFormat* format_of(int code);
 
 // By its word or one of its endings, in lower case.
 const FileFormat* format_called(std::string_view word);
 
-// By the ending of a file's name, whatever its case.
+// By the extension of a file name, in any case.
 const FileFormat* format_for_name(std::string_view name);
 
 }  // namespace vorel

@@ -1,4 +1,5 @@
-// Greys of colours: every weighting that the library, its codec modules and the programs use. All are integers, cut towards zero.
+// Grey values: every weighting that the library, its codec modules and the programs use. All are integers, truncated towards
+// zero.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace vorel {
 
 constexpr uint8_t mean_of(Rgb color) { return static_cast<uint8_t>((color.blue + color.green + color.red) / 3); }
 
-// The level that an entry of a colour table stands for.
+// The level of a colour table entry.
 constexpr uint8_t level_of(Rgb color) { return static_cast<uint8_t>((color.blue + color.green + color.red + 1) / 3); }
 
 // The weights of the conversion to grey.
@@ -20,17 +21,17 @@ constexpr uint8_t weighted_gray_of(Rgb color) {
   return static_cast<uint8_t>((8 * color.red + 15 * color.green + 3 * color.blue) / 26);
 }
 
-// The same weights with red's and blue's exchanged: the intensity that colour filters work on. A deliberate oddity.
+// The same weights with red and blue exchanged: the intensity that colour filters work on. A deliberate oddity.
 constexpr uint8_t weighted_intensity_of(Rgb color) {
   return static_cast<uint8_t>((8 * color.blue + 15 * color.green + 3 * color.red) / 26);
 }
 
-// What error diffusion and halftoning take for the brightness of a colour.
+// Brightness as error diffusion and halftoning compute it.
 constexpr uint8_t luminance_of(Rgb color) {
   return static_cast<uint8_t>(static_cast<uint16_t>(30 * color.red + 59 * color.green + 11 * color.blue) / 100);
 }
 
-// In thousandths of a component, 0 to 255,000. Files of two colours are told apart by it.
+// In thousandths of a component, 0 to 255,000. It decides which colour of a two-colour file is the lighter one.
 constexpr int brightness_of(Rgb color) { return 299 * color.red + 587 * color.green + 114 * color.blue; }
 
 constexpr bool is_gray(Rgb color) { return color.blue == color.green && color.green == color.red; }
@@ -46,7 +47,7 @@ constexpr void write_gray_ramp(std::span<Rgb> colors) {
   }
 }
 
-// From black to white in even steps: the greys that the pixels of a table's depth stand for. At least two entries.
+// From black to white in even steps: the greys for a table of any depth. At least two entries.
 constexpr void write_even_grays(std::span<Rgb> colors) {
   const size_t last = colors.size() - 1;
   for (size_t k = 0; k <= last; ++k) {

@@ -24,15 +24,15 @@ struct DibHeader {
   uint16_t planes = 1;
   uint16_t depth = 0;  // bits per pixel
   Compression compression = Compression::kNone;
-  uint32_t image_bytes = 0;  // 0 stands for stride times height
+  uint32_t image_bytes = 0;  // 0: stride times height
   int32_t x_per_metre = 0;   // pixels per metre
   int32_t y_per_metre = 0;
-  uint32_t colors_used = 0;  // 0 stands for the number that the depth implies
+  uint32_t colors_used = 0;  // 0: the number that the depth implies
   uint32_t colors_important = 0;
 };
 static_assert(sizeof(DibHeader) == kHeaderBytes);
 
-// The older header, met in files only.
+// The older header, found only in files.
 struct CoreHeader {
   uint32_t size;
   uint16_t width, height, planes, depth;
@@ -50,7 +50,7 @@ struct FileHeader {
 #pragma pack(pop)
 static_assert(sizeof(FileHeader) == kFileHeaderBytes);
 
-// A colour table entry, and one of the table that belongs to a core header.
+// A colour table entry, and an entry of a core header's table.
 struct Rgb {
   uint8_t blue, green, red, reserved;
   friend bool operator==(const Rgb&, const Rgb&) = default;
@@ -69,11 +69,11 @@ inline ByteCount rows_bytes(const DibHeader& header) {
   return row_stride(header.depth, header.width) * static_cast<uint32_t>(header.height);
 }
 
-// Pictures of a negative or no size are taken for pictures without pixels by whatever does not refuse them.
+// Where they are not refused, pictures with a zero or negative side count as pictures without pixels.
 inline bool has_pixels(const DibHeader& header) { return header.width > 0 && header.height > 0; }
 inline ByteCount pixel_bytes(const DibHeader& header) { return has_pixels(header) ? rows_bytes(header) : 0; }
 
-// Bytes that a header says its rows take.
+// Bytes in the rows as the header states them.
 inline ByteCount stated_image_bytes(const DibHeader& header) {
   return header.image_bytes != 0 ? ByteCount(header.image_bytes) : rows_bytes(header);
 }
@@ -100,7 +100,7 @@ inline ByteCount palette_bytes(const DibHeader& header) {
 // Bytes from the block's start to the first pixel row.
 inline ByteCount bits_offset(const DibHeader& header) { return ByteCount(header.size) + palette_bytes(header); }
 
-// The first pixel row of a packed DIB that is whole.
+// The first pixel row of a complete packed DIB.
 template <class Byte>
 Byte* FindDIBBits(Byte* dib, const DibHeader& header) {
   return dib + bits_offset(header).value();

@@ -1,5 +1,5 @@
-// Where colours and rows are in a packed DIB. Operations differ in the rule that they follow, which shows with headers of other
-// than 40 bytes, with colour tables that are not as long as the depth asks for, and with several planes.
+// Where colours and rows are in a packed DIB. Each operation has its own rule. The rules differ for headers of other than 40
+// bytes, for colour tables of other than the depth's length, and for several planes.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 namespace vorel {
 
 enum class RowsAt {
-  kBehindStatedHeader,  // behind as many bytes as the header says it has, and its table
+  kBehindStatedHeader,  // behind as many bytes as the header states, and its table
   kBehindTable,         // behind 40 bytes and the table
   kBehindFullTable,     // behind 40 bytes and as many colours as the depth has
 };
@@ -28,7 +28,7 @@ struct Layout {
   ByteCount offset;  // from the block's start to the first row
   ByteCount stride;  // from one row to the next
   ByteCount rows;    // all of them; 0 for a picture without pixels
-  ByteCount needed;  // as much of the block as the rule looks at
+  ByteCount needed;  // bytes of the block that the rule covers
 
   static Layout of(const DibHeader& header, const LayoutRule& rule = {}) {
     Layout layout;
@@ -49,7 +49,7 @@ struct Layout {
   }
 };
 
-// The pixels of a DIB that is whole. A view without rows and columns where there are none.
+// The pixels of a complete DIB; an empty view if it has none.
 template <class Byte>
 BasicView<Byte> pixels_in(std::span<Byte> dib, const DibHeader& header, const Layout& layout) {
   if (layout.rows == ByteCount(0)) return {dib.data(), 0, 0, 0, header.depth};
@@ -57,7 +57,7 @@ BasicView<Byte> pixels_in(std::span<Byte> dib, const DibHeader& header, const La
           header.height, header.depth};
 }
 
-// The colours right behind 40 bytes, as many as asked for, of a DIB that has them.
+// The first `count` colours right behind the 40-byte header. The DIB must have them.
 template <class Byte>
 auto colors_in(std::span<Byte> dib, size_t count) {
   using Color = std::conditional_t<std::is_const_v<Byte>, const Rgb, Rgb>;

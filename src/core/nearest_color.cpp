@@ -13,7 +13,7 @@ NearestColor::NearestColor(std::span<const Rgb> colors) : count_(static_cast<int
   }
 }
 
-// The distance goes in front of the index, so that the least of both together is what is looked for.
+// The distance goes above the index, so that one minimum finds both.
 uint8_t NearestColor::search(int blue, int green, int red) const {
   int32_t nearest = std::numeric_limits<int32_t>::max() & ~0xFF;
   for (int i = 0; i < count_; ++i) {

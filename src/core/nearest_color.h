@@ -9,10 +9,10 @@
 
 namespace vorel {
 
-// Nearest is the smallest sum of the squared distances in red, green and blue; of several entries the first.
+// Nearest is the smallest sum of the squared distances in red, green and blue; ties go to the first entry.
 class NearestColor {
  public:
-  // At most 256 entries are looked at. An empty table has entry 0 alone.
+  // At most 256 entries are searched. An empty table counts as entry 0 alone.
   explicit NearestColor(std::span<const Rgb> colors);
 
   uint8_t index_of(uint8_t blue, uint8_t green, uint8_t red) {
@@ -36,7 +36,7 @@ class NearestColor {
 
   std::array<int16_t, 256> blue_{}, green_{}, red_{};
   int count_;
-  std::array<Answer, 1 << kHashBits> answers_{};  // given before: pictures repeat their colours
+  std::array<Answer, 1 << kHashBits> answers_{};  // a cache: pictures repeat their colours
 };
 
 }  // namespace vorel

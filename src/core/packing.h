@@ -6,8 +6,8 @@
 
 namespace vorel {
 
-// To rows of 1, 4 or 8 bits per pixel. Indices lose the upper bits that the depth has no room for; unused bits of the last byte
-// become 0. The row may begin where the indices begin.
+// To rows of 1, 4 or 8 bits per pixel. Upper bits of an index that do not fit the depth are dropped; unused bits of the last
+// byte become 0. The row may begin where the indices begin.
 void pack_indices(std::span<const uint8_t> indices, int depth, std::span<uint8_t> row);
 
 // From rows of 1, 2, 4 or 8 bits per pixel.

@@ -40,7 +40,7 @@ struct Pixel {
 
  private:
   static constexpr uint32_t kMask = kDepth < 8 ? (1u << kDepth) - 1 : 0;
-  // The bits of a row may be more than 32 bits can count, its bytes are not.
+  // The bits of a row may exceed 32 bits; its bytes do not.
   static constexpr size_t byte(int x) {
     if constexpr (kDepth < 8) return static_cast<size_t>(x / (8 / kDepth));
     return static_cast<size_t>(x) * (kDepth / 8);
@@ -48,13 +48,13 @@ struct Pixel {
   static constexpr int shift(int x) { return 8 - kDepth - x % (8 / kDepth) * kDepth; }
 };
 
-// The depths at which pixels stand for more than two colours and are worked on as colours: mixed, or reduced to fewer.
+// The depths whose pixels are processed as colours: mixed, or reduced to fewer.
 inline bool is_color_depth(int depth) { return depth == 4 || depth == 8 || depth == 24; }
 
 // The depths that with_depth knows.
 inline bool is_pixel_depth(int depth) { return depth == 1 || is_color_depth(depth); }
 
-// Calls op with the depth as a constant and returns true; false, and no call, for a depth that pixels are not copied at.
+// Calls op with the depth as a constant and returns true; false without a call for an unsupported depth.
 template <class Op>
 bool with_depth(int depth, Op&& op) {
   switch (depth) {

@@ -25,7 +25,7 @@ inline int nearest_dpi(int resolution) {
   return resolution <= 0 ? 0 : static_cast<int>(std::round(resolution * kMetresPerInch));
 }
 
-// Dots per inch if that is a whole number from which per_metre() makes the same value again; else 0.
+// Dots per inch if it is a whole number that per_metre() maps back to the same value; else 0.
 inline int whole_dpi(int resolution) {
   const int dpi = nearest_dpi(resolution);
   return per_metre(dpi) == resolution ? dpi : 0;

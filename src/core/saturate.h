@@ -1,5 +1,5 @@
-// Wide and fractional numbers made an int: what lies outside becomes the nearest that there is, fractions are cut off, and
-// what is no number is 0.
+// Wide and fractional numbers converted to int: values out of range become the nearest int, fractions are truncated, and NaN
+// becomes 0.
 #pragma once
 
 #include <algorithm>

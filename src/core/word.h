@@ -1,4 +1,4 @@
-// Eight bytes of a row at a time: the first one in memory is the lowest of the word.
+// Eight bytes of a row at a time: the first byte in memory is the lowest of the word.
 #pragma once
 
 #include <bit>

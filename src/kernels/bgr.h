@@ -7,7 +7,7 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// (blue * b + green * g + red * r) / divisor, cut. The division is a product: exact for each divisor in use.
+// (blue * b + green * g + red * r) / divisor, truncated. The division is a product, exact for each divisor in use.
 struct ComponentWeights {
   int blue, green, red, divisor;
 
@@ -29,7 +29,8 @@ inline constexpr ComponentWeights kGrayWeights = {3, 15, 8, 26};
 inline constexpr ComponentWeights kIntensityWeights = {8, 15, 3, 26};
 static_assert(kMeanWeights.is_exact() && kGrayWeights.is_exact() && kIntensityWeights.is_exact());
 
-// The weighted sums of four pixels, and at levels of 32 bytes of four others. Four bytes behind the pixels are read too.
+// The weighted sums of four pixels and, with vectors of 32 bytes, of the four `others`. Also reads the four bytes behind the
+// pixels.
 template <ComponentWeights kWeights>
 [[gnu::always_inline]] inline Doublewords weighted_sums(const uint8_t* pixels, [[maybe_unused]] const uint8_t* others) {
 #ifdef __SSE4_1__

@@ -1,5 +1,5 @@
-// Vectors as wide as the level that a kernel is compiled for. Their operators are the compiler's, lane by lane; functions here are
-// single instructions that have no operator.
+// Vectors as wide as the level that a kernel is compiled for. Their operators are the compiler's, lane by lane; the
+// functions here are single instructions without an operator.
 #pragma once
 
 #include <cstddef>
@@ -54,7 +54,7 @@ template <class Step>
   }
 }
 
-// For the lambdas that are handed to in_vectors().
+// For the lambdas passed to in_vectors().
 #define VOREL_INLINE __attribute__((always_inline))
 
 // Vectors of 32 bytes are two halves of 16 here: unpacking, packing and shuffling stay within a half.
@@ -75,7 +75,7 @@ template <class Step>
 [[gnu::always_inline]] inline Byte1 smaller(Byte1 a, Byte1 b) { return a < b ? a : b; }
 [[gnu::always_inline]] inline Byte1 larger(Byte1 a, Byte1 b) { return a > b ? a : b; }
 
-// The low or high eight bytes of each half, zero-extended; and the same for words.
+// The low or high eight bytes of each half, zero-extended; the same for words.
 [[gnu::always_inline]] inline Words low_words(Bytes bytes) {
   return (Words)VOREL_INTRINSIC(unpacklo_epi8)((VOREL_VECTOR)bytes, VOREL_VECTOR{});
 }
@@ -89,7 +89,7 @@ template <class Step>
   return (Words)VOREL_INTRINSIC(unpackhi_epi16)((VOREL_VECTOR)words, VOREL_VECTOR{});
 }
 
-// Signed numbers side by side, limited to the narrower type.
+// Packs signed numbers, saturated to the narrower type.
 [[gnu::always_inline]] inline Words pack(Doublewords low, Doublewords high) {
   return (Words)VOREL_INTRINSIC(packs_epi32)((VOREL_VECTOR)low, (VOREL_VECTOR)high);
 }
@@ -97,7 +97,7 @@ template <class Step>
   return (Bytes)VOREL_INTRINSIC(packus_epi16)((VOREL_VECTOR)low, (VOREL_VECTOR)high);
 }
 
-// Products of signed words, pairs of them added.
+// Products of signed words, added in pairs.
 [[gnu::always_inline]] inline Doublewords multiply_add(Words a, Words b) {
   return (Doublewords)VOREL_INTRINSIC(madd_epi16)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
 }
@@ -111,7 +111,7 @@ template <class Step>
 [[gnu::always_inline]] inline Bytes shuffle(Bytes bytes, Bytes places) {
   return (Bytes)VOREL_INTRINSIC(shuffle_epi8)((VOREL_VECTOR)bytes, (VOREL_VECTOR)places);
 }
-// Products of unsigned and signed bytes, pairs of them added.
+// Products of unsigned and signed bytes, added in pairs.
 [[gnu::always_inline]] inline Words multiply_add(Bytes a, Bytes signed_bytes) {
   return (Words)VOREL_INTRINSIC(maddubs_epi16)((VOREL_VECTOR)a, (VOREL_VECTOR)signed_bytes);
 }

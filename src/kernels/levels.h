@@ -1,13 +1,13 @@
 // Instruction sets. Each family of kernels is compiled once per level, into a namespace of the level's name, and ends in one
-// constant table of functions. levels.cpp chooses the level; tables.cpp holds the ways to the tables.
+// constant table of functions. levels.cpp chooses the level; tables.cpp has the accessors of the tables.
 #pragma once
 
 #include <string_view>
 
 namespace vorel {
 
-// Each level includes the ones before it. The names are those of the namespaces, of the build's object libraries and of the
-// environment variable.
+// Each level includes the ones before it. Namespaces, the build's object libraries and the environment variable use the same
+// names.
 enum class CpuLevel { kSse2, kSse41, kAvx2, kAvx512 };
 inline constexpr CpuLevel kCpuLevels[] = {CpuLevel::kSse2, CpuLevel::kSse41, CpuLevel::kAvx2, CpuLevel::kAvx512};
 

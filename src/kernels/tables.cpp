@@ -1,4 +1,4 @@
-// The ways to the tables of each family.
+// The accessors of each family's table.
 #include "kernels/bilevel/bilevel.h"
 #include "kernels/filter/filter.h"
 #include "kernels/rle/rle.h"
@@ -6,7 +6,7 @@
 #include "kernels/tone/tone.h"
 #include "kernels/turn/turn.h"
 
-// Declares a family's table of each level and defines the function of its name that chooses among them.
+// Declares a family's table of each level and defines the accessor, which chooses among them.
 #define VOREL_KERNEL_TABLE(Table, family)                      \
   namespace vorel::kernels {                                   \
   namespace sse2 {                                             \

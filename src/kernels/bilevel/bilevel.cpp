@@ -8,7 +8,7 @@ constexpr uint64_t kPastEnds = 16'384;  // of all rows together
 
 }  // namespace
 
-// Streams and masks of two bytes a column, a row of bits for each channel, and for blocks of two by two a row of samples.
+// Streams and masks take two bytes a column, bits a row for each channel, and blocks of two by two a row of samples.
 ByteCount dithering_scratch(Size picture, int bits, Dithering method) {
   const uint64_t channels = bits == 1 ? 1 : 3;
   const bool makes_blocks = method == Dithering::kSmooth || method == Dithering::kSharp;

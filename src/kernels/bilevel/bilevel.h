@@ -25,7 +25,7 @@ struct BilevelTable {
                  std::span<uint8_t> scratch);
 
   // A threshold, error diffusion or a matrix of thresholds. Fills a zero-filled 1-bit result from a source of 4, 8 or 24 bits.
-  //   memory      the source's stored rows, with whatever follows them; what is behind that counts as 0
+  //   memory      the source's stored rows and the bytes behind them; bytes past its end count as 0
   //   colors      16 or 256 below 24 bits
   //   brightness  added to the luminance of each pixel
   void (*halftone)(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness,
@@ -34,8 +34,8 @@ struct BilevelTable {
 
 const BilevelTable& bilevel(CpuLevel level = cpu_level());
 
-// The fixed colours of results with so many bits: black and white; each of red, green and blue on or off; eight reds, eight greens
-// and four blues.
+// The fixed colours of results of this depth: black and white; each of red, green and blue on or off; eight reds, eight
+// greens and four blues.
 void write_dither_colors(int bits, std::span<Rgb> colors);
 
 }  // namespace vorel::kernels

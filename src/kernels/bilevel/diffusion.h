@@ -1,4 +1,4 @@
-// What a pixel is too light or too dark, spread over the pixels to come: the methods as a wavefront steps them.
+// Error diffusion: the error of a pixel is spread over the pixels to come. Written as methods that a wavefront steps.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +8,10 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-inline constexpr int16_t kThreshold = 128;  // what is lighter becomes white
+inline constexpr int16_t kThreshold = 128;  // lighter values become white
 inline constexpr int16_t kWhite = 255;
 
-// The shares that any pixel gets add up to less than one, so errors stay below white and no sum leaves 16 bits.
+// The shares that reach any pixel add up to less than one, so errors stay below white and no sum exceeds 16 bits.
 
 // A share of an error, cut towards zero.
 template <int kPart>
@@ -20,7 +20,7 @@ Lanes sixteenths(Lanes error) {
   return (scaled + (scaled >> 15 & int16_t{15})) >> 4;
 }
 
-// The same of 48: exact for all products up to 2,000.
+// The same in parts of 48: exact for all products up to 2,000.
 template <int kPart>
 Lanes of_48(Lanes error) {
   const Lanes scaled = error * int16_t{kPart};
@@ -55,11 +55,11 @@ struct ToIndices {
   }
 };
 
-// Four neighbours (Floyd and Steinberg, 1976). Two deliberate oddities: shares for the row below are assigned, not added, so that of
-// several that reach a pixel the last one stands; and all channels go on with what is left of the first one.
+// Four neighbours (Floyd and Steinberg, 1976). Two deliberate oddities: shares for the row below are assigned, not added, so
+// the last of several wins; and all channels continue with the remainder of the first one.
 template <class Result, int kPlanes>
 struct FloydSteinberg : Result {
-  // With indices the shares for the row below are one column further left.
+  // With indices, shares for the row below land one column further left.
   static constexpr int kLag = Result::kMakesIndices ? 3 : 2, kLate = 0;
   static constexpr size_t kChannels = kPlanes, kStreams = 1;
 
@@ -76,7 +76,7 @@ struct FloydSteinberg : Result {
   }
 
  private:
-  // What the row below gets at the first column that no later pixel reaches.
+  // The share of the row below at the first column that no later pixel reaches.
   Lanes below(Lanes error, Lanes above) {
     const Lanes counts = error != int16_t{0};
     const Lanes done = chosen(counts, sixteenths<3>(error), next_);
@@ -96,7 +96,7 @@ struct FloydSteinberg : Result {
 };
 
 // Twelve neighbours (Jarvis, Judice and Ninke, 1976). Shares for the second row below are assigned, not added: a deliberate
-// oddity. The weights of its last two are parameters, since one user has them the wrong way round and keeps them so.
+// oddity. The last two weights of that row are parameters: one user has them swapped, which is kept.
 template <class Result, int kPlanes, int kNext, int kLast>
 struct JarvisJudiceNinke : Result {
   static constexpr int kLag = 3, kLate = 0;
@@ -116,12 +116,12 @@ struct JarvisJudiceNinke : Result {
  private:
   struct Channel {
     Lanes carried[2] = {};                // for the next two pixels
-    Lanes below[4] = {};                  // sums so far, for the columns from the one before on
-    Lanes further[2] = {};                // values so far, for the column before and this one
-    Lanes last[2] = {}, counted[2] = {};  // shares for this column of the two pixels before, and whether they count
-    Lanes last_share = {};                // of the pixel before, for the next column
+    Lanes below[4] = {};                  // sums so far, from the previous column on
+    Lanes further[2] = {};                // values so far, for the previous and the current column
+    Lanes last[2] = {}, counted[2] = {};  // shares of the two previous pixels for this column, and whether they count
+    Lanes last_share = {};                // of the previous pixel, for the next column
 
-    // `second` comes as what the row below has and the second row below had, and leaves as what that gets.
+    // `second` enters with the values from above for both rows below and leaves with the value for the second one.
     void spread(Lanes error, Lanes& first, Lanes& second) {
       const Lanes one = of_48<1>(error), three = of_48<3>(error), five = of_48<5>(error), seven = of_48<7>(error);
       const Lanes counts = error != int16_t{0};

@@ -11,7 +11,7 @@
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
-// The bits of a byte as eight nibbles in the order of memory, each in the nibble's highest bit.
+// The bits of a byte as eight nibbles in memory order, each bit the highest of its nibble.
 constexpr auto kSpread = [] {
   std::array<uint32_t, 256> table{};
   for (unsigned byte = 0; byte < 256; ++byte)
@@ -20,7 +20,7 @@ constexpr auto kSpread = [] {
   return table;
 }();
 
-// What rows of bits for red, green and blue make of a row of 4 bits per pixel: bits 3, 2 and 1.
+// Merges rows of bits for red, green and blue into a row of 4 bits per pixel: bits 3, 2 and 1.
 void merge_bits(const std::array<std::span<uint8_t>, 3>& bits, std::span<uint8_t> row) {
   for (size_t i = 0; i < row.size(); i += 4) {
     const uint32_t pixels = kSpread[bits[0][i / 4]] | kSpread[bits[1][i / 4]] >> 1 | kSpread[bits[2][i / 4]] >> 2;
@@ -110,7 +110,7 @@ void dither(ConstDibView source, std::span<const Rgb> colors, DibView result, Di
   if (result.depth() == 1) return dither_to_bits<1>(samples, plane, result, method, arena);
   if (result.depth() == 4) return dither_to_bits<3>(samples, plane, result, method, arena);
   if (method == Dithering::kFloydSteinberg) return diffuse<FloydSteinberg<ToIndices<3>, 3>>(samples, result, arena);
-  // One blue more than there are: it counts as the lowest green. A deliberate oddity.
+  // One blue level more than there is: it counts as the lowest green. A deliberate oddity.
   return diffuse<JarvisJudiceNinke<ToIndices<4>, 3, 1, 3>>(samples, result, arena);
 }
 

@@ -14,8 +14,8 @@ namespace {
 constexpr size_t kMatrixSide = 16;
 using Matrix = std::array<std::array<uint8_t, kMatrixSide>, kMatrixSide>;
 
-// Thresholds from 0 to 255, spread as evenly as can be (Bayer, 1973): each quadrant is the matrix of half the size, times four, plus
-// a number of its own.
+// Thresholds from 0 to 255, spread as evenly as possible (Bayer, 1973): each quadrant is the matrix of half the size, times
+// four, plus a constant of its own.
 constexpr Matrix matrix() {
   constexpr int kBase[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
   constexpr int kQuadrants[2][2] = {{0, 2}, {3, 1}};
@@ -29,7 +29,7 @@ constexpr Matrix matrix() {
 }
 constexpr Matrix kThresholds = matrix();
 
-// The luminance of a source, brightened, as a plane of rows as long as the source's rows are: in bytes, at 4 bits in pixels.
+// The luminance of a source, brightened, as a plane. Its rows are as long as the source's: in bytes, at 4 bits in pixels.
 class LuminancePlane {
  public:
   LuminancePlane(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness)
@@ -58,8 +58,8 @@ class LuminancePlane {
     return static_cast<uint8_t>(sum < 0 ? 0 : sum > kWhite ? kWhite : sum);
   }
 
-  // A deliberate oddity: 24-bit pixels lie closer together than rows are long, as many to a row as it has, rounded up to four. So a
-  // row of the result shows several rows of the source, and the picture ends early.
+  // A deliberate oddity: at 24 bits the plane has a row's pixels, rounded up to four, but is read in steps of the source's
+  // stride. So a row of the result shows several rows of the source, and the picture ends early.
   void read_true_color(int y, int x, std::span<uint8_t> levels) const {
     const size_t per_row = plane_width(24, source_.width());
     const auto stride = static_cast<size_t>(source_.stride());

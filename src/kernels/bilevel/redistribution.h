@@ -1,4 +1,4 @@
-// Moving the light of each block of two by two pixels to its brightest ones.
+// Moves the light of each block of two by two pixels to its brightest ones.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ class Redistribution {
   static constexpr size_t kChannels = kPlanes, kStreams = 2 * kPlanes;
   static constexpr bool kMakesIndices = false;
 
-  //   last_lane   the lane of the picture's last row, whose lower row is the upper one again
+  //   last_lane   the lane of the picture's last row, whose lower row repeats the upper one
   //   fills_plane whether the pixel past the end is never loaded
   Redistribution(int last_lane, bool fills_plane) : fills_plane_(fills_plane) {
     for (int lane = 0; lane < kLanes; ++lane) is_last_[lane] = lane == last_lane ? int16_t{-1} : int16_t{0};
@@ -65,10 +65,11 @@ class Redistribution {
       return is_white;
     }
 
-    // How many are brighter than each, the earlier of two alike counting as brighter - but of the middle two alike, the later.
+    // The number of brighter pixels for each pixel. Of two equal ones the earlier counts as brighter, but of the middle two
+    // the later.
     void rank(Lanes (&ranks)[4]) const {
       const Lanes* const w = pixels;
-      // Comparisons are -1 where they hold.
+      // Comparisons that hold are -1.
       const Lanes b01 = w[1] > w[0], b02 = w[2] > w[0], b03 = w[3] > w[0], b12 = w[2] > w[1], b13 = w[3] > w[1],
                   b23 = w[3] > w[2];
       ranks[0] = -(b01 + b02 + b03);

@@ -21,10 +21,10 @@ struct LaneHalves {
 
 inline Lanes lanes_of(int16_t value) { return Lanes{} + value; }
 
-// `yes` where the condition holds, as comparisons give it.
+// `yes` where the comparison holds.
 inline Lanes chosen(Lanes condition, Lanes yes, Lanes no) { return (condition & yes) | (~condition & no); }
 
-// Each lane gets what the one before it had; the first one gets `first`.
+// Each lane takes the value of the lane before it; the first one takes `first`.
 inline Lanes moved_on(Lanes lanes, int16_t first) {
   return __builtin_shufflevector(lanes, lanes_of(first), 16, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14);
 }
@@ -52,7 +52,7 @@ inline void store_bytes(Lanes lanes, uint8_t* bytes) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), _mm_packus_epi16(halves.low, halves.high));
 }
 
-// A bit for each lane that is all ones rather than 0, the first lane's lowest.
+// A bit for each lane, set if the lane is all ones rather than 0; the first lane's is the lowest.
 inline uint16_t bits_of(Lanes lanes) {
   const auto halves = std::bit_cast<LaneHalves>(lanes);
   return static_cast<uint16_t>(_mm_movemask_epi8(_mm_packs_epi16(halves.low, halves.high)));
@@ -65,7 +65,7 @@ inline constexpr auto kReversed = [] {
   return table;
 }();
 
-// Bits as `bits_of` gives them, the first pixel's lowest, as the two bytes of a row of 1-bit pixels, or what of them is in the row.
+// Stores bits in the order of `bits_of` as two bytes of a row of 1-bit pixels, or as many as the row has left.
 inline void store_bits(int bits, std::span<uint8_t> row) {
   row[0] = kReversed[bits & 0xFF];
   if (row.size() > 1) row[1] = kReversed[bits >> 8 & 0xFF];
@@ -75,7 +75,7 @@ inline void store_bits(int bits, std::span<uint8_t> row) {
 inline void transpose_bytes(const uint8_t* from, size_t from_stride, uint8_t* to, size_t to_stride) {
   __m128i rows[16], turned[16];
   for (size_t i = 0; i < 16; ++i) rows[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i * from_stride));
-  // Interleaving each row with the one eight further, four times over, turns the matrix.
+  // Interleaving each row with the one eight further, four times over, transposes the matrix.
   for (int round = 0; round < 4; ++round) {
     for (size_t i = 0; i < 8; ++i) {
       turned[2 * i] = _mm_unpacklo_epi8(rows[i], rows[i + 8]);

@@ -13,8 +13,8 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// Samples of a picture of 4, 8 or 24 bits. Rows are whole in memory, padding included; at 24 bits what is behind the last pixel is
-// 0. `colors` has 16 or 256 entries below 24 bits.
+// Samples of a picture of 4, 8 or 24 bits. Rows are complete in memory, padding included; at 24 bits the bytes behind the
+// last pixel are 0. `colors` has 16 or 256 entries below 24 bits.
 class Samples {
  public:
   Samples(ConstDibView picture, std::span<const Rgb> colors) : picture_(picture) {

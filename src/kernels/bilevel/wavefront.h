@@ -1,5 +1,6 @@
-// Error diffusion over sixteen rows at a time. A pixel waits for its left neighbour and for a few pixels of the row above, so each
-// row may follow the one above it by a few columns: the lag. All sixteen go on by a column in each step.
+// Error diffusion over sixteen rows at a time. A pixel waits for its left neighbour and for a few pixels of the row above,
+// so each row can follow the one above it at a distance of a few columns: the lag. All sixteen advance by a column in each
+// step.
 #pragma once
 
 #include <algorithm>
@@ -50,7 +51,7 @@ class Wavefront {
   static constexpr size_t kStreams = Method::kStreams, kChannels = Method::kChannels;
   static constexpr int kLag = Method::kLag;
 
-  // Columns of the streams from 0 to before `end` are handed on.
+  // Columns of the streams before `end` are passed on.
   Wavefront(int width, int end, Arena& arena) : width_(width), end_(end) {
     for (auto& stream : streams_) {
       stream = arena.take<int16_t>(static_cast<size_t>(end) + 2 * kMargin).data() + kMargin;
@@ -62,7 +63,7 @@ class Wavefront {
     }
   }
 
-  // What the first row gets from above.
+  // The first row's input from above.
   std::span<int16_t> stream(size_t index) { return {streams_[index], static_cast<size_t>(end_)}; }
 
   // Runs over the next rows, at most sixteen.
@@ -85,7 +86,7 @@ class Wavefront {
     }
   }
 
-  // The bits of a lane as a row of pixels, of which the unused ones in the last byte are 0.
+  // The bits of a lane as a row of pixels; unused bits of the last byte are 0.
   void write_bits(size_t channel, int lane, std::span<uint8_t> row) const {
     const uint16_t* from = bits_[channel] + lane * kLag + Method::kLate;
     const auto load = [&](const uint16_t* masks) {
@@ -130,7 +131,7 @@ class Wavefront {
       for (size_t channel = 0; channel < kChannels; ++channel) bits_[channel][at] = bits_of(results[channel]);
   }
 
-  // Hands indices, by step and lane, on as rows of each lane.
+  // Passes indices, by step and lane, on as rows of each lane.
   template <class Write>
   void scatter(const uint8_t* indices, int rows, int begin, Write& write) const {
     alignas(64) uint8_t by_lane[kLanes * kTile];

@@ -12,7 +12,7 @@ namespace {
 
 // ---- Bits ----
 
-// Pixels of a row, and the same moved so that each pixel's neighbour is in its place.
+// Pixels of a row, and the same shifted so that each pixel's neighbour is in its place.
 template <class V>
 struct Pixels {
   V left, here, right;
@@ -70,7 +70,7 @@ template <int kThreshold, class V>
   return set | (here.here & stays);
 }
 
-// The rows around a row, with their first byte at `begin` of memory; zero past its end and in front of it.
+// The rows around a row, with their first byte at `begin` of memory; zero outside the memory.
 struct Neighborhood {
   std::span<const uint8_t> memory;
   size_t begin, stride;
@@ -88,7 +88,7 @@ struct Neighborhood {
   }
 };
 
-// Of a row's byte, the pixels that are cleaned: not the first of the row, and not the last unless it ends a byte.
+// The pixels of a row's byte that are cleaned: not the first of the row, and not the last unless it ends a byte.
 uint8_t cleaned_pixels(size_t byte, int width) {
   const int end = (width % 8 == 0 ? width : width - 1) - static_cast<int>(byte) * 8;
   const int mask = (byte == 0 ? 0x7F : 0xFF) & (end >= 8 ? 0xFF : 0xFF00 >> std::max(end, 0));
@@ -125,7 +125,7 @@ template <class V>
 constexpr std::pair<int, int> kNetwork[] = {{0, 1}, {2, 3}, {4, 5}, {6, 7}, {0, 2}, {1, 3}, {4, 6}, {5, 7}, {1, 2}, {5, 6},
                                             {0, 4}, {1, 5}, {2, 6}, {3, 7}, {2, 4}, {3, 5}, {1, 2}, {3, 4}, {5, 6}};
 
-// The value of a rank among the eight neighbours. Comparisons that this rank does not need are left out by the compiler.
+// The value of a rank among the eight neighbours. The compiler drops comparisons that this rank does not need.
 template <int kRank, class V>
 [[gnu::always_inline]] inline V ranked(const uint8_t* below, const uint8_t* row, const uint8_t* above) {
   V v[] = {load<V>(below - 1), load<V>(below),     load<V>(below + 1), load<V>(row - 1),

@@ -5,7 +5,7 @@
 #include "kernels/filter/functions.h"
 #include "kernels/filter/plan.h"
 
-// Rows are worked on in blocks that stay in the first-level cache, by plain loops that the compiler turns into vectors. Sums are 16
+// Rows are processed in blocks that stay in the first-level cache, by plain loops that the compiler vectorises. Sums are 16
 // bits wide and wrap, so that products may be added in any order.
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
@@ -18,7 +18,7 @@ using Numbers = std::array<uint16_t, kWideBlock>;
 using Rows = std::array<const uint8_t*, kMostKernelSize>;
 using Columns = std::array<const uint16_t*, kMostKernelSize>;
 
-// Rounded up to what loops do at a time, without a rest of single pixels.
+// Rounded up to the step of the loops, so that no single pixels remain.
 constexpr size_t whole_steps(size_t count) {
   return (count + kConvolutionSlack - 1) / kConvolutionSlack * kConvolutionSlack;
 }
@@ -55,7 +55,7 @@ void weigh(size_t term_count, const Numbers* terms, const Plan::Weights& weights
   }
 }
 
-// The sum of kernel columns, each of which begins at its own number.
+// The sum of kernel columns, each offset by its index.
 template <size_t kSize>
 [[gnu::always_inline]] inline uint16_t sum_at(const Columns& columns, size_t x) {
   uint16_t sum = 0;
@@ -68,7 +68,7 @@ struct Block {
   Columns columns{};
   std::array<Numbers, kMostKernelSize> distinct;
 
-  // Rows begin as many pixels further left as the kernel reaches.
+  // Rows begin further left by the reach of the kernel.
   void sum_columns(const Plan& plan, const Rows& rows, size_t count) {
     const size_t wide = whole_steps(count + plan.size - 1);
     std::array<Numbers, kMostKernelSize> terms;
@@ -97,7 +97,7 @@ void repeat_left_border(const Kernel& kernel, const Columns& columns, int width,
 
 // ---- Quotients ----
 
-// Calls work with a function that divides a sum. 16 bits are enough for each step, which the compiler has to see.
+// Calls work with a function that divides a sum. 16 bits are enough for each step, which the compiler must be able to see.
 template <class Work>
 void with_quotient(const Division& division, Work work) {
   const int shift = division.shift;
@@ -119,8 +119,8 @@ void with_quotient(const Division& division, Work work) {
 
 // ---- Rows ----
 
-// Goes over a picture from the first stored row on. Rows and columns at the edges are repeated beyond them. A row is written only
-// after all rows that need it are read, so that a picture can be filtered in place.
+// Goes over a picture from the first stored row on. Rows and columns at the edges are repeated beyond them. A row is written
+// only after all rows that need it are read, so that a picture can be filtered in place.
 class Convolution {
  public:
   Convolution(const Kernel& kernel, Size size, std::span<uint8_t> scratch)
@@ -228,7 +228,7 @@ void add_columns(const Kernel& kernel, const Columns& columns, uint16_t* sums, s
                        [&](size_t x, uint16_t more) { sums[x] = static_cast<uint16_t>(sums[x] + more); });
 }
 
-// Changes of intensity, up and down apart; more than 255 is as good as 255.
+// Changes of intensity, increases and decreases apart; more than 255 acts as 255.
 struct Change {
   std::array<uint8_t, kBlock> up, down;
 };
@@ -243,7 +243,7 @@ void find_change(const uint16_t* sums, const uint8_t* samples, size_t count, Cha
   }
 }
 
-// Adds and subtracts within what bytes hold. Source and result may be the same.
+// Adds and subtracts, saturated to bytes. Source and result may be the same.
 void change_components(const uint8_t* source, const Change& change, uint8_t* result, size_t count) {
   size_t x = 0;
 #ifdef __SSE4_1__

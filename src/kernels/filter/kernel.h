@@ -13,7 +13,7 @@ inline constexpr int kMostKernelSize = 7;
 // Filter types; the values are those of the exports.
 enum class FilterType : int { kFromMemory = 1, kFromFile, kBox, kBlur, kSharpen, kSharpenMore };
 
-// Weights as they are written: the first row belongs to the row above in the picture, the first column to the left neighbour.
+// Weights as written: the first row belongs to the row above in the picture, the first column to the left neighbour.
 struct Kernel {
   int size = 0;  // 3, 5 or 7
   std::array<std::array<int16_t, kMostKernelSize>, kMostKernelSize> weights{};
@@ -30,7 +30,8 @@ Kernel built_in_kernel(FilterType type, int size);
 // A caller's kernel: size x size coefficients and the divisor. False if they are out of bounds.
 bool set_coefficients(Kernel& kernel, std::span<const int32_t> numbers);
 
-// Scratch memory for a picture of this width: as many rows as the kernel has, each with repeated edges and room for reading beyond.
+// Scratch memory for a picture of this width: as many rows as the kernel has, each with repeated edges and room for
+// overreads.
 inline constexpr size_t kConvolutionSlack = 64;
 constexpr size_t convolution_row_bytes(const Kernel& kernel, int width) {
   return static_cast<size_t>(width) + static_cast<size_t>(kernel.size) + kConvolutionSlack;

@@ -21,7 +21,7 @@ Plan::Plan(const Kernel& kernel) : size(static_cast<size_t>(kernel.size)) {
 
 Division::Division(int32_t divisor) {
   constexpr uint32_t kGreatestShifted = 64, kGreatestNumber = 0x7FFF;
-  // The least number is its own opposite and comes in as a divisor too.
+  // The least number is its own negation, and is a valid divisor too.
   const auto positive = static_cast<uint32_t>(divisor);
   is_shift = std::has_single_bit(positive) && positive <= kGreatestShifted;
   shift = std::bit_width(positive - 1) - (is_shift ? 0 : 1);

@@ -1,4 +1,4 @@
-// How a kernel is worked on: rows with the same weights are added before they are weighed, and columns with the same weights are
+// How a kernel is evaluated: rows with the same weights are added before weighting, and columns with the same weights are
 // summed once.
 #pragma once
 
@@ -17,13 +17,13 @@ struct Plan {
 
   size_t size;
   bool is_symmetric;                                // row i weighs as much as row size - 1 - i
-  size_t term_count;                                // rows, or pairs of rows, that are weighed
+  size_t term_count;                                // rows, or pairs of rows, that are weighted
   size_t distinct_count = 0;                        // columns that differ
   std::array<Weights, kMostKernelSize> distinct{};  // their weights, a term each
-  std::array<size_t, kMostKernelSize> column{};     // which of them each column is
+  std::array<size_t, kMostKernelSize> column{};     // index of each column in `distinct`
 };
 
-// A division of numbers of 16 bits, cut towards zero, as a product: (|n| * factor >> 16) >> shift. Divisors of 1, 2, 4 and so on to
+// A division of numbers of 16 bits, truncated towards zero, as a product: (|n| * factor >> 16) >> shift. Powers of two up to
 // 64 are arithmetic shifts instead, which round down.
 struct Division {
   explicit Division(int32_t divisor);

@@ -10,9 +10,9 @@
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
-// Runs and literals of the encoder have at most so many pixels, though a code could count 255.
+// The encoder's runs and literals have at most this many pixels, though a code could count 255.
 constexpr int kMostPixels = 250;
-// Fills a literal up to an even number of bytes.
+// Pads a literal to an even number of bytes.
 constexpr uint8_t kPad = 0xFF;
 
 constexpr int pixels_per_byte(int depth) { return 8 / depth; }
@@ -50,7 +50,7 @@ constexpr uint64_t kOneInEachByte = 0x0101010101010101;
 // The first byte in memory that is not zero, of a word that has one.
 int first_set_byte(uint64_t word) { return std::countr_zero(word) / 8; }
 
-// A bit in the first zero byte of a word, and none in those before it.
+// A bit in the first zero byte of a word, and none in the bytes before it.
 uint64_t zero_bytes(uint64_t word) { return (word - kOneInEachByte) & ~word & 0x8080808080808080; }
 
 // Run length; the first two bytes already match.
@@ -73,9 +73,9 @@ int literal_length(const uint8_t* bytes, int most) {
   return count;
 }
 
-// Writes the code or two that a row with three or more pixels left goes on with, and returns how many bytes they stand for.
-// A run or literal has two bytes at least, even where the three 4-bit pixels that are left fill only one and a half: it then
-// counts one pixel more than the row has.
+// Writes the next code or two of a row with three or more pixels left, and returns how many bytes they cover. A run or
+// literal has at least two bytes, even where the last three 4-bit pixels fill only one and a half: it then counts one pixel
+// more than the row has.
 template <int kDepth>
 int encode_next(const uint8_t* bytes, int pixels_left, CodeWriter& codes) {
   constexpr int kPixels = pixels_per_byte(kDepth);
@@ -99,8 +99,8 @@ int encode_next(const uint8_t* bytes, int pixels_left, CodeWriter& codes) {
   return count;
 }
 
-// Writes the codes for the one or two pixels that a row ends with. At 8 bits a single one goes as two, the second being
-// the byte behind the row, which decoding drops.
+// Writes the codes for the last one or two pixels of a row. At 8 bits a single one is written as two, the second being the
+// byte behind the row, which decoding drops.
 template <int kDepth>
 void encode_last(const uint8_t* bytes, int pixels_left, CodeWriter& codes) {
   if constexpr (kDepth == 4) {
@@ -184,7 +184,7 @@ class Decoder {
   Decoder(std::span<const uint8_t> codes, DibView picture) : codes_(codes), picture_(picture) {}
 
   void draw() {
-    // No code leads down again, so that nothing is left to draw once the last row is behind.
+    // No code moves back to an earlier row, so nothing is left to draw past the last row.
     while (y_ < picture_.height() && codes_.size() >= 2) {
       const std::span<const uint8_t> code = take(2);
       if (code[0] != 0) {
@@ -198,7 +198,7 @@ class Decoder {
   }
 
  private:
-  // The next bytes, as far as there are so many.
+  // The next bytes, or as many as remain.
   std::span<const uint8_t> take(size_t bytes) {
     const std::span<const uint8_t> taken = codes_.first(std::min(bytes, codes_.size()));
     codes_ = codes_.subspan(taken.size());
@@ -226,7 +226,7 @@ class Decoder {
     advance(pixels);
   }
 
-  // A full row takes no more pixels.
+  // A full row accepts no more pixels.
   void advance(int pixels) {
     x_ += pixels;
     is_full_ = x_ == picture_.width();
@@ -249,7 +249,7 @@ class Decoder {
   bool move() {
     const std::span<const uint8_t> step = take(2);
     if (step.size() < 2) return false;
-    if (kDepth == 8 && is_full_) x_ = 0;  // 8-bit codes count columns from the start again where they have filled a row
+    if (kDepth == 8 && is_full_) x_ = 0;  // 8-bit codes count columns from 0 again where they have filled a row
     x_ += step[0];
     y_ += step[1];
     is_full_ = false;
@@ -258,7 +258,7 @@ class Decoder {
 
   std::span<const uint8_t> codes_;
   DibView picture_;
-  int64_t x_ = 0, y_ = 0;  // as far as the longest chain of deltas may lead
+  int64_t x_ = 0, y_ = 0;  // wide enough for the longest chain of deltas
   bool is_full_ = false;   // by pixels; a delta may lead to the same column
 };
 

@@ -14,18 +14,18 @@
 
 namespace vorel::kernels {
 
-// What the second byte behind a first one of 0 says below 3. Behind a delta stand the columns and then the rows to move on.
+// Second bytes below 3 behind a first byte of 0. A delta is followed by the columns and then the rows to move.
 enum class RleMark : uint8_t { kEndOfLine = 0, kEndOfBitmap = 1, kDelta = 2 };
 
-// The encoder decides by up to so many bytes behind a row's last one, as they lie in memory.
+// The encoder's decisions depend on up to this many bytes behind a row's last one, as they lie in memory.
 inline constexpr size_t kBytesBehindRow = 2;
 
 // The most bytes that the codes of a picture of 8 or 4 bits can take, for a width and height of at least 0.
 //
-// No byte of a row costs more than two: that is what a pixel, or at 4 bits a pair, costs as a run of its own, and longer runs
-// and literals cost no more per byte. Only a last 8-bit pixel that differs from the byte behind it is written as two, four
-// bytes for one; but it stands behind a run of two or more or a literal of 250, which have saved these bytes, unless it is
-// the row's only pixel. Short rows do cost two for each byte: at 8 bits those of 2 to 6 pixels, at 4 bits those of up to 8.
+// No byte of a row costs more than two: that is the cost of a pixel, or at 4 bits a pair, as a run of its own, and longer
+// runs and literals cost no more per byte. Only a last 8-bit pixel that differs from the byte behind it is written as two,
+// four bytes for one; but it follows a run of two or more or a literal of 250, which have saved these bytes, unless it is
+// the row's only pixel. Short rows do cost two for each byte: at 8 bits rows of 2 to 6 pixels, at 4 bits rows of up to 8.
 constexpr ByteCount most_code_bytes(int depth, int width, int height) {
   constexpr uint64_t kEnd = 2;
   const bool lone_pixel = depth == 8 && width == 1;
@@ -35,7 +35,7 @@ constexpr ByteCount most_code_bytes(int depth, int width, int height) {
 
 struct RleTable {
   // Writes the codes of a picture of 8 or 4 bits, end of bitmap included, and returns how many bytes they take.
-  //   last_row  the row stored last once more, with kBytesBehindRow bytes behind it; each other row is followed by the next
+  //   last_row  a copy of the row stored last, with kBytesBehindRow bytes behind it; each other row is followed by the next
   //   codes     room for most_code_bytes
   size_t (*encode)(ConstDibView picture, const uint8_t* last_row, std::span<uint8_t> codes);
 

@@ -12,8 +12,8 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// Bytes are picked in blocks. A block's positions are seen through windows, one behind the other, by as many shuffles; where
-// positions lie too far apart for that, one by one.
+// Bytes are picked in blocks. A block's positions are reached through successive windows, a shuffle each; where positions
+// lie too far apart for that, one by one.
 class ByteGather {
  public:
 #ifdef __AVX512VBMI__
@@ -21,11 +21,10 @@ class ByteGather {
 #else
   static constexpr size_t kBlock = 16, kWindow = 16;
 #endif
-  // Bytes that are read behind the last position.
+  // Bytes read behind the last position.
   static constexpr size_t kOverread = 256;
 
-  // `positions` lives as long as the gather. Takes a byte of the arena for each of them and
-  // four for each block.
+  // `positions` outlives the gather. Takes a byte of the arena for each position and four for each block.
   ByteGather(std::span<const uint32_t> positions, Arena& arena)
       : positions_(positions),
         first_(arena.take<uint32_t>((positions.size() + kBlock - 1) / kBlock)),
@@ -43,7 +42,7 @@ class ByteGather {
     windows_ = widest / static_cast<uint32_t>(kWindow) + 1;
   }
 
-  // The bytes from `begin`, where a block begins, to before `end`. Writes whole blocks.
+  // Picks the bytes from `begin`, the start of a block, to before `end`. Writes whole blocks.
   void pick(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
     switch (windows_) {
 #ifdef __SSSE3__
@@ -78,7 +77,7 @@ class ByteGather {
   template <int kWindows>
   void shuffle(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
     const __m128i width = _mm_set1_epi8(kWindow),
-                  beyond = _mm_set1_epi8(0x70);  // lifts 16 and more to where a shuffle gives 0
+                  beyond = _mm_set1_epi8(0x70);  // lifts 16 and more to values for which a shuffle gives 0
     for (size_t i = begin; i < end; i += kBlock, to += kBlock) {
       const uint8_t* const from = row + first_[i / kBlock];
       __m128i at = _mm_loadu_si128(reinterpret_cast<const __m128i*>(relative_.data() + i));
@@ -95,7 +94,7 @@ class ByteGather {
 
   std::span<const uint32_t> positions_;
   std::span<uint32_t> first_;    // position of each block
-  std::span<uint8_t> relative_;  // positions behind it
+  std::span<uint8_t> relative_;  // positions relative to it
   uint32_t windows_;
 };
 

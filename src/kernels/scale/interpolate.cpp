@@ -13,8 +13,8 @@ namespace {
 
 using Table = std::array<uint8_t, 256>;
 
-// Runs a picture through the engine. read_row(row, samples) takes a stored row apart, write_row(row, fill) puts one together of
-// the samples that fill(to) gives.
+// Resamples a picture. read_row(row, samples) unpacks a stored row, write_row(row, fill) packs a row from the samples that
+// fill(to) gives.
 void resample(Interpolation interpolation, ConstDibView source, DibView result, int channels, Arena arena, auto&& read_row,
               auto&& write_row) {
   const auto read = [&](int y, std::span<uint8_t> samples) { read_row(source.row(y).data(), samples); };
@@ -36,14 +36,14 @@ void resample_bytes(Interpolation interpolation, ConstDibView source, DibView re
       [](uint8_t* row, auto fill) { fill(row); });
 }
 
-// Levels of the colours; an index past them is black.
+// Levels of the colours; black for indices past them.
 Table levels_of(std::span<const Rgb> colors) {
   Table levels{};
   for (size_t i = 0; i < colors.size() && i < levels.size(); ++i) levels[i] = level_of(colors[i]);
   return levels;
 }
 
-// For each level the index of the colour nearest to that grey.
+// For each level, the index of the colour nearest to that grey.
 Table indices_of_levels(std::span<const Rgb> colors) {
   NearestColor nearest(colors);
   Table indices;
@@ -60,7 +60,7 @@ bool is_identity(const Table& table) {
   return true;
 }
 
-// Where black at the beginning of a row goes unlooked-up to colour 0.
+// Whether black at the beginning of a row becomes colour 0 without a lookup.
 enum class RowStart { kBlackIsColor0, kAsElsewhere };
 
 template <int kDepth>
@@ -97,7 +97,7 @@ void scale_indexed(ConstDibView source, std::span<const Rgb> colors, DibView res
       *to++ = color.red;
     }
   };
-  // An empty table has entry 0 alone, which is black.
+  // An empty table counts as entry 0 alone, which is black.
   NearestColorMap nearest(colors.empty() ? std::span<const Rgb>(table).first(1) : colors, arena);
   resample(interpolation, source, result, 3, arena, read, [&](uint8_t* to, auto fill) {
     fill(row.data());

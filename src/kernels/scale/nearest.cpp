@@ -32,12 +32,12 @@ class NearestSteps {
   int64_t divisor_, whole_, rest_, over_, at_ = 0;
 };
 
-// The source columns of a row of the result, as far as the rectangle and the picture go.
+// The source columns of a row of the result, limited to the rectangle and the picture.
 struct Columns {
   int first, end;     // of the source
-  int width, result;  // what is scaled to what
+  int width, result;  // `width` columns become `result` columns
 
-  // Calls pick(column) for one after another.
+  // Calls pick(column) for each column in order.
   void for_each(auto&& pick) const {
     NearestSteps steps(width, result);
     for (int x = 0; x < result; ++x, steps.advance()) {
@@ -119,8 +119,8 @@ class BitGather {
 
 #endif
 
-// A 1-bit row at its own width. Bits behind the last pixel come along, and of one more byte as many as the last byte has pixels:
-// a deliberate oddity.
+// A 1-bit row at its own width. Bits behind the last pixel are copied too, and of one more byte as many as the last byte has
+// pixels: a deliberate oddity.
 void copy_bits(std::span<const uint8_t> source, int x, int width, std::span<uint8_t> result) {
   source = source.subspan(static_cast<size_t>(x / 8));
   const size_t pixel_bytes = row_bytes(1, width);
@@ -138,8 +138,8 @@ std::span<Byte> whole_row_from_top(BasicView<Byte> view, int y) {
   return {view.row_from_top(y).data(), static_cast<size_t>(view.stride())};
 }
 
-// Calls fill(source row, result row) for rows of the result from the top on, each of them zero, as far as there are rows to fill
-// it from, and repeats the row before where that has the same source.
+// Calls fill(source row, result row) for zeroed rows of the result from the top on, as long as there are source rows, and
+// repeats the previous row where the source row is the same.
 void for_each_row(ConstDibView source, Rect rect, DibView result, auto&& fill) {
   NearestSteps steps(rect.height, result.height());
   int64_t previous = -1;

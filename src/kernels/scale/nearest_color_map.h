@@ -12,8 +12,9 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// The entry of a colour table with the smallest sum of the squared distances in red, green and blue; of several the first. Colours
-// are sorted into cells of 16 x 16 x 16. A cell keeps the entries that can be nearest to a colour in it, found on its first use.
+// The entry of a colour table with the smallest sum of the squared distances in red, green and blue; ties go to the first.
+// Colours are sorted into cells of 16 x 16 x 16. A cell keeps the entries that can be nearest to a colour in it, found on
+// its first use.
 class NearestColorMap {
  public:
   // At most 256 colours, at least one.
@@ -58,7 +59,7 @@ class NearestColorMap {
   }
   static int furthest_in(int begin, int level) { return square(std::max(begin + kCellSide - 1 - level, level - begin)); }
 
-  // All entries serve where the pool is full.
+  // Uses all entries if the pool is full.
   void fill(Cell& cell, Corner corner) {
     int bound = std::numeric_limits<int>::max();
     for (const Rgb color : colors_)

@@ -14,13 +14,13 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// A weight's share of a sample, (weight * sample + 128) / 255: exact for all that two bytes multiply to, in 16-bit lanes.
+// A weight's share of a sample, (weight * sample + 128) / 255: exact for all products of two bytes, in 16-bit lanes.
 inline uint16_t share(uint16_t weight, uint16_t sample) {
   const auto scaled = static_cast<uint16_t>(weight * sample + 129);
   return static_cast<uint16_t>(uint32_t{scaled} * 257 >> 16);
 }
 
-// Mixes samples of several rows, weight(tap, i) of each. Two shares, whose weights are 255 together, never exceed a byte.
+// Mixes samples of several rows, weight(tap, i) of each. Two shares whose weights add up to 255 never exceed a byte.
 template <class Method>
 void mix(const std::array<const uint8_t*, 2>& rows, auto weight, size_t count,
          uint8_t* __restrict to) requires(Method::kTaps == 2) {
@@ -41,8 +41,8 @@ void mix(const std::array<const uint8_t*, 4>& rows, auto weight, size_t count,
   }
 }
 
-// One picture being resampled, row after row from the first stored one. The samples of a pixel, one or three side by side, are
-// mixed each by itself.
+// One picture being resampled, row after row from the first stored one. The samples of a pixel, one or three side by side,
+// are mixed independently.
 template <class Method>
 class Resampler {
  public:
@@ -59,7 +59,7 @@ class Resampler {
 
   size_t row_samples() const { return static_cast<size_t>(result_.width) * channels_; }
 
-  // Fills row y of the result. read_row(y, samples) puts the samples of a row of the source.
+  // Fills row y of the result. read_row(y, samples) reads the samples of a source row.
   void row(int y, uint8_t* to, auto&& read_row) {
     const auto taps = Method::row(y, source_.height, result_.height);
     std::array<const uint8_t*, kTaps> rows;
@@ -79,7 +79,7 @@ class Resampler {
   // Samples are repeated at both ends, as far as neighbours reach.
   static constexpr size_t kGuardBefore = 1, kGuardBehind = 3, kGuards = kGuardBefore + kGuardBehind;
 
-  // A row of the source with the width of the result.
+  // A row of the source at the width of the result.
   struct Band {
     int y = -1;
     std::span<uint8_t> samples;
@@ -87,7 +87,7 @@ class Resampler {
 
   static bool is_pick(const std::array<uint8_t, kTaps>& weights) { return weights[kMiddle] == kWholeWeight; }
 
-  // Where the first tap of each sample of a row is in the guarded row; the weights go to their tables.
+  // The position of each sample's first tap in the guarded row; the weights go to their tables.
   std::span<const uint32_t> columns(Arena& arena) {
     const auto positions = arena.take<uint32_t>(row_samples());
     for (auto& table : weights_) table = arena.take<uint8_t>(row_samples()).data();
@@ -103,7 +103,7 @@ class Resampler {
     return positions;
   }
 
-  // Above the first stored row there is black; the last row is repeated.
+  // Rows above the first stored one are black; the last row is repeated.
   const uint8_t* source_row(int y, auto& read_row) {
     if (y < 0) return nothing_.data();
     y = y < source_.height ? y : source_.height - 1;
@@ -142,7 +142,7 @@ class Resampler {
 
   Size source_, result_;
   size_t channels_;
-  bool picks_ = true;  // every column of the result is one of the source
+  bool picks_ = true;  // every column of the result is a column of the source
   std::array<uint8_t*, kTaps> weights_;
   std::span<uint8_t> samples_, nothing_;
   ByteGather gather_;

@@ -26,16 +26,16 @@ constexpr ByteCount interpolation_scratch(Size source, Size result) {
 }
 
 struct ScaleTable {
-  // Mixes colours; below 24 bits each mixture goes to the nearest colour. Black at the beginning of a row is taken for colour 0
+  // Mixes colours; below 24 bits each mixture becomes the nearest colour. Black at the beginning of a row becomes colour 0,
   // whatever that is: a deliberate oddity.
   Interpolate* scale_colors;
 
-  // The same for grey pictures, below 24 bits by the level of each colour, with the nearest colour to the grey that comes out.
+  // The same for grey pictures: below 24 bits it mixes levels, and the result becomes the colour nearest to the mixed grey.
   Interpolate* scale_levels;
 
-  // Fills a zero-filled result of the same depth with the nearest pixels of a rectangle that begins inside the picture; what it
-  // covers beyond is zero.
-  //   scratch  as much as nearest_scratch() says, aligned to 8 bytes, or none, which takes longer
+  // Fills a zero-filled result of the same depth with the nearest pixels of a rectangle that begins inside the picture.
+  // Parts of the rectangle outside the picture stay zero.
+  //   scratch  as much as nearest_scratch() says, aligned to 8 bytes, or empty, which is slower
   void (*scale_nearest)(ConstDibView source, Rect rect, DibView result, std::span<uint8_t> scratch);
 };
 

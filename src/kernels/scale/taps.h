@@ -1,4 +1,4 @@
-// Which samples a sample of the result is mixed from, and how much of each: weights are fractions of 255.
+// The source samples that a sample of the result is mixed from, and their weights in units of 1/255.
 #pragma once
 
 #include <array>
@@ -16,15 +16,15 @@ struct Taps {
   std::array<uint8_t, kTaps> weights;
 };
 
-// Position `at` of `result`, where `source` samples become `result` ones: the sample there and, in units of 1/result, how far
-// behind its start. Left edges of pixels lie on each other, not centres.
+// Position `at` of `result`, where `source` samples become `result` ones: the sample there and, in units of 1/result, the
+// offset from its start. The left edges of pixels are aligned, not the centres.
 struct Position {
   Position(int at, int source, int result)
       : sample(static_cast<int>(int64_t{at} * source / result)), rest(static_cast<int>(int64_t{at} * source % result)) {}
   int sample, rest;
 };
 
-// Two taps, weighted by how near they are.
+// Two taps, weighted by proximity.
 struct Linear {
   static constexpr int kTaps = 2;
 

@@ -63,8 +63,8 @@ class ShuffledMap {
   __m512i parts_[4];
 };
 #elif defined(__AVX2__)
-// Looks all bytes up by shuffles of sixteen entries. Entries are kept as differences from those sixteen further down: a byte takes
-// part in each shuffle up to its own, so that the differences add up to its entry.
+// Looks all bytes up by shuffles of sixteen entries. Entries are kept as differences from the entries sixteen further down:
+// a byte takes part in each shuffle up to its own, so that the differences add up to its entry.
 class ShuffledMap {
  public:
   explicit ShuffledMap(const ComponentTable& table) {
@@ -86,7 +86,7 @@ class ShuffledMap {
         for (size_t part = 0; part < 8; ++part) {
           const auto differences = load<__m256i>(parts_[half * 8 + part]);
           for (int i = 0; i < 2; ++i) {
-            // Bytes below this part are negative by now, and give 0; so do those of the other half.
+            // Bytes below this part are negative here and give 0, as do bytes of the other half.
             result[i] ^= _mm256_shuffle_epi8(differences, index[i]);
             index[i] = _mm256_subs_epi8(index[i], _mm256_set1_epi8(16));
           }
@@ -103,7 +103,7 @@ class ShuffledMap {
   alignas(kVectorBytes) uint8_t parts_[16][kVectorBytes];
 };
 #else
-// One byte after the other is as fast at the lower levels.
+// At the lower levels one byte after the other is as fast.
 struct ShuffledMap {
   explicit ShuffledMap(const ComponentTable&) {}
   size_t map(const uint8_t*, uint8_t*, size_t) const { return 0; }
@@ -141,7 +141,7 @@ void look_up_colors(ConstDibView source, DibView result, std::span<const Rgb, 25
   for (int y = 0; y < source.height(); ++y) {
     const auto row = source.row(y);
     uint8_t* to = result.row(y).data();
-    // Two pixels at a time, in eight bytes of which the next ones overwrite two.
+    // Two pixels at a time, in eight bytes; the next pair overwrites two of them.
     size_t x = 0;
     for (; x + 4 <= row.size(); x += 2, to += 6) {
       const uint64_t two = entries[row[x]] | uint64_t{entries[row[x + 1]]} << 24;

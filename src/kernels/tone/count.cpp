@@ -15,16 +15,16 @@ Range clipped(Range range, int size) { return {std::clamp(range.begin, 0, size),
 
 Range side_from(int begin) { return {begin, begin + kHistogramSide}; }
 
-// Counts in several tables in turn: the same value twice in a row does not wait for its own counter.
+// Counts in several tables in turn, so that equal values in a row do not wait for the same counter.
 class Tally {
  public:
-  // Adds `step`, modulo 65,536, for each pixel in these columns and rows from the top, as far as there are any.
+  // Adds `step`, modulo 65,536, for each pixel of the picture in these columns and rows; rows count from the top.
   void count(ConstDibView picture, Range columns, Range rows, uint16_t step) {
     columns = clipped(columns, picture.width());
     rows = clipped(rows, picture.height());
     for (int y = rows.begin; y < rows.end; ++y) {
       const auto row = picture.row_from_top(y);
-      // Rows of a large picture lie on different pages, where no hardware looks ahead.
+      // Rows of a large picture lie on different pages, which the hardware does not prefetch.
       const uint8_t* const next = picture.row_from_top(std::min(y + 1, rows.end - 1)).data() + columns.begin;
       for (int x = 0; x < columns.end - columns.begin; x += kCacheLine) __builtin_prefetch(next + x);
       count(row.data() + columns.begin, row.data() + columns.end, step);

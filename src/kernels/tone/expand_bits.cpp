@@ -8,8 +8,8 @@
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
-// Weights of the neighbours that a pixel sees, from two rows up and two columns left on. Each table sums to 255, so that sums of
-// bytes never carry.
+// Weights of the neighbours that contribute to a pixel, from two rows up and two columns left on. Each table sums to 255, so
+// that sums of bytes never carry.
 template <int kReach>
 using Weights = std::array<std::array<uint8_t, 2 * kReach + 1>, 2 * kReach + 1>;
 constexpr Weights<1> kWeightsBy3 = {{{8, 31, 8}, {31, 99, 31}, {8, 31, 8}}};
@@ -29,7 +29,7 @@ void expand_row(std::span<const uint8_t> bits, uint8_t* pixels, uint8_t flip) {
   for (size_t i = 0; i < bits.size(); ++i) store_word(pixels + i * 8, kPixelsOfByte[bits[i] ^ flip]);
 }
 
-// Expands rows where they belong, except for the pixels of a last byte that reach beyond the row.
+// Expands rows into the result, except for the pixels of a last byte that reach beyond the row.
 void expand_rows(ConstDibView source, DibView result, uint8_t flip) {
   const auto whole = static_cast<size_t>(source.width() / 8);
   for (int y = 0; y < source.height(); ++y) {
@@ -43,7 +43,7 @@ void expand_rows(ConstDibView source, DibView result, uint8_t flip) {
   }
 }
 
-// One vector of pixels from the rows that it sees. Pixels of 255 let their weights through.
+// One vector of pixels from the rows that contribute to it. Pixels of 255 pass their weights.
 template <const auto& kWeights, class V, size_t kSize = std::size(kWeights)>
 [[gnu::always_inline]] inline V smoothed(const std::array<const uint8_t*, kSize>& rows, size_t x) {
   V sum{};

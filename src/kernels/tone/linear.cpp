@@ -6,7 +6,7 @@
 namespace vorel::kernels {
 namespace {
 
-// The offset with which a factor gives a table, or on which side of the factor another one may.
+// The offset with which a factor gives the table; without one, whether a steeper factor may.
 struct Trial {
   std::optional<int> offset;
   bool needs_steeper;

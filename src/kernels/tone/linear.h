@@ -7,12 +7,12 @@
 
 namespace vorel::kernels {
 
-// Level i becomes (i * factor + offset) >> shift, at least and at most the table's limits. The factor is a signed number of 16 bits.
+// Level i becomes (i * factor + offset) >> shift, clamped to the table's limits. The factor is a signed number of 16 bits.
 struct LinearTable {
   int factor, offset, shift;
   uint8_t least, most;
 
-  // None where no such line gives every entry of the table exactly.
+  // None unless a line gives every entry of the table exactly.
   static std::optional<LinearTable> of(const ComponentTable& table);
 };
 

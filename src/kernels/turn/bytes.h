@@ -77,7 +77,7 @@ class Bytes {
  private:
   Bytes(__m128i all) : all_(all) {}
 
-  // The groups of kBits bits that the mask selects change places with the others.
+  // Exchanges the groups of kBits bits that the mask selects with the others.
   template <int kBits>
   Bytes with_swapped(char mask) const {
     const __m128i low = _mm_set1_epi8(mask);

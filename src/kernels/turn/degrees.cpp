@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-// C libraries differ in the last bit of sine and cosine, and pictures would differ with them. These are power series in
+// C libraries differ in the last bit of sine and cosine, and pictures would differ with it. These are power series in
 // double-double arithmetic, evaluated at compile time.
 namespace vorel::kernels {
 namespace {

@@ -32,7 +32,7 @@ void mirror_row(const uint8_t* source, uint8_t* result, int width) {
   const size_t bytes = row_bytes(kDepth, width);
   const int unused = static_cast<int>(bytes * 8 - static_cast<size_t>(width) * kDepth);
   size_t i = 0;
-  // These read a byte more, in front of the ones that they move.
+  // These also read the byte in front of the bytes that they move.
   for (; i + Bytes::kCount < bytes; i += Bytes::kCount) {
     const uint8_t* const from = source + (bytes - i - Bytes::kCount);
     Bytes moved = Bytes::load(from);
@@ -55,12 +55,13 @@ void mirror_row(const uint8_t* source, uint8_t* result, int width) {
   }
 }
 
-// Colour pixels go as they are, in the opposite order. Stores reach past the pixels that they are for, over bytes that come next.
+// Colour pixels are copied unchanged, in the opposite order. Stores reach past their pixels, over bytes that are written
+// next.
 template <>
 void mirror_row<24>(const uint8_t* source, uint8_t* result, int width) {
   int x = 0;
 #ifdef __SSSE3__
-  // Five pixels end with the vector that is read, and begin the one that is written.
+  // The vector that is read ends with five pixels, and the one that is written begins with them.
   const __m128i order = _mm_set_epi8(0, 3, 2, 1, 6, 5, 4, 9, 8, 7, 12, 11, 10, 15, 14, 13);
   for (; x + 6 <= width; x += 5) {
     const uint8_t* const from = source + static_cast<size_t>(width - x) * 3 - 16;

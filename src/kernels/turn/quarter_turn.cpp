@@ -51,18 +51,18 @@ Matrix transposed(Load load) {
 
 __m128i load_vector(const uint8_t* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
 
-// Tiles of a depth: kColumns columns and at most kRows rows of the result. `write` takes the rows there are of them, and the bytes
+// Tiles of a depth: kColumns columns and at most kRows rows of the result. `write` takes the rows present, and the bytes
 // that a row has room for.
 template <int kDepth>
 struct Tile;
 
-// Turned rows come as the highest bits of transposed bytes; doubling the bytes brings up the next row.
+// Turned rows are the highest bits of transposed bytes; doubling the bytes brings up the next row.
 template <>
 struct Tile<1> {
   static constexpr int kColumns = 32, kRows = 128;
 
   static void write(const Rows& rows, const Target& target, int count, size_t room) {
-    // The lowest bit that is gathered is the last pixel of a byte.
+    // The lowest bit gathered is the last pixel of a byte.
     const auto half = [&](int column) {
       return transposed([&](int i) { return load_vector(rows.at(column + i / 8 * 8 + 7 - i % 8)); });
     };
@@ -129,7 +129,7 @@ struct Tile<8> {
   }
 };
 
-// Pixels of three bytes become ones of four, are transposed four by four, and packed again.
+// Pixels of three bytes are widened to four, transposed four by four, and packed again.
 template <>
 struct Tile<24> {
   static constexpr int kColumns = 16, kRows = 4;
@@ -204,7 +204,7 @@ void quarter_turn_tile(ConstDibView source, DibView result, QuarterTurn turn, in
   const bool has_rows = std::min(y, last_y) >= 0 && std::max(y, last_y) < source.height();
   if (has_rows && column + TileOf::kColumns <= result.width() && byte + kTileBytes <= row_bytes(kDepth, source.width())) {
     const Rows rows = {source.row(y).data() + byte, turn.column_step * source.stride()};
-    // The rows are too far apart for the processor to see where they lead.
+    // The rows are too far apart for the processor to prefetch them by itself.
     for (int i = 0; i < TileOf::kColumns; ++i) __builtin_prefetch(rows.at(i) + kCacheLine);
     TileOf::write(rows, target, count, room);
   } else {

@@ -15,7 +15,8 @@ namespace {
 
 constexpr int kTileColumns = 64;
 
-// Columns of a tile, from `begin` to before `end`, whose pixels lie in the source. The source is convex: they are neighbours.
+// Columns of a tile, from `begin` to before `end`, whose pixels lie in the source. The source is convex, so they are
+// consecutive.
 struct Range {
   int begin, end;
 
@@ -24,7 +25,7 @@ struct Range {
 
 // The part of the source that a tile needs.
 struct Box {
-  int left, top, right, bottom;  // the last two belong to it
+  int left, top, right, bottom;  // right and bottom inclusive
 
   static Box none() { return {INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN}; }
   bool is_empty() const { return left > right; }
@@ -36,7 +37,7 @@ struct Box {
   }
 };
 
-// Where pixels are in memory, in bytes from its start. Sums wrap: only those that are pixels of the source are places in it.
+// Offsets of pixels in memory, in bytes from its start. Sums wrap: only offsets of pixels of the source are valid.
 template <size_t kPixelBytes>
 struct Grid {
   size_t stride, origin = 0;
@@ -47,8 +48,8 @@ struct Grid {
   size_t at(int x, int y) const { return origin + way(x, y); }
 };
 
-// One coordinate along a row of the result, by counting: it moves on by one when its share of the row's columns has gone by. The
-// way from the row's start is the same in every row.
+// One coordinate along a row of the result, by counting: it advances by one when its share of the row's columns has passed.
+// The path from the row's start is the same in every row.
 class Axis {
  public:
   Axis(double across, double step, int64_t columns, int size)
@@ -66,12 +67,12 @@ class Axis {
   }
   int moved() const { return moved_; }
 
-  // The first column of a row at which the coordinate is not in front of the source any more, or behind it.
+  // The first column of a row at which the coordinate is no longer in front of the source, or is behind it.
   int64_t entry(int start) const { return column_of(step_ > 0 ? -int64_t{start} : int64_t{start} - size_ + 1); }
   int64_t exit(int start) const { return column_of(step_ > 0 ? int64_t{size_} - start : int64_t{start} + 1); }
 
  private:
-  // The column at which so many steps have been made.
+  // The column at which this many steps are made.
   int64_t column_of(int64_t steps) const {
     if (steps <= 0) return 0;
     if (share_ == 0) return INT64_MAX;
@@ -95,7 +96,7 @@ class CountedPixels {
         x_axis_(rotation.across.x, rotation.column_step.x, rotation.width - 1, source.width),
         y_axis_(rotation.across.y, rotation.column_step.y, rotation.width - 1, source.height) {}
 
-  // Takes the rows from a position on and returns that of the row behind them.
+  // Starts the rows at a position and returns the position of the row behind them.
   Point start_band(Point position, int rows) {
     for (int i = 0; i < rows; ++i, position = position + row_step_) {
       const int x = rounded<int>(position.x), y = rounded<int>(position.y);
@@ -108,7 +109,7 @@ class CountedPixels {
     return position;
   }
 
-  // Takes the next columns.
+  // Starts the next columns.
   void start_tile(int column, int count) {
     column_ = column;
     count_ = count;
@@ -127,7 +128,7 @@ class CountedPixels {
   int x(int row, int column) const { return rows_[row].x + x_moved_[column]; }
   int y(int row, int column) const { return rows_[row].y + y_moved_[column]; }
 
-  // Takes the grid that `places` tells the columns' places in.
+  // Computes the places of the columns in a grid.
   template <size_t kPixelBytes>
   void place(const Grid<kPixelBytes>& grid) {
     for (int i = 0; i < count_; ++i) places_[i] = grid.way(x_moved_[i], y_moved_[i]);
@@ -190,7 +191,7 @@ class Doubles {
 #endif
 };
 
-// The same, followed by exact positions: several rows at a time, because each position waits for the one in front of it.
+// The same, by exact positions: several rows at a time, because each position waits for the one before it.
 class ExactPixels {
  public:
   static constexpr int kRows = 16;
@@ -282,10 +283,10 @@ struct BitTable {
 };
 constexpr BitTable kBits;
 
-// Pixels of less than a byte, a byte each.
+// Pixels of less than a byte, unpacked to a byte each.
 class Patch {
  public:
-  // Of the box, whose left side moves out to a whole byte.
+  // Unpacks the box, whose left side moves out to a whole byte.
   template <int kDepth>
   void unpack(ConstDibView source, const Box& box) {
     constexpr int kPixels = 8 / kDepth;
@@ -307,7 +308,7 @@ class Patch {
   }
 
   const uint8_t* pixels() const { return pixels_[0]; }
-  // Of the source's coordinates.
+  // Indexed by the source's coordinates.
   Grid<1> grid() const {
     Grid<1> grid{kStride};
     grid.origin = 0 - grid.way(left_, top_);
@@ -315,7 +316,7 @@ class Patch {
   }
 
  private:
-  // A tile turned by any angle fits, with the rest of a byte on either side.
+  // Fits a tile turned by any angle, with part of a byte on either side.
   static constexpr size_t kStride = 128;
   static constexpr int kRows = 112;
 

@@ -21,27 +21,27 @@ Integer rounded(double value) {
   return static_cast<Integer>(value + std::copysign(0.5, value));
 }
 
-// How columns of the result are followed through the source.
+// How columns of the result are traced through the source.
 enum class Stepping {
-  kInteger,  // by counting: no arithmetic but additions along a row
+  kInteger,  // by counting: only additions along a row
   kExact,    // by adding the exact step and rounding at each pixel
 };
 
 // Where a turn takes a picture, and where its pixels come from.
 struct Rotation {
-  // An angle as callers give it, brought to less than a full turn: from -359 to 359.
+  // A caller's angle reduced to less than a full turn: from -359 to 359.
   static int normalized(int32_t angle);
 
-  // A turn by a normalized angle, counter-clockwise, of a picture of so many pixels.
+  // A counter-clockwise turn of a picture of this size by a normalized angle.
   Rotation(int32_t width, int32_t height, int angle);
 
-  // Whether coordinates can be counted in 32 bits, with room for what stepping adds up.
+  // Whether coordinates fit 32 bits, with room for the sums of stepping.
   bool is_countable() const;
 
   int64_t width, height;         // of the result: even, and centred on the source's centre
-  std::array<Point, 4> corners;  // of the source, turned, seen from the centre: in the order of a walk around it
-  Point first, across;           // where the result's first stored pixel comes from; from there to the last one of its row
-  Point column_step, row_step;   // from one pixel of the result to its neighbours
+  std::array<Point, 4> corners;  // of the source, turned, relative to the centre, in the order of a walk around it
+  Point first, across;  // the source position of the result's first stored pixel; from there to the last one of its row
+  Point column_step, row_step;  // from one pixel of the result to its neighbours
 };
 
 }  // namespace vorel::kernels

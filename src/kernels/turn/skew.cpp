@@ -69,7 +69,7 @@ Columns columns_from(int first, int width, int32_t offset) {
   return {first, static_cast<int>(end), static_cast<int>(shift)};
 }
 
-// Bytes of a row that hold some columns, the bits in front of which are kept in the first byte.
+// Bytes of a row that hold some columns; the bits in front of the columns are kept in the first byte.
 struct Piece {
   size_t first, count;
   uint8_t kept;

@@ -1,7 +1,7 @@
 // Quarter turns, half turns, mirrors, turns by any angle and shears: pixels moved, never resampled.
 //
-// Kernels for pictures of 1, 4, 8 or 24 bits per pixel; at any other depth they write nothing. They write every byte that holds
-// pixels of the result, whatever is in it before, and no others; bits behind the last pixel of a row become zero.
+// Kernels for pictures of 1, 4, 8 or 24 bits per pixel; at any other depth they write nothing. They write every byte that
+// holds pixels of the result, whatever its previous content, and no others; bits behind the last pixel of a row become zero.
 #pragma once
 
 #include "core/view.h"
@@ -23,8 +23,8 @@ struct QuarterTurn {
 };
 
 struct TurnTable {
-  // `result` has a row for every column of the source. Columns that no source row goes to become zero; source rows that go to
-  // columns that `result` does not have are left out.
+  // `result` has a row for every column of the source. Columns without a source row become zero; source rows whose column
+  // `result` lacks are left out.
   void (*quarter_turn)(ConstDibView source, DibView result, QuarterTurn turn);
 
   // Stores the pixels of row 0 down a column. All other pixels stay as they are.
