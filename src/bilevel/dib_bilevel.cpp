@@ -7,7 +7,7 @@
 namespace vorel::bilevel {
 namespace {
 
-// A header for the source's picture at another depth, with all colours that the depth has.
+// A header for the source's picture at another depth, with all colours of that depth.
 DibHeader reduced_header(const DibHeader& source, int bits) {
   DibHeader header{.width = source.width,
                    .height = source.height,
@@ -35,7 +35,7 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, kernels::Dithering method
     return Error::kDitherParameter;
   }
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, {.rows_at = RowsAt::kBehindFullTable}));
-  // A picture whose rows of samples no block could hold is refused before anything is allocated.
+  // A picture whose rows of samples fit no block is refused before anything is allocated.
   constexpr uint64_t kPlanes = 3;
   const ByteCount plane = kernels::plane_width(header.depth, std::max(header.width, 0));
   if (header.width < 0 || !(plane * kPlanes).fits_block()) return Error::kMemory;

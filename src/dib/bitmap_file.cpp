@@ -36,7 +36,7 @@ std::optional<uint32_t> computed_image_bytes(const DibHeader& header) {
   return header.height < 0 ? 0 - value : value;
 }
 
-// Expands a table of triples in place. The last entry goes first: a quad never covers a triple that is still to be read.
+// Expands a table of triples in place, last entry first: a quad never covers a triple that is still to be read.
 void expand_triples(std::span<Rgb> table) {
   const auto* triples = reinterpret_cast<const uint8_t*>(table.data());
   for (size_t i = table.size(); i-- > 0;) {
@@ -54,12 +54,12 @@ FileHeader file_header_for(const DibHeader& dib, size_t block_bytes) {
           .bits_offset = static_cast<uint32_t>((kFileHeaderBytes + bits_offset(dib)).value())};
 }
 
-// The part of a file in front of the colour table, missing counts filled in.
+// The part of a file in front of the colour table, with missing counts filled in.
 struct FileInfo {
   DibHeader header;
   ByteCount table_bytes;   // in the file
   bool table_has_triples;  // the table of a core header
-  int64_t bits_position;   // of the rows, as the file states it; 0: right behind the table
+  int64_t bits_position;   // of the rows, as the file states it; 0 means right behind the table
 };
 
 Result<FileInfo> read_info(FileRef file) {
@@ -93,7 +93,8 @@ Result<FileInfo> read_info(FileRef file) {
   return info;
 }
 
-// A DIB with header and colour table, and room for `image_bytes` of rows, which are left unset; the file then stands at the rows.
+// A DIB with header and colour table, and room for `image_bytes` of rows, which are left unset. The file position is then at
+// the rows.
 Result<NewDib> read_up_to_rows(FileRef file, const FileInfo& info, ByteCount image_bytes) {
   NewDib dib = VOREL_TRY(NewDib::make(info.header, image_bytes, {.rows_at = RowsAt::kBehindTable}, OwnedDib::allocate_unset)
                              .or_error(Error::kUnreported));

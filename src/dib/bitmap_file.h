@@ -7,7 +7,7 @@
 
 namespace vorel {
 
-// Reads header and colour table at the file's position into a DIB without pixels; the file then stands at the pixel data.
+// Reads header and colour table at the file's position into a DIB without pixels. The position is then at the pixel data.
 Result<OwnedDib> read_dib_info(FileRef file);
 
 Result<OwnedDib> load_dib(const char* path);

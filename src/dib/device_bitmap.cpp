@@ -16,7 +16,7 @@ namespace {
 // Bytes behind the rows of a DIB that is made from a bitmap.
 constexpr uint32_t kSpareBytes = 10;
 
-// A header with room for the largest colour table that the system may write behind it.
+// A header with room for the largest colour table that the system may write.
 struct DeviceDibInfo {
   DibHeader header;
   Rgb colors[256];
@@ -31,7 +31,8 @@ uint32_t entries_of(HPALETTE palette) {
   return count;
 }
 
-// Fills a DIB's table from a palette, or with the default colours where there is no palette or it has more colours than the DIB.
+// Fills a DIB's table from a palette, or with the default colours if there is no palette or it has more colours than the
+// DIB.
 void fill_colors(std::span<Rgb> table, uint32_t depth, HPALETTE palette) {
   const uint32_t count = entries_of(palette);
   if (count == 0 || count > table.size()) {
@@ -61,7 +62,7 @@ ByteCount bytes_read_by_device(const DibHeader& header) {
   return header.size + table + (is_compressed ? std::max(pixels, ByteCount(header.image_bytes)) : pixels);
 }
 
-// A header that states its counts of colours and of bytes in its rows, with its colours. Metafiles rely on both numbers.
+// A header that states its number of colours and the size of its rows, with its colours. Metafiles rely on both numbers.
 DeviceDibInfo with_stated_sizes(const DibHeader& header, std::span<const uint8_t> colors) {
   DeviceDibInfo info{.header = header, .colors = {}};
   std::memcpy(info.colors, colors.data(), std::min(colors.size(), sizeof info.colors));

@@ -15,29 +15,29 @@ std::optional<BITMAP> describe(HBITMAP bitmap);
 // Copies the bits of a bitmap out; false unless the system returns exactly as many bytes as asked for.
 bool copy_bits_out(HBITMAP bitmap, std::span<uint8_t> bits);
 
-// `palette` may be null. Every failure is unreported. If the screen's palette is needed and cannot be had, the thread's code is
-// set, but the conversion goes on without it.
+// `palette` may be null. Every failure is unreported. If the screen's palette is needed but unavailable, the thread's code
+// is set and the conversion goes on without it.
 Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette);
 
-// The same in the colours of the screen's palette; the thread's code is set where it has none.
+// The same in the colours of the screen's palette; the thread's code is set if it has none.
 Result<OwnedDib> dib_in_screen_colors(HBITMAP bitmap);
 
 Result<OwnedBitmap> bitmap_of(const LockedDib& dib);
-// The same of a handle; a dead one is an unreported failure.
+// The same from a handle; a dead one is an unreported failure.
 Result<OwnedBitmap> bitmap_of(HGLOBAL handle);
 
 // A bitmap without contents. None when memory is short, for sizes without a pixel, and for sizes that no block could hold:
-// systems do not reliably refuse those.
+// systems do not reliably refuse them.
 OwnedBitmap empty_bitmap(Size size, int planes, int bits_per_pixel);
 
-// A locked DIB as the system may read it: header, colours and rows, completed where the block is too short.
+// A locked DIB as the system may read it: header, colours and rows, padded with zeros if the block is too short.
 class DeviceDib {
  public:
   // None for headers of other than 40 bytes, and when memory is short.
   static std::optional<DeviceDib> of(const LockedDib& dib);
 
   const DibHeader& header() const { return header_; }
-  Size size() const;  // of the picture, whichever row comes first
+  Size size() const;  // of the picture, whether it is stored bottom-up or top-down
   const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(whole_.bytes().data()); }
   const uint8_t* pixels() const { return FindDIBBits(static_cast<const uint8_t*>(whole_.bytes().data()), header_); }
 
@@ -51,8 +51,8 @@ class DeviceDib {
   CompleteBytes whole_;
 };
 
-// Reads a bitmap back into a DIB, in the DIB's own size and format. The colour table gets the screen's colours, then those that
-// the system fills in. False when memory is short.
+// Reads a bitmap back into a DIB, in the DIB's own size and format. The colour table gets the screen's colours, then the
+// colours that the system fills in. False when memory is short.
 bool read_back(HBITMAP bitmap, const LockedDib& dib);
 
 Result<OwnedBitmap> monochrome_copy(HBITMAP bitmap);

@@ -1,4 +1,4 @@
-// The DIB of a device bitmap: its header, and its colours where there is no palette.
+// The DIB of a device bitmap: its header, and its colours if there is no palette.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Inverting a DIB's colours, and the sense of a 1-bit DIB's bits.
+// Inverts a DIB's colours, or the sense of a 1-bit DIB's bits.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// A DIB as an operation works on it: the header and, found by the operation's own rule, colours and rows.
+// A DIB as an operation works on it: the header, and colours and rows found by the operation's own rule.
 //
 // An operation checks the header, opens the source, makes the result and runs a kernel:
 //
@@ -7,8 +7,9 @@
 //   kernel(opened.pixels(), result.pixels());
 //   return OwnedDib(std::move(result));
 //
-// A kernel that writes every pixel of the result can do without zeros: make the result with OwnedDib::allocate_unset (at depths that
-// the kernel writes) and call clear_padding(), which clears the bytes behind the pixels of each row and behind the rows.
+// A kernel that writes every pixel of the result needs no zeros: make the result with OwnedDib::allocate_unset (at depths
+// that the kernel writes) and call clear_padding(), which clears the bytes behind the pixels of each row and behind the
+// rows.
 #pragma once
 
 #include <algorithm>
@@ -20,10 +21,10 @@
 
 namespace vorel {
 
-// A locked DIB with everything that the rule covers. Bytes that its block lacks read as zero; what is written there is dropped.
+// A locked DIB with all bytes that the rule covers. Bytes that its block lacks read as zero; writes to them are dropped.
 class OpenDib {
  public:
-  // kMemory where no block could be that large, or memory for a completed copy is short.
+  // kMemory if no block could be that large, or if memory for a completed copy is short.
   static Result<OpenDib> open(const LockedDib& source, const LayoutRule& rule = {}) {
     const Layout layout = Layout::of(source.header(), rule);
     auto bytes = source.complete(layout.needed);
@@ -40,7 +41,7 @@ class OpenDib {
   std::span<uint8_t> head() const { return bytes().first(static_cast<size_t>(layout_.offset.value())); }
   // At most as many as the rule and the table have.
   std::span<Rgb> colors(size_t count) const { return colors_in(bytes(), count); }
-  // No rows and columns where the picture has none.
+  // Without rows and columns if the picture has none.
   DibView pixels() const { return pixels_in(bytes(), header(), layout_); }
   // All bytes of the rows, padding included.
   std::span<uint8_t> rows() const { return bytes().subspan(head().size(), static_cast<size_t>(layout_.rows.value())); }
@@ -50,7 +51,7 @@ class OpenDib {
     return memory.subspan(static_cast<size_t>(layout_.offset.value()));
   }
 
-  // Copies what was written into the block. Needed where the block is too short.
+  // Copies changes into the block. Needed where the block is too short.
   void write_back() const { bytes_.write_back(); }
 
  private:
@@ -63,19 +64,19 @@ class OpenDib {
   CompleteBytes bytes_;
 };
 
-// A new DIB of a header. Behind the header it holds what its allocation gives: zeros, or memory as it comes.
+// A new DIB with a given header. The rest holds zeros or is unset, depending on the allocation.
 class NewDib {
  public:
   using Allocate = Result<OwnedDib>(ByteCount);
 
-  // With an empty colour table, and `image_bytes` for rows and whatever is to follow them.
+  // With an empty colour table, and `image_bytes` for rows and the bytes behind them.
   static Result<NewDib> make(const DibHeader& header, ByteCount image_bytes, const LayoutRule& rule = {},
                              Allocate* allocate = OwnedDib::allocate) {
     return make_laid_out(Layout::of(header, rule), header, image_bytes, allocate);
   }
 
-  // With room for the colours that another header has, and as many bytes of rows as this one says and `spare` ones behind them. A
-  // 12-byte header may count other colours when its numbers change.
+  // With room for the colours of another header, and for the rows of this one with `spare` bytes behind them. A 12-byte
+  // header may count other colours when its numbers change.
   static Result<NewDib> with_room_of(const DibHeader& source, const LayoutRule& rule, const DibHeader& header,
                                      Allocate* allocate = OwnedDib::allocate, ByteCount spare = 0) {
     Layout layout = Layout::of(header, rule);
@@ -98,7 +99,7 @@ class NewDib {
   // The rows and what follows them, to the end of the block.
   std::span<uint8_t> image() const { return bytes().subspan(static_cast<size_t>(layout_.offset.value())); }
   std::span<Rgb> colors() const { return colors_in(bytes(), DIBNumColors(header_)); }
-  // These two are for results whose image bytes hold their rows.
+  // These two are for results whose image bytes can hold their rows.
   std::span<uint8_t> rows() const { return image().first(static_cast<size_t>(layout_.rows.value())); }
   DibView pixels() const { return pixels_in(bytes(), header_, layout_); }
 
@@ -107,12 +108,12 @@ class NewDib {
     write_header(bytes(), header);
   }
 
-  // Takes over everything between the header and the rows of a DIB with as much room there.
+  // Copies everything between the header and the rows of a DIB with as much room there.
   void copy_colors(const OpenDib& source) {
     std::ranges::copy(source.head().subspan(kHeaderBytes), head().begin() + kHeaderBytes);
   }
 
-  // Clears what a kernel that writes all pixels leaves out: the bytes behind the pixels of each row and behind the rows.
+  // Clears the bytes that a kernel of all pixels leaves out: behind the pixels of each row and behind the rows.
   void clear_padding() const {
     const DibView view = pixels();
     const auto stride = static_cast<size_t>(view.stride());

@@ -1,4 +1,4 @@
-// DIB handles: a lock on anybody's DIB, and DIBs of the library's own making.
+// DIB handles: a lock on any DIB, and DIBs that the library makes.
 #pragma once
 
 #include <algorithm>
@@ -13,8 +13,8 @@
 
 namespace vorel {
 
-// The first bytes of a block, as many as asked for. A block that is shorter is replaced by a private copy, completed with
-// zeros, so that kernels need no checks.
+// The first `bytes` bytes of a block. A shorter block is replaced by a private copy, completed with zeros, so that kernels
+// need no checks.
 class CompleteBytes {
  public:
   // None when no block can be that large or memory for the copy is short.
@@ -62,7 +62,7 @@ class LockedDib {
   std::span<uint8_t> block() const { return block_.bytes(); }
   std::optional<CompleteBytes> complete(ByteCount bytes) const { return CompleteBytes::of(block(), bytes); }
 
-  // The block from an offset on, at most so many bytes of it.
+  // At most `bytes` bytes of the block from an offset on.
   std::span<uint8_t> part(size_t offset, ByteCount bytes) const {
     if (offset >= block().size()) return {};
     const uint64_t there = block().size() - offset;
@@ -84,7 +84,7 @@ class LockedDib {
   DibHeader header_;
 };
 
-// The pixels of a DIB that is whole, `offset` bytes from its start.
+// The pixels of a complete DIB, `offset` bytes from its start.
 template <class Byte>
 BasicView<Byte> pixels_at(std::span<Byte> dib, ByteCount offset, const DibHeader& header) {
   return {dib.data() + offset.value(), static_cast<std::ptrdiff_t>(row_stride(header.depth, header.width).value()),
@@ -103,18 +103,18 @@ class OwnedDib {
   // Zero-filled. kMemory, or kLock.
   static Result<OwnedDib> allocate(ByteCount bytes) { return with_contents(bytes, Contents::kZero); }
 
-  // As the memory comes, for results that are written whole. Bytes that the system adds to the block are zero.
+  // Unset, for results that are written in full. Bytes that the system adds to the block are zero.
   static Result<OwnedDib> allocate_unset(ByteCount bytes) {
     OwnedDib dib = VOREL_TRY(with_contents(bytes, Contents::kUnset));
     std::ranges::fill(dib.bytes().subspan(static_cast<size_t>(bytes.value())), uint8_t{0});
     return dib;
   }
 
-  // Zero-filled, and asked for once more when memory is short.
+  // Zero-filled. Tries once more when memory is short.
   static Result<OwnedDib> allocate_or_retry(ByteCount bytes) { return retried(bytes, allocate); }
   static Result<OwnedDib> allocate_unset_or_retry(ByteCount bytes) { return retried(bytes, allocate_unset); }
 
-  // A DIB of this header and another DIB's colour table; `head` is that DIB's bytes up to the table's end.
+  // A DIB of this header and another DIB's colour table; `head` holds that DIB's bytes up to the table's end.
   static Result<OwnedDib> with_head(std::span<const uint8_t> head, const DibHeader& header, ByteCount image_bytes,
                                     Result<OwnedDib> (*make)(ByteCount) = allocate) {
     auto dib = make(ByteCount(head.size()) + image_bytes);
@@ -152,7 +152,7 @@ class OwnedDib {
   LockedBlock lock_;  // declared after the block, so that it is unlocked before it is freed
 };
 
-// What an operation has made, handed to the caller.
+// Releases an operation's result to the caller.
 inline Result<HGLOBAL> released(Result<OwnedDib> dib) {
   if (!dib) return dib.error();
   return dib->release();

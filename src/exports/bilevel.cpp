@@ -9,7 +9,7 @@ using namespace vorel;
 
 namespace {
 
-// What two kinds of wrong handle are told.
+// The errors for two kinds of wrong handle.
 struct WrongHandle {
   Error null, dead;
 };

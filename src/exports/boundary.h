@@ -17,7 +17,7 @@ struct ThreadCode {
   void report(Error error) const { set_thread_error(error); }
 };
 
-// A variable of the caller's that holds 0 unless the operation fails.
+// A caller's variable that is 0 unless the operation fails.
 class ClearedVariable {
  public:
   explicit ClearedVariable(int32_t* variable) : variable_(variable) { write(Error::kNone); }
@@ -33,7 +33,7 @@ class ClearedVariable {
   int32_t* variable_;
 };
 
-// A variable of the caller's, of 16 or 32 bits, that only a failure writes to.
+// A caller's variable, of 16 or 32 bits, that only a failure writes to.
 template <class Integer>
 class FailureVariable {
  public:
@@ -61,14 +61,14 @@ class Both {
   Second second_;
 };
 
-// What a body gives when it succeeds.
+// The value of a body that succeeds.
 template <class Body>
 using BoundaryValue = std::decay_t<decltype(*std::declval<Body>()())>;
 
 // Runs an export's body, which returns a Result, and returns its value or, on failure, zero unless the export has another
 // value for it.
 //
-// Only exceptions are stopped: ending the thread, which is how a thread without a context goes, may unwind through here.
+// Only exceptions are stopped. The unwinding that ends a thread without a context may pass through here.
 template <class Report, class Body>
 BoundaryValue<Body> at_boundary(Report how, Body&& body, BoundaryValue<Body> failure = {}) {
   Error error = Error::kMemory;
@@ -77,13 +77,13 @@ BoundaryValue<Body> at_boundary(Report how, Body&& body, BoundaryValue<Body> fai
     if (result) return std::move(*result);
     error = result.error();
   } catch (const std::exception&) {
-    // Running out of memory is the only thing the standard library's own types fail at here.
+    // Here the standard library's own types fail only when memory is short.
   }
   how.report(error);
   return failure;
 }
 
-// The same for exports that report nothing.
+// The same for exports without error reports.
 template <class Body>
 auto at_silent_boundary(Body&& body) {
   struct Nobody {

@@ -17,7 +17,7 @@ HGLOBAL converted_handle(HGLOBAL dib, Result<OwnedDib> (*convert)(const LockedDi
     const WaitCursor cursor;
     auto result = convert(*source);
     if (!result) return result.error();
-    set_thread_error(Error::kNone);  // an oddity that is kept: most exports leave the code alone
+    set_thread_error(Error::kNone);  // a quirk that is kept: most exports leave the code alone
     return result->release();
   });
 }

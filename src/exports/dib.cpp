@@ -25,7 +25,7 @@ extern "C" {
 
 UINT VORELCALL PaletteSize(void* header) {
   if (header == nullptr) return 0;
-  // No more than a header of its stated size has; one of any other size has its depth in its first 16 bytes.
+  // Reads no more than the stated size of the header; a header of any other size has its depth in its first 16 bytes.
   DibHeader whole{};
   std::memcpy(&whole.size, header, sizeof whole.size);
   std::memcpy(&whole, header, whole.size == kCoreHeaderBytes ? kCoreHeaderBytes : std::clamp(whole.size, 16u, kHeaderBytes));

@@ -39,7 +39,7 @@ void VORELCALL GetImageVersion(char* buffer, int length) {
   if (buffer == nullptr || length <= 0) return;
   const auto room = static_cast<size_t>(length);
   std::memcpy(buffer, kVersionText.data(), std::min(room, kVersionText.size()));
-  // A buffer that holds just the text, or less, is left without a terminating zero.
+  // A buffer with room for just the text, or less, is left without a terminating zero.
   if (room > kVersionText.size()) buffer[kVersionText.size()] = '\0';
 }
 

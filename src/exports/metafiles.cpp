@@ -13,7 +13,7 @@ using formats::TextCodePage, metafile::MetafileKind;
 
 namespace {
 
-// What saves without telling of failures.
+// For saves that do not report failures.
 template <class Save>
 BOOL saved(Save save) {
   return at_boundary(

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kNotConverted = 1;
 
-// Codes are returned, and none is stored.
+// Error codes are returned; none is stored.
 template <class Body>
 int code_at_boundary(Body body) {
   const auto memory = static_cast<int>(Error::kMemory);

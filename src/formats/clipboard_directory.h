@@ -1,4 +1,4 @@
-// What a clipboard file has, as its directory lists it.
+// The contents of a clipboard file, as its directory lists them.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ namespace vorel::formats {
 
 inline constexpr uint16_t kClipboardFileId = 50'000;
 
-// The formats that are read, by the system's numbers.
+// The formats that can be read, by the system's numbers.
 enum class ClipboardFormat : uint16_t { kText = 1, kBitmap = 2, kMetafilePicture = 3, kDib = 8 };
 
 inline bool is_read(ClipboardFormat format) {
@@ -20,7 +20,7 @@ inline bool is_read(ClipboardFormat format) {
   return format == kText || format == kBitmap || format == kMetafilePicture || format == kDib;
 }
 
-// The headers of a file follow each other without a gap, at odd places too.
+// The headers of a file follow each other without a gap, at odd offsets too.
 #pragma pack(push, 1)
 struct ClipboardFileHeader {
   uint16_t id = kClipboardFileId;
@@ -34,7 +34,7 @@ struct ClipboardEntry {
   std::array<char, 79> name{};
 };
 
-// The start of a file with a DIB and nothing else.
+// The start of a file with only a DIB.
 struct ClipboardDibStart {
   ClipboardFileHeader header;
   ClipboardEntry entry;
@@ -47,7 +47,7 @@ static_assert(sizeof(ClipboardDibStart) == 93);
 // The number of entries in a file that begins with these bytes.
 Result<uint16_t> read_clipboard_header(std::span<const uint8_t> start);
 
-// The first entry of a format among those that lie whole in a directory.
+// The first entry of a format among the complete ones of a directory.
 Result<ClipboardEntry> find_entry(std::span<const uint8_t> directory, ClipboardFormat format);
 
 // Whether the data of an entry lies within a file.
@@ -55,11 +55,11 @@ inline bool lies_within(const ClipboardEntry& entry, uint64_t file_bytes) {
   return uint64_t{entry.offset} + entry.bytes <= file_bytes;
 }
 
-// What stands in front of the metafile in a metafile picture.
+// Size of the header in front of the metafile in a metafile picture.
 inline constexpr size_t kPictureHeaderBytes = 16;
 metafile::PictureLengths read_picture_header(std::span<const uint8_t, kPictureHeaderBytes> header);
 
-// What stands in front of a DIB of so many bytes.
+// The headers in front of a DIB of so many bytes.
 ClipboardDibStart clipboard_start_for_dib(uint32_t bytes);
 
 }  // namespace vorel::formats

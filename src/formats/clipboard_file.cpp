@@ -12,7 +12,7 @@
 namespace vorel::formats {
 namespace {
 
-// Leaves the file behind the entry that it has found. What the file ends before is not read.
+// Leaves the file position behind the entry found. Entries past the end of the file are not read.
 Result<ClipboardEntry> find_entry(FileRef file, ClipboardFormat format) {
   std::array<uint8_t, sizeof(ClipboardFileHeader)> start{};
   file.read(start.data(), start.size());
@@ -24,7 +24,7 @@ Result<ClipboardEntry> find_entry(FileRef file, ClipboardFormat format) {
   return find_entry(directory->bytes().first(static_cast<size_t>(std::max<int64_t>(read, 0))), format);
 }
 
-// The data of an entry. Nothing is allocated for data that the file does not have.
+// The data of an entry. Nothing is allocated for data past the end of the file.
 Result<OwnedBlock> read_entry(FileRef file, const ClipboardEntry& entry) {
   const int64_t size = file.size();
   if (size < 0 || !lies_within(entry, static_cast<uint64_t>(size))) return Error::kFileIo;

@@ -1,4 +1,4 @@
-// Clipboard files: one picture taken out, or one device bitmap written.
+// Clipboard files: loading one picture, or saving one device bitmap.
 #pragma once
 
 #include "formats/clipboard_directory.h"
@@ -7,7 +7,7 @@
 
 namespace vorel::formats {
 
-// A bitmap, or a memory block for ClipboardFormat::kBitmap. A metafile that is damaged is an unreported failure.
+// A bitmap, or a memory block for ClipboardFormat::kBitmap. A damaged metafile is an unreported failure.
 Result<HANDLE> load_clipboard_format(const char* path, ClipboardFormat format);
 
 Result<bool> save_clipboard_file(const char* path, HBITMAP bitmap);

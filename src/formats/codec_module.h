@@ -9,8 +9,7 @@
 
 namespace vorel {
 
-// Loads a module and finds an entry point in it; it stays loaded for a scope. A message box names a missing module or entry
-// point.
+// Loads a module for a scope and finds an entry point in it. A message box names a missing module or entry point.
 class CodecEntry {
  public:
   explicit CodecEntry(const EntryPoint& entry);
@@ -23,7 +22,7 @@ class CodecEntry {
   void* address_ = nullptr;
 };
 
-// Calls an entry point and returns what it returns, or zero if it is missing. The module is gone again afterwards.
+// Calls an entry point and returns its result, or zero if it is missing. The module is unloaded afterwards.
 template <class Function, class... Arguments>
 auto call_codec(const EntryPoint& entry, Arguments... arguments) {
   const CodecEntry codec(entry);

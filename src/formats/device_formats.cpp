@@ -12,7 +12,7 @@ Result<HGLOBAL> dib_of_loaded(Result<OwnedBitmap> bitmap) {
   return released(dib_in_screen_colors(bitmap->get()));
 }
 
-// The active window's context is held meanwhile.
+// Holds the active window's context meanwhile.
 Result<BOOL> save_metafile(const SaveRequest& request, metafile::MetafileKind kind) {
   const auto bitmap = bitmap_of(request.dib);
   if (!bitmap) return bitmap.error();

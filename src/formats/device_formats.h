@@ -1,5 +1,5 @@
-// Formats that are drawn by the system or hold device bitmaps. A build without a windowing system has no handlers for them: they
-// fail unreported.
+// Formats that are drawn by the system or contain device bitmaps. A build without a windowing system has no handlers for
+// them: they fail unreported.
 #pragma once
 
 #include "formats/image_file.h"

@@ -11,7 +11,7 @@ namespace vorel::formats {
 namespace {
 
 constexpr uint32_t kZerosBehindText = 10;
-// Ampersands are shown. Lines are as far apart as they are measured.
+// Ampersands are drawn as text. The line spacing is the measured one.
 constexpr UINT kTextFlags = DT_NOPREFIX | DT_EXTERNALLEADING;
 
 FontSize font_of(HDC dc) {
@@ -21,7 +21,8 @@ FontSize font_of(HDC dc) {
           .average_width = metrics.tmAveCharWidth};
 }
 
-// Cuts the text off where it has to end. Returns the rectangle that it takes; of a text without characters, that of one.
+// Cuts the text off at its measured end. Returns its bounding rectangle; for a text without characters, the rectangle of one
+// character.
 RECT fit(HDC dc, std::span<char> text, FontSize font) {
   const TextExtent extent = measure_text({text.data(), text.size()}, font);
   if (extent.is_cut) {
@@ -34,7 +35,7 @@ RECT fit(HDC dc, std::span<char> text, FontSize font) {
   return IsRectEmpty(&taken) ? measured : taken;
 }
 
-// As high as memory allows: halved again and again, down to one line.
+// As high as memory allows: the height is halved again and again, down to one line.
 OwnedBitmap highest_bitmap(Size size, int line_height) {
   OwnedBitmap bitmap = empty_bitmap(size, 1, 1);
   while (!bitmap && (size.height /= 2) > line_height) bitmap = empty_bitmap(size, 1, 1);
@@ -57,7 +58,7 @@ Result<OwnedBitmap> draw_text(HDC dc, std::span<char> text) {
   return bitmap;
 }
 
-// Fails with what callers find in the thread's code.
+// Fails with the error for the thread's code.
 Result<OwnedBlock> read_text(const char* path) {
   const auto file = OwnedFile::open_for_reading(path);
   if (!file) return Error::kOpenFile;

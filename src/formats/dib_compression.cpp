@@ -7,7 +7,7 @@
 namespace vorel {
 namespace {
 
-// Bytes to the end of a full colour table: where pixels and codes begin. For a depth of 32 and above no block has so many.
+// Bytes to the end of a full colour table: where pixels and codes begin. At depths of 32 and above that exceeds any block.
 ByteCount data_offset(const DibHeader& header) {
   const ByteCount colors = header.depth < 32 ? ByteCount(uint64_t{1} << header.depth) : ByteCount(UINT64_MAX);
   return kHeaderBytes + colors * sizeof(Rgb);
@@ -30,7 +30,7 @@ bool is_expandable(const DibHeader& header) {
   }
 }
 
-// A new DIB with a header, as much of the source's colour table as there is (the rest being zero), and room for its data.
+// A new DIB with a header, the existing part of the source's colour table (the rest is zero), and room for its data.
 Result<OwnedDib> with_table_of(const LockedDib& source, DibHeader header, ByteCount data_bytes) {
   const ByteCount table_end = data_offset(header);
   auto result = OwnedDib::allocate(table_end + data_bytes);
@@ -41,7 +41,7 @@ Result<OwnedDib> with_table_of(const LockedDib& source, DibHeader header, ByteCo
   return result;
 }
 
-// Writes the codes of a whole picture and returns how many bytes they take.
+// Writes the codes of a whole picture and returns their number of bytes.
 Result<size_t> encode(const LockedDib& source, std::span<uint8_t> codes) {
   const DibHeader& header = source.header();
   const auto begin = static_cast<size_t>(data_offset(header).value());
@@ -51,7 +51,7 @@ Result<size_t> encode(const LockedDib& source, std::span<uint8_t> codes) {
   const ConstDibView picture(whole->bytes().data() + begin, static_cast<std::ptrdiff_t>(stride), header.width, header.height,
                              header.depth);
 
-  // What lies behind the last row counts too, and may be missing even where the picture is whole.
+  // The bytes behind the last row count too, and may be missing even if the picture is complete.
   if (header.height == 0) return kernels::rle().encode(picture, nullptr, codes);
   const size_t last_row = begin + stride * static_cast<size_t>(header.height - 1);
   const ByteCount looked_at = ByteCount(row_bytes(header.depth, header.width)) + kernels::kBytesBehindRow;
@@ -65,8 +65,8 @@ uint8_t* data_of(const OwnedDib& result, const DibHeader& header) {
   return result.bytes().data() + static_cast<size_t>(data_offset(header).value());
 }
 
-// The rows that codes are drawn on, no wider than their stride holds pixels: where a picture has less than 4 bits, 4-bit
-// codes would run from one row into the next.
+// The rows that codes are drawn on, limited to the pixels in their stride: below 4 bits, 4-bit codes would run from one row
+// into the next.
 DibView rows_of(const OwnedDib& result, const DibHeader& source) {
   const int depth = source.compression == Compression::kRle8 ? 8 : 4;
   const uint64_t stride = row_stride(source.depth, source.width).value();
@@ -98,7 +98,7 @@ Result<OwnedDib> expanded(const LockedDib& source) {
   header.compression = Compression::kNone;
   auto result = with_table_of(source, header, rows_bytes(header));
   if (!result) return result.error();
-  // Not biSizeImage but the end of the block ends the codes: they say themselves where the bitmap ends.
+  // The codes end at the end of the block, not by biSizeImage: they mark the end of the bitmap themselves.
   const auto begin = static_cast<size_t>(data_offset(header).value());
   kernels::rle().decode(source.part(begin, source.block().size()), rows_of(*result, source.header()));
   return result;

@@ -6,13 +6,13 @@
 
 namespace vorel {
 
-// Both take the colour table to have 1 << depth entries whatever the header counts, and carry it over whole: the pixels or
-// codes lie behind that many.
+// Both assume a colour table of 1 << depth entries whatever the header counts, and copy it in full: pixels or codes follow
+// it.
 
 // A new DIB with the pixels of an uncompressed one of 8 or 4 bits as codes.
 Result<OwnedDib> compressed(const LockedDib& source);
 
-// A new uncompressed DIB with the picture that codes draw.
+// A new uncompressed DIB with the decoded picture.
 Result<OwnedDib> expanded(const LockedDib& source);
 
 }  // namespace vorel

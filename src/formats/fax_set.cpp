@@ -21,7 +21,7 @@ constexpr const char* kSetSection = "ColorFax";
 constexpr const char* kTotalPages = "TotalPages";
 constexpr size_t kMostNameCharacters = 128;
 constexpr int kMostPlanes = 4;
-// As many as are looked through for a page; a text may claim two thousand million.
+// The most that are searched for a page; a text may claim two thousand million.
 constexpr int kMostFiles = 4'096;
 
 // Red, green, blue and brightness, from the highest bit to the lowest.
@@ -35,7 +35,7 @@ constexpr std::array<Rgb, 16> plane_colors() {
   return colors;
 }
 
-// The bits of a byte as the eight nibbles of four bytes, each in the nibble's highest bit.
+// The bits of a byte as the eight nibbles of four bytes, each bit the highest of its nibble.
 constexpr std::array<std::array<uint8_t, 4>, 256> spread_bits() {
   std::array<std::array<uint8_t, 4>, 256> table{};
   for (unsigned byte = 0; byte < 256; ++byte)
@@ -60,19 +60,19 @@ PageSet read_set(const Profile& profile) {
           .pixel_bits = number("BitsPixel", 0)};
 }
 
-// Where the first plane of a page is: in which file, named in which section, as which of its images.
+// Location of a page's first plane: the file, the section that names it, and the number of the image in the file.
 struct Place {
   std::string section, key;
   int64_t image;
 };
 
-// In a file per plane every plane is asked for as the image of the page's number.
+// With a file per plane, each plane is the image of the page's number.
 Place place_in_own_file(const PageSet& set, int page) {
   return {"Page" + std::to_string(page - set.first_page + 1), "Plane0", page};
 }
 
-// The first page of every file but the first is looked for in the file before, past its last image. That rule is kept: to
-// count in another way would give the callers of a set other pages.
+// The first page of every file but the first is looked up in the file before, past its last image. That rule is kept:
+// counting differently would give the callers of a set other pages.
 Place place_in_shared_file(const Profile& profile, const PageSet& set, int page) {
   const auto section_of = [&](int64_t file) {
     return "File" + std::to_string(static_cast<uint32_t>(set.first_page + file));
@@ -87,8 +87,8 @@ Place place_in_shared_file(const Profile& profile, const PageSet& set, int page)
   return {section, "Name", (page - start) * set.planes + 1};
 }
 
-// A plane's image. None for what is no 1-bit picture, and for a block shorter than its rows: to complete it would let a few
-// bytes ask for gigabytes.
+// A plane's image. None for anything but a 1-bit picture, and for a block shorter than its rows: completing it would let a
+// few bytes ask for gigabytes.
 class PlaneImage {
  public:
   static std::optional<PlaneImage> lock(HGLOBAL image) {
@@ -110,7 +110,7 @@ class PlaneImage {
   }
 
  private:
-  // The rows are taken to lie behind two colours, whatever the header counts.
+  // The rows are assumed behind two colours, whatever the header counts.
   static constexpr uint32_t kRowsOffset = kHeaderBytes + 2 * sizeof(Rgb);
 
   explicit PlaneImage(LockedDib dib) : dib_(std::move(dib)) {}
@@ -118,7 +118,7 @@ class PlaneImage {
   LockedDib dib_;
 };
 
-// The 4-bit picture that the planes of a page go into.
+// The 4-bit picture that the planes of a page are merged into.
 class MergedPage {
  public:
   static Result<MergedPage> make(const DibHeader& plane) {
@@ -213,11 +213,11 @@ void merge_plane(ConstDibView bits, DibView merged, int plane) {
     const uint8_t* from = bits.row_from_top(y).data();
     uint8_t* to = merged.row_from_top(y).data();
     const auto add = [&](uint8_t byte, int count) {
-      if (byte == 0) return;  // what is never written to takes no memory
+      if (byte == 0) return;  // bytes that are never written take no memory
       for (int i = 0; i < count; ++i) to[i] = static_cast<uint8_t>(to[i] | kSpread[byte][static_cast<size_t>(i)] >> plane);
     };
     for (int i = 0; i < whole_bytes; ++i, to += 4) add(from[i], 4);
-    // An odd last pixel takes its high nibble alone.
+    // An odd last pixel uses its high nibble alone.
     if (rest != 0) add(static_cast<uint8_t>(from[whole_bytes] & 0xFF00 >> rest), (rest + 1) / 2);
   }
 }

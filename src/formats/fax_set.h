@@ -9,7 +9,7 @@ namespace vorel {
 
 struct LoadRequest;
 
-// How many pages a file has that does not say.
+// Number of pages of a file that does not state it.
 inline constexpr int kUnknownPages = -1;
 
 Result<int> pages_in_fax_set(const char* path);

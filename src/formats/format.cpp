@@ -11,7 +11,7 @@
 namespace vorel {
 namespace {
 
-constexpr size_t kSearchedBytes = 511;  // texts are looked for in all bytes but the last
+constexpr size_t kSearchedBytes = 511;  // texts are searched for in all bytes but the last
 
 template <class Integer>
 Integer value_at(const FileStart& start, size_t offset) {
@@ -31,7 +31,7 @@ bool is_gif(const FileStart& start) { return chars(start, 0, 6) == "GIF87a" || c
 bool is_bitmap(const FileStart& start) { return chars(start, 0, 2) == "BM"; }
 bool is_clipboard_file(const FileStart& start) { return value_at<uint16_t>(start, 0) == 50'000; }
 
-// The key of a placeable metafile, or the header size of a plain one, which many other files have there by chance.
+// The key of a placeable metafile, or the header size of a plain one, which many other files have at that place by chance.
 bool is_metafile(const FileStart& start) {
   constexpr uint16_t kHeaderWords = 9;
   return value_at<uint32_t>(start, 0) == 0x9AC6CDD7 || value_at<uint16_t>(start, 2) == kHeaderWords;

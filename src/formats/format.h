@@ -1,4 +1,4 @@
-// The kinds of image file, and how to tell them apart.
+// The kinds of image file, and their detection.
 #pragma once
 
 #include <array>
@@ -10,16 +10,16 @@
 
 namespace vorel {
 
-// The first bytes of a file: zeros where it has no more.
+// The first bytes of a file, zero-padded if it is shorter.
 struct FileStart {
   std::array<uint8_t, 512> bytes{};
   size_t count = 0;  // bytes that the file had
 };
 
-// Neither the file nor its name need exist: what cannot be read may still go by its name.
+// Neither the file nor its name need exist: the name alone may still identify the format.
 FileStart read_file_start(const char* path);
 
-// What a file is by its first bytes, by its name and, where these do not tell, by what its text says as a page set.
+// The format by the first bytes, by the name and, failing these, by the file's text as a page set.
 ImgFormat recognise(const FileStart& start, const char* path);
 
 }  // namespace vorel

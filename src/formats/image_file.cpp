@@ -15,14 +15,14 @@
 namespace vorel {
 namespace {
 
-// The table counts formats as the public header does.
+// The table numbers formats as the public header does.
 static_assert(static_cast<int>(FormatCode::kTiff) == IMG_FORMAT_TIFF &&
               static_cast<int>(FormatCode::kTga) == IMG_FORMAT_TGA &&
               static_cast<int>(FormatCode::kColorFax) == IMG_FORMAT_COLOR_FAX &&
               static_cast<int>(FormatCode::kCals) == IMG_FORMAT_CALS &&
               static_cast<int>(FormatCode::kEnhancedMetafile) == IMG_FORMAT_ENHANCED_METAFILE);
 
-// Page sets may list page sets of one plane. One that comes back to itself ends here.
+// Page sets may list page sets of one plane. This limit ends a set that leads back to itself.
 constexpr int kMostEnclosingSets = 8;
 
 Result<HGLOBAL> loaded(HGLOBAL dib) {
@@ -37,7 +37,7 @@ Result<HGLOBAL> load_page_set(const LoadRequest& request) {
   return load_fax_page(request);
 }
 
-// Formats that the library loads and saves by itself. The others go through the modules that the table of formats names.
+// Formats that the library loads and saves itself. The others use the modules that the table of formats names.
 struct OwnFormat {
   FormatCode code;
   Result<HGLOBAL> (*load)(const LoadRequest& request);
@@ -71,11 +71,11 @@ HGLOBAL load_by_module(const FileFormat& format, const LoadRequest& r) {
   return nullptr;
 }
 
-// Where a saver takes a status variable it gets one of our own, which begins with the caller's value.
+// A saver that takes a status variable gets a copy of the caller's value.
 BOOL save_by_module(const FileFormat& format, const SaveRequest& r) {
   constexpr int kFirstPage = 1, kWithFooter = 1, kJpegQuality = 75;
   int status = r.value;
-  // A file that is there already gains a page.
+  // An existing file gains a page.
   if (format.make && !name_exists(r.path)) call_codec<ImgMakeFile>(format.make, r.path, &status);
   switch (format.save_arguments) {
     case SaveArguments::kStatus: return call_codec<ImgSavePicture>(format.save, r.path, r.dib, &status);

@@ -1,4 +1,4 @@
-// Image files of any kind: which part of the library or which codec module reads and writes them.
+// Image files of any kind: selects the part of the library or the codec module that reads and writes them.
 #pragma once
 
 #include "frame/error.h"
@@ -10,15 +10,15 @@ struct LoadRequest {
   const char* path;
   int page;                // counted from 1
   int* status;             // the caller's; may be null
-  int enclosing_sets = 0;  // page sets that are being loaded and led here
+  int enclosing_sets = 0;  // page sets that are being loaded around this one
 };
 
-// Writes an error where the caller of a loader looks for it.
+// Writes an error to the status variable of a loader's caller.
 inline void report_status(const LoadRequest& request, Error error) {
   if (request.status != nullptr) *request.status = static_cast<int>(error);
 }
 
-// The new DIB. What codec modules fail with is unreported: they have told the status.
+// The new DIB. Failures of codec modules are unreported: they have already set the status.
 Result<HGLOBAL> load_image(const LoadRequest& request);
 
 struct SaveRequest {
@@ -28,7 +28,7 @@ struct SaveRequest {
   int value;
 };
 
-// What the format's saver returned. A format that is not saved fails unreported.
+// The result of the format's saver. A format that is not saved fails unreported.
 Result<BOOL> save_image(int format, const SaveRequest& request);
 
 }  // namespace vorel

@@ -43,14 +43,14 @@ enum class Error : int32_t {
   kNothingToDo = 30,
   kNothingToConvert = 31,
 
-  // What a turn by any angle tells its caller.
+  // Reported to the caller of a turn by any angle.
   kTurnCompressed = 500,
   kTurnSize = 501,
   kTurnMemory = 503,
   kTurnLock = 505,
   kTurnParameter = 506,
 
-  // What combining stores in the thread's code.
+  // Stored in the thread's code when combining fails.
   kCombineSizes = 501,
   kCombineMemory = 504,
   kCombineLock = 505,
@@ -59,11 +59,11 @@ enum class Error : int32_t {
   kCombineCompressed = 508,
   kCombineBitmap = 510,
 
-  // The operation fails and whatever would report it stays as it was.
+  // The operation fails and no error report changes.
   kUnreported = -1,
 };
 
-// What an operation gives: its value, or why there is none.
+// The outcome of an operation: its value, or an error.
 template <class T>
 class [[nodiscard]] Result {
  public:
@@ -87,14 +87,14 @@ class [[nodiscard]] Result {
   std::variant<T, Error> state_;
 };
 
-// What may be missing, with the error that it then is.
+// The value of an optional, or the given error if it is empty.
 template <class T>
 Result<T> or_error(std::optional<T> value, Error error) {
   if (!value) return error;
   return std::move(*value);
 }
 
-// The value of a Result; a failure leaves the function, which returns a Result too, with the same error.
+// The value of a Result; a failure returns its error from the function, which returns a Result too.
 #define VOREL_TRY(expression)                       \
   __extension__({                                   \
     auto vorel_result = (expression);               \

@@ -13,7 +13,7 @@ inline constexpr std::string_view kVersionText = "Version 5.59";
 inline constexpr int32_t kMessageCodes = 32;
 constexpr bool has_message(int32_t code) { return static_cast<uint32_t>(code) < kMessageCodes; }
 
-// The message of a code, zero-terminated; one saying that the error is unknown where the code has none.
+// The message of a code, zero-terminated; for a code without a message, the text for an unknown error.
 const char* message(int32_t code);
 
 }  // namespace vorel

@@ -60,7 +60,7 @@ namespace {
 bool attached = false;
 bool detached = false;
 
-// Sets a flag and tells whether the notice it stands for is to be followed.
+// Sets a flag and returns whether its notice is accepted.
 bool first_notice(bool& flag, bool repeats_notices) {
   const bool refused = repeats_notices && flag;
   flag = true;

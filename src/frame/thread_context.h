@@ -1,4 +1,4 @@
-// The library's memory for each thread, and when it comes and goes.
+// The library's memory for each thread, and its lifetime.
 #pragma once
 
 #include <cstddef>
@@ -9,13 +9,13 @@
 
 namespace vorel {
 
-// A thread's memory is one block: this, then one slot for each state that a subsystem keeps per thread.
+// A thread's memory is one block: this header, then one slot for each state that a subsystem keeps per thread.
 struct ImgThreadContext {
   int32_t error_code;
 };
 
 // The calling thread's context, made on its first use. A thread that cannot have one is ended: every operation reports
-// through the context, so there is nothing else it could do.
+// through the context, so no other way is left.
 ImgThreadContext& thread_context();
 
 // Stores why an operation of the calling thread failed. kUnreported leaves the code as it is.
@@ -49,8 +49,8 @@ class ThreadSlot {
   const ThreadSlot* next_;
 };
 
-// A subsystem's own state for each thread, with the defaults that `State` gives its members. Declare it at namespace scope: every
-// slot has its place before the first block is made.
+// A subsystem's own state for each thread, initialised with the defaults of `State`. Declare it at namespace scope: every
+// slot gets its place before the first block is made.
 template <class State>
 class PerThread : ThreadSlot {
  public:
@@ -64,7 +64,7 @@ class PerThread : ThreadSlot {
   State* operator->() const { return &**this; }
 };
 
-// The notices a module gets from the system; the values are the system's.
+// The notices that the system sends to a module; the values are the system's.
 enum class ModuleNotice : uint32_t { kProcessDetach = 0, kProcessAttach = 1, kThreadAttach = 2, kThreadDetach = 3 };
 
 // Follows a notice and returns whether it is accepted; unknown ones are not.

@@ -50,7 +50,8 @@ bool paint_masked(Painting target, Place at, Painting source, HBITMAP mask, bool
   return paint(to, at, target.extent, through, SRCAND) && paint(to, at, target.extent, from, SRCPAINT);
 }
 
-// A copy of a DIB, as long as its header states. A quirk that is kept: a header without an image size gives a copy without pixels.
+// A copy of a DIB of the length that its header states. A quirk that is kept: a header without an image size gives a copy
+// without pixels.
 Result<OwnedDib> copied(HGLOBAL source) {
   const auto locked = LockedDib::lock(source);
   if (!locked || !locked->has_header()) return Error::kCombineLock;

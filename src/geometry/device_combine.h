@@ -11,7 +11,7 @@ struct Place {
 };
 
 // Paints a bitmap onto another; a null target becomes a copy of the source.
-//   no mask  the source replaces the pixels that it covers or, with the flag, is ORed to them
+//   no mask  the source replaces the covered pixels or, with the flag, is ORed to them
 //   mask     where the mask is white, the source replaces the target or, with the flag, is XORed to it. The contents of source
 //            and mask are lost
 Result<bool> combine_bitmaps(Place at, HBITMAP* target, HBITMAP source, HBITMAP mask, bool flag);

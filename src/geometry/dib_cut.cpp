@@ -14,7 +14,7 @@ DibHeader with_height(DibHeader header, int32_t height) {
   return header;
 }
 
-// A part without colours and rows yet.
+// A part whose colours and rows are not filled in yet.
 Result<NewDib> new_part(const DibHeader& source, int32_t height, HGLOBAL* handle) {
   auto part = NewDib::with_room_of(source, kRule, with_height(source, height));
   *handle = part ? part->handle() : nullptr;

@@ -6,8 +6,8 @@
 
 namespace vorel::geometry {
 
-// Where the handles of the two parts go. Each is written once its block is allocated, null on failure; when the operation fails
-// later, they keep the handles of blocks that are freed again.
+// Receive the handles of the two parts. Each is written once its block is allocated, null on failure; when the operation
+// fails later, they keep the handles of blocks that are freed again.
 struct CutHandles {
   HGLOBAL *first, *second;
 };

@@ -8,13 +8,13 @@
 namespace vorel::geometry {
 namespace {
 
-constexpr int kMostPixels = std::numeric_limits<uint16_t>::max();  // a side, of what is interpolated and of the result
+constexpr int kMostPixels = std::numeric_limits<uint16_t>::max();  // longest side of interpolated sources and results
 
-// How many colours pixels can name.
+// The number of colours that pixels can select.
 uint32_t color_count(const DibHeader& header) { return std::min(DIBNumColors(header), implied_colors(header.depth)); }
 
-// Scales the first rows and columns of a picture, as many as `area` says and as there are. The result has its rows behind 40
-// bytes and the table, the source behind as many bytes as its header says.
+// Scales the first rows and columns of a picture, as many as `area` says and the picture has. The result has its rows behind
+// 40 bytes and the table, the source behind the stated size of its header.
 Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, kernels::Interpolate* scale,
                               kernels::Interpolation interpolation) {
   const DibHeader& header = source.header();
@@ -73,8 +73,8 @@ Result<OwnedDib> ScaleDIBRect(const LockedDib& source, Rect rect, Size size) {
   result_header.width = size.width;
   result_header.height = size.height;
 
-  // The result has a table of four bytes a colour whatever the header's size, as many as the header counts even where that is
-  // not read elsewhere.
+  // The result has a table of four-byte colours whatever the header's size, with the header's count even where it is ignored
+  // elsewhere.
   const bool counts_colors = header.size != kCoreHeaderBytes && header.colors_used != 0;
   const ByteCount head = kHeaderBytes + ByteCount(counts_colors ? header.colors_used : DIBNumColors(header)) * sizeof(Rgb);
   const auto whole =

@@ -13,7 +13,7 @@ namespace vorel {
 
 enum class SeekFrom { kStart, kCurrent, kEnd };
 
-// An open file with another owner.
+// An open file that another object owns.
 class FileRef {
  public:
   explicit FileRef(HFILE handle) : handle_(handle) {}
@@ -38,8 +38,8 @@ class FileRef {
 // An open file that is closed with its scope.
 class OwnedFile : public FileRef {
  public:
-  // Opens no folders or null paths, and no pipes for reading. On Windows this is OpenFile, which takes paths of at most
-  // 127 characters and searches the system's folders for a bare name too.
+  // Opens no folders or null paths, and no pipes for reading. On Windows this is OpenFile, which takes paths of at most 127
+  // characters and also searches the system's folders for a bare name.
   static std::optional<OwnedFile> open_for_reading(const char* path);
   // Takes the path as given: it may be longer, and a bare name means the current folder only.
   static std::optional<OwnedFile> open_as_named(const char* path);

@@ -45,7 +45,7 @@ class LockedBlock {
   std::span<uint8_t> bytes_;
 };
 
-// What a new block holds. Memory that is overwritten whole need not be cleared first.
+// The initial content of a new block. Memory that is overwritten in full need not be cleared first.
 enum class Contents { kZero, kUnset };
 
 // A global block that is freed with its scope unless it is released to the caller.

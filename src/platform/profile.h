@@ -14,9 +14,9 @@
 
 namespace vorel {
 
-// The values of one such file. Names of sections and keys ignore case; of several with one name the first counts.
-// A file that cannot be read or is too large has no values: detection of formats asks pictures of any size for values, and
-// reading a whole picture would cost more than loading it.
+// The values of an initialisation file. Names of sections and keys ignore case; of equal names the first counts. A file that
+// cannot be read or is too large has no values: detection of formats looks for values in pictures of any size, and reading a
+// whole picture would cost more than loading it.
 class Profile {
  public:
   static constexpr int64_t kMostBytes = 1 << 20;
@@ -42,7 +42,7 @@ class Profile {
 
   std::string_view find(const char* section, const char* key) const;
 
-  std::string text_;  // what names and values are views of
+  std::string text_;  // names and values are views of it
   std::map<std::string_view, Keys, LessIgnoringCase> sections_;
 #endif
 };

@@ -1,4 +1,4 @@
-// What the operations here refuse before they start.
+// The checks that the operations of this folder make before they start.
 #pragma once
 
 #include <initializer_list>
@@ -8,7 +8,7 @@
 
 namespace vorel::tone {
 
-// How much of a width or height is compared with 0.
+// The bits of a width or height that are compared with 0.
 enum class SizeBits { kLow16, kAll };
 
 // kNone for an uncompressed picture of one of these depths. Otherwise the first that applies: a header of other than 40 bytes,

@@ -15,7 +15,7 @@ bool can_be_cleaned(const DibHeader& header) {
   return header.size == kHeaderBytes && (header.depth == 1 || (header.depth == 8 && header.planes == 1));
 }
 
-// Copies a block, but for the 8-bit pixels that it holds whole: the kernel writes all of them.
+// Copies a block except for complete 8-bit pixels, which the kernel writes.
 void copy_all_but_pixels(const OpenDib& source, std::span<const uint8_t> block, std::span<uint8_t> result) {
   const DibView pixels = source.pixels();
   const auto stride = static_cast<size_t>(pixels.stride());

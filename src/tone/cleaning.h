@@ -1,4 +1,4 @@
-// Specks taken off and holes filled.
+// Removes specks and fills holes.
 #pragma once
 
 #include "dib/packed_dib.h"

@@ -24,7 +24,7 @@ Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const ke
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kReadsFullTable));
   Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_unset_or_retry));
   const ZeroedBuffer scratch = VOREL_TRY(scratch_for(opened, kernel));
-  target.keep_table();  // 24 bits have no use for one
+  target.keep_table();  // 24 bits need no table
   kernels::filter().convolve_color(opened.pixels(), target.pixels(), kernel, intensity, scratch.bytes());
   return std::move(target).release();
 }

@@ -1,4 +1,4 @@
-// Pictures filtered with square kernels.
+// Filters pictures with square kernels.
 #pragma once
 
 #include "kernels/filter/filter.h"

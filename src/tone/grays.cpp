@@ -10,7 +10,7 @@
 namespace vorel::tone {
 namespace {
 
-// Smoothing over five rows takes six of them.
+// Smoothing over five rows needs six of them.
 kernels::Smoothing smoothing_for(int grade, int32_t height) {
   if (grade == 2 && height < 4) return kernels::Smoothing::kNone;
   if (grade == 2 && height < 6) return kernels::Smoothing::kBy3;

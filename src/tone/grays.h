@@ -1,4 +1,4 @@
-// Pictures made grey.
+// Converts pictures to grey.
 #pragma once
 
 #include "dib/packed_dib.h"
@@ -6,7 +6,7 @@
 
 namespace vorel::tone {
 
-// A grey copy of a picture of 1, 4, 8 or 24 bits. `grade`, from 0 to 2, is how far set bits of 1 bit spread.
+// A grey copy of a picture of 1, 4, 8 or 24 bits. `grade`, from 0 to 2, is the spread of set bits at 1 bit.
 Result<OwnedDib> in_grays(const LockedDib& source, int grade, kernels::GrayRule rule);
 
 // An 8-bit copy of a 1-bit picture with an inverted ramp: 0 is white, and the darker of the two colours is 255.

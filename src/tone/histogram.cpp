@@ -19,9 +19,9 @@ constexpr size_t kTableBytes = ComponentTable().size();
 constexpr kernels::Corner kNowhere = {-256, -256};  // no square has this corner
 
 struct Memory {
-  int32_t histogram_bytes = 0;  // of a histogram, once one was allocated
+  int32_t histogram_bytes = 0;  // of a histogram; 0 until one is allocated
   kernels::Corner counted_last{0, 0};
-  int32_t table_bytes = 0;  // of a lookup table, once one was allocated
+  int32_t table_bytes = 0;  // of a lookup table; 0 until one is allocated
 };
 const PerThread<Memory> memory;
 

@@ -12,13 +12,13 @@ DibHeader true_color_header(DibHeader header) {
   header.planes = 1;
   header.depth = 24;
   header.colors_used = header.colors_important = 0;
-  // A deliberate oddity: the stated size is made from the low 16 bits of a row's length. All rows are there.
+  // A deliberate oddity: the stated size is computed from the low 16 bits of a row's length. All rows are present.
   const auto short_stride = static_cast<uint16_t>(row_stride(24, header.width).value());
   header.image_bytes = uint32_t{short_stride} * static_cast<uint32_t>(header.height);
   return header;
 }
 
-// A copy with the table mapped and the rest as it is, as much of it as the header states.
+// A copy with the table mapped and the rest unchanged, of the size that the header states.
 Result<OwnedDib> with_mapped_table(const OpenDib& source, const kernels::ComponentTable& table) {
   const DibHeader& header = source.header();
   const ByteCount image_bytes = stated_image_bytes(header);

@@ -1,4 +1,4 @@
-// Levels, colour components and colours replaced by those of a table.
+// Maps levels, colour components and colours through tables.
 #pragma once
 
 #include "dib/packed_dib.h"
@@ -10,7 +10,7 @@ namespace vorel::tone {
 // Makes an 8-bit picture grey: each pixel becomes the table's value for the mean of its colour.
 Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const kernels::ComponentTable& table, Where where);
 
-// A copy whose colour table, at 4 and 8 bits, or pixels, at 24, have gone through a table.
+// A copy with the colour table, at 4 and 8 bits, or the pixels, at 24, mapped through a table.
 Result<OwnedDib> with_components(const LockedDib& source, const kernels::ComponentTable& table);
 
 // A 24-bit copy of an 8-bit picture.

@@ -1,4 +1,4 @@
-// What operations write to: the source itself, or a copy as large as its header states.
+// The output of operations: the source itself, or a copy as large as its header states.
 #pragma once
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 
 namespace vorel::tone {
 
-// A new DIB with the header of another and the image size stated there. Where that is too small for the rows, they are cut at the
-// block's end. Its pixels are unset.
+// A new DIB with the header of another and the image size stated there. If that is too small for the rows, they are cut at
+// the block's end. Its pixels are unset.
 class StatedCopy {
  public:
   // `allocate` need not clear.
@@ -55,7 +55,7 @@ class Target {
     return Target(handle, source, VOREL_TRY(StatedCopy::of(source, allocate)));
   }
 
-  // Writes a grey ramp, as far as the table goes: rows behind a shorter table stay.
+  // Writes a grey ramp within the table: rows behind a shorter table stay.
   void write_gray_ramp() {
     const size_t count = std::min(DIBNumColors(source_->header()), kTableColors);
     vorel::write_gray_ramp(copy_ ? copy_->colors(count) : source_->colors(count));

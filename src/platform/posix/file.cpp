@@ -17,8 +17,8 @@ constexpr int origin(SeekFrom from) {
   return SEEK_SET;
 }
 
-// Repeats a read or write until all bytes are moved or the file is at its end. An error is reported only if no byte was moved
-// before it.
+// Repeats a read or write until all bytes are moved or the file ends. An error is reported only if no byte was moved before
+// it.
 template <class Move>
 int64_t move_all(size_t bytes, Move move) {
   size_t done = 0;

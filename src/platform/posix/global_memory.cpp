@@ -1,5 +1,5 @@
-// Global memory with the contract of Windows: movable blocks behind opaque handles, lock counts, and dead handles that do no
-// harm. A handle is looked up in the table before it is ever used as a pointer.
+// Global memory with the contract of Windows: movable blocks behind opaque handles, lock counts, and harmless dead handles.
+// A handle is looked up in the table before it is ever used as a pointer.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -17,8 +17,8 @@ namespace {
 struct Block {
   void* data = nullptr;
   size_t size = 0;
-  size_t room = 0;          // of a large piece; 0: the data comes from the heap
-  uint32_t generation = 0;  // counts the blocks that this entry has held, so that old handles are told from new ones
+  size_t room = 0;          // of a large piece; 0 if the data is on the heap
+  uint32_t generation = 0;  // counts the blocks of this entry, to tell stale handles from valid ones
   uint8_t locks = 0;
   bool used = false;
 };
@@ -33,10 +33,10 @@ HGLOBAL handle_of(size_t index, uint32_t generation) {
   return reinterpret_cast<HGLOBAL>(uintptr_t{generation} << 32 | index << 2 | kMovableMark);
 }
 
-// The content of a block until the block takes it.
+// The content of a block until a block owns it.
 class Data {
  public:
-  // Null when memory is short. Fixed blocks are freed by their address alone, which is why theirs comes from the heap.
+  // Null when memory is short. Fixed blocks are freed by their address alone, so their content is on the heap.
   static Data allocate(size_t bytes, bool zeroed, bool movable) {
     if (movable && bytes >= vorel::kLargeBytes) {
       const vorel::LargePiece piece = vorel::take_large(bytes, zeroed);
@@ -66,8 +66,8 @@ class Data {
 
 void free_data(void* bytes, size_t room) { const Data freed(bytes, room); }
 
-// The same content in memory of another size; new bytes are zero if asked for. Untouched zero pages cost nothing, which is why
-// growing is not left to realloc.
+// The same content in memory of another size; new bytes are zero if asked for. Untouched zero pages cost nothing, so growing
+// does not use realloc.
 Data moved_data(const void* data, size_t size, size_t bytes, bool zeroed, bool movable) {
   Data moved = Data::allocate(bytes, zeroed, movable);
   if (moved.get() != nullptr && data != nullptr) std::memcpy(moved.get(), data, std::min(size, bytes));
@@ -76,7 +76,7 @@ Data moved_data(const void* data, size_t size, size_t bytes, bool zeroed, bool m
 
 class Blocks {
  public:
-  // A block of so many bytes takes the data.
+  // A new block of so many bytes takes the data.
   HGLOBAL add(Data data, size_t bytes, bool movable) {
     HGLOBAL handle = movable ? add_movable(data.get(), bytes, data.room()) : add_fixed(data.get(), bytes);
     if (handle != nullptr) static_cast<void>(data.release());
@@ -133,7 +133,7 @@ class Blocks {
   HGLOBAL add_movable(void* data, size_t bytes, size_t room) {
     if (unused_.empty()) {
       if (movable_.size() >= kMostMovable) return nullptr;
-      if (unused_.capacity() <= movable_.size())  // giving an entry back must never need memory
+      if (unused_.capacity() <= movable_.size())  // freeing an entry must never need memory
         unused_.reserve(movable_.size() * 2 + 1);
       movable_.emplace_back();
       unused_.push_back(movable_.size() - 1);
@@ -202,7 +202,7 @@ class Blocks {
 
 std::mutex blocks_mutex;
 
-// Lives as long as the process: threads may outlast the static objects.
+// Lives as long as the process: threads may outlast static objects.
 Blocks& blocks() {
   static auto* const all = new Blocks;
   return *all;

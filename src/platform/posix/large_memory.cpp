@@ -10,8 +10,8 @@ namespace {
 
 constexpr size_t kPage = 4096, kHugePage = size_t{2} << 20;
 
-// The most that is kept, in bytes and pieces; a single piece may be larger. When the system is short of memory it may take the
-// pages of kept pieces back.
+// Limits of the kept pieces, in bytes and in number; a single piece may be larger. When memory is short the system may take
+// the pages of kept pieces back.
 constexpr size_t kMostKeptBytes = size_t{256} << 20;
 constexpr int kMostKept = 8;
 
@@ -25,7 +25,7 @@ void unmap(const LargePiece& piece) {
   if (piece.bytes != nullptr) munmap(mapping_of(piece), mapped_bytes(piece));
 }
 
-// Begins at a huge page, but for an offset that differs from piece to piece: equal addresses within a page slow down operations
+// Begins at a huge page plus an offset that differs from piece to piece: equal addresses within a page slow down operations
 // that go through several pieces at once.
 LargePiece map(size_t bytes, size_t offset) {
   const size_t length = rounded_up(offset + bytes, kPage), reserved = length + kHugePage;
@@ -40,10 +40,10 @@ LargePiece map(size_t bytes, size_t offset) {
   return {mapping + offset, length - offset};
 }
 
-// Pieces that were given back, the oldest first.
+// Pieces that were freed, the oldest first.
 class KeptPieces {
  public:
-  // The smallest one that is large enough, and not so large that much of it would lie idle.
+  // The smallest piece that is large enough, unless much of it would lie idle.
   LargePiece take(size_t bytes) {
     int best = -1;
     for (int i = 0; i < count_; ++i) {
@@ -54,7 +54,7 @@ class KeptPieces {
     return best < 0 ? LargePiece{} : remove(best);
   }
 
-  // Keeps a piece, the last one whatever its size; older ones that are too many with it are handed on to be unmapped.
+  // Keeps a piece, whatever its size; older ones that exceed the limits with it are passed on to be unmapped.
   template <class Unmap>
   void keep(const LargePiece& piece, Unmap unmap_piece) {
     while (count_ != 0 && (count_ == kMostKept || bytes_ + piece.room > kMostKeptBytes)) unmap_piece(remove(0));
@@ -98,7 +98,7 @@ LargePiece take_large(size_t bytes, bool zeroed) {
 }
 
 void give_back_large(const LargePiece& piece) {
-  // The contents may be lost from here on.
+  // The contents may be lost from now on.
   madvise(mapping_of(piece), mapped_bytes(piece), MADV_FREE);
   const std::lock_guard guard(kept_mutex);
   kept.keep(piece, unmap);

@@ -1,5 +1,5 @@
-// Memory for large blocks. It is mapped, with huge pages where the system has them, and kept for a while after it is freed: a new
-// page costs more than most operations on the pixels in it.
+// Memory for large blocks. It is mapped, with huge pages if the system has them, and kept for a while after it is freed: a
+// new page costs more than most operations on the pixels in it.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace vorel {
 
-// Smaller blocks come from the heap. With the address sanitizer all do, so that it sees their ends.
+// Smaller blocks are on the heap. With the address sanitizer all are, so that it sees their ends.
 #ifdef __SANITIZE_ADDRESS__
 inline constexpr size_t kLargeBytes = SIZE_MAX;
 #else
@@ -16,7 +16,7 @@ inline constexpr size_t kLargeBytes = size_t{4} << 20;
 
 struct LargePiece {
   uint8_t* bytes = nullptr;
-  size_t room = 0;  // at least as many as asked for
+  size_t room = 0;  // at least as many bytes as asked for
 };
 
 // Null when memory is short.

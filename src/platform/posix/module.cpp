@@ -18,7 +18,8 @@ void* load(const char* file_name, const FolderName& first) {
 
 std::string module_file_name(const char* name) { return std::string(name) + ".so"; }
 
-// The loader notes the folder when it loads; the name that it was given may be relative to a folder that is no longer current.
+// The loader records the folder at load time; the name that it was given may be relative to a folder that is no longer
+// current.
 FolderName folder_of_code(const void* address) {
   Dl_info details;
   link_map* loaded = nullptr;

@@ -26,7 +26,7 @@ std::string from_utf16(std::string_view bytes, size_t high_byte) {
     const auto byte = [&](size_t which) { return static_cast<uint8_t>(bytes[i * 2 + which]); };
     units[i] = static_cast<char16_t>(byte(high_byte) << 8 | byte(1 - high_byte));
   }
-  std::u8string text(units.size() * 3, u8'\0');  // no unit takes more
+  std::u8string text(units.size() * 3, u8'\0');  // the most that a unit takes
   std::mbstate_t state{};
   const char16_t* read_end = nullptr;
   char8_t* text_end = nullptr;
@@ -89,7 +89,7 @@ int number_in(std::string_view text) {
 
 }  // namespace
 
-// Comments need no handling: they become keys that nobody asks for.
+// Comments need no handling: they become keys that nobody reads.
 Profile::Profile(const std::string& path) : text_(decoded(read_whole(path))) {
   const std::string_view text = text_;
   Keys* keys = nullptr;  // of the section that the lines belong to, if it is the first of its name

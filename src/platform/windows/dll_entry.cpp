@@ -1,9 +1,9 @@
-// The entry point of every DLL that is built here: wraps the C runtime's.
+// The entry point of every DLL of this project: wraps the C runtime's.
 //
-// The compiler's own libraries are linked in, so each DLL has a copy of them. They take a thread-local-storage index and a
-// reserve of memory for exceptions and never give them back, as if a DLL stayed until its process ends. Codec modules come
-// and go with every picture: without this file a process runs out of indexes, of which it has 1,088, and ends with its thousandth
-// picture. Nor do these libraries know what to do without an index: they end the process. One is therefore reserved for them first.
+// The compiler's own libraries are linked in, so each DLL has a copy of them. They allocate a thread-local-storage index and
+// a memory reserve for exceptions and never free them, as if a DLL stayed loaded until its process ends. Codec modules are
+// loaded and unloaded with every picture: without this file a process runs out of its 1,088 indexes and ends at its
+// thousandth picture. These libraries also end the process if they get no index, so one is reserved for them first.
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -53,9 +53,9 @@ extern decltype(&take_index) const import_of_tls_alloc __asm__("__imp__TlsAlloc@
 extern decltype(&free_index) const import_of_tls_free __asm__("__imp__TlsFree@4") = free_index;
 }
 
-// Destructors of static objects are among what the runtime does, so that nothing of the DLL runs after it. A process that
-// ends takes everything with it, and its other threads may have been stopped anywhere. The system sends the detach notice after a
-// refused attach too.
+// Destructors of static objects run within the runtime's entry point, so nothing of the DLL runs after it. The end of a
+// process frees everything, and its other threads may have been stopped anywhere. The system also sends the detach notice
+// after a refused attach.
 extern "C" BOOL WINAPI enter_dll(HINSTANCE module, DWORD reason, LPVOID process_ends) {
   if (reason == DLL_PROCESS_ATTACH) attached = reserve_index();
   if (!attached) return FALSE;

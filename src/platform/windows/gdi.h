@@ -1,4 +1,4 @@
-// Owning types for GDI objects, device contexts and what is selected into them.
+// Owning types for GDI objects, device contexts and selections.
 #pragma once
 
 #include <utility>
@@ -82,7 +82,7 @@ class MemoryDc : public OwnedDc {
   explicit MemoryDc(HDC compatible_with) : OwnedDc(CreateCompatibleDC(compatible_with)) {}
 };
 
-// Keeps mapping, clipping, colours and modes of a context for a scope and brings them back, with the objects selected before.
+// Saves mapping, clipping, colours, modes and selected objects of a context for a scope and restores them.
 class [[nodiscard]] SavedDc {
  public:
   explicit SavedDc(HDC dc) : dc_(dc), level_(SaveDC(dc)) {}
@@ -97,7 +97,7 @@ class [[nodiscard]] SavedDc {
   int level_;
 };
 
-// Selects an object for a scope. Declared after context and object, so that it is undone before either goes.
+// Selects an object for a scope. Declared after context and object, so that it is undone before either is destroyed.
 class [[nodiscard]] Selection {
  public:
   Selection(HDC dc, HGDIOBJ object) : dc_(dc), previous_(SelectObject(dc, object)) {}
@@ -112,7 +112,7 @@ class [[nodiscard]] Selection {
   HGDIOBJ previous_;
 };
 
-// Whether a palette may take the screen's entries for itself, or has to do with what is there.
+// Whether a palette may take the screen's entries for itself, or is limited to the existing ones.
 enum class PaletteUse : BOOL { kForeground = FALSE, kBackground = TRUE };
 
 // Selects and realises a palette for a scope; without a palette it does nothing.

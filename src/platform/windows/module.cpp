@@ -10,7 +10,7 @@ HMODULE load(const std::string& file_name, const FolderName& first) {
   const bool is_there = !first.empty() && GetFileAttributesW(installed.c_str()) != INVALID_FILE_ATTRIBUTES;
   if (!is_there) return LoadLibraryA(file_name.c_str());
   return LoadLibraryExW(installed.c_str(), nullptr,
-                        LOAD_WITH_ALTERED_SEARCH_PATH);  // what it depends on comes from there too
+                        LOAD_WITH_ALTERED_SEARCH_PATH);  // its dependencies come from there too
 }
 
 HMODULE handle_of(void* module) { return static_cast<HMODULE>(module); }
@@ -25,7 +25,7 @@ FolderName folder_of_code(const void* address) {
                           static_cast<LPCSTR>(address), &module)) {
     return {};
   }
-  std::wstring path(32'768, L'\0');  // the longest there is
+  std::wstring path(32'768, L'\0');  // the longest possible
   path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
   return path.substr(0, path.find_last_of(L"\\/") + 1);
 }
