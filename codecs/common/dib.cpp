@@ -12,7 +12,7 @@ namespace {
 
 constexpr int64_t kMostPixels = std::numeric_limits<int32_t>::max();  // across or down
 
-// The modules' way to report what the library reports by a value.
+// Errors as the modules report them, where the library returns a value.
 template <class Value>
 Value value_of(vorel::Result<Value> result) {
   if (!result) fail(static_cast<ImgErrorCode>(result.error()));
@@ -83,7 +83,7 @@ bool is_gray_ramp(const SourceDib& dib) { return same_colors(dib.colors(), gray_
 
 void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t file_bytes) {
   constexpr uint64_t kAlwaysFine = uint64_t{256} << 20, kMostFileBytes = std::numeric_limits<int32_t>::max();
-  // No compression that is read here expands its bytes further, but for blank pages, which kAlwaysFine has room for.
+  // No supported compression expands its bytes further, except for blank pages, which fit kAlwaysFine.
   constexpr uint64_t kMostExpansion = 1'100;
   if (width <= 0 || height <= 0) fail(IMG_E_FORMAT);
   if (width > kMostPixels || height > kMostPixels) fail(IMG_E_MEMORY);

@@ -1,4 +1,4 @@
-// Packed DIBs as codec modules make and read them: 1, 4, 8 or 24 bits, uncompressed, with rows counted from the top.
+// Packed DIBs as codec modules create and read them: 1, 4, 8 or 24 bits, uncompressed, with rows counted from the top.
 #pragma once
 
 #include <cstddef>
@@ -39,12 +39,12 @@ constexpr int depth_for_colors(size_t count) { return count <= 2 ? 1 : count <= 
 struct Description {
   int64_t width = 0, height = 0;  // pixels
   int depth = 0;                  // bits per pixel: 1, 4, 8 or 24
-  Colors colors{};                // completed with black to as many as the depth has; none at 24 bits
+  Colors colors{};                // padded with black to the colours of the depth; none at 24 bits
   Resolution resolution{};
 };
 
-// Limits what a file may claim: a few hundred megabytes in any case, more only if the file is large too. A small file cannot take all
-// memory. Throws Failure for a picture without pixels and for one that is too large.
+// Limits what a file may claim: a few hundred megabytes in any case, more only if the file is large too, so that a small
+// file cannot take all memory. Throws Failure for a picture without pixels and for one that is too large.
 void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t file_bytes);
 
 // A DIB being loaded, zero-filled. Freed with its scope unless it is released.
@@ -73,7 +73,7 @@ class LoadedDib {
 // A DIB to be saved, locked for a scope.
 class SourceDib {
  public:
-  // Throws Failure. Bytes that the block is too short for read as zero.
+  // Throws Failure. Bytes that the block lacks read as zero.
   explicit SourceDib(HGLOBAL dib);
 
   int width() const { return header_.width; }
@@ -94,14 +94,14 @@ class SourceDib {
 };
 
 bool same_colors(const Colors& a, const Colors& b);
-// Whether the colour table has the greys of the depth in their order, so that pixels are brightness.
+// Whether the colour table has the greys of the depth in order, so that pixels are brightness values.
 bool is_gray_ramp(const SourceDib& dib);
 
-// A colour component that lies over white paper.
+// A colour component blended over white paper.
 constexpr uint8_t over_white(int value, int alpha) {
   return static_cast<uint8_t>((value * alpha + 255 * (255 - alpha) + 127) / 255);
 }
-// The same for a component that is multiplied by its alpha already.
+// The same for a component that is already multiplied by its alpha.
 constexpr uint8_t premultiplied_over_white(int value, int alpha) {
   return static_cast<uint8_t>(std::min(value + 255 - alpha, 255));
 }

@@ -13,7 +13,7 @@
 
 namespace codec {
 
-// Ends the work on one file. Must not pass through a codec library, which is C: callbacks catch their exceptions.
+// Aborts the work on one file. Must not pass through a codec library, which is C: callbacks catch their exceptions.
 struct Failure {
   ImgErrorCode status;
 };

@@ -22,8 +22,8 @@
 namespace codec {
 namespace {
 
-// The size of what is a file on disk. Asked for by its name, before it is opened, because opening a pipe would wait for its
-// writer. The name goes to the system as it came: std::filesystem would translate it, on Windows to a name of another file.
+// The size of a regular file. Queried by name before it is opened, because opening a pipe would wait for its writer. The
+// name goes to the system unchanged: std::filesystem would translate it, on Windows to another file's name.
 std::optional<uint64_t> size_of_file(const char* path) {
 #ifdef _WIN32
   struct _stat64 facts {};

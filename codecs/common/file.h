@@ -35,8 +35,8 @@ class InputFile {
   uint64_t size_ = 0;
 };
 
-// A file being written. Unless it is completed, its scope ends with the file as it was found: removed if it is new, cut back
-// if it was there and is being added to. A file that is replaced is lost.
+// A file being written. Unless it is completed, its scope restores the earlier state: a new file is removed, a file that was
+// being added to is cut back. A file that is replaced is lost.
 class OutputFile {
  public:
   enum class Mode { kReplace, kAdd };

@@ -65,7 +65,7 @@ Frame FrameFinder::read_descriptor() {
 
 void FrameFinder::read_extension() {
   const uint8_t function = source_.take_byte();
-  // A plain text extension takes the control block in front of it.
+  // A plain text extension consumes the control block in front of it.
   if (function == PLAINTEXT_EXT_FUNC_CODE) transparent_index_ = -1;
   if (function == GRAPHICS_EXT_FUNC_CODE) {
     const auto block = source_.take(source_.take_byte());

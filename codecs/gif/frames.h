@@ -1,4 +1,4 @@
-// The images of a GIF file, found without decoding any.
+// The images of a GIF file, located without decoding.
 #pragma once
 
 #include <cstddef>
@@ -36,7 +36,7 @@ class FrameFinder {
   std::span<const uint8_t> file_;
   ByteSource source_;
   size_t head_bytes_ = 0;
-  int transparent_index_ = -1;  // of the image to come
+  int transparent_index_ = -1;  // of the next image
 };
 
 }  // namespace codec::gif

@@ -13,8 +13,7 @@ struct Indexed {
   std::vector<uint8_t> indices;  // from the top row on, without padding
 };
 
-// A 24-bit picture: with its own colours if they are at most 256, else with 256 that giflib chooses.
-// Throws Failure.
+// A 24-bit picture: with its own colours if they are at most 256, else with 256 that giflib chooses. Throws Failure.
 Indexed indexed(const SourceDib& dib);
 
 }  // namespace codec::gif

@@ -13,7 +13,7 @@
 namespace codec::gif {
 namespace {
 
-// The excerpt of a file for giflib: its head, directly followed by one image.
+// An excerpt of a file for giflib: its head, directly followed by one image.
 struct Excerpt {
   std::span<const uint8_t> head, frame;
 };
@@ -47,7 +47,7 @@ class Decoder {
   // The picture's row that is the file's `i`th.
   int row(int i) const { return gif_->Image.Interlace ? interlaced_row(i, height()) : i; }
 
-  // Its own colours, or those of all images of the file.
+  // The image's own colours, or the global ones.
   Colors colors() const {
     const ColorMapObject* map = gif_->Image.ColorMap != nullptr ? gif_->Image.ColorMap : gif_->SColorMap;
     check(map != nullptr);

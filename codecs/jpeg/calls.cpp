@@ -18,7 +18,7 @@ bool loses_pixels(int warning) {
   }
 }
 
-// Levels below 0 are warnings. A file that ends within its pixels gives another warning as well.
+// Levels below 0 are warnings. A file that ends within its pixels also causes another warning.
 void take_message(j_common_ptr jpeg, int level) {
   if (level < 0 && jpeg->err->msg_code == JWRN_JPEG_EOF) static_cast<ErrorManager*>(jpeg->err)->has_no_end = true;
   if (level < 0 && loses_pixels(jpeg->err->msg_code)) leave(jpeg);

@@ -50,7 +50,7 @@ class Decompressor {
         done(y);
       }
       jpeg_finish_decompress(&jpeg_);
-      // Arithmetic code that breaks off reads as zeros, so that only the end marker shows whether it is complete.
+      // Truncated arithmetic code reads as zeros, so only the end marker shows whether it is complete.
       if (errors_.has_no_end && jpeg_.arith_code != FALSE) jpeg_.err->error_exit(reinterpret_cast<j_common_ptr>(&jpeg_));
     });
   }
@@ -69,7 +69,7 @@ class Decompressor {
     if (!came_through(errors_, calls)) fail(IMG_E_FORMAT);
   }
 
-  // Each scan goes over the whole picture, however few bytes it has in the file.
+  // Each scan covers the whole picture, however few bytes it has in the file.
   static void check_scans(j_common_ptr jpeg) {
     constexpr uint64_t kMostPixels = uint64_t{1} << 31;  // in all scans together
     constexpr uint64_t kAlwaysFine = 20, kMostScans = 100;
@@ -93,7 +93,7 @@ Resolution resolution_of(const jpeg_decompress_struct& header) {
   }
 }
 
-// The light that four inks leave. In files with Adobe's marker samples are light, not ink.
+// The light that four inks reflect. In files with Adobe's marker samples are light, not ink.
 void paint_inks(const uint8_t* samples, bool are_light, std::span<uint8_t> row) {
   const auto light = [&](int i) { return are_light ? samples[i] : 255 - samples[i]; };
   for (size_t x = 0; x + 3 <= row.size(); x += 3, samples += 4) {
@@ -112,7 +112,7 @@ void read_inks(Decompressor& jpeg, const LoadedDib& dib) {
       [&](int y) { paint_inks(samples.data(), are_light, dib.row_from_top(y).first(width * 3)); });
 }
 
-// Memory of libjpeg per pixel until the last scan: a coefficient of each component.
+// Bits of libjpeg's memory per pixel until the last scan: a coefficient of each component.
 int coefficient_bits(Decompressor& jpeg) { return jpeg.has_several_scans() ? jpeg.header().num_components * 16 : 0; }
 
 HGLOBAL load(const char* path) {

@@ -15,7 +15,7 @@ struct Density {
   int unit = 0, x = 1, y = 1;  // an aspect ratio only
 };
 
-// In dots per inch if that is exact, else per centimetre if that is, else the nearest dots per inch.
+// In dots per inch if that is exact, else per centimetre if that is exact, else the nearest dots per inch.
 Density density_of(Resolution resolution) {
   constexpr int kPerInch = 1, kPerCentimetre = 2;
   const auto per_centimetre = [](int per_metre) { return per_metre % 100 == 0 ? per_metre / 100 : 0; };
@@ -29,7 +29,7 @@ Density density_of(Resolution resolution) {
   return {};
 }
 
-// The rows of a DIB as the samples that are compressed: of one grey where all colours are grey, else of blue, green and red.
+// The rows of a DIB as samples for compression: one grey if all colours are grey, else blue, green and red.
 class Samples {
  public:
   explicit Samples(const SourceDib& dib) : dib_(dib) {

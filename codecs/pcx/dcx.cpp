@@ -42,7 +42,7 @@ DcxDirectory::Extent DcxDirectory::page(int number, uint64_t file_bytes) const {
 uint64_t DcxDirectory::free_entry() const {
   if (offsets_.size() == kMostPages) fail(IMG_E_PARAMETER);
   const uint64_t entry = sizeof kSignature + offsets_.size() * sizeof(uint32_t);
-  // Other programs may leave less room in front of their first page.
+  // Other programs may reserve less room in front of their first page.
   const auto first_page = std::ranges::min_element(offsets_);
   if (first_page != offsets_.end() && *first_page < entry + kEntryBytes) fail(IMG_E_PARAMETER);
   return entry;
@@ -60,7 +60,7 @@ void add_dcx_page(const char* path, const SourceDib& dib) {
   const DcxDirectory directory(InputFile(path).read(0, DcxDirectory::kBytes));
   const uint64_t entry = directory.free_entry();
   OutputFile file(path, OutputFile::Mode::kAdd);
-  // A file that has no pages yet gets room for a whole directory, in case it has less.
+  // A file without pages gets room for a whole directory, in case it has less.
   const uint64_t directory_end = directory.page_count() == 0 ? DcxDirectory::kBytes : entry + DcxDirectory::kEntryBytes;
   const uint64_t begin = std::max(file.found_size(), directory_end);
   if (begin > std::numeric_limits<uint32_t>::max()) fail(IMG_E_PARAMETER);

@@ -19,7 +19,7 @@ class DcxDirectory {
   // The signature, 1023 offsets and the 0 that ends them.
   static constexpr size_t kBytes = 4100;
 
-  // One more offset and the 0 that ends them: what is behind the last offset need not be 0.
+  // One more offset and the 0 that ends them: the bytes behind the last offset need not be 0.
   static constexpr size_t kEntryBytes = 8;
 
   // Takes the first kBytes of a file, or the whole file if it is shorter. Throws Failure.
@@ -27,17 +27,17 @@ class DcxDirectory {
 
   int page_count() const { return static_cast<int>(offsets_.size()); }
 
-  // The bytes of a page, which reach to where another begins or to the end of the file. Throws Failure.
+  // The bytes of a page, up to the start of another or to the end of the file. Throws Failure.
   Extent page(int number, uint64_t file_bytes) const;
 
-  // Where in the file kEntryBytes for one more page go. Throws Failure when there is no room.
+  // The offset of kEntryBytes for one more page. Throws Failure if there is no room.
   uint64_t free_entry() const;
 
  private:
   std::vector<uint32_t> offsets_;
 };
 
-// Throw Failure. A page that cannot be added whole is not added at all.
+// Throw Failure. A page that cannot be added in full is not added at all.
 void make_dcx(const char* path);
 void add_dcx_page(const char* path, const SourceDib& dib);
 

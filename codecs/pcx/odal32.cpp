@@ -13,7 +13,7 @@ codec::DcxDirectory directory_of(const codec::InputFile& file) {
   return codec::DcxDirectory(file.read(0, codec::DcxDirectory::kBytes));
 }
 
-// The header decides first whether the rest is worth its memory.
+// The header is checked before memory is allocated for the rest.
 HGLOBAL load_picture(const codec::InputFile& file, uint64_t offset, uint64_t size) {
   codec::check_pcx_start(file.read(offset, std::min<uint64_t>(size, sizeof(codec::PcxHeader))));
   return codec::read_pcx(file.read(offset, size));

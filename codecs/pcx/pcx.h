@@ -40,11 +40,11 @@ static_assert(sizeof(PcxHeader) == 128);
 // In front of the 256 colours that end a file of 8 bits.
 inline constexpr uint8_t kPcxTableMark = 12;
 
-// Bytes that two upper bits set mark as a count, which the byte to repeat follows.
+// Bytes with the two upper bits set are counts, followed by the byte to repeat.
 inline constexpr uint8_t kPcxRunMark = 0xC0;
 inline constexpr uint8_t kPcxLongestRun = 63;
 
-// Takes the start of a file, or of a page of one. Throws Failure unless it is a header of what read_pcx() reads.
+// Takes the start of a file, or of a page of one. Throws Failure unless read_pcx() supports the header.
 void check_pcx_start(std::span<const uint8_t> start);
 
 // Reads a file, or a page of one. Throws Failure.
@@ -55,7 +55,7 @@ class PcxWriter {
   // Throws Failure for a picture that the format cannot state.
   explicit PcxWriter(const SourceDib& dib);
 
-  // Writes where the file stands. Throws Failure.
+  // Writes at the file's position. Throws Failure.
   void write(const OutputFile& file) const;
 
  private:
@@ -65,7 +65,7 @@ class PcxWriter {
 
   const SourceDib& dib_;
   PcxHeader header_{};
-  uint8_t kept_bits_ = 0xFF, inversion_ = 0;  // what becomes of each byte of a row
+  uint8_t kept_bits_ = 0xFF, inversion_ = 0;  // mask and inversion applied to each byte of a row
 };
 
 }  // namespace codec

@@ -44,8 +44,8 @@ Colors colors_of(std::span<const PcxColor> stored) {
 
 bool is_black(const PcxColor& entry) { return entry.red == 0 && entry.green == 0 && entry.blue == 0; }
 
-// Versions 0 and 3 have no table, and one that is all black is none either: the picture is said to be grey, or has the
-// colours of the display adapters that the format was made for, in the order of their planes (blue, green, red, bright).
+// Versions 0 and 3 have no table, and an all-black table counts as none: the picture is marked as grey, or has the colours
+// of the display adapters that the format was made for, in the order of their planes (blue, green, red, bright).
 Colors sixteen_colors(const PcxHeader& header) {
   static constexpr PcxColor kStandard[] = {{0, 0, 0},     {0, 0, 170},    {0, 170, 0},    {0, 170, 170},
                                            {170, 0, 0},   {170, 0, 170},  {170, 85, 0},   {170, 170, 170},
@@ -57,8 +57,8 @@ Colors sixteen_colors(const PcxHeader& header) {
   return is_gray ? gray_ramp(header.plane_depth * header.planes) : colors_of(kStandard);
 }
 
-// Many programs leave a table in bi-level files that has nothing to do with them, or none. One that stops after two colours
-// was meant; otherwise 0 is black and 1 white.
+// Many programs leave an unrelated table in bi-level files, or none. A table that ends after two colours is intended;
+// otherwise 0 is black and 1 white.
 Colors two_colors(const PcxHeader& header) {
   const std::span<const PcxColor> table = header.colors;
   const auto two = table.first(2);
@@ -66,7 +66,7 @@ Colors two_colors(const PcxHeader& header) {
   return is_meant ? colors_of(two) : gray_ramp(1);
 }
 
-// Some programs put the picture's own size there.
+// Some programs store the picture's own size there.
 Resolution resolution_of(const PcxHeader& header) {
   const bool is_size = header.dpi_x == width_of(header) && header.dpi_y == height_of(header);
   return is_size && header.dpi_x != header.dpi_y ? Resolution{} : from_dpi(header.dpi_x, header.dpi_y);
@@ -82,7 +82,7 @@ Description description_of(const PcxHeader& header) {
   return picture;
 }
 
-// The bytes of all lines one after another. Runs may go on from one plane to the next and from one line to the next.
+// The bytes of all lines in sequence. Runs may cross planes and lines.
 class LineBytes {
  public:
   LineBytes(ByteSource source, bool is_compressed) : source_(source), is_compressed_(is_compressed) {}
@@ -123,7 +123,7 @@ class LineBytes {
   uint8_t value_ = 0;
 };
 
-// Eight bits as the lowest bits of eight 4-bit pixels, as they lie in memory.
+// Eight bits as the lowest bits of eight 4-bit pixels, in memory order.
 constexpr auto kSpread = [] {
   std::array<uint32_t, 256> table{};
   for (uint32_t byte = 0; byte < 256; ++byte)
@@ -131,7 +131,7 @@ constexpr auto kSpread = [] {
   return table;
 }();
 
-// A line of a picture as stored, its planes to be made a DIB's row.
+// A line of a picture as stored; its planes become a DIB's row.
 struct Line {
   const PcxHeader& header;
   std::span<const uint8_t> bytes;
@@ -175,9 +175,9 @@ void line_to_row(const Line& line, std::span<uint8_t> row) {
   std::ranges::copy(line.bytes.first((line.width() * line.header.plane_depth + 7) / 8), row.begin());
 }
 
-// The table stands right after the pixels or, where something is between them, ends the file. Some tables have the mark in
-// them, so the first place counts where both have it. Version 5 pictures of 8 bits that say that they are coloured have a
-// table; others without one are grey.
+// The table follows the pixels directly or, with other bytes between, ends the file. Some tables contain the mark, so the
+// first place wins where both have it. Version 5 pictures of 8 bits that are marked as coloured have a table; others without
+// one are grey.
 Colors colors_after_pixels(const PcxHeader& header, std::span<const uint8_t> rest) {
   constexpr size_t kColors = 256, kBytes = 1 + kColors * sizeof(PcxColor);
   std::array<PcxColor, kColors> table;
@@ -204,7 +204,7 @@ HGLOBAL read_pcx(std::span<const uint8_t> file) {
   const Description picture = description_of(header);
   LineBytes lines(source, header.encoding == PcxHeader::kRunLength);
   std::vector<uint8_t> bytes(size_t{header.planes} * header.plane_bytes);
-  // Whatever the header claims, no memory is taken that the file has no pixels for.
+  // Whatever the header claims, no memory is allocated without enough pixels in the file.
   if (!lines.can_give(uint64_t{bytes.size()} * static_cast<uint64_t>(picture.height))) fail(IMG_E_FORMAT);
 
   LoadedDib dib(picture);

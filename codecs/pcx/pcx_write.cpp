@@ -25,7 +25,7 @@ void append_runs(std::span<const uint8_t> plane, std::vector<uint8_t>& out) {
   }
 }
 
-// Two 4-bit pixels: their bits of plane 0 in the lowest byte, those of plane 1 in the next, and so on.
+// Two 4-bit pixels: their bits of plane 0 in the lowest byte, of plane 1 in the next, and so on.
 constexpr auto kGather = [] {
   std::array<uint32_t, 256> table{};
   for (uint32_t byte = 0; byte < 256; ++byte)
@@ -75,8 +75,8 @@ PcxWriter::PcxWriter(const SourceDib& dib) : dib_(dib) {
   if (has_bit_planes) suit_readers_without_tables();
 }
 
-// Many programs take 0 for black and 1 for white in bi-level files, whatever the table says, and a table that is all black
-// for none. Pixels of colours that are all alike become 0, or at 1 bit 1 if they are bright.
+// Many programs treat 0 as black and 1 as white in bi-level files, whatever the table says, and ignore an all-black table.
+// If all colours are alike, pixels become 0, or at 1 bit 1 if they are bright.
 void PcxWriter::suit_readers_without_tables() {
   const Colors& colors = dib_.colors();
   const bool are_alike = same_colors(colors, Colors(colors.size(), colors[0]));

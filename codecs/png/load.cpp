@@ -76,8 +76,7 @@ class Reader {
     if (!came_through(png_, calls)) fail(std::ferror(file_) != 0 ? IMG_E_FILE_IO : IMG_E_FORMAT);
   }
 
-  // Skips chunks that a DIB has no place for: profiles and gamma, which are not applied, and texts, which may
-  // unpack to any size.
+  // Skips chunks that a DIB cannot hold: profiles and gamma, which are not applied, and texts, which may unpack to any size.
   void limit() {
     constexpr png_uint_32 kMostChunks = 100;
     constexpr png_alloc_size_t kMostChunkBytes = 1 << 20;
@@ -132,7 +131,7 @@ Colors Reader::grays() const {
   Colors ramp = gray_ramp(bits());
   png_color_16p transparent = nullptr;
   png_get_tRNS(png_, info_, nullptr, nullptr, &transparent);
-  if (transparent != nullptr) ramp[transparent->gray % ramp.size()] = kWhite;  // only as many bits as a pixel has count
+  if (transparent != nullptr) ramp[transparent->gray % ramp.size()] = kWhite;  // only the bits of a pixel count
   return ramp;
 }
 

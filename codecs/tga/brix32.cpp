@@ -8,7 +8,7 @@
 CODEC_ENTRY HGLOBAL VORELCALL LoadTGAIntoDIB(LPCSTR path, int* status) {
   return codec::at_entry(status, [&] {
     const codec::InputFile file(path);
-    // The header decides first whether the rest is worth its memory.
+    // The header is checked before memory is allocated for the rest.
     codec::check_tga_start(file.read(0, sizeof(codec::TgaHeader)));
     return codec::read_tga(file.read_all());
   });

@@ -51,7 +51,7 @@ struct TgaExtension {
 #pragma pack(pop)
 static_assert(sizeof(TgaHeader) == 18 && sizeof(TgaFooter) == 26 && sizeof(TgaExtension) == 495);
 
-// A packet is a count byte, then one pixel to repeat or as many literal pixels.
+// A packet is a count byte, then one pixel to repeat or that many literal pixels.
 inline constexpr uint8_t kTgaRunMark = 0x80;
 inline constexpr size_t kTgaLongestPacket = 128;
 

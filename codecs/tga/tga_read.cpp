@@ -58,7 +58,7 @@ uint8_t component_over_white(int value, int alpha, Alpha meaning) {
   return meaning == Alpha::kPremultiplied ? premultiplied_over_white(value, alpha) : over_white(value, alpha);
 }
 
-// A colour of a map or a pixel: bytes of blue, green, red and alpha, or five bits each and at 16 bits one of alpha.
+// A colour of a map or a pixel: bytes of blue, green, red and alpha, or five bits each with, at 16 bits, one of alpha.
 Rgb opaque_color_at(const uint8_t* bytes, int depth) {
   if (depth >= 24) return color(bytes[2], bytes[1], bytes[0]);
   const int word = bytes[0] | bytes[1] << 8;
@@ -106,7 +106,7 @@ class PixelBytes {
 
   struct Stretch {
     std::span<const uint8_t> stored;  // the one pixel of a run, or all pixels
-    size_t bytes;                     // of the pixels that it gives
+    size_t bytes;                     // of the pixels that the stretch yields
   };
 
   // The next pixels of a packet, at most `most` bytes.
@@ -160,7 +160,7 @@ bool any_entry(std::span<const uint8_t> entries, size_t entry_bytes, Test test) 
   return false;
 }
 
-// Looks at pixels as they are stored, so that long runs cost no more than short ones.
+// Tests pixels as they are stored, so that long runs cost no more than short ones.
 template <class Test>
 bool any_pixel(const Picture& picture, Test test) {
   PixelBytes pixels = picture.reader();
@@ -191,7 +191,7 @@ Picture parse(std::span<const uint8_t> file) {
   source.take(header.name_bytes);
   const auto map = source.take(header.has_map == 1 ? header.map_count * bytes_for(header.map_depth) : 0);
   Picture picture{header, alpha_of(header, file), map, source.rest()};
-  // Whatever the header claims, no memory is taken that the file has no pixels for.
+  // Whatever the header claims, no memory is allocated without enough pixels in the file.
   if (!picture.reader().can_give(uint64_t{header.width} * header.height)) fail(IMG_E_FORMAT);
   // A fully transparent picture is never intended: some programs leave the alpha bytes 0.
   if (picture.alpha != Alpha::kIgnored && !any_alpha(picture)) picture.alpha = Alpha::kIgnored;

@@ -49,7 +49,7 @@ TgaWriter::TgaWriter(const SourceDib& dib, bool is_compressed) : dib_(dib) {
   const bool is_gray = dib.depth() == 8 && is_gray_ramp(dib);
   const bool is_indexed = dib.depth() <= 8 && !is_gray;
   const int kind = is_indexed ? TgaHeader::kIndexed : is_gray ? TgaHeader::kGray : TgaHeader::kColor;
-  // Format detection takes packets and a map together for a metafile.
+  // Format detection recognises packets together with a map as a metafile.
   const bool has_packets = is_compressed && !is_indexed;
   header_.kind = static_cast<uint8_t>(kind | (has_packets ? TgaHeader::kRunLength : 0));
   header_.has_map = is_indexed ? 1 : 0;
@@ -76,7 +76,7 @@ void TgaWriter::write_rows(const OutputFile& file) const {
   const size_t pixel_bytes = header_.depth / 8u;
   std::vector<uint8_t> row(header_.width * pixel_bytes), packets;
   for (int y = dib_.height() - 1; y >= 0; --y) {
-    unpack_indices(dib_.row_from_top(y), std::min(dib_.depth(), 8), row);  // bytes of 24-bit pixels are copied like indices
+    unpack_indices(dib_.row_from_top(y), std::min(dib_.depth(), 8), row);  // 24-bit pixels are copied as bytes, like indices
     packets.clear();
     if (header_.is_compressed()) append_packets(row, pixel_bytes, packets);
     file.write(header_.is_compressed() ? packets : row);

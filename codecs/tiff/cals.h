@@ -1,4 +1,4 @@
-// CALS raster files, type 1: a header of text, then one picture as Group 4 data.
+// CALS raster files, type 1: a text header, then one picture as Group 4 data.
 #pragma once
 
 #include <cstdint>

@@ -59,7 +59,7 @@ void for_each_number(std::span<const uint8_t> bytes, const SampleLayout& layout,
 
 uint8_t placed(double number, const Range& range) {
   const double share = (number - range.low) / (range.high - range.low);
-  return share > 0 ? static_cast<uint8_t>(std::min(share, 1.0) * 255 + 0.5) : 0;  // 0 for what is no number
+  return share > 0 ? static_cast<uint8_t>(std::min(share, 1.0) * 255 + 0.5) : 0;  // 0 for NaN
 }
 
 // Combines each value with every channel of its pixel.

@@ -23,7 +23,7 @@ class Numbers {
   uint64_t first_link() const { return is_large_ ? 8 : 4; }
   std::optional<uint64_t> directory_at(uint64_t link) const { return number(link, is_large_ ? 8 : 4); }
 
-  // Where the link to the directory after this one is. None for a directory that is none.
+  // The offset of the link to the next directory. None if the directory is invalid.
   std::optional<uint64_t> link_after(uint64_t directory) const {
     constexpr uint64_t kMostEntries = 65'535;
     const size_t count_bytes = is_large_ ? 8 : 2;

@@ -6,7 +6,7 @@
 namespace codec {
 namespace {
 
-// Adds the mark, a bit of 1, behind each end-of-line code: eleven zeros or more and a 1.
+// Adds the mark, a 1 bit, behind each end-of-line code: eleven zeros or more and a 1.
 std::vector<uint8_t> with_row_marks(std::span<const uint8_t> data) {
   constexpr int kZeros = 11;
   std::vector<uint8_t> marked;

@@ -36,8 +36,8 @@ toff_t seek(thandle_t handle, toff_t offset, int origin) {
 
 int close(thandle_t /*handle*/) { return 0; }
 
-// The row of a strip that a message of the Group 4 decoder says is not whole. A row that is ended before its first pixel is
-// none: that is how data says that it ends.
+// The row of a strip that a message of the Group 4 decoder reports as incomplete. A row that ends before its first pixel
+// does not count: it marks the end of the data.
 std::optional<unsigned> broken_row(const char* message) {
   unsigned row = 0, pixels = 0;
   for (const char* text :
@@ -49,8 +49,8 @@ std::optional<unsigned> broken_row(const char* message) {
   return std::nullopt;
 }
 
-// Whether rows are missing that the data was still to give. Once it has said that it ends, the decoder counts fewer rows than
-// are read, and complains about each.
+// Whether rows are missing before the end of the data. Past an end mark the decoder counts fewer rows than are read, and
+// complains about each.
 bool is_before_end(TIFF* tiff, unsigned row) {
   if (TIFFIsTiled(tiff) != 0) return true;
   uint32_t rows_per_strip = 0;
@@ -58,8 +58,8 @@ bool is_before_end(TIFF* tiff, unsigned row) {
   return rows_per_strip != 0 && TIFFCurrentRow(tiff) % rows_per_strip == row;
 }
 
-// Losses that only a message tells: the library goes on with white for pixels of Group 4 data, with grey for colours, and without tags
-// that it has no memory for.
+// Losses that only a message reports: the library continues with white for pixels of Group 4 data, with grey for colours,
+// and without tags that it has no memory for.
 bool tells_loss(TIFF* tiff, std::string_view module, const char* message) {
   const std::string_view text = message;
   if (module == "TIFFReadDirectory" || module == "TIFFFetchNormalTag")
@@ -69,18 +69,18 @@ bool tells_loss(TIFF* tiff, std::string_view module, const char* message) {
   return row && is_before_end(tiff, *row);
 }
 
-// Whether the library is about to lose its list of tags. Without one, at the start, it fails as it should.
+// Whether the library is about to lose its list of tags. Without a list from the start it fails as it should.
 bool loses_tags(TIFF* tiff, std::string_view message) {
   return message.find("fields array") != std::string_view::npos &&
          TIFFFindField(tiff, TIFFTAG_IMAGEWIDTH, TIFF_ANY) != nullptr;
 }
 
-// Whether libjpeg has no memory for its decoder. The library calls it all the same.
+// Whether libjpeg has no memory for its decoder, which the library calls all the same.
 bool lacks_decoder(std::string_view module, std::string_view message) {
   return module == "JPEGLib" && message.starts_with("Insufficient memory");
 }
 
-// All other messages are ignored: the library's results tell failures.
+// All other messages are ignored: the library's results report failures.
 int take_message(TIFF* tiff, void* client, const char* module_name, const char* format, va_list values) {
   const std::string_view module = module_name != nullptr ? module_name : "";
   std::array<char, 200> message{};

@@ -1,4 +1,5 @@
-// libtiff over bytes of ours: silent, strict about losses, and with limits on the memory that a file can make it allocate.
+// libtiff over our own byte sources: silent, strict about losses, and with limits on the memory that a file can make it
+// allocate.
 #pragma once
 
 #include <csetjmp>
@@ -24,7 +25,7 @@ class TiffHandle {
     return TIFFGetFieldDefaulted(get(), tag, &value) != 0 ? value : otherwise;
   }
 
-  // Throws Failure unless the library succeeded, and without loss.
+  // Throws Failure unless the library succeeded without loss.
   void check(bool succeeded) const {
     if (!succeeded || client_->has_loss || client_->ran_out_of_runs)
       fail(client_->bytes.failed() ? IMG_E_FILE_IO : IMG_E_FORMAT);
@@ -33,9 +34,10 @@ class TiffHandle {
   // Whether a row of one-dimensional Group 3 data had more runs than the library has room for.
   bool ran_out_of_runs() const { return client_->ran_out_of_runs; }
 
-  // Makes calls in which the library would crash where memory is short: those that set tags, read or write a directory, or decode. It
-  // loses its list of tags, or does without a decoder, and uses them nevertheless. Such calls are left by a jump, so that nothing in
-  // `calls` may have a destructor; a block that only the library knew of may stay behind. Throws Failure unless `calls` returns true.
+  // Makes calls in which the library would crash when memory is short: calls that set tags, read or write a directory, or
+  // decode. It loses its list of tags, or lacks a decoder, and uses them nevertheless. A jump leaves these calls, so nothing
+  // in `calls` may have a destructor; a block that only the library knew of may leak. Throws Failure unless `calls` returns
+  // true.
   template <class Calls>
   void run(Calls calls) const {
     bool succeeded = false;
@@ -50,11 +52,11 @@ class TiffHandle {
     bool ran_out_of_runs = false;
     std::jmp_buf landing{};
     bool can_land = false;
-    TIFF* left = nullptr;  // the library's handle when its calls were left
+    TIFF* left = nullptr;  // the library's handle after a jump
   };
 
  private:
-  // Writes nothing: a finished file is complete before.
+  // Writes nothing: a finished file is already complete.
   struct Close {
     void operator()(TIFF* tiff) const {
       TIFFSetMode(tiff, O_RDONLY);

@@ -6,7 +6,7 @@
 namespace codec {
 namespace {
 
-// From CIE 1976: the share of the illuminant that an intermediate value stands for.
+// From CIE 1976: the share of the illuminant for an intermediate value.
 double share(double value) {
   constexpr double kLinearUpTo = 6.0 / 29;
   return value > kLinearUpTo ? value * value * value : 3 * kLinearUpTo * kLinearUpTo * (value - 4.0 / 29);
@@ -18,15 +18,15 @@ constexpr double fifth_root(double value) {
   return root;
 }
 
-// The light that a value from 0 to 1 stands for, from IEC 61966-2-1.
+// The light of a value from 0 to 1, from IEC 61966-2-1.
 constexpr double gamma_decoded(double value) {
   if (value <= 0.04045) return value / 12.92;
   const double base = (value + 0.055) / 1.055, root = fifth_root(base);
   return base * base * root * root;  // to the power of 2.4
 }
 
-// Where the light begins that each level but the first stands for. Basic arithmetic makes this table, and all that is left to
-// do is to compare: the C library's powers may differ in their last bits.
+// The least light of each level but the first. Basic arithmetic makes this table, and conversion only compares: the C
+// library's powers may differ in their last bits.
 constexpr auto kFirstLights = [] {
   std::array<double, 255> lights{};
   for (size_t i = 0; i < lights.size(); ++i) lights[i] = gamma_decoded((static_cast<double>(i) + 0.5) / 255);
@@ -40,7 +40,7 @@ uint8_t gamma_encoded(double light) {
 }  // namespace
 
 void lab_to_true_color(std::span<uint8_t> pixels) {
-  // XYZ of the screen's illuminant, and the way from there to its three lights: blue, green, red.
+  // XYZ of the screen's illuminant, and the matrix from there to its three lights: blue, green, red.
   constexpr std::array<double, 3> kWhite = {0.950456, 1, 1.088754};
   constexpr double kLights[3][3] = {
       {0.0556434, -0.2040259, 1.0572252}, {-0.9692660, 1.8760108, 0.0415560}, {3.2404542, -1.5371385, -0.4985314}};

@@ -15,7 +15,7 @@ Resolution resolution_of(const TiffHandle& tiff) {
   return from_dpi(tiff.tag<float>(TIFFTAG_XRESOLUTION, 0) * per_inch, tiff.tag<float>(TIFFTAG_YRESOLUTION, 0) * per_inch);
 }
 
-// Some scanners leave it out.
+// Some scanners omit it.
 uint16_t photometric_of(const TiffHandle& tiff, unsigned samples) {
   const auto compression = tiff.tag<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
   const bool is_fax = compression >= COMPRESSION_CCITTRLE && compression <= COMPRESSION_CCITTFAX4;
@@ -24,11 +24,11 @@ uint16_t photometric_of(const TiffHandle& tiff, unsigned samples) {
                                                               : PHOTOMETRIC_MINISBLACK);
 }
 
-// Colours have 16 bits per component, but for files of writers that put 8 there.
+// Colours have 16 bits per component, except from writers that store 8 there.
 Colors colors_of(const TiffHandle& tiff, unsigned bits) {
   std::array<uint16_t*, 3> maps{};
   tiff.check(TIFFGetField(tiff.get(), TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 0);
-  if (std::ranges::count(maps, nullptr) != 0) fail(IMG_E_MEMORY);  // the library had none for them
+  if (std::ranges::count(maps, nullptr) != 0) fail(IMG_E_MEMORY);  // the library had no memory for them
   const size_t count = size_t{1} << bits;
   const bool has_bytes = std::ranges::all_of(
       maps, [&](const uint16_t* map) { return std::all_of(map, map + count, [](int v) { return v < 256; }); });
@@ -40,7 +40,7 @@ Colors colors_of(const TiffHandle& tiff, unsigned bits) {
 
 bool is_color(Rgb color, int level) { return color.red == level && color.green == level && color.blue == level; }
 
-// The values of a component of so many bits, stretched to 0 up to `last`, or down from there.
+// The values of a component of so many bits, stretched to 0 up to `last`, or reversed.
 std::array<uint8_t, 256> stretched(unsigned bits, int last, bool is_reversed = false) {
   std::array<uint8_t, 256> values{};
   const int count = 1 << std::min(bits, 8u);
@@ -51,7 +51,7 @@ std::array<uint8_t, 256> stretched(unsigned bits, int last, bool is_reversed = f
   return values;
 }
 
-// Adds the first sample that says how much of the paper a pixel covers, if there is one.
+// Adds the first sample that gives a pixel's coverage of the paper, if there is one.
 void add_coverage(const TiffHandle& tiff, TiffPage& page) {
   uint16_t count = 0;
   const uint16_t* kinds = nullptr;
@@ -83,7 +83,7 @@ void plan_palette(const TiffHandle& tiff, TiffPage& page) {
   add_coverage(tiff, page);
   if (has_coverage(page)) page.components[0].action = Action::kLookUp;
   page.picture.depth = has_coverage(page) ? 24 : depth_for_colors(page.colors.size());
-  // Black and white come the usual way round.
+  // Black and white get the usual order.
   const bool is_reversed = page.bits == 1 && is_color(page.colors[0], 255) && is_color(page.colors[1], 0);
   if (is_reversed) std::swap(page.colors[0], page.colors[1]);
   page.picture.colors = page.colors;
@@ -113,7 +113,7 @@ void plan_inks(const TiffHandle& tiff, TiffPage& page) {
   add_coverage(tiff, page);
 }
 
-// The a* and b* are signed numbers, or count from -128 as ICC profiles have it.
+// The a* and b* are signed numbers, or count from -128 as in ICC profiles.
 void plan_lab(TiffPage& page, bool counts_from_lowest) {
   if (page.samples < 3 || (page.bits != 8 && page.bits != 16)) fail(IMG_E_FORMAT);
   page.is_lab = true;
@@ -123,7 +123,7 @@ void plan_lab(TiffPage& page, bool counts_from_lowest) {
     for (uint8_t& value : page.components[sample].values) value ^= 0x80;
 }
 
-// The JPEG codec knows how to make RGB of its own colours; others are left to the library's conversion.
+// The JPEG codec converts its own colours to RGB; others are left to the library's conversion.
 void plan_luminance(const TiffHandle& tiff, TiffPage& page) {
   const auto compression = tiff.tag<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
   page.picture.depth = 24;
@@ -176,7 +176,7 @@ void plan_samples(const TiffHandle& tiff, TiffPage& page) {
   page.range = stated_range(tiff);
 }
 
-// Tiles decode whole, however little of them is in the picture.
+// Tiles decode in full, even if little of them is in the picture.
 void check_size(const TiffPage& page, uint64_t file_bytes) {
   constexpr unsigned kMostBits = 1 << 24;
   const unsigned converted_bits = page.components.empty() ? 32 : static_cast<unsigned>(page.picture.depth);
@@ -191,7 +191,7 @@ void check_size(const TiffPage& page, uint64_t file_bytes) {
   if (page.tile_width < page.picture.width && page.tile_width % 8 != 0 && page.picture.depth < 8) fail(IMG_E_FORMAT);
 }
 
-// Strips and tiles may share bytes, but a small file that has very many of the same long one would take hours.
+// Strips and tiles may share bytes, but a small file with very many references to one long strip would take hours.
 void check_data(const TiffHandle& tiff, const TiffPage& page, uint64_t file_bytes) {
   constexpr uint64_t kAlwaysFine = uint64_t{16} << 20, kMostUses = 64, kMostFileBytes = uint64_t{1} << 56;
   uint64_t rest = kAlwaysFine + kMostUses * std::min(file_bytes, kMostFileBytes);

@@ -14,13 +14,13 @@ struct TiffPage {
   Description picture;  // of the DIB, before the page is turned
   int orientation = 1;
   unsigned bits = 0, samples = 0;
-  bool has_planes = false;  // each sample of its own
+  bool has_planes = false;  // a plane for each sample
   bool has_tiles = false;
   SampleKind kind = SampleKind::kCount;
   std::optional<Range> range;  // of numbers, where the page states it
   bool is_lab = false;         // once assembled, pixels are still b*, a*, L*
   uint32_t tile_width = 0, tile_height = 0;
-  // Empty where the library converts the colours.
+  // Empty if the library converts the colours.
   std::vector<Component> components;
   Colors colors;  // of a picture with a colour table
 
@@ -28,7 +28,7 @@ struct TiffPage {
   unsigned samples_in_plane() const { return has_planes ? 1 : samples; }
 };
 
-// Throws Failure for an unsupported variant, and for a page that claims more than a file of so many bytes may.
+// Throws Failure for an unsupported variant, and for a page that claims more than a file of this size may.
 TiffPage read_tags(const TiffHandle& tiff, uint64_t file_bytes);
 
 }  // namespace codec

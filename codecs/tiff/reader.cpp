@@ -16,7 +16,7 @@
 namespace codec {
 namespace {
 
-// Without memory for them the library forgets the tables, but not that there are some.
+// When memory for them is short the library forgets the tables, but not their presence.
 void check_jpeg_tables(const TiffHandle& tiff) {
   uint32_t count = 0;
   const void* tables = nullptr;
@@ -40,7 +40,7 @@ TiffHandle open_page(Bytes& bytes, int page) {
 
 enum class Finish { kNone, kComplement, kSwapChannels };
 
-// The last step for rows that are decoded right into the DIB. None where samples must be extracted.
+// The last step for rows that are decoded directly into the DIB. None if samples must be extracted.
 std::optional<Finish> finish_of_plain_rows(const TiffPage& page) {
   const bool is_reversed = page.components[0].values[0] != 0;
   if (page.kind != SampleKind::kCount || page.has_tiles ||
@@ -71,7 +71,7 @@ void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish
 
 // ---- Rows and tiles whose samples are extracted ----
 
-// Where decoded rows go: each is given with its plane, its place and its length.
+// The destination of decoded rows: each is given with its plane, its place and its length.
 class RowSink {
  public:
   explicit RowSink(const TiffPage& page) : page_(page) {}
@@ -104,12 +104,12 @@ class RowSink {
   const TiffPage& page_;
 };
 
-// Finds the smallest and the largest number that a colour has.
+// Finds the smallest and the largest number of the colours.
 class Measurement : public RowSink {
  public:
   using RowSink::RowSink;
 
-  // Floating-point pages within 0 and 1 count from 0 to 1, all others from their smallest number to their largest.
+  // Floating-point pages within 0 and 1 range from 0 to 1, all others from their smallest number to their largest.
   Range range() const {
     const bool is_share = page_.kind == SampleKind::kFloat && found_.low >= 0 && found_.high <= 1;
     return is_share ? Range{} : found_;
@@ -146,7 +146,7 @@ class Assembly : public RowSink {
   std::vector<uint8_t> values_;
 };
 
-// A buffer for so many pixels in a row of a plane, of the size that the library says.
+// A buffer for so many pixels in a row of a plane, of the size that the library states.
 std::vector<uint8_t> sample_buffer(const TiffPage& page, int64_t pixels, tmsize_t row_bytes, tmsize_t bytes) {
   const uint64_t needed = (static_cast<uint64_t>(pixels) * page.bits * page.samples_in_plane() + 7) / 8;
   if (row_bytes <= 0 || bytes < row_bytes || static_cast<uint64_t>(row_bytes) < needed) fail(IMG_E_FORMAT);
@@ -192,7 +192,7 @@ void read_samples(const TiffHandle& tiff, const TiffPage& page, RowSink& sink) {
   page.has_tiles ? read_tiles(tiff, page, sink) : read_rows(tiff, page, sink);
 }
 
-// The range of numbers that the page does not state takes a pass over it.
+// A range of numbers that the page does not state takes a pass over it.
 Range range_of(const TiffHandle& tiff, const TiffPage& page) {
   if (page.kind == SampleKind::kCount) return {};
   if (page.range) return *page.range;

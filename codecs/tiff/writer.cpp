@@ -67,10 +67,10 @@ void set_colors(const TiffHandle& tiff, const Colors& colors) {
   set(tiff, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data());
   std::array<uint16_t*, 3> copies{};
   TIFFGetField(tiff.get(), TIFFTAG_COLORMAP, &copies[0], &copies[1], &copies[2]);
-  if (std::ranges::count(copies, nullptr) != 0) fail(IMG_E_MEMORY);  // the library does not say so
+  if (std::ranges::count(copies, nullptr) != 0) fail(IMG_E_MEMORY);  // the library does not report it
 }
 
-// A row as it is encoded: complemented where asked for, channels in the file's order.
+// A row as it is encoded: complemented if requested, channels in the file's order.
 void encode_row(std::span<const uint8_t> source, const SourceDib& dib, const Encoding& encoding, std::vector<uint8_t>& row) {
   row.assign(source.begin(), source.end());
   if (dib.depth() == 24) swap_red_and_blue(row, dib.width());
@@ -112,13 +112,13 @@ void set_tags(const TiffHandle& tiff, const SourceDib& dib, const Encoding& enco
   if (encoding.photometric == PHOTOMETRIC_YCBCR) set(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
   if (encoding.photometric == PHOTOMETRIC_PALETTE) set_colors(tiff, dib.colors());
   if (encoding.predictor != PREDICTOR_NONE) set(tiff, TIFFTAG_PREDICTOR, encoding.predictor);
-  // The encoder that every build of libtiff has, so that all of our builds write the same bytes.
+  // The encoder that every build of libtiff has, so that all builds write the same bytes.
   if (encoding.compression == COMPRESSION_ADOBE_DEFLATE) set(tiff, TIFFTAG_DEFLATE_SUBCODEC, DEFLATE_SUBCODEC_ZLIB);
   set_resolution(tiff, dib.resolution());
 }
 
-// The file being written. Where a page is added, the one change to what was there, the link to the new page, is held back until
-// the page is written.
+// The file being written. When a page is added, the only change to existing bytes, the link to the new page, is held back
+// until the page is written.
 class PageBytes : public Bytes {
  public:
   explicit PageBytes(OutputFile& file) : file_(file), size_(file.found_size()) {}
@@ -166,7 +166,7 @@ class PageBytes : public Bytes {
   bool failed_ = false;
 };
 
-// The library states these numbers by itself. Without memory for them it forgets them, but not that there are some.
+// The library states these numbers by itself. When memory for them is short it forgets them, but not their presence.
 void check_black_and_white(const TiffHandle& tiff, const Encoding& encoding) {
   const float* levels = nullptr;
   const bool has_levels =

@@ -18,7 +18,7 @@ struct Encoding {
 // `compression` is the TIFF number, or 0 for the default. Throws Failure if it does not suit the picture.
 Encoding encoding_for(const SourceDib& dib, int compression);
 
-// One strip of bits in which black is 1, as fax machines have it.
+// One strip of bits in which black is 1, as in fax data.
 Encoding group4_encoding(const SourceDib& dib);
 
 // Does not write the directory. Throws Failure.

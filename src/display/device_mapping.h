@@ -20,7 +20,7 @@ inline Box client_of(HWND window) {
   return box_of(client);
 }
 
-// Back to pixels as units.
+// Resets the units to pixels.
 inline void unmap(HDC dc) {
   SetMapMode(dc, MM_TEXT);
   SetWindowOrgEx(dc, 0, 0, nullptr);

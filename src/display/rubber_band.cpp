@@ -86,8 +86,8 @@ Box client_at_ratio_one(ImgDisplayLayout layout) {
 
 constexpr UINT kPositionedByZoom = 0x04;
 
-// Takes the new ratio over into the state. The fit options are cleared only after the new mapping is made, so for a fitted
-// image the corner follows from the fitted size. This quirk is kept: callers see the result.
+// Copies the new ratio into the state. The fit options are cleared only after the new mapping is made, so for a fitted image
+// the corner follows from the fitted size. This quirk is kept: callers see the result.
 void recentre(Point device_point, ImgZoomTracker& tracker, ImgDisplayLayout& layout) {
   const Point point = set_up_mapping(layout, Offsets::kKeep).to_logical(device_point);
   layout.zoomViewportX = tracker.resultViewportX;
@@ -151,7 +151,7 @@ Point mouse_of(const MSG& message) {
 
 void draw_rectangle(HDC dc, Point a, Point b) { Rectangle(dc, a.x, a.y, b.x, b.y); }
 
-// The thread's next mouse message; none if the application quits. Looks before it waits: WaitMessage returns for new
+// The thread's next mouse message; none if the application quits. Peeks before it waits: WaitMessage returns for new
 // messages only.
 std::optional<MSG> next_mouse_message() {
   constexpr UINT kFirstOfMouse = WM_MOUSEFIRST, kLastOfMouse = WM_MBUTTONDBLCLK;
@@ -159,7 +159,7 @@ std::optional<MSG> next_mouse_message() {
   while (!PeekMessageA(&message, nullptr, kFirstOfMouse, kLastOfMouse, PM_REMOVE))
     if (!WaitMessage()) return std::nullopt;
   if (message.message != WM_QUIT) return message;
-  PostQuitMessage(static_cast<int>(message.wParam));  // for the loop of the application
+  PostQuitMessage(static_cast<int>(message.wParam));  // for the application's loop
   return std::nullopt;
 }
 

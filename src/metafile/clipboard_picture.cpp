@@ -55,7 +55,7 @@ Result<OwnedBitmap> draw_clipboard_picture(HWND owner) {
   }
   const auto picture = picture_on_clipboard();
   if (!picture) return Error::kMemory;
-  // A metafile that cannot be played is drawn as nothing.
+  // A metafile that cannot be played draws nothing.
   const auto metafile = OwnedMetafile::playable_copy(picture->hMF);
   auto bitmap = draw_metafile(metafile ? metafile->get() : nullptr, size_in(owner, *picture), MetafileKind::kWindows);
   clipboard.reset();  // other programs need not wait for the message to be read

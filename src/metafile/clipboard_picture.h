@@ -5,8 +5,8 @@
 
 namespace vorel::metafile {
 
-// Draws it at the resolution of a window, which opens the clipboard. Message boxes tell that the clipboard cannot be opened and
-// that the picture cannot be drawn.
+// Draws it at the resolution of a window, which opens the clipboard. Message boxes report a clipboard that cannot be opened
+// and a picture that cannot be drawn.
 Result<OwnedBitmap> draw_clipboard_picture(HWND owner);
 
 }  // namespace vorel::metafile

@@ -16,11 +16,11 @@ enum class MetafileKind { kWindows, kEnhanced };
 // A metafile of either kind, deleted with its scope.
 class OwnedMetafile {
  public:
-  // Makes one of a file's bytes, of which it changes some. None where nothing can be played or the system takes none.
+  // Makes one from a file's bytes, some of which it changes. None if nothing can be played or the system accepts none of it.
   //   bytes    a Windows metafile, and kRoomBehindRecords bytes behind it; or an enhanced one
   static std::optional<OwnedMetafile> make(std::span<uint8_t> bytes, MetafileKind kind);
 
-  // The part of a Windows metafile that can be played. None for what is no metafile.
+  // The part of a Windows metafile that can be played. None for anything but a metafile.
   static Result<OwnedMetafile> playable_copy(HMETAFILE metafile);
 
   OwnedMetafile(OwnedMetafile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)), kind_(other.kind_) {}
@@ -37,11 +37,11 @@ class OwnedMetafile {
   MetafileKind kind_;
 };
 
-// The screen that the active window is on.
+// The resolution of the active window's screen.
 Resolution screen_resolution();
 
-// Draws a metafile, whoever it belongs to, on a white bitmap. Where that is too large, half its size is tried, and so on: it then
-// shows the upper left part of the picture, which keeps its size.
+// Draws a metafile of any owner on a white bitmap. If that is too large, half its size is tried, and so on: it then shows
+// the upper left part of the picture, which keeps its size.
 Result<OwnedBitmap> draw_metafile(HANDLE metafile, Size size, MetafileKind kind);
 
 }  // namespace vorel::metafile

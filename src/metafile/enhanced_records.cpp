@@ -14,7 +14,7 @@ constexpr uint32_t kHeader = 1, kEnd = 14;
 
 uint32_t number(const Record& record, size_t offset) { return record.at<uint32_t>(offset); }
 
-// What a record may hold is a function of it and of the number of objects that the metafile has at a time.
+// Checks a record, given the number of objects that the metafile has at a time.
 using Check = bool (*)(const Record& record, uint32_t objects);
 
 bool anything(const Record&, uint32_t) { return true; }
@@ -34,7 +34,7 @@ bool names_object_or_stock(const Record& record, uint32_t objects) {
   return names_object<kAt>(record, objects) || number(record, kAt) - kStockObject < kStockObjects;
 }
 
-// Others come with a pointer.
+// Other styles come with a pointer.
 bool is_plain_style(uint32_t style) {
   constexpr uint32_t kHatched = 2;
   return style <= kHatched;
@@ -66,7 +66,7 @@ bool has_points(const Record& record, uint32_t) {
   return record.has(28, ByteCount(number(record, 24)) * kPointBytes);
 }
 
-// A byte a point tells what it is.
+// A byte for each point gives its type.
 template <size_t kPointBytes>
 bool has_typed_points(const Record& record, uint32_t) {
   return record.has(28, ByteCount(number(record, 24)) * (kPointBytes + 1));
@@ -98,7 +98,7 @@ bool has_region_and_brush(const Record& record, uint32_t objects) {
   return has_region(record, 24, kOffset) && names_object_or_stock<28>(record, objects);
 }
 
-// No region at all takes the clipping away.
+// No region at all removes the clipping.
 bool has_clip_region(const Record& record, uint32_t) { return number(record, 8) == 0 || has_region(record, 8, 16); }
 
 bool has_gradient(const Record& record, uint32_t) {
@@ -116,7 +116,7 @@ bool has_gradient(const Record& record, uint32_t) {
 
 enum TextOption : uint32_t { kGlyphs = 0x10, kNoRectangle = 0x100, kBytesAlone = 0x200, kTwoDistances = 0x2000 };
 
-// A text's description: a point, the number of characters, where they are, options, a rectangle, where distances are.
+// A text's description: a point, the number of characters, their offset, options, a rectangle, the offset of the distances.
 constexpr size_t kTextBytes = 40;
 
 template <size_t kCharacterBytes>
@@ -153,13 +153,13 @@ bool has_small_text(const Record& record, uint32_t) {
 
 // ---- Pictures ----
 
-// A use of colours that some players take for the first one.
+// A use of colours that some players treat as kColors.
 constexpr uint32_t kNoColors = 2;
 
-// Where the records have them that are played as DIBs; the others become bitmaps first.
+// Offset of these numbers in records that are played as DIBs; other pictures become bitmaps first.
 constexpr size_t kPartsOfDibs = 48;
 
-// Four numbers: where header and colours are and their bytes, then the same of the rows.
+// Four numbers: offset and bytes of the header with colours, then of the rows.
 bool has_dib(const Record& record, size_t parts_at, size_t use_at, ByteCount rows) {
   const uint32_t info = number(record, parts_at), info_bytes = number(record, parts_at + 4);
   const uint32_t bits = number(record, parts_at + 8), bits_bytes = number(record, parts_at + 12);
@@ -168,14 +168,14 @@ bool has_dib(const Record& record, size_t parts_at, size_t use_at, ByteCount row
   const auto parts = dib_parts(record, info, use == kNoColors ? ColorUse::kColors : static_cast<ColorUse>(use));
   if (!parts || (parts->is_for_printers && parts_at != kPartsOfDibs)) return false;
   const ByteCount image = parts->row == ByteCount(0) ? parts->image : std::min(parts->image, parts->row * rows);
-  // Some players put both together, so that colours may reach into the rows.
+  // Some players join both parts, so colours may reach into the rows.
   return record.has(info, parts->info) && parts->info <= ByteCount(info_bytes) + bits_bytes &&
          image <= ByteCount(bits_bytes);
 }
 
 constexpr ByteCount kAllRows = ByteCount(UINT32_MAX);
 
-// Without an offset there is none.
+// An offset of 0 means none.
 bool has_dib_or_none(const Record& record, size_t parts_at, size_t use_at) {
   return number(record, parts_at) == 0 || has_dib(record, parts_at, use_at, kAllRows);
 }
@@ -213,7 +213,7 @@ bool has_two_data(const Record& record, uint32_t) {
   return record.has(kFirst + 8, ByteCount(number(record, kFirst)) + number(record, kFirst + 4));
 }
 
-// The shortest of each type, in bytes, and what else is to be seen to. Types that are not here draw nothing.
+// The shortest length of each type, in bytes, and further checks. Types that are not listed draw nothing.
 constexpr struct Type {
   uint32_t number;
   uint16_t bytes;
@@ -354,7 +354,7 @@ std::span<uint8_t> playable_enhanced_metafile(std::span<uint8_t> metafile) {
     if (number(Record(record), 0) == kEnd) break;
   }
   header.bytes = static_cast<uint32_t>(end);
-  // Not every player tells a stock object from others where a region is filled: their numbers have room, too.
+  // Not every player tells stock objects from others when it fills a region: their numbers get room too.
   header.objects = std::max(header.objects, static_cast<uint16_t>(kStockObjects));
   std::memcpy(metafile.data(), &header, sizeof header);
   return metafile.first(end);

@@ -17,7 +17,7 @@ constexpr int16_t saturated_word(int64_t value) {
       std::clamp<int64_t>(value, std::numeric_limits<int16_t>::min(), std::numeric_limits<int16_t>::max()));
 }
 
-// Fails where the bytes end within the header.
+// Fails if the bytes end within the header.
 template <class Header>
 Result<Header> header_at(std::span<const uint8_t> start, size_t offset) {
   if (start.size() < offset + sizeof(Header)) return Error::kFileIo;
@@ -37,8 +37,8 @@ Extent extent_of(const PlaceableHeader& header) {
           .y_units = header.units_per_inch};
 }
 
-// The size is the bounds', and bounds and frame together say how many of their units make an inch: the bounds cancel out and the
-// frame remains. Bounds without width or height say nothing; a metafile that draws nothing has bounds of -1.
+// The size is that of the bounds, and bounds and frame together give their units per inch: the bounds cancel out and the
+// frame remains. Bounds without width or height give no size; a metafile that draws nothing has bounds of -1.
 Extent extent_of(const EnhancedHeader& header) {
   const Edges &bounds = header.bounds, &frame = header.frame;
   if (bounds.left == bounds.right || bounds.top == bounds.bottom) return {};

@@ -1,4 +1,4 @@
-// What stands at a metafile's beginning, and how large it says its picture is.
+// The header of a metafile, and the size that it states for its picture.
 #pragma once
 
 #include <array>
@@ -20,7 +20,7 @@ struct Resolution {
 inline constexpr uint32_t kPlaceableKey = 0x9AC6CDD7;
 inline constexpr size_t kPlaceableBytes = 22;
 
-// What programs put in front of a Windows metafile to say how large it is. Its 32-bit fields are not aligned.
+// A header that programs put in front of a Windows metafile to state its size. Its 32-bit fields are not aligned.
 #pragma pack(push, 2)
 struct PlaceableHeader {
   uint32_t key = kPlaceableKey;
@@ -33,7 +33,7 @@ struct PlaceableHeader {
 #pragma pack(pop)
 static_assert(sizeof(PlaceableHeader) == kPlaceableBytes);
 
-// The 18 bytes that every Windows metafile begins with.
+// The 18-byte header of every Windows metafile.
 #pragma pack(push, 2)
 struct WindowsMetafileHeader {
   uint16_t type;
@@ -48,7 +48,7 @@ struct WindowsMetafileHeader {
 inline constexpr size_t kWindowsHeaderBytes = 18;
 static_assert(sizeof(WindowsMetafileHeader) == kWindowsHeaderBytes);
 
-// The part of an enhanced metafile's first record that is read.
+// The part of an enhanced metafile's first record that is used.
 struct Edges {
   int32_t left, top, right, bottom;
 };
@@ -59,7 +59,7 @@ struct EnhancedHeader {
   uint32_t signature, version;
   uint32_t bytes;  // in the whole metafile
   uint32_t records;
-  uint16_t objects;  // that it has at a time, and one more
+  uint16_t objects;  // existing at a time, plus one
   std::array<uint8_t, 42> rest;
 };
 inline constexpr size_t kEnhancedHeaderBytes = 100;
@@ -68,37 +68,36 @@ static_assert(sizeof(EnhancedHeader) == kEnhancedHeaderBytes);
 // The exclusive or of the words in front of the checksum.
 uint16_t checksum_of(const PlaceableHeader& header);
 
-// The header of a picture of so many pixels, shown at the screen's resolution. Sizes that do not fit its fields are cut to the
-// largest that does.
+// The header of a picture of so many pixels, shown at the screen's resolution. Sizes are clamped to its fields.
 PlaceableHeader placeable_header_for(Size pixels, Resolution screen);
 
-// The frame of an enhanced metafile for a picture of so many pixels. It counts on 96 pixels per inch whatever the screen has.
+// The frame of an enhanced metafile for a picture of so many pixels. It assumes 96 pixels per inch on any screen.
 Edges enhanced_frame_for(Size pixels);
 
-// How large a picture is: lengths, and how many of their units make an inch.
+// The size of a picture: lengths, and their units per inch.
 struct Extent {
   int64_t width = 5, height = 5;
   int64_t x_units = 1, y_units = 1;
 };
 
-// What a metafile's first bytes say.
+// The facts in a metafile's first bytes.
 struct MetafileStart {
   bool is_enhanced = false;
   size_t offset = 0;  // of the metafile itself, which a placeable header may precede
   uint64_t bytes = 0;
   Extent extent;
 
-  // What is allocated for a Windows metafile is twice what it takes.
+  // A Windows metafile gets twice the memory that it takes.
   ByteCount block_bytes() const { return ByteCount(bytes) * (is_enhanced ? 1 : 2); }
 };
 
-// The longest start there is.
+// The longest possible start.
 inline constexpr size_t kMetafileStartBytes = kPlaceableBytes + kEnhancedHeaderBytes;
 
-// Reads a file's first bytes, kMetafileStartBytes of them or all that there are. Fails where they end within a header.
+// Reads a file's first bytes, kMetafileStartBytes or the whole file. Fails if they end within a header.
 Result<MetafileStart> read_metafile_start(std::span<const uint8_t> start);
 
-// The size in pixels, cut to what an int holds; five inches square for extents of no size and for units that are none.
+// The size in pixels, clamped to int; five inches square for empty extents and for invalid units.
 Size pixels_of(const Extent& extent, Resolution screen);
 Size five_inches(Resolution screen);
 

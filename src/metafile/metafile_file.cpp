@@ -21,7 +21,7 @@ Result<MetafileStart> start_of(FileRef file) {
   return read_metafile_start(std::span(bytes).first(static_cast<size_t>(count)));
 }
 
-// A Windows metafile may end early; an enhanced one is whole or damaged.
+// A Windows metafile may end early; an enhanced one is complete or damaged.
 Result<OwnedMetafile> metafile_in(FileRef file, const MetafileStart& start) {
   const size_t room = start.is_enhanced ? 0 : kRoomBehindRecords;
   const auto block = VOREL_TRY(or_error(ZeroedBuffer::allocate(start.block_bytes() + room), Error::kMemory));
@@ -61,7 +61,7 @@ class Recording {
   HDC dc_;
 };
 
-// Records the picture, and that it is drawn with its own colours. The context goes before the palette.
+// Records the picture, and the selection of its own colours. The context is destroyed before the palette.
 bool record(const char* path, const DeviceDib& picture, HPALETTE palette, MetafileKind kind, HDC made_for) {
   const Recording recording(path, kind, made_for, enhanced_frame_for(picture.size()));
   if (!recording) return false;
@@ -74,7 +74,7 @@ bool record(const char* path, const DeviceDib& picture, HPALETTE palette, Metafi
   return true;
 }
 
-// Puts a placeable header in front of what a file has. A file that cannot be read back stays as it is.
+// Puts a placeable header in front of a file's content. A file that cannot be read back stays as it is.
 void make_placeable(const char* path, Size pixels, Resolution screen) {
   std::optional<ZeroedBuffer> contents;
   {

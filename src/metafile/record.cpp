@@ -11,11 +11,11 @@ namespace {
 constexpr uint32_t kMaskBytes = 12;
 constexpr uint32_t kIndexBytes = 2;
 
-// Pictures in formats of their own, which have no depth.
+// Compressions in formats of their own, without a depth.
 constexpr Compression kJpeg{4}, kPng{5};
 constexpr bool is_for_printers(Compression compression) { return compression == kJpeg || compression == kPng; }
 
-// An older header as the newer one that says the same.
+// The header at an offset; an older one is converted to the newer kind.
 std::optional<DibHeader> header_at(const Record& record, size_t offset) {
   DibHeader header;
   header.size = record.at<uint32_t>(offset);

@@ -5,8 +5,8 @@
 namespace vorel::metafile {
 namespace {
 
-// Numbers that callers' pictures are as large by: the twips of files are no twentieths of a point, and an inch on the clipboard
-// has 24.5 millimetres.
+// The sizes of callers' pictures depend on these numbers: the twips of files are no twentieths of a point, and an inch on
+// the clipboard has 24.5 millimetres.
 constexpr double kInchesPerLowMetric = 0.003937007874015748;    // 1/254
 constexpr double kInchesPerHighMetric = 0.0003937007874015748;  // 1/2540
 constexpr double kInchesPerMillimetreOnClipboard = 0.04081632653061224;
@@ -17,7 +17,7 @@ Size in_inches(const PictureLengths& picture, Resolution screen, double inches_p
   return {saturated(screen.x * inches_per_unit * picture.x), saturated(screen.y * inches_per_unit * picture.y)};
 }
 
-// The lengths may say a proportion alone, as negative numbers or as none.
+// The lengths may give only a proportion, as negative numbers, or nothing.
 Size in_file(const PictureLengths& picture, Resolution screen) {
   switch (picture.mode) {
     case MappingMode::kText: return {picture.x, picture.y};
@@ -36,7 +36,7 @@ Size in_file(const PictureLengths& picture, Resolution screen) {
   return five_inches(screen);
 }
 
-// The order of the factors is kept: it decides about the last pixel.
+// The order of the factors is kept: it decides the last pixel.
 int on_clipboard(int32_t length, MappingMode mode, int dots_per_inch, int otherwise) {
   switch (mode) {
     case MappingMode::kText: return length;

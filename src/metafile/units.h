@@ -1,5 +1,5 @@
-// Sizes of metafile pictures, which come with a mapping mode and two lengths in its units. Files and the clipboard are read by
-// tables of their own, which differ, and both are kept: pictures keep the size that they always had.
+// Sizes of metafile pictures, which come with a mapping mode and two lengths in its units. Files and the clipboard have
+// tables of their own, which differ. Both are kept: pictures keep their size.
 #pragma once
 
 #include "metafile/header.h"
@@ -18,17 +18,17 @@ enum class MappingMode : int32_t {
   kAnisotropic = 8,
 };
 
-// What a metafile picture says of itself.
+// The size that a metafile picture states.
 struct PictureLengths {
   MappingMode mode;
   int32_t x, y;
 };
 
-// Pixels for a picture in a clipboard file; five inches square where its lengths give none.
+// Pixels for a picture in a clipboard file; five inches square if its lengths give none.
 Size pixels_in_file(const PictureLengths& picture, Resolution screen);
 
-// Pixels for a picture on the clipboard. The horizontal resolution counts for both axes. Sizes it does not tell, and negative
-// ones, are taken from `otherwise`, each by itself.
+// Pixels for a picture on the clipboard. The horizontal resolution counts for both axes. Unknown and negative sizes are
+// replaced by those of `otherwise`, each by itself.
 Size pixels_on_clipboard(const PictureLengths& picture, int dots_per_inch, Size otherwise);
 
 }  // namespace vorel::metafile

@@ -8,7 +8,7 @@
 namespace vorel::metafile {
 namespace {
 
-// A record is its length in words of 16 bits, its function and its parameters.
+// A record consists of its length in words of 16 bits, its function and its parameters.
 constexpr size_t kShortestRecord = 6;
 constexpr size_t kFunctionAt = 4;
 constexpr uint16_t kInMemory = 1;
@@ -18,7 +18,7 @@ constexpr uint16_t kDibStretchBlt = 0x0B41, kPatBlt = 0x061D;
 constexpr size_t parameter_at(size_t index) { return kShortestRecord + 2 * index; }
 uint16_t parameter(const Record& record, size_t index) { return record.at<uint16_t>(parameter_at(index)); }
 
-// The form without a picture has a parameter more, in front of the last four.
+// The form without a picture has one more parameter, in front of the last four.
 constexpr size_t kDibStretchBltAlone = parameter_at(11);
 
 // Items behind the parameters.
@@ -26,7 +26,7 @@ bool has_items(const Record& record, size_t first_parameter, uint32_t count, siz
   return record.has(parameter_at(first_parameter), ByteCount(count) * bytes);
 }
 
-// What a record may hold is a function of it and of the number of objects that the metafile has at a time.
+// Checks a record, given the number of objects that the metafile has at a time.
 using Check = bool (*)(const Record& record, uint32_t objects);
 
 bool anything(const Record&, uint32_t) { return true; }
@@ -60,8 +60,8 @@ bool has_text(const Record& record, uint32_t) {
   return length <= kMostItems && has_items(record, 3, even(length), 1);
 }
 
-// Options say what else there is: a rectangle in front of the text; glyphs of 16 bits instead of characters; distances
-// behind it, for which players ask the record's length.
+// Options select further parts: a rectangle in front of the text; glyphs of 16 bits instead of characters; distances behind
+// it, which players detect by the record's length.
 bool has_extended_text(const Record& record, uint32_t) {
   constexpr uint16_t kOpaque = 0x0002, kClipped = 0x0004, kGlyphs = 0x0010, kTwoDistances = 0x2000;
   const uint32_t length = parameter(record, 2), options = parameter(record, 3);
@@ -75,13 +75,13 @@ bool has_extended_text(const Record& record, uint32_t) {
 bool has_escape_data(const Record& record, uint32_t) { return has_items(record, 2, parameter(record, 1), 1); }
 bool has_colors(const Record& record, uint32_t) { return has_items(record, 2, parameter(record, 1), kColorBytes); }
 
-// Others come with a pointer.
+// Other styles come with a pointer.
 bool is_plain_brush(const Record& record, uint32_t) {
   constexpr uint16_t kHatched = 2;
   return parameter(record, 0) <= kHatched;
 }
 
-// The name may be shorter than its room if it ends.
+// The name may be shorter than its field if it is terminated.
 bool has_font_name(const Record& record, uint32_t) {
   constexpr size_t kName = parameter_at(9), kNameBytes = 32;
   for (size_t i = 0; i < kNameBytes; ++i)
@@ -117,7 +117,7 @@ bool has_stretched_dib_or_none(const Record& record, uint32_t) {
   return record.size() == kDibStretchBltAlone || has_dib(record, 10, 0);
 }
 
-// The rows from one on, as many as the record says.
+// The rows of a part of the picture; the record states their number.
 bool has_dib_rows(const Record& record, uint32_t) {
   const auto parts = dib_parts(record, parameter_at(9), static_cast<ColorUse>(parameter(record, 0) != 0));
   if (!parts) return false;
@@ -131,8 +131,8 @@ bool has_rows(const Record& record, size_t bits, uint32_t width, uint32_t height
   return height <= kMostItems && width <= kMostItems && record.has(bits, row * height);
 }
 
-// Such a bitmap: width, height, bytes of a row, planes and bits per pixel, rows. The last two numbers are bytes, but some players
-// look for words, and for those elsewhere.
+// A bitmap of this kind: width, height, bytes of a row, planes and bits per pixel, rows. The planes and bits are bytes, but
+// some players read words, and at other places.
 template <size_t kWidth, size_t kWidthOfOthers>
 bool has_bitmap(const Record& record, uint32_t) {
   const auto holds = [&](size_t width, size_t bits, uint32_t bits_per_pixel) {
@@ -149,7 +149,7 @@ bool has_pattern(const Record& record, uint32_t) {
   return has_rows(record, kBits, parameter(record, 1), parameter(record, 2), (packed & 0xFF) * (packed >> 8));
 }
 
-// The shortest parameters of each function, in words, and what else is to be seen to. Functions that are not here draw nothing.
+// The least number of parameters of each function, in words, and further checks. Functions that are not listed draw nothing.
 constexpr struct Function {
   uint16_t number;
   uint8_t parameters;
@@ -231,7 +231,7 @@ bool agrees_with_its_size(const Record& record, uint32_t objects) {
   return record.has(kShortestRecord, size_t{function->parameters} * 2) && function->check(record, objects);
 }
 
-// The first record of some; empty if it is not whole.
+// The first record of some; empty if it is incomplete.
 std::span<uint8_t> first_record(std::span<uint8_t> records) {
   const uint64_t length = uint64_t{Record(records).at<uint32_t>(0)} * 2;
   if (length < kShortestRecord || length > records.size()) return {};
@@ -242,12 +242,12 @@ void set_word(std::span<uint8_t> record, size_t offset, uint16_t word) {
   std::memcpy(record.data() + offset, &word, sizeof word);
 }
 
-// Changes what whole records make players do wrong.
+// Changes complete records that players handle wrongly.
 void make_harmless(std::span<uint8_t> bytes) {
   const Record record(bytes);
   switch (record.at<uint16_t>(kFunctionAt)) {
     case kEscape: set_word(bytes, parameter_at(0), kCommentEscape); break;
-    case kDibStretchBlt:  // players look for a picture in the short form, too
+    case kDibStretchBlt:  // players expect a picture in the short form, too
       if (record.size() != kDibStretchBltAlone) break;
       set_word(bytes, kFunctionAt, kPatBlt);
       for (size_t i = 0; i < 4; ++i) set_word(bytes, parameter_at(2 + i), parameter(record, 7 + i));
@@ -277,7 +277,7 @@ std::span<uint8_t> playable_windows_metafile(std::span<uint8_t> block) {
 
   header.type = kInMemory;
   header.words = static_cast<uint32_t>(end / 2);
-  // An object without a place is never deleted, and not every player looks for numbers where the record has them.
+  // An object without a place is never deleted, and not every player reads numbers where the record has them.
   header.objects = UINT16_MAX;
   std::memcpy(metafile.data(), &header, sizeof header);
   return block.first(end);

@@ -15,8 +15,8 @@ using ExtDeviceModeEntry = INT(WINAPI*)(HWND, HANDLE driver, DEVMODEA* chosen, L
                                         LPSTR profile, DWORD flags);
 using DeviceModeEntry = void(WINAPI*)(HWND, HANDLE driver, LPSTR name, LPSTR port);
 
-// Runs a set-up dialog that tells how it was left: `ask` takes room for a device mode and what is wanted, and gives the bytes it
-// needs when that is nothing.
+// Runs a set-up dialog that reports its outcome: `ask` takes room for a device mode and the request's flags; without flags
+// it returns the bytes that it needs.
 template <class Ask>
 DriverSetup ask_and_keep(const std::string& printer, Ask ask) {
   const LONG needed = ask(nullptr, 0);
@@ -49,7 +49,7 @@ class OpenedPrinter {
   HANDLE handle_ = nullptr;
 };
 
-// None where the spooler does not know the printer.
+// None if the spooler does not know the printer.
 std::optional<DriverSetup> set_up_by_spooler(HWND owner, PrinterDevice& device) {
   const OpenedPrinter printer(device.name);
   if (printer.get() == nullptr) return std::nullopt;
@@ -58,7 +58,7 @@ std::optional<DriverSetup> set_up_by_spooler(HWND owner, PrinterDevice& device) 
   });
 }
 
-// None where the driver has no entry point for it.
+// None if the driver has no entry point for it.
 std::optional<DriverSetup> set_up_by_driver(HWND owner, PrinterDevice& device, const LoadedModule& driver) {
   const auto handle = reinterpret_cast<HANDLE>(driver.result());
   if (const auto set_up = reinterpret_cast<ExtDeviceModeEntry>(driver.entry("ExtDeviceMode"))) {

@@ -7,15 +7,15 @@
 namespace vorel {
 
 enum class DriverSetup {
-  kDone,  // or left by the person
+  kDone,  // or cancelled by the user
   kNoDriver,
   kInvalidDriver,
   kNoMemory,
 };
 
-// Shows the dialog for one printer and keeps what was set for the thread's next job on it. The driver's own entry points come
-// first (ExtDeviceMode, then DeviceMode, which tells nothing). Drivers of today have neither, and lie where only the spooler finds
-// them: it is asked next.
+// Shows the dialog for one printer and keeps its settings for the thread's next job on it. The driver's own entry points are
+// tried first (ExtDeviceMode, then DeviceMode, which reports nothing). Current drivers have neither, and only the spooler
+// finds them: it is asked next.
 DriverSetup set_up_driver(HWND owner, PrinterDevice device);
 
 }  // namespace vorel

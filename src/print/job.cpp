@@ -42,7 +42,7 @@ void close_cancel_dialog(PrintJob& job) {
   if (HWND dialog = std::exchange(job.cancel_dialog, nullptr)) DestroyWindow(dialog);
 }
 
-// What a job made by itself, besides its document.
+// Frees the resources that a job made, other than its document.
 void give_back(PrintJob& job) {
   const OwnedDc printer(job.owns_printer_dc ? job.printer_dc : nullptr);
   const OwnedDc memory(job.dc != job.printer_dc ? job.dc : nullptr);
@@ -50,7 +50,7 @@ void give_back(PrintJob& job) {
   close_cancel_dialog(job);
 }
 
-// A job that the thread has never ended is given back first.
+// A job that the thread has never ended is freed first.
 PrintJob& begin_job(const JobRequest& request) {
   PrintJob& job = current_job();
   give_back(job);
@@ -137,13 +137,13 @@ void end_page(PrintJob& job) {
 
 // ---- A page ----
 
-// What a page is made of.
+// The parts of a page.
 struct Page {
   PrintJob& job;
   const DeviceDib& dib;
   HPALETTE palette;
-  Rect image;    // its dots, before the page is moved
-  POINT offset;  // by which it is
+  Rect image;    // in dots, before the page is moved
+  POINT offset;  // the movement
 
   Size pixels() const { return {std::max(dib.header().width, 0), std::max(dib.header().height, 0)}; }
 };
@@ -166,7 +166,7 @@ void draw_band(const Page& page, const RECT& band) {
   if (part.dots.width > 0) draw(page, part.dots, part.pixels);
 }
 
-// Returns what the device says of a band that it does not give, and else 0.
+// Returns the device's code for a band that it does not deliver, else 0.
 int draw_bands(const Page& page) {
   for (;;) {
     RECT band = {};
@@ -179,7 +179,7 @@ int draw_bands(const Page& page) {
   }
 }
 
-// The page is not ended between copies: whether each begins a sheet is up to the device.
+// The page is not ended between copies: the device decides whether each begins a sheet.
 int print_copies(const Page& page) {
   PrintJob& job = page.job;
   const bool has_bands = (GetDeviceCaps(job.dc, RASTERCAPS) & RC_BANDING) != 0;
@@ -199,7 +199,7 @@ int print_copies(const Page& page) {
   return result;
 }
 
-// The document stays to be ended: that fails then, which is how callers learn of it.
+// The document is still to be ended: that call then fails, which tells callers.
 int abort_document(PrintJob& job) { return std::min(Escape(job.dc, ABORTDOC, 0, nullptr, nullptr), 0); }
 
 void tell_page(const PrintJob& job, int index) {

@@ -15,7 +15,7 @@ struct JobRequest {
   int page_count;
 };
 
-// What the system calls meanwhile.
+// The system's callbacks during a job.
 struct JobProcedures {
   DLGPROC page_dialog, cancel_dialog;
   ABORTPROC abort;
@@ -35,10 +35,10 @@ int end_job(HDC printer_dc);
 
 void continue_page();
 
-// Lets the thread's messages through; false once the job is cancelled. `spooler_code` other than 0 cancels it.
+// Dispatches the thread's messages; false once the job is cancelled. A `spooler_code` other than 0 cancels it.
 bool let_messages_through(int spooler_code);
 
-// What happens in the cancel dialog. True if the message is dealt with.
+// Handles the messages of the cancel dialog. True if the message is handled.
 bool follow_cancel_dialog(HWND dialog, UINT message, LPARAM text);
 
 }  // namespace vorel

@@ -30,7 +30,7 @@ struct PrintJob {
   float x_scale, y_scale;         // of the last page
   int planes, bits_per_pixel;
   bool is_monochrome;
-  int32_t setting = 4;  // nothing reads it
+  int32_t setting = 4;  // never read
   char document[kJobNameBytes];
   char printer[kJobNameBytes];  // chosen in the dialog
 };

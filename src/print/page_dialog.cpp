@@ -24,7 +24,7 @@ constexpr CheckBox kCheckBoxes[] = {
     {IDC_SHOW_PAGES, &ImgPrintOptions::showPageProgress},
 };
 
-// The printers in the box of the thread's dialog; null while there is no dialog.
+// The printers in the list box of the thread's dialog; null while there is no dialog.
 const PerThread<std::unique_ptr<InstalledPrinters>> shown_printers;
 
 // ---- The box of printers ----
@@ -47,7 +47,7 @@ void offer_installed(HWND dialog, HWND box) {
   const std::string name = parse_device(default_device_text()).name;
   const LRESULT item =
       SendMessageA(box, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(name.c_str()));
-  SendMessageA(box, CB_SETCURSEL, static_cast<WPARAM>(item), 0);  // CB_ERR takes the selection away
+  SendMessageA(box, CB_SETCURSEL, static_cast<WPARAM>(item), 0);  // CB_ERR clears the selection
 }
 
 void fill_box(HWND dialog) {
@@ -60,7 +60,7 @@ void fill_box(HWND dialog) {
   }
 }
 
-// The printer to make a context of: the selected one, or that of the job where nothing else is on offer.
+// The printer to make a context for: the selected one, or the job's printer if there is no other.
 std::string device_name(HWND dialog) {
   HWND box = GetDlgItem(dialog, IDC_PRINTERS);
   const LRESULT item = SendMessageA(box, CB_GETCURSEL, 0, 0);
@@ -81,7 +81,7 @@ void show_job(HWND dialog) {
     CheckDlgButton(dialog, id, job.options.*option != 0 ? BST_CHECKED : BST_UNCHECKED);
 }
 
-// False without a number of copies.
+// False if the number of copies is missing.
 bool take_options(HWND dialog, ImgPrintOptions& options) {
   for (const auto& [id, option] : kCheckBoxes) options.*option = IsDlgButtonChecked(dialog, id) == BST_CHECKED;
   BOOL is_number = FALSE;

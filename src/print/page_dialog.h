@@ -5,7 +5,7 @@
 
 namespace vorel {
 
-// True if the message is dealt with. The dialog ends with a context of the chosen printer, or with 0.
+// True if the message is handled. The dialog ends with a context of the chosen printer, or with 0.
 bool follow_page_dialog(HWND dialog, UINT message, WPARAM command);
 
 }  // namespace vorel

@@ -7,7 +7,7 @@ namespace {
 
 constexpr float kMetresPerInch = 0.025400052f;
 
-// Devices count no further. Whatever is beyond, or no number at all, becomes one that they can count to.
+// The largest number of dots that devices can handle. Larger numbers are clamped; NaN becomes 0.
 constexpr float kMostDots = 1 << 27;
 
 int to_dots(float inches, float resolution) {
@@ -16,7 +16,7 @@ int to_dots(float inches, float resolution) {
   return static_cast<int>(std::clamp(dots, -kMostDots, kMostDots));
 }
 
-// An axis along which an image has no size has nothing to scale.
+// An axis without extent needs no scaling.
 float filling_scale(float page, float image) { return image == 0 ? 1.0f : page / image; }
 
 PageScale page_scale(const ImgPrintOptions& options, Inches image, Inches page) {
@@ -30,7 +30,7 @@ PageScale page_scale(const ImgPrintOptions& options, Inches image, Inches page) 
 
 float margin(bool centers, float page, float printed) { return centers ? (page - printed) / 2 : 0.0f; }
 
-// A range of dots or pixels: from the first to the one behind the last.
+// A range of dots or pixels; `end` is exclusive.
 struct Range {
   int begin, end;
 
@@ -39,7 +39,7 @@ struct Range {
 
 Range common(Range a, Range b) { return {std::max(a.begin, b.begin), std::min(a.end, b.end)}; }
 
-// The pixels that lie on some of an image's dots.
+// The pixels that some of an image's dots show.
 Range pixels_on(Range dots, Range image, int pixels) {
   if (dots.length() == 0) return {0, 0};
   const float scale = static_cast<float>(image.length()) / static_cast<float>(pixels);

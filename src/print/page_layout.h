@@ -1,4 +1,4 @@
-// Where an image comes to lie on a printed page. Lengths are in inches and single precision until they become printer dots.
+// The place of an image on a printed page. Lengths are single precision, in inches until they become printer dots.
 #pragma once
 
 #include <vorel32.h>
@@ -8,7 +8,7 @@
 
 namespace vorel {
 
-// Dots, or pixels, to the inch.
+// Dots, or pixels, per inch.
 struct DotDensity {
   float x, y;
 };
@@ -17,7 +17,7 @@ struct Inches {
   float width, height;
 };
 
-// The part of a sheet that a printer reaches.
+// The part of a sheet that a printer can print on.
 struct PrintablePage {
   DotDensity resolution;
   Inches size;
@@ -25,11 +25,11 @@ struct PrintablePage {
 
 PrintablePage printable_page(Size dots, DotDensity resolution);
 
-// The resolution an image is printed at: the caller's (`given`, which may be null) or its header's where the options want the
-// image's own, and else the printer's, which makes a pixel a dot. Numbers that are no resolution count as none.
+// The resolution an image is printed at. If the options want the image's own, it is the caller's (`given`, which may be
+// null) or the header's; otherwise the printer's, which makes a pixel a dot. Invalid numbers count as none.
 DotDensity image_resolution(const ImgPrintOptions& options, const int* given, const DibHeader& header, DotDensity printer);
 
-// How much larger an image is printed than it is.
+// The scale of the printed image.
 struct PageScale {
   float x, y;
 };
@@ -39,7 +39,7 @@ struct Placement {
   Rect dots;  // on the page
 };
 
-// The layout that the options ask for. Images larger than the page lie partly outside it.
+// The layout that the options request. Images larger than the page lie partly outside it.
 Placement place_image(const ImgPrintOptions& options, Size pixels, DotDensity image, const PrintablePage& page);
 
 // A part of an image, and the dots that it is printed on.
@@ -47,7 +47,7 @@ struct PlacedPart {
   Rect dots, pixels;
 };
 
-// The part of an image that falls into a band of the page, at least a pixel wide and high; nothing where they do not meet.
+// The part of an image that falls into a band of the page, at least a pixel wide and high; empty if they do not meet.
 PlacedPart part_in_band(Rect image, Size pixels, Rect band);
 
 }  // namespace vorel

@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* kDriverExtension = ".DRV";
 
-// What stands before the first of some characters; it is taken off the text, with the character.
+// The text before the first of some characters; it is removed from `text`, with the character.
 std::string_view take_until(std::string_view& text, const char* ends) {
   const size_t end = std::min(text.find_first_of(ends), text.size());
   const std::string_view taken = text.substr(0, end);

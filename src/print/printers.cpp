@@ -13,7 +13,7 @@
 namespace vorel {
 namespace {
 
-// How a thread has set a printer up, for its next job on that printer.
+// A thread's settings of a printer, for its next job on that printer.
 struct PrinterSettings {
   char printer[kJobNameBytes];
   ZeroedBuffer device_mode;  // empty if nothing is kept
@@ -31,7 +31,7 @@ OwnedDc printer_dc(const char* driver, const std::string& name, const char* port
 
 }  // namespace
 
-// Printers may come while they are counted; a list that stays too short then is an empty one.
+// Printers may be added between counting and listing; a list that no longer fits is empty.
 InstalledPrinters::List InstalledPrinters::enumerate(DWORD level) {
   constexpr DWORD kFlags = PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS;
   List list;

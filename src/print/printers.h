@@ -1,4 +1,4 @@
-// The printers of this system, and contexts of them.
+// The printers of this system, and device contexts for them.
 #pragma once
 
 #include <optional>
@@ -10,14 +10,14 @@
 
 namespace vorel {
 
-// The printers that the spooler knows, local ones and connections: their names, and all it knows of them.
+// The printers that the spooler knows, local ones and connections: their names and details.
 class InstalledPrinters {
  public:
   static InstalledPrinters enumerate();
 
   std::vector<std::string> names() const;
 
-  // What a context of one is made for; none if the list has no such printer.
+  // The name that a context is made for; none if the list has no such printer.
   std::optional<std::string> device_name(size_t index) const;
 
  private:
@@ -30,15 +30,14 @@ class InstalledPrinters {
   List names_, records_;
 };
 
-// What the profile says of the default printer.
+// The profile's value for the default printer.
 std::string default_device_text();
 
-// Contexts of a printer by its name alone, and of the default printer, as the thread has last set it up.
+// Contexts of a printer by its name alone, and of the default printer with the thread's last settings.
 OwnedDc printer_dc(const std::string& name);
 OwnedDc default_printer_dc();
 
-// How the thread has set a printer up is kept for its next job on that printer, in place of what was kept before. False when
-// memory is short.
+// Keeps a thread's settings of a printer for its next job on it, in place of earlier ones. False when memory is short.
 bool keep_settings(const std::string& printer, const DEVMODEA& mode);
 void forget_settings(const std::string& printer);
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr DWORD kNamesBytes = 1090, kValueBytes = 109, kDeviceBytes = 122;
 
-// What the dialog keeps while it is there, in a block of its own.
+// The dialog's data while it exists, in a block of its own.
 struct DialogData {
   char null_port[kValueBytes];
   char default_device[kDeviceBytes];
@@ -35,7 +35,7 @@ std::string entry_at(HWND list, LRESULT index) {
   return text;
 }
 
-// Empty where nothing is selected.
+// Empty if nothing is selected.
 std::string selected_entry(HWND dialog) {
   const LRESULT index = SendMessageA(list_of(dialog), LB_GETCURSEL, 0, 0);
   return index == LB_ERR ? std::string() : entry_at(list_of(dialog), index);
@@ -43,10 +43,10 @@ std::string selected_entry(HWND dialog) {
 
 // ---- The list ----
 
-// The names of the printers, each ended by a zero, the last by two.
+// The names of the printers, each zero-terminated, and another zero at the end.
 std::string printer_names(HWND dialog) {
   std::string names(kNamesBytes, '\0');
-  // Systems differ in whether they count a zero behind what they cut off.
+  // Systems differ in whether the length of a truncated list includes a zero.
   const DWORD length = GetProfileStringA("devices", nullptr, "", names.data(), kNamesBytes);
   if (length >= kNamesBytes - 2) complain(dialog, "Too many printers installed.\tList truncated.");
   return names;
@@ -100,7 +100,7 @@ void open_dialog(HWND dialog) {
     EndDialog(dialog, 0);
     return;
   }
-  const int beyond_every_edge = 2000;  // where the hidden parts of the entries begin
+  const int beyond_every_edge = 2000;  // start of the hidden parts of the entries
   SendMessageA(list_of(dialog), LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&beyond_every_edge));
   SendMessageA(dialog, WM_FILL_DEVICES, 0, 0);
 }
@@ -135,7 +135,7 @@ const char* complaint_about(DriverSetup result) {
   }
 }
 
-// The list may be another one afterwards; the person's choice stays if it is still there.
+// The list may have changed; the user's choice stays if it is still there.
 void refill(HWND dialog, const std::string& chosen) {
   SendMessageA(dialog, WM_FILL_DEVICES, 0, 0);
   HWND list = list_of(dialog);

@@ -5,10 +5,10 @@
 
 namespace vorel {
 
-// What the dialog ends with: 0 when it is cancelled.
+// The dialog's result; 0 if it is cancelled.
 int run_setup_dialog(HWND owner, DLGPROC procedure);
 
-// True if the message is dealt with.
+// True if the message is handled.
 bool follow_setup_dialog(HWND dialog, UINT message, WPARAM command);
 
 }  // namespace vorel
