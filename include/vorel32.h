@@ -1,4 +1,4 @@
-/** Vorel32: read, write, turn and convert raster images held as packed DIBs.
+/** Vorel32: read, write, rotate and convert raster images held as packed DIBs.
  *
  *  One C interface for two builds: VOREL32.DLL on 32-bit Windows and libvorel32.so on x86-64 Linux. A function marked
  *  "Windows only" needs device contexts, device bitmaps or palettes and is declared for Windows alone.
@@ -9,23 +9,23 @@
  *       2, 16 or 256 for 1, 4 or 8 bits per pixel and none for 16, 24 or 32,
  *    3. the pixel rows, bottom line first, each padded to ((biBitCount * biWidth + 31) / 32) * 4 bytes. Below 8 bits the
  *       leftmost pixel sits in the highest bits of its byte; 24-bit pixels are blue, green, red.
- *  biHeight is a positive number of rows. Top-down DIBs (negative biHeight) are loaded and saved as they stand but not
- *  understood by anything that works on pixels.
+ *  biHeight is a positive number of rows. Top-down DIBs (negative biHeight) are loaded and saved unchanged, but
+ *  functions that work on pixels do not support them.
  *
  *  OWNERSHIP. Every handle a function returns belongs to the caller: DIB handles go to GlobalFree, bitmaps and palettes to
- *  DeleteObject. Arguments are only read and never freed, unless the function says so.
+ *  DeleteObject. Functions only read their arguments and never free them, unless documented otherwise.
  *
  *  ERRORS. Failure is a zero result (a null handle, FALSE). The reason is the calling thread's error code, read with
- *  ImgError and put into words by ImgErrorString. Success leaves the code as it was unless the function says otherwise, so
- *  read it only after a failure. Where a function says "no code", a failure leaves the thread's code as it was too.
+ *  ImgError; ImgErrorString gives its text. Success leaves the code unchanged unless documented otherwise, so read it only
+ *  after a failure. "No code" means that a failure leaves the thread's code unchanged too.
  *
- *  DAMAGED INPUT. A block shorter than its header claims is completed: missing bytes read as zero, writes past the end are
- *  dropped. Sizes are computed without wrapping; a size that no block can have fails like an allocation. A handle that is
- *  null, freed or never was one fails as documented and does no harm (on Windows as far as the system can tell).
+ *  DAMAGED INPUT. A block shorter than its header states is completed: missing bytes read as zero, writes past the end are
+ *  dropped. Sizes are computed without wrapping; a size that no block can have fails like an allocation. A null,
+ *  freed or invalid handle fails as documented and does no harm (on Windows as far as the system detects it).
  *
  *  THREADS. There are no locks. Each thread has its own error code and settings; calls that share one handle must be
- *  serialised by the caller. Long operations show the wait cursor and restore the previous one (Windows). A thread that
- *  memory is too short for to keep its error code is ended inside the call that it made.
+ *  serialised by the caller. Long operations show the wait cursor and restore the previous one (Windows). If memory
+ *  is too short to store a thread's error code, the thread is ended inside the call that it made.
  *
  *  PATHS are zero-terminated: in the system's ANSI code page on Windows, plain bytes on Linux. A name without a folder is in
  *  the current folder. On Windows bitmap files and colour fax page sets are opened by paths of at most 127 characters, and
@@ -107,7 +107,7 @@ typedef struct tagBITMAPINFOHEADER {
   uint32_t biClrImportant;
 } BITMAPINFOHEADER;
 
-/** The older 12-byte header, met in files only. Its colour table has RGBTRIPLE entries. */
+/** The older 12-byte header, found only in files. Its colour table has RGBTRIPLE entries. */
 typedef struct tagBITMAPCOREHEADER {
   uint32_t bcSize; /**< 12 */
   uint16_t bcWidth;
@@ -124,7 +124,7 @@ typedef struct tagRGBTRIPLE {
   uint8_t rgbtBlue, rgbtGreen, rgbtRed;
 } RGBTRIPLE;
 
-/** Makes a memory block.
+/** Allocates a memory block.
  *  flags  GMEM_FIXED or GMEM_MOVEABLE, with GMEM_ZEROINIT for zero-filled; GHND is movable and zero-filled
  *  bytes  its size; a movable block of 0 bytes exists but cannot be locked until it is given a size
  *  Returns the handle, for GlobalFree, or NULL when memory is short. */
@@ -133,22 +133,22 @@ VOREL_API HGLOBAL GlobalAlloc(UINT flags, size_t bytes);
 /** Changes a block's size, keeping its content up to the smaller of the two sizes.
  *  flags  GMEM_ZEROINIT zeroes the bytes gained; GMEM_MOVEABLE lets a fixed or locked block move; with GMEM_MODIFY the size
  *         stays and a fixed block becomes movable if GMEM_MOVEABLE is given
- *  Returns the handle, which for a movable block is the same one, or NULL: the block is then as it was. A locked or fixed
+ *  Returns the handle, which for a movable block is the same one, or NULL: the block is then unchanged. A locked or fixed
  *  block that may not move can only shrink. */
 VOREL_API HGLOBAL GlobalReAlloc(HGLOBAL block, size_t bytes, UINT flags);
 
 /** Locks a block. A movable block counts its locks, up to 255 of them; further ones are not counted and need no unlocking.
- *  Returns its first byte, or NULL for a handle that is none and for a movable block of 0 bytes. */
+ *  Returns its first byte, or NULL for an invalid handle and for a movable block of 0 bytes. */
 VOREL_API void* GlobalLock(HGLOBAL block);
 
-/** Takes one lock back.
- *  Returns TRUE while locks remain (for a fixed block always), FALSE when none does or the handle is none. */
+/** Removes one lock.
+ *  Returns TRUE while locks remain (for a fixed block always), FALSE when none remains or the handle is invalid. */
 VOREL_API BOOL GlobalUnlock(HGLOBAL block);
 
-/** Returns the block's size in bytes, exactly as asked for, or 0 for a handle that is none. */
+/** Returns the block's size in bytes, exactly as requested, or 0 for an invalid handle. */
 VOREL_API size_t GlobalSize(HGLOBAL block);
 
-/** Frees a block, locked or not. Returns NULL, or the handle itself when it is no block's; NULL is allowed. */
+/** Frees a block, locked or not. Returns NULL, or the handle itself if it is invalid; NULL is allowed. */
 VOREL_API HGLOBAL GlobalFree(HGLOBAL block);
 
 #endif /* !_WIN32 */
@@ -200,8 +200,8 @@ VOREL_API int VORELCALL ImgError(void);
 /** Sets the calling thread's error code. A code outside 0 to 31 changes nothing. Returns the previous code either way. */
 VOREL_API int VORELCALL SetImgError(int code);
 
-/** Puts an error code into words.
- *  buffer  takes the message with its terminating zero: at least IMG_MESSAGE_BYTES. NULL shows the message instead, in a
+/** Gives the text of an error code.
+ *  buffer  receives the message with its terminating zero: at least IMG_MESSAGE_BYTES. NULL shows the message instead, in a
  *          message box titled "VOREL error" (on Linux: a line on the standard error stream)
  *  code    0 to 31; any other value stands for the thread's current code, and "Unknown error." if that has no text either
  *  Returns buffer. */
@@ -214,20 +214,20 @@ VOREL_API void VORELCALL GetImageVersion(char* buffer, int length);
 
 /* ---- DIB headers and palettes -------------------------------------------------------------------------------------- */
 
-/** Returns the size in bytes of the colour table that belongs to a header in memory: colours * 4 for a 40-byte header,
+/** Returns the size in bytes of the colour table of a header in memory: colours * 4 for a 40-byte header,
  *  colours * 3 for any other (the RGBTRIPLE table of a BITMAPCOREHEADER). 0 for NULL and for a table of 4 GB or more.
  *  header  a BITMAPINFOHEADER or BITMAPCOREHEADER, whole; usually a locked DIB */
 VOREL_API UINT VORELCALL PaletteSize(void* header);
 
-/** Reads the header and colour table of a bitmap file from where the file stands, and leaves it at the pixel data.
+/** Reads the header and colour table of a bitmap file from the current file position, and leaves the position at the pixel data.
  *  file  open for reading and seekable (Windows: from OpenFile or _lopen; Linux: a file descriptor), at a BITMAPFILEHEADER,
- *        a BITMAPINFOHEADER or a BITMAPCOREHEADER; stays open. Offsets in it count from where it stands; one of 2 GB or more
- *        to the pixel data is not followed. After a failure it stands wherever reading ended
+ *        a BITMAPINFOHEADER or a BITMAPCOREHEADER; stays open. Offsets count from the position at the call; one of 2 GB or
+ *        more to the pixel data is ignored. After a failure the position is wherever reading ended
  *  Returns a DIB handle without pixels: the 40-byte header, with biSizeImage and biClrUsed filled in, and the table as
- *  RGBQUAD entries (what the file is too short for is zero). biSizeImage is an unsigned number: for a top-down picture that
- *  does not state it, it comes out as 2^32 minus the picture's size. NULL: IMG_E_PARAMETER (file is HFILE_ERROR),
- *  IMG_E_FILE_IO (fewer than 40 bytes from the header on, even where a 12-byte header would fit), IMG_E_FORMAT (header of
- *  neither 12 nor 40 bytes); no code for a negative width, for a size that does not fit 32 bits and when memory is short. */
+ *  RGBQUAD entries (zero where the file is too short). biSizeImage is an unsigned number: for a top-down picture that
+ *  does not state it, it is 2^32 minus the picture's size. NULL: IMG_E_PARAMETER (file is HFILE_ERROR),
+ *  IMG_E_FILE_IO (fewer than 40 bytes from the header on, even for a 12-byte header), IMG_E_FORMAT (header of
+ *  neither 12 nor 40 bytes); no code for a negative width, for a size that does not fit 32 bits, or when memory is short. */
 VOREL_API HGLOBAL VORELCALL ReadDIBInfo(HFILE file);
 
 /** Turns each of the first biClrUsed colours of the table into its complement, in place; reserved bytes stay.
@@ -236,24 +236,24 @@ VOREL_API HGLOBAL VORELCALL ReadDIBInfo(HFILE file);
 VOREL_API BOOL VORELCALL InvertDIBPalette(HGLOBAL dib);
 
 /** Reverses the sense of the bits of a 1-bit DIB in place: swaps its two colours and inverts every bit of the rows, padding
- *  included, so that the picture looks the same. The colours are those right behind a 40-byte header, the rows those right
- *  behind two colours, whatever biSize and biClrUsed say. Where the height is negative no row is inverted, only the colours
- *  are swapped. Other depths, and what is no DIB handle, are left alone. */
+ *  included, so that the picture looks the same. The two colours are read directly behind a 40-byte header and the rows directly
+ *  behind the colours, whatever biSize and biClrUsed state. With a negative height only the colours are swapped. Other depths
+ *  are not changed; an invalid handle does nothing. */
 VOREL_API void VORELCALL InvertMonoDIB(HGLOBAL dib);
 
 #ifdef _WIN32
 
 /** Makes a logical palette with a DIB's colours. Windows only.
- *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_PALETTE (also for more than 65,535 colours); no code for what is
- *  no DIB handle and for a DIB without colours (24 bits). */
+ *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_PALETTE (also for more than 65,535 colours); no code for an
+ *  invalid DIB handle and for a DIB without colours (24 bits). */
 VOREL_API HPALETTE VORELCALL CreateDIBPalette(HGLOBAL dib);
 
 /** Makes a logical palette of the screen's system palette entries. Windows only.
  *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_DC, IMG_E_CREATE_PALETTE (also on a true-colour display, which has
- *  none); no code when the system does not make the palette. */
+ *  none); no code if the system does not create the palette. */
 VOREL_API HPALETTE VORELCALL GetCurrentPalette(void);
 
-/** Fills an array with the colours that the screen shows for its system palette. Windows only.
+/** Fills an array with the colours of the screen's system palette. Windows only.
  *  colours  as many entries as the screen's palette has (SIZEPALETTE: 256 at 8 bits); reserved bytes become 0
  *  Returns FALSE: the codes of GetCurrentPalette; no code if the display has no palette and for a null array. */
 VOREL_API BOOL VORELCALL GetSystemPalette(RGBQUAD* colours);
@@ -262,27 +262,27 @@ VOREL_API BOOL VORELCALL GetSystemPalette(RGBQUAD* colours);
 
 /** Makes a DIB of a device bitmap: 1, 4 or 8 bits as the bitmap has, 24 for everything deeper. Windows only.
  *  palette  selected while the system reads the bitmap; NULL for the screen's. The system fills in the colour table as it
- *           does for GetDIBits. Where it leaves it, the palette's entries stand or, if there are none or more than the DIB
- *           has, the default colours: black and white, the 16 standard colours, or a 3-3-2 cube
+ *           does for GetDIBits. Where it does not, the table has the palette's entries or, if there are none or more than the
+ *           DIB has, the default colours: black and white, the 16 standard colours, or a 3-3-2 cube
  *  Returns a DIB handle; its block has 10 spare bytes at the end. NULL, no code: no bitmap, no screen, or memory is short.
- *  Asking the screen for a palette it does not have leaves the code of GetCurrentPalette (IMG_E_CREATE_PALETTE on
- *  true-colour displays) as the thread's even though the call succeeds. */
+ *  With a NULL palette on a screen without a palette the call succeeds, but the thread's code is that of GetCurrentPalette
+ *  (IMG_E_CREATE_PALETTE on true-colour displays). */
 VOREL_API HGLOBAL VORELCALL ConvertBitmapToDIB(HBITMAP bitmap, HPALETTE palette);
 
 /** Makes a device bitmap of a DIB: monochrome for 1 bit, else in the display's format. Windows only.
  *  dib  its header must have 40 bytes
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_CREATE_BITMAP; no code for what is no DIB handle or when there is no DC. A
- *  DIB whose palette cannot be made is converted without it, and leaves IMG_E_CREATE_PALETTE. */
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_CREATE_BITMAP; no code for an invalid DIB handle or without a DC. A
+ *  DIB whose palette cannot be created is converted without it, and leaves IMG_E_CREATE_PALETTE. */
 VOREL_API HBITMAP VORELCALL ConvertDIBToBitmap(HGLOBAL dib);
 
-/** Makes a 1-bit copy of a device bitmap, each colour going to black or white as the platform maps it. Windows only.
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_PARAMETER (no bitmap), IMG_E_MEMORY; no code when the system does not make
+/** Makes a 1-bit copy of a device bitmap, with each colour mapped to black or white by the system. Windows only.
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_PARAMETER (no bitmap), IMG_E_MEMORY; no code if the system does not create
  *  the bitmap. */
 VOREL_API HBITMAP VORELCALL ConvertToMonochromeBitmap(HBITMAP bitmap);
 
 /** Makes a device bitmap with the same format and bits. Windows only.
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY, IMG_E_COPY_BITS (also for what is no bitmap); no code when the
- *  system does not make the bitmap. */
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY, IMG_E_COPY_BITS (also for a handle of no bitmap); no code if
+ *  the system does not create the bitmap. */
 VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */
@@ -290,34 +290,34 @@ VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
 /* ---- Bitmap files -------------------------------------------------------------------------------------------------- */
 
 /** Loads a Windows bitmap file, with or without its file header, with a 40- or 12-byte header.
- *  Returns a DIB handle. Run-length compressed rows stay compressed and top-down ones top-down; rows the file is too short
- *  for are zero; colour masks (BI_BITFIELDS) are not kept. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code for
- *  sizes that no block has (a top-down picture that does not state its size among them) and when memory is short. */
+ *  Returns a DIB handle. Run-length compressed rows stay compressed and top-down ones top-down; rows missing from the
+ *  file are zero; colour masks (BI_BITFIELDS) are not kept. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code for
+ *  sizes that no block can have (including a top-down picture without a stated size) and when memory is short. */
 VOREL_API HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path);
 
-/** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory block
- *  as it is, spare bytes at its end included. Nothing about the DIB is checked but that its header is there.
- *  Returns TRUE. FALSE: IMG_E_PARAMETER (NULL, or a block shorter than 40 bytes), IMG_E_LOCK (what is no handle),
+/** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory
+ *  block, including spare bytes at its end. The DIB is not checked beyond the presence of its header.
+ *  Returns TRUE. FALSE: IMG_E_PARAMETER (NULL, or a block shorter than 40 bytes), IMG_E_LOCK (not a handle),
  *  IMG_E_OPEN_FILE, IMG_E_FILE_IO. A write that fails part-way, on a full disk for instance, can go unnoticed: compare the
- *  file's size with 14 + GlobalSize(dib) where that matters. */
+ *  file's size with 14 + GlobalSize(dib) if this matters. */
 VOREL_API BOOL VORELCALL SaveDIB(LPCSTR path, HGLOBAL dib);
 
 #ifdef _WIN32
 
 /** Loads a bitmap file as a device bitmap: LoadDIBFromFile, then ConvertDIBToBitmap. Windows only.
- *  Returns a bitmap for DeleteObject, or NULL with the codes of those two. */
+ *  Returns a bitmap for DeleteObject, or NULL with the codes of these functions. */
 VOREL_API HBITMAP VORELCALL LoadBitmapFromFile(LPCSTR path);
 
 /** Saves a device bitmap as a bitmap file: ConvertBitmapToDIB, then SaveDIB. Windows only.
  *  palette  as for ConvertBitmapToDIB; NULL is allowed
- *  Returns TRUE, or FALSE with the codes of those two; ConvertBitmapToDIB may leave its code on success too. */
+ *  Returns TRUE, or FALSE with the codes of these functions; ConvertBitmapToDIB may leave its code on success too. */
 VOREL_API BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palette);
 
 #endif /* _WIN32 */
 
 /* ---- Image files by format ------------------------------------------------------------------------------------------ */
 
-/** The kinds of image file, as GetImageFormat tells them and as loading and saving take them. */
+/** Image file formats, as GetImageFormat returns them and SaveDIBInImageFormat accepts them. */
 typedef enum ImgFormat {
   IMG_FORMAT_UNKNOWN = 0,
   IMG_FORMAT_TIFF = 1,
@@ -336,49 +336,47 @@ typedef enum ImgFormat {
   IMG_FORMAT_ENHANCED_METAFILE = 15
 } ImgFormat;
 
-/** Tells what kind of image file a file is, by its first 512 bytes and, for TGA, by the end of its name.
- *  The tests run in a fixed order and the first that matches decides: a text that begins with a line feed is taken for PCX,
- *  a file whose bytes 2 and 3 are 9 and 0 for a metafile, and whatever is called *.tga and bears no signature tested before,
- *  a JPEG for instance, for TGA.
- *  Returns an ImgFormat: IMG_FORMAT_UNKNOWN also for what cannot be read. Stores no code. */
+/** Detects the format of a file by its first 512 bytes and, for TGA, by the end of its name.
+ *  The tests run in a fixed order and the first match wins: a text that begins with a line feed is PCX, a file whose bytes 2
+ *  and 3 are 9 and 0 is a metafile, and a file called *.tga without a signature tested earlier, a JPEG for instance, is TGA.
+ *  Returns an ImgFormat; IMG_FORMAT_UNKNOWN also for an unreadable file that is not called *.tga. Stores no code. */
 VOREL_API int VORELCALL GetImageFormat(LPCSTR path);
 
 /** Loads an image file of any kind. Bitmap files and colour fax page sets are read by the library itself; TIFF, PCX, DCX,
- *  GIF, TGA, CALS, JPEG and PNG files by a codec module, which is looked for in the folder of the library and, if there is
- *  no file of its name, where the system looks for modules. A missing module is told in a message box (on Linux: on the
- *  standard error stream).
- *  page    of TIFF, DCX, GIF files and page sets, counted from 1; not looked at for other kinds
- *  status  takes the loader's account of a failure; may be NULL. PCX, DCX, GIF and PNG files and page sets report there (see
- *          "Codec modules"), other kinds leave it as it is
+ *  GIF, TGA, CALS, JPEG and PNG files by a codec module from the library's folder or, if it has no file of that
+ *  name, from the system's search path for modules. A missing module is reported in a message box (on Linux: on standard
+ *  error).
+ *  page    of TIFF, DCX, GIF files and page sets, counted from 1; ignored for other formats
+ *  status  receives the loader's status; may be NULL. PCX, DCX, GIF and PNG files and page sets set it (see
+ *          "Codec modules"), other formats leave it unchanged
  *  Returns a DIB handle. NULL: IMG_E_FORMAT (not recognised, or text; *status becomes 9 too), the codes of LoadDIBFromFile
  *  for bitmap files and of LoadColorFaxPage for page sets; no code when a module is missing or fails. */
 VOREL_API HGLOBAL VORELCALL LoadImageIntoDIB(LPCSTR path, int page, int* status);
 
 /** Saves a DIB in a format of the caller's choice, through the codec modules like LoadImageIntoDIB.
  *  format  an ImgFormat. PNG files and page sets can be loaded but not saved
- *  option  GIF: 1 stores the rows interlaced, 0 in order. Other formats do not look at it
+ *  option  GIF: 1 stores the rows interlaced, 0 in order. Ignored for other formats
  *  value   TIFF: the compression by its TIFF number, see ImgSaveTiff; 0 picks one. TGA: 0 stores plain rows, anything else
- *          run-length compressed ones where there is no colour table. Other formats do not look at it; JPEG files get
- *          quality 75
- *  A DCX file that is there already gains a page; every other file is replaced.
+ *          run-length compressed ones if there is no colour table. Ignored for other formats; JPEG files get quality 75
+ *  An existing DCX file gains a page; every other file is replaced.
  *  Returns what the saver returned: TRUE once the file is written. FALSE: the codes of SaveDIB for bitmap files; no code for
- *  a format that is not saved, when a module is missing and when it fails. */
+ *  a format that cannot be saved, or when a module is missing or fails. */
 VOREL_API BOOL VORELCALL SaveDIBInImageFormat(LPCSTR path, HGLOBAL dib, int format, int option, int value);
 
 /** Counts the pages of a colour fax page set: its "TotalPages".
  *  Returns -1 when the file does not exist (IMG_E_OPEN_FILE), when memory is short (IMG_E_MEMORY), and when there is no such
- *  entry (no code), so for other kinds of file too and for whatever is larger than 1 MB. */
+ *  entry (no code), as in other kinds of file and in any file larger than 1 MB. */
 VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
 
 /** Loads a page of a colour fax page set.
  *  The set is a text in the form of an initialisation file, of at most 1 MB. Its section "ColorFax" states TotalPages,
- *  FirstPage (the number of the first page, 1 if left out), Planes (1 to 4), BitsPixel (1) and Files. Where Files is
+ *  FirstPage (the number of the first page, 1 if left out), Planes (1 to 4), BitsPixel (1) and Files. If Files is
  *  TotalPages times Planes, the section "Page1", "Page2", ... names the file of each plane as Plane0 to Plane3. Otherwise
  *  the sections "File%u", counted from FirstPage, give the Name of a file that holds several pages, plane after plane,
- *  and how many Pages it holds. Names of at most 128 characters are files as LoadImageIntoDIB takes them; a relative one
- *  counts from the current folder.
+ *  and the number of its Pages. Names have at most 128 characters and refer to files for LoadImageIntoDIB; a relative name
+ *  is relative to the current folder.
  *  page    counted from 1
- *  status  3 when the set does not exist, else what loading a plane reports there; may be NULL
+ *  status  3 when the set does not exist, else the status of loading a plane; may be NULL
  *  Returns a DIB handle: with one plane the plane's image as it is, else a 4-bit DIB whose 16 colours have red in plane 0,
  *  green in plane 1, blue in plane 2 and full brightness in plane 3. NULL: IMG_E_OPEN_FILE (the set does not exist),
  *  IMG_E_MEMORY, the codes of LoadImageIntoDIB for a plane; no code for a page out of range, for a BitsPixel other than 1, for
@@ -387,9 +385,9 @@ VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status)
 
 /* ---- Codec modules -------------------------------------------------------------------------------------------------- */
 
-/*  What the library asks of a codec module, for those who call one directly or write another. A module is MERV32.DLL and so
- *  on (on Linux MERV32.so), loaded by the call that needs it and released before that call returns; it exports its entry
- *  points by plain name, with the calling convention of this header.
+/*  The interface of a codec module, for programs that call one directly and for authors of other modules. A module is
+ *  MERV32.DLL and so on (on Linux MERV32.so), loaded by the call that needs it and released before that call returns; it
+ *  exports its entry points by plain name, with the calling convention of this header.
  *
  *    format  loads from          saves with
  *    TIFF    MERV32  LoadTiffIntoDIB (ImgLoadPage)     MERV  SaveDIBInTiffFormat (ImgSaveTiff)
@@ -406,13 +404,13 @@ VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status)
  *
  *  Loaders return a new DIB handle that the caller owns: 1, 4, 8 or 24 bits, uncompressed, with the whole colour table that
  *  the depth implies. Savers take such a DIB and read it only. Wherever there is a status variable it may be NULL; an entry
- *  point sets it to 0 or, on failure, to one of these numbers, which ImgErrorString has texts for:
- *     1  memory is short, or the picture is larger than a file of this size may claim
+ *  point sets it to 0 or, on failure, to one of these numbers, for which ImgErrorString has texts:
+ *     1  memory is short, or the picture is too large for a file of this size
  *     3  the file cannot be opened or created, or its path is null
  *     4  reading or writing failed part-way
- *     8  no such page; a null handle or a block that is no DIB; a setting that does not suit the picture
- *     9  the file is damaged, or of a variant that is not read
- *    13  the format has no pixels of this depth
+ *     8  no such page; a null handle or a block that is no DIB; a setting that does not fit the picture
+ *     9  the file is damaged or of an unsupported variant
+ *    13  the format does not support this depth
  *    17  not a DIB handle
  *    18  the DIB is compressed
  *    19  the picture has no pixels, or more than the format can state
@@ -435,7 +433,7 @@ typedef int(VORELCALL* ImgTiffCompression)(LPCSTR path, int page, int* status);
 /** Saves a picture. PCX and PNG files are replaced, a DCX file gains a page. */
 typedef BOOL(VORELCALL* ImgSavePicture)(LPCSTR path, HGLOBAL dib, int* status);
 
-/** Makes a DCX file without pages. */
+/** Creates a DCX file without pages. */
 typedef BOOL(VORELCALL* ImgMakeFile)(LPCSTR path, int* status);
 
 /** Saves a picture as GIF. interlaced: 0 or 1. */
@@ -443,8 +441,8 @@ typedef BOOL(VORELCALL* ImgSaveGif)(LPCSTR path, HGLOBAL dib, int interlaced, in
 
 /** Saves a picture as TIFF.
  *  compression  by TIFF number: 1 none, 2 modified Huffman, 3 Group 3, 4 Group 4 (these three for 1 bit alone), 5 LZW, 7 JPEG
- *               (grey pictures of 8 bits, and 24 bits), 8 deflate, 32773 PackBits; 0 picks Group 4 for 1 bit and deflate else
- *  page         1 makes a new file; any other number adds a page at the end of the file that is there */
+ *               (grey pictures of 8 bits, and 24 bits), 8 deflate, 32773 PackBits; 0 picks Group 4 for 1 bit and deflate otherwise
+ *  page         1 creates a new file; any other number adds a page at the end of the existing file */
 typedef BOOL(VORELCALL* ImgSaveTiff)(LPCSTR path, HGLOBAL dib, int compression, int page);
 
 /** Saves a 1-bit picture as CALS raster. The last three arguments are 0. */
@@ -458,9 +456,9 @@ typedef BOOL(VORELCALL* ImgSaveJpeg)(LPCSTR path, HGLOBAL dib, int quality);
 
 /* ---- Quarter turns and mirrors ------------------------------------------------------------------------------------- */
 
-/*  The five DIB functions take 1-, 4-, 8- and 24-bit DIBs (at other depths the result's pixels are all zero, but for
- *  FlipDIBVertical, which takes any) and return a new DIB handle whose block has 4 spare bytes at the end. Quarter turns
- *  swap width and height, and the two resolutions, and state the new biSizeImage; the others keep the header as it is. NULL,
+/*  The five DIB functions take 1-, 4-, 8- and 24-bit DIBs (at other depths the result's pixels are all zero, except
+ *  by FlipDIBVertical, which accepts any depth) and return a new DIB handle whose block has 4 spare bytes at the end. Quarter turns
+ *  swap width and height, and the two resolutions, and set the new biSizeImage; the others do not change the header. NULL,
  *  no code: not a DIB handle, a header of fewer than 40 bytes, a negative width or height, or memory is short. */
 
 /** Turns a DIB a quarter clockwise. */
@@ -483,15 +481,15 @@ VOREL_API HGLOBAL VORELCALL FlipDIBHorizontal(HGLOBAL dib);
 #ifdef _WIN32
 
 /*  The device bitmap functions handle 1, 4, 8 and 24 bits per pixel and plane; at other depths (a 32-bit display's bitmaps)
- *  the result is all zero, but for FlipBitmapVertical, which takes any. DIB sections are taken as the bitmaps they are. Zero
+ *  the result is all zero, except by FlipBitmapVertical, which accepts any depth. DIB sections are handled as bitmaps. Zero
  *  results: IMG_E_BITMAP_PARAMETERS (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns,
  *  IMG_E_CREATE_BITMAP. */
 
-/** Turns a device bitmap a quarter counter-clockwise (its like-named DIB function turns clockwise). Windows only.
+/** Turns a device bitmap a quarter counter-clockwise (RotateDIB90 turns clockwise). Windows only.
  *  Returns a new bitmap for DeleteObject. */
 VOREL_API HBITMAP VORELCALL RotateBitmap90(HBITMAP bitmap);
 
-/** Turns a device bitmap a quarter clockwise. In 1-bit bitmaps the bottom row is not carried over: the result's first column
+/** Turns a device bitmap a quarter clockwise. In 1-bit bitmaps the bottom row is not copied: the result's first column
  *  is zero. Windows only. Returns a new bitmap for DeleteObject. */
 VOREL_API HBITMAP VORELCALL RotateBitmap270(HBITMAP bitmap);
 
@@ -505,8 +503,8 @@ VOREL_API BOOL VORELCALL FlipBitmapVertical(HBITMAP bitmap);
 VOREL_API BOOL VORELCALL FlipBitmapHorizontal(HBITMAP bitmap);
 
 /** Inverts every bit of a device bitmap, in place. Needs an active window of the calling thread. Windows only.
- *  bitmap  monochrome or in the display's format; anything else stays as it is, and so does what is no bitmap
- *  Returns TRUE, even where nothing was inverted. FALSE, no code: no active window, or no device context. */
+ *  bitmap  monochrome or in the display's format; any other bitmap or object is unchanged
+ *  Returns TRUE, even if nothing was inverted. FALSE, no code: no active window, or no device context. */
 VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */
@@ -514,45 +512,45 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 /* ---- Turning by any angle, skewing, scaling, cutting ---------------------------------------------------------------- */
 
 /** Turns a DIB about its centre by any whole number of degrees, picking the nearest pixel. The result is just large enough, has
- *  even sides, and 0 (colour 0, black) where the picture does not reach.
+ *  even sides, and is filled with 0 (colour 0, black) outside the picture.
  *  dib      1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
  *  angle    degrees, positive counter-clockwise
- *  method   1 steps along rows by counting; any other number follows exact positions and rounds at each pixel
- *  status   takes 0, or 500 (compressed), 501 (width or height is a multiple of 65,536, 0 for instance), 503 (memory is short),
- *           505 (not a handle), 506 (null, or another header). The thread's code stays as it was
- *  corners  takes eight numbers, x and y of the turned corners seen from the centre, in whole pixels: first stored row left and
- *           right, last stored row right and left; y counts rows as they are stored, upwards. May be NULL
+ *  method   1 counts steps along rows; any other number computes exact positions and rounds at each pixel
+ *  status   receives 0, or 500 (compressed), 501 (width or height is a multiple of 65,536, 0 for instance), 503 (memory is short),
+ *           505 (not a handle), 506 (null, or another header). The thread's code is unchanged
+ *  corners  receives eight numbers, x and y of the turned corners relative to the centre, in whole pixels: first stored row
+ *           left and right, last stored row right and left; y counts rows as they are stored, upwards. May be NULL
  *  Resolutions are mixed by the angle. At 0 degrees an odd width or height makes the result one larger, and the source's first
- *  column or row may not be seen in it.
+ *  column or row may be missing from it.
  *  Returns a DIB handle, or NULL. */
 VOREL_API HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners);
 
-/** Shears a DIB: moves its rows or columns, each by a whole number of pixels. The result is larger by the offset and has 0 where
- *  the picture does not reach.
+/** Shears a DIB: moves its rows or columns, each by a whole number of pixels. The result is larger by the offset and is
+ *  filled with 0 outside the picture.
  *  dib        1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
  *  direction  not 0: rows move right; 0: columns move up
- *  offset     pixels by which the edge that moves furthest does. Rows: the upper ones if positive, else the lower ones. Columns:
+ *  offset     shift in pixels of the edge that moves furthest. Rows: the upper ones if positive, else the lower ones. Columns:
  *             the right ones if positive, else the left ones
- *  error      takes the code of a failure; not written on success. May be NULL
- *  corners    takes eight numbers, x and y of four corners in the result, from the upper left one clockwise, y downwards from the
- *             top. For columns they are those of the rectangle that the picture has grown to. Written once dib is found good
+ *  error      receives the code of a failure; not written on success. May be NULL
+ *  corners    receives eight numbers, x and y of four corners in the result, clockwise from the upper left one, y downwards
+ *             from the top. For columns they are the corners of the enlarged rectangle. Written once dib has passed its checks
  *  Returns a DIB handle, and sets the thread's code to 0. NULL, code in both: IMG_E_PARAMETER (null, or another header),
  *  IMG_E_LOCK, IMG_E_COMPRESSED, IMG_E_DIB_SIZE (width or height 0), IMG_E_MEMORY. */
 VOREL_API HGLOBAL VORELCALL SkewDIB(HGLOBAL dib, int direction, int offset, int* error, int* corners);
 
 /** Scales a DIB to a size in pixels.
  *  dib            1 bit: nearest pixel. 4, 8, 24 bits: interpolated, below 24 bits with the nearest colour of the table; black at
- *                 the beginning of a row becomes colour 0 whatever that is
- *  mode           0 linear, anything else cubic convolution with a = -1 (Keys, 1981); not looked at for 1 bit
+ *                 the beginning of a row becomes colour 0 whatever that colour is
+ *  mode           0 linear, anything else cubic convolution with a = -1 (Keys, 1981); ignored for 1 bit
  *  width, height  of 4, 8 and 24 bits the low 16 bits count
- *  Resolutions and the rest of the header stay as they are; with 1 bit so does biSizeImage.
+ *  Resolutions and the rest of the header are unchanged; at 1 bit biSizeImage is unchanged too.
  *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null), IMG_E_MEMORY (also: not a handle), IMG_E_HEADER_BITS (another depth),
  *  IMG_E_DIB_SIZE (a side of 0, or a picture wider than 65,535 or without pixels); no code for 1 bit. */
 VOREL_API HGLOBAL VORELCALL ScaleDIB(HGLOBAL dib, int mode, unsigned width, unsigned height);
 
 /** Magnifies the lower left part of a grey DIB, interpolating like ScaleDIB.
- *  dib                 4, 8 or 24 bits. Below 24 bits each colour counts as its grey, (blue + green + red + 1) / 3, and what comes
- *                      out goes to the colour nearest to that grey; at 24 bits each component is interpolated by itself
+ *  dib                 4, 8 or 24 bits. Below 24 bits each colour counts as its grey, (blue + green + red + 1) / 3, and the
+ *                      result is the colour nearest to the interpolated grey; at 24 bits each component is interpolated by itself
  *  width, height       of the part, from the first stored row and column on, in pixels
  *  x_factor, y_factor  from 1
  *  mode                0 linear, anything else cubic
@@ -562,8 +560,8 @@ VOREL_API HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int
 
 /** Cuts a DIB in two at a line.
  *  line           rows of the upper part, from 1 to one less than all
- *  first, second  take the handles of the lower and the upper part. Each is set once its block is there, to NULL if memory is
- *                 short; after a failure they may hold handles that are dead
+ *  first, second  receive the handles of the lower and the upper part. Each is written once its block is allocated, NULL if
+ *                 memory is short; after a failure they may hold dead handles
  *  Both parts state the image size of the first.
  *  Returns TRUE. FALSE, no code: not a DIB handle, another depth than 1, 4, 8 or 24 bits, a line outside, or memory is short. */
 VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second);
@@ -571,60 +569,59 @@ VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* 
 #ifdef _WIN32
 
 /** Paints a device bitmap onto another. Windows only.
- *  x, y    where the source's left upper corner goes. The system combines as many pixels as the target has, so what lies
- *          beyond the source in the system's hands is combined too
- *  target  the bitmap to paint on; one that is NULL becomes a copy of the source, for DeleteObject
+ *  x, y    the target position of the source's upper left corner. The system combines as many pixels as the target has,
+ *          including whatever it returns beyond the source
+ *  target  the bitmap to paint on; NULL becomes a copy of the source, for DeleteObject
  *  mask    of the source's size, or NULL; one in colour is made monochrome first. White lets the source through
  *  flag    without a mask: 0 replaces, anything else ORs. With a mask: 0 replaces, anything else XORs
  *  With a mask the source is ANDed with it and a monochrome mask is inverted: both lose their contents.
  *  Returns TRUE. FALSE: 501 (mask and source differ in size), 506 (no source), 507 (the source cannot be copied), the codes of
- *  ConvertToMonochromeBitmap; no code when the system does not paint. */
+ *  ConvertToMonochromeBitmap; no code if the system does not paint. */
 VOREL_API BOOL VORELCALL CombineBMP(int x, int y, HBITMAP* target, HBITMAP source, HBITMAP mask, int flag);
 
-/** Paints a DIB onto another by way of device bitmaps, so that colours are those of the display. Windows only.
- *  target  the DIB to paint on, changed in place; one that is NULL becomes a copy of the source (without pixels if that states
- *          no biSizeImage), for GlobalFree
- *  The rest is as for CombineBMP, but that source and mask stay as they are.
+/** Paints a DIB onto another through device bitmaps, so the result has the display's colours. Windows only.
+ *  target  the DIB to paint on, changed in place; NULL becomes a copy of the source (without pixels if the source
+ *          states no biSizeImage), for GlobalFree
+ *  The rest is as for CombineBMP, except that source and mask are unchanged.
  *  Returns TRUE. FALSE: 504 (no memory for the copy), 505 (not a DIB handle), 506 (no source), 508 (the source to be copied is
- *  compressed), 510 (a DIB cannot be converted, or the target is compressed), IMG_E_MEMORY, the codes of CombineBMP. A display without a palette leaves
- *  IMG_E_CREATE_PALETTE even though the call succeeds. */
+ *  compressed), 510 (a DIB cannot be converted, or the target is compressed), IMG_E_MEMORY, the codes of CombineBMP.
+ *  A display without a palette leaves IMG_E_CREATE_PALETTE even though the call succeeds. */
 VOREL_API BOOL VORELCALL CombineDIB(int x, int y, HGLOBAL* target, HGLOBAL source, HGLOBAL mask, int flag);
 
 #endif /* _WIN32 */
 
 /* ---- Tone and colour ------------------------------------------------------------------------------------------------ */
 
-/** What ComputeHistogram and ComputeLUT are to do. Any other number does nothing and returns NULL with error 0. */
+/** Operations of ComputeHistogram and ComputeLUT. Any other number does nothing and returns NULL with error 0. */
 typedef enum ImgOperation { IMG_ALLOCATE = 30, IMG_COMPUTE = 31, IMG_FREE = 32 } ImgOperation;
 
-/** Counts how often each value occurs in a square of 256 x 256 pixels that is dragged about an 8-bit DIB; less where the picture is
- *  smaller. What comes into the square and leaves it is all that is counted anew on short ways.
+/** Counts how often each value occurs in a square of 256 x 256 pixels, or less in smaller pictures, that moves over an 8-bit DIB.
+ *  After short moves only the pixels that enter or leave the square are counted.
  *    IMG_ALLOCATE  returns a new histogram block: 256 counters of 16 bits. Counters wrap: a square of one value counts to 0
- *    IMG_COMPUTE   makes the counters those of the square and returns `histogram`. The thread remembers the square that it
- *                  counted last, for whatever picture and block, and does not count it again: start a new picture with
- *                  IMG_ALLOCATE
+ *    IMG_COMPUTE   counts the square and returns `histogram`. The thread remembers the last square that it counted, for any
+ *                  picture and block, and does not count it again: start a new picture with IMG_ALLOCATE
  *    IMG_FREE      frees the block and returns NULL
  *  dib     IMG_COMPUTE: 8 bits. Pixel values are counted, whatever their colours
- *  origin  IMG_COMPUTE: x and y of the square's left upper corner, y from the top; moved inside the picture
- *  error   takes 0, or IMG_E_MEMORY, IMG_E_PARAMETER (a null argument, a header of other than 40 bytes), IMG_E_LOCK (not a
- *          handle), IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (not 8 bits), IMG_E_DIB_SIZE. The thread's code stays as it was
+ *  origin  IMG_COMPUTE: x and y of the square's upper left corner, y from the top; moved inside the picture
+ *  error   receives 0, or IMG_E_MEMORY, IMG_E_PARAMETER (a null argument, a header of other than 40 bytes), IMG_E_LOCK (not a
+ *          handle), IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (not 8 bits), IMG_E_DIB_SIZE. The thread's code is unchanged
  *  Returns NULL on failure. */
 VOREL_API HGLOBAL VORELCALL ComputeHistogram(HGLOBAL dib, int operation, HGLOBAL histogram, const int* origin, int* error);
 
 /** Makes a lookup table of contrast and brightness.
- *    IMG_ALLOCATE  returns a new block of 256 bytes, in which each level stays what it is
- *    IMG_COMPUTE   makes entry i the level i + contrast * (i - mean) / 255 + brightness, between 0 and 255, and returns `table`.
+ *    IMG_ALLOCATE  returns a new block of 256 bytes that maps each level to itself
+ *    IMG_COMPUTE   sets entry i to the level i + contrast * (i - mean) / 255 + brightness, between 0 and 255, and returns `table`.
  *                  On a thread that never allocated a table it writes nothing
  *    IMG_FREE      frees the block and returns its number
- *  histogram  IMG_COMPUTE: its mean level is what contrast turns about; 128 without one, or where it counts nothing
+ *  histogram  IMG_COMPUTE: contrast is centred on its mean level; 128 without a histogram or for an empty one
  *  contrast   0 none; -255 flattens the table to the mean
- *  error      takes 0, or IMG_E_MEMORY, IMG_E_PARAMETER (no table). The thread's code stays as it was
+ *  error      receives 0, or IMG_E_MEMORY, IMG_E_PARAMETER (no table). The thread's code is unchanged
  *  Returns NULL on failure. */
 VOREL_API HGLOBAL VORELCALL ComputeLUT(HGLOBAL histogram, int operation, HGLOBAL table, int contrast, int brightness,
                                        int* error);
 
-/** Runs an 8-bit DIB through a lookup table. Each pixel becomes the table's level for the mean of its colour,
- *  (blue + green + red + 1) / 3, and the colour table greys from black to white, as far as it goes.
+/** Maps an 8-bit DIB through a lookup table. Each pixel becomes the table's level for the mean of its colour,
+ *  (blue + green + red + 1) / 3, and the entries of the colour table become a grey ramp from black to white.
  *  table      a block of 256 bytes
  *  make_copy  0 changes the DIB itself and returns it; anything else returns a new one
  *  error      as for ComputeHistogram
@@ -632,109 +629,112 @@ VOREL_API HGLOBAL VORELCALL ComputeLUT(HGLOBAL histogram, int operation, HGLOBAL
 VOREL_API HGLOBAL VORELCALL ApplyLUT(HGLOBAL dib, HGLOBAL table, int make_copy, int* error);
 
 /** Changes brightness, then contrast, of the colours of a 4- or 8-bit DIB or of the pixels of a 24-bit one.
- *  brightness, contrast  percent, from -100 to 100; low 16 bits of what is passed. Contrast turns about 128
+ *  brightness, contrast  percent, from -100 to 100; low 16 bits of the argument. Contrast is centred on 128
  *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_PARAMETER (null, another header, percentages out of range),
  *  IMG_E_LOCK, IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (another depth), IMG_E_DIB_SIZE, IMG_E_MEMORY. */
 VOREL_API HGLOBAL VORELCALL ColorBrightnessContrast(HGLOBAL dib, short brightness, short contrast);
 
-/** Makes a 24-bit copy of an 8-bit DIB. biSizeImage counts rows by the low 16 bits of their length.
+/** Makes a 24-bit copy of an 8-bit DIB. biSizeImage is computed from the low 16 bits of the row length.
  *  Returns a DIB handle and sets the thread's code to 0. NULL: 31 (24 bits already), else as ColorBrightnessContrast. */
 VOREL_API HGLOBAL VORELCALL Convert8to24(HGLOBAL dib);
 
-/** Filters an 8-bit DIB, whose pixel values are taken for greys; the colour table becomes greys from black to white, as far as it
- *  goes. Rows and columns at the edges are repeated beyond them.
+/** Filters an 8-bit DIB, whose pixel values are assumed to be greys; the entries of the colour table become a grey ramp from black
+ *  to white. Rows and columns at the edges are repeated beyond them.
  *  make_copy    0 changes the DIB itself and returns it; anything else returns a new one
  *  type         1 the caller's kernel, 2 one from a file, 3 box blur, 4 weighted blur, 5 sharpen by four neighbours, 6 by eight
  *  size         of the kernel: 3 or 5; types 1 and 3 also 7
- *  kernel_file  type 2: size x size coefficients row by row and the divisor, 32-bit little-endian whole numbers, no more
+ *  kernel_file  type 2: size x size coefficients row by row and the divisor, 32-bit little-endian integers, and nothing more
  *  kernel       type 1: the same in memory
- *  error        takes 0, or a code as for ComputeHistogram; IMG_E_PARAMETER also for another type or size, and for a kernel that is
- *               missing or out of bounds. The thread's code stays as it was
- *  A kernel's first row is for the row above in the picture, its first column for the left neighbour. Coefficients, and the sums of
- *  the positive and of the negative ones, are at most 127 either way. Divisor 0 stands for the sum of all, or 1 where that is 0.
- *  Where a kernel has both signs, and for types 5 and 6, sums are limited to 0 to 255 before they are divided. Quotients keep their
- *  low 8 bits. Of size 5, types 4 and 6 count the second pixel of each row once too often; see docs/behaviour.md.
+ *  error        receives 0, or a code as for ComputeHistogram; IMG_E_PARAMETER also for another type or size, and for a kernel
+ *               that is missing or out of bounds. The thread's code is unchanged
+ *  A kernel's first row applies to the row above in the picture, its first column to the left neighbour. Coefficients, and the
+ *  sums of the positive and of the negative ones, are at most 127 either way. Divisor 0 stands for the sum of all, or 1 where
+ *  that is 0. If a kernel has both signs, and for types 5 and 6, sums are limited to 0 to 255 before they are divided.
+ *  Quotients keep their low 8 bits. With size 5, types 4 and 6 count the second pixel of each row once too often; see
+ *  docs/behaviour.md.
  *  Returns NULL on failure. */
 VOREL_API HGLOBAL VORELCALL Convolve(HGLOBAL dib, int make_copy, int type, int size, LPCSTR kernel_file, const int* kernel,
                                      int* error);
 
-/** Filters a 24-bit DIB by its intensity: what the filter changes is added to blue, green and red alike, within 0 to 255.
+/** Filters the intensity of a 24-bit DIB: the change that the filter makes is added to blue, green and red alike, within 0 to 255.
  *  intensity_mode  1 (8 blue + 15 green + 3 red) / 26; anything else the mean
  *  type            low 16 bits count
- *  kernel_file, kernel  of 16-bit whole numbers
- *  The rest is as for Convolve, but that sums are never limited before they are divided. */
+ *  kernel_file, kernel  of 16-bit integers
+ *  The rest is as for Convolve, except that sums are never limited before they are divided. */
 VOREL_API HGLOBAL VORELCALL ColorConvolution(HGLOBAL dib, int make_copy, int intensity_mode, short type, int size,
                                              LPCSTR kernel_file, const short* kernel, int* error);
 
-/** Makes a grey copy: 8 bits, of a 4-bit DIB 4 bits. 4 and 8 bits keep their pixels and get a grey colour table.
+/** Makes a grey copy of 8 bits, or of 4 bits for a 4-bit DIB. 4 and 8 bits keep their pixels and get a grey colour table.
  *  grade     1 bit: 0 plain, 1 smoothed over 3 x 3 pixels, 2 over 5 x 5 (in pictures below 6 rows over 3 x 3, below 4 not at all).
- *            Set bits come out white whatever the colour table says. Smoothed pictures come out 1 or 2 stored rows later
- *  weighted  0 the mean of blue, green and red; else (8 red + 15 green + 3 blue) / 26; not looked at for 1 bit
+ *            Set bits become white whatever the colour table says. Smoothed pictures are shifted by 1 or 2 stored rows
+ *  weighted  0 the mean of blue, green and red; else (8 red + 15 green + 3 blue) / 26; ignored for 1 bit
  *  Returns a DIB handle and sets the thread's code to 0. NULL: as ColorBrightnessContrast; IMG_E_PARAMETER for another grade. */
 VOREL_API HGLOBAL VORELCALL ConvColorDIBtoGrayscale(HGLOBAL dib, int grade, int weighted);
 
-/** Makes an 8-bit grey copy of a 1-bit DIB. Its colour table falls from white to black, and pixels say how dark they are: the bits
+/** Makes an 8-bit grey copy of a 1-bit DIB. Its colour table runs from white to black, so pixel values are darkness: the bits
  *  of the darker colour count.
  *  grade  as for ConvColorDIBtoGrayscale
  *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_COMPRESSED (also: not 1 bit, or not one plane), else as
  *  ConvColorDIBtoGrayscale. */
 VOREL_API HGLOBAL VORELCALL ConvMonoDIBtoGrayscale(HGLOBAL dib, int grade);
 
-/** Takes specks off a grey DIB of 1 or 8 bits, by the eight neighbours of each pixel. Edges stay as they are.
- *  level  strength, 20 to 100. Where colour 0 is black, 120 - level takes its place
+/** Removes specks from a grey DIB of 1 or 8 bits, by the eight neighbours of each pixel. Edges are unchanged.
+ *  level  strength, 20 to 100. If colour 0 is black, 120 - level replaces it
  *         1 bit: a pixel with more set neighbours than level * 8 / 100 is set, one with fewer is cleared
  *         8 bits: a pixel takes the value of its neighbour of rank (120 - level) * 9 / 100, counted from the smallest
  *  mode   0 gentle: 1 bit, only pixels with fewer than four set neighbours; 8 bits, only values below 5 and above 250. Else all
- *  Returns a DIB handle for a block of the same size. NULL, no code: not a DIB handle, another depth, a colour that is no grey, a
- *  level out of range, or memory is short. */
+ *  Returns a DIB handle; its block has the source's size. NULL, no code: not a DIB handle, another depth, a colour that is not
+ *  grey, a level out of range, or memory is short. */
 VOREL_API HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode);
 
 /* ---- Black and white, and few colours ------------------------------------------------------------------------------- */
 
 /*  The four functions reduce a DIB of 4, 8 or 24 bits to fixed colours by error diffusion:
  *    bits 1   black and white, by luminance, (30 red + 59 green + 11 blue) / 100
- *    bits 4   red, green and blue on or off, each by itself; pixels are 8 red + 4 green + 2 blue
+ *    bits 4   red, green and blue independently on or off; pixels are 8 red + 4 green + 2 blue
  *    bits 8   eight reds, eight greens, four blues (3-3-2); DitherFS4 and DitherJJN only
- *  Colour tables of 16 or 256 entries are taken to be there whatever biClrUsed says, and neither header size nor compression is
- *  looked at. They return a DIB handle and set the thread's code to 0. NULL: IMG_E_PARAMETER (other bits), IMG_E_DITHER_PARAMETER
- *  (as many bits as the DIB has or more, another depth; one lock on the DIB stays behind), IMG_E_MEMORY (a lock may stay behind
- *  too), and for what is no handle:
+ *  Colour tables of 16 or 256 entries are assumed whatever biClrUsed says, and neither header size nor compression is
+ *  checked. They return a DIB handle and set the thread's code to 0. NULL: IMG_E_PARAMETER (other bits), IMG_E_DITHER_PARAMETER
+ *  (as many bits as the DIB has or more, another depth; one lock on the DIB remains), IMG_E_MEMORY (a lock may remain
+ *  too), and for invalid handles:
  *                              null               not a DIB handle
  *    DitherFS4                 IMG_E_PARAMETER    IMG_E_LOCK
  *    DitherJJN, Smooth, Sharp  IMG_E_LOCK         IMG_E_MEMORY
  */
 
-/** Spreads errors over four neighbours, after Floyd and Steinberg (1976), but that shares for the row below replace each other. */
+/** Spreads errors over four neighbours, after Floyd and Steinberg (1976), except that shares for the row below replace each
+ *  other. */
 VOREL_API HGLOBAL VORELCALL DitherFS4(HGLOBAL dib, int bits);
 
-/** Spreads errors over twelve neighbours, after Jarvis, Judice and Ninke (1976), with the same remark on the second row below. */
+/** Spreads errors over twelve neighbours, after Jarvis, Judice and Ninke (1976). Shares for the second row below replace each
+ *  other. */
 VOREL_API HGLOBAL VORELCALL DitherJJN(HGLOBAL dib, int bits);
 
-/** Moves the light of each block of 2 x 2 pixels into its brightest ones; what is left goes to the right. bits: 1 or 4. */
+/** Moves the brightness of each block of 2 x 2 pixels into its brightest pixels; the remainder goes to the right. bits: 1 or 4. */
 VOREL_API HGLOBAL VORELCALL DitherSmooth(HGLOBAL dib, int bits);
 
-/** The same, but half of what is left goes to the right, which keeps edges sharper. bits: 1 or 4. */
+/** The same, but half of the remainder goes to the right, which keeps edges sharper. bits: 1 or 4. */
 VOREL_API HGLOBAL VORELCALL DitherSharp(HGLOBAL dib, int bits);
 
 /** Makes a black and white copy of a DIB of 4, 8 or 24 bits.
- *  method      0 threshold: what is lighter than 128 becomes white; 1 error diffusion over twelve neighbours; 2 ordered, by a 16 x 16
+ *  method      0 threshold: luminance above 128 becomes white; 1 error diffusion over twelve neighbours; 2 ordered, by a 16 x 16
  *              matrix of thresholds (Bayer, 1973)
  *  brightness  added to the luminance of each pixel, within 0 to 255
- *  error       takes the code of a failure; not written on success. May be NULL. The thread's code stays as it was
- *  Of 24-bit pictures rows are put together from several rows, and the picture ends early; make them grey first.
- *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null, another method; another depth, which leaves a lock on the DIB behind),
+ *  error       receives the code of a failure; not written on success. May be NULL. The thread's code is unchanged
+ *  Rows of 24-bit pictures are assembled from several source rows, and the picture ends early; convert these to grey first.
+ *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null, another method; another depth, which leaves a lock on the DIB),
  *  IMG_E_MEMORY (also: not a DIB handle). */
 VOREL_API HGLOBAL VORELCALL Halftone(HGLOBAL dib, WORD method, int brightness, WORD* error);
 
 /* ---- Run-length compression ---------------------------------------------------------------------------------------- */
 
-/*  Both functions return a new DIB handle and, unlike most, set the thread's code to 0 when they succeed. They take the
- *  colour table to have all 16 or 256 entries whatever biClrUsed says: pixels or codes begin at byte 104 of a 4-bit block and
- *  1064 of an 8-bit one, and the whole table is carried over. The header is carried over too, but for biCompression and
- *  biSizeImage. A picture 0 pixels wide or high is none the worse for it. */
+/*  Both functions return a new DIB handle and, unlike most, set the thread's code to 0 when they succeed. They assume a
+ *  colour table of all 16 or 256 entries whatever biClrUsed says: pixels or codes begin at byte 104 of a 4-bit block and
+ *  1064 of an 8-bit one, and the whole table is copied. The header is copied too, except for biCompression and
+ *  biSizeImage. A width or height of 0 is allowed. */
 
 /** Compresses a DIB: 8 bits to BI_RLE8, 4 bits to BI_RLE4. biSizeImage becomes the number of bytes of codes.
- *  dib  uncompressed, 8 or 4 bits per pixel; biSizeImage is not looked at
+ *  dib  uncompressed, 8 or 4 bits per pixel; biSizeImage is ignored
  *  In an 8-bit picture a row's codes may end with one pixel more than the row has, and in a 4-bit one of odd width too;
  *  readers drop it. Codes of noise are up to twice as long as the pixels, and longer in pictures 1 pixel wide.
  *  Returns a DIB handle. NULL: IMG_E_PARAMETER (not a DIB handle, a header of other than 40 bytes, compressed, another depth,
@@ -743,9 +743,9 @@ VOREL_API HGLOBAL VORELCALL CompressDIB(HGLOBAL dib);
 
 /** Expands a run-length compressed DIB. Pixels that the codes leave out are 0; biSizeImage becomes the size of the rows.
  *  dib  8 bits with BI_RLE8, 4 bits with BI_RLE4, or any depth with a biCompression above 2, which is read as BI_RLE4 with
- *       1 << biBitCount entries in the colour table. biSizeImage must not be 0 but does not end the codes: an end of bitmap
+ *       1 << biBitCount entries in the colour table. biSizeImage must not be 0 but does not limit the codes: an end of bitmap
  *       does, or the end of the block
- *  What codes draw outside the picture is dropped. Where 8-bit codes have filled a row, a delta counts its columns from the
+ *  Pixels outside the picture are dropped. Once 8-bit codes have filled a row, a delta counts its columns from the
  *  row's start.
  *  Returns a DIB handle. NULL: IMG_E_PARAMETER (not a DIB handle, a header of other than 40 bytes, uncompressed, another
  *  depth, biSizeImage 0, a negative width or height), IMG_E_MEMORY (also for sizes that no block has). */
@@ -811,8 +811,8 @@ VOREL_API int VORELCALL BZoomGetScaleSteps(int* enlarge, int* reduce);
 
 #ifdef _WIN32
 
-/** The state of a display. The caller allocates one per window and passes it to every call; calls that share one must not run at the
- *  same time. Its size is at least the 142 bytes that DisplayWmCreate clears. */
+/** The state of a display. The caller allocates one per window and passes it to every call; calls that share one must not run
+ *  at the same time. Its size is at least the 142 bytes that DisplayWmCreate clears. */
 typedef struct ImgDisplayState {
   ImgDisplayLayout layout;
   HPALETTE palette; /**< used for drawing */
@@ -848,7 +848,7 @@ VOREL_API UINT VORELCALL DisplayStart(HWND window, HBITMAP bitmap, HPALETTE pale
 VOREL_API UINT VORELCALL DisplayDIBStart(HWND window, HGLOBAL dib, int* view, const int* zoom, UINT flags,
                                          ImgDisplayState* state);
 
-/** Takes over the new size of the window: lays the image out again and updates the scroll bars. */
+/** Handles a new window size: lays the image out again and updates the scroll bars. */
 VOREL_API LRESULT VORELCALL DisplayWmSize(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
 /** Scroll by the code in the low word of wParam. A line is 8 window pixels or, if larger, a whole group of image pixels; a page is
@@ -876,8 +876,8 @@ VOREL_API UINT VORELCALL DisplayDIBImageDC(HDC dc, ImgDisplayState* state);
 VOREL_API void VORELCALL MapDisplayDC(HDC dc, ImgDisplayState* state);
 
 /** The low-memory switch of the process, initially 0. If not 0, DisplayDIBImage and DisplayCPPImage scale the visible part of
- *  DIBs of 1, 4, 8 and 24 bits in the library instead of having the system stretch the whole DIB: less memory and, for large pictures
- *  shown small, less time. Set returns the previous value. */
+ *  DIBs of 1, 4, 8 and 24 bits in the library instead of having the system stretch the whole DIB: less memory and, for large
+ *  pictures shown small, less time. Set returns the previous value. */
 VOREL_API int VORELCALL GetLowMemStretch(void);
 VOREL_API int VORELCALL SetLowMemStretch(int value);
 
@@ -924,8 +924,8 @@ VOREL_API void VORELCALL BZoomUpdate(HWND window, const POINT* mouse, ImgZoomTra
 /** Ends a zoom: erases the band and computes the ratio and the image point in the tracker's result fields, for DisplayStart or
  *  DisplayDIBStart. A dragged rectangle fills the window; without one the mode decides.
  *  end  the mouse position; NULL without a mouse
- *  If `end` is given, the state gets the new ratio, loses IMG_DISPLAY_FIT and IMG_DISPLAY_FIT_WIDTH, and gets flag 0x0004. The image
- *  point is computed for the size shown before these flags are cleared. */
+ *  If `end` is given, the state gets the new ratio, loses IMG_DISPLAY_FIT and IMG_DISPLAY_FIT_WIDTH, and gets flag 0x0004. The
+ *  image point is computed for the size shown before these flags are cleared. */
 VOREL_API void VORELCALL BZoomEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgDisplayState* state);
 
 /** A step without the mouse: BZoomStart and BZoomEnd in one call. Does nothing for modes with 0x10. */
@@ -939,7 +939,8 @@ typedef struct ImgScreenZoom {
   RECT zoom;                  /**< the part of the picture that fills `client`, in picture pixels */
 } ImgScreenZoom;
 
-/** As BZoomEnd and BZoomStep, for such a window. `zoom` gets the new part of the picture, the tracker its upper left corner. */
+/** As BZoomEnd and BZoomStep, for a window with an ImgScreenZoom. `zoom` gets the new part of the picture, the tracker its
+ *  upper left corner. */
 VOREL_API void VORELCALL BZoomScreenEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgScreenZoom* state);
 VOREL_API void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
                                          ImgScreenZoom* state);
@@ -954,8 +955,8 @@ VOREL_API void VORELCALL Zoom(HWND window, LPARAM start, int* zoom);
 
 /*  There is one lens per process; use it from one thread. */
 
-/** Sets the size of the lens in pixels, including its frame of 4 pixels; initially 180 x 80. A running lens keeps its bitmap until the
- *  next start. Returns 1. */
+/** Sets the size of the lens in pixels, including its frame of 4 pixels; initially 180 x 80. A running lens keeps its bitmap
+ *  until the next start. Returns 1. */
 VOREL_API int VORELCALL M_SetSizes(int width, int height);
 
 /** Return the width and the height set for the lens, in pixels, including its frame. */
@@ -987,22 +988,22 @@ VOREL_API void VORELCALL M_CopyBitmap(HWND window, int x, int y);
 /* ---- Metafiles (Windows only) ---------------------------------------------------------------------------------------- */
 
 /** Draws a metafile onto a white bitmap of the screen's format.
- *  metafile       an HMETAFILE, or an HENHMETAFILE where `enhanced` is not 0
- *  width, height  pixels, at least 1. Where no bitmap is that large, half the size is tried, and so on; the bitmap then holds the upper
- *                 left part of a picture of the size asked for
- *  Returns a bitmap for DeleteObject; a white one for what is no metafile. NULL: IMG_E_MEMORY. */
+ *  metafile       an HMETAFILE, or an HENHMETAFILE if `enhanced` is not 0
+ *  width, height  pixels, at least 1. If a bitmap of this size cannot be created, the size is halved until one can; the bitmap then
+ *                 holds the upper left part of a picture of the requested size
+ *  Returns a bitmap for DeleteObject; a white one for an invalid metafile. NULL: IMG_E_MEMORY. */
 VOREL_API HBITMAP VORELCALL DrawMetaFileIntoBitmap(HANDLE metafile, int width, int height, BOOL enhanced);
 
 /** Loads a metafile as a bitmap: a Windows metafile with or without a placeable header, or an enhanced one.
  *  Its size comes from the placeable header, or from bounds and frame of the enhanced one, at the screen's resolution; it is five
- *  inches square where nothing says it, or what is said makes no pixel. A Windows metafile is drawn up to its first damaged record,
- *  an enhanced one that has any is refused.
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_FILE_IO, IMG_E_MEMORY, IMG_E_CREATE_METAFILE; no code when the file cannot be
+ *  inches square if no size is stated or the stated size makes no pixel. A Windows metafile is drawn up to its first damaged
+ *  record; an enhanced metafile with a damaged record is refused.
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_FILE_IO, IMG_E_MEMORY, IMG_E_CREATE_METAFILE; no code if the file cannot be
  *  opened. */
 VOREL_API HBITMAP VORELCALL LoadMetaFileIntoBitmap(LPCSTR path);
 
 /** Save a picture as a Windows metafile with a placeable header, or as an enhanced metafile, replacing the file. They report no
- *  failures; what is no picture costs no file.
+ *  failures; an argument that is no picture leaves an existing file unchanged.
  *  Return 1. */
 VOREL_API BOOL VORELCALL SaveDIBIntoMetaFile(LPCSTR path, HGLOBAL dib);
 VOREL_API BOOL VORELCALL SaveDIBIntoEnhMetaFile(LPCSTR path, HGLOBAL dib);
@@ -1012,16 +1013,16 @@ VOREL_API BOOL VORELCALL SaveBitmapIntoEnhMetaFile(LPCSTR path, HBITMAP bitmap);
 /** Take the metafile picture that is on the clipboard, drawn at the resolution of the owner's window.
  *  owner  a window
  *  Return a bitmap for DeleteObject, or a DIB handle. NULL: IMG_E_CLIPBOARD (the clipboard cannot be opened; a message box says so
- *  too), IMG_E_MEMORY (there is no such picture, or it cannot be drawn, which a message box tells too); no code for what is no
+ *  too), IMG_E_MEMORY (no metafile picture, or one that cannot be drawn, which a message box says too); no code for an invalid
  *  window. */
 VOREL_API HBITMAP VORELCALL PlaceMetaFileIntoBMPFromCLP(HWND owner);
 VOREL_API HGLOBAL VORELCALL PlaceMetaFileIntoDIBFromCLP(HWND owner);
 
 /* ---- Text files and clipboard files (Windows only) ------------------------------------------------------------------- */
 
-/** Draws a text file black on white, in the system font, as large as its text takes.
+/** Draws a text file black on white, in the system font, in a bitmap of the text's size.
  *  ansi  0: the text is in the OEM code page
- *  What is longer than a bitmap can be high is cut off, which a message box tells. A zero byte ends the text.
+ *  A text longer than the maximum bitmap height is cut off, and a message box says so. A zero byte ends the text.
  *  Returns a monochrome bitmap for DeleteObject and sets the thread's code to 0 once the file is read, whether or not it could be
  *  drawn. NULL otherwise: IMG_E_OPEN_FILE, IMG_E_MEMORY, IMG_E_FILE_IO. */
 VOREL_API HBITMAP VORELCALL LoadASCIIFile(LPCSTR path, BOOL ansi);
@@ -1030,62 +1031,62 @@ VOREL_API HBITMAP VORELCALL LoadASCIIFile(LPCSTR path, BOOL ansi);
  *  Returns a monochrome bitmap for DeleteObject. NULL: IMG_E_MEMORY (also: not a handle), IMG_E_CREATE_DC. */
 VOREL_API HBITMAP VORELCALL LoadASCIIIntoBitmap(HGLOBAL text);
 
-/** Takes a picture out of a clipboard file.
- *  format  CF_TEXT, CF_METAFILEPICT or CF_DIB, drawn into a device bitmap for DeleteObject; CF_BITMAP, handed out as the file has
- *          it, in a memory block for GlobalFree
- *  Returns the bitmap or block. NULL: IMG_E_OPEN_FILE, IMG_E_FORMAT (not a clipboard file), IMG_E_CLIPBOARD_FORMAT (nothing of this
- *  format in it, or another format), IMG_E_FILE_IO (the file is too short for what it says), IMG_E_MEMORY, the codes of what draws;
- *  no code for a metafile that is damaged. */
+/** Loads a picture from a clipboard file.
+ *  format  CF_TEXT, CF_METAFILEPICT or CF_DIB, drawn into a device bitmap for DeleteObject; CF_BITMAP, returned as raw bytes of
+ *          the file in a memory block for GlobalFree
+ *  Returns the bitmap or block. NULL: IMG_E_OPEN_FILE, IMG_E_FORMAT (not a clipboard file), IMG_E_CLIPBOARD_FORMAT (no entry of
+ *  this format, or another format), IMG_E_FILE_IO (the file is too short for its entry), IMG_E_MEMORY, the codes of the drawing
+ *  functions; no code for a damaged metafile. */
 VOREL_API HANDLE VORELCALL LoadClipboardFormat(LPCSTR path, WORD format);
 
 /** Saves a device bitmap as a clipboard file with one CF_DIB entry, replacing the file.
- *  Returns 1. 0: IMG_E_OPEN_FILE, IMG_E_FILE_IO (not all could be written), what ConvertBitmapToDIB leaves. */
+ *  Returns 1. 0: IMG_E_OPEN_FILE, IMG_E_FILE_IO (incomplete write), the codes of ConvertBitmapToDIB. */
 VOREL_API BOOL VORELCALL SaveClipboardFormat(LPCSTR path, HBITMAP bitmap);
 
 #endif /* _WIN32 */
 
 /* ---- Printing (Windows only) ----------------------------------------------------------------------------------------- */
 
-/** How pages are laid out. Numbers are 0 or 1 but for `copies`; in brackets what holds where no options are given.
+/** How pages are laid out. Members are 0 or 1 except `copies`; the values in brackets apply without options.
  *
- *  A page of several copies is begun with StartPage and drawn once for each, and ended once. Printers of today take the repeated
- *  StartPage for nothing, which makes one sheet: for more, print the page again. Below 1 copy there is no page.
- *  In memory little comes of a job today: systems refuse to start a document there (-1), or print empty pages. */
+ *  A page of several copies is begun with StartPage and drawn once per copy, and ended once. Modern printers ignore the repeated
+ *  StartPage and print one sheet: for more, print the page again. Below 1 copy there is no page.
+ *  Jobs on a memory DC rarely work: modern systems refuse to start a document there (-1), or print empty pages. */
 typedef struct ImgPrintOptions {
   int showDialog;         /**< without a printer DC: ask for printer and options (1); 0 takes the default printer */
   int centreVertically;   /**< (1) */
   int centreHorizontally; /**< (1) */
   int fitProportionally;  /**< as large as the page allows, in proportion (1); wins over stretchToPage */
   int copies;             /**< of each page (1) */
-  int useMemoryDC;        /**< have the job on a memory DC compatible with the printer, unless that is monochrome (0) */
+  int useMemoryDC;        /**< run the job on a memory DC compatible with the printer, unless that is monochrome (0) */
   int stretchToPage;      /**< fill the page, out of proportion (0) */
-  int showPageProgress;   /**< tell in the cancel dialog which page is printed (1) */
-  int useImageDpi;        /**< as large as the image's resolution says (1), else or without one, a printer dot a pixel */
+  int showPageProgress;   /**< show the current page in the cancel dialog (1) */
+  int useImageDpi;        /**< size by the image's resolution (1); otherwise, or without one, one printer dot per pixel */
   int silent;             /**< neither cancel dialog nor abort procedure (0) */
 } ImgPrintOptions;
 
 #ifdef _WIN32
 
-/*  A job runs on one thread: PrepareToPrint, PrintDIBPage for each page, EndPrint. PrintDIB and PrintImage do all of it. They return
- *  codes and store none. Offsets move an image; what lies outside the page is cut off by the printer. */
+/*  A job runs on one thread: PrepareToPrint, PrintDIBPage for each page, EndPrint. PrintDIB and PrintImage make all of these
+ *  calls. The functions return codes and store none. Offsets move an image; the printer cuts off parts outside the page. */
 
 /** Begins a job, and shows the cancel dialog.
  *  owner         of the dialogs
  *  printerDC     NULL: chosen in the "PRINTPAGE" dialog or, where options->showDialog is 0, the default printer
- *  options       NULL: what holds then. Else takes the options in force, those chosen in the dialog among them
+ *  options       NULL for the defaults. Otherwise read, and updated to the options in force, including choices in the dialog
  *  documentName  for dialogs and spooler; at most 255 bytes count
- *  pageCount     told in the progress text
+ *  pageCount     shown in the progress text
  *  Returns 0. IMG_E_NOTHING_TO_DO (the dialog was cancelled, or gave no DC), IMG_E_PRINTER_DC, 1 (a printer that takes no bitmaps;
  *  its DC is deleted), -5 (no cancel dialog), the negative result of SetAbortProc, -1 (the document does not start). Call EndPrint
- *  then too. */
+ *  after a failure too. */
 VOREL_API int VORELCALL PrepareToPrint(HWND owner, HDC printerDC, ImgPrintOptions* options, LPCSTR documentName,
                                        int pageCount);
 
-/** Prints a DIB as the next page. Once the job is cancelled nothing is printed, and the result is still 0 as a rule:
- *  PrintAbortProc(NULL, 0) tells. A DIB that is refused leaves the job as it was.
- *  imageDpi          two numbers, across and down: its resolution; NULL for what its header states. Below 1: not known
+/** Prints a DIB as the next page. Once the job is cancelled nothing is printed, and the result is usually still 0:
+ *  PrintAbortProc(NULL, 0) reports it. A DIB that is refused leaves the job as it was.
+ *  imageDpi          two numbers, across and down: its resolution; NULL for the header's. Below 1: unknown
  *  pageTag           not used
- *  pageIndex         from 0; told in the progress text
+ *  pageIndex         from 0; shown in the progress text
  *  xOffset, yOffset  move the image, in printer dots
  *  Returns 0, also without a job. IMG_E_LOCK, IMG_E_FORMAT (the header), IMG_E_MEMORY; a negative result of the printer's escapes.
  *  A page stays open until the next one or the end. */
@@ -1094,12 +1095,12 @@ VOREL_API int VORELCALL PrintDIBPage(HGLOBAL dib, int* imageDpi, int pageTag, in
 /** Has the next PrintDIBPage draw on the sheet of the last one. */
 VOREL_API void VORELCALL PrintPageContinue(void);
 
-/** Ends page, document and job, after a failed preparation too; nothing the second time.
- *  printerDC  is deleted, and what the job made or drew on as well; may be NULL
+/** Ends page, document and job, after a failed preparation too. A second call does nothing.
+ *  printerDC  is deleted, and so are the contexts that the job made or drew on; may be NULL
  *  Returns 0; -1 when the document cannot be ended, as after a cancelled job that the device has aborted. */
 VOREL_API int VORELCALL EndPrint(HDC printerDC);
 
-/** Prints a DIB as a job of one page. Returns 0, or the first code that is not 0 of the three. */
+/** Prints a DIB as a job of one page. Returns 0, or the first non-zero result of the three calls. */
 VOREL_API int VORELCALL PrintDIB(HWND owner, HDC printerDC, HGLOBAL dib, LPCSTR documentName, int* imageDpi,
                                  ImgPrintOptions* options, int pageTag);
 
@@ -1107,19 +1108,19 @@ VOREL_API int VORELCALL PrintDIB(HWND owner, HDC printerDC, HGLOBAL dib, LPCSTR 
 VOREL_API int VORELCALL PrintImage(HWND owner, HDC printerDC, HBITMAP bitmap, HPALETTE palette, LPCSTR documentName,
                                    int* imageDpi, ImgPrintOptions* options, int pageTag);
 
-/** The abort procedure of a job: lets the thread's messages through.
+/** The abort procedure of a job: dispatches the thread's messages.
  *  code    the spooler's; any other than 0 cancels the job
  *  Returns FALSE once the job is cancelled. */
 VOREL_API BOOL VORELCALL PrintAbortProc(HDC dc, int code);
 
-/** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own. The first shows the
- *  text that message WM_USER + 1000 has in lParam in control 121; every command cancels the job. The second works on the options of
- *  the thread's job and ends with a printer's DC, which the caller deletes, or with 0. */
+/** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own. In the first,
+ *  message WM_USER + 1000 shows the text in lParam in control 121; every command cancels the job. The second works on the
+ *  options of the thread's job and ends with a printer's DC, which the caller deletes, or with 0. */
 VOREL_API BOOL VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 VOREL_API BOOL VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
-/** Lets the user choose the default printer in the dialog "PRINTERSETUP", and set printers up: that holds for the thread's next job on
- *  the printer for which PrepareToPrint makes the DC. Returns what the dialog ends with: 1, or 0 when it is cancelled. */
+/** Lets the user choose the default printer in the dialog "PRINTERSETUP", and set printers up: the settings hold for the
+ *  thread's next job on the printer if PrepareToPrint makes the DC. Returns 1, or 0 if the dialog is cancelled. */
 VOREL_API int VORELCALL PrinterSetup(HWND owner);
 VOREL_API BOOL VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
