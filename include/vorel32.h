@@ -359,7 +359,7 @@ VOREL_API HGLOBAL VORELCALL LoadImageIntoDIB(LPCSTR path, int page, int* status)
  *  value   TIFF: the compression by its TIFF number, see ImgSaveTiff; 0 picks one. TGA: 0 stores plain rows, anything else
  *          run-length compressed ones if there is no colour table. Ignored for other formats; JPEG files get quality 75
  *  An existing DCX file gains a page; every other file is replaced.
- *  Returns what the saver returned: TRUE once the file is written. FALSE: the codes of SaveDIB for bitmap files; no code for
+ *  Returns the saver's result: TRUE once the file is written. FALSE: the codes of SaveDIB for bitmap files; no code for
  *  a format that cannot be saved, or when a module is missing or fails. */
 VOREL_API BOOL VORELCALL SaveDIBInImageFormat(LPCSTR path, HGLOBAL dib, int format, int option, int value);
 
@@ -377,7 +377,7 @@ VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
  *  is relative to the current folder.
  *  page    counted from 1
  *  status  3 when the set does not exist, else the status of loading a plane; may be NULL
- *  Returns a DIB handle: with one plane the plane's image as it is, else a 4-bit DIB whose 16 colours have red in plane 0,
+ *  Returns a DIB handle: with one plane the unchanged image of that plane, else a 4-bit DIB whose 16 colours have red in plane 0,
  *  green in plane 1, blue in plane 2 and full brightness in plane 3. NULL: IMG_E_OPEN_FILE (the set does not exist),
  *  IMG_E_MEMORY, the codes of LoadImageIntoDIB for a plane; no code for a page out of range, for a BitsPixel other than 1, for
  *  Planes outside 1 to 4 and for planes that are not 1-bit images of one size with all their rows. */
@@ -403,12 +403,12 @@ VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status)
  *  (ODAL32) and GetNumberOfImagesInGIFFile (SUNE32), all ImgCountPages, and GetTiffCompression (MERV32, ImgTiffCompression).
  *
  *  Loaders return a new DIB handle that the caller owns: 1, 4, 8 or 24 bits, uncompressed, with the whole colour table that
- *  the depth implies. Savers take such a DIB and read it only. Wherever there is a status variable it may be NULL; an entry
+ *  the depth implies. Savers take a DIB of this kind and only read it. A status variable may be NULL; an entry
  *  point sets it to 0 or, on failure, to one of these numbers, for which ImgErrorString has texts:
  *     1  memory is short, or the picture is too large for a file of this size
  *     3  the file cannot be opened or created, or its path is null
  *     4  reading or writing failed part-way
- *     8  no such page; a null handle or a block that is no DIB; a setting that does not fit the picture
+ *     8  page not found; a null handle or a block that is no DIB; a setting that does not fit the picture
  *     9  the file is damaged or of an unsupported variant
  *    13  the format does not support this depth
  *    17  not a DIB handle
@@ -519,7 +519,7 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
  *  status   receives 0, or 500 (compressed), 501 (width or height is a multiple of 65,536, 0 for instance), 503 (memory is short),
  *           505 (not a handle), 506 (null, or another header). The thread's code is unchanged
  *  corners  receives eight numbers, x and y of the turned corners relative to the centre, in whole pixels: first stored row
- *           left and right, last stored row right and left; y counts rows as they are stored, upwards. May be NULL
+ *           left and right, last stored row right and left; y counts rows in stored order, upwards. May be NULL
  *  Resolutions are mixed by the angle. At 0 degrees an odd width or height makes the result one larger, and the source's first
  *  column or row may be missing from it.
  *  Returns a DIB handle, or NULL. */
@@ -601,7 +601,7 @@ typedef enum ImgOperation { IMG_ALLOCATE = 30, IMG_COMPUTE = 31, IMG_FREE = 32 }
  *    IMG_COMPUTE   counts the square and returns `histogram`. The thread remembers the last square that it counted, for any
  *                  picture and block, and does not count it again: start a new picture with IMG_ALLOCATE
  *    IMG_FREE      frees the block and returns NULL
- *  dib     IMG_COMPUTE: 8 bits. Pixel values are counted, whatever their colours
+ *  dib     IMG_COMPUTE: 8 bits. Pixel values are counted, not colours
  *  origin  IMG_COMPUTE: x and y of the square's upper left corner, y from the top; moved inside the picture
  *  error   receives 0, or IMG_E_MEMORY, IMG_E_PARAMETER (a null argument, a header of other than 40 bytes), IMG_E_LOCK (not a
  *          handle), IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (not 8 bits), IMG_E_DIB_SIZE. The thread's code is unchanged
