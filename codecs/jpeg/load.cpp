@@ -36,7 +36,7 @@ class Decompressor {
   const jpeg_decompress_struct& header() const { return jpeg_; }
   bool has_several_scans() { return jpeg_has_multiple_scans(&jpeg_) != FALSE; }
 
-  // Decodes all rows, each into what row(y) returns, and then calls done(y).
+  // Decodes each row to the memory that row(y) returns, then calls done(y).
   template <class Row, class Done>
   void read_rows(J_COLOR_SPACE space, Row row, Done done) {
     run([&] {

@@ -16,7 +16,7 @@ struct PcxColor {
   uint8_t red, green, blue;
 };
 
-// The header as it lies in a file. A picture is its lines from the top, each stored plane after plane.
+// The header as stored in a file. A picture is its lines from the top, each stored plane after plane.
 struct PcxHeader {
   static constexpr uint8_t kSignature = 10;
   enum Encoding : uint8_t { kPlain = 0, kRunLength = 1 };

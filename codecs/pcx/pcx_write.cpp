@@ -47,7 +47,7 @@ void row_to_color_planes(std::span<const uint8_t> row, size_t width, size_t plan
     for (size_t plane = 0; plane < 3; ++plane) line[plane * plane_bytes + x] = row[x * 3 + 2 - plane];
 }
 
-// Zeroes what follows the first `bits` of a row.
+// Zeroes a row behind its first `bits` bits.
 void clear_padding(std::span<uint8_t> row, size_t bits) {
   if (bits % 8 != 0) row[bits / 8] &= static_cast<uint8_t>(0xFF00u >> bits % 8);
   std::ranges::fill(row.subspan((bits + 7) / 8), uint8_t{0});

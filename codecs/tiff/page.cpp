@@ -187,7 +187,7 @@ void check_size(const TiffPage& page, uint64_t file_bytes) {
   if (!page.has_tiles) return;
   if (page.tile_width == 0 || page.tile_height == 0) fail(IMG_E_FORMAT);
   claim(whole_tiles(page.picture.width, page.tile_width), whole_tiles(page.picture.height, page.tile_height));
-  // Each tile has to begin where a byte of the DIB's row does.
+  // Each tile must begin at a byte of the DIB's row.
   if (page.tile_width < page.picture.width && page.tile_width % 8 != 0 && page.picture.depth < 8) fail(IMG_E_FORMAT);
 }
 

@@ -45,7 +45,7 @@ class OpenDib {
   DibView pixels() const { return pixels_in(bytes(), header(), layout_); }
   // All bytes of the rows, padding included.
   std::span<uint8_t> rows() const { return bytes().subspan(head().size(), static_cast<size_t>(layout_.rows.value())); }
-  // The rows and what follows them, to the end of the block.
+  // The rows and all bytes behind them, to the end of the block.
   std::span<const uint8_t> rows_and_rest() const {
     const auto memory = source_->block().size() > bytes().size() ? source_->block() : bytes();
     return memory.subspan(static_cast<size_t>(layout_.offset.value()));
@@ -96,7 +96,7 @@ class NewDib {
   HGLOBAL handle() const { return dib_.handle(); }
   std::span<uint8_t> bytes() const { return dib_.bytes(); }
   std::span<uint8_t> head() const { return bytes().first(static_cast<size_t>(layout_.offset.value())); }
-  // The rows and what follows them, to the end of the block.
+  // The rows and all bytes behind them, to the end of the block.
   std::span<uint8_t> image() const { return bytes().subspan(static_cast<size_t>(layout_.offset.value())); }
   std::span<Rgb> colors() const { return colors_in(bytes(), DIBNumColors(header_)); }
   // These two are for results whose image bytes can hold their rows.
@@ -123,7 +123,7 @@ class NewDib {
   }
 
   [[nodiscard]] HGLOBAL release() { return dib_.release(); }
-  operator OwnedDib() && { return std::move(dib_); }  // NOLINT(google-explicit-constructor): handed on as what it owns
+  operator OwnedDib() && { return std::move(dib_); }  // NOLINT(google-explicit-constructor): passed on to its new owner
 
  private:
   static Result<NewDib> make_laid_out(const Layout& layout, const DibHeader& header, ByteCount image_bytes,

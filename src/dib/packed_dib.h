@@ -29,7 +29,7 @@ class CompleteBytes {
 
   std::span<uint8_t> bytes() const { return bytes_; }
 
-  // Copies what was written to a private copy back into the block; bytes past the block's end are dropped.
+  // Copies a private copy back into the block; bytes past the block's end are dropped.
   void write_back() const {
     if (bytes_.size() > block_.size()) std::ranges::copy(bytes_.first(block_.size()), block_.begin());
   }

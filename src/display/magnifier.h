@@ -16,7 +16,7 @@ void stop_lens();
 //   x, y  the upper left corner of the part; it may lie outside the bitmap
 void fill_lens(HBITMAP source, int x, int y, int width, int height);
 
-// Draws the lens on the window and restores what it covered before.
+// Draws the lens on the window and restores the area that it covered before.
 void place_lens(HWND window, Point corner);
 
 }  // namespace vorel::display

@@ -152,10 +152,10 @@ void draw_dib(HDC dc, HGLOBAL dib, const ImgDisplayLayout& layout, Rect to, Rect
   if (const auto whole = DeviceDib::of(*locked)) whole->stretch(dc, to, from, operation);
 }
 
-// DIBs are drawn in whole rows, bitmaps only where they are visible.
+// DIBs are drawn in whole rows, bitmaps only in their visible part.
 bool draws_whole_rows(const ImgDisplayState& state) { return state.bitmap == nullptr; }
 
-// Maps with the library's own arithmetic, which also decides what is around the image; the context stays in pixels.
+// Maps with the library's own arithmetic, which also determines the area around the image; the context stays in pixels.
 void draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   ImgDisplayLayout& layout = state.layout;
   const Mapping mapping = set_up_mapping(layout, Offsets::kReset);
@@ -180,7 +180,7 @@ void draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   }
 }
 
-// A window class has a brush or, as a number counted from 1, a system colour.
+// A window class has a brush or a system colour, as a number counted from 1.
 HBRUSH class_brush(HWND window) {
   const ULONG_PTR brush = GetClassLongPtrA(window, GCLP_HBRBACKGROUND);
   constexpr ULONG_PTR kMostColors = COLOR_MENUBAR + 1;

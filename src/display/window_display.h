@@ -1,5 +1,5 @@
-// A window that shows an image: its messages, the display state and painting. Without a window, starting fills the state and
-// does nothing else.
+// A window that shows an image: its messages, the display state and painting. Without a window, starting only fills the
+// state.
 #pragma once
 
 #include "display/device_mapping.h"

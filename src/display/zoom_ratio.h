@@ -18,7 +18,7 @@ struct Ratio {
 struct ZoomTables {
   int enlarge[IMG_ZOOM_TABLE_ENTRIES] = {5, 10, 20, 40, 60, 80};
   int reduce[IMG_ZOOM_TABLE_ENTRIES] = {5, 10, 15, 30, 40, 50};
-  int base = 10;  // stands for 1 in a ratio
+  int base = 10;  // represents 1 in a ratio
 };
 
 ZoomTables& thread_zoom_tables();

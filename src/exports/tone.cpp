@@ -37,7 +37,7 @@ Result<HGLOBAL> made_from(HGLOBAL dib, auto&& check, auto&& work) {
 
 Error refusal_at_8_bits(const DibHeader& header) { return tone::refusal(header, {8}); }
 
-// Makes the counters those of the square at `origin`.
+// Updates the counters to the square at `origin`.
 Result<HGLOBAL> counted(HGLOBAL dib, HGLOBAL histogram, const int* origin) {
   if (histogram == nullptr || origin == nullptr) return Error::kParameter;
   return locked_and_checked(dib, refusal_at_8_bits, [&](const LockedDib& source) {

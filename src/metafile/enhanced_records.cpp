@@ -354,7 +354,7 @@ std::span<uint8_t> playable_enhanced_metafile(std::span<uint8_t> metafile) {
     if (number(Record(record), 0) == kEnd) break;
   }
   header.bytes = static_cast<uint32_t>(end);
-  // Not every player tells stock objects from others when it fills a region: their numbers get room too.
+  // Not every player distinguishes stock objects when it fills a region: their numbers get room too.
   header.objects = std::max(header.objects, static_cast<uint16_t>(kStockObjects));
   std::memcpy(metafile.data(), &header, sizeof header);
   return metafile.first(end);

@@ -27,8 +27,8 @@ struct PictureLengths {
 // Pixels for a picture in a clipboard file; five inches square if its lengths give none.
 Size pixels_in_file(const PictureLengths& picture, Resolution screen);
 
-// Pixels for a picture on the clipboard. The horizontal resolution counts for both axes. Unknown and negative sizes are
-// replaced by those of `otherwise`, each by itself.
+// Pixels for a picture on the clipboard. The horizontal resolution counts for both axes. Each unknown or negative size is
+// taken from `otherwise`.
 Size pixels_on_clipboard(const PictureLengths& picture, int dots_per_inch, Size otherwise);
 
 }  // namespace vorel::metafile

@@ -7,12 +7,12 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// What does not make a block's brightest pixels white goes on to the block to the right, by half where it is sharpened. The upper row
-// of the blocks comes from the row above, the lower one is the next row of the picture: samples are one row and, as blocks reach
-// to the right, one column ahead.
+// Light that is left over from whitening a block's brightest pixels goes to the block to the right, halved if sharpened. The
+// upper row of a block comes from the row above, the lower one is the next row of the picture: samples are one row and, as
+// blocks reach to the right, one column ahead.
 //
-// Where rows fill their plane, the pixel past the end is never loaded: it keeps, for both rows of the blocks, what the row above
-// has left there. The second stream of a channel carries it for the lower row.
+// Where rows fill their plane, the pixel past the end is never loaded: for both rows of the blocks it keeps the remainder of
+// the row above. The second stream of a channel carries it for the lower row.
 template <int kPlanes, bool kHalves>
 class Redistribution {
  public:

@@ -38,13 +38,13 @@ struct LaneColumns {
   static int16_t limited(int distance) { return static_cast<int16_t>(std::clamp(distance, -1, 1000)); }
 };
 
-// A method is made anew for each sixteen rows. It has
-//   kLag       columns that a row is behind the one above it
-//   kLate      steps that its bits come after the column's samples
-//   kChannels  planes of samples, each with bits, or together with indices (kMakesIndices)
+//   kLag       columns between a row and the one above it
+//   kLate      steps from a column's samples to its bits
+//   kChannels  planes of samples; each gives bits, or all together give indices (kMakesIndices)
+//   kStreams   rows of numbers passed from each row to the next
 //   kStreams   rows of numbers that go from each row to the next
 //   step(streams, samples, columns, results)
-//              takes the streams at the column of each lane, and leaves for the next row those kLag - 1 columns before it
+//              takes the streams at each lane's column, and leaves the next row's values kLag - 1 columns before it
 template <class Method>
 class Wavefront {
  public:

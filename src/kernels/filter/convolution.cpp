@@ -85,8 +85,8 @@ struct Block {
   }
 };
 
-// A deliberate oddity: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row, which adds to
-// the first and the third sum. Calls add(x, number) where there is something to add.
+// A deliberate oddity: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row, which
+// affects the first and the third sum. Calls add(x, number) for each addition.
 template <class Add>
 void repeat_left_border(const Kernel& kernel, const Columns& columns, int width, Add add) {
   const size_t last = static_cast<size_t>(kernel.size) - 1, second = last / 2 + 1;

@@ -232,7 +232,7 @@ class Decoder {
     is_full_ = x_ == picture_.width();
   }
 
-  // Returns whether the picture goes on.
+  // Returns whether decoding continues.
   bool follow(RleMark mark) {
     switch (mark) {
       case RleMark::kEndOfLine:

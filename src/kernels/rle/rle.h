@@ -39,7 +39,7 @@ struct RleTable {
   //   codes     room for most_code_bytes
   size_t (*encode)(ConstDibView picture, const uint8_t* last_row, std::span<uint8_t> codes);
 
-  // Draws what codes of any content say on a picture of 8 or 4 bits, up to their end or the end of bitmap. Pixels outside the
+  // Decodes codes of any content onto a picture of 8 or 4 bits, up to their end or the end of bitmap. Pixels outside the
   // picture are dropped.
   void (*decode)(std::span<const uint8_t> codes, DibView picture);
 };

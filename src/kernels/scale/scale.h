@@ -13,8 +13,8 @@ namespace vorel::kernels {
 
 enum class Interpolation { kLinear, kCubic };
 
-// An interpolating scaler fills a result of the same depth, 4, 8 or 24 bits, whose pixels need not be cleared; the padding of
-// its rows is left alone. An index past the colours, of which below 24 bits there are at most as many as the depth has, is black.
+// An interpolating scaler fills a result of the same depth, 4, 8 or 24 bits, whose pixels need not be cleared; row padding
+// is left alone. Below 24 bits there are at most as many colours as the depth has; an index past them is black.
 //   scratch  as much as interpolation_scratch() says, aligned to 8 bytes
 using Interpolate = void(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation,
                          std::span<uint8_t> scratch);

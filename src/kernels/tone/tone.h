@@ -36,9 +36,9 @@ struct ToneTable {
   // Fills an 8-bit result with the greys of a 24-bit source.
   void (*gray_rows)(ConstDibView source, DibView result, GrayRule rule);
 
-  // Fills an 8-bit result with the bits of a 1-bit source. Each set bit, or clear bit if inverted, adds up to 255. Smoothed rows
-  // come out later by the spread: the first source row stands in above. Beyond its left edge a row continues with its first four
-  // pixels, beyond its right edge with the last four of its last byte.
+  // Fills an 8-bit result with the bits of a 1-bit source. Each set bit, or clear bit if inverted, adds up to 255. Smoothing
+  // delays rows by the spread, and repeats the first source row above. Beyond its left edge a row continues with its first
+  // four pixels, beyond its right edge with the last four of its last byte.
   //   scratch  expansion_scratch_bytes() or more
   void (*expand_bits)(ConstDibView source, DibView result, Smoothing smoothing, bool inverted, std::span<uint8_t> scratch);
 
