@@ -32,7 +32,7 @@ constexpr Rgb color(int red, int green, int blue) {
 // As many greys from black to white as the depth has.
 Colors gray_ramp(int depth);
 
-// The depth that holds so many colours: 1, 4 or 8.
+// The least depth for this number of colours: 1, 4 or 8.
 constexpr int depth_for_colors(size_t count) { return count <= 2 ? 1 : count <= 16 ? 4 : 8; }
 
 // A picture as a file describes it.

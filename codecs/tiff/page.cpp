@@ -40,7 +40,7 @@ Colors colors_of(const TiffHandle& tiff, unsigned bits) {
 
 bool is_color(Rgb color, int level) { return color.red == level && color.green == level && color.blue == level; }
 
-// The values of a component of so many bits, stretched to 0 up to `last`, or reversed.
+// The values of a component of this depth, stretched to 0 up to `last`, or reversed.
 std::array<uint8_t, 256> stretched(unsigned bits, int last, bool is_reversed = false) {
   std::array<uint8_t, 256> values{};
   const int count = 1 << std::min(bits, 8u);

@@ -146,7 +146,7 @@ class Assembly : public RowSink {
   std::vector<uint8_t> values_;
 };
 
-// A buffer for so many pixels in a row of a plane, of the size that the library states.
+// A buffer for `pixels` pixels of a plane's row, of the size that the library states.
 std::vector<uint8_t> sample_buffer(const TiffPage& page, int64_t pixels, tmsize_t row_bytes, tmsize_t bytes) {
   const uint64_t needed = (static_cast<uint64_t>(pixels) * page.bits * page.samples_in_plane() + 7) / 8;
   if (row_bytes <= 0 || bytes < row_bytes || static_cast<uint64_t>(row_bytes) < needed) fail(IMG_E_FORMAT);

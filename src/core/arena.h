@@ -1,4 +1,4 @@
-// Scratch memory handed to kernels, dealt out piece by piece.
+// Scratch memory for kernels, allocated piece by piece.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace vorel {
 
-// Pieces are rounded up to multiples of kPieceAlignment. The kernel says beforehand how much memory it needs.
+// Pieces are rounded up to multiples of kPieceAlignment. The kernel states its total in advance.
 class Arena {
  public:
   static constexpr size_t kPieceAlignment = 64;

@@ -1,4 +1,4 @@
-// One pixel of a row, and the one place where a picture's depth becomes a constant. Bit order is written here alone.
+// One pixel of a row, and the one place where a picture's depth becomes a constant. Bit order is defined only here.
 #pragma once
 
 #include <cstddef>

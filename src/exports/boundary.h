@@ -46,7 +46,7 @@ class FailureVariable {
   Integer* variable_;
 };
 
-// Two ways at once.
+// Reports in two ways.
 template <class First, class Second>
 class Both {
  public:

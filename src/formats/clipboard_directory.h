@@ -59,7 +59,7 @@ inline bool lies_within(const ClipboardEntry& entry, uint64_t file_bytes) {
 inline constexpr size_t kPictureHeaderBytes = 16;
 metafile::PictureLengths read_picture_header(std::span<const uint8_t, kPictureHeaderBytes> header);
 
-// The headers in front of a DIB of so many bytes.
+// The headers in front of a DIB of this size.
 ClipboardDibStart clipboard_start_for_dib(uint32_t bytes);
 
 }  // namespace vorel::formats

@@ -25,7 +25,7 @@ ByteCount device_bits_size(const DeviceBitsFormat& format);
 enum class PlaneOrder { kInterleavedRows, kBlocks };
 PlaneOrder plane_order(const DeviceBitsFormat& format);
 
-// The turns of device bitmaps, named as a person sees them; rows are stored top-down.
+// The turns of device bitmaps, named by their visible effect; rows are stored top-down.
 enum class DeviceTurn { kCounterClockwise, kHalf, kClockwise, kTopBottom, kLeftRight };
 
 constexpr bool is_quarter(DeviceTurn turn) {

@@ -6,7 +6,7 @@
 
 namespace vorel::geometry {
 
-// Named as a person sees them; rows are stored bottom-up.
+// Named by their visible effect; rows are stored bottom-up.
 enum class DibTurn { kClockwise, kHalf, kCounterClockwise, kTopBottom, kLeftRight };
 
 // A new DIB with the picture turned. Every failure is unreported.

@@ -34,7 +34,7 @@ bool names_object_or_stock(const Record& record, uint32_t objects) {
   return names_object<kAt>(record, objects) || number(record, kAt) - kStockObject < kStockObjects;
 }
 
-// Other styles come with a pointer.
+// Other styles contain a pointer.
 bool is_plain_style(uint32_t style) {
   constexpr uint32_t kHatched = 2;
   return style <= kHatched;

@@ -68,10 +68,10 @@ static_assert(sizeof(EnhancedHeader) == kEnhancedHeaderBytes);
 // The exclusive or of the words in front of the checksum.
 uint16_t checksum_of(const PlaceableHeader& header);
 
-// The header of a picture of so many pixels, shown at the screen's resolution. Sizes are clamped to its fields.
+// The header of a picture of this size, shown at the screen's resolution. Sizes are clamped to its fields.
 PlaceableHeader placeable_header_for(Size pixels, Resolution screen);
 
-// The frame of an enhanced metafile for a picture of so many pixels. It assumes 96 pixels per inch on any screen.
+// The frame of an enhanced metafile for a picture of this size. It assumes 96 pixels per inch on any screen.
 Edges enhanced_frame_for(Size pixels);
 
 // The size of a picture: lengths, and their units per inch.

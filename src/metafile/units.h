@@ -1,4 +1,4 @@
-// Sizes of metafile pictures, which come with a mapping mode and two lengths in its units. Files and the clipboard have
+// Sizes of metafile pictures, stated by a mapping mode and two lengths in its units. Files and the clipboard have
 // tables of their own, which differ. Both are kept: pictures keep their size.
 #pragma once
 

@@ -75,7 +75,7 @@ bool has_extended_text(const Record& record, uint32_t) {
 bool has_escape_data(const Record& record, uint32_t) { return has_items(record, 2, parameter(record, 1), 1); }
 bool has_colors(const Record& record, uint32_t) { return has_items(record, 2, parameter(record, 1), kColorBytes); }
 
-// Other styles come with a pointer.
+// Other styles contain a pointer.
 bool is_plain_brush(const Record& record, uint32_t) {
   constexpr uint16_t kHatched = 2;
   return parameter(record, 0) <= kHatched;

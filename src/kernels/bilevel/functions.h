@@ -1,4 +1,4 @@
-// The functions of the table, as they are compiled for one level.
+// The functions of the table, compiled for one level.
 #pragma once
 
 #include "kernels/bilevel/bilevel.h"

@@ -27,7 +27,7 @@ enum class Stepping {
   kExact,    // by adding the exact step and rounding at each pixel
 };
 
-// Where a turn takes a picture, and where its pixels come from.
+// The geometry of a turn: the result's place and the source of its pixels.
 struct Rotation {
   // A caller's angle reduced to less than a full turn: from -359 to 359.
   static int normalized(int32_t angle);

@@ -76,7 +76,7 @@ Data moved_data(const void* data, size_t size, size_t bytes, bool zeroed, bool m
 
 class Blocks {
  public:
-  // A new block of so many bytes takes the data.
+  // A new block of this size takes the data.
   HGLOBAL add(Data data, size_t bytes, bool movable) {
     HGLOBAL handle = movable ? add_movable(data.get(), bytes, data.room()) : add_fixed(data.get(), bytes);
     if (handle != nullptr) static_cast<void>(data.release());

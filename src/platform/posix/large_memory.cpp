@@ -26,7 +26,7 @@ void unmap(const LargePiece& piece) {
 }
 
 // Begins at a huge page plus an offset that differs from piece to piece: equal addresses within a page slow down operations
-// that go through several pieces at once.
+// that use several pieces together.
 LargePiece map(size_t bytes, size_t offset) {
   const size_t length = rounded_up(offset + bytes, kPage), reserved = length + kHugePage;
   void* const memory = mmap(nullptr, reserved, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
