@@ -20,14 +20,14 @@ struct DotSize {
   double width, height;
 };
 
-DotDensity resolution_of(const Picture& picture, const PaperLayout& layout, const Paper& paper) {
+print::DotDensity resolution_of(const Picture& picture, const PaperLayout& layout, const Paper& paper) {
   const DibHeader& header = picture.header();
   if (layout.by_printer_dots || header.x_per_metre <= 0 || header.y_per_metre <= 0) return paper.resolution;
   return {static_cast<float>(header.x_per_metre / kInchesPerMetre),
           static_cast<float>(header.y_per_metre / kInchesPerMetre)};
 }
 
-DotSize true_size(const Picture& picture, DotDensity resolution, const Paper& paper) {
+DotSize true_size(const Picture& picture, print::DotDensity resolution, const Paper& paper) {
   return {picture.width() * static_cast<double>(paper.resolution.x) / resolution.x,
           picture.height() * static_cast<double>(paper.resolution.y) / resolution.y};
 }
@@ -57,7 +57,7 @@ bool is_better_turned(DotSize size, const PaperLayout& layout, const Paper& pape
 }
 
 // A picture without a resolution is printed with a dot for each pixel.
-void state_resolution(Picture& picture, DotDensity resolution, const PaperLayout& layout, double shrink) {
+void state_resolution(Picture& picture, print::DotDensity resolution, const PaperLayout& layout, double shrink) {
   const auto per_metre = [&](float dpi) { return static_cast<int>(std::ceil(dpi * shrink * kInchesPerMetre)); };
   if (shrink > 1)
     picture.set_resolution(per_metre(resolution.x), per_metre(resolution.y));
@@ -90,7 +90,7 @@ ImgPrintOptions print_options(const PaperLayout& layout) {
 
 OnPaper fitted(Picture picture, const PaperLayout& layout, const Paper& paper) {
   picture = programs::upright(std::move(picture));
-  DotDensity resolution = resolution_of(picture, layout, paper);
+  print::DotDensity resolution = resolution_of(picture, layout, paper);
   DotSize size = true_size(picture, resolution, paper);
   if (is_better_turned(size, layout, paper)) {
     picture = programs::turned(std::move(picture), 90);

@@ -11,7 +11,7 @@ namespace vorel::cli {
 
 // The part of a sheet that a printer reaches.
 struct Paper {
-  DotDensity resolution;  // dots per inch
+  print::DotDensity resolution;  // dots per inch
   Size dots;
 };
 

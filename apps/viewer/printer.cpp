@@ -57,7 +57,8 @@ Sheet Printer::sheet() const {
                           capability(VERTRES)};
   const Size paper = {std::max(capability(PHYSICALWIDTH), printable.width),
                       std::max(capability(PHYSICALHEIGHT), printable.height)};  // devices without paper state none
-  const DotDensity resolution = {static_cast<float>(capability(LOGPIXELSX)), static_cast<float>(capability(LOGPIXELSY))};
+  const print::DotDensity resolution = {static_cast<float>(capability(LOGPIXELSX)),
+                                        static_cast<float>(capability(LOGPIXELSY))};
   if (printable.width <= 0 || printable.height <= 0 || resolution.x <= 0 || resolution.y <= 0)
     throw Failure(L"The printer \"" + name_ + L"\" does not say how large its paper is");
   return {resolution, paper, printable};

@@ -26,7 +26,7 @@ HGLOBAL converted_handle(HGLOBAL dib, Result<OwnedDib> (*convert)(const LockedDi
 
 extern "C" {
 
-HGLOBAL VORELCALL CompressDIB(HGLOBAL dib) { return converted_handle(dib, compressed); }
-HGLOBAL VORELCALL ExpandCompressedDIB(HGLOBAL dib) { return converted_handle(dib, expanded); }
+HGLOBAL VORELCALL CompressDIB(HGLOBAL dib) { return converted_handle(dib, formats::compressed); }
+HGLOBAL VORELCALL ExpandCompressedDIB(HGLOBAL dib) { return converted_handle(dib, formats::expanded); }
 
 }  // extern "C"

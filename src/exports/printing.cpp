@@ -35,19 +35,19 @@ extern "C" {
 
 int VORELCALL PrepareToPrint(HWND owner, HDC printerDC, ImgPrintOptions* options, LPCSTR documentName, int pageCount) {
   return code_at_boundary([&] {
-    return prepare_job({owner, printerDC, options, documentName, pageCount},
-                       {PrintPageProc, PrintCancelDlgProc, PrintAbortProc});
+    return print::prepare_job({owner, printerDC, options, documentName, pageCount},
+                              {PrintPageProc, PrintCancelDlgProc, PrintAbortProc});
   });
 }
 
 int VORELCALL PrintDIBPage(HGLOBAL dib, int* imageDpi, int, int pageIndex, int xOffset, int yOffset) {
-  return code_at_boundary([&] { return print_page({dib, imageDpi, pageIndex, {xOffset, yOffset}}); });
+  return code_at_boundary([&] { return print::print_page({dib, imageDpi, pageIndex, {xOffset, yOffset}}); });
 }
 
-void VORELCALL PrintPageContinue(void) { continue_page(); }
+void VORELCALL PrintPageContinue(void) { print::continue_page(); }
 
 int VORELCALL EndPrint(HDC printerDC) {
-  return code_at_boundary([&] { return end_job(printerDC); });
+  return code_at_boundary([&] { return print::end_job(printerDC); });
 }
 
 int VORELCALL PrintDIB(HWND owner, HDC printerDC, HGLOBAL dib, LPCSTR documentName, int* imageDpi, ImgPrintOptions* options,
@@ -68,21 +68,21 @@ int VORELCALL PrintImage(HWND owner, HDC printerDC, HBITMAP bitmap, HPALETTE pal
 }
 
 BOOL VORELCALL PrintAbortProc(HDC, int code) {
-  return flag_at_boundary([&] { return let_messages_through(code); });
+  return flag_at_boundary([&] { return print::let_messages_through(code); });
 }
 
 BOOL VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM, LPARAM lParam) {
-  return flag_at_boundary([&] { return follow_cancel_dialog(dialog, message, lParam); });
+  return flag_at_boundary([&] { return print::follow_cancel_dialog(dialog, message, lParam); });
 }
 
 BOOL VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-  return flag_at_boundary([&] { return follow_page_dialog(dialog, message, wParam); });
+  return flag_at_boundary([&] { return print::follow_page_dialog(dialog, message, wParam); });
 }
 
-int VORELCALL PrinterSetup(HWND owner) { return run_setup_dialog(owner, PrinterSetupProc); }
+int VORELCALL PrinterSetup(HWND owner) { return print::run_setup_dialog(owner, PrinterSetupProc); }
 
 BOOL VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-  return flag_at_boundary([&] { return follow_setup_dialog(dialog, message, wParam); });
+  return flag_at_boundary([&] { return print::follow_setup_dialog(dialog, message, wParam); });
 }
 
 }  // extern "C"

@@ -2,7 +2,7 @@
 
 #include "platform/user.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 // The two titles differ; programs that watch for these boxes know both.
@@ -26,4 +26,4 @@ CodecEntry::CodecEntry(const EntryPoint& entry) : file_name_(module_file_name(en
   }
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

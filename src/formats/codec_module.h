@@ -7,7 +7,7 @@
 #include "core/file_formats.h"
 #include "platform/module.h"
 
-namespace vorel {
+namespace vorel::formats {
 
 // Loads a module for a scope and finds an entry point in it. A message box names a missing module or entry point.
 class CodecEntry {
@@ -30,4 +30,4 @@ auto call_codec(const EntryPoint& entry, Arguments... arguments) {
   return codec.address() == nullptr ? Value{} : reinterpret_cast<Function>(codec.address())(arguments...);
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

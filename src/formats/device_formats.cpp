@@ -4,7 +4,7 @@
 #include "formats/clipboard_file.h"
 #include "metafile/metafile_file.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 Result<HGLOBAL> dib_of_loaded(Result<OwnedBitmap> bitmap) {
@@ -28,7 +28,7 @@ Result<HGLOBAL> load_metafile_dib(const LoadRequest& request) {
 }
 
 Result<HGLOBAL> load_clipboard_dib(const LoadRequest& request) {
-  const auto bitmap = formats::load_clipboard_format(request.path, formats::ClipboardFormat::kDib);
+  const auto bitmap = load_clipboard_format(request.path, ClipboardFormat::kDib);
   if (!bitmap) return bitmap.error();
   return dib_of_loaded(OwnedBitmap(static_cast<HBITMAP>(*bitmap)));
 }
@@ -43,9 +43,9 @@ Result<BOOL> save_enhanced_metafile(const SaveRequest& request) {
 Result<BOOL> save_clipboard_dib(const SaveRequest& request) {
   const auto bitmap = bitmap_of(request.dib);
   if (!bitmap) return bitmap.error();
-  const auto saved = formats::save_clipboard_file(request.path, bitmap->get());
+  const auto saved = save_clipboard_file(request.path, bitmap->get());
   if (!saved) return saved.error();
   return BOOL{*saved};
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -4,7 +4,7 @@
 
 #include "formats/image_file.h"
 
-namespace vorel {
+namespace vorel::formats {
 
 Result<HGLOBAL> load_metafile_dib(const LoadRequest& request);
 Result<HGLOBAL> load_clipboard_dib(const LoadRequest& request);
@@ -13,4 +13,4 @@ Result<BOOL> save_windows_metafile(const SaveRequest& request);
 Result<BOOL> save_enhanced_metafile(const SaveRequest& request);
 Result<BOOL> save_clipboard_dib(const SaveRequest& request);
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -4,7 +4,7 @@
 
 #include "kernels/rle/rle.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 // Bytes to the end of a full colour table: where pixels and codes begin. At depths of 32 and above that exceeds any block.
@@ -104,4 +104,4 @@ Result<OwnedDib> expanded(const LockedDib& source) {
   return result;
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

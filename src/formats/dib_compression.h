@@ -4,7 +4,7 @@
 #include "dib/packed_dib.h"
 #include "frame/error.h"
 
-namespace vorel {
+namespace vorel::formats {
 
 // Both assume a colour table of 1 << depth entries whatever the header counts, and copy it in full: pixels or codes follow
 // it.
@@ -15,4 +15,4 @@ Result<OwnedDib> compressed(const LockedDib& source);
 // A new uncompressed DIB with the decoded picture.
 Result<OwnedDib> expanded(const LockedDib& source);
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -14,7 +14,7 @@
 #include "platform/file.h"
 #include "platform/profile.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 constexpr const char* kSetSection = "ColorFax";
@@ -222,4 +222,4 @@ void merge_plane(ConstDibView bits, DibView merged, int plane) {
   }
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -5,7 +5,7 @@
 #include "frame/error.h"
 #include "platform/win32.h"
 
-namespace vorel {
+namespace vorel::formats {
 
 struct LoadRequest;
 
@@ -19,4 +19,4 @@ Result<HGLOBAL> load_fax_page(const LoadRequest& request);
 // Sets bit 8 >> plane of each 4-bit pixel where the 1-bit picture of the same size has a set bit.
 void merge_plane(ConstDibView bits, DibView merged, int plane);
 
-}  // namespace vorel
+}  // namespace vorel::formats

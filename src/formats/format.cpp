@@ -8,7 +8,7 @@
 #include "platform/ascii.h"
 #include "platform/file.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 constexpr size_t kSearchedBytes = 511;  // texts are searched for in all bytes but the last
@@ -95,4 +95,4 @@ ImgFormat recognise(const FileStart& start, const char* path) {
   return IMG_FORMAT_UNKNOWN;
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -8,7 +8,7 @@
 
 #include <vorel32.h>
 
-namespace vorel {
+namespace vorel::formats {
 
 // The first bytes of a file, zero-padded if it is shorter.
 struct FileStart {
@@ -22,4 +22,4 @@ FileStart read_file_start(const char* path);
 // The format by the first bytes, by the name and, failing these, by the file's text as a page set.
 ImgFormat recognise(const FileStart& start, const char* path);
 
-}  // namespace vorel
+}  // namespace vorel::formats

@@ -12,7 +12,7 @@
 #include "formats/format.h"
 #include "platform/file.h"
 
-namespace vorel {
+namespace vorel::formats {
 namespace {
 
 // The table numbers formats as the public header does.
@@ -106,4 +106,4 @@ Result<BOOL> save_image(int code, const SaveRequest& request) {
   return format->save ? Result<BOOL>(save_by_module(*format, request)) : own_format(format->code).save(request);
 }
 
-}  // namespace vorel
+}  // namespace vorel::formats

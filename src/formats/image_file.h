@@ -4,7 +4,7 @@
 #include "frame/error.h"
 #include "platform/win32.h"
 
-namespace vorel {
+namespace vorel::formats {
 
 struct LoadRequest {
   const char* path;
@@ -31,4 +31,4 @@ struct SaveRequest {
 // The result of the format's saver. A format that is not saved fails unreported.
 Result<BOOL> save_image(int format, const SaveRequest& request);
 
-}  // namespace vorel
+}  // namespace vorel::formats

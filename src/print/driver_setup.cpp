@@ -8,7 +8,7 @@
 #include "platform/module.h"
 #include "print/printers.h"
 
-namespace vorel {
+namespace vorel::print {
 namespace {
 
 using ExtDeviceModeEntry = INT(WINAPI*)(HWND, HANDLE driver, DEVMODEA* chosen, LPSTR name, LPSTR port, DEVMODEA* before,
@@ -84,4 +84,4 @@ DriverSetup set_up_driver(HWND owner, PrinterDevice device) {
   return driver.is_loaded() ? DriverSetup::kInvalidDriver : DriverSetup::kNoDriver;
 }
 
-}  // namespace vorel
+}  // namespace vorel::print

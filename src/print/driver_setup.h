@@ -4,7 +4,7 @@
 #include "platform/win32.h"
 #include "print/printer_names.h"
 
-namespace vorel {
+namespace vorel::print {
 
 enum class DriverSetup {
   kDone,  // or cancelled by the user
@@ -18,4 +18,4 @@ enum class DriverSetup {
 // finds them: it is asked next.
 DriverSetup set_up_driver(HWND owner, PrinterDevice device);
 
-}  // namespace vorel
+}  // namespace vorel::print

@@ -16,7 +16,7 @@
 #include "print/page_layout.h"
 #include "print/printers.h"
 
-namespace vorel {
+namespace vorel::print {
 namespace {
 
 constexpr ImgPrintOptions kDefaultOptions = {.showDialog = 1,
@@ -309,4 +309,4 @@ bool follow_cancel_dialog(HWND dialog, UINT message, LPARAM text) {
   }
 }
 
-}  // namespace vorel
+}  // namespace vorel::print

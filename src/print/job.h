@@ -5,7 +5,7 @@
 
 #include "platform/win32.h"
 
-namespace vorel {
+namespace vorel::print {
 
 struct JobRequest {
   HWND owner;
@@ -41,4 +41,4 @@ bool let_messages_through(int spooler_code);
 // Handles the messages of the cancel dialog. True if the message is handled.
 bool follow_cancel_dialog(HWND dialog, UINT message, LPARAM text);
 
-}  // namespace vorel
+}  // namespace vorel::print

@@ -7,7 +7,7 @@
 
 #include "platform/win32.h"
 
-namespace vorel {
+namespace vorel::print {
 
 inline constexpr int kJobNameBytes = 256;
 
@@ -37,4 +37,4 @@ struct PrintJob {
 
 PrintJob& current_job();
 
-}  // namespace vorel
+}  // namespace vorel::print

@@ -7,7 +7,7 @@
 #include "print/job_state.h"
 #include "print/printers.h"
 
-namespace vorel {
+namespace vorel::print {
 namespace {
 
 struct CheckBox {
@@ -121,4 +121,4 @@ bool follow_page_dialog(HWND dialog, UINT message, WPARAM command) {
   }
 }
 
-}  // namespace vorel
+}  // namespace vorel::print

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vorel {
+namespace vorel::print {
 namespace {
 
 constexpr float kMetresPerInch = 0.025400052f;
@@ -86,4 +86,4 @@ PlacedPart part_in_band(Rect image, Size pixels, Rect band) {
   return {rect_of(x, y), rect_of(pixels_on(x, across(image), pixels.width), pixels_on(y, down(image), pixels.height))};
 }
 
-}  // namespace vorel
+}  // namespace vorel::print

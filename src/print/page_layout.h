@@ -6,7 +6,7 @@
 #include "core/header.h"
 #include "core/view.h"
 
-namespace vorel {
+namespace vorel::print {
 
 // Dots, or pixels, per inch.
 struct DotDensity {
@@ -50,4 +50,4 @@ struct PlacedPart {
 // The part of an image that falls into a band of the page, at least a pixel wide and high; empty if they do not meet.
 PlacedPart part_in_band(Rect image, Size pixels, Rect band);
 
-}  // namespace vorel
+}  // namespace vorel::print

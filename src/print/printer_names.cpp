@@ -4,7 +4,7 @@
 
 #include "platform/ascii.h"
 
-namespace vorel {
+namespace vorel::print {
 namespace {
 
 constexpr const char* kDriverExtension = ".DRV";
@@ -58,4 +58,4 @@ PrinterDevice device_of(std::string_view entry) {
   return device;
 }
 
-}  // namespace vorel
+}  // namespace vorel::print

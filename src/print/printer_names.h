@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vorel {
+namespace vorel::print {
 
 struct PrinterDevice {
   std::string name, driver, port;
@@ -25,4 +25,4 @@ std::string device_text(std::string_view entry);
 // The same, parsed. A driver's name without an extension gets the usual one.
 PrinterDevice device_of(std::string_view entry);
 
-}  // namespace vorel
+}  // namespace vorel::print

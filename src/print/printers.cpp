@@ -10,7 +10,7 @@
 #include "platform/memory.h"
 #include "print/job_state.h"
 
-namespace vorel {
+namespace vorel::print {
 namespace {
 
 // A thread's settings of a printer, for its next job on that printer.
@@ -97,4 +97,4 @@ void forget_settings(const std::string& printer) {
   if (kept->are_of(printer)) kept->device_mode = {};
 }
 
-}  // namespace vorel
+}  // namespace vorel::print

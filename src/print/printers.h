@@ -8,7 +8,7 @@
 #include "platform/windows/gdi.h"
 #include "print/printer_names.h"
 
-namespace vorel {
+namespace vorel::print {
 
 // The printers that the spooler knows, local ones and connections: their names and details.
 class InstalledPrinters {
@@ -41,4 +41,4 @@ OwnedDc default_printer_dc();
 bool keep_settings(const std::string& printer, const DEVMODEA& mode);
 void forget_settings(const std::string& printer);
 
-}  // namespace vorel
+}  // namespace vorel::print

@@ -9,7 +9,7 @@
 #include "print/printer_names.h"
 #include "print/printers.h"
 
-namespace vorel {
+namespace vorel::print {
 namespace {
 
 constexpr DWORD kNamesBytes = 1090, kValueBytes = 109, kDeviceBytes = 122;
@@ -190,4 +190,4 @@ bool follow_setup_dialog(HWND dialog, UINT message, WPARAM command) {
   }
 }
 
-}  // namespace vorel
+}  // namespace vorel::print

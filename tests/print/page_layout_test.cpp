@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 using namespace vorel;
+using namespace vorel::print;
 
 namespace {
 

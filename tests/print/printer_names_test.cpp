@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 using namespace vorel;
+using namespace vorel::print;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -24,7 +24,7 @@ const wchar_t* sizing_text(PageSizing sizing) {
   return L"true size";
 }
 
-std::wstring size_in_millimetres(int width, int height, DotDensity resolution) {
+std::wstring size_in_millimetres(int width, int height, print::DotDensity resolution) {
   const auto rounded = [](int dots, float per_inch) {
     return std::to_wstring(std::lround(dots * kMillimetresPerInch / per_inch));
   };
@@ -53,7 +53,7 @@ class PaperScale {
   int x(int dots) const { return static_cast<int>(std::lround(left_ + inches_across(dots) * pixels_per_inch_)); }
   int y(int dots) const { return static_cast<int>(std::lround(top_ + inches_down(dots) * pixels_per_inch_)); }
 
-  DotDensity resolution_;
+  print::DotDensity resolution_;
   double pixels_per_inch_, left_, top_;
 };
 
@@ -78,9 +78,9 @@ std::wstring layout_text(const PrintLayout& layout) {
 
 Rect printed_box(const PrintLayout& layout, const DibHeader& picture, const Sheet& sheet) {
   const ImgPrintOptions options = print_options(layout);
-  const DotDensity resolution = image_resolution(options, nullptr, picture, sheet.resolution);
-  const PrintablePage page = printable_page({sheet.printable.width, sheet.printable.height}, sheet.resolution);
-  return place_image(options, {picture.width, picture.height}, resolution, page).dots;
+  const print::DotDensity resolution = print::image_resolution(options, nullptr, picture, sheet.resolution);
+  const print::PrintablePage page = print::printable_page({sheet.printable.width, sheet.printable.height}, sheet.resolution);
+  return print::place_image(options, {picture.width, picture.height}, resolution, page).dots;
 }
 
 std::wstring printed_size_text(Rect printed, const Sheet& sheet) {

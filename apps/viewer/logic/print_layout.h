@@ -24,7 +24,7 @@ std::wstring layout_text(const PrintLayout& layout);
 
 // Paper in a printer, in its dots.
 struct Sheet {
-  DotDensity resolution;
+  print::DotDensity resolution;
   Size paper;
   Rect printable;  // on the paper
 };
