@@ -15,6 +15,7 @@ enum class RowsAt {
   kBehindStatedHeader,  // behind as many bytes as the header states, and its table
   kBehindTable,         // behind 40 bytes and the table
   kBehindFullTable,     // behind 40 bytes and as many colours as the depth has
+  kBehindEveryValue,    // behind 40 bytes and 1 << depth colours, at depths without a table too
 };
 
 struct LayoutRule {
@@ -38,6 +39,11 @@ struct Layout {
       case RowsAt::kBehindFullTable:
         layout.offset = kHeaderBytes + ByteCount(implied_colors(header.depth)) * sizeof(Rgb);
         break;
+      case RowsAt::kBehindEveryValue: {
+        const ByteCount values = header.depth < 32 ? ByteCount(uint64_t{1} << header.depth) : ByteCount(UINT64_MAX);
+        layout.offset = kHeaderBytes + values * sizeof(Rgb);
+        break;
+      }
     }
     const uint32_t row_bits = (rule.joins_planes ? header.planes : 1u) * header.depth;
     if (has_pixels(header)) {
