@@ -68,11 +68,10 @@ Result<std::vector<Rgb>> screen_colors() {
   if (!screen) return Error::kUnreported;
   const int count = screen_palette_size(screen.get());
   if (count == 0) return Error::kUnreported;
-  const auto palette = screen_palette();
-  if (!palette) return palette.error();
-  if (!*palette) return Error::kUnreported;
+  const OwnedPalette palette = VOREL_TRY(screen_palette());
+  if (!palette) return Error::kUnreported;
 
-  const PaletteSelection selection(screen.get(), palette->get());
+  const PaletteSelection selection(screen.get(), palette.get());
   std::vector<Rgb> colors;
   for (int i = 0; i < count; ++i) {
     const COLORREF shown = GetNearestColor(screen.get(), PALETTEINDEX(i));

@@ -15,10 +15,9 @@ HGLOBAL converted_handle(HGLOBAL dib, Result<OwnedDib> (*convert)(const LockedDi
     const auto source = LockedDib::lock(dib);
     if (!source) return Error::kParameter;
     const WaitCursor cursor;
-    auto result = convert(*source);
-    if (!result) return result.error();
+    OwnedDib result = VOREL_TRY(convert(*source));
     set_thread_error(Error::kNone);  // a quirk that is kept: most exports leave the code alone
-    return result->release();
+    return result.release();
   });
 }
 

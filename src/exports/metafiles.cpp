@@ -57,9 +57,8 @@ HBITMAP VORELCALL PlaceMetaFileIntoBMPFromCLP(HWND owner) {
 
 HGLOBAL VORELCALL PlaceMetaFileIntoDIBFromCLP(HWND owner) {
   return at_boundary(ThreadCode{}, [&]() -> Result<HGLOBAL> {
-    const auto bitmap = metafile::draw_clipboard_picture(owner);
-    if (!bitmap) return bitmap.error();
-    return released(dib_in_screen_colors(bitmap->get()));
+    const OwnedBitmap bitmap = VOREL_TRY(metafile::draw_clipboard_picture(owner));
+    return released(dib_in_screen_colors(bitmap.get()));
   });
 }
 

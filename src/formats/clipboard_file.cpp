@@ -16,9 +16,8 @@ namespace {
 Result<ClipboardEntry> find_entry(FileRef file, ClipboardFormat format) {
   std::array<uint8_t, sizeof(ClipboardFileHeader)> start{};
   file.read(start.data(), start.size());
-  const auto count = read_clipboard_header(start);
-  if (!count) return count.error();
-  const auto directory = ZeroedBuffer::allocate(ByteCount(*count) * sizeof(ClipboardEntry));
+  const auto count = VOREL_TRY(read_clipboard_header(start));
+  const auto directory = ZeroedBuffer::allocate(ByteCount(count) * sizeof(ClipboardEntry));
   if (!directory) return Error::kMemory;
   const int64_t read = file.read(directory->bytes().data(), directory->bytes().size());
   return find_entry(directory->bytes().first(static_cast<size_t>(std::max<int64_t>(read, 0))), format);
@@ -65,21 +64,16 @@ Result<OwnedBitmap> draw(HGLOBAL data, ClipboardFormat format) {
 Result<HANDLE> load_clipboard_format(const char* path, ClipboardFormat format) {
   const auto file = OwnedFile::open_as_named(path);
   if (!file) return Error::kOpenFile;
-  const auto entry = find_entry(*file, format);
-  if (!entry) return entry.error();
+  const ClipboardEntry entry = VOREL_TRY(find_entry(*file, format));
   if (!is_read(format)) return Error::kClipboardFormat;
-  auto data = read_entry(*file, *entry);
-  if (!data) return data.error();
-  if (format == ClipboardFormat::kBitmap) return data->release();
-  auto bitmap = draw(data->get(), format);
-  if (!bitmap) return bitmap.error();
-  return static_cast<HANDLE>(bitmap->release());
+  OwnedBlock data = VOREL_TRY(read_entry(*file, entry));
+  if (format == ClipboardFormat::kBitmap) return data.release();
+  return static_cast<HANDLE>(VOREL_TRY(draw(data.get(), format)).release());
 }
 
 Result<bool> save_clipboard_file(const char* path, HBITMAP bitmap) {
-  auto dib = dib_of(bitmap, nullptr);
-  if (!dib) return dib.error();
-  const std::span<uint8_t> block = dib->bytes();
+  const OwnedDib dib = VOREL_TRY(dib_of(bitmap, nullptr));
+  const std::span<uint8_t> block = dib.bytes();
   const DibHeader header = read_header(block);
   const ByteCount bytes = kHeaderBytes + palette_bytes(header) + header.image_bytes;
   const auto written = block.first(static_cast<size_t>(bytes.value()));

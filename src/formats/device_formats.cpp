@@ -7,30 +7,24 @@
 namespace vorel::formats {
 namespace {
 
-Result<HGLOBAL> dib_of_loaded(Result<OwnedBitmap> bitmap) {
-  if (!bitmap) return bitmap.error();
-  return released(dib_in_screen_colors(bitmap->get()));
-}
-
 // Holds the active window's context meanwhile.
 Result<BOOL> save_metafile(const SaveRequest& request, metafile::MetafileKind kind) {
-  const auto bitmap = bitmap_of(request.dib);
-  if (!bitmap) return bitmap.error();
+  const OwnedBitmap bitmap = VOREL_TRY(bitmap_of(request.dib));
   const WindowDc held(GetActiveWindow());
-  metafile::save_bitmap_in_metafile(request.path, bitmap->get(), kind);
+  metafile::save_bitmap_in_metafile(request.path, bitmap.get(), kind);
   return TRUE;
 }
 
 }  // namespace
 
 Result<HGLOBAL> load_metafile_dib(const LoadRequest& request) {
-  return dib_of_loaded(metafile::load_metafile(request.path));
+  const OwnedBitmap bitmap = VOREL_TRY(metafile::load_metafile(request.path));
+  return released(dib_in_screen_colors(bitmap.get()));
 }
 
 Result<HGLOBAL> load_clipboard_dib(const LoadRequest& request) {
-  const auto bitmap = load_clipboard_format(request.path, ClipboardFormat::kDib);
-  if (!bitmap) return bitmap.error();
-  return dib_of_loaded(OwnedBitmap(static_cast<HBITMAP>(*bitmap)));
+  const OwnedBitmap bitmap(static_cast<HBITMAP>(VOREL_TRY(load_clipboard_format(request.path, ClipboardFormat::kDib))));
+  return released(dib_in_screen_colors(bitmap.get()));
 }
 
 Result<BOOL> save_windows_metafile(const SaveRequest& request) {
@@ -41,11 +35,8 @@ Result<BOOL> save_enhanced_metafile(const SaveRequest& request) {
 }
 
 Result<BOOL> save_clipboard_dib(const SaveRequest& request) {
-  const auto bitmap = bitmap_of(request.dib);
-  if (!bitmap) return bitmap.error();
-  const auto saved = save_clipboard_file(request.path, bitmap->get());
-  if (!saved) return saved.error();
-  return BOOL{*saved};
+  const OwnedBitmap bitmap = VOREL_TRY(bitmap_of(request.dib));
+  return BOOL{VOREL_TRY(save_clipboard_file(request.path, bitmap.get()))};
 }
 
 }  // namespace vorel::formats

@@ -86,14 +86,13 @@ Result<OwnedBitmap> draw_text(HGLOBAL text) {
 
 Result<OwnedBitmap> load_text(const char* path, TextCodePage code_page) {
   const WaitCursor cursor;
-  const auto text = read_text(path);
-  if (!text) return text.error();
+  const OwnedBlock text = VOREL_TRY(read_text(path));
   if (code_page == TextCodePage::kOem) {
-    const auto locked = LockedBlock::lock(text->get());
+    const auto locked = LockedBlock::lock(text.get());
     auto* characters = reinterpret_cast<char*>(locked->bytes().data());
     OemToCharA(characters, characters);
   }
-  auto bitmap = draw_text(text->get());
+  auto bitmap = draw_text(text.get());
   set_thread_error(Error::kNone);
   if (!bitmap) return Error::kUnreported;
   return bitmap;

@@ -123,8 +123,7 @@ class MergedPage {
  public:
   static Result<MergedPage> make(const DibHeader& plane) {
     const ByteCount pixels = row_stride(4, plane.width) * static_cast<uint32_t>(plane.height);
-    auto dib = OwnedDib::allocate(kHeaderBytes + sizeof kColors + pixels);
-    if (!dib) return Error::kMemory;
+    OwnedDib dib = VOREL_TRY(OwnedDib::allocate(kHeaderBytes + sizeof kColors + pixels).or_error(Error::kMemory));
     const DibHeader header{.width = plane.width,
                            .height = plane.height,
                            .depth = 4,
@@ -133,9 +132,9 @@ class MergedPage {
                            .y_per_metre = plane.y_per_metre,
                            .colors_used = kColors.size(),
                            .colors_important = kColors.size()};
-    write_header(dib->bytes(), header);
-    std::memcpy(dib->bytes().data() + kHeaderBytes, kColors.data(), sizeof kColors);
-    return MergedPage(std::move(*dib), header);
+    write_header(dib.bytes(), header);
+    std::memcpy(dib.bytes().data() + kHeaderBytes, kColors.data(), sizeof kColors);
+    return MergedPage(std::move(dib), header);
   }
 
   bool has_size_of(const DibHeader& plane) const { return plane.width == header_.width && plane.height == header_.height; }
@@ -163,20 +162,15 @@ Result<HGLOBAL> merged_page(const Profile& profile, const PageSet& set, Place pl
     if (plane > 0 && !set.has_file_per_plane()) ++place.image;
     if (!std::in_range<int>(place.image)) return Error::kUnreported;
     const std::string name = profile.text(place.section.c_str(), place.key.c_str(), kMostNameCharacters);
-    auto loaded = load_image({.path = name.c_str(),
-                              .page = static_cast<int>(place.image),
-                              .status = request.status,
-                              .enclosing_sets = request.enclosing_sets + 1});
-    if (!loaded) return loaded.error();
+    HGLOBAL loaded = VOREL_TRY(load_image({.path = name.c_str(),
+                                           .page = static_cast<int>(place.image),
+                                           .status = request.status,
+                                           .enclosing_sets = request.enclosing_sets + 1}));
     if (set.planes == 1) return loaded;
-    const OwnedBlock block(*loaded);
+    const OwnedBlock block(loaded);
     const auto image = PlaneImage::lock(block.get());
     if (!image) return Error::kUnreported;
-    if (!merged) {
-      auto page = MergedPage::make(image->header());
-      if (!page) return page.error();
-      merged.emplace(std::move(*page));
-    }
+    if (!merged) merged.emplace(VOREL_TRY(MergedPage::make(image->header())));
     if (!merged->has_size_of(image->header())) return Error::kUnreported;
     merged->merge(*image, plane);
   }

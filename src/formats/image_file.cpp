@@ -44,11 +44,7 @@ struct OwnFormat {
   Result<BOOL> (*save)(const SaveRequest& request);  // null for formats that are not saved
 };
 
-Result<BOOL> save_bitmap(const SaveRequest& request) {
-  const auto saved = save_dib(request.path, request.dib);
-  if (!saved) return saved.error();
-  return BOOL{*saved};
-}
+Result<BOOL> save_bitmap(const SaveRequest& request) { return BOOL{VOREL_TRY(save_dib(request.path, request.dib))}; }
 
 constexpr OwnFormat kOwnFormats[] = {
     {FormatCode::kBitmap, load_bitmap, save_bitmap},
