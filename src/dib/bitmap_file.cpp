@@ -1,6 +1,7 @@
 #include "dib/bitmap_file.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <span>
@@ -129,12 +130,14 @@ Result<bool> save_dib(const char* path, HGLOBAL handle) {
   // Before the file is created: a dead handle must not destroy an existing file.
   const auto dib = LockedDib::lock(handle);
   if (!dib) return Error::kLock;
-  if (!dib->has_header()) return Error::kParameter;
   const auto file = OwnedFile::create(path);
   if (!file) return Error::kOpenFile;
 
   const WaitCursor cursor;
-  const FileHeader file_header = file_header_for(dib->header(), dib->block().size());
+  // A 12-byte header with a small picture is shorter than the newer header.
+  DibHeader header{.size = 0, .planes = 0};
+  std::memcpy(&header, dib->block().data(), std::min(dib->block().size(), sizeof header));
+  const FileHeader file_header = file_header_for(header, dib->block().size());
   if (file->write(&file_header, sizeof file_header) == 0) return Error::kFileIo;
   if (file->write(dib->block().data(), dib->block().size()) == 0) return Error::kFileIo;
   return true;

@@ -66,10 +66,7 @@ Result<OwnedDib> copied(HGLOBAL source) {
   return copy;
 }
 
-Result<OwnedBitmap> bitmap_for(HGLOBAL dib) {
-  const LockedDib locked = VOREL_TRY(or_error(LockedDib::lock(dib), Error::kCombineBitmap));
-  return bitmap_of(locked).or_error(Error::kCombineBitmap);
-}
+Result<OwnedBitmap> bitmap_for(HGLOBAL dib) { return bitmap_of(dib).or_error(Error::kCombineBitmap); }
 
 }  // namespace
 

@@ -322,7 +322,7 @@ constexpr struct Type {
     {118, 36, has_gradient},                  // GradientFill
     {120, 16, anything},                      // SetTextJustification
     {121, 24, has_two_data<16>},              // ColorMatchToTargetW
-    {122, 612, names_object<8>},              // CreateColorSpaceW
+    {122, 608, names_object<8>},              // CreateColorSpaceW
 };
 static_assert(std::ranges::is_sorted(kTypes, {}, &Type::number));
 

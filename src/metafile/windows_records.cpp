@@ -13,13 +13,14 @@ constexpr size_t kShortestRecord = 6;
 constexpr size_t kFunctionAt = 4;
 constexpr uint16_t kInMemory = 1;
 constexpr uint16_t kEscape = 0x0626, kCommentEscape = 15;
-constexpr uint16_t kDibStretchBlt = 0x0B41, kPatBlt = 0x061D;
+constexpr uint16_t kBitBlt = 0x0922, kStretchBlt = 0x0B23, kDibStretchBlt = 0x0B41, kPatBlt = 0x061D;
+constexpr uint16_t kBrush = 0x02FC;
 
 constexpr size_t parameter_at(size_t index) { return kShortestRecord + 2 * index; }
 uint16_t parameter(const Record& record, size_t index) { return record.at<uint16_t>(parameter_at(index)); }
 
-// The form without a picture has one more parameter, in front of the last four.
-constexpr size_t kDibStretchBltAlone = parameter_at(11);
+// Forms without a picture have one more parameter, in front of the last four.
+constexpr size_t kBitBltAlone = parameter_at(9), kStretchBltAlone = parameter_at(11);
 
 // Items behind the parameters.
 bool has_items(const Record& record, size_t first_parameter, uint32_t count, size_t bytes) {
@@ -75,10 +76,8 @@ bool has_extended_text(const Record& record, uint32_t) {
 bool has_escape_data(const Record& record, uint32_t) { return has_items(record, 2, parameter(record, 1), 1); }
 bool has_colors(const Record& record, uint32_t) { return has_items(record, 2, parameter(record, 1), kColorBytes); }
 
-// Other styles contain a pointer.
-bool is_plain_brush(const Record& record, uint32_t) {
-  constexpr uint16_t kHatched = 2;
-  return parameter(record, 0) <= kHatched;
+bool names_object_or_none(const Record& record, uint32_t objects) {
+  return parameter(record, 0) == 0 || names_objects<0>(record, objects);
 }
 
 // The name may be shorter than its field if it is terminated.
@@ -114,7 +113,7 @@ bool has_dib_of_use(const Record& record, uint32_t) {
 bool has_dib_or_none(const Record& record, uint32_t) { return record.size() <= parameter_at(9) || has_dib(record, 8, 0); }
 
 bool has_stretched_dib_or_none(const Record& record, uint32_t) {
-  return record.size() == kDibStretchBltAlone || has_dib(record, 10, 0);
+  return record.size() == kStretchBltAlone || has_dib(record, 10, 0);
 }
 
 // The rows of a part of the picture; the record states their number.
@@ -127,6 +126,7 @@ bool has_dib_rows(const Record& record, uint32_t) {
 
 // Rows of a bitmap without colours of its own, each an even number of bytes.
 bool has_rows(const Record& record, size_t bits, uint32_t width, uint32_t height, uint32_t bits_per_pixel) {
+  if (width == 0 || height == 0) return true;
   const ByteCount row = (uint64_t{width} * bits_per_pixel + 15) / 16 * 2;
   return height <= kMostItems && width <= kMostItems && record.has(bits, row * height);
 }
@@ -134,7 +134,8 @@ bool has_rows(const Record& record, size_t bits, uint32_t width, uint32_t height
 // A bitmap of this kind: width, height, bytes of a row, planes and bits per pixel, rows. The planes and bits are bytes, but
 // some players read words, and at other places.
 template <size_t kWidth, size_t kWidthOfOthers>
-bool has_bitmap(const Record& record, uint32_t) {
+bool has_bitmap_or_none(const Record& record, uint32_t) {
+  if (record.size() == parameter_at(kWidth)) return true;
   const auto holds = [&](size_t width, size_t bits, uint32_t bits_per_pixel) {
     return has_rows(record, parameter_at(bits), parameter(record, width), parameter(record, width + 1), bits_per_pixel);
   };
@@ -166,7 +167,7 @@ constexpr struct Function {
     {0x0127, 1, anything},                            // RestoreDC
     {0x012A, 1, names_objects<0>},                    // InvertRegion
     {0x012B, 1, names_objects<0>},                    // PaintRegion
-    {0x012C, 1, names_objects<0>},                    // SelectClipRegion
+    {0x012C, 1, names_object_or_none},                // SelectClipRegion
     {0x012D, 1, names_objects<0>},                    // SelectObject
     {0x012E, 1, anything},                            // SetTextAlign
     {0x0139, 1, anything},                            // ResizePalette
@@ -191,7 +192,7 @@ constexpr struct Function {
     {0x0234, 1, names_objects<0>},                    // SelectPalette
     {0x02FA, 5, anything},                            // CreatePenIndirect
     {0x02FB, 9, has_font_name},                       // CreateFontIndirect
-    {0x02FC, 4, is_plain_brush},                      // CreateBrushIndirect
+    {kBrush, 4, anything},                            // CreateBrushIndirect
     {0x0324, 1, has_points},                          // Polygon
     {0x0325, 1, has_points},                          // Polyline
     {0x0410, 4, anything},                            // ScaleWindowExt
@@ -214,10 +215,10 @@ constexpr struct Function {
     {0x0817, 8, anything},                            // Arc
     {0x081A, 8, anything},                            // Pie
     {0x0830, 8, anything},                            // Chord
-    {0x0922, 13, has_bitmap<9, 7>},                   // BitBlt
+    {kBitBlt, 9, has_bitmap_or_none<9, 7>},           // BitBlt
     {0x0940, 9, has_dib_or_none},                     // DIBBitBlt
     {0x0A32, 4, has_extended_text},                   // ExtTextOut
-    {0x0B23, 16, has_bitmap<11, 10>},                 // StretchBlt
+    {kStretchBlt, 11, has_bitmap_or_none<11, 10>},    // StretchBlt
     {kDibStretchBlt, 10, has_stretched_dib_or_none},  // DIBStretchBlt
     {0x0D33, 9, has_dib_rows},                        // SetDIBitsToDevice
     {0x0F43, 11, has_dib_of_use<11, 2>},              // StretchDIBits
@@ -242,15 +243,30 @@ void set_word(std::span<uint8_t> record, size_t offset, uint16_t word) {
   std::memcpy(record.data() + offset, &word, sizeof word);
 }
 
+constexpr uint16_t kHatchedStyle = 2;
+
+// Height, width, top and left begin at a parameter.
+void make_pattern_blt(std::span<uint8_t> bytes, size_t first) {
+  set_word(bytes, kFunctionAt, kPatBlt);
+  for (size_t i = 0; i < 4; ++i) set_word(bytes, parameter_at(2 + i), parameter(Record(bytes), first + i));
+}
+
 // Changes complete records that players handle wrongly.
 void make_harmless(std::span<uint8_t> bytes) {
   const Record record(bytes);
   switch (record.at<uint16_t>(kFunctionAt)) {
     case kEscape: set_word(bytes, parameter_at(0), kCommentEscape); break;
-    case kDibStretchBlt:  // players expect a picture in the short form, too
-      if (record.size() != kDibStretchBltAlone) break;
-      set_word(bytes, kFunctionAt, kPatBlt);
-      for (size_t i = 0; i < 4; ++i) set_word(bytes, parameter_at(2 + i), parameter(record, 7 + i));
+    case kBrush:  // other styles contain a pointer: a default brush instead
+      if (parameter(record, 0) <= kHatchedStyle) break;
+      for (size_t i = 0; i < 4; ++i) set_word(bytes, parameter_at(i), 0);
+      break;
+    // Players expect a picture in the short forms, too.
+    case kBitBlt:
+      if (record.size() == kBitBltAlone) make_pattern_blt(bytes, 5);
+      break;
+    case kStretchBlt:
+    case kDibStretchBlt:
+      if (record.size() == kStretchBltAlone) make_pattern_blt(bytes, 7);
       break;
     default: break;
   }

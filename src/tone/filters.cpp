@@ -4,8 +4,8 @@ namespace vorel::tone {
 namespace {
 
 Result<ZeroedBuffer> scratch_for(const OpenDib& source, const kernels::Kernel& kernel) {
-  const size_t bytes = kernels::convolution_scratch_bytes(kernel, source.pixels().width());
-  return or_error(ZeroedBuffer::allocate(bytes), Error::kMemory);
+  return or_error(ZeroedBuffer::allocate(kernels::convolution_scratch_bytes(kernel, source.pixels().width())),
+                  Error::kMemory);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <span>
 
+#include "core/byte_count.h"
+
 namespace vorel::kernels {
 
 inline constexpr int kMostKernelSize = 7;
@@ -36,8 +38,8 @@ inline constexpr size_t kConvolutionSlack = 64;
 constexpr size_t convolution_row_bytes(const Kernel& kernel, int width) {
   return static_cast<size_t>(width) + static_cast<size_t>(kernel.size) + kConvolutionSlack;
 }
-constexpr size_t convolution_scratch_bytes(const Kernel& kernel, int width) {
-  return static_cast<size_t>(kernel.size) * convolution_row_bytes(kernel, width);
+constexpr ByteCount convolution_scratch_bytes(const Kernel& kernel, int width) {
+  return ByteCount(static_cast<uint64_t>(kernel.size)) * convolution_row_bytes(kernel, width);
 }
 
 }  // namespace vorel::kernels

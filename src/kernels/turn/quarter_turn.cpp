@@ -195,7 +195,7 @@ class CompletedRows {
 template <int kDepth>
 void quarter_turn_tile(ConstDibView source, DibView result, QuarterTurn turn, int x, int column) {
   using TileOf = Tile<kDepth>;
-  const size_t byte = static_cast<size_t>(x) * kDepth / 8, first_byte = static_cast<size_t>(column) * kDepth / 8;
+  const size_t byte = row_bytes(kDepth, x), first_byte = row_bytes(kDepth, column);
   const Target target = {result.row(turn.row_of(x)).data() + first_byte, turn.row_step * result.stride()};
   const int count = std::min(TileOf::kRows, source.width() - x);
   const size_t room = row_bytes(kDepth, result.width()) - first_byte;

@@ -365,7 +365,7 @@ void write_tile(ConstDibView source, DibView result, Pixels& pixels, int column,
     box.include(pixels.x(i, range.begin), pixels.y(i, range.begin));
     box.include(pixels.x(i, range.end - 1), pixels.y(i, range.end - 1));
   }
-  const size_t byte = static_cast<size_t>(column) * kDepth / 8;
+  const size_t byte = row_bytes(kDepth, column);
   if (box.is_empty()) {
     for (int i = 0; i < rows; ++i) std::memset(result.row(first_row + i).data() + byte, 0, row_bytes(kDepth, count));
     return;

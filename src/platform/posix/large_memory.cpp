@@ -62,6 +62,11 @@ class KeptPieces {
     bytes_ += piece.room;
   }
 
+  template <class Unmap>
+  void drop_all(Unmap unmap_piece) {
+    while (count_ != 0) unmap_piece(remove(0));
+  }
+
   size_t next_offset() { return static_cast<size_t>(++taken_) * 13 % 64 * 64; }
 
  private:
@@ -92,7 +97,17 @@ LargePiece take_large(size_t bytes, bool zeroed) {
     piece = kept.take(bytes);
     if (piece.bytes == nullptr) offset = kept.next_offset();
   }
-  if (piece.bytes == nullptr) return bytes <= SIZE_MAX / 2 ? map(bytes, offset) : LargePiece{};
+  if (piece.bytes == nullptr) {
+    if (bytes > SIZE_MAX / 2) return {};
+    piece = map(bytes, offset);
+    if (piece.bytes != nullptr) return piece;
+    // Kept pieces count against the process's limit.
+    {
+      const std::lock_guard guard(kept_mutex);
+      kept.drop_all(unmap);
+    }
+    return map(bytes, offset);
+  }
   if (zeroed) std::memset(piece.bytes, 0, bytes);
   return piece;
 }
