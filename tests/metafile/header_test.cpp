@@ -280,7 +280,7 @@ TEST(Records, OfWindowsMetafilesAgreeWithTheirSize) {
       {"two distances a character", {0xA32, 1, 1, 2, 0x2000, 'a', 5, 5, 5, 5}, 3, 3},
       {"escape", {0x626, 15, 4, 1, 1}, 2, 5},
       {"palette", {0xF7, 0x300, 1, 1, 1}, 2, 2},
-      {"bitmap", {0x922, 0, 0, 0, 0, 0, 1, 1, 0, 0, 1, 1, 2, 0x101, 0x80}, 10, 2},
+      {"bitmap", {0x922, 0, 0, 0, 0, 0, 1, 1, 0, 0, 1, 1, 2, 0x101, 0x80}, 11, 9},
       {"region's scans", {0x6FF, 0, 6, 0, 0, 1, 1, 0, 0, 9, 9, 9, 2, 0, 9, 0, 9, 2}, 6, 2},
       {"region's ends", {0x6FF, 0, 6, 0, 0, 1, 1, 0, 0, 9, 9, 9, 2, 0, 9, 0, 9, 2}, 12, 4},
       {"object", {0x12D, 0}, 1, 1},
