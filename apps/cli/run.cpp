@@ -8,6 +8,7 @@
 
 #include "cli/platform.h"
 #include "cli/verb.h"
+#include "kernels/levels.h"
 
 namespace vorel::cli {
 namespace {
@@ -33,7 +34,7 @@ std::string version() {
   char text[32] = {};
   GetImageVersion(text, sizeof text);
   const std::string whole = text;
-  return "vorel " + whole.substr(whole.rfind(' ') + 1);
+  return "vorel " + whole.substr(whole.rfind(' ') + 1) + " (" + std::string(name_of(cpu_level())) + ")";
 }
 
 class CommandLine {
