@@ -33,7 +33,7 @@ void expect_at_every_level(const Bytes& dib, int bits, ByteCount scratch_bytes, 
       const ConstDibView source(memory.bytes().data(), static_cast<std::ptrdiff_t>(stride), size.width, size.height, depth);
       const GuardedRows result(size, bits, 1, edge);
       for (int y = 0; y < size.height; ++y) std::ranges::fill(result.view().row(y), uint8_t{0});
-      const GuardedBytes scratch(static_cast<size_t>(scratch_bytes.value()), edge);
+      const GuardedBytes scratch = guarded_scratch(scratch_bytes, edge);
       run(kernels::bilevel(level), source, memory.bytes(), result.view(), scratch.bytes());
       EXPECT_EQ(result.pixels(), GuardedRows(expected, 0, Edge::kEnd).pixels())
           << what << ", " << size.width << " x " << size.height << " at " << depth << " bits to " << bits;

@@ -37,7 +37,7 @@ TEST(ScaleKernels, MixTheSameAtEveryLevel) {
               const GuardedRows source(dib, 1, edge);
               const GuardedRows result(to, depth, 3, edge);
               const Bytes gaps = result.gaps();
-              const GuardedBytes scratch(static_cast<size_t>(kernels::interpolation_scratch(from, to).value()), edge);
+              const GuardedBytes scratch = guarded_scratch(kernels::interpolation_scratch(from, to), edge);
               kernels::scale(level).scale_colors(source.view(), colors_of(dib), result.view(), interpolation,
                                                  scratch.bytes());
               EXPECT_EQ(result.pixels(), expected) << from.width << " x " << from.height << " to " << to.width << " x "
@@ -58,7 +58,7 @@ TEST(ScaleKernels, PickTheSameBitsAtEveryLevel) {
         for (const Edge edge : kEdges) {
           const GuardedRows source(dib, 0, edge), result(to, 1, 0, edge);
           for (int y = 0; y < to.height; ++y) std::ranges::fill(result.view().row(y), uint8_t{0});
-          const GuardedBytes scratch(static_cast<size_t>(kernels::nearest_scratch(1, to).value()), edge);
+          const GuardedBytes scratch = guarded_scratch(kernels::nearest_scratch(1, to), edge);
           kernels::scale(level).scale_nearest(source.view(), rect, result.view(), scratch.bytes());
           EXPECT_EQ(result.pixels(), GuardedRows(expected, 0, Edge::kEnd).pixels())
               << from.width << " x " << from.height << " to " << to.width << " x " << to.height;

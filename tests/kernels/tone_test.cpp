@@ -180,8 +180,8 @@ TEST(FilterKernels, Convolve) {
     for (const Size size : {Size{1, 1}, {2, 4}, {3, 1}, {33, 9}, {515, 3}, {1100, 2}}) {
       SCOPED_TRACE(testing::Message() << "type " << filter.plain.type << ", size " << filter.plain.size << ", "
                                       << testing::PrintToString(filter.plain.kernel));
-      const GuardedBytes scratch(static_cast<size_t>(kernels::convolution_scratch_bytes(filter.kernel, size.width).value()),
-                                 Edge::kEnd);
+      const GuardedBytes scratch =
+          guarded_scratch(kernels::convolution_scratch_bytes(filter.kernel, size.width), Edge::kEnd);
       const Bytes grays = noise(size.width, size.height, 8), colors = noise(size.width, size.height, 24);
       expect_pixels_in_place(grays, plain_convolution(grays, true, filter.plain),
                              [&](CpuLevel level, ConstDibView source, DibView result) {

@@ -22,6 +22,7 @@
 #include <unistd.h>
 #endif
 
+#include "core/byte_count.h"
 #include "core/view.h"
 #include "kernels/levels.h"
 #include "support/dib.h"
@@ -90,6 +91,12 @@ class GuardedBytes {
   uint8_t* memory_ = nullptr;
   uint8_t* first_ = nullptr;
 };
+
+// Scratch memory for a kernel, aligned as kernels want it.
+inline GuardedBytes guarded_scratch(vorel::ByteCount bytes, Edge edge) {
+  constexpr size_t kAlignment = 64;
+  return GuardedBytes((static_cast<size_t>(bytes.value()) + kAlignment - 1) / kAlignment * kAlignment, edge);
+}
 
 // Rows of pixels in guarded memory, some bytes apart. Nothing follows the pixels of the last row.
 class GuardedRows {
