@@ -330,14 +330,14 @@ std::vector<std::string> names() {
 }
 
 struct Options {
-  std::string library, only;
+  std::string tested, only;
   uint64_t seed = 1;
   long from = 0, count = 20'000;
 };
 
 // With --only, calls keep the numbers that they have in a run of all exports.
 void run(const Options& options) {
-  const Library library(std::filesystem::absolute(options.library));
+  const Library library(std::filesystem::absolute(options.tested));
   for (long index = options.from, left = options.count; left > 0; ++index) {
     Random random(options.seed << 32 ^ static_cast<uint64_t>(index));
     const Export& entry = kExports[random.next() % kExports.size()];
@@ -356,7 +356,7 @@ int main(int argc, char** argv) try {
   Options options;
   CLI::App app("Prints hashes of what random calls of a build of the library return.");
   app.allow_windows_style_options(false);  // Paths begin with a slash.
-  app.add_option("library", options.library, "path of the library")->required();
+  app.add_option("library", options.tested, "path of the library")->required();
   app.add_option("--seed", options.seed, "another seed makes other calls")->capture_default_str();
   app.add_option("--from", options.from, "number of the first call")->capture_default_str();
   app.add_option("--count", options.count, "calls to make")->capture_default_str();

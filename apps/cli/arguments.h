@@ -47,7 +47,7 @@ class Arguments {
   // Text below the list of options.
   void explain(const std::string& text);
 
-  // A verb of the verb, one of which must be given.
+  // A nested verb. A verb that has nested ones needs one of them.
   Arguments verb(const std::string& name, const std::string& purpose);
   bool is_given() const;
 

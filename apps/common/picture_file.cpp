@@ -60,7 +60,7 @@ constexpr uint32_t kPlaceableKey = 0x9AC6CDD7;
 }  // namespace
 
 PictureFile::PictureFile(std::filesystem::path path)
-    : path_(std::move(path)), library_path_(usable_path(path_)), bytes_(size_of(path_)) {}
+    : path_(std::move(path)), usable_name_(usable_path(path_)), bytes_(size_of(path_)) {}
 
 bool PictureFile::is_bitmap() const {
   std::ifstream file(path_, std::ios::binary);
@@ -69,7 +69,7 @@ bool PictureFile::is_bitmap() const {
 
 // The header of a TGA file with a colour table and run-length codes is that of a plain metafile by chance. Its name decides.
 const FileFormat& PictureFile::format() const {
-  int code = GetImageFormat(library_path_.c_str());
+  int code = GetImageFormat(usable_name_.c_str());
   if (code == IMG_FORMAT_METAFILE) {
     uint32_t key = 0;
     std::ifstream(path_, std::ios::binary).read(reinterpret_cast<char*>(&key), sizeof key);
@@ -84,13 +84,13 @@ const FileFormat& PictureFile::format() const {
 
 std::optional<int> PictureFile::count_pages() const {
   const FileFormat& kind = format();
-  if (kind.code == FormatCode::kColorFax) return GetNumberOfImagesInFaxFile(library_path_.c_str());
+  if (kind.code == FormatCode::kColorFax) return GetNumberOfImagesInFaxFile(usable_name_.c_str());
   if (!kind.count) return 1;
   const Codec codec(kind.load);
   const auto count = codec.other<ImgCountPages>(kind.count.name);
   if (count == nullptr) return std::nullopt;
   int status = -1;
-  const int pages = count(library_path_.c_str(), &status);
+  const int pages = count(usable_name_.c_str(), &status);
   if (pages < 1) throw not_loaded(kind, status);
   return pages;
 }
@@ -116,7 +116,7 @@ Picture PictureFile::load_by_library(const FileFormat& kind, int page) const {
   if (kind.needs_windows) require_drawing(kind.name);
   int status = -1;
   SetImgError(IMG_OK);
-  const HGLOBAL dib = LoadImageIntoDIB(library_path_.c_str(), page, &status);
+  const HGLOBAL dib = LoadImageIntoDIB(usable_name_.c_str(), page, &status);
   const bool is_metafile = kind.code == FormatCode::kMetafile || kind.code == FormatCode::kEnhancedMetafile;
   if (dib != nullptr) return is_metafile ? whole_metafile(path_, Picture(dib)) : Picture(dib);
   if (kind.code == FormatCode::kColorFax) throw set_not_loaded();
@@ -127,7 +127,7 @@ Picture PictureFile::load_by_library(const FileFormat& kind, int page) const {
 Picture PictureFile::load_tga() const {
   const FileFormat& kind = *format_of(IMG_FORMAT_TGA);
   int status = -1;
-  const HGLOBAL dib = Codec(kind.load).as<ImgLoadPicture>()(library_path_.c_str(), &status);
+  const HGLOBAL dib = Codec(kind.load).as<ImgLoadPicture>()(usable_name_.c_str(), &status);
   if (dib == nullptr) throw not_loaded(kind, status);
   return Picture(dib);
 }
@@ -145,7 +145,7 @@ std::optional<std::string> PictureFile::compression(int page) const {
     case FormatCode::kTiff: {
       const Codec codec(kind.load);
       const auto ask = codec.other<ImgTiffCompression>("GetTiffCompression");
-      const int number = ask == nullptr ? 0 : ask(library_path_.c_str(), page, nullptr);
+      const int number = ask == nullptr ? 0 : ask(usable_name_.c_str(), page, nullptr);
       return number == 0 ? std::nullopt : std::optional(tiff_compression_name(number));
     }
     case FormatCode::kTga: {  // byte 2 of the header is the type; from 9 on its rows are compressed

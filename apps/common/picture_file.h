@@ -19,7 +19,7 @@ class PictureFile {
   explicit PictureFile(std::filesystem::path path);
 
   const std::filesystem::path& path() const { return path_; }
-  const std::string& library_path() const { return library_path_; }  // as the library takes it
+  const std::string& usable_name() const { return usable_name_; }  // as the library takes it
   uint64_t bytes() const { return bytes_; }
 
   // By what it holds, and for TGA by its name. Throws for what the programs cannot load.
@@ -43,7 +43,7 @@ class PictureFile {
   Picture load_tga() const;
 
   std::filesystem::path path_;
-  std::string library_path_;
+  std::string usable_name_;
   uint64_t bytes_;
 };
 

@@ -16,7 +16,8 @@ enum class MetafileKind { kWindows, kEnhanced };
 // A metafile of either kind, deleted with its scope.
 class OwnedMetafile {
  public:
-  // Makes one from a file's bytes, some of which it changes. None if nothing can be played or the system refuses it.
+  // Makes one from a file's bytes, and makes unsafe records harmless in place. None if no record can be played or the system
+  // refuses it.
   //   bytes    a Windows metafile, and kRoomBehindRecords bytes behind it; or an enhanced one
   static std::optional<OwnedMetafile> make(std::span<uint8_t> bytes, MetafileKind kind);
 

@@ -52,7 +52,7 @@ ExitCode draw(const Values& values, const Streams& streams) {
     programs::require_drawing("text");
     check_length(input);
     target.write([&](const Target::Put& put) {
-      put({input.label(), drawn_text(input.file().library_path(), values.is_oem)});
+      put({input.label(), drawn_text(input.file().usable_name(), values.is_oem)});
     });
   });
   return ExitCode::kDone;

@@ -45,11 +45,10 @@ Table levels_of(std::span<const Rgb> colors) {
 
 // For each level, the index of the colour nearest to that grey.
 Table indices_of_levels(std::span<const Rgb> colors) {
-  NearestColor nearest(colors);
   Table indices;
   for (size_t level = 0; level < indices.size(); ++level) {
     const auto gray = static_cast<uint8_t>(level);
-    indices[level] = nearest.index_of(gray, gray, gray);
+    indices[level] = nearest_color(colors, {gray, gray, gray, 0});
   }
   return indices;
 }
@@ -66,9 +65,10 @@ enum class RowStart { kBlackIsColor0, kAsElsewhere };
 template <int kDepth>
 void scale_gray(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation, Arena arena,
                 RowStart row_start) {
-  const Table levels = levels_of(colors), indices = indices_of_levels(colors);
-  if (kDepth == 8 && is_identity(levels) && is_identity(indices))
-    return resample_bytes(interpolation, source, result, 1, arena);
+  const Table levels = levels_of(colors);
+  // Every grey of a ramp is nearest to itself.
+  if (kDepth == 8 && is_gray(colors) && is_identity(levels)) return resample_bytes(interpolation, source, result, 1, arena);
+  const Table indices = indices_of_levels(colors);
   const auto row = arena.take<uint8_t>(static_cast<size_t>(result.width()));
   const auto read = [&](const uint8_t* from, std::span<uint8_t> samples) {
     for (int x = 0; x < source.width(); ++x) samples[static_cast<size_t>(x)] = levels[Pixel<kDepth>::load(from, x)];
