@@ -55,6 +55,8 @@ class DarkBitsSet {
       : is_inverted_(wanted && picture.depth() == 1 &&
                      luminance_of(picture.colors()[0]) < luminance_of(picture.colors()[1])) {}
 
+  bool is_inverted() const { return is_inverted_; }
+
   void exchange(const Picture& picture) const {
     if (is_inverted_) InvertMonoDIB(picture.get());
   }
@@ -80,10 +82,11 @@ constexpr DitherMethod kDitherMethods[] = {
 
 Picture negative(Picture picture) {
   if (picture.depth() <= 8) {
+    picture = made_own(std::move(picture));
     InvertDIBPalette(picture.get());
     return picture;
   }
-  picture = expanded(std::move(picture));
+  picture = made_own(expanded(std::move(picture)));
   complement_pixels(picture);
   return picture;
 }
@@ -147,6 +150,7 @@ Picture cleaned(Picture picture, int level, Cleaning cleaning) {
   if (!can_be_cleaned)
     fail("only pictures of 1 and 8 bits per pixel whose colours are all greys can be cleaned; make the picture grey first");
   const DarkBitsSet polarity(picture, is_gentle);
+  if (polarity.is_inverted()) picture = made_own(std::move(picture));
   polarity.exchange(picture);
   Picture result(CleanImage(picture.get(), level, is_gentle ? 0 : 1));
   polarity.exchange(result);

@@ -77,6 +77,7 @@ Picture combined(Picture base, Picture overlay, std::optional<Picture> mask, Cor
     base = in_true_color(std::move(base));
     overlay = in_true_color(std::move(overlay));
   }
+  base = made_own(std::move(base));
   paint(base, overlay, mask, at, mixing);
   return base;
 }

@@ -54,6 +54,7 @@ Picture expanded(Picture picture) {
 Picture upright(Picture picture) {
   picture = expanded(std::move(picture));
   if (!picture.is_top_down()) return picture;
+  picture = made_own(std::move(picture));
   const DibView rows = picture.pixels();
   for (int y = 0; y < rows.height() / 2; ++y) std::ranges::swap_ranges(rows.row(y), rows.row_from_top(y));
   picture.set_rows_order(false);

@@ -85,7 +85,16 @@ Picture Picture::copy() const {
   return Picture(block);
 }
 
+Picture Picture::lent() const {
+  Picture picture;
+  picture.block_ = {block_.get(), UnlockAndFree{.owns = false}};
+  picture.data_ = data_;
+  picture.header_ = header_;
+  return picture;
+}
+
 HGLOBAL Picture::release() {
+  if (is_lent()) return copy().release();
   GlobalUnlock(block_.get());
   return block_.release();
 }
@@ -115,6 +124,8 @@ DibView Picture::pixels() const {
 std::span<uint8_t> Picture::image_bytes() const {
   return bytes().subspan(static_cast<size_t>(bits_offset(header_).value()));
 }
+
+Picture made_own(Picture picture) { return picture.is_lent() ? picture.copy() : std::move(picture); }
 
 Picture blank_like(const Picture& picture, Size size, int depth) {
   DibHeader header = picture.header();

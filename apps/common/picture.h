@@ -13,6 +13,17 @@
 
 namespace vorel::programs {
 
+// Ends the use of a locked block.
+struct UnlockAndFree {
+  bool owns = true;
+
+  void operator()(void* block) const {
+    if (!owns) return;
+    GlobalUnlock(block);
+    GlobalFree(block);
+  }
+};
+
 // Owns a packed DIB with a 40-byte header. It is what its header says: colours and rows lie inside the block. As loaded it may be
 // run-length compressed, stored top row first, or of 16 or 32 bits; see forms.h.
 class Picture {
@@ -30,6 +41,11 @@ class Picture {
   static Picture blank(DibHeader header, std::span<const Rgb> colors, ByteCount bytes);
 
   Picture copy() const;
+
+  // The same picture for a function that takes one over and must leave this one as it is. It shares the memory, which must
+  // outlive it. Functions that change a picture in place call made_own() first.
+  Picture lent() const;
+  bool is_lent() const { return block_ != nullptr && !block_.get_deleter().owns; }
 
   explicit operator bool() const { return block_ != nullptr; }
   HGLOBAL get() const { return block_.get(); }
@@ -54,19 +70,15 @@ class Picture {
   std::span<uint8_t> image_bytes() const;
 
  private:
-  struct UnlockAndFree {
-    void operator()(void* block) const {
-      GlobalUnlock(block);
-      GlobalFree(block);
-    }
-  };
-
   void write_header();
 
   std::unique_ptr<void, UnlockAndFree> block_;  // locked
   uint8_t* data_ = nullptr;
   DibHeader header_{};
 };
+
+// A copy of a lent picture; any other as it is.
+Picture made_own(Picture picture);
 
 // An empty picture of another size or depth with the rest of the header and, below 24 bits, the colours of another.
 Picture blank_like(const Picture& picture, Size size, int depth);

@@ -1,5 +1,6 @@
 #include "common/picture_file.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <fstream>
 
@@ -59,23 +60,30 @@ constexpr uint32_t kPlaceableKey = 0x9AC6CDD7;
 
 }  // namespace
 
-PictureFile::PictureFile(std::filesystem::path path)
-    : path_(std::move(path)), usable_name_(usable_path(path_)), bytes_(size_of(path_)) {}
+PictureFile::PictureFile(std::filesystem::path path, std::string name)
+    : path_(std::move(path)), usable_name_(usable_path(path_)), name_(std::move(name)), bytes_(size_of(path_)) {}
 
 bool PictureFile::is_bitmap() const {
   std::ifstream file(path_, std::ios::binary);
   return begins_as_bitmap(file);
 }
 
-// The header of a TGA file with a colour table and run-length codes is that of a plain metafile by chance. Its name decides.
+// Whether the name decides that a file is TGA, which has no signature. The header of one with a colour table and run-length codes is
+// that of a plain metafile by chance. The library has asked the path itself before it found any of the others.
+bool PictureFile::is_tga_by_name(int found) const {
+  static constexpr int kTestedLater[] = {IMG_FORMAT_JPEG, IMG_FORMAT_CALS, IMG_FORMAT_TEXT, IMG_FORMAT_PNG,
+                                         IMG_FORMAT_UNKNOWN};
+  const bool is_later = !name_.empty() && std::ranges::find(kTestedLater, found) != std::end(kTestedLater);
+  if (found != IMG_FORMAT_METAFILE && !is_later) return false;
+  uint32_t key = 0;
+  std::ifstream(path_, std::ios::binary).read(reinterpret_cast<char*>(&key), sizeof key);
+  const FileFormat* const named = format_for_name(name_.empty() ? path_.filename().string() : name_);
+  return key != kPlaceableKey && named != nullptr && named->code == FormatCode::kTga;
+}
+
 const FileFormat& PictureFile::format() const {
   int code = GetImageFormat(usable_name_.c_str());
-  if (code == IMG_FORMAT_METAFILE) {
-    uint32_t key = 0;
-    std::ifstream(path_, std::ios::binary).read(reinterpret_cast<char*>(&key), sizeof key);
-    const FileFormat* named = format_for_name(path_.filename().string());
-    if (key != kPlaceableKey && named != nullptr && named->code == FormatCode::kTga) code = IMG_FORMAT_TGA;
-  }
+  if (is_tga_by_name(code)) code = IMG_FORMAT_TGA;
   if (code == IMG_FORMAT_UNKNOWN && is_bitmap()) code = IMG_FORMAT_BITMAP;
   const FileFormat* format = format_of(code);
   if (format == nullptr) throw unknown_format(code);

@@ -15,8 +15,8 @@ namespace vorel::programs {
 // A file that pictures are loaded from. Its functions throw Problem.
 class PictureFile {
  public:
-  // The file is there and can be read.
-  explicit PictureFile(std::filesystem::path path);
+  // The file is there and can be read. `name` decides about TGA where the path does not show the name, as of a file in memory.
+  explicit PictureFile(std::filesystem::path path, std::string name = {});
 
   const std::filesystem::path& path() const { return path_; }
   const std::string& usable_name() const { return usable_name_; }  // as the library takes it
@@ -39,11 +39,12 @@ class PictureFile {
 
  private:
   bool is_bitmap() const;
+  bool is_tga_by_name(int found) const;
   Picture load_by_library(const FileFormat& format, int page) const;
   Picture load_tga() const;
 
   std::filesystem::path path_;
-  std::string usable_name_;
+  std::string usable_name_, name_;
   uint64_t bytes_;
 };
 

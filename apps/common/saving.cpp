@@ -57,9 +57,13 @@ bool is_written(const std::string& path, const Picture& picture, const Saving& s
     return std::filesystem::file_size(path, error) == kFileHeaderBytes + GlobalSize(picture.get());
   }
   Codec::require(saving.format->load);
-  if (GetImageFormat(path.c_str()) != static_cast<int>(saving.format->code)) return false;
   int status = 0;
-  const HGLOBAL dib = LoadImageIntoDIB(path.c_str(), page, &status);
+  HGLOBAL dib = nullptr;
+  if (saving.format->code == FormatCode::kTga) {  // the path need not show the name by which the library knows it
+    dib = Codec(saving.format->load).as<ImgLoadPicture>()(path.c_str(), &status);
+  } else if (GetImageFormat(path.c_str()) == static_cast<int>(saving.format->code)) {
+    dib = LoadImageIntoDIB(path.c_str(), page, &status);
+  }
   if (dib == nullptr) return false;
   const Picture copy(dib);
   // An enhanced metafile tells its size in hundredths of a millimetre, which takes the last pixel.

@@ -31,7 +31,7 @@ struct Saving {
 Picture suited(Picture picture, const Saving& saving);
 
 // Writes a suited picture as a page, counted from 1, of a file, and reads it back: the first page replaces the file. Throws Problem.
-//   path  as the library takes it; for TGA it ends so
+//   path  as the library takes it
 void save_page(const std::string& path, const Picture& picture, const Saving& saving, int page);
 
 }  // namespace vorel::programs

@@ -51,9 +51,11 @@ int nearest_index(const Picture& picture, Background background) {
 
 // Runs a change of a workable picture whose result is 0 where the picture does not reach, and makes that the background.
 template <class Change>
-Picture on_background(const Picture& picture, Background background, Change change) {
+Picture on_background(Picture picture, Background background, Change change) {
   const bool has_table = picture.depth() <= 8;
   const int index = has_table ? nearest_index(picture, background) : 0;
+  const bool stays = has_table ? index == 0 : background == Background::kBlack;
+  if (!stays) picture = made_own(std::move(picture));
   const auto prepare_or_undo = [&](const Picture& what) {
     if (has_table)
       exchange_with_first(what, index);
@@ -126,13 +128,13 @@ Picture scaled_to_nearest(const Picture& picture, Size size) {
 }
 
 // The library takes black at the beginning of a row for colour 0, so that is made the colour nearest to black.
-Picture interpolated(const Picture& picture, Size size, Resampling resampling) {
+Picture interpolated(Picture picture, Size size, Resampling resampling) {
   if (picture.width() > kMostScaledPixels) {
     throw Problem(
         Fault::kLimit,
         fmt::format("pictures wider than {} pixels are scaled to the nearest pixel only; choose that", kMostScaledPixels));
   }
-  return on_background(picture, Background::kBlack, [&](const Picture& source) {
+  return on_background(std::move(picture), Background::kBlack, [&](const Picture& source) {
     return Picture(ScaleDIB(source.get(), resampling == Resampling::kCubic ? 1 : 0, static_cast<unsigned>(size.width),
                             static_cast<unsigned>(size.height)));
   });
@@ -167,7 +169,8 @@ Picture turned(Picture picture, int degrees, Background background) {
   picture = workable(std::move(picture));
   degrees = (degrees % kFullTurn + kFullTurn) % kFullTurn;
   if (degrees % 90 == 0) return turned_by_quarters(std::move(picture), degrees);
-  return on_background(picture, background, [&](const Picture& source) { return turned_by_any(source, degrees); });
+  return on_background(std::move(picture), background,
+                       [&](const Picture& source) { return turned_by_any(source, degrees); });
 }
 
 Picture mirrored_left_right(Picture picture) {
@@ -181,8 +184,8 @@ Picture mirrored_top_bottom(Picture picture) {
 }
 
 Picture skewed(Picture picture, Shear shear, int pixels, Background background) {
-  picture = workable(std::move(picture));
-  return on_background(picture, background, [&](const Picture& source) {
+  picture = made_own(workable(std::move(picture)));
+  return on_background(std::move(picture), background, [&](const Picture& source) {
     clear_padding(source);  // the library moves whole bytes
     int corners[8];
     return Picture(SkewDIB(source.get(), shear == Shear::kRows ? 1 : 0, pixels, nullptr, corners));
@@ -196,9 +199,10 @@ Picture scaled(Picture picture, Size size, Resampling resampling) {
   }
   picture = workable(std::move(picture));
   const bool is_nearest = resampling == Resampling::kNearest || picture.depth() == 1;
-  Picture result = is_nearest ? scaled_to_nearest(picture, size) : interpolated(picture, size, resampling);
-  result.set_resolution(resolution_after(picture.header().x_per_metre, picture.width(), size.width),
-                        resolution_after(picture.header().y_per_metre, picture.height(), size.height));
+  const DibHeader before = picture.header();
+  Picture result = is_nearest ? scaled_to_nearest(picture, size) : interpolated(std::move(picture), size, resampling);
+  result.set_resolution(resolution_after(before.x_per_metre, before.width, size.width),
+                        resolution_after(before.y_per_metre, before.height, size.height));
   return result;
 }
 

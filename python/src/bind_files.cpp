@@ -1,0 +1,117 @@
+// Picture files on disk and in memory.
+#include <algorithm>
+#include <optional>
+#include <pybind11/stl.h>
+#include <pybind11/stl/filesystem.h>
+#include <string>
+
+#include "bindings.h"
+#include "common/picture_file.h"
+#include "common/problem.h"
+#include "common/saving.h"
+#include "memory_file.h"
+
+namespace vorel::python {
+namespace {
+
+namespace py = pybind11;
+using programs::Fault;
+using programs::Picture;
+using programs::PictureFile;
+using programs::Problem;
+using programs::Saving;
+
+// A file that pictures are loaded from, and the memory that it lies in if it does.
+class Source {
+ public:
+  explicit Source(const std::filesystem::path& path) : file_(path) {}
+  Source(std::unique_ptr<MemoryFile> memory, const std::string& name)
+      : memory_(std::move(memory)), file_(memory_->path(), name) {}
+
+  Picture load(int page) const {
+    if (page < 1) throw Problem(Fault::kWrongUse, "pages are counted from 1");
+    return unlocked([&] { return file_.load(page); });
+  }
+  std::optional<int> count_pages() const {
+    return unlocked([&] { return file_.count_pages(); });
+  }
+  const char* format() const { return file_.format().word; }
+  std::optional<std::string> compression(int page) const {
+    return unlocked([&] { return file_.compression(page); });
+  }
+
+ private:
+  std::unique_ptr<MemoryFile> memory_;
+  PictureFile file_;
+};
+
+std::unique_ptr<Source> source_in_memory(const py::buffer& content, const std::string& name) {
+  const py::buffer_info info = content.request();
+  if (PyBuffer_IsContiguous(info.view(), 'C') == 0) throw py::value_error("the bytes of a file follow each other");
+  const std::span bytes(static_cast<const char*>(info.ptr), static_cast<size_t>(info.size * info.itemsize));
+  return unlocked([&] { return std::make_unique<Source>(std::make_unique<MemoryFile>(bytes), name); });
+}
+
+const FileFormat* savable(const FileFormat* format) {
+  return format != nullptr && format->saver != Saver::kNobody && !format->needs_windows ? format : nullptr;
+}
+
+std::string savable_words() {
+  std::string words;
+  for (const FileFormat& format : file_formats())
+    if (savable(&format) != nullptr) words += (words.empty() ? "" : ", ") + std::string(format.word);
+  return words;
+}
+
+// What the format, a name or an ending, and its options ask for.
+Saving saving_for(const std::string& format, const std::string& compression, bool interlaced) {
+  const FileFormat* const kind = savable(format_called(format));
+  if (kind == nullptr) throw Problem(Fault::kWrongUse, "\"" + format + "\" is none of " + savable_words());
+  Saving saving{.format = kind, .interlaced = interlaced};
+  if (interlaced && kind->code != FormatCode::kGif) throw Problem(Fault::kWrongUse, "only GIF files can be interlaced");
+  if (compression.empty()) return saving;
+  if (kind->code == FormatCode::kTga && (compression == "rle" || compression == "none")) {
+    saving.run_length = compression == "rle";
+    return saving;
+  }
+  const auto known = programs::tiff_compressions();
+  const auto found = std::ranges::find(known, compression, &programs::TiffCompression::word);
+  if (kind->code != FormatCode::kTiff || found == known.end())
+    throw Problem(Fault::kWrongUse, std::string(kind->name) + " files have no compression \"" + compression + "\"");
+  saving.tiff_compression = found->number;
+  return saving;
+}
+
+void save(const Picture& picture, const std::filesystem::path& path, const std::string& format,
+          const std::string& compression, bool interlaced, int page) {
+  const Saving saving = saving_for(format, compression, interlaced);
+  if (page > 1 && !saving.format->holds_pages)
+    throw Problem(Fault::kWrongUse, std::string(saving.format->name) + " files hold one page; use TIFF or DCX for several");
+  unlocked([&] { programs::save_page(path, suited(picture.lent(), saving), saving, page); });
+}
+
+}  // namespace
+
+void bind_files(py::module_& module) {
+  py::class_<Source>(module, "Source")
+      .def(py::init<std::filesystem::path>())
+      .def_static("in_memory", &source_in_memory)
+      .def("load", &Source::load)
+      .def("count_pages", &Source::count_pages)
+      .def("compression", &Source::compression)
+      .def_property_readonly("format", &Source::format);
+  py::class_<MemoryFile>(module, "MemoryFile")
+      .def(py::init<>())
+      .def_property_readonly("path", &MemoryFile::path)
+      .def("content", [](const MemoryFile& file) {
+        const std::vector<char> bytes = file.content();
+        return py::bytes(bytes.data(), bytes.size());
+      });
+  module.def("save", &save);
+  module.def("format_for_name", [](const std::string& name) -> std::optional<std::string> {
+    const FileFormat* const format = savable(format_for_name(name));
+    return format == nullptr ? std::nullopt : std::optional<std::string>(format->word);
+  });
+}
+
+}  // namespace vorel::python

@@ -1,0 +1,640 @@
+"""Pictures."""
+
+from __future__ import annotations
+
+import os
+from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Sequence
+
+from . import _vorel32
+from ._errors import Error, FormatError, OutputError, UsageError
+from ._files import Readable, Source, Writable, format_of, replaced
+
+if TYPE_CHECKING:
+    import numpy
+    import PIL.Image
+
+Color = tuple[int, int, int]  # red, green, blue
+
+_GRAYS = [(i, i, i) for i in range(256)]
+_INCHES_PER_METRE = 100 / 2.54
+
+
+def _per_metre(dpi: float | tuple[float, float] | None) -> tuple[int, int]:
+    if dpi is None:
+        return 0, 0
+    x, y = dpi if isinstance(dpi, (tuple, list)) else (dpi, dpi)
+    return round(x * _INCHES_PER_METRE), round(y * _INCHES_PER_METRE)
+
+
+class Image:
+    """A picture in memory: a packed device-independent bitmap of 1, 4, 8, 16, 24 or 32 bits to a pixel.
+
+    Operations leave the picture alone and return a new one, which states the resolution that belongs to it.
+
+    >>> page = Image.open("scan.tif")
+    >>> page
+    <vorel32.Image 1700 x 2200, 1 bit, 200 dpi, from scan.tif, page 1>
+    """
+
+    __slots__ = ("_picture", "_readonly", "file", "page", "__weakref__")
+
+    #: The file that the picture was loaded from, for messages; None if it came from none.
+    file: str | None
+    #: Its page there.
+    page: int | None
+
+    def __init__(self, picture: _vorel32.Picture, file: str | None = None, page: int | None = None, readonly: bool = False) -> None:
+        self._picture: Any = picture
+        self._readonly = readonly
+        self.file, self.page = file, page
+
+    # ---- Making ----
+
+    @classmethod
+    def open(cls, source: Readable, page: int = 1, *, name: str | None = None, readonly: bool = False) -> Image:
+        """Loads a page.
+
+        source    a path, the bytes of a file, or a file object open in binary mode; bytes go through memory alone
+        page      counted from 1
+        name      stands for the path of bytes: in messages, and for TGA files, which are known by their names
+        readonly  arrays of the picture refuse to be written to
+
+        >>> Image.open("scan.tif", page=2).size
+        (1700, 2200)
+        >>> import pathlib
+        >>> Image.open(pathlib.Path("scan.tif").read_bytes()).depth
+        1
+        """
+        file = Source(source, name)
+        return cls(file.load(page), file.name, page, readonly)
+
+    @classmethod
+    def new(cls, width: int, height: int, depth: int = 24, *, palette: Sequence[Color] | None = None,
+            dpi: float | tuple[float, float] | None = None) -> Image:  # fmt: skip
+        """A picture whose pixels are all 0.
+
+        palette  of 1 to 8 bits, as (red, green, blue); without one black and white, or greys from black to white
+
+        >>> Image.new(100, 50, 8, dpi=300)
+        <vorel32.Image 100 x 50, 8 bits, 300 dpi>
+        """
+        if depth not in (1, 4, 8, 16, 24, 32):
+            raise UsageError(f"there are no pictures of {depth} bits; choose 1, 4, 8, 16, 24 or 32")
+        colors: Sequence[Color] = ()
+        if depth <= 8:
+            count = 1 << depth
+            colors = palette if palette is not None else _GRAYS[:: 255 // (count - 1)]
+            if not 0 < len(colors) <= count:
+                raise UsageError(f"a palette of {depth} bits has 1 to {count} colours, this one has {len(colors)}")
+        return cls(_vorel32.blank(width, height, depth, list(colors), _per_metre(dpi)))
+
+    @classmethod
+    def from_array(cls, array: numpy.ndarray, *, order: str = "bgr", palette: Sequence[Color] | None = None,
+                   dpi: float | tuple[float, float] | None = None, copy: bool | None = None) -> Image:  # fmt: skip
+        """A picture of an array, the top row first.
+
+        array    (h, w) of bool: 1 bit, True is white. (h, w) of uint8: 8 bits, greys or indices into `palette`.
+                 (h, w, 3) of uint8: 24 bits. (h, w, 4) of uint8: 32 bits, the fourth byte is unused
+        order    of colours, "bgr" as pictures hold them, or "rgb"
+        copy     None: the picture shares the memory of an array that is all of another picture's pixels, and copies any
+                 other. False: fails where it would copy. True: copies always
+
+        Pictures lie in memory that the library allocates. To fill one without a copy, write into the array of a new one:
+
+        >>> import numpy
+        >>> canvas = numpy.asarray(Image.new(300, 200))
+        >>> canvas[50:100] = (0, 0, 255)  # blue, green, red
+        >>> Image.from_array(canvas, copy=False).size
+        (300, 200)
+        """
+        import numpy as np
+
+        if order not in ("bgr", "rgb"):
+            raise UsageError(f'the order of colours is "bgr" or "rgb", not "{order}"')
+        plain = order == "bgr" and palette is None and dpi is None
+        owner = _owner(array) if plain and not copy else None
+        if owner is not None:
+            return cls(owner, readonly=not array.flags.writeable)
+        if copy is False:
+            raise UsageError("this array's memory is not that of a picture; leave copy=False out, or fill the array of Image.new()")
+        if array.dtype == np.bool_ and array.ndim == 2:
+            image = cls.new(array.shape[1], array.shape[0], 1, palette=palette, dpi=dpi)
+            image._picture.pack(np.ascontiguousarray(array).view(np.uint8))
+            return image
+        if array.dtype != np.uint8 or array.ndim not in (2, 3) or (array.ndim == 3 and array.shape[2] not in (3, 4)):
+            raise UsageError(f"arrays are (h, w) of bool or uint8, or (h, w, 3 or 4) of uint8; this is {array.shape} of {array.dtype}")
+        depth = 8 if array.ndim == 2 else 8 * array.shape[2]
+        image = cls.new(array.shape[1], array.shape[0], depth, palette=palette, dpi=dpi)
+        pixels = np.asarray(image._picture)
+        pixels[...] = array
+        if order == "rgb" and depth > 8:
+            pixels[..., :3] = array[..., 2::-1]
+        return image
+
+    @classmethod
+    def from_pil(cls, picture: PIL.Image.Image) -> Image:
+        """A copy of a Pillow image. Transparent pixels become white; the resolution is kept.
+
+        >>> import PIL.Image
+        >>> Image.from_pil(PIL.Image.new("L", (20, 10))).depth
+        8
+        """
+        import PIL.Image
+
+        dpi = picture.info.get("dpi")
+        dpi = tuple(float(value) for value in dpi) if dpi and all(dpi) else None
+        if picture.mode in ("RGBA", "LA", "PA") or "transparency" in picture.info:
+            shown = picture.convert("RGBA")
+            picture = PIL.Image.new("RGB", shown.size, "white")
+            picture.paste(shown, mask=shown.getchannel("A"))
+        palette = None
+        if picture.mode == "P":
+            values = picture.getpalette("RGB") or []
+            palette = [tuple(values[i : i + 3]) for i in range(0, len(values) - 2, 3)][:256]
+        elif picture.mode not in ("1", "L"):
+            picture = picture.convert("RGB")
+        depth, raw = {"1": (1, "1"), "L": (8, "L"), "P": (8, "P")}.get(picture.mode, (24, "BGR"))
+        image = cls.new(*picture.size, depth, palette=palette, dpi=dpi)
+        image._picture.set_stored_rows(picture.tobytes("raw", raw, image._picture.stride, -1))
+        return image
+
+    # ---- Facts ----
+
+    @property
+    def picture(self) -> _vorel32.Picture:
+        if self._picture is None:
+            raise UsageError("the image is closed", self.file, self.page)
+        return self._picture
+
+    @property
+    def width(self) -> int:
+        """In pixels."""
+        return self.picture.width
+
+    @property
+    def height(self) -> int:
+        """In rows."""
+        return self.picture.height
+
+    @property
+    def size(self) -> tuple[int, int]:
+        """Width and height."""
+        return self.width, self.height
+
+    @property
+    def depth(self) -> int:
+        """Bits to a pixel: 1, 4, 8, 16, 24 or 32."""
+        return self.picture.depth
+
+    @property
+    def dpi(self) -> tuple[float, float] | None:
+        """Dots per inch across and down; None if the picture does not state them.
+
+        >>> Image.open("scan.tif").dpi
+        (200.0, 200.0)
+        """
+        x, y = self.picture.per_metre
+        return (round(x / _INCHES_PER_METRE, 1), round(y / _INCHES_PER_METRE, 1)) if x > 0 and y > 0 else None
+
+    @property
+    def palette(self) -> list[Color] | None:
+        """The colours of 1 to 8 bits as (red, green, blue); None above.
+
+        >>> Image.new(8, 8, 1).palette
+        [(0, 0, 0), (255, 255, 255)]
+        """
+        return self.picture.palette if self.depth <= 8 else None
+
+    def __repr__(self) -> str:
+        if self._picture is None:
+            return "<vorel32.Image, closed>"
+        dpi = self.dpi
+        shown = "" if dpi is None else f", {dpi[0]:g} dpi" if dpi[0] == dpi[1] else f", {dpi[0]:g} x {dpi[1]:g} dpi"
+        place = "" if self.file is None else f", from {self.file}, page {self.page}"
+        return f"<vorel32.Image {self.width} x {self.height}, {self.depth} bit{'s' if self.depth > 1 else ''}{shown}{place}>"
+
+    # ---- Pixels ----
+
+    def __array__(self, dtype: Any = None, copy: bool | None = None) -> numpy.ndarray:
+        """What numpy.asarray(image) gives, the top row first.
+
+        24 and 32 bits: the picture's own memory as (h, w, 3 or 4) of uint8, in the order blue, green, red. 16 bits: the same
+        as (h, w) of uint16. 8 bits: the same as (h, w) of uint8, indices into the palette or greys. Writing to these changes
+        the picture, which lives as long as its arrays. 1 and 4 bits, and run-length compressed pictures: a copy with a byte
+        to a pixel, which cannot be written to; `packed` has the memory.
+
+        >>> import numpy
+        >>> numpy.asarray(Image.open("photo.png")).shape
+        (480, 640, 3)
+        """
+        import numpy as np
+
+        picture = self.picture
+        is_copy = picture.is_compressed or picture.depth < 8
+        if is_copy and copy is False:
+            raise ValueError("pixels of fewer than 8 bits, and compressed ones, have no array without a copy")
+        if picture.is_compressed:
+            picture = picture.expanded()
+        if picture.depth < 8:
+            pixels = np.empty((picture.height, picture.width), np.uint8)
+            picture.unpack(pixels)
+        else:
+            pixels = np.asarray(picture)
+        if copy and not is_copy:
+            pixels = pixels.copy()
+        elif not copy and (is_copy or self._readonly):
+            pixels.flags.writeable = False
+        return pixels if dtype is None else pixels.astype(dtype, copy=False)
+
+    @property
+    def rgb(self) -> numpy.ndarray:
+        """The picture's memory of 24 or 32 bits as (h, w, 3) in the order red, green, blue, without a copy.
+
+        >>> Image.open("photo.png").rgb.shape
+        (480, 640, 3)
+        """
+        import numpy as np
+
+        if self.depth < 24:
+            raise FormatError("only 24 and 32 bits hold red, green and blue; call expand() first", self.file, self.page)
+        return np.asarray(self)[..., 2::-1]
+
+    @property
+    def packed(self) -> numpy.ndarray:
+        """The picture's memory of 1 to 8 bits as (h, bytes of a row) of uint8, without a copy. The leftmost pixel of a byte
+        is in its highest bits.
+
+        >>> Image.new(20, 5, 1).packed.shape
+        (5, 3)
+        """
+        import numpy as np
+
+        if self.depth > 8 or self.picture.is_compressed:
+            raise FormatError("only pictures of 1 to 8 bits without run-length codes are packed", self.file, self.page)
+        pixels = np.asarray(self.picture)
+        if self._readonly:
+            pixels.flags.writeable = False
+        return pixels
+
+    def to_pil(self) -> PIL.Image.Image:
+        """A copy as a Pillow image of mode 1, L, P or RGB.
+
+        >>> Image.open("scan.tif").to_pil().mode
+        '1'
+        """
+        import PIL.Image
+
+        picture = self.picture
+        if picture.is_compressed:
+            picture = picture.expanded()
+        palette = picture.palette if picture.depth <= 8 else []
+        if picture.depth == 1 and palette in (_GRAYS[::255], _GRAYS[::-255]):
+            mode, raw = "1", "1" if palette[0] == (0, 0, 0) else "1;I"
+        elif picture.depth <= 8:
+            mode, raw = ("L", "L") if picture.has_gray_ramp else ("P", {1: "P;1", 4: "P;4", 8: "P"}[picture.depth])
+        else:
+            mode, raw = "RGB", {16: "BGR;15", 24: "BGR", 32: "BGRX"}[picture.depth]
+        order = 1 if picture.is_top_down else -1
+        shown = PIL.Image.frombytes(mode, (picture.width, picture.height), picture.stored_rows(), "raw", raw, picture.stride, order)
+        if mode == "P":
+            shown.putpalette([value for color in palette for value in color])
+        if self.dpi:
+            shown.info["dpi"] = self.dpi
+        return shown
+
+    def _repr_png_(self) -> bytes:
+        """What a notebook shows."""
+        return self.to_bytes("png")
+
+    # ---- Saving ----
+
+    def save(self, target: Writable, format: str | None = None, *, compression: str | None = None, interlaced: bool = False,
+             append: bool = False, overwrite: bool = True) -> None:  # fmt: skip
+        """Writes the picture, and reads it back to be sure.
+
+        target       a path, whose file appears whole or not at all, or a file object open in binary mode
+        format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png; without it the ending of the name tells
+        compression  of TIFF none, huffman, g3, g4, lzw, jpeg, deflate, packbits; of TGA none, rle
+        append       adds a page to a TIFF or DCX file that is there; that happens in place
+        overwrite    False: a file that is there is left alone, and OutputError raised
+
+        >>> page = Image.open("scan.tif")
+        >>> page.save("page.png")
+        >>> page.save("pages.tif", compression="g4")
+        >>> page.rotate(180).save("pages.tif", compression="g4", append=True)
+        >>> count_pages("pages.tif")
+        2
+        """
+        word = format_of(target, format)
+        if not isinstance(target, (str, os.PathLike)):
+            if append:
+                raise UsageError("pages are added to files with a path")
+            target.write(self.to_bytes(word, compression=compression, interlaced=interlaced))
+            return
+        path = os.fspath(target)
+        exists = os.path.exists(path)
+        if append and exists:
+            file = Source(path, None)
+            if file.format != word:
+                raise UsageError(f"a {word} page cannot be added to a {file.format} file", path)
+            self._write(path, word, compression, interlaced, file.count_pages() + 1)
+            return
+        if exists and not overwrite:
+            raise OutputError("there is a file of this name already; give another name or overwrite=True", path)
+        with replaced(os.path.realpath(path)) as scratch:
+            self._write(scratch, word, compression, interlaced, 1)
+
+    def to_bytes(self, format: str, *, compression: str | None = None, interlaced: bool = False) -> bytes:
+        """The file that `save` would write, without writing one.
+
+        >>> Image.open("scan.tif").to_bytes("png")[1:4]
+        b'PNG'
+        """
+        memory = _vorel32.MemoryFile()
+        self._write(str(memory.path), format_of("", format), compression, interlaced, 1)
+        return memory.content()
+
+    def _write(self, path: str, format: str, compression: str | None, interlaced: bool, page: int) -> None:
+        try:
+            _vorel32.save(self.picture, path, format, compression or "", interlaced, page)
+        except Error as error:
+            raise error.about(self.file, self.page)
+
+    # ---- Life ----
+
+    def copy(self) -> Image:
+        """The same picture in memory of its own, which can be written to."""
+        return Image(self.picture.copy(), self.file, self.page)
+
+    def close(self) -> None:
+        """Gives up the memory now. Arrays of the picture keep it for as long as they live."""
+        self._picture = None
+
+    def __enter__(self) -> Image:
+        return self
+
+    def __exit__(self, *unused: object) -> None:
+        self.close()
+
+    def __reduce__(self):
+        return _restored, (self.to_bytes("bmp"), self.file, self.page, self._readonly)
+
+    # ---- Operations ----
+
+    def _made(self, operation: Callable[..., Any], *arguments: object) -> Image:
+        try:
+            return Image(operation(self._picture, *arguments), self.file, self.page)
+        except Error as error:
+            raise error.about(self.file, self.page)
+        except TypeError:
+            self.picture  # noqa: B018 - tells that the image is closed, if that is the reason
+            raise
+
+    def rotate(self, degrees: int, *, white: bool = False) -> Image:
+        """Turns clockwise by whole degrees. Quarter turns keep every pixel; other turns pick the nearest and make the picture
+        large enough for its corners, black or white.
+
+        >>> Image.open("scan.tif").rotate(90).size
+        (2200, 1700)
+        """
+        return self._made(_vorel32.rotate, degrees, white)
+
+    def mirror(self, direction: str = "horizontal") -> Image:
+        """Exchanges left and right ("horizontal") or top and bottom ("vertical").
+
+        >>> Image.open("photo.png").mirror("vertical").size
+        (640, 480)
+        """
+        return self._made(_vorel32.mirror, direction)
+
+    def skew(self, direction: str, pixels: int, *, white: bool = False) -> Image:
+        """Shears. "horizontal" moves rows right, the upper ones most, "vertical" columns up, the right ones most; negative
+        numbers move the others.
+
+        >>> Image.open("photo.png").skew("horizontal", 40).size
+        (680, 480)
+        """
+        return self._made(_vorel32.skew, direction, pixels, white)
+
+    def scale(self, size: float | tuple[int, int] | None = None, *, dpi: float | tuple[float, float] | None = None,
+              fit: bool = False, keep_dpi: bool = False, method: str = "linear") -> Image:  # fmt: skip
+        """Makes the picture larger or smaller.
+
+        size      (width, height) in pixels, or a factor for both
+        dpi       in place of size: as many pixels as the size on paper has at this resolution
+        fit       keeps the proportions: as large as fits into size
+        keep_dpi  states the resolution of before, so that the size on paper changes
+        method    "linear", "cubic" or "nearest"; 1 bit is always "nearest"
+
+        >>> Image.open("photo.png").scale(0.5).size
+        (320, 240)
+        >>> Image.open("photo.png").scale((100, 100), fit=True).size
+        (100, 75)
+        >>> Image.open("scan.tif").scale(dpi=100).dpi
+        (100.0, 100.0)
+        """
+        if (size is None) == (dpi is None):
+            raise UsageError("scale takes either size or dpi; give one of them", self.file, self.page)
+        width, height = self.size
+        before = self.picture.per_metre
+        after = before if keep_dpi else None
+        if dpi is not None:
+            if min(before) <= 0:
+                raise FormatError("the picture does not state its resolution; give size", self.file, self.page)
+            x, y = dpi if isinstance(dpi, (tuple, list)) else (dpi, dpi)
+            after = _per_metre((x, y))
+            wanted = (width * x * _INCHES_PER_METRE / before[0], height * y * _INCHES_PER_METRE / before[1])
+        elif isinstance(size, (tuple, list)):
+            wanted = (size[0], size[1])
+            if fit:
+                factor = min(size[0] / width, size[1] / height)
+                wanted = (width * factor, height * factor)
+        else:
+            wanted = (width * size, height * size)
+        image = self._made(_vorel32.scale, *(max(1, int(side + 0.5)) for side in wanted), method)
+        return image if after is None else Image(image.picture.with_resolution(*after), self.file, self.page)
+
+    def crop(self, left: int, top: int, width: int, height: int) -> Image:
+        """A piece.
+
+        >>> Image.open("photo.png").crop(100, 50, 200, 150).size
+        (200, 150)
+        """
+        return self._made(_vorel32.crop, left, top, width, height)
+
+    def cut(self, line: int) -> tuple[Image, Image]:
+        """The `line` rows above, and those below.
+
+        >>> [half.height for half in Image.open("photo.png").cut(100)]
+        [100, 380]
+        """
+        try:
+            above, below = _vorel32.cut(self.picture, line)
+        except Error as error:
+            raise error.about(self.file, self.page)
+        return Image(above, self.file, self.page), Image(below, self.file, self.page)
+
+    def invert(self) -> Image:
+        """The negative. Up to 8 bits the palette changes and the pixels stay.
+
+        >>> Image.new(8, 8, 1).invert().palette
+        [(255, 255, 255), (0, 0, 0)]
+        """
+        return self._made(_vorel32.invert)
+
+    def gray(self, *, weighted: bool = False, smooth: int = 0) -> Image:
+        """Greys of 8 bits, or of 4 if the picture has 4.
+
+        weighted  weighs green most and blue least
+        smooth    of 1 bit: mixes 3 x 3 pixels (1) or 5 x 5 (2)
+
+        >>> Image.open("photo.png").gray(weighted=True).depth
+        8
+        """
+        return self._made(_vorel32.gray, weighted, smooth)
+
+    def expand(self) -> Image:
+        """The same picture with 24 bits to a pixel.
+
+        >>> Image.open("scan.tif").expand().depth
+        24
+        """
+        return self._made(_vorel32.expand)
+
+    def tone(self, brightness: int = 0, contrast: int = 0) -> Image:
+        """Brightness and contrast, in percent from -100 to 100.
+
+        >>> Image.open("photo.png").tone(brightness=20).size
+        (640, 480)
+        """
+        return self._made(_vorel32.tone, brightness, contrast)
+
+    def lut(self, brightness: int = 0, contrast: int = 0, square: tuple[int, int] | None = None) -> Image:
+        """Level i of 8 bits becomes i + contrast * (i - mean) / 255 + brightness. The mean is that of the pixels in a square
+        of 256 x 256 whose left upper corner is given, or 128.
+
+        >>> Image.open("photo.png").gray().lut(contrast=100, square=(0, 0)).depth
+        8
+        """
+        return self._made(_vorel32.lut, brightness, contrast, square)
+
+    def filter(self, name: str, size: int = 3, *, kernel: Sequence[int] = (), weighted: bool = False) -> Image:
+        """Filters 8 and 24 bits: "box", "blur", "sharpen", "sharpen-more", or "kernel" with size * size whole numbers from
+        the top row on, and a divisor behind them if that is not their sum.
+
+        >>> Image.open("photo.png").filter("sharpen", 5).depth
+        24
+        >>> edges = Image.open("photo.png").gray().filter("kernel", kernel=[-1, -1, -1, -1, 8, -1, -1, -1, -1])
+        """
+        return self._made(_vorel32.filter, name, size, weighted, kernel)
+
+    def clean(self, level: int, *, gentle: bool = False) -> Image:
+        """Takes specks off black and white or grey pages.
+
+        level   20 thickens what is black, 60 to 70 take specks off, 100 thins
+        gentle  leaves alone what has four or more black neighbours
+
+        >>> Image.open("scan.tif").clean(60).depth
+        1
+        """
+        return self._made(_vorel32.clean, level, gentle)
+
+    def dither(self, method: str = "fs", bits: int = 1) -> Image:
+        """Few colours by error diffusion: "fs", "jjn", or for 1 and 4 bits "smooth" and "sharp".
+
+        >>> Image.open("photo.png").dither("jjn", bits=8).depth
+        8
+        """
+        return self._made(_vorel32.dither, method, bits)
+
+    def halftone(self, method: str = "ordered", brightness: int = 0) -> Image:
+        """Black and white: "threshold", "diffusion" or "ordered".
+
+        >>> Image.open("photo.png").halftone("threshold", brightness=40).depth
+        1
+        """
+        return self._made(_vorel32.halftone, method, brightness)
+
+    def combine(self, overlay: Image, at: tuple[int, int] = (0, 0), *, mask: Image | None = None, mode: str = "replace") -> Image:
+        """Paints another picture onto this one, its left upper corner at `at`. Of a 1-bit mask of the overlay's size black
+        keeps what is below. `mode` is "replace", "or" or "xor".
+
+        >>> stamp = Image.new(40, 20)
+        >>> Image.open("photo.png").combine(stamp, (10, 10)).size
+        (640, 480)
+        """
+        return self._made(_vorel32.combine, overlay.picture, at, None if mask is None else mask.picture, mode)
+
+    def with_dpi(self, dpi: float | tuple[float, float] | None) -> Image:
+        """The same pixels at another stated resolution; None states none.
+
+        >>> Image.open("photo.png").with_dpi(150).dpi
+        (150.0, 150.0)
+        """
+        return Image(self.picture.with_resolution(*_per_metre(dpi)), self.file, self.page)
+
+
+def _restored(content: bytes, file: str | None, page: int | None, readonly: bool) -> Image:
+    return Image(_vorel32.Source.in_memory(content, "").load(1), file, page, readonly)
+
+
+def _owner(array: numpy.ndarray) -> Any:
+    """The picture whose pixels an array is, all of them and in their places; None if there is none."""
+    import numpy as np
+
+    holder: Any = array
+    while isinstance(holder, np.ndarray):
+        holder = holder.base
+    picture = getattr(holder, "obj", None)  # a memoryview's
+    if not isinstance(picture, _vorel32.Picture) or picture.depth < 8:
+        return None
+    whole = np.asarray(picture)
+    keys = ("data", "shape", "strides", "typestr")
+    same = all(array.__array_interface__[key][:1] == whole.__array_interface__[key][:1] if key == "data"
+               else array.__array_interface__[key] == whole.__array_interface__[key] for key in keys)  # fmt: skip
+    return picture if same else None
+
+
+def open(source: Readable, page: int = 1, *, name: str | None = None, readonly: bool = False) -> Image:
+    """Loads a page: the same as Image.open."""
+    return Image.open(source, page, name=name, readonly=readonly)
+
+
+def count_pages(source: Readable, *, name: str | None = None) -> int:
+    """The number of pages of a file.
+
+    >>> count_pages("scan.tif")
+    2
+    """
+    return Source(source, name).count_pages()
+
+
+def pages(source: Readable, *, name: str | None = None, readonly: bool = False) -> Iterator[Image]:
+    """The pages of a file one after the other; one is in memory at a time unless the caller keeps them.
+
+    >>> [page.depth for page in pages("scan.tif")]
+    [1, 1]
+    """
+    file = Source(source, name)
+    for page in range(1, file.count_pages() + 1):
+        yield Image(file.load(page), file.name, page, readonly)
+
+
+def save_pages(target: str | os.PathLike[str], images: Iterable[Image], *, format: str | None = None, compression: str | None = None,
+               overwrite: bool = True) -> int:  # fmt: skip
+    """Writes pictures as the pages of one TIFF or DCX file, which appears whole or not at all. Returns their number.
+
+    >>> save_pages("clean.tif", (page.clean(60) for page in pages("scan.tif")), compression="g4")
+    2
+    """
+    word = format_of(target, format)
+    path = os.path.realpath(target)
+    if os.path.exists(path) and not overwrite:
+        raise OutputError("there is a file of this name already; give another name or overwrite=True", path)
+    count = 0
+    with replaced(path) as scratch:
+        for count, image in enumerate(images, 1):
+            image._write(scratch, word, compression, False, count)
+        if count == 0:
+            raise UsageError("there are no pages to save", path)
+    return count
