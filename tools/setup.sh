@@ -10,6 +10,7 @@ CROSS=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 llvm lld clang dpkg-dev 
 SCREEN=(xvfb xauth x11-apps xdotool imagemagick fonts-dejavu-core)
 PICTURES=(libtiff-tools netpbm python3-pil giflib-tools libwmf-bin emf2svg libuemf-dev)  # they make and read pictures for the tests
 PAPER=(ghostscript)  # makes pictures of what was printed
+PYTHON=(python3-dev python3-pip python3-venv python3-setuptools python3-wheel pybind11-dev python3-numpy python3-pytest)
 WINE=(wine wine32:i386)
 
 say() { printf 'setup: %s\n' "$*"; }
@@ -66,7 +67,7 @@ install_packages() {
 
 main() {
   local wanted
-  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${WINE[@]}")
+  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${WINE[@]}")
   if [ "${#wanted[@]}" -gt 0 ]; then
     say "installing ${wanted[*]}"
     [ -z "$(missing "${WINE[@]}")" ] || say "with 32-bit Wine, which runs the Windows build, that is about 600 MB"
