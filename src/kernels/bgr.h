@@ -29,10 +29,10 @@ inline constexpr ComponentWeights kGrayWeights = {3, 15, 8, 26};
 inline constexpr ComponentWeights kIntensityWeights = {8, 15, 3, 26};
 static_assert(kMeanWeights.is_exact() && kGrayWeights.is_exact() && kIntensityWeights.is_exact());
 
-// The weighted sums of four pixels and, with vectors of 32 bytes, of the four `others`. Also reads the four bytes behind the
-// pixels.
+// The weighted sums of four pixels in each part of a vector, the parts sixteen pixels apart. Also reads the four bytes behind
+// the pixels.
 template <ComponentWeights kWeights>
-[[gnu::always_inline]] inline Doublewords weighted_sums(const uint8_t* pixels, [[maybe_unused]] const uint8_t* others) {
+[[gnu::always_inline]] inline Doublewords weighted_sums(const uint8_t* pixels) {
 #ifdef __SSE4_1__
   // Each pixel is followed by a zero.
   constexpr auto kSpread = [] {
@@ -41,8 +41,7 @@ template <ComponentWeights kWeights>
     return places;
   }();
   const auto weights = (Bytes)(Doublewords{} + (kWeights.blue | kWeights.green << 8 | kWeights.red << 16));
-  return multiply_add(multiply_add(shuffle(halves(pixels, others), load<Bytes>(kSpread.data())), weights),
-                      Words{} + uint16_t{1});
+  return multiply_add(multiply_add(shuffle(parts(pixels, 48), load<Bytes>(kSpread.data())), weights), Words{} + uint16_t{1});
 #else
   Doublewords four;
   for (int i = 0; i < 4; ++i) {
@@ -61,23 +60,28 @@ template <ComponentWeights kWeights>
 [[gnu::always_inline]] inline Bytes weighted_pixels(const uint8_t* pixels) {
   const auto eight = [&](size_t first) VOREL_INLINE {
     const uint8_t* const from = pixels + first * 3;
-    const Words sums = pack(weighted_sums<kWeights>(from, from + 48), weighted_sums<kWeights>(from + 12, from + 60));
+    const Words sums = pack(weighted_sums<kWeights>(from), weighted_sums<kWeights>(from + 12));
     return multiply_high(sums, Words{} + static_cast<uint16_t>(kWeights.factor())) >> kWeights.shift();
   };
   return pack(eight(0), eight(8));
 }
 
-// The weighted sum of each pixel of a row.
-template <ComponentWeights kWeights>
-[[gnu::always_inline]] inline void weigh_row(const uint8_t* pixels, uint8_t* result, size_t count) {
+// The weighted sum of each pixel of a row. put(to, vector) stores a vector.
+template <ComponentWeights kWeights, class Put>
+[[gnu::always_inline]] inline void weigh_row(const uint8_t* pixels, uint8_t* result, size_t count, Put put) {
   size_t x = 0;
   for (; x * 3 + kWeightedBytesRead <= count * 3; x += kVectorBytes)
-    store(result + x, weighted_pixels<kWeights>(pixels + x * 3));
+    put(result + x, weighted_pixels<kWeights>(pixels + x * 3));
   for (; x < count; ++x) {
     const uint8_t* const pixel = pixels + x * 3;
     result[x] = static_cast<uint8_t>(kWeights.quotient(
         static_cast<uint32_t>(kWeights.blue * pixel[0] + kWeights.green * pixel[1] + kWeights.red * pixel[2])));
   }
+}
+
+template <ComponentWeights kWeights>
+[[gnu::always_inline]] inline void weigh_row(const uint8_t* pixels, uint8_t* result, size_t count) {
+  weigh_row<kWeights>(pixels, result, count, [](uint8_t* to, Bytes vector) VOREL_INLINE { store(to, vector); });
 }
 
 }  // namespace vorel::kernels::VOREL_LEVEL

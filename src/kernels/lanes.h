@@ -2,6 +2,7 @@
 // functions here are single instructions without an operator.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -15,6 +16,7 @@
 namespace vorel::kernels::VOREL_LEVEL {
 
 #ifdef __AVX2__
+// Also where there are wider ones: most of these would lie across two lines of the cache, and measured slower.
 inline constexpr size_t kVectorBytes = 32;
 #else
 inline constexpr size_t kVectorBytes = 16;
@@ -23,6 +25,9 @@ inline constexpr size_t kVectorBytes = 16;
 using Bytes = uint8_t __attribute__((vector_size(kVectorBytes)));
 using Words = uint16_t __attribute__((vector_size(kVectorBytes)));
 using Doublewords = int32_t __attribute__((vector_size(kVectorBytes)));
+
+using Bytes16 = uint8_t __attribute__((vector_size(16)));
+using Bytes64 = uint8_t __attribute__((vector_size(64)));
 
 // A vector of one lane, for the ends of short rows.
 using Byte1 = uint8_t __attribute__((vector_size(1)));
@@ -57,7 +62,7 @@ template <class Step>
 // For the lambdas passed to in_vectors().
 #define VOREL_INLINE __attribute__((always_inline))
 
-// Vectors of 32 bytes are two halves of 16 here: unpacking, packing and shuffling stay within a half.
+// Vectors of 32 bytes are two parts of 16 here: unpacking, packing and shuffling stay within a part.
 #ifdef __AVX2__
 #define VOREL_VECTOR __m256i
 #define VOREL_INTRINSIC(name) _mm256_##name
@@ -75,7 +80,7 @@ template <class Step>
 [[gnu::always_inline]] inline Byte1 smaller(Byte1 a, Byte1 b) { return a < b ? a : b; }
 [[gnu::always_inline]] inline Byte1 larger(Byte1 a, Byte1 b) { return a > b ? a : b; }
 
-// The low or high eight bytes of each half, zero-extended; the same for words.
+// The low or high eight bytes of each part, zero-extended; the same for words.
 [[gnu::always_inline]] inline Words low_words(Bytes bytes) {
   return (Words)VOREL_INTRINSIC(unpacklo_epi8)((VOREL_VECTOR)bytes, VOREL_VECTOR{});
 }
@@ -107,7 +112,7 @@ template <class Step>
 }
 
 #ifdef __SSE4_1__
-// Bytes of each half in the order of `places`; 0 where the highest bit of a place is set.
+// Bytes of each part in the order of `places`; 0 where the highest bit of a place is set.
 [[gnu::always_inline]] inline Bytes shuffle(Bytes bytes, Bytes places) {
   return (Bytes)VOREL_INTRINSIC(shuffle_epi8)((VOREL_VECTOR)bytes, (VOREL_VECTOR)places);
 }
@@ -116,15 +121,84 @@ template <class Step>
   return (Words)VOREL_INTRINSIC(maddubs_epi16)((VOREL_VECTOR)a, (VOREL_VECTOR)signed_bytes);
 }
 
-// Sixteen bytes in each half.
-[[gnu::always_inline]] inline Bytes halves(const uint8_t* low, [[maybe_unused]] const uint8_t* high) {
+// Sixteen bytes in each part, `step` bytes apart.
+[[gnu::always_inline]] inline Bytes parts(const uint8_t* from, [[maybe_unused]] size_t step) {
 #ifdef __AVX2__
-  return (Bytes)_mm256_inserti128_si256(_mm256_castsi128_si256(load<__m128i>(low)), load<__m128i>(high), 1);
+  return (Bytes)_mm256_inserti128_si256(_mm256_castsi128_si256(load<__m128i>(from)), load<__m128i>(from + step), 1);
 #else
-  return load<Bytes>(low);
+  return load<Bytes>(from);
 #endif
 }
 #endif
+
+// Bytes of a whole vector in the order of `places`.
+#ifdef __SSSE3__
+[[gnu::always_inline]] inline Bytes16 picked(Bytes16 bytes, Bytes16 places) {
+  return (Bytes16)_mm_shuffle_epi8((__m128i)bytes, (__m128i)places);
+}
+#endif
+#ifdef __AVX512VBMI__
+[[gnu::always_inline]] inline Bytes64 picked(Bytes64 bytes, Bytes64 places) {
+  return (Bytes64)_mm512_maskz_permutexvar_epi8(~__mmask64{0}, (__m512i)places, (__m512i)bytes);
+}
+#endif
+
+// The bytes in the opposite order.
+[[gnu::always_inline]] inline Bytes reversed(Bytes bytes) {
+#ifdef __SSSE3__
+  constexpr auto kDescending = [] {
+    std::array<uint8_t, kVectorBytes> places{};
+    for (size_t i = 0; i < kVectorBytes; ++i) places[i] = static_cast<uint8_t>(kVectorBytes - 1 - i);
+    return places;
+  }();
+  const auto order = load<Bytes>(kDescending.data());
+#endif
+#if defined(__AVX2__)
+  return (Bytes)_mm256_permute4x64_epi64((__m256i)shuffle(bytes, order), 0x4E);
+#elif defined(__SSSE3__)
+  return shuffle(bytes, order);
+#else
+  const auto pairs = (__m128i)((Words)bytes << 8 | (Words)bytes >> 8);
+  return (Bytes)_mm_shuffle_epi32(_mm_shufflehi_epi16(_mm_shufflelo_epi16(pairs, 0x1B), 0x1B), 0x4E);
+#endif
+}
+
+// Exchanges the groups of kBits bits that the mask selects with the others.
+template <int kBits>
+[[gnu::always_inline]] inline Bytes with_swapped_bits(Bytes bytes, uint8_t mask) {
+  return ((Bytes)((Words)bytes >> kBits) & mask) | (Bytes)((Words)(bytes & mask) << kBits);
+}
+
+// Each byte with its bits in the opposite order.
+[[gnu::always_inline]] inline Bytes with_reversed_bits(Bytes bytes) {
+#ifdef __SSSE3__
+  constexpr auto kReversed = [] {
+    constexpr uint8_t kNibbles[] = {0, 8, 4, 12, 2, 10, 6, 14, 1, 9, 5, 13, 3, 11, 7, 15};
+    std::array<uint8_t, kVectorBytes> nibbles{};
+    for (size_t i = 0; i < kVectorBytes; ++i) nibbles[i] = kNibbles[i % 16];
+    return nibbles;
+  }();
+  const auto table = load<Bytes>(kReversed.data());
+  return (Bytes)((Words)shuffle(table, bytes & 0x0F) << 4) | shuffle(table, (Bytes)((Words)bytes >> 4) & 0x0F);
+#else
+  return with_swapped_bits<1>(with_swapped_bits<2>(with_swapped_bits<4>(bytes, 0x0F), 0x33), 0x55);
+#endif
+}
+
+// Each byte moved right by some bits, 1 to 7, and filled up from the byte in front of it.
+[[gnu::always_inline]] inline Bytes shifted_in(Bytes in_front, Bytes here, int bits) {
+  const auto kept = static_cast<uint8_t>(0xFF >> bits);
+  return ((Bytes)((Words)here >> bits) & kept) | ((Bytes)((Words)in_front << (8 - bits)) & static_cast<uint8_t>(~kept));
+}
+
+// Stores a vector to aligned memory, past the caches.
+[[gnu::always_inline]] inline void stream(void* to, Bytes vector) {
+#ifdef __AVX2__
+  _mm256_stream_si256(static_cast<__m256i*>(to), (__m256i)vector);
+#else
+  _mm_stream_si128(static_cast<__m128i*>(to), (__m128i)vector);
+#endif
+}
 
 #undef VOREL_VECTOR
 #undef VOREL_INTRINSIC

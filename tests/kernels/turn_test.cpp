@@ -85,6 +85,33 @@ TEST(TurnKernels, TurnAndMirror) {
     }
 }
 
+// Results past the caches: row by row they are what the kernel makes of a picture of one row.
+TEST(TurnKernels, MirrorLargePictures) {
+  for (const auto& [size, depth] : {std::pair(Size{2311, 1900}, 8), {Size{1399, 1003}, 24}}) {
+    const Bytes dib = noise(size.width, size.height, depth);
+    for_each_level([&](CpuLevel level) {
+      const kernels::TurnTable& turn = kernels::turn(level);
+      const GuardedRows source(dib, 3, Edge::kEnd), result(size, depth, 3, Edge::kEnd),
+          row({size.width, 1}, depth, 0, Edge::kEnd);
+      const Bytes gaps = result.gaps();
+      const auto expect_rows = [&](bool mirrors, bool turns) {
+        for (int y = 0; y < size.height; ++y) {
+          const ConstDibView from(source.view().row(turns ? size.height - 1 - y : y).data(), 0, size.width, 1, depth);
+          if (mirrors) turn.mirror_left_right(from, row.view());
+          ASSERT_TRUE(std::ranges::equal(result.view().row(y), mirrors ? row.view().row(0) : from.row(0))) << y;
+        }
+        ASSERT_TRUE(result.gaps() == gaps) << "written between the rows";
+      };
+      turn.mirror_left_right(source.view(), result.view());
+      expect_rows(true, false);
+      turn.half_turn(source.view(), result.view());
+      expect_rows(true, true);
+      turn.mirror_top_bottom(source.view(), result.view());
+      expect_rows(false, true);
+    });
+  }
+}
+
 // Rows that lie as in a packed DIB: where every byte up to the stride may be written.
 void expect_whole_rows(const Bytes& dib, const Bytes& expected,
                        const std::function<void(const kernels::TurnTable&, ConstDibView, DibView)>& kernel) {

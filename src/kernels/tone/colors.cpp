@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "kernels/bgr.h"
+#include "kernels/row_output.h"
 #include "kernels/tone/functions.h"
 #include "kernels/tone/linear.h"
 
@@ -152,12 +153,15 @@ void look_up_colors(ConstDibView source, DibView result, std::span<const Rgb, 25
 }
 
 void gray_rows(ConstDibView source, DibView result, GrayRule rule) {
+  const RowOutput output(source, result);
   for (int y = 0; y < source.height(); ++y) {
-    const auto to = result.row(y);
-    if (rule == GrayRule::kMean)
-      weigh_row<kMeanWeights>(source.row(y).data(), to.data(), to.size());
-    else
-      weigh_row<kGrayWeights>(source.row(y).data(), to.data(), to.size());
+    const uint8_t* const row = source.row(y).data();
+    output.write_vectors(result.row(y), [&](size_t begin, size_t end, uint8_t* to, auto put) VOREL_INLINE {
+      if (rule == GrayRule::kMean)
+        weigh_row<kMeanWeights>(row + begin * 3, to, end - begin, put);
+      else
+        weigh_row<kGrayWeights>(row + begin * 3, to, end - begin, put);
+    });
   }
 }
 

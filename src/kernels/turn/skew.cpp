@@ -4,7 +4,7 @@
 
 #include "core/pixel.h"
 #include "core/word.h"
-#include "kernels/turn/bytes.h"
+#include "kernels/lanes.h"
 #include "kernels/turn/functions.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
@@ -28,10 +28,15 @@ Shift row_shift(int depth, uint64_t bits) {
 void copy_moved(const uint8_t* source, uint8_t* target, size_t count, int bits) {
   const auto moved = [&](size_t i) { return static_cast<uint8_t>(source[i - 1] << (8 - bits) | source[i] >> bits); };
   target[0] = static_cast<uint8_t>(source[0] >> bits);
-  size_t i = 1;
-  for (; i + Bytes::kCount <= count; i += Bytes::kCount)
-    Bytes::shifted_in(Bytes::load(source + i - 1), Bytes::load(source + i), bits).store(target + i);
-  for (; i < count; ++i) target[i] = moved(i);
+  if (count > kVectorBytes) {
+    const size_t last = count - kVectorBytes;
+    for (size_t i = 1;; i = i + kVectorBytes < last ? i + kVectorBytes : last) {
+      store(target + i, shifted_in(load<Bytes>(source + i - 1), load<Bytes>(source + i), bits));
+      if (i == last) break;
+    }
+  } else {
+    for (size_t i = 1; i < count; ++i) target[i] = moved(i);
+  }
   target[count] = static_cast<uint8_t>(source[count - 1] << (8 - bits));
 }
 
