@@ -2,20 +2,21 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "cli/words.h"
+
 namespace vorel::cli {
 namespace {
 
-// Names an argument the way people see it: options with their dashes.
-std::string shown_name(const std::string& name) { return name.starts_with("--") ? name.substr(0, name.find(',')) : name; }
+using Kind = Argument::Kind;
 
 CLI::callback_t into(std::string& value, const std::string& name, const Check& check) {
-  return [&value, check, name](const CLI::results_t& given) {
-    if (const std::string wrong = check ? check(given.back()) : ""; !wrong.empty())
-      throw CLI::ValidationError(shown_name(name), wrong);
+  return [&value, look = check.wrong, name](const CLI::results_t& given) {
+    if (const std::string wrong = look ? look(given.back()) : ""; !wrong.empty()) throw CLI::ValidationError(name, wrong);
     value = given.back();
     return true;
   };
@@ -36,69 +37,108 @@ CLI::callback_t into(int& value, const std::string& name, Range range) {
     const auto parsed = std::from_chars(first, end, value);
     const bool is_number = first != end && parsed.ec == std::errc() && parsed.ptr == end;
     if (!is_number || value < range.least || value > range.most)
-      throw CLI::ValidationError(shown_name(name), number_is_wrong(text, range));
+      throw CLI::ValidationError(name, number_is_wrong(text, range));
     return true;
   };
 }
 
-// A blank stands instead of the type, which says nothing here.
-CLI::Option* positional(CLI::App& app, const std::string& name, const CLI::callback_t& take, const std::string& help) {
-  CLI::Option* option = app.add_option(name, take, help)->option_text(" ");
-  option->expected(1);
-  return option;
-}
-
 }  // namespace
 
+bool Argument::names_file() const {
+  const std::string& shown = kind == Kind::kOption ? value : name;
+  if (kind == Kind::kPositional && words.empty())
+    return std::ranges::any_of(std::array{"IN", "OUT", "FILE", "BASE", "OVERLAY", "ABOVE", "BELOW", "A", "B"},
+                               [&](const char* word) { return shown == word; });
+  return kind == Kind::kOption && (shown.starts_with("FILE") || shown == "OUT");
+}
+
+const Declared* Declared::verb(const std::string& verb_name) const {
+  const auto found = std::ranges::find_if(verbs, [&](const auto& verb) { return verb->name == verb_name; });
+  return found == verbs.end() ? nullptr : found->get();
+}
+
 Check one_of(std::vector<std::string> words) {
-  return [words = std::move(words)](const std::string& value) {
-    if (std::ranges::find(words, value) != words.end()) return std::string();
-    return fmt::format("\"{}\" is none of {}", value, fmt::join(words, ", "));
-  };
+  return {[words](const std::string& value) {
+            if (std::ranges::find(words, value) != words.end()) return std::string();
+            return fmt::format("\"{}\" is none of {}{}", value, fmt::join(words, ", "), suggestion(value, words));
+          },
+          words};
+}
+
+// A blank stands instead of the type, which says nothing here.
+void Arguments::positional(const Argument& argument, const std::function<bool(const std::vector<std::string>&)>& take) {
+  app_->add_option(argument.name, take, argument.help)->option_text(" ")->expected(1)->required(argument.is_required);
+  declared_->arguments.push_back(argument);
+}
+
+void Arguments::positional(const Argument& argument, std::vector<std::string>& values) {
+  app_->add_option(argument.name, values, argument.help)->option_text(" ")->required(argument.is_required);
+  declared_->arguments.push_back(argument);
 }
 
 void Arguments::required(const std::string& name, std::string& value, const std::string& help, const Check& check) {
-  positional(app_, name, into(value, name, check), help)->required();
+  positional({Kind::kPositional, name, "", help, check.words, true}, into(value, name, check));
 }
 
 void Arguments::required(const std::string& name, int& value, const std::string& help, Range range) {
-  positional(app_, name, into(value, name, range), help)->required();
+  positional({Kind::kPositional, name, "", help, {}, true}, into(value, name, range));
 }
 
 void Arguments::optional(const std::string& name, std::string& value, const std::string& help, const Check& check) {
-  positional(app_, name, into(value, name, check), help);
+  positional({Kind::kPositional, name, "", help, check.words}, into(value, name, check));
 }
 
 void Arguments::one_or_more(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-  app_.add_option(name, values, help)->required()->option_text(" ");
+  positional({Kind::kPositional, name, "", help, {}, true, true}, values);
 }
 
 void Arguments::any_number(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-  app_.add_option(name, values, help)->option_text(" ");
+  positional({Kind::kPositional, name, "", help, {}, false, true}, values);
 }
 
 void Arguments::option(const std::string& name, std::string& value, const std::string& shown, const std::string& help,
                        const Check& check) {
-  app_.add_option(name, into(value, name, check), help)->expected(1)->option_text(shown);
+  app_->add_option(name, into(value, name, check), help)->expected(1)->option_text(shown);
+  declared_->arguments.push_back({Kind::kOption, name, shown, help, check.words});
 }
 
 void Arguments::option(const std::string& name, int& value, const std::string& shown, const std::string& help, Range range) {
-  app_.add_option(name, into(value, name, range), help)->expected(1)->option_text(shown);
+  app_->add_option(name, into(value, name, range), help)->expected(1)->option_text(shown);
+  declared_->arguments.push_back({Kind::kOption, name, shown, help, {}});
 }
 
-void Arguments::flag(const std::string& name, bool& value, const std::string& help) { app_.add_flag(name, value, help); }
+void Arguments::flag(const std::string& name, bool& value, const std::string& help) {
+  app_->add_flag(name, value, help);
+  declared_->arguments.push_back({Kind::kFlag, name, "", help, {}});
+}
 
 void Arguments::exclude(const std::string& one, const std::string& other) {
-  app_.get_option(one)->excludes(app_.get_option(other));
+  app_->get_option(one)->excludes(app_->get_option(other));
 }
 
-void Arguments::explain(const std::string& text) { app_.footer(text); }
+void Arguments::check_together(const std::function<std::string()>& look) { declared_->check_together = look; }
 
-Arguments Arguments::verb(const std::string& name, const std::string& purpose) {
-  app_.require_subcommand(1);
-  return Arguments(*app_.add_subcommand(name, purpose));
+void Arguments::explain(const std::string& details, const std::string& examples) {
+  declared_->details += details;
+  declared_->examples += examples;
+  const bool is_one = declared_->examples.find('\n') == std::string::npos;
+  const std::string blank_line = declared_->details.empty() || declared_->examples.empty() ? "" : "\n\n";
+  app_->footer(declared_->details + blank_line +
+               (declared_->examples.empty() ? "" : (is_one ? "Example:\n" : "Examples:\n") + declared_->examples));
 }
 
-bool Arguments::is_given() const { return app_.parsed(); }
+Arguments Arguments::verb(const std::string& name, const std::string& purpose, const std::string& group) {
+  app_->require_subcommand(1);
+  declared_->verbs.push_back(std::make_unique<Declared>());
+  Declared& nested = *declared_->verbs.back();
+  nested.name = name;
+  nested.purpose = purpose;
+  nested.group = group;
+  CLI::App* app = app_->add_subcommand(name, purpose);
+  if (!group.empty()) app->group(group);
+  return {*app, nested};
+}
+
+bool Arguments::is_given() const { return app_->parsed(); }
 
 }  // namespace vorel::cli

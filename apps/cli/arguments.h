@@ -1,9 +1,12 @@
-// What a verb takes on the command line. The parser itself stays behind this.
+// What a verb takes on the command line, or a step in a chain. The parser itself stays behind this.
 #pragma once
 
+#include <concepts>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "cli/declared.h"
 
 namespace CLI {
 class App;
@@ -11,8 +14,17 @@ class App;
 
 namespace vorel::cli {
 
-// Looks at a value. Returns what is wrong with it, "" for nothing.
-using Check = std::function<std::string(const std::string& value)>;
+// Looks at a value.
+struct Check {
+  Check() = default;
+  template <class Function>
+  requires std::is_invocable_r_v<std::string, Function, const std::string&> Check(Function look,
+                                                                                  std::vector<std::string> known = {})
+      : wrong(std::move(look)), words(std::move(known)) {}
+
+  std::function<std::string(const std::string& value)> wrong;  // returns what is wrong with it, "" for nothing
+  std::vector<std::string> words;                              // the usual values
+};
 
 // The values that an option takes, in the order of the help.
 Check one_of(std::vector<std::string> words);
@@ -25,7 +37,7 @@ inline constexpr Range kFromOne = {1, 2'147'483'647};
 
 class Arguments {
  public:
-  explicit Arguments(CLI::App& app) : app_(app) {}
+  Arguments(CLI::App& app, Declared& declared) : app_(&app), declared_(&declared) {}
 
   // Values by their place, which must be there, in the order in which they are declared.
   void required(const std::string& name, std::string& value, const std::string& help, const Check& check = {});
@@ -44,15 +56,22 @@ class Arguments {
   // Options that do not go together.
   void exclude(const std::string& one, const std::string& other);
 
-  // Text below the list of options.
-  void explain(const std::string& text);
+  // Called when all values are there; returns what is wrong with them together, "" for nothing.
+  void check_together(const std::function<std::string()>& look);
+
+  // Text below the list of options: paragraphs, and lines of examples.
+  void explain(const std::string& details, const std::string& examples = "");
 
   // A nested verb. A verb that has nested ones needs one of them.
-  Arguments verb(const std::string& name, const std::string& purpose);
+  Arguments verb(const std::string& name, const std::string& purpose, const std::string& group = "");
   bool is_given() const;
 
  private:
-  CLI::App& app_;
+  void positional(const Argument& argument, const std::function<bool(const std::vector<std::string>&)>& take);
+  void positional(const Argument& argument, std::vector<std::string>& values);
+
+  CLI::App* app_;
+  Declared* declared_;
 };
 
 }  // namespace vorel::cli

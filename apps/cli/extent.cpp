@@ -74,6 +74,11 @@ Size parse_dpi(const std::string& text) {
   return {x, y};
 }
 
+void state_dpi(programs::Picture& picture, const std::string& dpi) {
+  const Size per_inch = parse_dpi(dpi);
+  picture.set_resolution(per_metre(per_inch.width), per_metre(per_inch.height));
+}
+
 int per_metre(int dpi) { return static_cast<int>(std::lround(dpi * kInchesPerMetre)); }
 
 }  // namespace vorel::cli

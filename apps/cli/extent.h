@@ -28,4 +28,7 @@ Size parse_dpi(const std::string& text);
 constexpr double kInchesPerMetre = 100 / 2.54;
 int per_metre(int dpi);
 
+// Of a text that has passed.
+void state_dpi(programs::Picture& picture, const std::string& dpi);
+
 }  // namespace vorel::cli

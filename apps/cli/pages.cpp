@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 #include <numeric>
 
-#include "cli/progress.h"
+#include "common/losses.h"
 #include "common/page_range.h"
 
 namespace vorel::cli {
@@ -64,6 +64,7 @@ Target::Target(std::string name, const SavingOptions& options, const Streams& st
       streams_(streams),
       overwrite_(options.overwrite),
       is_numbered_(options.numbered),
+      is_strict_(options.is_strict),
       saving_(options.saving_for(name_)) {
   if (is_numbered_ && is_standard_output())
     throw Failure(ExitCode::kWrongUse, name_, "numbered pages go to files of their own; give OUT a name");
@@ -98,26 +99,44 @@ bool Target::is_same_as(const Target& other) const {
   });
 }
 
-void Target::save(const Output& output, const std::string& path, Page page, int number) const {
+void Target::note_losses(Page& page) const {
+  for (std::string& loss : programs::losses_when_saved(page.picture, saving_)) page.losses.push_back(std::move(loss));
+  for (const std::string& loss : page.losses) {
+    if (is_strict_) throw Failure(ExitCode::kFormat, page.label, loss + ", or leave --strict out");
+    print_note(streams_.errors, page.label + ": " + loss);
+  }
+}
+
+void Target::save(const Output& output, const std::string& path, Page& page, int number) const {
+  note_losses(page);
   const auto picture = about(page.label, [&] { return programs::suited(std::move(page.picture), saving_); });
   about(output.label(), [&] { programs::save_page(path, picture, saving_, number); });
 }
 
-void Target::write(const std::function<void(const Put& put)>& produce) const {
-  const std::string ending = scratch_ending(saving_);
-  if (is_numbered_) {
-    size_t index = 0;
-    produce([&](Page page) {
-      const Output& output = *outputs_.at(index++);
-      output.write(ending, [&](const std::string& path) { save(output, path, std::move(page), 1); });
-    });
-    return;
-  }
-  const Output& output = *outputs_.front();
-  output.write(ending, [&](const std::string& path) {
-    int number = 0;
-    produce([&](Page page) { save(output, path, std::move(page), ++number); });
+void Target::write_numbered(const std::function<void(const Put& put)>& produce) const {
+  size_t index = 0;
+  produce([&](Page& page) {
+    const Output& output = *outputs_.at(index++);
+    if (page.is_dropped) return;
+    output.write(scratch_ending(saving_), [&](const std::string& path) { save(output, path, page, 1); });
   });
+}
+
+void Target::write(const std::function<void(const Put& put)>& produce) const {
+  struct NothingToWrite {};
+  if (is_numbered_) return write_numbered(produce);
+  const Output& output = *outputs_.front();
+  try {
+    output.write(scratch_ending(saving_), [&](const std::string& path) {
+      int number = 0;
+      produce([&](Page& page) {
+        if (!page.is_dropped) save(output, path, page, ++number);
+      });
+      if (number == 0) throw NothingToWrite{};
+    });
+  } catch (const NothingToWrite&) {
+    print_note(streams_.errors, output.label() + ": all pages are left out; the file is not written");
+  }
 }
 
 std::string numbered(const std::string& name, size_t page, size_t pages) {
@@ -125,18 +144,6 @@ std::string numbered(const std::string& name, size_t page, size_t pages) {
   const size_t end = dot != std::string::npos && name[dot] == '.' ? dot : name.size();
   const auto digits = std::to_string(pages).size();
   return fmt::format("{}-{:0{}}{}", name.substr(0, end), page, digits, name.substr(end));
-}
-
-void write_changed(const Source& source, const Target& target, const Change& change, const Streams& streams) {
-  Progress progress(streams, "page", static_cast<int>(source.size()));
-  target.write([&](const Target::Put& put) {
-    for (size_t i = 0; i < source.size(); ++i) {
-      progress.step();
-      Page page = source.load(i);
-      page.picture = about(page.label, [&] { return change(std::move(page.picture)); });
-      put(std::move(page));
-    }
-  });
 }
 
 }  // namespace vorel::cli

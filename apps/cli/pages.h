@@ -9,16 +9,11 @@
 
 #include "cli/files.h"
 #include "cli/saving_options.h"
+#include "cli/step.h"
 #include "cli/verb.h"
 #include "common/operations.h"
 
 namespace vorel::cli {
-
-// A picture, and how messages name it.
-struct Page {
-  std::string label;
-  programs::Picture picture;
-};
 
 // The option of verbs that read pages.
 void declare_pages(Arguments& arguments, std::string& pages);
@@ -57,26 +52,25 @@ class Target {
   bool replaces(const Source& source) const;
   bool is_same_as(const Target& other) const;
 
-  // Takes the pages that `produce` puts, in order. A file is put in place when it has all its pages. Throws Failure, and whatever
-  // `produce` throws.
-  using Put = std::function<void(Page page)>;
+  // Takes the pages that `produce` puts, in order: their pictures are moved, and what saving loses is added to them and noted.
+  // Dropped pages are left out, and numbers count them. A file is put in place when it has all its pages; one without pages is
+  // not made. Throws Failure, and whatever `produce` throws.
+  using Put = std::function<void(Page& page)>;
   void write(const std::function<void(const Put& put)>& produce) const;
 
  private:
-  void save(const Output& output, const std::string& path, Page page, int number) const;
+  void write_numbered(const std::function<void(const Put& put)>& produce) const;
+  void save(const Output& output, const std::string& path, Page& page, int number) const;
+  void note_losses(Page& page) const;
 
   std::string name_;
   const Streams& streams_;
-  bool overwrite_, is_numbered_;
+  bool overwrite_, is_numbered_, is_strict_;
   programs::Saving saving_;
   std::vector<std::unique_ptr<Output>> outputs_;
 };
 
 // "page.tif" and 7 of 12 give "page-07.tif".
 std::string numbered(const std::string& name, size_t page, size_t pages);
-
-// Writes what becomes of each page of a source, with the progress shown.
-using Change = std::function<programs::Picture(programs::Picture picture)>;
-void write_changed(const Source& source, const Target& target, const Change& change, const Streams& streams);
 
 }  // namespace vorel::cli

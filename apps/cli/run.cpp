@@ -1,17 +1,26 @@
 #include "cli/run.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <iostream>
+#include <map>
 
 #include <vorel32.h>
 
+#include "cli/parser.h"
 #include "cli/platform.h"
+#include "cli/step.h"
 #include "cli/verb.h"
+#include "cli/verbs/step_verb.h"
+#include "common/platform.h"
 #include "kernels/levels.h"
 
 namespace vorel::cli {
 namespace {
+
+constexpr const char* kVerbGroup = "Verbs";
+constexpr const char* kStepGroup = "Verbs that change pages, also the steps of \"vorel run\"";
 
 constexpr const char* kExitCodes =
     "Exit codes:\n"
@@ -24,11 +33,13 @@ constexpr const char* kExitCodes =
     "  6  not enough memory, or a picture past the size limit of 2 GB\n"
     "  7  a codec module is missing\n\n"
     "Results go to standard output, everything else to standard error. Existing files are replaced with --overwrite\n"
-    "only. \"vorel VERB --help\" tells more about a verb.\n\n"
-    "Examples:\n"
+    "only. \"vorel help VERB\" tells more about a verb.";
+
+constexpr const char* kExamples =
     "  vorel info scan.tif\n"
     "  vorel convert scan.tif scan.png\n"
-    "  vorel rotate scan.tif upright.tif 90";
+    "  vorel rotate scan.tif upright.tif 90\n"
+    "  vorel run scan.tif page.tif \"clean 60 | rotate -1 --white | scale 50%\"";
 
 std::string version() {
   char text[32] = {};
@@ -37,70 +48,79 @@ std::string version() {
   return "vorel " + whole.substr(whole.rfind(' ') + 1) + " (" + std::string(name_of(cpu_level())) + ")";
 }
 
+// A file whose name begins with a dash looks like an option.
+std::string dash_hint(const std::vector<std::string>& given) {
+  const auto looks_like_a_file = [](const std::string& text) {
+    return text.starts_with('-') && text.find('.') != std::string::npos && text.find('=') == std::string::npos;
+  };
+  const bool has_end = std::ranges::find(given, "--") != given.end();
+  const auto found = std::ranges::find_if(given, looks_like_a_file);
+  if (has_end || found == given.end()) return {};
+  return "write -- in front of file names that begin with a dash, as in \"-- " + *found + "\"; ";
+}
+
 class CommandLine {
  public:
-  CommandLine() : app_("Look at, convert and transform picture files.", "vorel") {
-    app_.allow_windows_style_options(false);  // a path may begin with a slash
-    app_.set_version_flag("--version", version(), "Print the version and exit");
-    app_.set_help_flag("-h,--help", "Print this help and exit");
-    app_.require_subcommand(1);
-    app_.get_formatter()->column_width(24);
-    app_.get_formatter()->label("SUBCOMMAND", "VERB ...");
-    app_.footer(kExitCodes);
-    for (const Verb* verb : kVerbs) declare(*verb);
+  CommandLine() : parser_("vorel", "Look at, convert and transform picture files.", Parser::Help::kOnRequest) {
+    Arguments tool = parser_.arguments();
+    tool.flag("--version", shows_version_, "Print the version and exit");
+    for (const Verb* verb : kVerbs) {
+      if (verb->needs_windows && !programs::has_drawing()) continue;
+      Arguments arguments = tool.verb(verb->name, verb->purpose, kVerbGroup);
+      actions_[verb->name] = verb->declare(arguments);
+    }
+    for (const Step* step : kSteps) {
+      Arguments arguments = tool.verb(step->name, step->purpose, kStepGroup);
+      actions_[step->name] = declare_step_verb(arguments, *step);
+    }
+    tool.explain(kExitCodes, kExamples);
   }
 
-  ExitCode run(std::vector<std::string> arguments, const Streams& streams) {
-    const std::vector<std::string> given = arguments;
-    try {
-      std::ranges::reverse(arguments);  // the parser takes them from the back
-      app_.parse(std::move(arguments));
-    } catch (const CLI::CallForHelp&) {
-      streams.output << app_.help();
-      return ExitCode::kDone;
-    } catch (const CLI::CallForVersion&) {
+  ExitCode run(std::vector<std::string> words, const Streams& streams) {
+    if (!words.empty() && words.front() == "help") {
+      words.erase(words.begin());
+      words.emplace_back("--help");
+    }
+    if (!words.empty() && words.front() == "--version") {
       streams.output << version() << '\n';
       return ExitCode::kDone;
-    } catch (const CLI::ParseError& error) {
-      print_error(streams.errors, wrong_use(error, given));
-      return ExitCode::kWrongUse;
     }
-    return action_(streams);
+    refuse_unoffered(words);
+    const std::string help = parsed(words);
+    if (!help.empty()) {
+      streams.output << help;
+      return ExitCode::kDone;
+    }
+    return actions_.at(parser_.chosen().front())(streams);
   }
 
  private:
-  std::string wrong_use(const CLI::ParseError& error, const std::vector<std::string>& given) const {
-    const std::string first = given.empty() ? "" : given.front();
-    const auto chosen = app_.get_subcommands();
-    if (!chosen.empty()) {
-      const std::string verb = chosen.front()->get_name();
-      return verb + ": " + error.what() + "; " + dash_hint(given) + "see \"vorel " + verb + " --help\"";
+  // Fills in the values, or returns a help text.
+  std::string parsed(const std::vector<std::string>& words) {
+    try {
+      return parser_.parse(words);
+    } catch (const WrongUse& error) {
+      const std::vector<std::string> chosen = parser_.chosen();
+      const std::string verb = fmt::format("{}", fmt::join(chosen, " "));
+      if (verb.empty())
+        throw programs::Problem(programs::Fault::kWrongUse, fmt::format("{}; see \"vorel --help\"", error.what()));
+      throw Failure(ExitCode::kWrongUse, verb,
+                    fmt::format("{}; {}see \"vorel {} --help\"", error.what(), dash_hint(words), verb));
     }
-    const bool is_word = !first.empty() && first[0] != '-';
-    return (is_word ? first + ": there is no such verb" : "a verb is missing") + "; see \"vorel --help\"";
   }
 
-  // A file whose name begins with a dash looks like an option.
-  static std::string dash_hint(const std::vector<std::string>& given) {
-    const auto looks_like_a_file = [](const std::string& text) {
-      return text.starts_with('-') && text.find('.') != std::string::npos && text.find('=') == std::string::npos;
-    };
-    const bool has_end = std::ranges::find(given, "--") != given.end();
-    const auto found = std::ranges::find_if(given, looks_like_a_file);
-    if (has_end || found == given.end()) return {};
-    return "write -- in front of file names that begin with a dash, as in \"-- " + *found + "\"; ";
+  static void refuse_unoffered(const std::vector<std::string>& words) {
+    for (const Verb* verb : kVerbs) {
+      const bool is_meant = !words.empty() && words.front() == verb->name;
+      if (!is_meant || !verb->needs_windows || programs::has_drawing()) continue;
+      throw Failure(ExitCode::kWrongUse, verb->name,
+                    "this verb needs the Windows build; use the Windows build of this tool, vorel.exe");
+    }
   }
 
-  void declare(const Verb& verb) {
-    CLI::App* app = app_.add_subcommand(verb.name, verb.purpose);
-    app->group("Verbs");
-    Arguments arguments(*app);
-    const Action action = verb.declare(arguments);
-    app->final_callback([this, action] { action_ = action; });
-  }
-
-  CLI::App app_;
-  Action action_;
+  Parser parser_;
+  bool shows_version_ = false;
+  std::map<std::string, Action> actions_;
 };
 
 ExitCode run_checked(std::vector<std::string> arguments, const Streams& streams) {

@@ -51,10 +51,11 @@ void SavingOptions::declare(Arguments& arguments, bool offers_numbering) {
     arguments.flag("--numbered", numbered, "write each page as a file of its own: OUT with -1, -2, ... before its ending");
   arguments.option("--to", to, "FORMAT",
                    fmt::format("format of OUT: {} (default: by its ending)", fmt::join(saving_words(), ", ")),
-                   format_is_wrong);
+                   {format_is_wrong, saving_words()});
   arguments.option("--compression", compression, "KIND", "of a TIFF or TGA file (default: the format's usual one)",
                    one_of(compression_words()));
   arguments.flag("--interlaced", interlaced, "store the rows of a GIF interlaced (default: in order)");
+  arguments.flag("--strict", is_strict, "fail where OUT has no room for something of IN (default: note it and go on)");
 }
 
 Saving SavingOptions::saving_for(const std::string& output) const {

@@ -10,7 +10,7 @@ namespace vorel::cli {
 
 struct SavingOptions {
   std::string to, compression;
-  bool interlaced = false, overwrite = false, numbered = false;
+  bool interlaced = false, overwrite = false, numbered = false, is_strict = false;
 
   void declare(Arguments& arguments, bool offers_numbering = true);
 

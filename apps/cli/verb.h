@@ -25,14 +25,12 @@ struct Verb {
   const char* name;
   const char* purpose;                      // one line
   Action (*declare)(Arguments& arguments);  // tells the verb's arguments and help
+  bool needs_windows = false;
 };
 
-// In the order of the help.
-extern const Verb kInfo, kConvert, kText, kPages, kRotate, kMirror, kSkew, kScale, kCut, kCrop, kCombine, kInvert,
-    kHistogram, kLut, kTone, kFilter, kGray, kExpand, kClean, kDither, kHalftone, kPrint;
-inline constexpr const Verb* kVerbs[] = {&kInfo, &kConvert, &kText,    &kPages,  &kRotate,   &kMirror, &kSkew,      &kScale,
-                                         &kCut,  &kCrop,    &kCombine, &kInvert, &kTone,     &kLut,    &kHistogram, &kFilter,
-                                         &kGray, &kExpand,  &kClean,   &kDither, &kHalftone, &kPrint};
+// In the order of the help. Every step (step.h) is a verb besides.
+extern const Verb kInfo, kConvert, kRun, kPages, kCut, kCombine, kHistogram, kText, kPrint;
+inline constexpr const Verb* kVerbs[] = {&kInfo, &kConvert, &kRun, &kPages, &kCut, &kCombine, &kHistogram, &kText, &kPrint};
 
 // Does the same for each of several files: one that fails is reported and left out. Returns the code for all of them.
 ExitCode each_file(const std::vector<std::string>& files, const Streams& streams,

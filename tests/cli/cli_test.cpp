@@ -41,7 +41,7 @@ std::string text_of(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 #ifndef _WIN32
 TEST_F(Cli, PrintsOnWindowsAlone) {
   EXPECT_EQ(run({"print", at("missing.bmp"), "--fit"}), 2);
-  EXPECT_THAT(err_, HasSubstr("needs the Windows build"));
+  EXPECT_THAT(err_, HasSubstr("use the Windows build of this tool, vorel.exe"));
 }
 #endif
 
@@ -50,7 +50,7 @@ TEST_F(Cli, ExitCodes) {
   const std::string text = put("text.bmp", Bytes(100, 'x'));
   const std::string out = at("out.bmp");
   expect_refused({{{}, 2, "a verb is missing"},
-                  {{"frobnicate"}, 2, "there is no such verb"},
+                  {{"rotaet"}, 2, "there is no verb \"rotaet\"; did you mean \"rotate\"?"},
                   {{"info"}, 2, "vorel info --help"},
                   {{"rotate", good, out}, 2, "vorel rotate --help"},
                   {{"mirror", good, out, "sideways"}, 2, "vorel mirror --help"},

@@ -133,10 +133,7 @@ TEST_F(CliTone, Refusals) {
        {{"filter", colors, out, "kernel", "--kernel", "1,2"}, 2, "9 numbers"},
        {{"filter", colors, out, "box", "--kernel", "1"}, 2, "leave it out"},
        {{"filter", colors, out, "kernel", "--kernel", "200,0,0,0,0,0,0,0,0,1"}, 2, "out of bounds"},
-       {{"dither", bits, out}, 4, "more bits"},
-       {{"dither", colors, out, "--bits", "8"}, 4, "more bits"},
        {{"dither", put("true.bmp", bitmap_file(noise(9, 9, 24))), out, "--bits", "8", "--method", "smooth"}, 2, "fs or jjn"},
-       {{"halftone", bits, out}, 4, "more bits"},
        {{"clean", colors, out, "50"}, 4, "greys"},
        {{"clean", bits, out, "10"}, 2, "clean --help"}});
 }

@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 
 #include "cli/extent.h"
-#include "cli/verbs/transform.h"
+#include "cli/page_work.h"
 
 namespace vorel::cli {
 namespace {
@@ -47,7 +47,7 @@ ExitCode combine(const Values& values, const Streams& streams) {
         return programs::combined(std::move(page.picture), std::move(on_top), std::move(through), parse_position(values.at),
                                   mode);
       });
-      put(std::move(page));
+      put(page);
     }
   });
   return ExitCode::kDone;
@@ -57,9 +57,7 @@ Action declare(Arguments& arguments) {
   arguments.explain(
       "OUT is as large as BASE; what of OVERLAY lies outside is left out. An OVERLAY of one page goes onto every page of\n"
       "BASE. or and xor work on the pixels as numbers: in black and white, with white as 1, or lets white win and xor\n"
-      "inverts under white. Pictures of different depth or colours are combined at 24 bits per pixel. OUT has the format\n"
-      "that its ending names; see \"vorel convert --help\".\n\n"
-      "Examples:\n"
+      "inverts under white. Pictures of different depth or colours are combined at 24 bits per pixel.",
       "  vorel combine page.tif stamp.tif stamped.tif --at 1900,120\n"
       "  vorel combine photo.bmp logo.bmp out.bmp --mask shape.bmp\n"
       "  vorel combine page1.tif page2.tif difference.tif --mode xor");

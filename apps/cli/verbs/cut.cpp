@@ -1,17 +1,12 @@
-// vorel cut and vorel crop: pieces of a picture.
+// vorel cut: two pieces of a picture.
 #include <fmt/format.h>
 
-#include "cli/extent.h"
-#include "cli/verbs/transform.h"
+#include "cli/page_work.h"
 
 namespace vorel::cli {
 namespace {
 
-using programs::Picture;
-
-// ---- cut ----
-
-struct CutValues {
+struct Values {
   std::string input, above, below, pages;
   int line = 0;
   SavingOptions saving;
@@ -27,7 +22,7 @@ programs::Halves cut_page(Page page, int line) {
   return about(page.label, [&] { return programs::cut(std::move(page.picture), line); });
 }
 
-ExitCode cut(const CutValues& values, const Streams& streams) {
+ExitCode cut(const Values& values, const Streams& streams) {
   Target above(values.above, values.saving, streams), below(values.below, values.saving, streams);
   const Source source(values.input, values.pages, streams);
   above.open(source.size(), {&source});
@@ -37,8 +32,9 @@ ExitCode cut(const CutValues& values, const Streams& streams) {
   const auto cut_all = [&](const Target::Put& put_above, const Target::Put& put_below) {
     for (size_t i = 0; i < source.size(); ++i) {
       programs::Halves halves = cut_page(source.load(i), values.line);
-      put_above({source.label(i), std::move(halves.above)});
-      put_below({source.label(i), std::move(halves.below)});
+      Page above_it{source.label(i), std::move(halves.above)}, below_it{source.label(i), std::move(halves.below)};
+      put_above(above_it);
+      put_below(below_it);
     }
   };
   // The target that is written inside the other is in place first: the input itself is replaced last.
@@ -50,13 +46,10 @@ ExitCode cut(const CutValues& values, const Streams& streams) {
   return ExitCode::kDone;
 }
 
-Action declare_cut(Arguments& arguments) {
-  arguments.explain(
-      "Every page is cut at the same line. The formats are those that the endings of ABOVE and BELOW name; see \"vorel\n"
-      "convert --help\".\n\n"
-      "Example:\n"
-      "  vorel cut spread.tif first.tif second.tif 1754");
-  const auto values = std::make_shared<CutValues>();
+Action declare(Arguments& arguments) {
+  arguments.explain("Every page is cut at the same line. The formats are those that the endings of ABOVE and BELOW name.",
+                    "  vorel cut spread.tif first.tif second.tif 1754");
+  const auto values = std::make_shared<Values>();
   declare_input(arguments, values->input);
   arguments.required("ABOVE", values->above, "the file to write the upper part to");
   arguments.required("BELOW", values->below, "the file to write the lower part to");
@@ -66,39 +59,8 @@ Action declare_cut(Arguments& arguments) {
   return [values](const Streams& streams) { return cut(*values, streams); };
 }
 
-// ---- crop ----
-
-struct CropValues {
-  std::string at, size;
-};
-
-Picture cropped(Picture picture, const CropValues& values) {
-  const programs::Corner at = parse_position(values.at);
-  const Size size = parse_extent(values.size);
-  if (at.x < 0 || at.y < 0 || size.width > picture.width() - at.x || size.height > picture.height() - at.y) {
-    throw programs::Problem(programs::Fault::kWrongUse,
-                            fmt::format("the picture has {} x {} pixels, and the piece reaches outside; ask for one inside",
-                                        picture.width(), picture.height()));
-  }
-  return programs::cropped(std::move(picture), {at.x, at.y, size.width, size.height});
-}
-
-Action declare_crop(Arguments& arguments) {
-  arguments.explain(
-      "OUT has the format that its ending names; see \"vorel convert --help\".\n\n"
-      "Example:\n"
-      "  vorel crop page.tif stamp.png 1900,120 400x300");
-  const auto values = std::make_shared<CropValues>();
-  const Action action =
-      declare_transform(arguments, [values](Picture picture) { return cropped(std::move(picture), *values); });
-  arguments.required("CORNER", values->at, "X,Y of the piece: its left upper corner, counted from 0", position_is_wrong);
-  arguments.required("SIZE", values->size, "WIDTHxHEIGHT, the pixels of the piece", extent_is_wrong);
-  return action;
-}
-
 }  // namespace
 
-const Verb kCut{"cut", "Cut a picture in two at a line.", declare_cut};
-const Verb kCrop{"crop", "Take a rectangular piece of a picture.", declare_crop};
+const Verb kCut{"cut", "Cut a picture in two at a line.", declare};
 
 }  // namespace vorel::cli

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "cli/verbs/transform.h"
+#include "cli/page_work.h"
 #include "common/forms.h"
 #include "core/pixel.h"
 
@@ -86,7 +86,8 @@ ExitCode tell(const Values& values, const Streams& streams) {
     target.write([&](const Target::Put& put) {
       count_all(source, [&](size_t index, const Facts& facts) {
         note(index, facts);
-        put({source.label(index), drawn(facts)});
+        Page page{source.label(index), drawn(facts)};
+        put(page);
       });
     });
   }
@@ -103,12 +104,10 @@ ExitCode tell(const Values& values, const Streams& streams) {
 }
 
 Action declare(Arguments& arguments) {
-  arguments.explain(
-      "The grey of a pixel is (blue + green + red + 1) / 3. Of several pages JSON is an array of objects.\n\n"
-      "Examples:\n"
-      "  vorel histogram scan.png\n"
-      "  vorel histogram scan.png --json\n"
-      "  vorel histogram scan.png --picture bars.png");
+  arguments.explain("The grey of a pixel is (blue + green + red + 1) / 3. Of several pages JSON is an array of objects.",
+                    "  vorel histogram scan.png\n"
+                    "  vorel histogram scan.png --json\n"
+                    "  vorel histogram scan.png --picture bars.png");
   const auto values = std::make_shared<Values>();
   declare_input(arguments, values->input);
   declare_pages(arguments, values->pages);

@@ -132,8 +132,7 @@ Action declare(Arguments& arguments) {
   arguments.flag("--json", values->as_json, "print one JSON array with an object for each file (default: text)");
   arguments.explain(
       "Depth and colours are those of the loaded picture. Files that fail are reported on standard error and left out. In\n"
-      "JSON what is unknown is null.\n\n"
-      "Examples:\n"
+      "JSON what is unknown is null.",
       "  vorel info scan.tif\n"
       "  vorel info a.bmp b.png --json\n"
       "  vorel info - < scan.bmp");

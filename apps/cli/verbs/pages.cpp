@@ -2,10 +2,11 @@
 #include <fmt/format.h>
 #include <numeric>
 #include <ostream>
+#include <span>
 #include <vector>
 
+#include "cli/page_work.h"
 #include "cli/progress.h"
-#include "cli/verbs/transform.h"
 
 namespace vorel::cli {
 namespace {
@@ -17,13 +18,24 @@ ExitCode count(const std::vector<std::string>& files, const Streams& streams) {
   });
 }
 
+void put_all(std::span<const Source> sources, const Target& target, Progress& progress) {
+  target.write([&](const Target::Put& put) {
+    for (const Source& source : sources)
+      for (size_t i = 0; i < source.size(); ++i) {
+        progress.step();
+        Page page = source.load(i);
+        put(page);
+      }
+  });
+}
+
 ExitCode split(const std::string& in, const std::string& out, SavingOptions options, const Streams& streams) {
   options.numbered = true;
   Target target(out, options, streams);
   const Source source(in, "", streams);
   target.open(source.size(), {&source});
-  write_changed(
-      source, target, [](programs::Picture picture) { return picture; }, streams);
+  Progress progress(streams, "page", static_cast<int>(source.size()));
+  put_all({&source, 1}, target, progress);
   return ExitCode::kDone;
 }
 
@@ -43,13 +55,7 @@ ExitCode join(std::vector<std::string> files, const SavingOptions& options, cons
       std::accumulate(sources.begin(), sources.end(), size_t{0}, [](size_t sum, const Source& s) { return sum + s.size(); });
   target.open(total, {});
   Progress progress(streams, "page", static_cast<int>(total));
-  target.write([&](const Target::Put& put) {
-    for (const Source& source : sources)
-      for (size_t i = 0; i < source.size(); ++i) {
-        progress.step();
-        put(source.load(i));
-      }
-  });
+  put_all(sources, target, progress);
   return ExitCode::kDone;
 }
 
@@ -61,8 +67,7 @@ struct Values {
 
 Action declare(Arguments& arguments) {
   arguments.explain(
-      "TIFF, DCX and GIF files and colour fax page sets have pages; any other picture file counts as one page.\n\n"
-      "Examples:\n"
+      "TIFF, DCX and GIF files and colour fax page sets have pages; any other picture file counts as one page.",
       "  vorel pages count fax.tif\n"
       "  vorel pages split fax.tif page.png        (makes page-1.png, page-2.png, ...)\n"
       "  vorel pages join cover.bmp fax.tif all.tif --compression g4");
@@ -73,11 +78,11 @@ Action declare(Arguments& arguments) {
   Arguments splitting = arguments.verb("split", "Write each page of IN as a file of its own.");
   splitting.required("IN", values->input, "the file to read; - is standard input");
   splitting.required("OUT", values->output, "name of the files to write; each gets -1, -2, ... before its ending");
-  splitting.explain("Example:\n  vorel pages split fax.tif page.png");
+  splitting.explain("", "  vorel pages split fax.tif page.png");
 
   Arguments joining = arguments.verb("join", "Write all pages of several files as one TIFF or DCX file.");
   joining.one_or_more("FILE", values->files, "the files to read, in order, and last the file OUT to write");
-  joining.explain("Example:\n  vorel pages join cover.bmp fax.tif all.tif --compression g4");
+  joining.explain("", "  vorel pages join cover.bmp fax.tif all.tif --compression g4");
 
   // The two write with the same options; only the one that is used fills them in.
   values->saving.declare(splitting, false);

@@ -4,9 +4,9 @@
 #include <limits>
 #include <ostream>
 
+#include "cli/page_work.h"
 #include "cli/printing.h"
 #include "cli/progress.h"
-#include "cli/verbs/transform.h"
 
 namespace vorel::cli {
 namespace {
@@ -110,8 +110,7 @@ Action declare(Arguments& arguments) {
   arguments.exclude("--printer-dpi", "--image-dpi");
   arguments.explain(
       "All pages of all files are one document; each begins a sheet. Pictures without a resolution are printed with one\n"
-      "dot for each pixel. Nothing is printed if a file cannot be read. No window opens. Needs the Windows build.\n\n"
-      "Examples:\n"
+      "dot for each pixel. Nothing is printed if a file cannot be read. No window opens.",
       "  vorel print scan.tif\n"
       "  vorel print cover.png fax.tif --fit --center both --printer \"Office Laser\" --copies 2");
   return [values](const Streams& streams) { return print(*values, streams); };
@@ -119,6 +118,6 @@ Action declare(Arguments& arguments) {
 
 }  // namespace
 
-const Verb kPrint{"print", "Print pictures without asking (Windows build only).", declare};
+const Verb kPrint{"print", "Print pictures without asking.", declare, true};
 
 }  // namespace vorel::cli

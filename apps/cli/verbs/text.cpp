@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "cli/verbs/transform.h"
+#include "cli/page_work.h"
 #include "common/platform.h"
 
 namespace vorel::cli {
@@ -52,18 +52,17 @@ ExitCode draw(const Values& values, const Streams& streams) {
     programs::require_drawing("text");
     check_length(input);
     target.write([&](const Target::Put& put) {
-      put({input.label(), drawn_text(input.file().usable_name(), values.is_oem)});
+      Page page{input.label(), drawn_text(input.file().usable_name(), values.is_oem)};
+      put(page);
     });
   });
   return ExitCode::kDone;
 }
 
 Action declare(Arguments& arguments) {
-  arguments.explain(
-      "Black on white in the system's font, as large as the text takes. On Windows alone.\n\n"
-      "Examples:\n"
-      "  vorel text notes.txt notes.png\n"
-      "  vorel text old.txt old.tif --oem");
+  arguments.explain("Black on white in the system's font, as large as the text takes. ",
+                    "  vorel text notes.txt notes.png\n"
+                    "  vorel text old.txt old.tif --oem");
   const auto values = std::make_shared<Values>();
   arguments.required("IN", values->input, "the text file to read; - is standard input");
   declare_output(arguments, values->output);
@@ -74,6 +73,6 @@ Action declare(Arguments& arguments) {
 
 }  // namespace
 
-const Verb kText{"text", "Draw a text file as a picture.", declare};
+const Verb kText{"text", "Draw a text file as a picture.", declare, true};
 
 }  // namespace vorel::cli

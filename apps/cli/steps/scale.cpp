@@ -1,10 +1,12 @@
-// vorel scale: another number of pixels.
+// The step scale: another number of pixels.
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <memory>
 
 #include "cli/extent.h"
-#include "cli/verbs/transform.h"
+#include "cli/step.h"
+#include "common/problem.h"
 
 namespace vorel::cli {
 namespace {
@@ -12,7 +14,10 @@ namespace {
 using programs::Picture;
 using programs::Resampling;
 
-const std::vector<std::string> kMethods = {"linear", "cubic", "nearest"};  // in the order of programs::Resampling
+const std::vector<std::string>& methods() {  // in the order of programs::Resampling
+  static const std::vector<std::string> words = {"linear", "cubic", "nearest"};
+  return words;
+}
 
 struct Options {
   std::string size, dpi, method = "linear";
@@ -53,39 +58,31 @@ Size result_size(const Picture& picture, const Options& options) {
 }
 
 Picture scaled(Picture picture, const Options& options) {
-  const auto resampling = static_cast<Resampling>(std::ranges::find(kMethods, options.method) - kMethods.begin());
+  const auto resampling = static_cast<Resampling>(std::ranges::find(methods(), options.method) - methods().begin());
   const DibHeader before = picture.header();
   const Size size = result_size(picture, options);
   Picture result = programs::scaled(std::move(picture), size, resampling);
   if (options.keep_dpi) result.set_resolution(before.x_per_metre, before.y_per_metre);
-  if (!options.dpi.empty()) {
-    const Size dpi = parse_dpi(options.dpi);
-    result.set_resolution(per_metre(dpi.width), per_metre(dpi.height));
-  }
+  if (!options.dpi.empty()) state_dpi(result, options.dpi);
   return result;
 }
 
-void check(const Options& options) {
-  const auto refuse = [](const char* text) { throw Failure(ExitCode::kWrongUse, "scale", text); };
-  if (options.size.empty() == options.dpi.empty()) refuse("it takes either SIZE or --dpi; give one of them");
-  if (options.fit && (options.size.empty() || parse_percent(options.size)))
-    refuse("a percentage or a resolution keeps the proportions anyway; leave --fit out");
+std::string flaw_of(const Options& options) {
+  if (options.size.empty() == options.dpi.empty()) return "it takes either SIZE or --dpi; give one of them";
+  const bool is_in_proportion = options.size.empty() || parse_percent(options.size);
+  return options.fit && is_in_proportion ? "a percentage or a resolution keeps the proportions anyway; leave --fit out" : "";
 }
 
-Action declare(Arguments& arguments) {
+Change declare(Arguments& arguments) {
   arguments.explain(
       "linear mixes two neighbours each way, cubic four, which is sharper; below 24 bits per pixel the mixture becomes\n"
       "the nearest colour of the table. nearest mixes nothing, and neither does 1 bit per pixel. The size on paper stays:\n"
-      "the resolution changes with the pixels, unless --keep-dpi is given. OUT has the format that its ending names; see\n"
-      "\"vorel convert --help\".\n\n"
-      "Examples:\n"
+      "the resolution changes with the pixels, unless --keep-dpi is given.",
       "  vorel scale photo.jpg half.jpg 50%\n"
       "  vorel scale photo.jpg thumb.png 160x120 --fit --method cubic\n"
       "  vorel scale page.tif screen.bmp 1024x768\n"
       "  vorel scale fax.tif square.tif --dpi 200");
   const auto options = std::make_shared<Options>();
-  const Action action =
-      declare_transform(arguments, [options](Picture picture) { return scaled(std::move(picture), *options); });
   arguments.optional("SIZE", options->size, "WIDTHxHEIGHT in pixels, or a percentage of both sides, like 50%",
                      extent_or_percent_is_wrong);
   arguments.option("--dpi", options->dpi, "N|XxY", "in place of SIZE: as many pixels as this resolution asks for",
@@ -93,15 +90,13 @@ Action declare(Arguments& arguments) {
   arguments.flag("--fit", options->fit, "keep the proportions: OUT is as large as fits into SIZE");
   arguments.flag("--keep-dpi", options->keep_dpi, "state the resolution of IN: the size on paper changes");
   arguments.exclude("--keep-dpi", "--dpi");
-  arguments.option("--method", options->method, "METHOD", "linear, cubic or nearest (default: linear)", one_of(kMethods));
-  return [options, action](const Streams& streams) {
-    check(*options);
-    return action(streams);
-  };
+  arguments.option("--method", options->method, "METHOD", "linear, cubic or nearest (default: linear)", one_of(methods()));
+  arguments.check_together([options] { return flaw_of(*options); });
+  return changes_picture([options](Picture picture) { return scaled(std::move(picture), *options); });
 }
 
 }  // namespace
 
-const Verb kScale{"scale", "Make a picture larger or smaller.", declare};
+const Step kScale{"scale", "Make a picture larger or smaller.", declare};
 
 }  // namespace vorel::cli

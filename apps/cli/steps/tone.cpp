@@ -1,8 +1,9 @@
-// vorel tone and vorel lut: brightness and contrast, in percent and by a lookup table.
+// The steps tone and lut: brightness and contrast, in percent and by a lookup table.
+#include <memory>
 #include <optional>
 
 #include "cli/extent.h"
-#include "cli/verbs/transform.h"
+#include "cli/step.h"
 
 namespace vorel::cli {
 namespace {
@@ -15,22 +16,17 @@ struct Percentages {
   int brightness = 0, contrast = 0;
 };
 
-Action declare_tone(Arguments& arguments) {
+Change declare_tone(Arguments& arguments) {
   arguments.explain(
       "Brightness comes first, contrast turns about the middle grey. Up to 8 bits per pixel the colour table changes and\n"
-      "the pixels stay. IN has more than 1 bit per pixel. OUT has the format that its ending names; see \"vorel "
-      "convert\n"
-      "--help\".\n\n"
-      "Examples:\n"
+      "the pixels stay. IN has more than 1 bit per pixel.",
       "  vorel tone photo.jpg brighter.jpg --brightness 20\n"
       "  vorel tone scan.png crisp.png --brightness -5 --contrast 40");
   const auto percent = std::make_shared<Percentages>();
-  const Action action = declare_transform(arguments, [percent](Picture picture) {
-    return programs::toned(std::move(picture), percent->brightness, percent->contrast);
-  });
   arguments.option("--brightness", percent->brightness, "P", "percent, -100 to 100 (default: 0)", {-100, 100});
   arguments.option("--contrast", percent->contrast, "P", "percent, -100 to 100 (default: 0)", {-100, 100});
-  return action;
+  return changes_picture(
+      [percent](Picture picture) { return programs::toned(std::move(picture), percent->brightness, percent->contrast); });
 }
 
 // ---- lut ----
@@ -45,29 +41,23 @@ Picture looked_up(Picture picture, const Levels& levels) {
   return programs::looked_up(std::move(picture), levels.brightness, levels.contrast, square);
 }
 
-Action declare_lut(Arguments& arguments) {
+Change declare_lut(Arguments& arguments) {
   arguments.explain(
-      "Level i of 0 to 255 becomes i + C * (i - mean) / 255 + B. The mean is that of the pixels in a square of 256 x 256 "
-      "at\n"
-      "X,Y, or 128. The result is grey. IN may have 8 bits per pixel. OUT has the format that its ending names; see "
-      "\"vorel\n"
-      "convert --help\".\n\n"
-      "Examples:\n"
+      "Level i of 0 to 255 becomes i + C * (i - mean) / 255 + B. The mean is that of the pixels in a square of 256 x 256\n"
+      "at X,Y, or 128. The result is grey. IN has 8 bits per pixel.",
       "  vorel lut scan.png crisp.png --contrast 120 --square 400,300\n"
       "  vorel lut scan.png darker.png --brightness -30");
   const auto levels = std::make_shared<Levels>();
-  const Action action =
-      declare_transform(arguments, [levels](Picture picture) { return looked_up(std::move(picture), *levels); });
   arguments.option("--brightness", levels->brightness, "B", "levels to add (default: 0)");
   arguments.option("--contrast", levels->contrast, "C", "0 changes nothing, -255 leaves one grey (default: 0)");
   arguments.option("--square", levels->square, "X,Y", "where the mean is taken: its left upper corner (default: none)",
                    position_is_wrong);
-  return action;
+  return changes_picture([levels](Picture picture) { return looked_up(std::move(picture), *levels); });
 }
 
 }  // namespace
 
-const Verb kTone{"tone", "Change brightness and contrast, in percent.", declare_tone};
-const Verb kLut{"lut", "Change brightness and contrast of greys by a lookup table.", declare_lut};
+const Step kTone{"tone", "Change brightness and contrast, in percent.", declare_tone};
+const Step kLut{"lut", "Change brightness and contrast of greys by a lookup table.", declare_lut};
 
 }  // namespace vorel::cli

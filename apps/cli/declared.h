@@ -1,0 +1,36 @@
+// What a verb or a step was declared to take. Completion, the manual page and suggestions are made from it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vorel::cli {
+
+struct Argument {
+  enum class Kind { kPositional, kOption, kFlag };
+  Kind kind;
+  std::string name;                // options with their dashes
+  std::string value;               // of an option, as help shows it
+  std::string help;                // what it means
+  std::vector<std::string> words;  // all that it may be; empty for anything
+  bool is_required = false;
+  bool repeats = false;
+
+  bool names_file() const;
+};
+
+struct Declared {
+  std::string name, purpose;
+  std::string group;     // heading in the list of verbs
+  std::string details;   // paragraphs
+  std::string examples;  // lines
+  std::vector<Argument> arguments;
+  std::vector<std::unique_ptr<Declared>> verbs;  // nested ones
+  std::function<std::string()> check_together;   // what is wrong with the values together, "" for nothing
+
+  const Declared* verb(const std::string& verb_name) const;  // null if there is none
+};
+
+}  // namespace vorel::cli

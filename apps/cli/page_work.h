@@ -1,0 +1,37 @@
+// What all verbs have in common that read IN, change its pages and write OUT.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "cli/pages.h"
+#include "cli/verb.h"
+
+namespace vorel::cli {
+
+// IN and OUT.
+void declare_input(Arguments& arguments, std::string& input);
+void declare_output(Arguments& arguments, std::string& output);
+
+// The option that states a resolution.
+void declare_dpi(Arguments& arguments, std::string& dpi);
+
+class PageWork {
+ public:
+  // Values by their place that are declared between the two come behind IN and OUT.
+  void declare_files(Arguments& arguments);
+  enum class Reports { kNever, kOnRequest };  // whether the work can be tried, and told as JSON
+  void declare_options(Arguments& arguments, Reports reports);
+
+  // One page is in memory at a time. Sentences that the steps tell go to standard output, losses to the errors. Throws Failure.
+  ExitCode run(const Change& change, const Streams& streams) const;
+
+ private:
+  void give_report(const std::vector<Page>& told, const Streams& streams) const;
+
+  std::string input_, output_, pages_;
+  bool is_trial_ = false, as_json_ = false;
+  SavingOptions saving_;
+};
+
+}  // namespace vorel::cli

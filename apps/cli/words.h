@@ -1,0 +1,29 @@
+// Words as people type them: split, quoted, and compared.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vorel::cli {
+
+// The steps of a chain: words between bars and line ends. Quotes work as in a shell; a backslash protects a quote, a blank, a bar,
+// a hash and itself, and is an ordinary character otherwise. A hash at the start of a word begins a comment.
+struct Piece {
+  enum class Kind { kWord, kBar, kLineEnd } kind;
+  std::string text;
+};
+// Empty if a quotation does not end.
+std::optional<std::vector<Piece>> pieces_of(const std::string& text);
+
+// A word in the spelling that pieces_of() takes back.
+std::string quoted(const std::string& word);
+
+// The known word that somebody may have meant. Empty if none is similar.
+std::string nearest_word(const std::string& typed, const std::vector<std::string>& known);
+
+// "; did you mean "x"?" or nothing.
+std::string suggestion(const std::string& typed, const std::vector<std::string>& known);
+
+}  // namespace vorel::cli
