@@ -108,7 +108,7 @@ void Arguments::option(const std::string& name, int& value, const std::string& s
 }
 
 void Arguments::flag(const std::string& name, bool& value, const std::string& help) {
-  app_->add_flag(name, value, help);
+  app_->add_flag(name, value, help)->disable_flag_override();
   declared_->arguments.push_back({Kind::kFlag, name, "", help, {}});
 }
 
