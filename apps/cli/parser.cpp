@@ -51,6 +51,7 @@ std::string missing_arguments(const CLI::App& app, const Declared& declared) {
 // Which option a message of the parser is about.
 const Argument* argument_in(const std::string& message, const Declared& declared) {
   const auto found = std::ranges::find_if(declared.arguments, [&](const Argument& argument) {
+    if (argument.kind == Kind::kFlag && message.starts_with(argument.name.substr(2) + " ")) return true;
     return message.starts_with(argument.name + " ") || message.starts_with(argument.name + ":") ||
            message.find(" " + argument.name + " ") != std::string::npos || message.ends_with(" " + argument.name);
   });
