@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the missing packages that building, testing and the demo need on Debian 12, then builds the codecs of the Windows build
 # (get-codecs.sh). Prints what it installs before it does, asks no questions, and can be run again at any time.
+# usage: setup.sh [--cluster]   (with what demo-cluster.sh needs besides)
 set -euo pipefail
 
 NATIVE=(build-essential cmake ninja-build ccache pkg-config
@@ -12,6 +13,8 @@ PICTURES=(libtiff-tools netpbm python3-pil giflib-tools libwmf-bin emf2svg libue
 PAPER=(ghostscript)  # makes pictures of what was printed
 PYTHON=(python3-dev python3-pip python3-venv python3-setuptools python3-wheel pybind11-dev python3-numpy python3-pytest)
 WINE=(wine wine32:i386)
+CLUSTER=()
+[ "${1:-}" != --cluster ] || CLUSTER=(python3-distributed slurm-wlm munge parallel bc)  # for demo-cluster.sh
 
 say() { printf 'setup: %s\n' "$*"; }
 
@@ -67,7 +70,7 @@ install_packages() {
 
 main() {
   local wanted
-  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${WINE[@]}")
+  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${CLUSTER[@]}" "${WINE[@]}")
   if [ "${#wanted[@]}" -gt 0 ]; then
     say "installing ${wanted[*]}"
     [ -z "$(missing "${WINE[@]}")" ] || say "with 32-bit Wine, which runs the Windows build, that is about 600 MB"

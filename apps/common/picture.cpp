@@ -99,7 +99,12 @@ HGLOBAL Picture::release() {
   return block_.release();
 }
 
-void Picture::write_header() { vorel::write_header(bytes(), header_); }
+void Picture::write_header() {
+  const DibHeader header = header_;
+  if (is_lent()) *this = copy();
+  header_ = header;
+  vorel::write_header(bytes(), header_);
+}
 
 void Picture::set_resolution(int x_per_metre, int y_per_metre) {
   header_.x_per_metre = x_per_metre;

@@ -11,6 +11,7 @@ namespace vorel::python {
 
 // Each adds its part to the module.
 void bind_picture(pybind11::module_& module);
+void bind_chain(pybind11::module_& module);
 void bind_operations(pybind11::module_& module);
 void bind_files(pybind11::module_& module);
 

@@ -3,29 +3,31 @@
 #include <system_error>
 
 #include "bindings.h"
+#include "cli/failure.h"
 #include "common/problem.h"
 
 namespace vorel::python {
 namespace {
 
 namespace py = pybind11;
-using programs::Fault;
 using programs::Problem;
 
-const char* class_for(Fault fault) {
-  switch (fault) {
-    case Fault::kWrongUse: return "UsageError";
-    case Fault::kInput: return "InputError";
-    case Fault::kFormat: return "FormatError";
-    case Fault::kOutput: return "OutputError";
-    case Fault::kLimit: return "LimitError";
-    case Fault::kModule: return "CodecError";
+using cli::ExitCode;
+
+const char* class_for(ExitCode code) {
+  switch (code) {
+    case ExitCode::kWrongUse: return "UsageError";
+    case ExitCode::kInput: return "InputError";
+    case ExitCode::kFormat: return "FormatError";
+    case ExitCode::kOutput: return "OutputError";
+    case ExitCode::kLimit: return "LimitError";
+    case ExitCode::kModule: return "CodecError";
+    default: return "Error";
   }
-  return "Error";
 }
 
-void raise(Fault fault, const char* text) {
-  const py::object kind = py::module_::import("vorel32._errors").attr(class_for(fault));
+void raise(ExitCode code, const char* text) {
+  const py::object kind = py::module_::import("vorel32._errors").attr(class_for(code));
   const py::object error = kind(text, py::none(), py::none(), ImgError());
   PyErr_SetObject(kind.ptr(), error.ptr());
 }
@@ -33,11 +35,13 @@ void raise(Fault fault, const char* text) {
 void translate(std::exception_ptr pointer) try {
   if (pointer) std::rethrow_exception(pointer);
 } catch (const Problem& problem) {
-  raise(problem.fault(), problem.what());
+  raise(cli::code_for(problem.fault()), problem.what());
+} catch (const cli::Failure& failure) {
+  raise(failure.code(), failure.what());
 } catch (const std::bad_alloc&) {
-  raise(Fault::kLimit, "there is not enough memory; close programs or use a smaller picture");
+  raise(ExitCode::kLimit, "there is not enough memory; close programs or use a smaller picture");
 } catch (const std::system_error& error) {
-  raise(Fault::kInput, error.what());
+  raise(ExitCode::kInput, error.what());
 }
 
 }  // namespace
@@ -47,6 +51,7 @@ PYBIND11_MODULE(_vorel32, module) {
   bind_picture(module);
   bind_operations(module);
   bind_files(module);
+  bind_chain(module);
 }
 
 }  // namespace vorel::python

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import functools
 import os
 from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Sequence
 
@@ -36,17 +37,22 @@ class Image:
     <vorel32.Image 1700 x 2200, 1 bit, 200 dpi, from scan.tif, page 1>
     """
 
-    __slots__ = ("_picture", "_readonly", "file", "page", "__weakref__")
+    __slots__ = ("_picture", "_readonly", "file", "page", "reports", "losses", "__weakref__")
 
     #: The file that the picture was loaded from, for messages; None if it came from none.
     file: str | None
     #: Its page there.
     page: int | None
+    #: What the steps of `run` told of the picture, a dict for each: the step's name under "step", and its facts.
+    reports: Sequence[dict[str, Any]]
+    #: What those steps lost besides what was asked for.
+    losses: Sequence[str]
 
     def __init__(self, picture: _vorel32.Picture, file: str | None = None, page: int | None = None, readonly: bool = False) -> None:
         self._picture: Any = picture
         self._readonly = readonly
         self.file, self.page = file, page
+        self.reports = self.losses = ()
 
     # ---- Making ----
 
@@ -381,6 +387,32 @@ class Image:
 
     # ---- Operations ----
 
+    def run(self, steps: str) -> Image | None:
+        """Runs steps in the form that `vorel run` takes, with the picture in memory between them. None if a step drops the page.
+
+        >>> page = Image.open("scan.tif").run("clean 60 | rotate -90 | scale 50%")
+        >>> page.size, [report["step"] for report in page.reports]
+        ((1100, 850), ['clean', 'rotate', 'scale'])
+        """
+        try:
+            picture, reports, losses = _chain(steps).apply(self.picture, self.file or "picture")
+        except Error as error:
+            raise error.about(self.file, self.page)
+        if picture is None:
+            return None
+        image = Image(picture, self.file, self.page)
+        image.reports, image.losses = reports, losses
+        return image
+
+    @staticmethod
+    def check_steps(steps: str) -> str:
+        """The same steps in one spelling. Raises UsageError for what `run` does not take.
+
+        >>> Image.check_steps("clean  60|scale '50%'")
+        'clean 60 | scale 50%'
+        """
+        return _chain(steps).text
+
     def _made(self, operation: Callable[..., Any], *arguments: object) -> Image:
         try:
             return Image(operation(self._picture, *arguments), self.file, self.page)
@@ -572,6 +604,11 @@ class Image:
         (150.0, 150.0)
         """
         return Image(self.picture.with_resolution(*_per_metre(dpi)), self.file, self.page)
+
+
+@functools.lru_cache(maxsize=64)
+def _chain(steps: str) -> Any:
+    return _vorel32.Chain(steps)
 
 
 def _restored(content: bytes, file: str | None, page: int | None, readonly: bool) -> Image:

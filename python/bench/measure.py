@@ -1,0 +1,144 @@
+"""Measures the package and prints tables: calls, arrays, a chain on an A4 page beside Pillow and OpenCV, threads and workers.
+
+usage: measure.py [calls] [arrays] [chain] [threads] [workers]   (default: all; the package is installed, and cc is there for calls)
+"""
+
+import os
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+import numpy as np
+import vorel32
+from pages import a4_page, make_pages
+from vorel32 import Image
+
+HERE = Path(__file__).resolve().parent
+
+
+def best(work, repeats=5, loops=1):
+    """The shortest time of one loop, in seconds."""
+    times = []
+    for _ in range(repeats):
+        start = time.perf_counter()
+        for _ in range(loops):
+            work()
+        times.append((time.perf_counter() - start) / loops)
+    return min(times)
+
+
+def calls():
+    package = Path(vorel32.__file__).parent
+    with tempfile.TemporaryDirectory() as folder:
+        program = Path(folder) / "calls"
+        command = ["cc", "-O2", "-std=gnu11", HERE / "calls.c", "-I", HERE.parent.parent / "include", package / "libvorel32.so.5"]
+        subprocess.run([*command, f"-Wl,-rpath,{package}", "-o", program], check=True)
+        lines = subprocess.run([program], check=True, capture_output=True, text=True).stdout.split("\n")
+    native = {name: int(nanoseconds) / 1000 for name, nanoseconds in (line.split() for line in lines if line)}
+    picture = Image.new(8, 8)
+    same = {"rotate": lambda: picture.rotate(90), "mirror": lambda: picture.mirror(),
+            "scale": lambda: picture.scale((4, 4)), "gray": lambda: picture.gray()}  # fmt: skip
+    print("| call on 8 x 8 pixels | C, µs | Python, µs | more, µs |\n|---|---|---|---|")
+    for name, work in same.items():
+        took = best(work, 5, 20000) * 1e6
+        print(f"| {name} | {native[name]:.2f} | {took:.2f} | {took - native[name]:.2f} |")
+
+
+def arrays():
+    picture = Image.from_array(a4_page())
+    pixels = np.asarray(picture)
+    print("| A4, 300 dpi, 24 bits (26 MB) | µs |\n|---|---|")
+    print(f"| numpy.asarray(image), no copy | {best(lambda: np.asarray(picture), 5, 5000) * 1e6:.1f} |")
+    print(f"| Image.from_array of such an array, no copy | {best(lambda: Image.from_array(pixels, copy=False), 5, 2000) * 1e6:.1f} |")
+    print(f"| Image.from_array of another array, a copy | {best(lambda: Image.from_array(pixels, copy=True), 5, 5) * 1e6:.0f} |")
+
+
+def chain():
+    import cv2
+    import PIL.Image
+    import PIL.ImageFilter
+
+    cv2.setNumThreads(1)
+    pixels = a4_page()
+    ours, theirs = Image.from_array(pixels), PIL.Image.fromarray(pixels)
+    kernel = PIL.ImageFilter.Kernel((3, 3), [1] * 9)
+    steps = {
+        "grey": (lambda p: p.gray(weighted=True), lambda p: p.convert("L"), lambda a: cv2.cvtColor(a, cv2.COLOR_BGR2GRAY)),
+        "quarter turn": (lambda p: p.rotate(90), lambda p: p.transpose(PIL.Image.Transpose.ROTATE_270),
+                         lambda a: cv2.rotate(a, cv2.ROTATE_90_CLOCKWISE)),
+        "mean of 3 x 3": (lambda p: p.filter("box"), lambda p: p.filter(kernel), lambda a: cv2.blur(a, (3, 3))),
+        "half size, bilinear": (lambda p: p.scale(0.5, method="linear"),
+                                lambda p: p.resize((p.width // 2, p.height // 2), PIL.Image.Resampling.BILINEAR),
+                                lambda a: cv2.resize(a, None, fx=0.5, fy=0.5, interpolation=cv2.INTER_LINEAR)),
+        "threshold to 1 bit": (lambda p: p.halftone("threshold"), lambda p: p.convert("1", dither=PIL.Image.Dither.NONE),
+                               lambda a: np.packbits(cv2.threshold(a, 127, 1, cv2.THRESH_BINARY)[1], axis=1)),
+    }  # fmt: skip
+
+    def run(which, picture):
+        for step in steps.values():
+            picture = step[which](picture)
+        return picture
+
+    print("| A4, 300 dpi, 24 bits | vorel32, ms | Pillow, ms | OpenCV, ms |\n|---|---|---|---|")
+    inputs = [ours, theirs, pixels]
+    for name, step in steps.items():
+        print(f"| {name} |" + "".join(f" {best(lambda s=s, p=p: s(p)) * 1e3:.1f} |" for s, p in zip(step, inputs)))
+        inputs = [s(p) for s, p in zip(step, inputs)]
+    print("| the chain |" + "".join(f" {best(lambda w=w, p=p: run(w, p)) * 1e3:.1f} |" for w, p in enumerate([ours, theirs, pixels])))
+
+
+STEPS = "clean 60 | rotate 90 | scale 50%"
+
+
+def rate(work, pages, runs=3):
+    return pages / statistics.median(best(work, 1) for _ in range(runs))
+
+
+def show_rates(title, rates):
+    print(f"| {title} | pages per second | times |\n|---|---|---|")
+    for count, pages in rates.items():
+        print(f"| {count} | {pages:.0f} | {pages / rates[1]:.2f} |")
+
+
+def threads():
+    from vorel32.cluster import process
+
+    with tempfile.TemporaryDirectory() as folder:
+        paths = make_pages(folder, 200)
+
+        def page(path):
+            image = vorel32.open(path).run(STEPS)
+            image.save(os.path.join(folder, "out-" + os.path.basename(path)), compression="g4")
+
+        def all_pages(count):
+            with ThreadPoolExecutor(count) as pool:
+                list(pool.map(page, paths))
+
+        show_rates("threads in one process", {count: rate(lambda: all_pages(count), len(paths)) for count in (1, 2)})
+        here = rate(lambda: list(process(paths, STEPS, os.path.join(folder, "here"))), len(paths))
+        print(f"\n`process` without a cluster: {here:.0f} pages per second")
+
+
+def workers():
+    from distributed import Client, LocalCluster
+    from vorel32.cluster import process
+
+    rates = {}
+    with tempfile.TemporaryDirectory() as folder:
+        paths = make_pages(folder, 600)
+        for count in (1, 2):
+            with LocalCluster(n_workers=count, threads_per_worker=1, processes=True, dashboard_address=None) as cluster, Client(cluster) as client:
+                list(process(paths[:50], STEPS, os.path.join(folder, f"warm{count}"), client=client))
+                rates[count] = rate(lambda: list(process(paths, STEPS, os.path.join(folder, f"out{count}"), client=client)), len(paths))
+    show_rates("Dask workers", rates)
+
+
+if __name__ == "__main__":
+    tables = {"calls": calls, "arrays": arrays, "chain": chain, "threads": threads, "workers": workers}
+    for name in sys.argv[1:] or tables:
+        tables[name]()
+        print()

@@ -1,0 +1,238 @@
+"""The same steps over many files, in this process or on a Dask cluster.
+
+>>> from vorel32.cluster import process
+>>> records = list(process(["scan.tif"], "clean 60 | scale 50%", "out", format="png"))
+>>> records[0].outputs
+['out/scan-1.png', 'out/scan-2.png']
+
+On a cluster, with a record for each file as soon as it is done::
+
+    from distributed import Client
+    with Client("tcp://scheduler:8786") as client:
+        for record in process(paths, "clean 60 | scale 50%", "/shared/out", client=client):
+            if record.failure:
+                print(record.path, record.failure)
+
+Workers need this package and see the files under the same paths. Outputs appear by rename, whole or not at all, under names that
+depend on the input alone: a file whose worker dies is processed again elsewhere and still is there once.
+"""
+
+from __future__ import annotations
+
+import itertools
+import os
+import shutil
+import socket
+import time
+import uuid
+from dataclasses import dataclass, field
+from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Union
+
+from ._errors import Error, InputError, LimitError, OutputError, UsageError
+from ._files import format_of
+from ._image import Image, pages, save_pages
+
+if TYPE_CHECKING:
+    from distributed import Client
+
+#: Steps as `Image.run` takes them, or a function of an image that makes an image. A cluster's workers must be able to import it.
+Steps = Union[str, Callable[[Image], Image]]
+
+_SEVERAL_PAGES = ("tiff", "dcx")
+
+
+@dataclass
+class Record:
+    """What became of a file."""
+
+    path: str
+    outputs: list[str] = field(default_factory=list)
+    pages: int = 0
+    steps: str = ""
+    seconds: float = 0.0
+    worker: str = ""
+    attempts: int = 1
+    #: Whether the outputs were there already, newer than the file, with resume=True.
+    skipped: bool = False
+    #: What went wrong; None if nothing did.
+    failure: str | None = None
+    #: Whether trying again may help, as after an error of a disk or a network.
+    is_passing: bool = False
+
+
+@dataclass
+class _Job:
+    """All that a worker needs besides the paths."""
+
+    steps: Steps
+    out: str
+    scratch: str
+    format: str
+    ending: str
+    compression: str | None
+    resume: bool
+
+    def target(self, path: str) -> str:
+        return os.path.join(self.out, f"{os.path.splitext(os.path.basename(path))[0]}.{self.ending}")
+
+    def apply(self, image: Image) -> Image:
+        return image.run(self.steps) if isinstance(self.steps, str) else self.steps(image)
+
+    def is_done(self, path: str, target: str) -> list[str]:
+        """The outputs of a file if they are newer than it. A file of several pages marks its end with its last page."""
+        try:
+            stem, ending = os.path.splitext(target)
+            found = [target] if os.path.exists(target) else []
+            if not found and self.format not in _SEVERAL_PAGES:
+                from ._image import count_pages
+
+                found = [f"{stem}-{page}{ending}" for page in range(1, count_pages(path) + 1)]
+            born = os.stat(path).st_mtime_ns
+            return found if found and all(os.stat(name).st_mtime_ns >= born for name in found) else []
+        except (OSError, Error):
+            return []
+
+    def run(self, path: str) -> Record:
+        started = time.perf_counter()
+        name = self.steps if isinstance(self.steps, str) else getattr(self.steps, "__name__", "function")
+        record = Record(path, steps=name, worker=f"{socket.gethostname()}:{os.getpid()}")
+        try:
+            self._process(path, record)
+        except Exception as error:  # noqa: BLE001 - a file that fails must not stop the others
+            record.failure = str(error) if isinstance(error, Error) else f"{path}: {type(error).__name__}: {error}"
+            record.outputs = []
+            record.is_passing = isinstance(error, (InputError, OutputError, LimitError, OSError)) and os.path.exists(path)
+        record.seconds = time.perf_counter() - started
+        return record
+
+    def _process(self, path: str, record: Record) -> None:
+        target = self.target(path)
+        if self.resume and (found := self.is_done(path, target)):
+            record.outputs, record.skipped = found, True
+            return
+        made = (self.apply(page) for page in pages(path))
+        if self.format in _SEVERAL_PAGES:
+            record.pages = self._put([(target, made)])
+            record.outputs = [target]
+            return
+        first = next(made)
+        second = next(made, None)
+        if second is None:
+            record.pages, record.outputs = self._put([(target, [first])]), [target]
+            return
+        stem, ending = os.path.splitext(target)
+        for number, page in enumerate(itertools.chain([first, second], made), 1):
+            record.outputs.append(f"{stem}-{number}{ending}")
+            record.pages += self._put([(record.outputs[-1], [page])])
+
+    def _put(self, files: list[tuple[str, Iterable[Image]]]) -> int:
+        count = 0
+        for target, images in files:
+            scratch = os.path.join(self.scratch, f"{uuid.uuid4().hex}-{os.path.basename(target)}")
+            os.makedirs(self.scratch, exist_ok=True)
+            count += save_pages(scratch, images, format=self.format, compression=self.compression)
+            os.replace(scratch, target)
+        return count
+
+
+def _run_all(job: _Job, paths: list[str]) -> list[Record]:
+    return [job.run(path) for path in paths]
+
+
+def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os.PathLike[str], *, client: Client | None = None,
+            format: str = "tiff", compression: str | None = None, resume: bool = False, retries: int = 2, batch: int = 8,
+            window: int = 4) -> Iterator[Record]:  # fmt: skip
+    """Processes all pages of files and yields a record for each file, in the order in which they are done.
+
+    steps        see Image.run; or a function of an image that makes an image
+    out          the folder for the outputs, which are named after their inputs. TIFF and DCX files get all pages of an input;
+                 other formats one each, numbered if there are several
+    client       of a Dask cluster; without one everything is done in this process
+    format       of the outputs, and compression, as for Image.save
+    resume       leaves out files whose outputs are there and newer
+    retries      how often a file is tried again when a disk, the network or memory fails, or its worker dies
+    batch        files to a task: more for small pages, which cost less than a task does
+    window       tasks for each thread of the cluster that wait or run at one time, so that memory does not grow with the files
+    """
+    files = [os.fspath(path) for path in paths]
+    word = format_of("", format)
+    ending = {"tiff": "tif", "jpeg": "jpg", "cals": "cal"}.get(word, word)
+    folder = os.path.abspath(out)
+    job = _Job(steps, folder, os.path.join(folder, f".vorel32-{uuid.uuid4().hex}"), word, ending, compression, resume)
+    taken: dict[str, str] = {}
+    for path in files:
+        other = taken.setdefault(job.target(path), path)
+        if other is not path:
+            raise UsageError(f"{other} would become the same file as this, {job.target(path)}; process them into two folders", path)
+        if os.path.abspath(path) == job.target(path):
+            raise UsageError("the output would replace the file itself; choose another folder", path)
+    if isinstance(steps, str):
+        Image.check_steps(steps)
+    return _here(job, files) if client is None else _on_cluster(job, files, client, retries, max(1, batch), max(1, window))
+
+
+def _prepare(job: _Job) -> None:
+    try:
+        os.makedirs(job.scratch)
+    except OSError as error:
+        raise OutputError(f"{error.strerror}; check the folder", job.out) from error
+
+
+def _here(job: _Job, files: list[str]) -> Iterator[Record]:
+    _prepare(job)
+    try:
+        for path in files:
+            yield job.run(path)
+    finally:
+        shutil.rmtree(job.scratch, ignore_errors=True)
+
+
+def _on_cluster(job: _Job, files: list[str], client: Client, retries: int, batch: int, window: int) -> Iterator[Record]:
+    from distributed import as_completed
+    from distributed.scheduler import KilledWorker
+
+    _prepare(job)
+    waiting: Any = (files[i : i + batch] for i in range(0, len(files), batch))
+    running: dict[str, list[str]] = {}
+    attempts: dict[str, int] = {}
+    counts = {"files": len(files), "done": 0, "failed": 0}
+    completed = as_completed(with_results=True, raise_errors=False)
+
+    def submit(paths: list[str]) -> None:
+        # The first part of the key is what the dashboard's progress bars count by.
+        future = client.submit(_run_all, job, paths, key=f"vorel32-{uuid.uuid4().hex}", pure=False, retries=0)
+        running[future.key] = paths
+        completed.add(future)
+
+    def again(path: str, limit: int) -> bool:
+        attempts[path] = attempts.get(path, 1) + 1
+        if attempts[path] > limit + 1:
+            return False
+        submit([path])
+        return True
+
+    def fill() -> None:
+        room = window * max(1, sum(client.nthreads().values())) - len(running)
+        for paths in itertools.islice(waiting, max(0, room)):
+            submit(paths)
+
+    try:
+        fill()
+        for future, result in completed:
+            paths = running.pop(future.key)
+            if future.status == "finished":
+                records = [r for r in result if not (r.failure and r.is_passing and again(r.path, retries))]
+            else:  # a worker died too often, or a task could not be sent; each file is tried alone to find the one at fault
+                error = result[1] if isinstance(result, tuple) else future.exception()
+                what = "its worker died" if isinstance(error, KilledWorker) else f"{type(error).__name__}: {error}"
+                records = [Record(p, failure=f"{p}: {what}") for p in paths if not again(p, retries if len(paths) == 1 else 1)]
+            future.release()
+            for record in records:
+                record.attempts = attempts.get(record.path, 1)
+                counts["failed" if record.failure else "done"] += 1
+            client.log_event("vorel32", dict(counts))
+            fill()
+            yield from records
+    finally:
+        client.cancel([future for future in completed.futures] if running else [])
+        shutil.rmtree(job.scratch, ignore_errors=True)
