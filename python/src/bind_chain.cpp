@@ -39,12 +39,22 @@ std::tuple<std::optional<Picture>, py::list, std::vector<std::string>> apply(con
   return {std::move(result), reports_of(page), page.losses};
 }
 
+// The picture alone.
+Picture make(const Chain& chain, const Picture& picture) {
+  return unlocked([&] {
+    Page page{.label = {}, .picture = picture.lent()};
+    chain.apply(page);
+    return made_own(std::move(page.picture));
+  });
+}
+
 }  // namespace
 
 void bind_chain(py::module_& module) {
   py::class_<Chain>(module, "Chain")
       .def(py::init(&Chain::parse))
       .def_property_readonly("text", &Chain::text)
+      .def("make", &make)
       .def("apply", &apply);
 }
 

@@ -5,10 +5,11 @@ from pathlib import Path
 
 import vorel32
 import vorel32._image
+import vorel32.cluster
 
 
 def test_docstrings(folder):
-    for module in (vorel32, vorel32._image):
+    for module in (vorel32, vorel32._image, vorel32.cluster):
         assert doctest.testmod(module).failed == 0
 
 

@@ -83,6 +83,21 @@ def test_operations_give_the_pixels_of_the_command_and_leave_their_picture_alone
     assert done > 15
 
 
+def test_steps_run_as_by_the_command(vorel, folder):
+    page = vorel32.open("scan.tif")
+    before = page.to_bytes("bmp")
+    steps = "clean 60 --gentle | rotate -3 --white | scale 50% | mirror vertical | dpi 300x200 | invert"
+    made = page.run(steps)
+    vorel("run", "scan.tif", "out.bmp", steps, "--page", "1")
+    assert made.to_bytes("bmp") == (folder / "out.bmp").read_bytes() and page.to_bytes("bmp") == before
+    assert page.run("dpi 100").dpi == (100, 100) and page.dpi == (200, 200)  # a change of the header alone
+    assert made.file == "scan.tif" and [report["step"] for report in made.reports][-1] == "invert"
+    with pytest.raises(vorel32.UsageError, match="did you mean"):
+        page.run("claen 60")
+    with pytest.raises(vorel32.FormatError, match='scan.tif, page 1: step 2, "tone"'):
+        page.run("clean 60 | tone --brightness 5")
+
+
 def test_top_down_bitmaps_stay_as_they_are_until_an_operation_turns_them(vorel, tmp_path):
     rows = bytes(range(1, 13))
     header = b"BM" + (66).to_bytes(4, "little") + bytes(4) + (54).to_bytes(4, "little")

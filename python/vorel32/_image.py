@@ -4,7 +4,8 @@ from __future__ import annotations
 
 import functools
 import os
-from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Sequence
+import shlex
+from typing import TYPE_CHECKING, Any, Iterable, Iterator, Sequence
 
 from . import _vorel32
 from ._errors import Error, FormatError, OutputError, UsageError
@@ -413,14 +414,11 @@ class Image:
         """
         return _chain(steps).text
 
-    def _made(self, operation: Callable[..., Any], *arguments: object) -> Image:
+    def _stepped(self, *words: object) -> Image:
         try:
-            return Image(operation(self._picture, *arguments), self.file, self.page)
+            return Image(_step(*words).make(self.picture), self.file, self.page)
         except Error as error:
             raise error.about(self.file, self.page)
-        except TypeError:
-            self.picture  # noqa: B018 - tells that the image is closed, if that is the reason
-            raise
 
     def rotate(self, degrees: int, *, white: bool = False) -> Image:
         """Turns clockwise by whole degrees. Quarter turns keep every pixel; other turns pick the nearest and make the picture
@@ -429,7 +427,7 @@ class Image:
         >>> Image.open("scan.tif").rotate(90).size
         (2200, 1700)
         """
-        return self._made(_vorel32.rotate, degrees, white)
+        return self._stepped("rotate", degrees, "--white" if white else None)
 
     def mirror(self, direction: str = "horizontal") -> Image:
         """Exchanges left and right ("horizontal") or top and bottom ("vertical").
@@ -437,7 +435,7 @@ class Image:
         >>> Image.open("photo.png").mirror("vertical").size
         (640, 480)
         """
-        return self._made(_vorel32.mirror, direction)
+        return self._stepped("mirror", direction)
 
     def skew(self, direction: str, pixels: int, *, white: bool = False) -> Image:
         """Shears. "horizontal" moves rows right, the upper ones most, "vertical" columns up, the right ones most; negative
@@ -446,7 +444,7 @@ class Image:
         >>> Image.open("photo.png").skew("horizontal", 40).size
         (680, 480)
         """
-        return self._made(_vorel32.skew, direction, pixels, white)
+        return self._stepped("skew", direction, pixels, "--white" if white else None)
 
     def scale(self, size: float | tuple[int, int] | None = None, *, dpi: float | tuple[float, float] | None = None,
               fit: bool = False, keep_dpi: bool = False, method: str = "linear") -> Image:  # fmt: skip
@@ -465,26 +463,16 @@ class Image:
         >>> Image.open("scan.tif").scale(dpi=100).dpi
         (100.0, 100.0)
         """
-        if (size is None) == (dpi is None):
-            raise UsageError("scale takes either size or dpi; give one of them", self.file, self.page)
-        width, height = self.size
-        before = self.picture.per_metre
-        after = before if keep_dpi else None
+        asked: list[object] = []
+        if isinstance(size, (tuple, list)):
+            asked.append(f"{size[0]}x{size[1]}")
+        elif size is not None:
+            asked.append(f"{size * 100:.12g}%")
         if dpi is not None:
-            if min(before) <= 0:
-                raise FormatError("the picture does not state its resolution; give size", self.file, self.page)
             x, y = dpi if isinstance(dpi, (tuple, list)) else (dpi, dpi)
-            after = _per_metre((x, y))
-            wanted = (width * x * _INCHES_PER_METRE / before[0], height * y * _INCHES_PER_METRE / before[1])
-        elif isinstance(size, (tuple, list)):
-            wanted = (size[0], size[1])
-            if fit:
-                factor = min(size[0] / width, size[1] / height)
-                wanted = (width * factor, height * factor)
-        else:
-            wanted = (width * size, height * size)
-        image = self._made(_vorel32.scale, *(max(1, int(side + 0.5)) for side in wanted), method)
-        return image if after is None else Image(image.picture.with_resolution(*after), self.file, self.page)
+            asked += ["--dpi", f"{x:g}x{y:g}"]
+        options = ["--fit" if fit else None, "--keep-dpi" if keep_dpi else None, "--method", method]
+        return self._stepped("scale", *asked, *options)
 
     def crop(self, left: int, top: int, width: int, height: int) -> Image:
         """A piece.
@@ -492,7 +480,10 @@ class Image:
         >>> Image.open("photo.png").crop(100, 50, 200, 150).size
         (200, 150)
         """
-        return self._made(_vorel32.crop, left, top, width, height)
+        try:
+            return Image(_vorel32.crop(self.picture, left, top, width, height), self.file, self.page)
+        except Error as error:
+            raise error.about(self.file, self.page)
 
     def cut(self, line: int) -> tuple[Image, Image]:
         """The `line` rows above, and those below.
@@ -512,7 +503,7 @@ class Image:
         >>> Image.new(8, 8, 1).invert().palette
         [(255, 255, 255), (0, 0, 0)]
         """
-        return self._made(_vorel32.invert)
+        return self._stepped("invert")
 
     def gray(self, *, weighted: bool = False, smooth: int = 0) -> Image:
         """Greys of 8 bits, or of 4 if the picture has 4.
@@ -523,7 +514,7 @@ class Image:
         >>> Image.open("photo.png").gray(weighted=True).depth
         8
         """
-        return self._made(_vorel32.gray, weighted, smooth)
+        return self._stepped("gray", "--weighted" if weighted else None, "--smooth", smooth)
 
     def expand(self) -> Image:
         """The same picture with 24 bits to a pixel.
@@ -531,7 +522,7 @@ class Image:
         >>> Image.open("scan.tif").expand().depth
         24
         """
-        return self._made(_vorel32.expand)
+        return self._stepped("expand")
 
     def tone(self, brightness: int = 0, contrast: int = 0) -> Image:
         """Brightness and contrast, in percent from -100 to 100.
@@ -539,7 +530,7 @@ class Image:
         >>> Image.open("photo.png").tone(brightness=20).size
         (640, 480)
         """
-        return self._made(_vorel32.tone, brightness, contrast)
+        return self._stepped("tone", "--brightness", brightness, "--contrast", contrast)
 
     def lut(self, brightness: int = 0, contrast: int = 0, square: tuple[int, int] | None = None) -> Image:
         """Level i of 8 bits becomes i + contrast * (i - mean) / 255 + brightness. The mean is that of the pixels in a square
@@ -548,7 +539,8 @@ class Image:
         >>> Image.open("photo.png").gray().lut(contrast=100, square=(0, 0)).depth
         8
         """
-        return self._made(_vorel32.lut, brightness, contrast, square)
+        where = () if square is None else ("--square", f"{square[0]},{square[1]}")
+        return self._stepped("lut", "--brightness", brightness, "--contrast", contrast, *where)
 
     def filter(self, name: str, size: int = 3, *, kernel: Sequence[int] = (), weighted: bool = False) -> Image:
         """Filters 8 and 24 bits: "box", "blur", "sharpen", "sharpen-more", or "kernel" with size * size whole numbers from
@@ -558,7 +550,8 @@ class Image:
         24
         >>> edges = Image.open("photo.png").gray().filter("kernel", kernel=[-1, -1, -1, -1, 8, -1, -1, -1, -1])
         """
-        return self._made(_vorel32.filter, name, size, weighted, kernel)
+        numbers = ("--kernel", " ".join(map(str, kernel))) if len(kernel) > 0 else ()
+        return self._stepped("filter", name, "--size", size, "--weighted" if weighted else None, *numbers)
 
     def clean(self, level: int, *, gentle: bool = False) -> Image:
         """Takes specks off black and white or grey pages.
@@ -569,7 +562,7 @@ class Image:
         >>> Image.open("scan.tif").clean(60).depth
         1
         """
-        return self._made(_vorel32.clean, level, gentle)
+        return self._stepped("clean", level, "--gentle" if gentle else None)
 
     def dither(self, method: str = "fs", bits: int = 1) -> Image:
         """Few colours by error diffusion: "fs", "jjn", or for 1 and 4 bits "smooth" and "sharp".
@@ -577,7 +570,7 @@ class Image:
         >>> Image.open("photo.png").dither("jjn", bits=8).depth
         8
         """
-        return self._made(_vorel32.dither, method, bits)
+        return self._stepped("dither", "--method", method, "--bits", bits)
 
     def halftone(self, method: str = "ordered", brightness: int = 0) -> Image:
         """Black and white: "threshold", "diffusion" or "ordered".
@@ -585,7 +578,7 @@ class Image:
         >>> Image.open("photo.png").halftone("threshold", brightness=40).depth
         1
         """
-        return self._made(_vorel32.halftone, method, brightness)
+        return self._stepped("halftone", "--method", method, "--brightness", brightness)
 
     def combine(self, overlay: Image, at: tuple[int, int] = (0, 0), *, mask: Image | None = None, mode: str = "replace") -> Image:
         """Paints another picture onto this one, its left upper corner at `at`. Of a 1-bit mask of the overlay's size black
@@ -595,7 +588,11 @@ class Image:
         >>> Image.open("photo.png").combine(stamp, (10, 10)).size
         (640, 480)
         """
-        return self._made(_vorel32.combine, overlay.picture, at, None if mask is None else mask.picture, mode)
+        hole = None if mask is None else mask.picture
+        try:
+            return Image(_vorel32.combine(self.picture, overlay.picture, at, hole, mode), self.file, self.page)
+        except Error as error:
+            raise error.about(self.file, self.page)
 
     def with_dpi(self, dpi: float | tuple[float, float] | None) -> Image:
         """The same pixels at another stated resolution; None states none.
@@ -604,6 +601,11 @@ class Image:
         (150.0, 150.0)
         """
         return Image(self.picture.with_resolution(*_per_metre(dpi)), self.file, self.page)
+
+
+@functools.lru_cache(maxsize=1024)
+def _step(*words: object) -> Any:
+    return _vorel32.Chain(" ".join(shlex.quote(str(word)) for word in words if word is not None))
 
 
 @functools.lru_cache(maxsize=64)

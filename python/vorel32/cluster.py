@@ -2,8 +2,8 @@
 
 >>> from vorel32.cluster import process
 >>> records = list(process(["scan.tif"], "clean 60 | scale 50%", "out", format="png"))
->>> records[0].outputs
-['out/scan-1.png', 'out/scan-2.png']
+>>> [os.path.basename(path) for path in records[0].outputs]
+['scan-1.png', 'scan-2.png']
 
 On a cluster, with a record for each file as soon as it is done::
 

@@ -1,0 +1,63 @@
+"""The same steps over many files, in one process and on a Dask cluster."""
+
+import os
+import signal
+from pathlib import Path
+
+import pytest
+
+import vorel32
+from vorel32.cluster import process
+
+STEPS = "clean 60 | rotate 90 | scale 50%"
+
+
+def outputs(folder):
+    return {path.name: path.read_bytes() for path in Path(folder).iterdir()}
+
+
+def make_files(count):
+    page = vorel32.open("scan.tif")
+    for i in range(count):
+        page.crop(i, 0, 200, 300).save(f"page-{i}.tif")
+    return [f"page-{i}.tif" for i in range(count)]
+
+
+def test_a_record_for_each_file_whatever_becomes_of_it(folder):
+    Path("broken.tif").write_bytes(b"II*\0 and nothing more")
+    records = {r.path: r for r in process(["scan.tif", "broken.tif", "gone.tif", "photo.png"], STEPS, "out", format="png")}
+    assert records["scan.tif"].pages == 2 and records["scan.tif"].failure is None
+    assert records["broken.tif"].failure.startswith("broken.tif") and not records["broken.tif"].is_passing
+    assert records["gone.tif"].failure and "clean" in records["photo.png"].failure
+    expected = [page.run(STEPS).to_bytes("png") for page in vorel32.pages("scan.tif")]
+    assert outputs("out") == {"scan-1.png": expected[0], "scan-2.png": expected[1]}
+
+    again = {r.path: r.skipped for r in process(["scan.tif", "photo.png"], STEPS, "out", format="png", resume=True)}
+    assert again == {"scan.tif": True, "photo.png": False}
+    os.utime("scan.tif")
+    assert not next(process(["scan.tif"], STEPS, "out", format="png", resume=True)).skipped
+
+
+def test_wrong_use_is_refused_before_anything_is_done(folder):
+    os.mkdir("more")
+    vorel32.open("scan.tif").save("more/scan.tif")
+    for paths, steps, out in [(["scan.tif", "more/scan.tif"], STEPS, "out"), (["scan.tif"], STEPS, "."), (["scan.tif"], "clena 60", "out")]:
+        with pytest.raises(vorel32.UsageError):
+            process(paths, steps, out)
+    assert not os.path.exists("out")
+
+
+def test_a_worker_that_dies_costs_no_page_and_makes_none_twice(folder):
+    distributed = pytest.importorskip("distributed")
+    files = make_files(60)
+    list(process(files, STEPS, "alone"))
+    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
+        with distributed.Client(cluster) as client:
+            seen = []
+            for record in process([*files, "gone.tif"], STEPS, "together", client=client, batch=2, retries=1):
+                seen.append(record.path)
+                if len(seen) == 10:
+                    os.kill(int(record.worker.split(":")[1]), signal.SIGKILL)
+            assert client.get_events("vorel32")[-1][1] == {"files": 61, "done": 60, "failed": 1}
+    assert sorted(seen) == sorted([*files, "gone.tif"])
+    assert outputs("together") == outputs("alone") and len(outputs("alone")) == 60
