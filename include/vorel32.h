@@ -400,7 +400,8 @@ VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status)
  *    PNG     WERT32  LoadPNGIntoDIB (ImgLoadPicture)   WERT  SaveDIBInPNGFormat (ImgSavePicture), which the library never calls
  *
  *  The modules of this library export more than it calls: GetNumberOfImagesInTiffFile (MERV32), GetNumberOfImagesInDCXFile
- *  (ODAL32) and GetNumberOfImagesInGIFFile (SUNE32), all ImgCountPages, and GetTiffCompression (MERV32, ImgTiffCompression).
+ *  (ODAL32) and GetNumberOfImagesInGIFFile (SUNE32), all ImgCountPages, GetTiffCompression (MERV32, ImgTiffCompression), and
+ *  ReportsFailedWrites (ImgReportsFailedWrites) in every module that saves.
  *
  *  Loaders return a new DIB handle that the caller owns: 1, 4, 8 or 24 bits, uncompressed, with the whole colour table that
  *  the depth implies. Savers take a DIB of this kind and only read it. A status variable may be NULL; an entry
@@ -429,6 +430,10 @@ typedef int(VORELCALL* ImgCountPages)(LPCSTR path, int* status);
 
 /** Returns the TIFF number of the compression of a page, or 0 on failure. */
 typedef int(VORELCALL* ImgTiffCompression)(LPCSTR path, int page, int* status);
+
+/** Returns TRUE: the savers of this module fail if any byte could not be written. Without this entry point a program that
+ *  has to be sure loads the picture again. */
+typedef BOOL(VORELCALL* ImgReportsFailedWrites)(void);
 
 /** Saves a picture. PCX and PNG files are replaced, a DCX file gains a page. */
 typedef BOOL(VORELCALL* ImgSavePicture)(LPCSTR path, HGLOBAL dib, int* status);

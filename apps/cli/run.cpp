@@ -24,7 +24,7 @@ constexpr const char* kStepGroup = "Verbs that change pages, also the steps of \
 
 constexpr const char* kExitCodes =
     "Exit codes:\n"
-    "  0  done, and the output was checked\n"
+    "  0  done, and all of the output was written\n"
     "  1  some of several inputs failed, or all of them for different reasons\n"
     "  2  wrong use: an unknown verb, option or value\n"
     "  3  the input is missing or cannot be read\n"

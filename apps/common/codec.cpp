@@ -1,6 +1,8 @@
 #include "common/codec.h"
 
 #include <fmt/format.h>
+#include <map>
+#include <mutex>
 
 #include "common/problem.h"
 
@@ -12,11 +14,22 @@ std::string shown_library_folder() {
   return {folder.begin(), folder.end()};
 }
 
+// Null if it does not load; the next call tries again.
+const CodecModule* loaded_module(const char* name) {
+  static std::mutex mutex;
+  static auto& modules = *new std::map<std::string, CodecModule>;  // never freed
+  const std::lock_guard guard(mutex);
+  const auto found = modules.try_emplace(name, name).first;
+  if (found->second.is_loaded()) return &found->second;
+  modules.erase(found);
+  return nullptr;
+}
+
 }  // namespace
 
 Codec::Codec(const EntryPoint& entry)
-    : module_(entry.module), address_(module_.is_loaded() ? module_.entry(entry.name) : nullptr) {
-  if (!module_.is_loaded()) {
+    : module_(loaded_module(entry.module)), address_(module_ != nullptr ? module_->entry(entry.name) : nullptr) {
+  if (module_ == nullptr) {
     throw Problem(
         Fault::kModule,
         fmt::format("the codec module {} for this format is missing or does not load; put it beside the library in {}",

@@ -9,8 +9,9 @@ namespace vorel::programs {
 
 class Codec {
  public:
-  // Loads the module of an entry point, from the library's folder or wherever the system finds it. Throws Problem if it is
-  // missing or lacks the entry point.
+  // Loads the module of an entry point, from the library's folder or wherever the system finds it. It stays until the program
+  // ends: a picture takes several calls, and with its libraries a module loads as slowly as a small picture is decoded. Throws
+  // Problem if the module is missing or lacks the entry point.
   explicit Codec(const EntryPoint& entry);
 
   // Throws Problem if a module is missing. Formats without one are fine.
@@ -24,11 +25,11 @@ class Codec {
   // Another entry point of the same module, or null: modules of other makers may lack those that the library does not use.
   template <class Function>
   Function other(const char* name) const {
-    return reinterpret_cast<Function>(module_.entry(name));
+    return reinterpret_cast<Function>(module_->entry(name));
   }
 
  private:
-  CodecModule module_;
+  const CodecModule* module_;  // never null once constructed
   void* address_;
 };
 

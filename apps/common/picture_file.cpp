@@ -82,6 +82,11 @@ bool PictureFile::is_tga_by_name(int found) const {
 }
 
 const FileFormat& PictureFile::format() const {
+  if (format_ == nullptr) format_ = &recognised_format();
+  return *format_;
+}
+
+const FileFormat& PictureFile::recognised_format() const {
   int code = GetImageFormat(usable_name_.c_str());
   if (is_tga_by_name(code)) code = IMG_FORMAT_TGA;
   if (code == IMG_FORMAT_UNKNOWN && is_bitmap()) code = IMG_FORMAT_BITMAP;

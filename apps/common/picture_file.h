@@ -40,12 +40,14 @@ class PictureFile {
  private:
   bool is_bitmap() const;
   bool is_tga_by_name(int found) const;
+  const FileFormat& recognised_format() const;
   Picture load_by_library(const FileFormat& format, int page) const;
   Picture load_tga() const;
 
   std::filesystem::path path_;
   std::string usable_name_, name_;
   uint64_t bytes_;
+  mutable const FileFormat* format_ = nullptr;  // once it was asked for
 };
 
 // Throws Problem where this build does not draw, which `what` needs.

@@ -50,20 +50,27 @@ bool write_page(const std::string& path, const Picture& picture, const Saving& s
                               saving.run_length ? 1 : 0) != FALSE;
 }
 
-// SaveDIB can miss that a disk is full, and another maker's module may too.
+// Whether the module that saves a format fails when a write does. Modules of other makers may not.
+bool reports_failed_writes(const FileFormat& format) {
+  if (!format.save) return false;
+  const auto reports = Codec(format.save).other<ImgReportsFailedWrites>("ReportsFailedWrites");
+  return reports != nullptr && reports() != FALSE;
+}
+
+// SaveDIB can miss that a disk is full, so a bitmap is measured. What no module of ours has written is read back.
 bool is_written(const std::string& path, const Picture& picture, const Saving& saving, int page) {
   if (saving.format->code == FormatCode::kBitmap) {
     std::error_code error;
     return std::filesystem::file_size(path, error) == kFileHeaderBytes + GlobalSize(picture.get());
   }
+  const bool is_tga =
+      saving.format->code == FormatCode::kTga;  // the path need not show the name by which the library knows it
+  if (!is_tga && GetImageFormat(path.c_str()) != static_cast<int>(saving.format->code)) return false;
+  if (reports_failed_writes(*saving.format)) return true;
   Codec::require(saving.format->load);
   int status = 0;
-  HGLOBAL dib = nullptr;
-  if (saving.format->code == FormatCode::kTga) {  // the path need not show the name by which the library knows it
-    dib = Codec(saving.format->load).as<ImgLoadPicture>()(path.c_str(), &status);
-  } else if (GetImageFormat(path.c_str()) == static_cast<int>(saving.format->code)) {
-    dib = LoadImageIntoDIB(path.c_str(), page, &status);
-  }
+  const HGLOBAL dib = is_tga ? Codec(saving.format->load).as<ImgLoadPicture>()(path.c_str(), &status)
+                             : LoadImageIntoDIB(path.c_str(), page, &status);
   if (dib == nullptr) return false;
   const Picture copy(dib);
   // An enhanced metafile tells its size in hundredths of a millimetre, which takes the last pixel.

@@ -30,7 +30,8 @@ struct Saving {
 // The picture in a form that the format has room for. Bitmaps take any form. Throws Problem where there is none.
 Picture suited(Picture picture, const Saving& saving);
 
-// Writes a suited picture as a page, counted from 1, of a file, and reads it back: the first page replaces the file. Throws Problem.
+// Writes a suited picture as a page, counted from 1, of a file, and checks that it is there whole: the first page replaces the file.
+// Throws Problem.
 //   path  as the library takes it
 void save_page(const std::string& path, const Picture& picture, const Saving& saving, int page);
 

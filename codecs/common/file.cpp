@@ -85,7 +85,8 @@ OutputFile::OutputFile(const char* path, Mode mode) : mode_(mode) {
 OutputFile::~OutputFile() {
   if (completed_) return;
   if (mode_ == Mode::kAdd) {
-    close_and_cut(std::move(file_), found_size_);
+    if (!file_) file_.reset(std::fopen(path_.c_str(), "r+b"));  // closing it failed
+    if (file_) close_and_cut(std::move(file_), found_size_);
   } else {
     file_.reset();
     if (size_of_file(path_.c_str())) std::remove(path_.c_str());
@@ -106,7 +107,7 @@ void OutputFile::flush() const {
 
 void OutputFile::complete() {
   flush();
-  file_.reset();
+  if (std::fclose(file_.release()) != 0) fail(IMG_E_FILE_IO);  // some file systems report a full disk only here
   completed_ = true;
 }
 

@@ -42,10 +42,19 @@ class Writer {
   }
 
  private:
+  // Of samples, not of indices, one good filter and fast matching take half the time of the library's own choice, for files a tenth
+  // larger at most.
+  void choose_speed() {
+    constexpr int kFastest = 3;  // above it every match is tried against the next one
+    png_set_filter(png_, PNG_FILTER_TYPE_BASE, PNG_FILTER_PAETH);
+    png_set_compression_level(png_, kFastest);
+  }
+
   void describe(const SourceDib& dib, int color_type, const Palette& palette) {
     png_set_IHDR(png_, info_, static_cast<png_uint_32>(dib.width()), static_cast<png_uint_32>(dib.height()),
                  std::min(dib.depth(), 8), color_type, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
                  PNG_FILTER_TYPE_DEFAULT);
+    if (dib.depth() >= 8 && color_type != PNG_COLOR_TYPE_PALETTE) choose_speed();
     if (color_type == PNG_COLOR_TYPE_PALETTE) png_set_PLTE(png_, info_, palette.data(), static_cast<int>(palette.size()));
     const auto [x, y] = dib.resolution();
     if (x > 0 && y > 0)

@@ -144,7 +144,7 @@ class PageBytes : public Bytes {
   bool failed() const noexcept override { return failed_ || std::ferror(file_.get()) != 0; }
 
   void complete() {
-    if (std::fflush(file_.get()) != 0) fail(IMG_E_FILE_IO);
+    if (std::fflush(file_.get()) != 0 || failed()) fail(IMG_E_FILE_IO);
     for (const Change& change : held_back_) put(change.offset, change.bytes);
     file_.complete();
   }

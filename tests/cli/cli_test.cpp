@@ -5,6 +5,7 @@
 #include "cli_fixture.h"
 #ifndef _WIN32
 #include <csignal>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -385,6 +386,35 @@ TEST_F(Cli, DevicesAndStrangeFolders) {
   EXPECT_TRUE(fs::is_character_file("/dev/full") && fs::is_character_file("/dev/null"));
   EXPECT_EQ(run({"convert", in, "/proc/out.bmp"}), 5);
   EXPECT_EQ(run({"info", "/dev/null"}), 4);
+}
+
+// A limit on the size of files stops writing as a full disk does, wherever in the file it is reached.
+TEST_F(Cli, FailedWritesAreReported) {
+  const std::string pages = at("pages.tif");
+  for (int depth : {1, 8, 24}) {
+    const std::string in = put("in.bmp", bitmap_file(noise(200, 300, depth)));
+    ASSERT_EQ(run({"pages", "join", in, in, pages, "--overwrite"}), 0) << err_;
+    for (const std::string ending : {"bmp", "tif", "png", "jpg", "gif", "pcx", "dcx", "tga", "cal"}) {
+      if (ending == "cal" && depth != 1) continue;
+      const bool takes_pages = ending == "tif" || ending == "dcx";
+      const auto convert = [&](const std::string& name) { return run({"convert", takes_pages ? pages : in, at(name)}); };
+      ASSERT_EQ(convert("whole." + ending), 0) << err_;
+      const rlim_t size = fs::file_size(at("whole." + ending));
+      fs::remove(at("whole." + ending));
+      rlimit usual{};
+      ::getrlimit(RLIMIT_FSIZE, &usual);
+      const auto before = std::signal(SIGXFSZ, SIG_IGN);
+      for (const rlim_t room : {rlim_t{0}, rlim_t{1}, size / 3, size * 2 / 3, size - 1, size}) {
+        const rlimit limit{room, usual.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const int result = convert("out." + ending);
+        ::setrlimit(RLIMIT_FSIZE, &usual);
+        EXPECT_EQ(result, room == size ? 0 : 5) << ending << " of " << depth << " bits in " << room << " of " << size;
+        EXPECT_EQ(fs::remove(at("out." + ending)), room == size);
+      }
+      std::signal(SIGXFSZ, before);
+    }
+  }
 }
 
 TEST_F(Cli, LinksAndPermissionsAreKept) {

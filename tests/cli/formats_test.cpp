@@ -216,15 +216,18 @@ TEST_F(CliFormats, RunLengthCodesBehindAShortTableAreExpanded) {
   EXPECT_EQ(color_at(dib_at("out.bmp"), 3, 0).rgbBlue, 60);
 }
 
-// The tool in a folder of its own, where the library has no modules beside it.
-TEST_F(CliFormats, AMissingModuleHasACodeOfItsOwn) {
+// The tool in a folder of its own, where the library has no modules beside it but a saver of PNG files that writes eight bytes and
+// reports success.
+TEST_F(CliFormats, MissingAndFalseModulesAreReported) {
 #ifdef _WIN32
   const std::string tool = "vorel.exe", library = "VOREL32.DLL";
 #else
   const std::string tool = "vorel", library = "libvorel32.so.5";
 #endif
   for (const std::string& file : {tool, library}) fs::copy_file(program_folder() / file, at(file));
-  const std::string png = put("in.png", {0x89, 'P', 'N', 'G', 0});
+  for (const auto& [built, name] : {std::pair("FALSE_SAVER", "WERT"), std::pair("WERT32", "WERT32")})
+    fs::copy_file(program_folder() / (std::string(built) + kModuleEnding), at(std::string(name) + kModuleEnding));
+  const std::string gif = put("in.gif", {'G', 'I', 'F', '8', '9', 'a'});
   const std::string bmp = put("in.bmp", bitmap_file(noise(5, 5, 8)));
   const auto exit_code = [&](const std::string& arguments) {
     const int result = std::system((at(tool) + " " + arguments + " 2>" + at("errors.txt")).c_str());
@@ -234,13 +237,14 @@ TEST_F(CliFormats, AMissingModuleHasACodeOfItsOwn) {
     return WEXITSTATUS(result);
 #endif
   };
-  for (const std::string& arguments : {"info " + png, "convert " + bmp + " " + at("out.gif")}) {
+  for (const std::string& arguments : {"info " + gif, "convert " + bmp + " " + at("out.gif")}) {
     EXPECT_EQ(exit_code(arguments), 7) << arguments;
     const Bytes said = read_file(at("errors.txt"));
     EXPECT_THAT(std::string(said.begin(), said.end()), HasSubstr("is missing or does not load; put it beside the library"));
   }
   EXPECT_EQ(exit_code("convert " + bmp + " " + at("out.bmp")), 0);
-  EXPECT_FALSE(fs::exists(at("out.gif")));
+  EXPECT_EQ(exit_code("convert " + bmp + " " + at("out.png")), 5);
+  EXPECT_FALSE(fs::exists(at("out.gif")) || fs::exists(at("out.png")));
 }
 
 }  // namespace

@@ -41,11 +41,14 @@ expect_same "the header's declarations, to the names of parameters" "$scratch/wa
 
 LC_ALL=C sort >"$scratch/entries" <<'END'
 BRIX SaveDIBInTGAFormat
+BRIX ReportsFailedWrites
 BRIX32 LoadTGAIntoDIB
 KALO SaveDIBInJPEGFile
+KALO ReportsFailedWrites
 KALO32 LoadJPEGIntoDIB
 MERV SAVEDIBINCALSFORMAT
 MERV SaveDIBInTiffFormat
+MERV ReportsFailedWrites
 MERV32 GetNumberOfImagesInTiffFile
 MERV32 GetTiffCompression
 MERV32 LoadCALSIntoDIB
@@ -53,13 +56,16 @@ MERV32 LoadTiffIntoDIB
 ODAL MakeDCXFile
 ODAL SaveDIBInDCXFormat
 ODAL SaveDIBInPCXFormat
+ODAL ReportsFailedWrites
 ODAL32 GetNumberOfImagesInDCXFile
 ODAL32 LoadDCXIntoDIB
 ODAL32 LoadPCXIntoDIB
 SUNE SaveDIBInGIFFormat
+SUNE ReportsFailedWrites
 SUNE32 GetNumberOfImagesInGIFFile
 SUNE32 LoadGIFIntoDIB
 WERT SaveDIBInPNGFormat
+WERT ReportsFailedWrites
 WERT32 LoadPNGIntoDIB
 END
 : >"$scratch/none"
