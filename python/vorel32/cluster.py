@@ -39,6 +39,7 @@ if TYPE_CHECKING:
 Steps = Union[str, Callable[[Image], Image]]
 
 _SEVERAL_PAGES = ("tiff", "dcx")
+_SECONDS_BETWEEN_LOOKS = 1.0
 
 
 @dataclass
@@ -211,12 +212,17 @@ def _on_cluster(job: _Job, files: list[str], client: Client, retries: int, batch
         submit([path])
         return True
 
+    def look_around() -> int:
+        """Tells the scheduler how far the work is, and how many threads there are: clusters grow and shrink."""
+        client.log_event("vorel32", dict(counts))
+        return max(1, sum(client.nthreads().values()))
+
     def fill() -> None:
-        room = window * max(1, sum(client.nthreads().values())) - len(running)
-        for paths in itertools.islice(waiting, max(0, room)):
+        for paths in itertools.islice(waiting, max(0, window * threads - len(running))):
             submit(paths)
 
     try:
+        looked, threads = time.monotonic(), look_around()
         fill()
         for future, result in completed:
             paths = running.pop(future.key)
@@ -230,7 +236,8 @@ def _on_cluster(job: _Job, files: list[str], client: Client, retries: int, batch
             for record in records:
                 record.attempts = attempts.get(record.path, 1)
                 counts["failed" if record.failure else "done"] += 1
-            client.log_event("vorel32", dict(counts))
+            if time.monotonic() > looked + _SECONDS_BETWEEN_LOOKS or not running:
+                looked, threads = time.monotonic(), look_around()
             fill()
             yield from records
     finally:
