@@ -18,13 +18,16 @@ def a4_page(seed=1):
     return np.repeat(page[:, :, None], 3, axis=2)
 
 
-def make_pages(folder, count):
-    """Small fax pages, 1 bit at 200 dpi, Group 4."""
+def make_pages(folder, count, width=850, height=1100, dpi=200):
+    """Fax pages of 1 bit with specks, Group 4."""
     paths = []
     sheet = np.asarray(Image.from_array(a4_page()).gray()) > 128
     for i in range(count):
         path = os.path.join(folder, f"page-{i:05}.tif")
-        specks = np.random.default_rng(i).random((1100, 850)) < 0.002
-        Image.from_array(sheet[i % 40 * 10 :][:1100, 100:950] ^ specks, dpi=200).save(path, compression="g4")
+        page = np.roll(sheet, -10 * (i % 40), axis=0)[:height, :width].copy()
+        random = np.random.default_rng(i)
+        specks = width * height // 2000
+        page[random.integers(0, height, specks), random.integers(0, width, specks)] ^= True
+        Image.from_array(page, dpi=dpi).save(path, compression="g4")
         paths.append(path)
     return paths

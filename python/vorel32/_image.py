@@ -317,7 +317,7 @@ class Image:
 
     def save(self, target: Writable, format: str | None = None, *, compression: str | None = None, interlaced: bool = False,
              append: bool = False, overwrite: bool = True) -> None:  # fmt: skip
-        """Writes the picture, and reads it back to be sure.
+        """Writes the picture.
 
         target       a path, whose file appears whole or not at all, or a file object open in binary mode
         format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png; without it the ending of the name tells
