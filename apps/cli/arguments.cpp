@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -27,6 +28,18 @@ std::string number_is_wrong(const std::string& text, Range range) {
     return fmt::format("\"{}\" is no whole number from {} to {}", text, range.least, range.most);
   if (range.least > kAnyNumber.least) return fmt::format("\"{}\" is no whole number from {} on", text, range.least);
   return fmt::format("\"{}\" is no whole number", text);
+}
+
+CLI::callback_t into(double& value, const std::string& name) {
+  return [&value, name](const CLI::results_t& given) {
+    const std::string& text = given.back();
+    const char* const first = text.data() + (text.starts_with('+') ? 1 : 0);
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(first, end, value, std::chars_format::fixed);
+    if (first == end || parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(value))
+      throw CLI::ValidationError(name, fmt::format("\"{}\" is no number", text));
+    return true;
+  };
 }
 
 CLI::callback_t into(int& value, const std::string& name, Range range) {
@@ -82,6 +95,10 @@ void Arguments::required(const std::string& name, std::string& value, const std:
 
 void Arguments::required(const std::string& name, int& value, const std::string& help, Range range) {
   positional({Kind::kPositional, name, "", help, {}, true}, into(value, name, range));
+}
+
+void Arguments::required(const std::string& name, double& value, const std::string& help) {
+  positional({Kind::kPositional, name, "", help, {}, true}, into(value, name));
 }
 
 void Arguments::optional(const std::string& name, std::string& value, const std::string& help, const Check& check) {

@@ -42,6 +42,7 @@ class Arguments {
   // Values by their place, which must be there, in the order in which they are declared.
   void required(const std::string& name, std::string& value, const std::string& help, const Check& check = {});
   void required(const std::string& name, int& value, const std::string& help, Range range = kAnyNumber);
+  void required(const std::string& name, double& value, const std::string& help);
   void one_or_more(const std::string& name, std::vector<std::string>& values, const std::string& help);
   void any_number(const std::string& name, std::vector<std::string>& values, const std::string& help);
   void optional(const std::string& name, std::string& value, const std::string& help, const Check& check = {});

@@ -31,8 +31,10 @@ Picture mirrored_top_bottom(Picture picture);  // keeps 16 and 32 bits
 enum class Shear { kColumns, kRows };
 Picture skewed(Picture picture, Shear shear, int pixels, Background background = Background::kBlack);
 
-enum class Resampling { kLinear, kCubic, kNearest };
-// Black and white pictures are always resampled by the nearest pixel. The resolution changes with the number of pixels, so that
+// kArea weighs every pixel by how much of it lies under the new one, in exact arithmetic. Black and white stays black and white: what
+// covers most of a new pixel, and the darker of two halves.
+enum class Resampling { kLinear, kCubic, kNearest, kArea };
+// By kLinear and kCubic black and white pictures are resampled by the nearest pixel. The resolution changes with the number of pixels, so that
 // the size on paper stays.
 Picture scaled(Picture picture, Size size, Resampling resampling);
 

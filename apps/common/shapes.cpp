@@ -3,6 +3,7 @@
 #include <cmath>
 #include <fmt/format.h>
 
+#include "common/area.h"
 #include "common/forms.h"
 #include "common/operations.h"
 #include "common/problem.h"
@@ -200,7 +201,9 @@ Picture scaled(Picture picture, Size size, Resampling resampling) {
   picture = workable(std::move(picture));
   const bool is_nearest = resampling == Resampling::kNearest || picture.depth() == 1;
   const DibHeader before = picture.header();
-  Picture result = is_nearest ? scaled_to_nearest(picture, size) : interpolated(std::move(picture), size, resampling);
+  Picture result = resampling == Resampling::kArea ? scaled_by_area(picture, size)
+                   : is_nearest                    ? scaled_to_nearest(picture, size)
+                                                   : interpolated(std::move(picture), size, resampling);
   result.set_resolution(resolution_after(before.x_per_metre, before.width, size.width),
                         resolution_after(before.y_per_metre, before.height, size.height));
   return result;

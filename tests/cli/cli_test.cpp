@@ -238,8 +238,8 @@ TEST_F(Cli, SignalsLeaveNoScratchFiles) {
 TEST_F(Cli, FileNamesThatBeginWithADash) {
   EXPECT_EQ(run({"convert", "-x.bmp", at("out.png")}), 2);
   EXPECT_THAT(err_, HasSubstr("-- -x.bmp"));
-  EXPECT_EQ(run({"rotate", "a.bmp", "b.bmp", "1.5"}), 2);
-  EXPECT_THAT(err_, HasSubstr("DEGREES: \"1.5\" is no whole number;"));
+  EXPECT_EQ(run({"rotate", "a.bmp", "b.bmp", "1.5x"}), 2);
+  EXPECT_THAT(err_, HasSubstr("DEGREES: \"1.5x\" is no number;"));
 }
 
 // The pixels of a picture, top row first.

@@ -53,6 +53,21 @@ TEST_F(CliGeometry, AnyAngle) {
   expect_pixels(changed({"rotate", "360"}, source), source, 9, 5, [](int x, int y) { return Place{x, y}; });
 }
 
+// Of the left half white, of the right half black, turned by a hair: greys are mixed along the edge, and nothing else.
+TEST_F(CliGeometry, FractionsOfDegreesMixPixels) {
+  Bytes halves = plain(40, 20, 8, 0xFF);
+  for (size_t y = 0; y < 20; ++y) std::fill_n(halves.end() - static_cast<long>(40 * y) - 20, 20, uint8_t{0});
+  const Bytes turned = changed({"rotate", "1.25", "--white"}, halves);
+  int mixed = 0;
+  for (int y = 0; y < header_of(turned).biHeight; ++y)
+    for (int x = 0; x < header_of(turned).biWidth; ++x) {
+      const int level = color_at(turned, x, y).rgbRed;
+      mixed += level != 0 && level != 255 ? 1 : 0;
+    }
+  EXPECT_THAT(mixed, testing::AllOf(testing::Gt(20), testing::Lt(120)));
+  EXPECT_EQ(changed({"rotate", "360.0"}, halves), changed({"rotate", "0"}, halves));
+}
+
 TEST_F(CliGeometry, Skew) {
   const Bytes black = plain(10, 4, 1, 0);
   const Bytes right = changed({"skew", "horizontal", "4", "--white"}, black);
@@ -60,6 +75,32 @@ TEST_F(CliGeometry, Skew) {
   for (int y = 0; y < 4; ++y)
     for (int x = 0; x < 14; ++x) EXPECT_EQ(color_at(right, x, y).rgbRed, x >= y && x < y + 10 ? 0 : 255) << x << ' ' << y;
   EXPECT_EQ(header_of(changed({"skew", "vertical", "-3"}, black)).biHeight, 7);
+}
+
+// Against the definition, a pixel at a time: parts of 1/12 across and 1/10 down.
+TEST_F(CliGeometry, ReducingWeighsByArea) {
+  constexpr int kWidth = 12, kHeight = 10, kNewWidth = 5, kNewHeight = 3;
+  const auto weight = [](int from, int before, int to, int after) {
+    return std::max(0, std::min((from + 1) * after, (to + 1) * before) - std::max(from * after, to * before));
+  };
+  for (const int depth : {1, 8, 24}) {
+    Bytes dib = noise(kWidth, kHeight, depth);
+    if (depth <= 8) std::copy_n(plain(kWidth, kHeight, depth, 0).begin() + 40, size_t{4} << depth, dib.begin() + 40);
+    const Bytes small = changed({"scale", "5x3"}, dib);
+    for (int y = 0; y < kNewHeight; ++y)
+      for (int x = 0; x < kNewWidth; ++x) {
+        int sum = 0;
+        for (int v = 0; v < kHeight; ++v)
+          for (int u = 0; u < kWidth; ++u)
+            sum += weight(u, kWidth, x, kNewWidth) * weight(v, kHeight, y, kNewHeight) * color_at(dib, u, v).rgbGreen;
+        constexpr int kWhole = kWidth * kHeight;
+        const int expected = depth == 1 ? (sum > kWhole * 255 / 2 ? 255 : 0) : (sum + kWhole / 2) / kWhole;
+        EXPECT_EQ(color_at(small, x, y).rgbGreen, expected) << depth << ' ' << x << ' ' << y;
+      }
+  }
+  EXPECT_EQ(header_of(changed({"scale", "50%", "--gray"}, plain(20, 20, 1, 0x55))).biBitCount, 8);
+  EXPECT_EQ(color_at(changed({"scale", "50%", "--gray"}, plain(20, 20, 1, 0x55)), 3, 3).rgbRed, 128);
+  EXPECT_EQ(color_at(changed({"scale", "50%"}, plain(20, 20, 1, 0x55)), 3, 3).rgbRed, 0) << "the darker half";
 }
 
 TEST_F(CliGeometry, Scale) {
@@ -245,7 +286,7 @@ TEST(CliPaper, ShrinksTurnsAndTellsWhatIsCut) {
 
 TEST_F(CliGeometry, Refusals) {
   const std::string in = put("in.bmp", bitmap_file(noise(10, 8, 8))), out = at("out.bmp");
-  expect_refused({{{"rotate", in, out, "1.5"}, 2, "rotate --help"},
+  expect_refused({{{"rotate", in, out, "1,5"}, 2, "rotate --help"},
                   {{"skew", in, out, "horizontal", "2000000000"}, 6, "memory"},
                   {{"scale", in, out, "0x5"}, 2, "640x480"},
                   {{"scale", in, out, "-5%"}, 2, "scale --help"},

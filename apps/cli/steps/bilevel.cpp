@@ -22,7 +22,7 @@ bool has_few_bits(Page& page, int bits) {
 // ---- dither ----
 
 struct Dithering {
-  std::string method = "fs", bits = "1";
+  std::string method = "jjn", bits = "1";
 };
 
 void dither(Page& page, const Dithering& options) {
@@ -35,15 +35,16 @@ void dither(Page& page, const Dithering& options) {
 
 Change declare_dither(Arguments& arguments) {
   arguments.explain(
-      "fs spreads the error of a pixel over four neighbours, jjn over twelve; smooth and sharp gather light in blocks of\n"
-      "2 x 2 pixels. 1 bit is black and white, 4 bits have each of red, green and blue on or off, 8 bits have eight reds,\n"
+      "jjn spreads the error of a pixel over twelve neighbours, which leaves no stripes, fs over four; smooth and sharp\n"
+      "gather light in blocks of 2 x 2 pixels. 1 bit is black and white, 4 bits have each of red, green and blue on or off, "
+      "8 bits have eight reds,\n"
       "eight greens and four blues. A picture that has no more bits than N stays as it is.",
       "  vorel dither photo.jpg fax.tif\n"
-      "  vorel dither photo.jpg small.gif --method jjn --bits 8");
+      "  vorel dither photo.jpg small.gif --bits 8");
   const auto options = std::make_shared<Dithering>();
   std::vector<std::string> words;
   for (const DitherMethod& method : programs::dither_methods()) words.emplace_back(method.word);
-  arguments.option("--method", options->method, "METHOD", "fs, jjn, smooth or sharp (default: fs)", one_of(words));
+  arguments.option("--method", options->method, "METHOD", "jjn, fs, smooth or sharp (default: jjn)", one_of(words));
   arguments.option("--bits", options->bits, "N", "bits per pixel of OUT: 1, 4 or 8 (default: 1)", one_of({"1", "4", "8"}));
   return [options](Page& page) { dither(page, *options); };
 }

@@ -15,13 +15,13 @@ using programs::Picture;
 using programs::Resampling;
 
 const std::vector<std::string>& methods() {  // in the order of programs::Resampling
-  static const std::vector<std::string> words = {"linear", "cubic", "nearest"};
+  static const std::vector<std::string> words = {"linear", "cubic", "nearest", "area"};
   return words;
 }
 
 struct Options {
-  std::string size, dpi, method = "linear";
-  bool fit = false, keep_dpi = false;
+  std::string size, dpi, method;  // no method: the one that suits the size
+  bool fit = false, keep_dpi = false, gray = false;
 };
 
 [[noreturn]] void fail(programs::Fault fault, const std::string& text) { throw programs::Problem(fault, text); }
@@ -57,10 +57,17 @@ Size result_size(const Picture& picture, const Options& options) {
   return {whole_pixels(size.width), whole_pixels(size.height)};
 }
 
+Resampling resampling_for(const Picture& picture, Size size, const std::string& method) {
+  const bool is_reduced = size.width <= picture.width() && size.height <= picture.height();
+  if (method.empty()) return is_reduced ? Resampling::kArea : Resampling::kLinear;
+  return static_cast<Resampling>(std::ranges::find(methods(), method) - methods().begin());
+}
+
 Picture scaled(Picture picture, const Options& options) {
-  const auto resampling = static_cast<Resampling>(std::ranges::find(methods(), options.method) - methods().begin());
   const DibHeader before = picture.header();
   const Size size = result_size(picture, options);
+  const Resampling resampling = resampling_for(picture, size, options.method);
+  if (options.gray && picture.depth() == 1) picture = programs::gray(std::move(picture), programs::GrayWeights::kEqual);
   Picture result = programs::scaled(std::move(picture), size, resampling);
   if (options.keep_dpi) result.set_resolution(before.x_per_metre, before.y_per_metre);
   if (!options.dpi.empty()) state_dpi(result, options.dpi);
@@ -75,9 +82,10 @@ std::string flaw_of(const Options& options) {
 
 Change declare(Arguments& arguments) {
   arguments.explain(
-      "linear mixes two neighbours each way, cubic four, which is sharper; below 24 bits per pixel the mixture becomes\n"
-      "the nearest colour of the table. nearest mixes nothing, and neither does 1 bit per pixel. The size on paper stays:\n"
-      "the resolution changes with the pixels, unless --keep-dpi is given.",
+      "area weighs all pixels that lie under a new one; 1 bit per pixel gets the colour that covers most of it. linear\n"
+      "mixes two neighbours each way, cubic four, which is sharper. The mixture becomes the nearest colour of a colour\n"
+      "table. nearest mixes nothing, and linear and cubic do not either at 1 bit per pixel. The size on paper stays: the\n"
+      "resolution changes with the pixels, unless --keep-dpi is given.",
       "  vorel scale photo.jpg half.jpg 50%\n"
       "  vorel scale photo.jpg thumb.png 160x120 --fit --method cubic\n"
       "  vorel scale page.tif screen.bmp 1024x768\n"
@@ -90,7 +98,9 @@ Change declare(Arguments& arguments) {
   arguments.flag("--fit", options->fit, "keep the proportions: OUT is as large as fits into SIZE");
   arguments.flag("--keep-dpi", options->keep_dpi, "state the resolution of IN: the size on paper changes");
   arguments.exclude("--keep-dpi", "--dpi");
-  arguments.option("--method", options->method, "METHOD", "linear, cubic or nearest (default: linear)", one_of(methods()));
+  arguments.option("--method", options->method, "METHOD",
+                   "area, linear, cubic or nearest (default: area to reduce, linear to enlarge)", one_of(methods()));
+  arguments.flag("--gray", options->gray, "make greys of 1 bit per pixel (default: black and white stay)");
   arguments.check_together([options] { return flaw_of(*options); });
   return changes_picture([options](Picture picture) { return scaled(std::move(picture), *options); });
 }
