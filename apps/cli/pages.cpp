@@ -56,7 +56,10 @@ std::string Source::label(size_t index) const {
 
 Page Source::load(size_t index) const {
   const std::string name = label(index);
-  return {name, about(name, [&] { return input_.file().load(pages_[index]); })};
+  return about(name, [&] {
+    const programs::PictureFile& file = input_.file();
+    return Page{.label = name, .picture = file.load(pages_[index]), .losses = file.losses(pages_[index])};
+  });
 }
 
 Target::Target(std::string name, const SavingOptions& options, const Streams& streams)

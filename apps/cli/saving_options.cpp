@@ -4,6 +4,8 @@
 #include <fmt/ranges.h>
 
 #include "cli/failure.h"
+#include "common/formats.h"
+#include "common/platform.h"
 
 namespace vorel::cli {
 namespace {
@@ -21,20 +23,21 @@ std::vector<std::string> compression_words() {
   return words;
 }
 
-// The words of all formats that can be saved.
-std::vector<std::string> saving_words() {
-  std::vector<std::string> words;
-  for (const FileFormat& format : file_formats())
-    if (format.saver != Saver::kNobody) words.emplace_back(format.word);
-  return words;
-}
-
+// Null for what cannot be saved.
 const FileFormat* savable(const FileFormat* format) {
   return format != nullptr && format->saver != Saver::kNobody ? format : nullptr;
 }
 
+// The words of all formats that this build can save.
+std::vector<std::string> saving_words() {
+  std::vector<std::string> words;
+  for (const FileFormat* format : programs::picture_formats())
+    if (savable(format) != nullptr && (!format->needs_windows || programs::has_drawing())) words.emplace_back(format->word);
+  return words;
+}
+
 std::string format_is_wrong(const std::string& word) {
-  if (savable(format_called(word)) != nullptr) return {};
+  if (savable(programs::picture_format_called(word)) != nullptr) return {};
   return fmt::format("\"{}\" is none of {}", word, fmt::join(saving_words(), ", "));
 }
 
@@ -60,7 +63,8 @@ void SavingOptions::declare(Arguments& arguments, bool offers_numbering) {
 
 Saving SavingOptions::saving_for(const std::string& output) const {
   const auto fail = [&](const std::string& text) { throw Failure(ExitCode::kWrongUse, output, text); };
-  const FileFormat* format = savable(to.empty() ? format_for_name(output) : format_called(to));
+  const FileFormat* format =
+      savable(to.empty() ? programs::picture_format_for_name(output) : programs::picture_format_called(to));
   if (format == nullptr && has_ending(output)) {
     fail(fmt::format("this ending belongs to no format that can be saved; use another one, or give --to with one of {}",
                      fmt::join(saving_words(), ", ")));

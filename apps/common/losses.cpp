@@ -6,12 +6,15 @@
 #include <fmt/format.h>
 #include <unordered_set>
 
+#include "common/formats.h"
 #include "core/pixel.h"
 
 namespace vorel::programs {
 namespace {
 
-bool keeps_resolution(FormatCode code) { return code != FormatCode::kGif && code != FormatCode::kTga; }
+bool keeps_resolution(const FileFormat& format) {
+  return format.code != FormatCode::kGif && format.code != FormatCode::kTga && !is_pnm(format);
+}
 
 std::string shown_dpi(const DibHeader& header) {
   const auto dpi = [](int per_metre) { return std::lround(per_metre * 0.0254); };
@@ -56,7 +59,7 @@ std::vector<std::string> losses_when_saved(const Picture& picture, const Saving&
   if (format.code == FormatCode::kGif && has_more_colors_than(picture, 256))
     losses.emplace_back("GIF keeps 256 of the picture's colours; choose another format to keep all");
   const bool is_stated = header.x_per_metre > 0 && header.y_per_metre > 0;
-  if (is_stated && !keeps_resolution(format.code))
+  if (is_stated && !keeps_resolution(format))
     losses.push_back(fmt::format("{} states no resolution, and {} is lost; choose another format to keep it", format.name,
                                  shown_dpi(header)));
   else if (is_stated && format.code == FormatCode::kCals && header.x_per_metre != header.y_per_metre)

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "common/codec.h"
+#include "common/formats.h"
 #include "common/platform.h"
 #include "common/problem.h"
 #include "common/saving.h"
@@ -77,7 +78,7 @@ bool PictureFile::is_tga_by_name(int found) const {
   if (found != IMG_FORMAT_METAFILE && !is_later) return false;
   uint32_t key = 0;
   std::ifstream(path_, std::ios::binary).read(reinterpret_cast<char*>(&key), sizeof key);
-  const FileFormat* const named = format_for_name(name_.empty() ? path_.filename().string() : name_);
+  const FileFormat* const named = picture_format_for_name(name_.empty() ? path_.filename().string() : name_);
   return key != kPlaceableKey && named != nullptr && named->code == FormatCode::kTga;
 }
 
@@ -86,8 +87,15 @@ const FileFormat& PictureFile::format() const {
   return *format_;
 }
 
+// A plain one may pass for a text.
+bool PictureFile::is_pnm() const {
+  std::ifstream file(path_, std::ios::binary);
+  return begins_as_pnm(file);
+}
+
 const FileFormat& PictureFile::recognised_format() const {
   int code = GetImageFormat(usable_name_.c_str());
+  if ((code == IMG_FORMAT_UNKNOWN || code == IMG_FORMAT_TEXT) && is_pnm()) return pnm_format();
   if (is_tga_by_name(code)) code = IMG_FORMAT_TGA;
   if (code == IMG_FORMAT_UNKNOWN && is_bitmap()) code = IMG_FORMAT_BITMAP;
   const FileFormat* format = format_of(code);
@@ -98,6 +106,10 @@ const FileFormat& PictureFile::recognised_format() const {
 std::optional<int> PictureFile::count_pages() const {
   const FileFormat& kind = format();
   if (kind.code == FormatCode::kColorFax) return GetNumberOfImagesInFaxFile(usable_name_.c_str());
+  if (programs::is_pnm(kind)) {
+    std::ifstream file(path_, std::ios::binary);
+    return count_pnm_pages(file, bytes_);
+  }
   if (!kind.count) return 1;
   const Codec codec(kind.load);
   const auto count = codec.other<ImgCountPages>(kind.count.name);
@@ -114,6 +126,10 @@ Picture PictureFile::load(int page) const {
   if (const auto pages = page == 1 ? std::nullopt : count_pages(); pages && page > *pages) {
     throw Problem(Fault::kWrongUse,
                   fmt::format("there is no page {}; the file has {} page{}", page, *pages, *pages == 1 ? "" : "s"));
+  }
+  if (programs::is_pnm(kind)) {
+    std::ifstream file(path_, std::ios::binary);
+    return read_pnm(file, bytes_, page);
   }
   switch (kind.code) {
     case FormatCode::kBitmap: {
@@ -148,6 +164,25 @@ Picture PictureFile::load_tga() const {
 BitmapFacts PictureFile::bitmap_facts() const {
   std::ifstream file(path_, std::ios::binary);
   return inspect_bitmap(file, bytes_);
+}
+
+PnmFacts PictureFile::pnm_facts(int page) const {
+  std::ifstream file(path_, std::ios::binary);
+  return inspect_pnm(file, bytes_, page);
+}
+
+std::vector<std::string> PictureFile::losses(int page) const {
+  const FormatCode code = format().code;
+  int bits = 8;
+  if (code == kPnm) bits = pnm_facts(page).most > 255 ? 16 : 8;
+  if (code == FormatCode::kPng) {
+    constexpr int kDepthAt = 24;
+    char start[kDepthAt + 1] = {};
+    std::ifstream(path_, std::ios::binary).read(start, sizeof start);
+    bits = start[kDepthAt];
+  }
+  if (bits <= 8) return {};
+  return {fmt::format("its samples of {} bits become 8 bits; keep the file if you need them all", bits)};
 }
 
 std::optional<std::string> PictureFile::compression(int page) const {

@@ -5,9 +5,11 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "common/bitmap_file.h"
 #include "common/picture.h"
+#include "common/pnm_file.h"
 #include "core/file_formats.h"
 
 namespace vorel::programs {
@@ -34,11 +36,18 @@ class PictureFile {
   // Of a bitmap, without its pixels.
   BitmapFacts bitmap_facts() const;
 
+  // Of a PNM file, without its pixels.
+  PnmFacts pnm_facts(int page) const;
+
+  // What loading a page takes from it, each as "what is lost; what to do".
+  std::vector<std::string> losses(int page) const;
+
   // Of a page, in words; none where it is unknown.
   std::optional<std::string> compression(int page) const;
 
  private:
   bool is_bitmap() const;
+  bool is_pnm() const;
   bool is_tga_by_name(int found) const;
   const FileFormat& recognised_format() const;
   Picture load_by_library(const FileFormat& format, int page) const;

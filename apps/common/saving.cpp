@@ -5,8 +5,10 @@
 #include <fmt/format.h>
 
 #include "common/codec.h"
+#include "common/formats.h"
 #include "common/forms.h"
 #include "common/picture_file.h"
+#include "common/pnm_file.h"
 #include "common/problem.h"
 
 namespace vorel::programs {
@@ -93,6 +95,7 @@ Picture suited(Picture picture, const Saving& saving) {
   const FileFormat& format = *saving.format;
   if (format.code == FormatCode::kBitmap) return picture;
   if (format.needs_windows) require_drawing(format.name);
+  if (is_pnm(format)) return suited_for_pnm(std::move(picture), format);
   picture = workable(std::move(picture));
   if (picture.depth() > format.most_bits) {
     throw Problem(Fault::kFormat, fmt::format("{} holds {} bit per pixel, the picture has {}; choose another format",
@@ -104,7 +107,8 @@ Picture suited(Picture picture, const Saving& saving) {
 }
 
 void save_page(const std::string& path, const Picture& picture, const Saving& saving, int page) {
-  if (write_page(path, picture, saving, page) && is_written(path, picture, saving, page)) return;
+  if (is_pnm(*saving.format) && write_pnm(path, picture, *saving.format, page)) return;
+  if (!is_pnm(*saving.format) && write_page(path, picture, saving, page) && is_written(path, picture, saving, page)) return;
   throw Problem(
       Fault::kOutput,
       fmt::format("the picture could not be written whole as {}; check that there is room on the disk and that the "

@@ -47,6 +47,57 @@ TEST_F(CliFormats, StreamsTakeTheFormatThatIsNamed) {
   EXPECT_EQ(largest_difference(dib_at("back.bmp"), picture), 0);
 }
 
+Bytes bytes_of(const std::string& text) { return {text.begin(), text.end()}; }
+
+// The same two rows of three pixels as text and as bytes, behind comments, with samples of 4, 8 and 16 bits.
+TEST_F(CliFormats, PortableMapsOfEveryKind) {
+  const std::string gray = "000000 FFFFFF 808080/FFFFFF 000000 FFFFFF", bits = "000000 FFFFFF FFFFFF/FFFFFF 000000 FFFFFF",
+                    colors = "FF0000 00FF00 0000FF/FFFFFF 000000 808080";
+  using namespace std::string_literals;
+  const struct {
+    std::string file, picture;
+    int depth;
+  } rows[] = {
+      {"P1 # bits\n3 2\n1 0 0\n010", bits, 1},
+      {"P4\n3 2\n\x9F\x5F", bits, 1},
+      {"P2\n3 # wide\n2 255 0 255 128 255 0 255", gray, 8},
+      {"P5\n3 2\n255\n\0\xFF\x80\xFF\0\xFF"s, gray, 8},
+      {"P5\n3 2\n65535\n\0\0\xFF\xFF\x80\x80\xFF\xFF\0\0\xFF\xFF"s, gray, 8},
+      {"P3 3 2 255 255 0 0  0 255 0  0 0 255\n255 255 255  0 0 0  128 128 128\n", colors, 24},
+      {"P6 3 2 255\n\xFF\0\0\0\xFF\0\0\0\xFF\xFF\xFF\xFF\0\0\0\x80\x80\x80"s, colors, 24},
+  };
+  std::string all;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.file.substr(0, 12));
+    all += row.file + "\n";
+    ASSERT_EQ(run({"convert", "-", at("out.bmp"), "--overwrite"}, row.file), 0) << err_;
+    EXPECT_EQ(err_.empty(), row.file.find("65535") == std::string::npos) << "lost bits are noted";
+    EXPECT_EQ(picture_of(dib_at("out.bmp")), row.picture);
+    EXPECT_EQ(header_of(dib_at("out.bmp")).biBitCount, row.depth);
+    // What is written comes back.
+    ASSERT_EQ(run({"convert", at("out.bmp"), "-", "--to", "pnm"}), 0) << err_;
+    EXPECT_EQ(out_.str().substr(0, 2), row.depth == 1 ? "P4" : row.depth == 8 ? "P5" : "P6");
+    ASSERT_EQ(run({"convert", "-", at("back.bmp"), "--overwrite"}, out_.str()), 0) << err_;
+    EXPECT_EQ(read_file(at("back.bmp")), read_file(at("out.bmp")));
+    for (size_t size = 0; size < row.file.find_last_not_of('\n') - 1; ++size)
+      EXPECT_EQ(run({"convert", "-", at("cut.bmp")}, row.file.substr(0, size)), 4) << size;
+  }
+  // One behind another they are pages.
+  ASSERT_EQ(run({"convert", put("all.pnm", bytes_of(all)), at("all.tif")}), 0) << err_;
+  ASSERT_EQ(run({"convert", at("all.tif"), at("again.pnm"), "--page", "2-4"}), 0) << err_;
+  ASSERT_EQ(run({"pages", "count", at("again.pnm")}), 0) << err_;
+  EXPECT_EQ(out_.str(), "3\n");
+  ASSERT_EQ(run({"info", at("again.pnm"), "--page", "3"}), 0) << err_;
+  EXPECT_THAT(out_.str(), HasSubstr("PNM, P5"));
+  const std::string photo = put("photo.bmp", bitmap_file(noise(5, 5, 24)));
+  expect_refused({{{"convert", photo, at("out.pbm")}, 4, "PBM holds 1 bit"},
+                  {{"convert", photo, at("out.pgm")}, 4, "PGM holds greys"},
+                  {{"convert", put("a.pnm", bytes_of("P5 99999 99999 255\n")), at("x.bmp")}, 4, "ends before its 99999"},
+                  {{"convert", put("b.pnm", bytes_of("P5 1 1 9\n\xFF")), at("x.bmp")}, 4, "above full light"},
+                  {{"convert", put("c.pnm", bytes_of("P2 1 1 0 5 5 5")), at("x.bmp")}, 4, "full light is 0"},
+                  {{"convert", put("d.pnm", bytes_of("P5 4294967297 1 255 x")), at("x.bmp")}, 4, "the width is above"}});
+}
+
 // Metafiles, clipboard files and texts. Where nothing draws them, the tool says so.
 TEST_F(CliFormats, WhatIsDrawnNeedsWindows) {
   const std::string in = put("in.bmp", bitmap_file(bilevel(48, 24)));

@@ -9,6 +9,7 @@
 
 #include "cli/files.h"
 #include "cli/verb.h"
+#include "common/formats.h"
 
 namespace vorel::cli {
 namespace {
@@ -50,6 +51,11 @@ Description describe(const Input& input, int page) {
     const programs::BitmapFacts facts = file.bitmap_facts();
     return {format, facts.variant, facts.header, facts.colors, 1, 1, facts.compression};
   }
+  if (format.code == programs::kPnm) {
+    const programs::PnmFacts facts = file.pnm_facts(page);
+    return {format, facts.variant,         facts.header, color_count(facts.header), file.count_pages(),
+            page,   file.compression(page)};
+  }
   const DibHeader header = file.load(page).header();
   return {format, "", header, color_count(header), file.count_pages(), page, file.compression(page)};
 }
@@ -61,7 +67,7 @@ Json facts_of(const std::string& file, const Description& description) {
   const bool is_bitmap = description.format.code == FormatCode::kBitmap;
   return {{"file", file},
           {"format", description.format.name},
-          {"variant", is_bitmap ? Json(description.variant) : Json()},
+          {"variant", description.variant.empty() ? Json() : Json(description.variant)},
           {"pages", known(description.pages)},
           {"page", description.page},
           {"width", header.width},

@@ -45,7 +45,7 @@ ExitCode join(std::vector<std::string> files, const SavingOptions& options, cons
   if (files.empty()) throw Failure(ExitCode::kWrongUse, out, "there is nothing to join; name the files to read, then OUT");
   if (!options.saving_for(out).format->holds_pages) {
     throw Failure(ExitCode::kWrongUse, out,
-                  "pages are joined into TIFF and DCX files; end OUT in .tif or .dcx, or give --to tiff");
+                  "pages are joined into TIFF, DCX and PNM files; end OUT in .tif or .dcx, or give --to tiff");
   }
   Target target(out, options, streams);
   std::vector<Source> sources;
@@ -80,7 +80,7 @@ Action declare(Arguments& arguments) {
   splitting.required("OUT", values->output, "name of the files to write; each gets -1, -2, ... before its ending");
   splitting.explain("", "  vorel pages split fax.tif page.png");
 
-  Arguments joining = arguments.verb("join", "Write all pages of several files as one TIFF or DCX file.");
+  Arguments joining = arguments.verb("join", "Write all pages of several files as one TIFF, DCX or PNM file.");
   joining.one_or_more("FILE", values->files, "the files to read, in order, and last the file OUT to write");
   joining.explain("", "  vorel pages join cover.bmp fax.tif all.tif --compression g4");
 
