@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "common/page/ink_map.h"
-#include "common/page/units.h"
 
 namespace vorel::programs {
 namespace {
@@ -15,7 +14,8 @@ struct Content {
   InkMap map;
   std::vector<uint8_t> borders;  // cells, row by row
 
-  explicit Content(const Picture& page) : map(ink_map(page, {cell_side(page), cell_side(page)})), borders(dark_borders(map)) {
+  explicit Content(const Picture& page)
+      : map(ink_map(page, {cell_side(page), cell_side(page)})), borders(dark_borders(map)) {
     remove_cells(map, map, borders);
     remove_specks();
   }
@@ -84,22 +84,24 @@ double ink_percent(const Picture& page, double margin) {
   const int across = static_cast<int>(content.map.width() * margin), down = static_cast<int>(content.map.height() * margin);
   uint64_t ink = 0, cells = 0;
   for (int y = down; y < content.map.height() - down; ++y)
-    for (const uint8_t cell : content.map.row(y).subspan(static_cast<size_t>(across), static_cast<size_t>(content.map.width() - 2 * across))) {
+    for (const uint8_t cell :
+         content.map.row(y).subspan(static_cast<size_t>(across), static_cast<size_t>(content.map.width() - 2 * across))) {
       ink += cell;
       ++cells;
     }
   return cells == 0 ? 0 : 100.0 * static_cast<double>(ink) / (static_cast<double>(cells) * InkMap::kMostInk);
 }
 
-std::optional<Rect> content_box(const Picture& page, double margin) {
+std::optional<Rect> content_box(const Picture& page, Size margin) {
   const Content content(page);
   const Cells inner = inked_cells(content.map);
   if (inner.right == 0) return {};
   const int side = content.map.cell().width;
-  const auto cells = [&](double per_millimetre) { return (pixels_of(margin, per_millimetre) + side - 1) / side; };
-  const Cells outer = grown(content, inner, cells(across_per_millimetre(page)), cells(down_per_millimetre(page)));
+  const auto cells = [&](int pixels) { return (pixels + side - 1) / side; };
+  const Cells outer = grown(content, inner, cells(margin.width), cells(margin.height));
   const int left = outer.left * side, top = outer.top * side;
-  return Rect{left, top, std::min(outer.right * side, page.width()) - left, std::min(outer.bottom * side, page.height()) - top};
+  return Rect{left, top, std::min(outer.right * side, page.width()) - left,
+              std::min(outer.bottom * side, page.height()) - top};
 }
 
 }  // namespace vorel::programs

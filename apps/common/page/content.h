@@ -12,8 +12,8 @@ namespace vorel::programs {
 // Ink in percent of the page inside its margins. `margin` is the share of width and height that is not looked at on each side: holes, staples and shadows are there.
 double ink_percent(const Picture& page, double margin);
 
-// The box around all content and `margin` millimetres more, without dark borders as far as they can be kept out. Nothing if the page
+// The box around all content and a margin of some pixels, without dark borders as far as they can be kept out. Nothing if the page
 // is blank.
-std::optional<Rect> content_box(const Picture& page, double margin);
+std::optional<Rect> content_box(const Picture& page, Size margin);
 
 }  // namespace vorel::programs

@@ -139,7 +139,8 @@ Picture thresholded(Picture picture, const Sauvola& local) {
       const double count = window.count(x), sum = window.sum(x);
       const double over = row[x] * count - sum * (1 - local.k);
       const double part = sum * local.k / (kDeviations * count), variance = window.squares(x) * count - sum * sum;
-      is_white[static_cast<size_t>(x)] = static_cast<uint8_t>(over >= 0) & static_cast<uint8_t>(over * over >= part * part * variance);
+      is_white[static_cast<size_t>(x)] =
+          static_cast<uint8_t>(over >= 0) & static_cast<uint8_t>(over * over >= part * part * variance);
     }
     write_row(page.pixels().row_from_top(y), levels.width(), [&](int x) { return is_white[static_cast<size_t>(x)] != 0; });
   }

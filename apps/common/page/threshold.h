@@ -17,8 +17,8 @@ int otsu_level(const Picture& picture);
 
 struct Sauvola {
   static constexpr int kMostWindow = 1023;
-  int window = 41;   // pixels across and down: odd, at most kMostWindow
-  double k = 0.34;   // how much darker than its surroundings a pixel of ink must be
+  int window = 41;  // pixels across and down: odd, at most kMostWindow
+  double k = 0.34;  // how much darker than its surroundings a pixel of ink must be
 };
 
 // A level for each pixel, mean * (1 + k * (deviation / 128 - 1)) of the window around it, which follows uneven light (J. Sauvola and
