@@ -18,19 +18,19 @@ namespace vorel::bench {
 namespace {
 
 constexpr const char* kWords[] = {
-    "the",    "of",     "and",    "to",     "in",     "that",     "was",     "his",      "he",      "it",       "with",
-    "is",     "for",    "as",     "had",    "you",    "not",      "be",      "her",      "on",      "at",       "by",
-    "which",  "have",   "or",     "from",   "this",   "him",      "but",     "all",      "she",     "they",     "were",
-    "my",     "are",    "me",     "one",    "their",  "so",       "an",      "said",     "them",    "we",       "who",
-    "would",  "been",   "will",   "no",     "when",   "there",    "if",      "more",     "out",     "up",       "into",
-    "do",     "any",    "your",   "what",   "has",    "man",      "could",   "other",    "than",    "our",      "some",
-    "very",   "time",   "upon",   "about",  "may",    "its",      "only",    "now",      "like",    "little",   "then",
-    "can",    "made",   "should", "did",    "us",     "such",     "great",   "before",   "must",    "two",      "these",
-    "see",    "know",   "over",   "much",   "down",   "after",    "first",   "good",     "men",     "own",      "never",
-    "most",   "old",    "shall",  "day",    "where",  "those",    "came",    "come",     "himself", "way",      "work",
-    "life",   "without", "go",    "make",   "well",   "through",  "being",   "long",     "say",     "might",    "people",
-    "paper",  "journey", "quickly", "property", "happy", "question", "simply", "beyond", "knowledge", "typical", "length",
-    "height", "depth",  "margin", "column", "quality", "weighing", "figure", "number",   "shelf",   "judgement"};
+    "the",    "of",      "and",     "to",       "in",      "that",     "was",    "his",    "he",        "it",       "with",
+    "is",     "for",     "as",      "had",      "you",     "not",      "be",     "her",    "on",        "at",       "by",
+    "which",  "have",    "or",      "from",     "this",    "him",      "but",    "all",    "she",       "they",     "were",
+    "my",     "are",     "me",      "one",      "their",   "so",       "an",     "said",   "them",      "we",       "who",
+    "would",  "been",    "will",    "no",       "when",    "there",    "if",     "more",   "out",       "up",       "into",
+    "do",     "any",     "your",    "what",     "has",     "man",      "could",  "other",  "than",      "our",      "some",
+    "very",   "time",    "upon",    "about",    "may",     "its",      "only",   "now",    "like",      "little",   "then",
+    "can",    "made",    "should",  "did",      "us",      "such",     "great",  "before", "must",      "two",      "these",
+    "see",    "know",    "over",    "much",     "down",    "after",    "first",  "good",   "men",       "own",      "never",
+    "most",   "old",     "shall",   "day",      "where",   "those",    "came",   "come",   "himself",   "way",      "work",
+    "life",   "without", "go",      "make",     "well",    "through",  "being",  "long",   "say",       "might",    "people",
+    "paper",  "journey", "quickly", "property", "happy",   "question", "simply", "beyond", "knowledge", "typical",  "length",
+    "height", "depth",   "margin",  "column",   "quality", "weighing", "figure", "number", "shelf",     "judgement"};
 
 uint8_t byte_of(double share) { return static_cast<uint8_t>(std::lround(std::clamp(share, 0.0, 1.0) * 255)); }
 
@@ -82,14 +82,20 @@ PageMaker::PageMaker(double width, double height, int dpi, double degrees, uint3
 PageMaker::~PageMaker() = default;
 
 std::vector<std::string> PageMaker::fonts() {
-  static constexpr const char* kFonts[] = {
-      "opentype/urw-base35/NimbusRoman-Regular.otf",  "opentype/urw-base35/NimbusSans-Regular.otf",
-      "opentype/urw-base35/C059-Roman.otf",           "opentype/urw-base35/P052-Italic.otf",
-      "opentype/urw-base35/NimbusMonoPS-Regular.otf", "opentype/urw-base35/URWBookman-Light.otf",
-      "opentype/urw-base35/NimbusSans-Bold.otf",      "opentype/urw-base35/NimbusRoman-Italic.otf",
-      "opentype/urw-base35/URWGothic-Book.otf",       "opentype/urw-base35/NimbusSansNarrow-Regular.otf",
-      "truetype/dejavu/DejaVuSans.ttf",               "truetype/dejavu/DejaVuSerif.ttf",
-      "truetype/dejavu/DejaVuSansMono.ttf",           "truetype/dejavu/DejaVuSerif-Bold.ttf"};
+  static constexpr const char* kFonts[] = {"opentype/urw-base35/NimbusRoman-Regular.otf",
+                                           "opentype/urw-base35/NimbusSans-Regular.otf",
+                                           "opentype/urw-base35/C059-Roman.otf",
+                                           "opentype/urw-base35/P052-Italic.otf",
+                                           "opentype/urw-base35/NimbusMonoPS-Regular.otf",
+                                           "opentype/urw-base35/URWBookman-Light.otf",
+                                           "opentype/urw-base35/NimbusSans-Bold.otf",
+                                           "opentype/urw-base35/NimbusRoman-Italic.otf",
+                                           "opentype/urw-base35/URWGothic-Book.otf",
+                                           "opentype/urw-base35/NimbusSansNarrow-Regular.otf",
+                                           "truetype/dejavu/DejaVuSans.ttf",
+                                           "truetype/dejavu/DejaVuSerif.ttf",
+                                           "truetype/dejavu/DejaVuSansMono.ttf",
+                                           "truetype/dejavu/DejaVuSerif-Bold.ttf"};
   std::vector<std::string> found;
   for (const char* name : kFonts) {
     const std::string path = std::string("/usr/share/fonts/") + name;
@@ -126,7 +132,8 @@ double PageMaker::text(const std::string& font, double size, PagePoint at, const
     const double left_edge = std::floor(pen.x), top_edge = std::floor(pen.y);
     FT_Vector delta = {std::lround((pen.x - left_edge) * 64), std::lround((top_edge - pen.y) * 64)};
     FT_Set_Transform(face, &matrix, &delta);
-    if (FT_Load_Char(face, static_cast<FT_ULong>(letter), FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP | FT_LOAD_RENDER) != 0) continue;
+    if (FT_Load_Char(face, static_cast<FT_ULong>(letter), FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP | FT_LOAD_RENDER) != 0)
+      continue;
     const FT_GlyphSlot glyph = face->glyph;
     const int left = static_cast<int>(left_edge) + glyph->bitmap_left, top = static_cast<int>(top_edge) - glyph->bitmap_top;
     for (int y = 0; y < static_cast<int>(glyph->bitmap.rows); ++y)
@@ -141,7 +148,7 @@ std::string PageMaker::words(int count) {
   std::string line;
   bool begins_sentence = below(6) == 0;
   for (int i = 0; i < count; ++i) {
-    std::string word = kWords[below(std::size(kWords))];
+    std::string word = kWords[below(static_cast<int>(std::size(kWords)))];
     if (below(40) == 0) word = std::to_string(below(2000));
     if (begins_sentence || below(14) == 0) word[0] = static_cast<char>(std::toupper(word[0]));
     begins_sentence = below(12) == 0;
@@ -189,7 +196,8 @@ void PageMaker::paragraphs(const std::string& font, double size, double spacing,
 void PageMaker::segment(PagePoint a, PagePoint b, double radius) {
   const double wide = b.x - a.x, high = b.y - a.y, length = std::max(std::hypot(wide, high), 1e-9);
   const double reach = radius + 1, slope = std::abs(wide) > 1e-6 ? high / wide : 1e6;
-  for (int x = static_cast<int>(std::max(0.0, std::min(a.x, b.x) - reach)); x <= std::min(width_ - 1.0, std::max(a.x, b.x) + reach); ++x) {
+  for (int x = static_cast<int>(std::max(0.0, std::min(a.x, b.x) - reach));
+       x <= std::min(width_ - 1.0, std::max(a.x, b.x) + reach); ++x) {
     const double middle = a.y + (x + 0.5 - a.x) * slope, half = (reach + 1) * (1 + std::abs(slope));
     const double top = std::max({0.0, std::min(a.y, b.y) - reach, middle - half});
     const double bottom = std::min({height_ - 1.0, std::max(a.y, b.y) + reach, middle + half});
@@ -263,7 +271,7 @@ void PageMaker::degrade(const ScanFaults& faults) {
     for (uint8_t& pixel : ink_) {
       // The sum of four bytes of a random number is near enough to a normal distribution.
       constexpr double kMean = 510, kDeviation = 147.8;
-      const uint32_t bits = random_();
+      const auto bits = static_cast<uint32_t>(random_());
       const uint32_t sum = (bits & 255) + (bits >> 8 & 255) + (bits >> 16 & 255) + (bits >> 24);
       pixel = byte_of(pixel / 255.0 + (sum - kMean) / kDeviation * faults.grain);
     }

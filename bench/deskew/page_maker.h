@@ -36,7 +36,7 @@ class PageMaker {
   void paragraphs(const std::string& font, double size, double spacing, PagePoint at, double width, double height,
                   bool is_justified);
   void stroke(const std::vector<PagePoint>& points, double thickness);
-  void box(PagePoint at, double width, double height);                      // solid
+  void box(PagePoint at, double width, double height);                       // solid
   void photo(PagePoint at, double width, double height, double screen_lpi);  // soft shapes through a screen of round dots
 
   // Of the scan, and therefore never slanted: sides of black, in pixels.

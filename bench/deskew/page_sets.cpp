@@ -127,9 +127,7 @@ void chart(PageMaker& page) {
   }
 }
 
-void photo(PageMaker& page) {
-  page.photo({-50, -50}, 700, 950, 65);
-}
+void photo(PageMaker& page) { page.photo({-50, -50}, 700, 950, 65); }
 
 void blank(PageMaker&) {}
 
@@ -149,7 +147,8 @@ void circles(PageMaker& page) {
     const PagePoint middle = {page.uniform(100, 500), page.uniform(100, 740)};
     const double radius = page.uniform(10, 90);
     for (int k = 0; k <= 90; ++k)
-      circle.push_back({middle.x + radius * std::cos(k * std::numbers::pi / 45), middle.y + radius * std::sin(k * std::numbers::pi / 45)});
+      circle.push_back({middle.x + radius * std::cos(k * std::numbers::pi / 45),
+                        middle.y + radius * std::sin(k * std::numbers::pi / 45)});
     page.stroke(circle, 1);
   }
 }
@@ -228,7 +227,8 @@ TestPage other_page(int number) {
   const int variant = number % kPagesOfKind, dpi = kResolutions[variant];
   const bool goes_down = kind.draw == sideways;
   const double degrees = kSlants[variant];
-  PageMaker page(goes_down ? kA4Height : kA4Width, kA4Height, dpi, degrees + (goes_down ? 90 : 0), static_cast<uint32_t>(number) + 1);
+  PageMaker page(goes_down ? kA4Height : kA4Width, kA4Height, dpi, degrees + (goes_down ? 90 : 0),
+                 static_cast<uint32_t>(number) + 1);
   kind.draw(page);
   if (kind.has_border) page.dark_border(dpi / 3, dpi / 8, dpi / 10, dpi / 2);
   TestPage made{kind.name, {}, page.scanned(kind.faults)};
