@@ -96,22 +96,22 @@ std::string large_table(const Run& run) {
       ratios.mean(), ratios.worst(), rows);
 }
 
-// "Pages" is the cost of the DLL's new result alone, "fresh" among the participants.
+// "Call" is what a call of the DLL costs without its pixels, "fresh" among the participants.
 std::string builds_table(const Run& run) {
   Ratios all, net;
   std::string rows;
   for (const Workload& workload : workloads()) {
     const auto dll = figure_of(run, workload.name, "dll"), native = figure_of(run, workload.name, "native");
     if (!dll || !native) continue;
-    const double pages = figure_of(run, workload.name, "fresh").value_or(0), ratio = std::max(*dll - pages, 0.0) / *native;
+    const double call = figure_of(run, workload.name, "fresh").value_or(0), ratio = std::max(*dll - call, 0.0) / *native;
     all.add(workload.name, *dll / *native);
     if (ratio > 0) net.add(workload.name, ratio);
-    rows += fmt::format("| {} | {} | {} | {} | {:.2f} | {:.2f} |\n", workload.name, shown(*native), shown(*dll),
-                        shown(pages), *dll / *native, ratio);
+    rows += fmt::format("| {} | {} | {} | {} | {:.2f} | {:.2f} |\n", workload.name, shown(*native), shown(*dll), shown(call),
+                        *dll / *native, ratio);
   }
   return fmt::format(
-      "Without the new pages of the result: geometric mean {:.2f}, worst {}. With them: {:.2f}, {}.\n\n"
-      "| workload | native | DLL | pages | DLL / native | without pages |\n| --- | ---: | ---: | ---: | ---: | ---: |\n{}",
+      "Without the cost of the call: geometric mean {:.2f}, worst {}. With it: {:.2f}, {}.\n\n"
+      "| workload | native | DLL | call | DLL / native | without call |\n| --- | ---: | ---: | ---: | ---: | ---: |\n{}",
       net.mean(), net.worst(), all.mean(), all.worst(), rows);
 }
 
