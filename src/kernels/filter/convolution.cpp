@@ -195,7 +195,13 @@ void write_grays(const Kernel& kernel, const Columns& all, uint8_t* __restrict r
 template <bool kClamps, class Quotient>
 void convolve_gray_rows(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch,
                         Quotient quotient) {
-  const auto read = [&](int y, uint8_t* samples) { std::memcpy(samples, source.row(y).data(), source.row(y).size()); };
+  const auto read = [&](int y, uint8_t* samples) {
+    const uint8_t* const row = source.row(y).data();
+    in_vectors(0, source.row(y).size(), [&]<class V>(size_t x) VOREL_INLINE {
+      __builtin_prefetch(row + x + source.stride(), 0, 2);
+      store(samples + x, load<V>(row + x));
+    });
+  };
   Convolution(kernel, source.size(), scratch)
       .run(read, [&](int y, size_t x, size_t count, const Columns& columns, const uint8_t*) {
         uint8_t* const to = result.row(y).data() + x;
