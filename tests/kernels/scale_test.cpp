@@ -48,6 +48,22 @@ TEST(ScaleKernels, MixTheSameAtEveryLevel) {
         }
 }
 
+// A result past the caches.
+TEST(ScaleKernels, LargeResult) {
+  const Size from{1501, 1300}, to{2311, 1900};
+  const Bytes dib = with_gray_ramp(noise(from.width, from.height, 8));
+  const Bytes expected = GuardedRows(plain_scaling(dib, false, to.width, to.height), 0, Edge::kEnd).pixels();
+  for_each_level([&](CpuLevel level) {
+    const GuardedRows source(dib, 1, Edge::kEnd), result(to, 8, 3, Edge::kEnd);
+    const Bytes gaps = result.gaps();
+    const GuardedBytes scratch = guarded_scratch(kernels::interpolation_scratch(from, to), Edge::kEnd);
+    kernels::scale(level).scale_colors(source.view(), colors_of(dib), result.view(), kernels::Interpolation::kLinear,
+                                       scratch.bytes());
+    EXPECT_TRUE(result.pixels() == expected);
+    EXPECT_TRUE(result.gaps() == gaps);
+  });
+}
+
 TEST(ScaleKernels, PickTheSameBitsAtEveryLevel) {
   for (const Size& from : kSources)
     for (const Size& to : kTargets) {

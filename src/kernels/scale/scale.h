@@ -40,7 +40,7 @@ struct ScaleTable {
 };
 
 constexpr ByteCount nearest_scratch(int depth, Size result) {
-  constexpr uint64_t kPerResultPixel = 3, kRest = 256;
+  constexpr uint64_t kPerResultPixel = 3, kRest = 512;
   return depth == 1 ? kPerResultPixel * static_cast<uint64_t>(result.width) + kRest : 0;
 }
 
