@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <emmintrin.h>
+#include <type_traits>
 #if defined(__AVX2__)
 #include <immintrin.h>
 #elif defined(__SSE4_1__)
@@ -80,6 +81,12 @@ template <class Step>
 }
 [[gnu::always_inline]] inline Byte1 smaller(Byte1 a, Byte1 b) { return a < b ? a : b; }
 [[gnu::always_inline]] inline Byte1 larger(Byte1 a, Byte1 b) { return a > b ? a : b; }
+
+// The highest bit of each byte, the first one's lowest.
+using Mask = std::conditional_t<kVectorBytes == 32, uint32_t, uint16_t>;
+[[gnu::always_inline]] inline Mask mask_of(Bytes bytes) {
+  return static_cast<Mask>(VOREL_INTRINSIC(movemask_epi8)((VOREL_VECTOR)bytes));
+}
 
 // The low or high eight bytes of each part, zero-extended; the same for words.
 [[gnu::always_inline]] inline Words low_words(Bytes bytes) {
@@ -191,13 +198,13 @@ template <int kBits>
 // Each byte with its bits in the opposite order.
 [[gnu::always_inline]] inline Bytes with_reversed_bits(Bytes bytes) {
 #ifdef __SSSE3__
-  constexpr auto kReversed = [] {
+  constexpr auto kReversedNibbles = [] {
     constexpr uint8_t kNibbles[] = {0, 8, 4, 12, 2, 10, 6, 14, 1, 9, 5, 13, 3, 11, 7, 15};
     std::array<uint8_t, kVectorBytes> nibbles{};
     for (size_t i = 0; i < kVectorBytes; ++i) nibbles[i] = kNibbles[i % 16];
     return nibbles;
   }();
-  const auto table = load<Bytes>(kReversed.data());
+  const auto table = load<Bytes>(kReversedNibbles.data());
   return (Bytes)((Words)shuffle(table, bytes & 0x0F) << 4) | shuffle(table, (Bytes)((Words)bytes >> 4) & 0x0F);
 #else
   return with_swapped_bits<1>(with_swapped_bits<2>(with_swapped_bits<4>(bytes, 0x0F), 0x33), 0x55);

@@ -31,8 +31,11 @@ void expect_pixels(const Bytes& dib, const Bytes& expected,
   SCOPED_TRACE(text_of(size));
   for_each_level([&](CpuLevel level) {
     for (const Edge edge : kEdges)
-      for (const size_t gap : {0u, 3u}) {
-        const GuardedRows source(dib, gap, edge), result(size, header.biBitCount, gap, edge);
+      for (size_t gap : {0u, 3u}) {
+        const GuardedRows source(dib, gap, edge);
+        // One size is also written past the caches.
+        if (gap != 0 && edge == Edge::kEnd && size.width == 515) gap = large_gap(size.height);
+        const GuardedRows result(size, header.biBitCount, gap, edge);
         const Bytes gaps = result.gaps();
         kernel(level, source.view(), result.view());
         EXPECT_EQ(result.pixels(), pixels_of(expected));
@@ -173,29 +176,6 @@ std::vector<Filter> filters() {
         all.push_back({{1, size, numbers}, kernel});
       }
   return all;
-}
-
-// Results past the caches. Pictures filtered in place never are.
-TEST(ToneKernels, LargePictures) {
-  const Size size{2311, 1900};
-  const GuardedRows colors(noise(size.width, size.height, 24), 1, Edge::kEnd);
-  const kernels::Kernel kernel = kernels::built_in_kernel(kernels::FilterType::kSharpen, 5);
-  const GuardedBytes scratch = guarded_scratch(kernels::convolution_scratch_bytes(kernel, size.width), Edge::kEnd);
-  for_each_level([&](CpuLevel level) {
-    const GuardedRows grays(size, 8, 3, Edge::kEnd), filtered(size, 8, 3, Edge::kEnd),
-        row({size.width, 1}, 8, 0, Edge::kEnd);
-    const Bytes gaps = grays.gaps();
-    kernels::tone(level).gray_rows(colors.view(), grays.view(), kernels::GrayRule::kWeighted);
-    for (int y = 0; y < size.height; ++y) {
-      const ConstDibView from(colors.view().row(y).data(), 0, size.width, 1, 24);
-      kernels::tone(level).gray_rows(from, row.view(), kernels::GrayRule::kWeighted);
-      ASSERT_TRUE(std::ranges::equal(grays.view().row(y), row.view().row(0))) << y;
-    }
-    kernels::filter(level).convolve_gray(grays.view(), filtered.view(), kernel, scratch.bytes());
-    kernels::filter(level).convolve_gray(grays.view(), grays.view(), kernel, scratch.bytes());
-    EXPECT_TRUE(filtered.pixels() == grays.pixels());
-    EXPECT_TRUE(grays.gaps() == gaps && filtered.gaps() == gaps) << "written between the rows";
-  });
 }
 
 TEST(FilterKernels, Convolve) {
