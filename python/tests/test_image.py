@@ -45,6 +45,12 @@ SAME_AS_VERBS = [
     (lambda p: p.halftone(), "halftone", "--method", "ordered"),
     (lambda p: p.halftone("threshold", 30), "halftone", "--method", "threshold", "--brightness", "30"),
     (lambda p: p.with_dpi((300, 150)), "convert", "--dpi", "300x150"),
+    (lambda p: p.threshold(), "threshold"),
+    (lambda p: p.threshold("sauvola", window="9px", k=0.2), "threshold", "sauvola", "--window", "9px", "--k", "0.2"),
+    (lambda p: p.deskew(confidence=0, black=True), "deskew", "--confidence", "0", "--black"),
+    (lambda p: p.orient(confidence=0), "orient", "--confidence", "0"),
+    (lambda p: p.despeckle("3px", colors="both"), "despeckle", "--size", "3px", "--colors", "both"),
+    (lambda p: p.crop_to_content("2px"), "crop", "auto", "--margin", "2px"),
 ]  # fmt: skip
 
 
@@ -91,6 +97,7 @@ def test_steps_run_as_by_the_command(vorel, folder):
     vorel("run", "scan.tif", "out.bmp", steps, "--page", "1")
     assert made.to_bytes("bmp") == (folder / "out.bmp").read_bytes() and page.to_bytes("bmp") == before
     assert page.run("dpi 100").dpi == (100, 100) and page.dpi == (200, 200)  # a change of the header alone
+    assert page.run("blank --most 100 --drop") is None
     assert made.file == "scan.tif" and [report["step"] for report in made.reports][-1] == "invert"
     with pytest.raises(vorel32.UsageError, match="did you mean"):
         page.run("claen 60")

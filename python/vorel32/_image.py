@@ -395,15 +395,7 @@ class Image:
         >>> page.size, [report["step"] for report in page.reports]
         ((1100, 850), ['clean', 'rotate', 'scale'])
         """
-        try:
-            picture, reports, losses = _chain(steps).apply(self.picture, self.file or "picture")
-        except Error as error:
-            raise error.about(self.file, self.page)
-        if picture is None:
-            return None
-        image = Image(picture, self.file, self.page)
-        image.reports, image.losses = reports, losses
-        return image
+        return self._told(_chain(steps))
 
     @staticmethod
     def check_steps(steps: str) -> str:
@@ -419,6 +411,23 @@ class Image:
             return Image(_step(*words).make(self.picture), self.file, self.page)
         except Error as error:
             raise error.about(self.file, self.page)
+
+    def _told(self, chain: Any) -> Image | None:
+        """The same with what the steps tell; None if one drops the page."""
+        try:
+            picture, reports, losses = chain.apply(self.picture, self.file or "picture")
+        except Error as error:
+            raise error.about(self.file, self.page)
+        if picture is None:
+            return None
+        image = Image(picture, self.file, self.page)
+        image.reports, image.losses = reports, losses
+        return image
+
+    def _page_step(self, *words: object) -> Image:
+        image = self._told(_step(*words))
+        assert image is not None  # no step called so drops a page
+        return image
 
     def rotate(self, degrees: int, *, white: bool = False) -> Image:
         """Turns clockwise by whole degrees. Quarter turns keep every pixel; other turns pick the nearest and make the picture
@@ -580,6 +589,54 @@ class Image:
         """
         return self._stepped("halftone", "--method", method, "--brightness", brightness)
 
+    def threshold(self, level: int | str = "otsu", *, window: str = "3.5mm", k: float = 0.34) -> Image:
+        """Black and white: white from a level on, from 0 to 256; from the level that "otsu" finds; or from local levels,
+        "sauvola", in a window of millimetres or pixels ("20px"), with less ink the higher `k`.
+
+        >>> Image.open("photo.png").threshold().reports[0]["method"]
+        'otsu'
+        """
+        local = ("--window", window, "--k", k) if level == "sauvola" else ()
+        return self._page_step("threshold", level, *local)
+
+    def deskew(self, *, confidence: float = 50, same_size: bool = False, black: bool = False) -> Image:
+        """Makes a slanted page of text straight. Leaves pages alone whose slant is less sure than `confidence` percent.
+
+        same_size  cuts off corners; else the page grows, so that all stays
+        black      fills what is left free with black; else with white
+
+        >>> page = Image.open("scan.tif").deskew()
+        >>> sorted(page.reports[0])
+        ['confidence', 'sentence', 'slant', 'step', 'turned', 'uncertainty']
+        """
+        options = ("--same-size" if same_size else None, "--black" if black else None)
+        return self._page_step("deskew", "--confidence", confidence, *options)
+
+    def orient(self, *, confidence: float = 50) -> Image:
+        """Turns a page of Latin text the right way up, by quarters, if that is sure by `confidence` percent.
+
+        >>> Image.open("scan.tif").orient().reports[0]["turned"]
+        0
+        """
+        return self._page_step("orient", "--confidence", confidence)
+
+    def despeckle(self, size: str = "0.25mm", *, colors: str = "ink") -> Image:
+        """Takes connected specks of a size, in millimetres or pixels ("4px"), off a black and white page: of "ink", "paper"
+        (holes in the ink) or "both".
+
+        >>> Image.open("scan.tif").despeckle("2px").reports[0]["most_pixels_across"]
+        2
+        """
+        return self._page_step("despeckle", "--size", size, "--colors", colors)
+
+    def crop_to_content(self, margin: str = "5mm") -> Image:
+        """Cuts a scanned page to what is on it and a margin, without the scanner's dark borders.
+
+        >>> Image.open("scan.tif").crop_to_content("0px").reports[0]["step"]
+        'crop'
+        """
+        return self._page_step("crop", "auto", "--margin", margin)
+
     def combine(self, overlay: Image, at: tuple[int, int] = (0, 0), *, mask: Image | None = None, mode: str = "replace") -> Image:
         """Paints another picture onto this one, its left upper corner at `at`. Of a 1-bit mask of the overlay's size black
         keeps what is below. `mode` is "replace", "or" or "xor".
@@ -605,7 +662,8 @@ class Image:
 
 @functools.lru_cache(maxsize=1024)
 def _step(*words: object) -> Any:
-    return _vorel32.Chain(" ".join(shlex.quote(str(word)) for word in words if word is not None))
+    texts = (f"{word:.12g}" if isinstance(word, float) else str(word) for word in words if word is not None)
+    return _vorel32.Chain(" ".join(map(shlex.quote, texts)))
 
 
 @functools.lru_cache(maxsize=64)
