@@ -46,7 +46,7 @@ class Image:
     page: int | None
     #: What the steps of `run` told of the picture, a dict for each: the step's name under "step", and its facts.
     reports: Sequence[dict[str, Any]]
-    #: What those steps lost besides what was asked for.
+    #: What loading or those steps lost besides what was asked for, each as "what is lost; what to do".
     losses: Sequence[str]
 
     def __init__(self, picture: _vorel32.Picture, file: str | None = None, page: int | None = None, readonly: bool = False) -> None:
@@ -72,8 +72,7 @@ class Image:
         >>> Image.open(pathlib.Path("scan.tif").read_bytes()).depth
         1
         """
-        file = Source(source, name)
-        return cls(file.load(page), file.name, page, readonly)
+        return _loaded(cls, Source(source, name), page, readonly)
 
     @classmethod
     def new(cls, width: int, height: int, depth: int = 24, *, palette: Sequence[Color] | None = None,
@@ -320,9 +319,9 @@ class Image:
         """Writes the picture.
 
         target       a path, whose file appears whole or not at all, or a file object open in binary mode
-        format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png; without it the ending of the name tells
+        format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png or a portable map (pnm, pbm, pgm, ppm); without it the ending of the name tells
         compression  of TIFF none, huffman, g3, g4, lzw, jpeg, deflate, packbits; of TGA none, rle
-        append       adds a page to a TIFF or DCX file that is there; that happens in place
+        append       adds a page to a TIFF, DCX or PNM file that is there; that happens in place
         overwrite    False: a file that is there is left alone, and OutputError raised
 
         >>> page = Image.open("scan.tif")
@@ -429,9 +428,9 @@ class Image:
         assert image is not None  # no step called so drops a page
         return image
 
-    def rotate(self, degrees: int, *, white: bool = False) -> Image:
-        """Turns clockwise by whole degrees. Quarter turns keep every pixel; other turns pick the nearest and make the picture
-        large enough for its corners, black or white.
+    def rotate(self, degrees: float, *, white: bool = False) -> Image:
+        """Turns clockwise. Quarter turns keep every pixel; other whole degrees pick the nearest, and fractions mix four pixels
+        of greys and true colours. The picture becomes large enough for its corners, black or white.
 
         >>> Image.open("scan.tif").rotate(90).size
         (2200, 1700)
@@ -456,14 +455,14 @@ class Image:
         return self._stepped("skew", direction, pixels, "--white" if white else None)
 
     def scale(self, size: float | tuple[int, int] | None = None, *, dpi: float | tuple[float, float] | None = None,
-              fit: bool = False, keep_dpi: bool = False, method: str = "linear") -> Image:  # fmt: skip
+              fit: bool = False, keep_dpi: bool = False, method: str | None = None) -> Image:  # fmt: skip
         """Makes the picture larger or smaller.
 
         size      (width, height) in pixels, or a factor for both
         dpi       in place of size: as many pixels as the size on paper has at this resolution
         fit       keeps the proportions: as large as fits into size
         keep_dpi  states the resolution of before, so that the size on paper changes
-        method    "linear", "cubic" or "nearest"; 1 bit is always "nearest"
+        method    "area", "linear", "cubic" or "nearest"; None: "area" to reduce, "linear" to enlarge
 
         >>> Image.open("photo.png").scale(0.5).size
         (320, 240)
@@ -480,7 +479,8 @@ class Image:
         if dpi is not None:
             x, y = dpi if isinstance(dpi, (tuple, list)) else (dpi, dpi)
             asked += ["--dpi", f"{x:g}x{y:g}"]
-        options = ["--fit" if fit else None, "--keep-dpi" if keep_dpi else None, "--method", method]
+        options = ["--fit" if fit else None, "--keep-dpi" if keep_dpi else None]
+        options += [] if method is None else ["--method", method]
         return self._stepped("scale", *asked, *options)
 
     def crop(self, left: int, top: int, width: int, height: int) -> Image:
@@ -573,8 +573,9 @@ class Image:
         """
         return self._stepped("clean", level, "--gentle" if gentle else None)
 
-    def dither(self, method: str = "fs", bits: int = 1) -> Image:
-        """Few colours by error diffusion: "fs", "jjn", or for 1 and 4 bits "smooth" and "sharp".
+    def dither(self, method: str = "jjn", bits: int = 1) -> Image:
+        """Few colours by error diffusion: "jjn", "fs", or for 1 and 4 bits "smooth" and "sharp". A picture that has no more bits
+        stays as it is.
 
         >>> Image.open("photo.png").dither("jjn", bits=8).depth
         8
@@ -671,6 +672,13 @@ def _chain(steps: str) -> Any:
     return _vorel32.Chain(steps)
 
 
+def _loaded(kind: type[Image], file: Source, page: int, readonly: bool) -> Image:
+    picture, losses = file.load(page)
+    image = kind(picture, file.name, page, readonly)
+    image.losses = losses
+    return image
+
+
 def _restored(content: bytes, file: str | None, page: int | None, readonly: bool) -> Image:
     return Image(_vorel32.Source.in_memory(content, "").load(1), file, page, readonly)
 
@@ -714,12 +722,12 @@ def pages(source: Readable, *, name: str | None = None, readonly: bool = False) 
     """
     file = Source(source, name)
     for page in range(1, file.count_pages() + 1):
-        yield Image(file.load(page), file.name, page, readonly)
+        yield _loaded(Image, file, page, readonly)
 
 
 def save_pages(target: str | os.PathLike[str], images: Iterable[Image], *, format: str | None = None, compression: str | None = None,
                overwrite: bool = True) -> int:  # fmt: skip
-    """Writes pictures as the pages of one TIFF or DCX file, which appears whole or not at all. Returns their number.
+    """Writes pictures as the pages of one TIFF, DCX or PNM file, which appears whole or not at all. Returns their number.
 
     >>> save_pages("clean.tif", (page.clean(60) for page in pages("scan.tif")), compression="g4")
     2
