@@ -43,6 +43,17 @@ class OpenDib {
   std::span<Rgb> colors(size_t count) const { return colors_in(bytes(), count); }
   // Without rows and columns if the picture has none.
   DibView pixels() const { return pixels_in(bytes(), header(), layout_); }
+  // The block has all bytes.
+  bool is_complete() const { return bytes_.held() == bytes_.bytes().size(); }
+  // The rows of which the block holds a byte; the rows behind them are zero. A few bytes can claim a large picture: where zeros
+  // stay zeros, kernels need no others.
+  ConstDibView held_rows() const { return pixels().first_rows(held_row_count()); }
+  // The same without the columns behind the last byte that is held, if that is in the first row.
+  ConstDibView held_pixels() const {
+    const ConstDibView rows = held_rows();
+    if (rows.height() != 1 || rows.depth() == 0) return rows;
+    return rows.with_width(static_cast<int>(std::min<uint64_t>(held_row_bytes() * 8 / rows.depth() + 1, rows.width())));
+  }
   // All bytes of the rows, padding included.
   std::span<uint8_t> rows() const { return bytes().subspan(head().size(), static_cast<size_t>(layout_.rows.value())); }
   // The rows and all bytes behind them, to the end of the block.
@@ -57,6 +68,12 @@ class OpenDib {
  private:
   OpenDib(const LockedDib& source, const LayoutRule& rule, const Layout& layout, CompleteBytes bytes)
       : source_(&source), rule_(rule), layout_(layout), bytes_(std::move(bytes)) {}
+
+  uint64_t held_row_bytes() const { return bytes_.held() - std::min<uint64_t>(bytes_.held(), layout_.offset.value()); }
+  int held_row_count() const {
+    const uint64_t stride = layout_.stride.value(), height = pixels().height();
+    return static_cast<int>(stride == 0 ? height : std::min((held_row_bytes() + stride - 1) / stride, height));
+  }
 
   const LockedDib* source_;
   LayoutRule rule_;

@@ -28,6 +28,8 @@ class CompleteBytes {
   }
 
   std::span<uint8_t> bytes() const { return bytes_; }
+  // The bytes that the block has; those behind them are zero.
+  size_t held() const { return std::min(bytes_.size(), block_.size()); }
 
   // Copies a private copy back into the block; bytes past the block's end are dropped.
   void write_back() const {

@@ -61,12 +61,13 @@ Result<OwnedDib> rotated(const LockedDib& source, int32_t angle, kernels::Steppi
   if (!rotation.is_countable()) return Error::kTurnMemory;
 
   const OpenDib opened = VOREL_TRY(OpenDib::open(source).or_error(Error::kTurnMemory));
-  const bool is_overwritten = is_pixel_depth(header.depth) && has_pixels(header);
+  const ConstDibView held = opened.held_rows();
+  const bool is_overwritten = is_pixel_depth(header.depth) && held.height() > 0;
   NewDib::Allocate* const allocate = is_overwritten ? OwnedDib::allocate_unset_or_retry : OwnedDib::allocate_or_retry;
   auto result = NewDib::like(opened, turned_header(header, rotation, angle), allocate);
   if (!result) return result.error() == Error::kLock ? Error::kTurnLock : Error::kTurnMemory;
-  result->clear_padding();
-  kernels::turn().rotate(opened.pixels(), result->pixels(), rotation, stepping);
+  if (is_overwritten) result->clear_padding();
+  kernels::turn().rotate(held, result->pixels(), rotation, stepping);
   return OwnedDib(std::move(*result));
 }
 

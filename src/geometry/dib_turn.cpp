@@ -24,25 +24,42 @@ DibHeader quarter_turned_header(DibHeader header) {
   return header;
 }
 
-void move_pixels(ConstDibView source, DibView result, DibTurn turn) {
-  const int width = source.width();
-  const int height = source.height();
+DibView last_rows(DibView view, int count) {
+  return {view.row(view.height() - count).data(), view.stride(), view.width(), count, view.depth()};
+}
+
+void turn_clockwise(const OpenDib& source, DibView result) {
+  const ConstDibView held = source.held_pixels();
+  const DibView written = last_rows(result, held.width()).with_width(held.height());
+  kernels::turn().quarter_turn(held, written,
+                               {.first_column = 0, .column_step = 1, .first_row = held.width() - 1, .row_step = -1});
+}
+
+// A quirk that is kept: every pixel lands one column too far right. Column 0 stays empty, and source row 0 goes to the column
+// past the last: the row's padding, the next row's first pixel, or the spare bytes.
+void turn_counter_clockwise(const OpenDib& source, DibView result) {
+  const ConstDibView held = source.held_pixels();
+  if (held.height() == 0) return;
+  const int height = source.pixels().height();
+  const DibView written = result.first_rows(held.width());
+  kernels::turn().quarter_turn(held.without_first_row(), written,
+                               {.first_column = height - 1, .column_step = -1, .first_row = 0, .row_step = 1});
+  kernels::turn().row_to_column(held.first_rows(1), written.with_width(height + 1), height);
+}
+
+// Rows that the source does not hold are zero and stay as they are in the result.
+void move_pixels(const OpenDib& source, DibView result, DibTurn turn) {
+  const ConstDibView held = source.held_rows();
+  // At quarter turns the result has other rows.
+  const DibView last = is_quarter(turn) ? result : last_rows(result, held.height());
   switch (turn) {
-    case DibTurn::kClockwise:
-      return kernels::turn().quarter_turn(source, result,
-                                          {.first_column = 0, .column_step = 1, .first_row = width - 1, .row_step = -1});
-    case DibTurn::kCounterClockwise:
-      // A quirk that is kept: every pixel lands one column too far right. Column 0 stays empty, and source row 0 goes to the
-      // column past the last: the row's padding, the next row's first pixel, or the spare bytes.
-      if (height == 0) return;
-      kernels::turn().quarter_turn(source.without_first_row(), result,
-                                   {.first_column = height - 1, .column_step = -1, .first_row = 0, .row_step = 1});
-      return kernels::turn().row_to_column(source.first_rows(1), result.with_width(height + 1), height);
-    case DibTurn::kHalf: return kernels::turn().half_turn(source, result);
-    case DibTurn::kLeftRight: return kernels::turn().mirror_left_right(source, result);
+    case DibTurn::kClockwise: return turn_clockwise(source, result);
+    case DibTurn::kCounterClockwise: return turn_counter_clockwise(source, result);
+    case DibTurn::kHalf: return kernels::turn().half_turn(held, last);
+    case DibTurn::kLeftRight: return kernels::turn().mirror_left_right(held, result.first_rows(held.height()));
     case DibTurn::kTopBottom: {
-      const int whole_row = static_cast<int>(source.stride());
-      return kernels::turn().mirror_top_bottom(source.byte_rows(whole_row), result.byte_rows(whole_row));
+      const int whole_row = static_cast<int>(held.stride());
+      return kernels::turn().mirror_top_bottom(held.byte_rows(whole_row), last.byte_rows(whole_row));
     }
   }
 }
@@ -55,11 +72,11 @@ Result<OwnedDib> turned(const LockedDib& source, DibTurn turn) {
 
   const DibHeader result_header = is_quarter(turn) ? quarter_turned_header(header) : header;
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kRule).or_error(Error::kUnreported));
-  const bool is_overwritten = turn == DibTurn::kTopBottom || is_pixel_depth(header.depth);
+  const bool is_overwritten = opened.is_complete() && (turn == DibTurn::kTopBottom || is_pixel_depth(header.depth));
   NewDib::Allocate* const allocate = is_overwritten ? OwnedDib::allocate_unset : OwnedDib::allocate;
   NewDib result = VOREL_TRY(NewDib::like(opened, result_header, allocate, kSpareBytes).or_error(Error::kUnreported));
-  result.clear_padding();
-  move_pixels(opened.pixels(), result.pixels(), turn);
+  if (is_overwritten) result.clear_padding();
+  move_pixels(opened, result.pixels(), turn);
   return OwnedDib(std::move(result));
 }
 

@@ -26,8 +26,6 @@ class RowOutput {
       : streams_(result.height() > 0 &&
                  static_cast<uint64_t>(result.stride()) * static_cast<uint64_t>(result.height()) >= kStreamedBytes &&
                  source.row(0).data() != result.row(0).data()) {}
-  // For rows that do not leave the caches.
-  RowOutput() = default;
   RowOutput(const RowOutput&) = delete;
   RowOutput& operator=(const RowOutput&) = delete;
   ~RowOutput() {
@@ -86,7 +84,7 @@ class RowOutput {
     std::memcpy(to + i, from + i, count - i);
   }
 
-  bool streams_ = false;
+  bool streams_;
 };
 
 }  // namespace vorel::kernels::VOREL_LEVEL

@@ -43,11 +43,13 @@ Range common(Range a, Range b) { return {std::max(a.begin, b.begin), std::min(a.
 Range pixels_on(Range dots, Range image, int pixels) {
   if (dots.length() == 0) return {0, 0};
   const float scale = static_cast<float>(image.length()) / static_cast<float>(pixels);
-  // NOLINTNEXTLINE(bugprone-incorrect-roundings): edges lie at or behind the image's, and half a pixel counts as one
-  const auto pixel_at = [&](int dot) { return static_cast<int>(static_cast<float>(dot - image.begin) / scale + 0.5f); };
+  const auto pixel_at = [&](int dot) {
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): edges lie at or behind the image's, and half a pixel counts as one
+    return static_cast<int64_t>(static_cast<float>(dot - image.begin) / scale + 0.5f);
+  };
   // A band that is thinner than a pixel still shows one.
-  const int begin = std::clamp(pixel_at(dots.begin), 0, pixels - 1);
-  return {begin, std::clamp(pixel_at(dots.end), begin + 1, pixels)};
+  const auto begin = std::clamp<int64_t>(pixel_at(dots.begin), 0, pixels - 1);
+  return {static_cast<int>(begin), static_cast<int>(std::clamp<int64_t>(pixel_at(dots.end), begin + 1, pixels))};
 }
 
 Range across(Rect rect) { return {rect.x, rect.x + rect.width}; }

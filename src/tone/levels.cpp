@@ -22,15 +22,15 @@ DibHeader true_color_header(DibHeader header) {
 Result<OwnedDib> with_mapped_table(const OpenDib& source, const kernels::ComponentTable& table) {
   const DibHeader& header = source.header();
   const ByteCount image_bytes = stated_image_bytes(header);
-  NewDib result = VOREL_TRY(NewDib::make(header, image_bytes, {}, OwnedDib::allocate_unset_or_retry));
+  const auto rows = source.rows_and_rest();
+  const bool is_overwritten = ByteCount(rows.size()) >= image_bytes;
+  NewDib result = VOREL_TRY(NewDib::make(header, image_bytes, {},
+                                         is_overwritten ? OwnedDib::allocate_unset_or_retry : OwnedDib::allocate_or_retry));
   std::ranges::transform(source.colors(DIBNumColors(header)), result.colors().begin(), [&](Rgb color) {
     return Rgb{table[color.blue], table[color.green], table[color.red], color.reserved};
   });
-  const auto rows = source.rows_and_rest();
   const auto image = result.image().first(static_cast<size_t>(image_bytes.value()));
-  const size_t there = std::min(rows.size(), image.size());
-  std::ranges::copy(rows.first(there), image.begin());
-  std::ranges::fill(image.subspan(there), uint8_t{0});
+  std::ranges::copy(rows.first(std::min(rows.size(), image.size())), image.begin());
   return OwnedDib(std::move(result));
 }
 

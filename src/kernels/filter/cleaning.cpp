@@ -144,7 +144,7 @@ void take_rank_in_row(const uint8_t* below, const uint8_t* row, const uint8_t* a
     V value = ranked<kRank, V>(below + x, row + x, above + x);
     if constexpr (kReach == Reach::kGentle) {
       const V here = load<V>(row + x);
-      value = (here < kNearlyBlack) | (here > kNearlyWhite) ? value : here;
+      value = ((here < kNearlyBlack) | (here > kNearlyWhite)) ? value : here;
     }
     store(&result[x], value);
   });

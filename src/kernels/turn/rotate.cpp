@@ -109,6 +109,9 @@ class CountedPixels {
     return position;
   }
 
+  // Tiles outside the source cost nothing that is worth saving.
+  bool passes_by(int) { return false; }
+
   // Starts the next columns.
   void start_tile(int column, int count) {
     column_ = column;
@@ -200,12 +203,32 @@ class ExactPixels {
       : source_(source), step_(rotation.column_step), row_step_(rotation.row_step) {}
 
   Point start_band(Point position, int rows) {
+    last_row_ = rows - 1;
     for (int i = 0; i < kRows; ++i) {
       x_at_[i] = position.x;
       y_at_[i] = position.y;
       if (i < rows) position = position + row_step_;
     }
     return position;
+  }
+
+  // Goes past the next columns if none of their pixels can lie in the source.
+  bool passes_by(int count) {
+    const auto is_outside = [&](const double* starts, double step, int size) {
+      const double way = step * count, a = starts[0], b = starts[last_row_];
+      const double least = std::min(a, b) + std::min(way, 0.0), most = std::max(a, b) + std::max(way, 0.0);
+      return most < -kMargin || least > size + kMargin;
+    };
+    if (!is_outside(x_at_, step_.x, source_.width) && !is_outside(y_at_, step_.y, source_.height)) return false;
+    const Doubles x_step = Doubles::all(step_.x), y_step = Doubles::all(step_.y);
+    for (int row = 0; row < kRows; row += Doubles::kCount) {
+      Doubles x = Doubles::load(x_at_ + row), y = Doubles::load(y_at_ + row);
+      for (int column = 0; column < count; ++column, x = x + x_step, y = y + y_step) {
+      }
+      x.store(x_at_ + row);
+      y.store(y_at_ + row);
+    }
+    return true;
   }
 
   void start_tile(int, int count) {
@@ -244,9 +267,11 @@ class ExactPixels {
   }
 
  private:
+  static constexpr double kMargin = 2;  // pixels; rounding moves positions by far less
+
   Size source_;
   Point step_, row_step_;
-  int count_ = 0;
+  int count_ = 0, last_row_ = 0;
   double x_at_[kRows], y_at_[kRows];
   int32_t x_[kTileColumns][kRows], y_[kTileColumns][kRows];
 };
@@ -355,6 +380,12 @@ struct Line {
   }
 };
 
+template <int kDepth>
+void clear_tile(DibView result, int column, int count, int first_row, int rows) {
+  for (int i = 0; i < rows; ++i)
+    std::memset(result.row(first_row + i).data() + row_bytes(kDepth, column), 0, row_bytes(kDepth, count));
+}
+
 template <int kDepth, class Pixels>
 void write_tile(ConstDibView source, DibView result, Pixels& pixels, int column, int count, int first_row, int rows) {
   Range ranges[Pixels::kRows];
@@ -366,10 +397,7 @@ void write_tile(ConstDibView source, DibView result, Pixels& pixels, int column,
     box.include(pixels.x(i, range.end - 1), pixels.y(i, range.end - 1));
   }
   const size_t byte = row_bytes(kDepth, column);
-  if (box.is_empty()) {
-    for (int i = 0; i < rows; ++i) std::memset(result.row(first_row + i).data() + byte, 0, row_bytes(kDepth, count));
-    return;
-  }
+  if (box.is_empty()) return clear_tile<kDepth>(result, column, count, first_row, rows);
   const auto write = [&](const uint8_t* memory, const auto& grid) {
     pixels.place(grid);
     for (int i = 0; i < rows; ++i) {
@@ -399,6 +427,10 @@ void write_tiles(ConstDibView source, DibView result, const Rotation& rotation) 
     position = pixels.start_band(position, rows);
     for (int x = 0; x < result.width(); x += kTileColumns) {
       const int count = std::min(kTileColumns, result.width() - x);
+      if (pixels.passes_by(count)) {
+        clear_tile<kDepth>(result, x, count, y, rows);
+        continue;
+      }
       pixels.start_tile(x, count);
       write_tile<kDepth>(source, result, pixels, x, count, y, rows);
     }

@@ -25,12 +25,14 @@ struct Block {
 
 constexpr uint8_t kMostLocks = 255;
 
-// A movable block's handle: the entry's generation above its index, and a mark that no address from malloc carries.
+// A movable block's handle: the entry's generation above its index, and a mark that no address from malloc carries. In 32 bits
+// there is room for the low bits of the generation.
 constexpr uintptr_t kMovableMark = 2;
-constexpr size_t kMostMovable = size_t{1} << 30;
+constexpr int kIndexBits = sizeof(uintptr_t) > 4 ? 30 : 20, kGenerationShift = kIndexBits + 2;
+constexpr size_t kMostMovable = size_t{1} << kIndexBits;
 
 HGLOBAL handle_of(size_t index, uint32_t generation) {
-  return reinterpret_cast<HGLOBAL>(uintptr_t{generation} << 32 | index << 2 | kMovableMark);
+  return reinterpret_cast<HGLOBAL>(uintptr_t{generation} << kGenerationShift | index << 2 | kMovableMark);
 }
 
 // The content of a block until a block owns it.
@@ -148,10 +150,10 @@ class Blocks {
   // The entry behind a movable block's handle; null for a dead handle.
   Block* movable(HGLOBAL handle) {
     const auto value = reinterpret_cast<uintptr_t>(handle);
-    const size_t index = (value & 0xFFFFFFFFu) >> 2;
+    const size_t index = value >> 2 & (kMostMovable - 1);
     if ((value & 3) != kMovableMark || index >= movable_.size()) return nullptr;
     Block& block = movable_[index];
-    return block.used && block.generation == value >> 32 ? &block : nullptr;
+    return block.used && handle_of(index, block.generation) == handle ? &block : nullptr;
   }
 
   static HGLOBAL reallocate_movable(HGLOBAL handle, Block& block, size_t bytes, UINT flags) {
