@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the missing packages that building, testing and the demo need on Debian 12, then builds the codecs of the Windows build
 # (get-codecs.sh). Prints what it installs before it does, asks no questions, and can be run again at any time.
-# usage: setup.sh [--cluster]   (with what demo-cluster.sh needs besides)
+# usage: setup.sh [--cluster|--checks]   (with what demo-cluster.sh or tools/check/ needs besides)
 set -euo pipefail
 
 NATIVE=(build-essential cmake ninja-build ccache pkg-config
@@ -13,6 +13,8 @@ PICTURES=(libtiff-tools netpbm python3-pil giflib-tools libwmf-bin emf2svg libue
 PAPER=(ghostscript)  # makes pictures of what was printed
 PYTHON=(python3-dev python3-pip python3-venv python3-setuptools python3-wheel pybind11-dev python3-numpy python3-pytest)
 WINE=(wine wine32:i386)
+CHECKS=()
+[ "${1:-}" != --checks ] || CHECKS=(g++-multilib gcovr)  # for 32-bit builds and coverage in tools/check
 CLUSTER=()
 [ "${1:-}" != --cluster ] || CLUSTER=(python3-distributed slurm-wlm munge parallel bc)  # for demo-cluster.sh
 
@@ -70,7 +72,8 @@ install_packages() {
 
 main() {
   local wanted
-  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${CLUSTER[@]}" "${WINE[@]}")
+  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${CLUSTER[@]}" \
+    "${CHECKS[@]}" "${WINE[@]}")
   if [ "${#wanted[@]}" -gt 0 ]; then
     say "installing ${wanted[*]}"
     [ -z "$(missing "${WINE[@]}")" ] || say "with 32-bit Wine, which runs the Windows build, that is about 600 MB"

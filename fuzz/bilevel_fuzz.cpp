@@ -1,0 +1,20 @@
+// Dithering and halftoning of pictures whose headers may lie.
+#include "calls.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  fuzz::Input input(data, size);
+  const int operation = input.byte() % 8;
+  const int number = input.number();
+  const fuzz::Picture picture(input);
+  if (!picture.is_acceptable()) return 0;
+  constexpr std::array kDithers = {DitherFS4, DitherJJN, DitherSmooth, DitherSharp};
+  fuzz::make(picture, [&](HGLOBAL dib) {
+    WORD error = 0;
+    HGLOBAL result = operation < 4 ? kDithers[static_cast<size_t>(operation)](dib, number)
+                                   : Halftone(dib, static_cast<WORD>(operation - 4), number, &error);
+    while (GlobalUnlock(dib) != FALSE) {
+    }
+    return result;
+  });
+  return 0;
+}
