@@ -18,6 +18,9 @@
 #include <utility>
 
 #include "random_call.h"
+#ifdef _WIN32
+#include "guarded_memory.h"
+#endif
 
 namespace {
 
@@ -333,11 +336,27 @@ struct Options {
   std::string tested, only;
   uint64_t seed = 1;
   long from = 0, count = 20'000;
+  size_t guarded = 0;
 };
+
+#ifdef _WIN32
+// Gives library and program memory whose blocks end at pages without access.
+void guard(Library& library, size_t alignment) {
+  guarded::guard_dll(alignment);
+  library.GlobalAlloc = guarded::global_alloc;
+  library.GlobalFree = guarded::global_free;
+  library.GlobalLock = guarded::global_lock;
+  library.GlobalSize = guarded::global_size;
+  library.GlobalUnlock = guarded::global_unlock;
+}
+#endif
 
 // With --only, calls keep the numbers that they have in a run of all exports.
 void run(const Options& options) {
-  const Library library(std::filesystem::absolute(options.tested));
+  Library library(std::filesystem::absolute(options.tested));
+#ifdef _WIN32
+  if (options.guarded != 0) guard(library, options.guarded);
+#endif
   for (long index = options.from, left = options.count; left > 0; ++index) {
     Random random(options.seed << 32 ^ static_cast<uint64_t>(index));
     const Export& entry = kExports[random.next() % kExports.size()];
@@ -361,6 +380,9 @@ int main(int argc, char** argv) try {
   app.add_option("--from", options.from, "number of the first call")->capture_default_str();
   app.add_option("--count", options.count, "calls to make")->capture_default_str();
   app.add_option("--only", options.only, "an export: make its calls alone")->check(CLI::IsMember(names()));
+#ifdef _WIN32
+  app.add_option("--guarded", options.guarded, "align blocks so, and end them at pages without access");
+#endif
   CLI11_PARSE(app, argc, argv);
   run(options);
   return 0;

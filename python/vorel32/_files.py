@@ -55,10 +55,9 @@ class Source:
         with self._named(page):
             return self._source.compression(page)
 
-    def load(self, page: int) -> tuple[_vorel32.Picture, list[str]]:
-        """A page, and what loading takes from it."""
+    def load(self, page: int) -> _vorel32.Picture:
         with self._named(page):
-            return self._source.load(page), self._source.losses(page)
+            return self._source.load(page)
 
     @contextmanager
     def _named(self, page: int | None = None) -> Iterator[None]:

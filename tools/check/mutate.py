@@ -1,0 +1,130 @@
+#!/usr/bin/python3
+"""Changes single tokens of the library's code and runs the tests of the changed file: a test must fail.
+
+usage: mutate.py BUILD [--count N] [--seed N] [--list FILE]
+
+BUILD is a configured build of this folder's sources. Each change is made in the source itself and taken back, so run it in a copy
+(coverage.sh does). A change that does not compile is replaced by another one. A change is killed if a test fails, crashes or does not
+end. Changes that cannot be told from the outside count as survivors too.
+"""
+import argparse
+import json
+import pathlib
+import random
+import re
+import subprocess
+import sys
+
+# The tests that cover a folder.
+TESTS = {
+    "src/bilevel": "bilevel_test kernels_test",
+    "src/kernels/bilevel": "kernels_test bilevel_test",
+    "src/kernels/filter": "tone_test kernels_test",
+    "src/kernels/rle": "formats_test",
+    "src/kernels/scale": "kernels_test geometry_test",
+    "src/kernels/tone": "tone_test kernels_test",
+    "src/kernels/turn": "geometry_test kernels_test",
+    "src/dib": "dib_test geometry_test",
+    "src/display": "display_test",
+    "src/exports": "geometry_test tone_test bilevel_test formats_test dib_test exports_test frame_test display_test image_file_test",
+    "src/formats": "formats_test image_file_test",
+    "src/frame": "frame_test",
+    "src/geometry": "geometry_test",
+    "src/metafile": "metafile_test",
+    "src/platform/posix": "platform_test image_file_test frame_test",
+    "src/print": "print_test",
+    "src/tone": "tone_test",
+    "codecs/common": "codec_test",
+    "codecs/gif": "codec_test foreign_files_test",
+    "codecs/jpeg": "codec_test foreign_files_test",
+    "codecs/pcx": "codec_test foreign_files_test",
+    "codecs/png": "codec_test foreign_files_test",
+    "codecs/tga": "codec_test foreign_files_test",
+    "codecs/tiff": "codec_test foreign_files_test",
+}
+CHANGES = {
+    "<": ["<="], "<=": ["<"], ">": [">="], ">=": [">"], "==": ["!="], "!=": ["=="], "&&": ["||"], "||": ["&&"],
+    "+": ["-"], "-": ["+"], "*": ["+"], "/": ["*"], "%": ["/"], "+=": ["-="], "-=": ["+="], "<<": [">>"], ">>": ["<<"],
+    "&": ["|"], "|": ["&"], "^": ["|"], "++": ["--"], "--": ["++"], "true": ["false"], "false": ["true"], "min": ["max"], "max": ["min"],
+}
+TOKEN = re.compile(r"\b(?:true|false|min|max)\b|(?<![\w.'])\d+(?![\w.'])|<<=|>>=|<=>|->|::|&&|\|\||[<>=!+\-]=|\+\+|--|<<|>>|[-+*/%<>&|^]")
+
+
+def candidates(path):
+    """Places of tokens outside comments, literals, declarations of templates and preprocessor lines."""
+    text = path.read_text()
+    hidden = re.compile(r"//[^\n]*|/\*.*?\*/|\"(?:\\.|[^\"\\\n])*\"|'(?:\\.|[^'\\\n])*'|^[ \t]*#[^\n]*|\btemplate <[^\n]*|static_assert[^\n]*",
+                        re.S | re.M)
+    plain = hidden.sub(lambda match: re.sub(r"[^\n]", " ", match.group()), text)
+    for match in TOKEN.finditer(plain):
+        token = match.group()
+        spaced = plain[match.start() - 1:match.start()] == " " and plain[match.end():match.end() + 1] == " "
+        if token in "<>&|*-+/%^" and not spaced:  # templates, references, pointers, signs
+            continue
+        if token.isdigit():
+            yield match.start(), token, str(int(token) + 1)
+        for other in CHANGES.get(token, []):
+            yield match.start(), token, other
+
+
+def tests_of(path):
+    folder = path.parent
+    while str(folder) not in TESTS:
+        if folder == folder.parent:
+            return None
+        folder = folder.parent
+    return TESTS[str(folder)].split()
+
+
+def run(command, seconds):
+    try:
+        done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=seconds)
+        return done.returncode, done.stdout.decode(errors="replace")
+    except subprocess.TimeoutExpired:
+        return -1, "no end"
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("build")
+    parser.add_argument("--count", type=int, default=300)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--list", default="/dev/null", help="receives the survivors")
+    options = parser.parse_args()
+    here = pathlib.Path.cwd()
+    compiled = {pathlib.Path(unit["file"]) for unit in json.loads(pathlib.Path(options.build, "compile_commands.json").read_text())}
+    files = sorted(p.relative_to(here) for p in compiled if p.is_relative_to(here) and tests_of(p.relative_to(here)))
+    places = [(path, *candidate) for path in files for candidate in candidates(path)]
+    random.Random(options.seed).shuffle(places)
+    killed, survivors, broken = 0, [], 0
+    for path, start, token, other in places:
+        if killed + len(survivors) == options.count:
+            break
+        original = path.read_text()
+        path.write_text(original[:start] + other + original[start + len(token):])
+        line = original.count("\n", 0, start) + 1
+        name = f"{path}:{line}: {token} becomes {other}: {original.splitlines()[line - 1].strip()}"
+        try:
+            tests = tests_of(path)
+            # Modules are loaded, not linked.
+            targets = tests + ["codec_modules"] if "codec" in tests[0] else tests
+            code, output = run(["cmake", "--build", options.build, "--target", *targets], 900)
+            if code != 0:
+                broken += 1
+                continue
+            is_killed = any(run(["ctest", "--test-dir", options.build, "-R", f"^{test}$", "--timeout", "120"], 300)[0] != 0
+                            for test in tests)
+        finally:
+            path.write_text(original)
+        if is_killed:
+            killed += 1
+        else:
+            survivors.append(name)
+        print("killed  " if is_killed else "survives", name, flush=True)
+    pathlib.Path(options.list).write_text("".join(f"{name}\n" for name in survivors)) if options.list != "/dev/null" else None
+    print(f"killed={killed} survived={len(survivors)} not_compiled={broken} candidates={len(places)}")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# Goal "sanitizers": nothing reports: the native tests with the address and undefined-behaviour sanitizers in 64 and 32 bits, with the
+# thread sanitizer, with the C++ library's assertions; random calls of a DLL that traps undefined behaviour and whose blocks end at
+# pages without access. No report is suppressed.
+# usage: sanitizers.sh quick|release
+# Quick: the tests of the library in 64 bits (those of the programs and codecs are left out), the tests with threads, 5,000 calls of the
+# DLL. Release: all tests in 64 bits, those that need no third-party library in 32 bits, 20,000 calls.
+set -uo pipefail
+cd "$(dirname "$0")/../.."
+./tools/setup.sh --checks || exit 1
+mode=${1:-quick}
+folder=build/check/sanitizers
+mkdir -p "$folder"
+short=() done=()
+
+own_tests=(platform_test frame_test dib_test formats_test metafile_test geometry_test kernels_test tone_test bilevel_test print_test
+           display_test exports_test)
+thread_tests=(platform_test frame_test display_test)
+declare -A options=(
+  [asan]=""  # as the preset says
+  [asan32]="-DVOREL_SANITIZE=ON -DCMAKE_C_FLAGS=-m32;-msse2;-mfpmath=sse"
+  [tsan]="-DVOREL_SANITIZE=ON -DVOREL_SANITIZERS=thread"
+  [assertions]="-DVOREL_ASSERTIONS=ON"
+)
+
+logged() { "$@" >>"$folder/build.log" 2>&1 || { tail -n 20 "$folder/build.log"; return 1; }; }
+
+# run NAME TEST...: builds the tests with the options of NAME and runs them; without tests all.
+run() {
+  local name=$1 pattern log=$folder/$1.log tests
+  shift
+  pattern=$([ $# = 0 ] && echo . || (IFS='|'; echo "^($*)$"))
+  if [ "$name" = asan ]; then
+    logged cmake --preset asan || { short+=("$name does not build"); return; }
+    tests=build/asan
+  else
+    tests=$folder/$name
+    local words
+    IFS=' ' read -ra words <<<"${options[$name]}"
+    words=("${words[@]//;/ }")
+    [ "$name" != asan32 ] || words+=("-DCMAKE_CXX_FLAGS=-m32 -msse2 -mfpmath=sse")
+    logged cmake -S . -B "$tests" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1 -DNDEBUG" \
+      "${words[@]}" || { short+=("$name does not build"); return; }
+  fi
+  logged cmake --build "$tests" ${1:+--target "$@"} || { short+=("$name does not build"); return; }
+  ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1 UBSAN_OPTIONS=print_stacktrace=1 TSAN_OPTIONS=halt_on_error=1 \
+    ctest --test-dir "$tests" -R "$pattern" --output-on-failure --timeout 900 >"$log" 2>&1 || short+=("$name ($log)")
+  done+=("$name $(sed -n 's/.*tests passed, \([0-9]*\) tests failed out of \([0-9]*\)/\2 tests, \1 failed/p' "$log")")
+}
+
+# A DLL that ends the program at undefined behaviour gives the same lines with guarded memory as an ordinary one without.
+run_dll() {
+  local calls=$1 lines=$folder/dll trapping=$folder/win32-trap
+  : >"$lines.new"
+  logged cmake --preset win32 && logged cmake --build --preset win32 --target vorel32_dll hash_results || { short+=("the DLL does not build"); return; }
+  logged cmake -S . -B "$trapping" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/i686-w64-mingw32.cmake" \
+    -DVOREL_TESTS=OFF -DVOREL_TRAPS=ON && logged cmake --build "$trapping" --target vorel32_dll || { short+=("the trapping DLL does not build"); return; }
+  hash() { ./tools/run-wine.sh build/win32/bin/hash_results.exe "$@" --count "$calls" 2>&1 | tr -d '\r'; }
+  hash "$PWD/build/win32/bin/VOREL32.DLL" >"$lines.plain"
+  hash "$PWD/build/win32/bin/VOREL32.DLL" --guarded 1 >"$lines.guarded"
+  hash "$PWD/$trapping/bin/VOREL32.DLL" --guarded 8 >"$lines.trapping"
+  for kind in guarded trapping; do
+    if [ "$(wc -l <"$lines.plain")" = "$calls" ] && cmp -s "$lines.plain" "$lines.$kind"; then
+      done+=("DLL $kind $calls calls")
+    else
+      short+=("DLL $kind: $(tail -n 1 "$lines.$kind" | cut -c 1-120)")
+    fi
+  done
+}
+
+: >"$folder/build.log"
+run tsan "${thread_tests[@]}"
+run_dll "$([ "$mode" = release ] && echo 20000 || echo 5000)"
+if [ "$mode" = release ]; then
+  run asan
+  run asan32 "${own_tests[@]}"
+  run assertions "${own_tests[@]}"
+else
+  run asan "${own_tests[@]}"
+fi
+list() { local IFS=';'; echo "$*" | sed 's/;/; /g'; }
+suppressions=$(grep -rlE 'no_sanitize|__lsan_ignore|__asan_default_options|suppressions=' src codecs apps include | wc -l)
+[ "$suppressions" = 0 ] || short+=("$suppressions files suppress reports")
+printf 'asked: no report, nothing suppressed | reached: %s; %d short%s\n' "$(list "${done[@]}")" "${#short[@]}" "${short[*]:+: $(list "${short[@]}")}"
+[ "${#short[@]}" = 0 ]

@@ -1,0 +1,138 @@
+// Memory for VOREL32.DLL in which each block ends at a page without access: a byte read or written behind a block ends the program.
+// The DLL's import table is patched.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+#include <windows.h>
+
+#include "win32/support/imports.h"
+
+namespace guarded {
+
+inline constexpr size_t kPage = 4096;
+
+// A piece of memory that ends, up to an alignment, at a page without access, with another such page in front.
+class Piece {
+ public:
+  Piece(size_t bytes, size_t alignment) : bytes_(bytes) {
+    const size_t room = (bytes + alignment - 1) / alignment * alignment, pages = (room + kPage - 1) / kPage * kPage;
+    reserved_ = static_cast<uint8_t*>(VirtualAlloc(nullptr, pages + 2 * kPage, MEM_RESERVE, PAGE_NOACCESS));
+    if (reserved_ == nullptr) return;
+    if (pages != 0 && VirtualAlloc(reserved_ + kPage, pages, MEM_COMMIT, PAGE_READWRITE) == nullptr) return;
+    data_ = reserved_ + kPage + pages - room;
+  }
+  Piece(const Piece&) = delete;
+  Piece& operator=(const Piece&) = delete;
+  ~Piece() { VirtualFree(reserved_, 0, MEM_RELEASE); }
+
+  uint8_t* data() const { return data_; }  // null when memory is short
+  size_t bytes() const { return bytes_; }
+
+ private:
+  uint8_t *reserved_ = nullptr, *data_ = nullptr;
+  size_t bytes_;
+};
+
+struct Block {
+  std::unique_ptr<Piece> piece;
+  int locks = 0;
+};
+
+struct Memory {
+  size_t alignment = 1;  // of global blocks
+  std::mutex mutex;
+  std::unordered_map<void*, Block> blocks;                 // by handle
+  std::unordered_map<void*, std::unique_ptr<Piece>> heap;  // by address
+  uintptr_t handles = 0;                                   // no handle is used twice
+};
+// Lives as long as the process.
+inline Memory& memory() {
+  static auto* const all = new Memory;
+  return *all;
+}
+
+inline Block* block_of(HGLOBAL handle) {
+  const auto found = memory().blocks.find(handle);
+  return found == memory().blocks.end() ? nullptr : &found->second;
+}
+
+inline HGLOBAL WINAPI global_alloc(UINT flags, SIZE_T bytes) {
+  const std::lock_guard guard(memory().mutex);
+  auto piece = std::make_unique<Piece>(bytes, memory().alignment);
+  if (piece->data() == nullptr) return nullptr;
+  if ((flags & GMEM_ZEROINIT) == 0) std::memset(piece->data(), 0xA5, bytes);
+  auto* const handle = reinterpret_cast<HGLOBAL>(++memory().handles << 4 | 2);
+  memory().blocks[handle] = {std::move(piece)};
+  return handle;
+}
+inline LPVOID WINAPI global_lock(HGLOBAL handle) {
+  const std::lock_guard guard(memory().mutex);
+  Block* const block = block_of(handle);
+  if (block == nullptr) return nullptr;
+  ++block->locks;
+  return block->piece->data();
+}
+inline BOOL WINAPI global_unlock(HGLOBAL handle) {
+  const std::lock_guard guard(memory().mutex);
+  Block* const block = block_of(handle);
+  return block != nullptr && block->locks > 0 && --block->locks > 0;
+}
+inline SIZE_T WINAPI global_size(HGLOBAL handle) {
+  const std::lock_guard guard(memory().mutex);
+  const Block* const block = block_of(handle);
+  return block == nullptr ? 0 : block->piece->bytes();
+}
+inline HGLOBAL WINAPI global_free(HGLOBAL handle) {
+  const std::lock_guard guard(memory().mutex);
+  return memory().blocks.erase(handle) != 0 ? nullptr : handle;
+}
+
+// The heap of the DLL: scratch memory and what its C++ library takes.
+inline void* heap_alloc(size_t bytes) {
+  constexpr size_t kHeapAlignment = 8;
+  const std::lock_guard guard(memory().mutex);
+  auto piece = std::make_unique<Piece>(bytes, kHeapAlignment);
+  uint8_t* const data = piece->data();
+  if (data != nullptr) memory().heap[data] = std::move(piece);
+  return data;
+}
+inline void* __cdecl heap_calloc(size_t count, size_t bytes) {
+  return bytes != 0 && count > SIZE_MAX / 2 / bytes ? nullptr : heap_alloc(count * bytes);
+}
+inline void* __cdecl heap_malloc(size_t bytes) {
+  void* const data = heap_alloc(bytes);
+  if (data != nullptr) std::memset(data, 0xA5, bytes);
+  return data;
+}
+// Blocks from before the table was patched are the system's.
+inline void __cdecl heap_free(void* data) {
+  {
+    const std::lock_guard guard(memory().mutex);
+    if (memory().heap.erase(data) != 0) return;
+  }
+  std::free(data);
+}
+
+// Patches the table of the loaded DLL for as long as the process runs.
+inline void guard_dll(size_t alignment) {
+  memory().alignment = alignment;
+  const auto replace = [](const char* name, auto* function) {
+    static std::vector<std::unique_ptr<test::Replacement>> all;
+    all.push_back(std::make_unique<test::Replacement>(name, function));
+  };
+  replace("GlobalAlloc", global_alloc);
+  replace("GlobalLock", global_lock);
+  replace("GlobalUnlock", global_unlock);
+  replace("GlobalSize", global_size);
+  replace("GlobalFree", global_free);
+  replace("calloc", heap_calloc);
+  replace("malloc", heap_malloc);
+  replace("free", heap_free);
+}
+
+}  // namespace guarded
