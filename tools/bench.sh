@@ -3,7 +3,7 @@
 # usage: bench.sh [BENCHMARK_OPTION...]          each operation beside copying the same bytes ("copies") and its plain version ("plain")
 #        bench.sh --peers [OPTION...]            the library beside other libraries, where they are installed (bench/peers/setup.sh)
 #        bench.sh --dll [OPTION...]              the Windows build under Wine beside the native one
-#        bench.sh --commands [ROUNDS]            whole commands beside other programs
+#        bench.sh --commands [OPTION...]         whole commands beside other programs
 #        bench.sh --note SECTION JSON_FILE...    writes the medians of such runs into docs/speed.md; SECTION is peers, dll or commands
 # The three comparisons print Markdown and keep their figures in build/bench/*.json; OPTION is one of bench/peers, for example
 # --only rotate,conv --repeat 3. Run them on an idle machine.
@@ -43,7 +43,8 @@ dll() {
   build native peers
   build win32 peers
   ./tools/run-wine.sh --session bash -c 'wine cmd /c exit >&2; exec "$@"' - build/native/bin/peers_bench --json build/bench/dll.json \
-    --participant "native=$PWD/build/native/bin/peer_ours" --participant "dll=wine $PWD/build/win32/bin/peer_ours.exe 2>/dev/null" "$@"
+    --participant "native=$PWD/build/native/bin/peer_ours" --participant "dll=wine $PWD/build/win32/bin/peer_ours.exe 2>/dev/null" \
+    --participant "fresh=wine $PWD/build/win32/bin/peer_fresh.exe 2>/dev/null" "$@"
 }
 
 # note SECTION: standard input replaces what is between the section's marks.
@@ -62,7 +63,11 @@ note() {
 case "${1:-}" in
   --peers) shift; peers "$@" ;;
   --dll) shift; dll "$@" ;;
-  --commands) shift; build native vorel codec_modules peers_commands; bench/commands/run.sh "$@" ;;
+  --commands)
+    shift
+    build native vorel codec_modules peers_commands
+    bench/commands/run.sh "$@"
+    ;;
   --note)
     section=$2
     shift 2

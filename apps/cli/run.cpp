@@ -61,15 +61,20 @@ std::string dash_hint(const std::vector<std::string>& given) {
 
 class CommandLine {
  public:
-  CommandLine() : parser_("vorel", "Look at, convert and transform picture files.", Parser::Help::kOnRequest) {
+  // Declares the verb that the first word names, and all of them where it names none: each takes time at every start.
+  explicit CommandLine(const std::vector<std::string>& words)
+      : parser_("vorel", "Look at, convert and transform picture files.", Parser::Help::kOnRequest) {
     Arguments tool = parser_.arguments();
     tool.flag("--version", shows_version_, "Print the version and exit");
+    const auto is_named = [&](const auto* verb) { return !words.empty() && words.front() == verb->name; };
+    const bool names_one = std::ranges::any_of(kVerbs, is_named) || std::ranges::any_of(kSteps, is_named);
     for (const Verb* verb : kVerbs) {
-      if (verb->needs_windows && !programs::has_drawing()) continue;
+      if ((verb->needs_windows && !programs::has_drawing()) || (names_one && !is_named(verb))) continue;
       Arguments arguments = tool.verb(verb->name, verb->purpose, kVerbGroup);
       actions_[verb->name] = verb->declare(arguments);
     }
     for (const Step* step : kSteps) {
+      if (names_one && !is_named(step)) continue;
       Arguments arguments = tool.verb(step->name, step->purpose, kStepGroup);
       actions_[step->name] = declare_step_verb(arguments, *step);
     }
@@ -124,7 +129,7 @@ class CommandLine {
 };
 
 ExitCode run_checked(std::vector<std::string> arguments, const Streams& streams) {
-  const ExitCode code = CommandLine().run(std::move(arguments), streams);
+  const ExitCode code = CommandLine(arguments).run(arguments, streams);
   if (!streams.output.flush()) {
     throw Failure(ExitCode::kOutput, "standard output", "not all could be written; check that its reader is still there");
   }

@@ -56,10 +56,11 @@ struct Step {
 };
 
 // In the order of the help.
-extern const Step kRotate, kMirror, kSkew, kScale, kCrop, kDpi, kInvert, kTone, kLut, kFilter, kGray, kExpand, kClean,
-    kDither, kHalftone;
-inline constexpr const Step* kSteps[] = {&kRotate, &kMirror, &kSkew, &kScale,  &kCrop,  &kDpi,    &kInvert,  &kTone,
-                                         &kLut,    &kFilter, &kGray, &kExpand, &kClean, &kDither, &kHalftone};
+extern const Step kRotate, kMirror, kSkew, kDeskew, kOrient, kScale, kCrop, kDpi, kInvert, kTone, kLut, kFilter, kGray,
+    kExpand, kClean, kDespeckle, kBlank, kThreshold, kDither, kHalftone;
+inline constexpr const Step* kSteps[] = {&kRotate, &kMirror,    &kSkew,  &kDeskew,    &kOrient, &kScale,   &kCrop,
+                                         &kDpi,    &kInvert,    &kTone,  &kLut,       &kFilter, &kGray,    &kExpand,
+                                         &kClean,  &kDespeckle, &kBlank, &kThreshold, &kDither, &kHalftone};
 
 // Runs a step on a page, which gets its report.
 void run_step(const Step& step, const Change& change, Page& page);

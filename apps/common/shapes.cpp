@@ -9,6 +9,7 @@
 #include "common/problem.h"
 #include "core/nearest_color.h"
 #include "core/pixel.h"
+#include "kernels/scale/scale.h"
 
 namespace vorel::programs {
 namespace {
@@ -109,10 +110,16 @@ Picture turned_by_any(const Picture& picture, int degrees) {
 
 // ---- Scaling ----
 
-// The library has this for 1 bit per pixel alone, and leaves the last rows and columns empty where it magnifies.
+// The library exports this for 1 bit per pixel alone, and its kernel leaves the last rows and columns empty where it magnifies.
 Picture scaled_to_nearest(const Picture& picture, Size size) {
   Picture result = blank_like(picture, size, picture.depth());
   const DibView from = picture.pixels(), to = result.pixels();
+  if (size.width <= from.width() && size.height <= from.height()) {
+    std::vector<uint8_t> scratch(static_cast<size_t>(kernels::nearest_scratch(picture.depth(), size).value()));
+    kernels::scale().scale_nearest(from, {0, 0, from.width(), from.height()}, to, scratch);
+    clear_padding(result);
+    return result;
+  }
   const auto source_of = [](int at, int source, int count) {
     return std::min(source - 1, static_cast<int>((int64_t{4} * count + int64_t{8} * at * source) / (int64_t{8} * count)));
   };

@@ -1,4 +1,4 @@
-/* Times calls of the library on a picture of 8 x 8 pixels: nanoseconds for a call and the release of its result. */
+/* Times calls of the library on a picture of 8 x 8 pixels: nanoseconds of processor time for a call and the release of its result. */
 #include <stdio.h>
 #include <string.h>
 #include <time.h>
@@ -7,7 +7,7 @@
 
 static double seconds(void) {
   struct timespec now;
-  clock_gettime(CLOCK_MONOTONIC, &now);
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
   return (double)now.tv_sec + (double)now.tv_nsec / 1e9;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "bindings.h"
+#include "common/formats.h"
 #include "common/picture_file.h"
 #include "common/problem.h"
 #include "common/saving.h"
@@ -36,6 +37,7 @@ class Source {
     return unlocked([&] { return file_.count_pages(); });
   }
   const char* format() const { return file_.format().word; }
+  std::vector<std::string> losses(int page) const { return file_.losses(page); }
   std::optional<std::string> compression(int page) const {
     return unlocked([&] { return file_.compression(page); });
   }
@@ -58,14 +60,14 @@ const FileFormat* savable(const FileFormat* format) {
 
 std::string savable_words() {
   std::string words;
-  for (const FileFormat& format : file_formats())
-    if (savable(&format) != nullptr) words += (words.empty() ? "" : ", ") + std::string(format.word);
+  for (const FileFormat* format : programs::picture_formats())
+    if (savable(format) != nullptr) words += (words.empty() ? "" : ", ") + std::string(format->word);
   return words;
 }
 
 // What the format, a name or an ending, and its options ask for.
 Saving saving_for(const std::string& format, const std::string& compression, bool interlaced) {
-  const FileFormat* const kind = savable(format_called(format));
+  const FileFormat* const kind = savable(programs::picture_format_called(format));
   if (kind == nullptr) throw Problem(Fault::kWrongUse, "\"" + format + "\" is none of " + savable_words());
   Saving saving{.format = kind, .interlaced = interlaced};
   if (interlaced && kind->code != FormatCode::kGif) throw Problem(Fault::kWrongUse, "only GIF files can be interlaced");
@@ -99,6 +101,7 @@ void bind_files(py::module_& module) {
       .def("load", &Source::load)
       .def("count_pages", &Source::count_pages)
       .def("compression", &Source::compression)
+      .def("losses", &Source::losses)
       .def_property_readonly("format", &Source::format);
   py::class_<MemoryFile>(module, "MemoryFile")
       .def(py::init<>())
@@ -108,8 +111,9 @@ void bind_files(py::module_& module) {
         return py::bytes(bytes.data(), bytes.size());
       });
   module.def("save", &save);
+  module.def("holds_pages", [](const std::string& format) { return saving_for(format, "", false).format->holds_pages; });
   module.def("format_for_name", [](const std::string& name) -> std::optional<std::string> {
-    const FileFormat* const format = savable(format_for_name(name));
+    const FileFormat* const format = savable(programs::picture_format_for_name(name));
     return format == nullptr ? std::nullopt : std::optional<std::string>(format->word);
   });
 }

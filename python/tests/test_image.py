@@ -19,6 +19,7 @@ SAME_AS_VERBS = [
     (lambda p: p.rotate(90), "rotate", "90"),
     (lambda p: p.rotate(-7, white=True), "rotate", "-7", "--white"),
     (lambda p: p.rotate(0), "rotate", "0"),
+    (lambda p: p.rotate(1.25), "rotate", "1.25"),
     (lambda p: p.mirror(), "mirror", "horizontal"),
     (lambda p: p.mirror("vertical"), "mirror", "vertical"),
     (lambda p: p.skew("horizontal", 9), "skew", "horizontal", "9"),
@@ -26,7 +27,7 @@ SAME_AS_VERBS = [
     (lambda p: p.scale((31, 77), method="cubic"), "scale", "31x77", "--method", "cubic"),
     (lambda p: p.scale(1.37, keep_dpi=True), "scale", "137%", "--keep-dpi", "--method", "linear"),
     (lambda p: p.scale((90, 90), fit=True, method="nearest"), "scale", "90x90", "--fit", "--method", "nearest"),
-    (lambda p: p.scale(dpi=(100, 50)), "scale", "--dpi", "100x50", "--method", "linear"),
+    (lambda p: p.scale(dpi=(100, 50)), "scale", "--dpi", "100x50"),
     (lambda p: p.crop(3, 5, 40, 20), "crop", "3,5", "40x20"),
     (lambda p: p.crop(0, 0, *p.size), "crop", "0,0", "{size}"),
     (lambda p: p.invert(), "invert"),
@@ -40,11 +41,17 @@ SAME_AS_VERBS = [
      "filter", "kernel", "--kernel", "1 2 1 2 4 2 1 2 1", "--weighted"),
     (lambda p: p.clean(60), "clean", "60"),
     (lambda p: p.clean(40, gentle=True), "clean", "40", "--gentle"),
-    (lambda p: p.dither(), "dither", "--method", "fs"),
+    (lambda p: p.dither(), "dither"),
     (lambda p: p.dither("jjn", 4), "dither", "--method", "jjn", "--bits", "4"),
-    (lambda p: p.halftone(), "halftone", "--method", "ordered"),
+    (lambda p: p.halftone(), "halftone"),
     (lambda p: p.halftone("threshold", 30), "halftone", "--method", "threshold", "--brightness", "30"),
     (lambda p: p.with_dpi((300, 150)), "convert", "--dpi", "300x150"),
+    (lambda p: p.threshold(), "threshold"),
+    (lambda p: p.threshold("sauvola", window="9px", k=0.2), "threshold", "sauvola", "--window", "9px", "--k", "0.2"),
+    (lambda p: p.deskew(confidence=0, black=True), "deskew", "--confidence", "0", "--black"),
+    (lambda p: p.orient(confidence=0), "orient", "--confidence", "0"),
+    (lambda p: p.despeckle("3px", colors="both"), "despeckle", "--size", "3px", "--colors", "both"),
+    (lambda p: p.crop_to_content("2px"), "crop", "auto", "--margin", "2px"),
 ]  # fmt: skip
 
 
@@ -91,6 +98,7 @@ def test_steps_run_as_by_the_command(vorel, folder):
     vorel("run", "scan.tif", "out.bmp", steps, "--page", "1")
     assert made.to_bytes("bmp") == (folder / "out.bmp").read_bytes() and page.to_bytes("bmp") == before
     assert page.run("dpi 100").dpi == (100, 100) and page.dpi == (200, 200)  # a change of the header alone
+    assert page.run("blank --most 100 --drop") is None
     assert made.file == "scan.tif" and [report["step"] for report in made.reports][-1] == "invert"
     with pytest.raises(vorel32.UsageError, match="did you mean"):
         page.run("claen 60")
@@ -163,7 +171,7 @@ def test_pillow_images_come_back(mode):
     assert (np.asarray(picture.invert().to_pil().convert("RGB")) == 255 - np.asarray(expected)).all()
 
 
-@pytest.mark.parametrize("format", ["tiff", "pcx", "dcx", "gif", "tga", "bmp", "jpeg", "png", "cals"])
+@pytest.mark.parametrize("format", ["tiff", "pcx", "dcx", "gif", "tga", "bmp", "jpeg", "png", "cals", "ppm"])
 def test_files_in_memory_are_those_on_disk(format, tmp_path, vorel):
     pixels = noise((40, 30)) > 90 if format == "cals" else noise((40, 30)) if format == "gif" else noise((40, 30, 3))
     picture = Image.from_array(pixels, dpi=300)

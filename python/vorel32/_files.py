@@ -55,9 +55,10 @@ class Source:
         with self._named(page):
             return self._source.compression(page)
 
-    def load(self, page: int) -> _vorel32.Picture:
+    def load(self, page: int) -> tuple[_vorel32.Picture, list[str]]:
+        """A page, and what loading takes from it."""
         with self._named(page):
-            return self._source.load(page)
+            return self._source.load(page), self._source.losses(page)
 
     @contextmanager
     def _named(self, page: int | None = None) -> Iterator[None]:

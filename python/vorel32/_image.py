@@ -46,7 +46,7 @@ class Image:
     page: int | None
     #: What the steps of `run` told of the picture, a dict for each: the step's name under "step", and its facts.
     reports: Sequence[dict[str, Any]]
-    #: What those steps lost besides what was asked for.
+    #: What loading or those steps lost besides what was asked for, each as "what is lost; what to do".
     losses: Sequence[str]
 
     def __init__(self, picture: _vorel32.Picture, file: str | None = None, page: int | None = None, readonly: bool = False) -> None:
@@ -72,8 +72,7 @@ class Image:
         >>> Image.open(pathlib.Path("scan.tif").read_bytes()).depth
         1
         """
-        file = Source(source, name)
-        return cls(file.load(page), file.name, page, readonly)
+        return _loaded(cls, Source(source, name), page, readonly)
 
     @classmethod
     def new(cls, width: int, height: int, depth: int = 24, *, palette: Sequence[Color] | None = None,
@@ -320,9 +319,9 @@ class Image:
         """Writes the picture.
 
         target       a path, whose file appears whole or not at all, or a file object open in binary mode
-        format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png; without it the ending of the name tells
+        format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png or a portable map (pnm, pbm, pgm, ppm); without it the ending of the name tells
         compression  of TIFF none, huffman, g3, g4, lzw, jpeg, deflate, packbits; of TGA none, rle
-        append       adds a page to a TIFF or DCX file that is there; that happens in place
+        append       adds a page to a TIFF, DCX or PNM file that is there; that happens in place
         overwrite    False: a file that is there is left alone, and OutputError raised
 
         >>> page = Image.open("scan.tif")
@@ -395,15 +394,7 @@ class Image:
         >>> page.size, [report["step"] for report in page.reports]
         ((1100, 850), ['clean', 'rotate', 'scale'])
         """
-        try:
-            picture, reports, losses = _chain(steps).apply(self.picture, self.file or "picture")
-        except Error as error:
-            raise error.about(self.file, self.page)
-        if picture is None:
-            return None
-        image = Image(picture, self.file, self.page)
-        image.reports, image.losses = reports, losses
-        return image
+        return self._told(_chain(steps))
 
     @staticmethod
     def check_steps(steps: str) -> str:
@@ -420,9 +411,26 @@ class Image:
         except Error as error:
             raise error.about(self.file, self.page)
 
-    def rotate(self, degrees: int, *, white: bool = False) -> Image:
-        """Turns clockwise by whole degrees. Quarter turns keep every pixel; other turns pick the nearest and make the picture
-        large enough for its corners, black or white.
+    def _told(self, chain: Any) -> Image | None:
+        """The same with what the steps tell; None if one drops the page."""
+        try:
+            picture, reports, losses = chain.apply(self.picture, self.file or "picture")
+        except Error as error:
+            raise error.about(self.file, self.page)
+        if picture is None:
+            return None
+        image = Image(picture, self.file, self.page)
+        image.reports, image.losses = reports, losses
+        return image
+
+    def _page_step(self, *words: object) -> Image:
+        image = self._told(_step(*words))
+        assert image is not None  # no step called so drops a page
+        return image
+
+    def rotate(self, degrees: float, *, white: bool = False) -> Image:
+        """Turns clockwise. Quarter turns keep every pixel; other whole degrees pick the nearest, and fractions mix four pixels
+        of greys and true colours. The picture becomes large enough for its corners, black or white.
 
         >>> Image.open("scan.tif").rotate(90).size
         (2200, 1700)
@@ -447,14 +455,14 @@ class Image:
         return self._stepped("skew", direction, pixels, "--white" if white else None)
 
     def scale(self, size: float | tuple[int, int] | None = None, *, dpi: float | tuple[float, float] | None = None,
-              fit: bool = False, keep_dpi: bool = False, method: str = "linear") -> Image:  # fmt: skip
+              fit: bool = False, keep_dpi: bool = False, method: str | None = None) -> Image:  # fmt: skip
         """Makes the picture larger or smaller.
 
         size      (width, height) in pixels, or a factor for both
         dpi       in place of size: as many pixels as the size on paper has at this resolution
         fit       keeps the proportions: as large as fits into size
         keep_dpi  states the resolution of before, so that the size on paper changes
-        method    "linear", "cubic" or "nearest"; 1 bit is always "nearest"
+        method    "area", "linear", "cubic" or "nearest"; None: "area" to reduce, "linear" to enlarge
 
         >>> Image.open("photo.png").scale(0.5).size
         (320, 240)
@@ -471,7 +479,8 @@ class Image:
         if dpi is not None:
             x, y = dpi if isinstance(dpi, (tuple, list)) else (dpi, dpi)
             asked += ["--dpi", f"{x:g}x{y:g}"]
-        options = ["--fit" if fit else None, "--keep-dpi" if keep_dpi else None, "--method", method]
+        options = ["--fit" if fit else None, "--keep-dpi" if keep_dpi else None]
+        options += [] if method is None else ["--method", method]
         return self._stepped("scale", *asked, *options)
 
     def crop(self, left: int, top: int, width: int, height: int) -> Image:
@@ -564,8 +573,9 @@ class Image:
         """
         return self._stepped("clean", level, "--gentle" if gentle else None)
 
-    def dither(self, method: str = "fs", bits: int = 1) -> Image:
-        """Few colours by error diffusion: "fs", "jjn", or for 1 and 4 bits "smooth" and "sharp".
+    def dither(self, method: str = "jjn", bits: int = 1) -> Image:
+        """Few colours by error diffusion: "jjn", "fs", or for 1 and 4 bits "smooth" and "sharp". A picture that has no more bits
+        stays as it is.
 
         >>> Image.open("photo.png").dither("jjn", bits=8).depth
         8
@@ -579,6 +589,54 @@ class Image:
         1
         """
         return self._stepped("halftone", "--method", method, "--brightness", brightness)
+
+    def threshold(self, level: int | str = "otsu", *, window: str = "3.5mm", k: float = 0.34) -> Image:
+        """Black and white: white from a level on, from 0 to 256; from the level that "otsu" finds; or from local levels,
+        "sauvola", in a window of millimetres or pixels ("20px"), with less ink the higher `k`.
+
+        >>> Image.open("photo.png").threshold().reports[0]["method"]
+        'otsu'
+        """
+        local = ("--window", window, "--k", k) if level == "sauvola" else ()
+        return self._page_step("threshold", level, *local)
+
+    def deskew(self, *, confidence: float = 50, same_size: bool = False, black: bool = False) -> Image:
+        """Makes a slanted page of text straight. Leaves pages alone whose slant is less sure than `confidence` percent.
+
+        same_size  cuts off corners; else the page grows, so that all stays
+        black      fills what is left free with black; else with white
+
+        >>> page = Image.open("scan.tif").deskew()
+        >>> sorted(page.reports[0])
+        ['confidence', 'sentence', 'slant', 'step', 'turned', 'uncertainty']
+        """
+        options = ("--same-size" if same_size else None, "--black" if black else None)
+        return self._page_step("deskew", "--confidence", confidence, *options)
+
+    def orient(self, *, confidence: float = 50) -> Image:
+        """Turns a page of Latin text the right way up, by quarters, if that is sure by `confidence` percent.
+
+        >>> Image.open("scan.tif").orient().reports[0]["turned"]
+        0
+        """
+        return self._page_step("orient", "--confidence", confidence)
+
+    def despeckle(self, size: str = "0.25mm", *, colors: str = "ink") -> Image:
+        """Takes connected specks of a size, in millimetres or pixels ("4px"), off a black and white page: of "ink", "paper"
+        (holes in the ink) or "both".
+
+        >>> Image.open("scan.tif").despeckle("2px").reports[0]["most_pixels_across"]
+        2
+        """
+        return self._page_step("despeckle", "--size", size, "--colors", colors)
+
+    def crop_to_content(self, margin: str = "5mm") -> Image:
+        """Cuts a scanned page to what is on it and a margin, without the scanner's dark borders.
+
+        >>> Image.open("scan.tif").crop_to_content("0px").reports[0]["step"]
+        'crop'
+        """
+        return self._page_step("crop", "auto", "--margin", margin)
 
     def combine(self, overlay: Image, at: tuple[int, int] = (0, 0), *, mask: Image | None = None, mode: str = "replace") -> Image:
         """Paints another picture onto this one, its left upper corner at `at`. Of a 1-bit mask of the overlay's size black
@@ -605,12 +663,20 @@ class Image:
 
 @functools.lru_cache(maxsize=1024)
 def _step(*words: object) -> Any:
-    return _vorel32.Chain(" ".join(shlex.quote(str(word)) for word in words if word is not None))
+    texts = (f"{word:.12g}" if isinstance(word, float) else str(word) for word in words if word is not None)
+    return _vorel32.Chain(" ".join(map(shlex.quote, texts)))
 
 
 @functools.lru_cache(maxsize=64)
 def _chain(steps: str) -> Any:
     return _vorel32.Chain(steps)
+
+
+def _loaded(kind: type[Image], file: Source, page: int, readonly: bool) -> Image:
+    picture, losses = file.load(page)
+    image = kind(picture, file.name, page, readonly)
+    image.losses = losses
+    return image
 
 
 def _restored(content: bytes, file: str | None, page: int | None, readonly: bool) -> Image:
@@ -656,12 +722,12 @@ def pages(source: Readable, *, name: str | None = None, readonly: bool = False) 
     """
     file = Source(source, name)
     for page in range(1, file.count_pages() + 1):
-        yield Image(file.load(page), file.name, page, readonly)
+        yield _loaded(Image, file, page, readonly)
 
 
 def save_pages(target: str | os.PathLike[str], images: Iterable[Image], *, format: str | None = None, compression: str | None = None,
                overwrite: bool = True) -> int:  # fmt: skip
-    """Writes pictures as the pages of one TIFF or DCX file, which appears whole or not at all. Returns their number.
+    """Writes pictures as the pages of one TIFF, DCX or PNM file, which appears whole or not at all. Returns their number.
 
     >>> save_pages("clean.tif", (page.clean(60) for page in pages("scan.tif")), compression="g4")
     2

@@ -28,9 +28,10 @@ import uuid
 from dataclasses import dataclass, field
 from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Union
 
+from . import _vorel32
 from ._errors import Error, InputError, LimitError, OutputError, UsageError
 from ._files import format_of
-from ._image import Image, pages, save_pages
+from ._image import Image, count_pages, pages, save_pages
 
 if TYPE_CHECKING:
     from distributed import Client
@@ -38,7 +39,6 @@ if TYPE_CHECKING:
 #: Steps as `Image.run` takes them, or a function of an image that makes an image. A cluster's workers must be able to import it.
 Steps = Union[str, Callable[[Image], Image]]
 
-_SEVERAL_PAGES = ("tiff", "dcx")
 _SECONDS_BETWEEN_LOOKS = 1.0
 
 
@@ -84,9 +84,7 @@ class _Job:
         try:
             stem, ending = os.path.splitext(target)
             found = [target] if os.path.exists(target) else []
-            if not found and self.format not in _SEVERAL_PAGES:
-                from ._image import count_pages
-
+            if not found and not _vorel32.holds_pages(self.format):
                 found = [f"{stem}-{page}{ending}" for page in range(1, count_pages(path) + 1)]
             born = os.stat(path).st_mtime_ns
             return found if found and all(os.stat(name).st_mtime_ns >= born for name in found) else []
@@ -112,7 +110,7 @@ class _Job:
             record.outputs, record.skipped = found, True
             return
         made = (self.apply(page) for page in pages(path))
-        if self.format in _SEVERAL_PAGES:
+        if _vorel32.holds_pages(self.format):
             record.pages = self._put([(target, made)])
             record.outputs = [target]
             return
@@ -146,7 +144,7 @@ def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os
     """Processes all pages of files and yields a record for each file, in the order in which they are done.
 
     steps        see Image.run; or a function of an image that makes an image
-    out          the folder for the outputs, which are named after their inputs. TIFF and DCX files get all pages of an input;
+    out          the folder for the outputs, which are named after their inputs. TIFF, DCX and PNM files get all pages of an input;
                  other formats one each, numbered if there are several
     client       of a Dask cluster; without one everything is done in this process
     format       of the outputs, and compression, as for Image.save

@@ -1,5 +1,5 @@
 // The border between C++ and the callers: results become return values, errors are reported the way each export reports
-// them, and no exception gets through.
+// them, no exception gets through, and arithmetic does not depend on the caller.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 
 #include "frame/error.h"
 #include "frame/thread_context.h"
+#include "frame/usual_arithmetic.h"
 
 namespace vorel {
 
@@ -71,6 +72,7 @@ using BoundaryValue = std::decay_t<decltype(*std::declval<Body>()())>;
 // Only exceptions are stopped. The unwinding that ends a thread without a context may pass through here.
 template <class Report, class Body>
 BoundaryValue<Body> at_boundary(Report how, Body&& body, BoundaryValue<Body> failure = {}) {
+  const UsualArithmetic arithmetic;
   Error error = Error::kMemory;
   try {
     auto result = std::forward<Body>(body)();

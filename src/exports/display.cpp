@@ -110,7 +110,7 @@ UINT VORELCALL DisplayDIBImageDC(HDC dc, ImgDisplayState* state) {
 UINT VORELCALL DisplayImageDC(HDC dc, ImgDisplayState* state) { return DisplayDIBImageDC(dc, state); }
 
 void VORELCALL MapDisplayDC(HDC dc, ImgDisplayState* state) {
-  if (state != nullptr) apply(dc, set_up_mapping(state->layout, Offsets::kKeep));
+  if (state != nullptr) quietly([&] { apply(dc, set_up_mapping(state->layout, Offsets::kKeep)); });
 }
 
 int VORELCALL GetLowMemStretch(void) { return low_memory_stretch(); }

@@ -3,6 +3,7 @@
 
 #include "display/rubber_band.h"
 #include "display/zoom_ratio.h"
+#include "frame/usual_arithmetic.h"
 
 using namespace vorel;
 using namespace vorel::display;
@@ -31,6 +32,7 @@ void VORELCALL BZoomUpdate(HWND window, const POINT* mouse, ImgZoomTracker* trac
 }
 
 void VORELCALL BZoomEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgDisplayState* state) {
+  const UsualArithmetic arithmetic;
   if (tracker != nullptr && state != nullptr) end_zoom(window, end, *tracker, *state);
 }
 
@@ -39,6 +41,7 @@ void VORELCALL BZoomStep(HWND window, const RECT* current, int mode, ImgZoomTrac
 }
 
 void VORELCALL BZoomScreenEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgScreenZoom* state) {
+  const UsualArithmetic arithmetic;
   if (tracker != nullptr && state != nullptr) end_screen_zoom(window, end, *tracker, *state);
 }
 
@@ -47,6 +50,7 @@ void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZo
 }
 
 void VORELCALL Zoom(HWND window, LPARAM start, int* zoom) {
+  const UsualArithmetic arithmetic;
   if (zoom != nullptr) drag_zoom(window, {static_cast<int16_t>(LOWORD(start)), static_cast<int16_t>(HIWORD(start))}, zoom);
 }
 

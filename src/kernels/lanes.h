@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <emmintrin.h>
+#include <type_traits>
 #if defined(__AVX2__)
 #include <immintrin.h>
 #elif defined(__SSE4_1__)
@@ -24,6 +25,7 @@ inline constexpr size_t kVectorBytes = 16;
 
 using Bytes = uint8_t __attribute__((vector_size(kVectorBytes)));
 using Words = uint16_t __attribute__((vector_size(kVectorBytes)));
+using SignedWords = int16_t __attribute__((vector_size(kVectorBytes)));
 using Doublewords = int32_t __attribute__((vector_size(kVectorBytes)));
 
 using Bytes16 = uint8_t __attribute__((vector_size(16)));
@@ -80,6 +82,12 @@ template <class Step>
 [[gnu::always_inline]] inline Byte1 smaller(Byte1 a, Byte1 b) { return a < b ? a : b; }
 [[gnu::always_inline]] inline Byte1 larger(Byte1 a, Byte1 b) { return a > b ? a : b; }
 
+// The highest bit of each byte, the first one's lowest.
+using Mask = std::conditional_t<kVectorBytes == 32, uint32_t, uint16_t>;
+[[gnu::always_inline]] inline Mask mask_of(Bytes bytes) {
+  return static_cast<Mask>(VOREL_INTRINSIC(movemask_epi8)((VOREL_VECTOR)bytes));
+}
+
 // The low or high eight bytes of each part, zero-extended; the same for words.
 [[gnu::always_inline]] inline Words low_words(Bytes bytes) {
   return (Words)VOREL_INTRINSIC(unpacklo_epi8)((VOREL_VECTOR)bytes, VOREL_VECTOR{});
@@ -102,6 +110,19 @@ template <class Step>
   return (Bytes)VOREL_INTRINSIC(packus_epi16)((VOREL_VECTOR)low, (VOREL_VECTOR)high);
 }
 
+// The low or high eight bytes of each part, each followed by its partner.
+[[gnu::always_inline]] inline Bytes low_pairs(Bytes bytes, Bytes partners) {
+  return (Bytes)VOREL_INTRINSIC(unpacklo_epi8)((VOREL_VECTOR)bytes, (VOREL_VECTOR)partners);
+}
+[[gnu::always_inline]] inline Bytes high_pairs(Bytes bytes, Bytes partners) {
+  return (Bytes)VOREL_INTRINSIC(unpackhi_epi8)((VOREL_VECTOR)bytes, (VOREL_VECTOR)partners);
+}
+
+[[gnu::always_inline]] inline SignedWords clamped_to_bytes(SignedWords words) {
+  const auto most = (VOREL_VECTOR)(SignedWords{} + int16_t{255});
+  return (SignedWords)VOREL_INTRINSIC(max_epi16)(VOREL_INTRINSIC(min_epi16)((VOREL_VECTOR)words, most), VOREL_VECTOR{});
+}
+
 // Products of signed words, added in pairs.
 [[gnu::always_inline]] inline Doublewords multiply_add(Words a, Words b) {
   return (Doublewords)VOREL_INTRINSIC(madd_epi16)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
@@ -111,16 +132,21 @@ template <class Step>
   return (Words)VOREL_INTRINSIC(mulhi_epu16)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
 }
 
+// Products of unsigned and signed bytes, added in pairs.
+[[gnu::always_inline]] inline Words multiply_add(Bytes a, Bytes signed_bytes) {
+#ifdef __SSSE3__
+  return (Words)VOREL_INTRINSIC(maddubs_epi16)((VOREL_VECTOR)a, (VOREL_VECTOR)signed_bytes);
+#else
+  const auto factors = (SignedWords)signed_bytes;
+  return ((Words)a & 0xFF) * (Words)(factors << 8 >> 8) + ((Words)a >> 8) * (Words)(factors >> 8);
+#endif
+}
+
 #ifdef __SSE4_1__
 // Bytes of each part in the order of `places`; 0 where the highest bit of a place is set.
 [[gnu::always_inline]] inline Bytes shuffle(Bytes bytes, Bytes places) {
   return (Bytes)VOREL_INTRINSIC(shuffle_epi8)((VOREL_VECTOR)bytes, (VOREL_VECTOR)places);
 }
-// Products of unsigned and signed bytes, added in pairs.
-[[gnu::always_inline]] inline Words multiply_add(Bytes a, Bytes signed_bytes) {
-  return (Words)VOREL_INTRINSIC(maddubs_epi16)((VOREL_VECTOR)a, (VOREL_VECTOR)signed_bytes);
-}
-
 // Sixteen bytes in each part, `step` bytes apart.
 [[gnu::always_inline]] inline Bytes parts(const uint8_t* from, [[maybe_unused]] size_t step) {
 #ifdef __AVX2__
@@ -172,13 +198,13 @@ template <int kBits>
 // Each byte with its bits in the opposite order.
 [[gnu::always_inline]] inline Bytes with_reversed_bits(Bytes bytes) {
 #ifdef __SSSE3__
-  constexpr auto kReversed = [] {
+  constexpr auto kReversedNibbles = [] {
     constexpr uint8_t kNibbles[] = {0, 8, 4, 12, 2, 10, 6, 14, 1, 9, 5, 13, 3, 11, 7, 15};
     std::array<uint8_t, kVectorBytes> nibbles{};
     for (size_t i = 0; i < kVectorBytes; ++i) nibbles[i] = kNibbles[i % 16];
     return nibbles;
   }();
-  const auto table = load<Bytes>(kReversed.data());
+  const auto table = load<Bytes>(kReversedNibbles.data());
   return (Bytes)((Words)shuffle(table, bytes & 0x0F) << 4) | shuffle(table, (Bytes)((Words)bytes >> 4) & 0x0F);
 #else
   return with_swapped_bits<1>(with_swapped_bits<2>(with_swapped_bits<4>(bytes, 0x0F), 0x33), 0x55);

@@ -26,6 +26,8 @@ class RowOutput {
       : streams_(result.height() > 0 &&
                  static_cast<uint64_t>(result.stride()) * static_cast<uint64_t>(result.height()) >= kStreamedBytes &&
                  source.row(0).data() != result.row(0).data()) {}
+  // For rows that do not leave the caches.
+  RowOutput() = default;
   RowOutput(const RowOutput&) = delete;
   RowOutput& operator=(const RowOutput&) = delete;
   ~RowOutput() {
@@ -84,7 +86,7 @@ class RowOutput {
     std::memcpy(to + i, from + i, count - i);
   }
 
-  bool streams_;
+  bool streams_ = false;
 };
 
 }  // namespace vorel::kernels::VOREL_LEVEL

@@ -3,54 +3,16 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
-#include <numbers>
 
 #include "common/forms.h"
 #include "common/problem.h"
-#include "core/gray.h"
-#include "core/pixel.h"
-#include "core/resolution.h"
+#include "page/drawn_page.h"
 
+using namespace test;
 using namespace vorel;
 using namespace vorel::programs;
 
 namespace {
-
-struct Place {
-  double x, y;  // on paper, from the centre, right and down
-};
-using Shape = bool (*)(Place);
-
-// Greys from black to white, or one of them made a colour, so that the table cannot be mixed.
-enum class Table { kGray, kColor };
-
-Picture blank_page(Size size, int depth, Table table, Resolution resolution) {
-  std::array<Rgb, 256> colors{};
-  const std::span<Rgb> used(colors.data(), implied_colors(static_cast<uint32_t>(depth)));
-  if (!used.empty()) write_even_grays(used);
-  if (table == Table::kColor && used.size() > 2) used[1].blue = 200;
-  DibHeader header{.width = size.width, .height = size.height, .depth = static_cast<uint16_t>(depth)};
-  header.x_per_metre = resolution.x;
-  header.y_per_metre = resolution.y;
-  return Picture::blank(header, used);
-}
-
-// Black where the shape is when turned back by some degrees, and white.
-Picture drawn(Size size, int depth, Table table, Resolution resolution, Shape shape, double degrees) {
-  Picture page = blank_page(size, depth, table, resolution);
-  const double angle = degrees * std::numbers::pi / 180, sine = std::sin(angle), cosine = std::cos(angle);
-  const uint32_t white = depth > 8 ? 0xFFFFFF : (1u << depth) - 1;
-  with_depth(depth, [&](auto bits) {
-    for (int row = 0; row < size.height; ++row)
-      for (int column = 0; column < size.width; ++column) {
-        const double x = (column + 0.5 - size.width / 2.0) / resolution.x,
-                     y = (row + 0.5 - size.height / 2.0) / resolution.y;
-        const bool is_black = shape({x * cosine + y * sine, -x * sine + y * cosine});
-        Pixel<bits>::store(page.pixels().row_from_top(row).data(), column, is_black ? 0 : white);
-      }
-  });
-  return page;
-}
 
 // A share of the pixels: how much darker or lighter they are, all together.
 double difference(const Picture& a, const Picture& b) {

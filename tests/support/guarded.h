@@ -98,6 +98,9 @@ inline GuardedBytes guarded_scratch(vorel::ByteCount bytes, Edge edge) {
   return GuardedBytes((static_cast<size_t>(bytes.value()) + kAlignment - 1) / kAlignment * kAlignment, edge);
 }
 
+// So many bytes between rows that a result of this height counts as too large for the caches.
+inline size_t large_gap(int height) { return (size_t{4} << 20) / static_cast<size_t>(height) + 1; }
+
 // Rows of pixels in guarded memory, some bytes apart. Nothing follows the pixels of the last row.
 class GuardedRows {
  public:

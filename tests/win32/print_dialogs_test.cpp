@@ -29,7 +29,7 @@ class Printing : public testing::Test {
  protected:
   ~Printing() override {
     EXPECT_TRUE(IsWindowEnabled(owner_));
-    EXPECT_EQ(thread_windows(), windows_);
+    EXPECT_EQ(windows_of_thread(), windows_);
     DestroyWindow(owner_);
   }
 
@@ -38,7 +38,7 @@ class Printing : public testing::Test {
 
   HWND owner_ = CreateWindowA("STATIC", "owner", WS_POPUP | WS_VISIBLE, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr);
   Block dib_ = block_of(signed_picture(40, 20, 8));
-  const int windows_ = thread_windows();
+  const int windows_ = windows_of_thread();
 };
 
 // ---- "PRINTPAGE" ----

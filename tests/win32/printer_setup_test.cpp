@@ -61,7 +61,7 @@ class PrinterSetupDialog : public testing::Test {
     windows = {{"device", "Laser,HPPCL,FILE:"}};
     written.clear();
   }
-  ~PrinterSetupDialog() override { EXPECT_EQ(thread_windows(), windows_); }
+  ~PrinterSetupDialog() override { EXPECT_EQ(windows_of_thread(), windows_); }
 
   // Runs the dialog and returns what it ends with.
   int run(const std::function<void(HWND)>& action = [](HWND dialog) { press(dialog, IDCANCEL); }) {
@@ -81,7 +81,7 @@ class PrinterSetupDialog : public testing::Test {
   static void select(HWND dialog, int index) { send(dialog, kList, LB_SETCURSEL, static_cast<WPARAM>(index)); }
   static LRESULT selection(HWND dialog) { return send(dialog, kList, LB_GETCURSEL); }
 
-  int windows_ = thread_windows();
+  int windows_ = windows_of_thread();
   const Replacement reading_{"GetProfileStringA", profile_text}, writing_{"WriteProfileStringA", profile_write};
   const MessageBoxes boxes_;
 };

@@ -7,6 +7,7 @@
 #include "kernels/bilevel/diffusion.h"
 #include "kernels/bilevel/functions.h"
 #include "kernels/bilevel/plane_width.h"
+#include "kernels/lanes.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
@@ -44,15 +45,19 @@ class LuminancePlane {
   void read(int y, int x, std::span<uint8_t> levels) const {
     if (source_.depth() == 24) return read_true_color(y, x, levels);
     const uint8_t* const row = source_.row(y).data();
-    if (source_.depth() == 8 && is_ramp_)
+    if (source_.depth() == 8 && is_ramp_) {
+      for (size_t i = 0; i < levels.size(); i += kLine)
+        __builtin_prefetch(row + source_.stride() + static_cast<size_t>(x) + i, 0, 2);  // the next row
       for (size_t i = 0; i < levels.size(); ++i) levels[i] = brightened(row[static_cast<size_t>(x) + i]);
-    else if (source_.depth() == 8)
+    } else if (source_.depth() == 8)
       for (size_t i = 0; i < levels.size(); ++i) levels[i] = levels_[row[static_cast<size_t>(x) + i]];
     else
       for (size_t i = 0; i < levels.size(); ++i) levels[i] = levels_[Pixel<4>::load(row, x + static_cast<int>(i))];
   }
 
  private:
+  static constexpr size_t kLine = 64;  // of the cache
+
   uint8_t brightened(uint8_t level) const {
     const auto sum = static_cast<int16_t>(level + brightness_);
     return static_cast<uint8_t>(sum < 0 ? 0 : sum > kWhite ? kWhite : sum);
@@ -95,20 +100,41 @@ class LuminancePlane {
   std::array<uint8_t, 256> levels_{};
 };
 
-// White where a level is above the threshold of its column.
+// A bit for each of a vector's levels that is above its threshold, in the order of 1-bit pixels in memory.
+Mask white_pixels(Bytes levels, Bytes thresholds) {
+  const auto is_black = (Bytes)(larger(levels, thresholds) == thresholds);
+#ifdef __SSE4_1__
+  // The first pixel of each eight is the highest bit.
+  constexpr auto kOrder = [] {
+    std::array<uint8_t, kVectorBytes> places{};
+    for (size_t i = 0; i < places.size(); ++i) places[i] = static_cast<uint8_t>(i % 16 ^ 7);
+    return places;
+  }();
+  return ~mask_of(shuffle(is_black, load<Bytes>(kOrder.data())));
+#else
+  const Mask white = ~mask_of(is_black);
+  return static_cast<Mask>(kReversed[white & 0xFF] | kReversed[white >> 8 & 0xFF] << 8);
+#endif
+}
+
 void compare_row(const LuminancePlane& plane, int y, const std::array<uint8_t, kMatrixSide>& thresholds,
                  std::span<uint8_t> bits, int width) {
   constexpr int kRun = 512;
-  alignas(16) uint8_t levels[kRun];
-  const __m128i limits = _mm_loadu_si128(reinterpret_cast<const __m128i*>(thresholds.data()));
+  alignas(kVectorBytes) uint8_t levels[kRun];
+  Bytes limits;
+  for (size_t i = 0; i < kVectorBytes; i += kMatrixSide)
+    std::memcpy(reinterpret_cast<uint8_t*>(&limits) + i, thresholds.data(), kMatrixSide);
   for (int x = 0; x < width; x += kRun) {
-    const int count = std::min(kRun, width - x);
-    plane.read(y, x, {levels, static_cast<size_t>(count)});
-    std::memset(levels + count, 0, static_cast<size_t>(-count & 15));
-    for (int i = 0; i < count; i += 16) {
-      const __m128i above = _mm_subs_epu8(_mm_load_si128(reinterpret_cast<const __m128i*>(levels + i)), limits);
-      const int black = _mm_movemask_epi8(_mm_cmpeq_epi8(above, _mm_setzero_si128()));
-      store_bits(~black, bits.subspan(static_cast<size_t>(x + i) / 8));
+    const auto count = static_cast<size_t>(std::min(kRun, width - x));
+    plane.read(y, x, {levels, count});
+    std::memset(levels + count, 0, (0 - count) % kVectorBytes);
+    for (size_t i = 0; i < count; i += kVectorBytes) {
+      const Mask white = white_pixels(load<Bytes>(levels + i), limits);
+      const auto to = bits.subspan((static_cast<size_t>(x) + i) / 8);
+      if (to.size() >= sizeof white)
+        std::memcpy(to.data(), &white, sizeof white);
+      else
+        std::memcpy(to.data(), &white, to.size());
     }
   }
 }

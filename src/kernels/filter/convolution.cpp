@@ -2,118 +2,120 @@
 #include <array>
 
 #include "kernels/bgr.h"
+#include "kernels/filter/division.h"
 #include "kernels/filter/functions.h"
-#include "kernels/filter/plan.h"
+#include "kernels/row_output.h"
 
-// Rows are processed in blocks that stay in the first-level cache, by plain loops that the compiler vectorises. Sums are 16
-// bits wide and wrap, so that products may be added in any order.
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
-constexpr size_t kBlock = 512;                             // pixels
-constexpr size_t kWideBlock = kBlock + kConvolutionSlack;  // with neighbours on both sides
-static_assert(kConvolutionSlack >= kMostKernelSize);
-
-using Numbers = std::array<uint16_t, kWideBlock>;
 using Rows = std::array<const uint8_t*, kMostKernelSize>;
-using Columns = std::array<const uint16_t*, kMostKernelSize>;
 
-// Rounded up to the step of the loops, so that no single pixels remain.
-constexpr size_t whole_steps(size_t count) {
-  return (count + kConvolutionSlack - 1) / kConvolutionSlack * kConvolutionSlack;
-}
-
-// ---- Sums ----
-
-void widen(const uint8_t* row, uint16_t* __restrict result, size_t count) {
-#pragma GCC unroll 2
-  for (size_t x = 0; x < count; ++x) result[x] = row[x];
-}
-
-void widen_sum(const uint8_t* row, const uint8_t* other, uint16_t* __restrict result, size_t count) {
-#pragma GCC unroll 2
-  for (size_t x = 0; x < count; ++x) result[x] = static_cast<uint16_t>(row[x] + other[x]);
-}
-
-template <size_t kTerms>
-void weigh(const Numbers* __restrict terms, const Plan::Weights& weights, uint16_t* __restrict result, size_t count) {
-#pragma GCC unroll 2
-  for (size_t x = 0; x < count; ++x) {
-    uint16_t sum = 0;
-    for (size_t i = 0; i < kTerms; ++i) sum = static_cast<uint16_t>(sum + weights[i] * terms[i][x]);
-    result[x] = sum;
-  }
-}
-
-void weigh(size_t term_count, const Numbers* terms, const Plan::Weights& weights, uint16_t* result, size_t count) {
-  switch (term_count) {
-    case 2: return weigh<2>(terms, weights, result, count);
-    case 3: return weigh<3>(terms, weights, result, count);
-    case 4: return weigh<4>(terms, weights, result, count);
-    case 5: return weigh<5>(terms, weights, result, count);
-    default: return weigh<7>(terms, weights, result, count);
-  }
-}
-
-// The sum of kernel columns, each offset by its index.
-template <size_t kSize>
-[[gnu::always_inline]] inline uint16_t sum_at(const Columns& columns, size_t x) {
-  uint16_t sum = 0;
-  for (size_t i = 0; i < kSize; ++i) sum = static_cast<uint16_t>(sum + columns[i][x + i]);
-  return sum;
-}
-
-// Part of a row, with the sums of each column of the kernel.
-struct Block {
-  Columns columns{};
-  std::array<Numbers, kMostKernelSize> distinct;
-
-  // Rows begin further left by the reach of the kernel.
-  void sum_columns(const Plan& plan, const Rows& rows, size_t count) {
-    const size_t wide = whole_steps(count + plan.size - 1);
-    std::array<Numbers, kMostKernelSize> terms;
-    for (size_t i = 0; i < plan.term_count; ++i) {
-      const size_t opposite = plan.size - 1 - i;
-      if (plan.is_symmetric && i != opposite)
-        widen_sum(rows[i], rows[opposite], terms[i].data(), wide);
-      else
-        widen(rows[i], terms[i].data(), wide);
-    }
-    for (size_t i = 0; i < plan.distinct_count; ++i)
-      weigh(plan.term_count, terms.data(), plan.distinct[i], distinct[i].data(), wide);
-    for (size_t i = 0; i < plan.size; ++i) columns[i] = distinct[plan.column[i]].data();
-  }
+// The weighted sums of a vector of pixels, 16 bits each. They never overflow: neither the positive coefficients of a kernel nor
+// the negative ones add up to more than 127.
+struct Sums {
+  SignedWords low, high;
 };
 
-// A deliberate oddity: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row, which
-// affects the first and the third sum. Calls add(x, number) for each addition.
-template <class Add>
-void repeat_left_border(const Kernel& kernel, const Columns& columns, int width, Add add) {
-  const size_t last = static_cast<size_t>(kernel.size) - 1, second = last / 2 + 1;
-  if (!kernel.repeats_left_border || width < 2) return;
-  add(0, columns[last][second]);
-  if (width > 2) add(2, columns[0][second]);
-}
+// The coefficients of a kernel that are not zero, in pairs, and the samples that they weigh.
+class Taps {
+ public:
+  explicit Taps(const Kernel& kernel) : kernel_(kernel) {
+    for (int row = 0; row < kernel.size; ++row)
+      for (int column = 0; column < kernel.size; ++column)
+        if (weight(row, column) != 0) add(row, column);
+  }
+
+  // Rows begin further left by the reach of the kernel.
+  void move_to(const Rows& rows) {
+    rows_ = rows;
+    for (size_t i = 0; i < count_; ++i) {
+      const Place place = places_[i];
+      (i % 2 == 0 ? pairs_[i / 2].first : pairs_[i / 2].second) = rows[place.row] + place.column;
+    }
+    if (count_ % 2 != 0) pairs_[count_ / 2].second = pairs_[count_ / 2].first;
+  }
+
+  // Two vectors from pixel x on, so that the addresses of the samples serve twice.
+  static constexpr size_t kVectors = 2, kStep = kVectors * kVectorBytes;
+  [[gnu::always_inline]] std::array<Sums, kVectors> sums(size_t x) const {
+    Words low[kVectors]{}, high[kVectors]{};
+    for (size_t i = 0; i < (count_ + 1) / 2; ++i) {
+      const Pair& pair = pairs_[i];
+      for (size_t k = 0; k < kVectors; ++k) {
+        const auto a = load<Bytes>(pair.first + x + k * kVectorBytes), b = load<Bytes>(pair.second + x + k * kVectorBytes);
+        low[k] += multiply_add(low_pairs(a, b), pair.weights);
+        high[k] += multiply_add(high_pairs(a, b), pair.weights);
+      }
+    }
+    return {Sums{(SignedWords)low[0], (SignedWords)high[0]}, Sums{(SignedWords)low[1], (SignedWords)high[1]}};
+  }
+
+  // A deliberate oddity: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row, which
+  // affects the first and the third sum. Calls correct(x, sum) for each of them.
+  template <class Correct>
+  void repeat_left_border(size_t width, Correct correct) const {
+    const int last = kernel_.size - 1, second = last / 2 + 1;
+    if (!kernel_.repeats_left_border || width < 2) return;
+    correct(size_t{0}, sum_at(0) + column_sum(last, second));
+    if (width > 2) correct(size_t{2}, sum_at(2) + column_sum(0, second));
+  }
+
+ private:
+  static constexpr size_t kMostPairs = (kMostKernelSize * kMostKernelSize + 1) / 2;
+
+  struct Place {
+    size_t row, column;
+  };
+  struct Pair {
+    const uint8_t *first, *second;
+    Bytes weights;
+  };
+
+  int weight(int row, int column) const { return kernel_.weights[static_cast<size_t>(row)][static_cast<size_t>(column)]; }
+
+  void add(int row, int column) {
+    places_[count_] = {static_cast<size_t>(row), static_cast<size_t>(column)};
+    const auto factor = static_cast<uint8_t>(weight(row, column));
+    Bytes& weights = pairs_[count_ / 2].weights;
+    if (count_ % 2 == 0)
+      weights = (Bytes)(Words{} + factor);
+    else
+      weights |= (Bytes)(Words{} + static_cast<uint16_t>(factor << 8));
+    ++count_;
+  }
+
+  // The weighted sum of a kernel's column, laid over a pixel's column; pixels are counted from the kernel's reach on the left.
+  int column_sum(int column, int x) const {
+    int sum = 0;
+    for (int row = 0; row < kernel_.size; ++row) sum += weight(row, column) * rows_[static_cast<size_t>(row)][x];
+    return sum;
+  }
+  int sum_at(int x) const {
+    int sum = 0;
+    for (int column = 0; column < kernel_.size; ++column) sum += column_sum(column, x + column);
+    return sum;
+  }
+
+  const Kernel& kernel_;
+  size_t count_ = 0;
+  Rows rows_{};
+  std::array<Place, 2 * kMostPairs> places_;
+  std::array<Pair, kMostPairs> pairs_;
+};
 
 // ---- Quotients ----
 
-// Calls work with a function that divides a sum. 16 bits are enough for each step, which the compiler must be able to see.
+// Calls work with a function that divides sums.
 template <class Work>
 void with_quotient(const Division& division, Work work) {
   const int shift = division.shift;
-  if (division.is_shift && shift == 0) return work([](int16_t sum) { return sum; });
-  if (division.is_shift && shift == 1) return work([](int16_t sum) { return static_cast<int16_t>(sum >> 1); });
-  if (division.is_shift) {
-    const auto factor = static_cast<int16_t>(0x10000 >> shift);
-    return work([factor](int16_t sum) { return static_cast<int16_t>(int32_t{sum} * factor >> 16); });
-  }
+  if (division.is_shift) return work([shift](SignedWords sums) VOREL_INLINE { return sums >> shift; });
   const uint16_t factor = division.factor;
-  const auto rest = static_cast<uint16_t>(0x10000 >> shift);
-  work([factor, rest](int16_t sum) {
-    const auto magnitude = static_cast<uint16_t>(sum < 0 ? -sum : sum);
-    const auto scaled = static_cast<uint16_t>(uint32_t{magnitude} * factor >> 16);
-    const auto quotient = static_cast<int16_t>(uint32_t{scaled} * rest >> 16);
-    return static_cast<int16_t>(sum < 0 ? -quotient : quotient);
+  work([factor, shift](SignedWords sums) VOREL_INLINE {
+    const SignedWords signs = sums >> 15;
+    const Words magnitudes = (Words)((sums ^ signs) - signs);
+    return ((SignedWords)(multiply_high(magnitudes, Words{} + factor) >> shift) ^ signs) - signs;
   });
 }
 
@@ -124,9 +126,9 @@ void with_quotient(const Division& division, Work work) {
 class Convolution {
  public:
   Convolution(const Kernel& kernel, Size size, std::span<uint8_t> scratch)
-      : kernel_(kernel), plan_(kernel), size_(size), scratch_(scratch) {}
+      : kernel_(kernel), taps_(kernel), size_(size), scratch_(scratch) {}
 
-  // read(y, samples) stores the samples of a row; write(y, x, count, columns, samples) takes sums and samples of a block.
+  // read(y, samples) stores the samples of a row; write(y, taps, samples) writes a row of the result.
   template <class Read, class Write>
   void run(Read read, Write write) {
     for (int next = 0, y = 0; y < size_.height; ++y) {
@@ -134,7 +136,12 @@ class Convolution {
         read(next, samples(next));
         repeat_edges(samples(next));
       }
-      sum_row(y, write);
+      // The first row of the kernel is for the row above, which is stored later.
+      Rows rows{};
+      for (int i = 0; i < kernel_.size; ++i)
+        rows[static_cast<size_t>(i)] = samples(std::clamp(y + kernel_.reach() - i, 0, size_.height - 1)) - kernel_.reach();
+      taps_.move_to(rows);
+      write(y, taps_, samples(y));
     }
   }
 
@@ -151,96 +158,73 @@ class Convolution {
     }
   }
 
-  template <class Write>
-  void sum_row(int y, Write write) {
-    // The first row of the kernel is for the row above, which is stored later.
-    Rows rows{};
-    for (int i = 0; i < kernel_.size; ++i)
-      rows[static_cast<size_t>(i)] = samples(std::clamp(y + kernel_.reach() - i, 0, size_.height - 1)) - kernel_.reach();
-    const auto width = static_cast<size_t>(size_.width);
-    for (size_t x = 0; x < width; x += kBlock) {
-      const size_t count = std::min(kBlock, width - x);
-      block_.sum_columns(plan_, rows, count);
-      write(y, x, count, block_.columns, samples(y) + x);
-      for (int i = 0; i < kernel_.size; ++i) rows[static_cast<size_t>(i)] += kBlock;
-    }
-  }
-
   const Kernel& kernel_;
-  Plan plan_;
+  Taps taps_;
   Size size_;
   std::span<uint8_t> scratch_;
-  Block block_;
 };
 
 // ---- Greys ----
 
-template <bool kClamps, size_t kSize, class Quotient>
-void write_grays(const Kernel& kernel, const Columns& all, uint8_t* __restrict result, size_t count, bool is_first,
-                 Quotient quotient) {
-  const auto gray = [quotient](uint16_t wrapped) {
-    auto sum = static_cast<int16_t>(wrapped);
-    if (kClamps) sum = sum < 0 ? int16_t{0} : sum > 255 ? int16_t{255} : sum;
-    return static_cast<uint8_t>(quotient(sum));
-  };
-  const Columns columns = all;
-#pragma GCC unroll 2
-  for (size_t x = 0; x < count; ++x) result[x] = gray(sum_at<kSize>(columns, x));
-  if (is_first)
-    repeat_left_border(kernel, columns, static_cast<int>(count), [&](size_t x, uint16_t more) {
-      result[x] = gray(static_cast<uint16_t>(sum_at<kSize>(columns, x) + more));
-    });
-}
-
+// Quotients keep their low eight bits.
 template <bool kClamps, class Quotient>
 void convolve_gray_rows(ConstDibView source, DibView result, const Kernel& kernel, std::span<uint8_t> scratch,
                         Quotient quotient) {
-  const auto read = [&](int y, uint8_t* samples) { std::memcpy(samples, source.row(y).data(), source.row(y).size()); };
-  Convolution(kernel, source.size(), scratch)
-      .run(read, [&](int y, size_t x, size_t count, const Columns& columns, const uint8_t*) {
-        uint8_t* const to = result.row(y).data() + x;
-        switch (kernel.size) {
-          case 3: return write_grays<kClamps, 3>(kernel, columns, to, count, x == 0, quotient);
-          case 5: return write_grays<kClamps, 5>(kernel, columns, to, count, x == 0, quotient);
-          default: return write_grays<kClamps, 7>(kernel, columns, to, count, x == 0, quotient);
-        }
-      });
+  const RowOutput output(source, result);
+  const auto grays = [quotient](SignedWords sums)
+                         VOREL_INLINE { return (Words)quotient(kClamps ? clamped_to_bytes(sums) : sums) & 0xFF; };
+  const auto read = [&](int y, uint8_t* samples) {
+    const uint8_t* const row = source.row(y).data();
+    in_vectors(0, source.row(y).size(), [&]<class V>(size_t x) VOREL_INLINE {
+      __builtin_prefetch(row + x + source.stride(), 0, 2);
+      store(samples + x, load<V>(row + x));
+    });
+  };
+  Convolution(kernel, source.size(), scratch).run(read, [&](int y, const Taps& taps, const uint8_t*) {
+    const auto row = result.row(y);
+    output.write_vectors(row, [&](size_t begin, size_t end, uint8_t* to, auto put) VOREL_INLINE {
+      for (size_t x = begin; x < end; x += Taps::kStep, to += Taps::kStep) {
+        Bytes vectors[Taps::kVectors];
+        const auto sums = taps.sums(x);
+        for (size_t k = 0; k < Taps::kVectors; ++k) vectors[k] = pack(grays(sums[k].low), grays(sums[k].high));
+        if (end - x < Taps::kStep) return void(std::memcpy(to, vectors, end - x));
+        for (size_t k = 0; k < Taps::kVectors; ++k) put(to + k * kVectorBytes, vectors[k]);
+      }
+    });
+    taps.repeat_left_border(row.size(), [&](size_t x, int sum) {
+      row[x] = static_cast<uint8_t>(grays(SignedWords{} + static_cast<int16_t>(sum))[0]);
+    });
+  });
 }
 
 // ---- Colours ----
 
-template <size_t kSize>
-void add_columns(const Columns& all, uint16_t* __restrict sums, size_t count) {
-  const Columns columns = all;
-#pragma GCC unroll 2
-  for (size_t x = 0; x < count; ++x) sums[x] = sum_at<kSize>(columns, x);
-}
-
-// All sums of a block.
-void add_columns(const Kernel& kernel, const Columns& columns, uint16_t* sums, size_t count, bool is_first) {
-  switch (kernel.size) {
-    case 3: add_columns<3>(columns, sums, whole_steps(count)); break;
-    case 5: add_columns<5>(columns, sums, whole_steps(count)); break;
-    default: add_columns<7>(columns, sums, whole_steps(count)); break;
-  }
-  if (is_first)
-    repeat_left_border(kernel, columns, static_cast<int>(count),
-                       [&](size_t x, uint16_t more) { sums[x] = static_cast<uint16_t>(sums[x] + more); });
-}
-
 // Changes of intensity, increases and decreases apart; more than 255 acts as 255.
+constexpr size_t kBlock = 512;  // pixels whose changes stay in cache
+static_assert(kBlock % Taps::kStep == 0 && kConvolutionSlack >= Taps::kStep);
 struct Change {
   std::array<uint8_t, kBlock> up, down;
 };
 
 template <class Quotient>
-void find_change(const uint16_t* sums, const uint8_t* samples, size_t count, Change& __restrict change, Quotient quotient) {
-  const auto to_byte = [](int16_t number) { return static_cast<uint8_t>(number < 0 ? 0 : number > 255 ? 255 : number); };
-  for (size_t x = 0; x < count; ++x) {
-    const auto difference = static_cast<int16_t>(quotient(static_cast<int16_t>(sums[x])) - samples[x]);
-    change.up[x] = to_byte(difference);
-    change.down[x] = to_byte(static_cast<int16_t>(-difference));
+void find_change(const Taps& taps, const uint8_t* samples, size_t begin, size_t end, Change& change, Quotient quotient) {
+  for (size_t x = begin; x < end; x += Taps::kStep) {
+    const auto sums = taps.sums(x);
+    for (size_t k = 0; k < Taps::kVectors; ++k) {
+      const size_t at = x + k * kVectorBytes;
+      const auto before = load<Bytes>(samples + at);
+      const auto low = (Words)quotient(sums[k].low) - low_words(before),
+                 high = (Words)quotient(sums[k].high) - high_words(before);
+      store(&change.up[at - begin], pack(low, high));
+      store(&change.down[at - begin], pack(-low, -high));
+    }
   }
+  if (begin != 0) return;
+  taps.repeat_left_border(end, [&](size_t x, int sum) {
+    const int difference = quotient(SignedWords{} + static_cast<int16_t>(sum))[0] - samples[x];
+    change.up[x] = static_cast<uint8_t>(std::clamp(difference, 0, 255));
+    change.down[x] = static_cast<uint8_t>(std::clamp(-difference, 0, 255));
+  });
 }
 
 // Adds and subtracts, saturated to bytes. Source and result may be the same.
@@ -292,22 +276,22 @@ void convolve_gray(ConstDibView source, DibView result, const Kernel& kernel, st
 
 void convolve_color(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity,
                     std::span<uint8_t> scratch) {
+  const auto width = static_cast<size_t>(source.width());
   const auto read = [&](int y, uint8_t* samples) {
-    const auto width = static_cast<size_t>(source.width());
     if (intensity == Intensity::kWeighted)
       weigh_row<kIntensityWeights>(source.row(y).data(), samples, width);
     else
       weigh_row<kMeanWeights>(source.row(y).data(), samples, width);
   };
   Change change;
-  std::array<uint16_t, kBlock> sums;
   with_quotient(Division(kernel.divisor), [&](auto quotient) {
-    Convolution(kernel, source.size(), scratch)
-        .run(read, [&](int y, size_t x, size_t count, const Columns& columns, const uint8_t* samples) {
-          add_columns(kernel, columns, sums.data(), count, x == 0);
-          find_change(sums.data(), samples, whole_steps(count), change, quotient);
-          change_components(source.row(y).data() + x * 3, change, result.row(y).data() + x * 3, count);
-        });
+    Convolution(kernel, source.size(), scratch).run(read, [&](int y, const Taps& taps, const uint8_t* samples) {
+      for (size_t x = 0; x < width; x += kBlock) {
+        const size_t end = std::min(x + kBlock, width);
+        find_change(taps, samples, x, end, change, quotient);
+        change_components(source.row(y).data() + x * 3, change, result.row(y).data() + x * 3, end - x);
+      }
+    });
   });
 }
 

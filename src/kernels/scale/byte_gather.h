@@ -42,6 +42,8 @@ class ByteGather {
     windows_ = widest / static_cast<uint32_t>(kWindow) + 1;
   }
 
+  std::span<const uint32_t> positions() const { return positions_; }
+
   // Picks the bytes from `begin`, the start of a block, to before `end`. Writes whole blocks.
   void pick(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
     switch (windows_) {

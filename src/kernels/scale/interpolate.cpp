@@ -14,26 +14,29 @@ namespace {
 using Table = std::array<uint8_t, 256>;
 
 // Resamples a picture. read_row(row, samples) unpacks a stored row, write_row(row, fill) packs a row from the samples that
-// fill(to) gives.
+// fill(to, output) gives.
 void resample(Interpolation interpolation, ConstDibView source, DibView result, int channels, Arena arena, auto&& read_row,
               auto&& write_row) {
   const auto read = [&](int y, std::span<uint8_t> samples) { read_row(source.row(y).data(), samples); };
   const auto run = [&](auto resampler) {
     for (int y = 0; y < result.height(); ++y)
-      write_row(result.row(y).data(), [&](uint8_t* to) { resampler.row(y, to, read); });
+      write_row(result.row(y).data(), [&](uint8_t* to, const RowOutput& output) { resampler.row(y, to, output, read); });
   };
   if (interpolation == Interpolation::kLinear)
-    run(Resampler<Linear>(source.size(), result.size(), channels, arena));
+    run(Resampler<Linear>(source, result.size(), channels, arena));
   else
-    run(Resampler<Cubic>(source.size(), result.size(), channels, arena));
+    run(Resampler<Cubic>(source, result.size(), channels, arena));
 }
 
 // Samples as they are stored.
 void resample_bytes(Interpolation interpolation, ConstDibView source, DibView result, int channels, Arena arena) {
+  const RowOutput output(source, result);
   resample(
       interpolation, source, result, channels, arena,
-      [](const uint8_t* row, std::span<uint8_t> samples) { std::memcpy(samples.data(), row, samples.size()); },
-      [](uint8_t* row, auto fill) { fill(row); });
+      [](const uint8_t* row, std::span<uint8_t> samples) {
+        in_vectors(0, samples.size(), [&]<class V>(size_t x) VOREL_INLINE { store(&samples[x], load<V>(row + x)); });
+      },
+      [&](uint8_t* row, auto fill) { fill(row, output); });
 }
 
 // Levels of the colours; black for indices past them.
@@ -73,8 +76,9 @@ void scale_gray(ConstDibView source, std::span<const Rgb> colors, DibView result
   const auto read = [&](const uint8_t* from, std::span<uint8_t> samples) {
     for (int x = 0; x < source.width(); ++x) samples[static_cast<size_t>(x)] = levels[Pixel<kDepth>::load(from, x)];
   };
+  const RowOutput in_caches;
   resample(interpolation, source, result, 1, arena, read, [&](uint8_t* to, auto fill) {
-    fill(row.data());
+    fill(row.data(), in_caches);
     size_t x = 0;
     if (row_start == RowStart::kBlackIsColor0)
       for (; x < row.size() && row[x] == 0; ++x) Pixel<kDepth>::store(to, static_cast<int>(x), 0);
@@ -99,8 +103,9 @@ void scale_indexed(ConstDibView source, std::span<const Rgb> colors, DibView res
   };
   // An empty table counts as entry 0 alone, which is black.
   NearestColorMap nearest(colors.empty() ? std::span<const Rgb>(table).first(1) : colors, arena);
+  const RowOutput in_caches;
   resample(interpolation, source, result, 3, arena, read, [&](uint8_t* to, auto fill) {
-    fill(row.data());
+    fill(row.data(), in_caches);
     const uint8_t* from = row.data();
     int x = 0;
     for (; x < result.width() && (from[0] | from[1] | from[2]) == 0; from += 3, ++x) Pixel<kDepth>::store(to, x, 0);

@@ -1,6 +1,6 @@
 #include <cstring>
 #ifdef __SSSE3__
-#include <tmmintrin.h>
+#include <immintrin.h>
 #endif
 
 #include "core/arena.h"
@@ -55,16 +55,23 @@ void pick_row(const uint8_t* from, const Columns& columns, uint8_t* to) {
 
 #ifdef __SSSE3__
 
-// Picks bits of a row, the same columns in every row, by shuffling their bytes and testing one bit of each. Blocks of sixteen
-// bits, the first pixel of each eight last, so that the mask of tests has them in the order of memory.
+// Picks bits of a row, the same columns in every row, by shuffling their bytes and testing one bit of each. A block has a byte of
+// a vector for each bit, the first pixel of each eight last, so that the mask of tests has them in the order of memory.
 class BitGather {
  public:
-  static constexpr int kBlock = 16, kBlockBytes = 2;
+#ifdef __AVX512VBMI__
+  using Vector = __m512i;
+  using Mask = uint64_t;
+#else
+  using Vector = __m128i;
+  using Mask = uint16_t;
+#endif
+  static constexpr size_t kBlock = sizeof(Vector);
 
   // `memory` has three bytes for each column of the result.
   BitGather(const Columns& columns, std::span<uint8_t> memory) {
     Arena arena(memory);
-    const auto blocks = static_cast<size_t>((columns.result + kBlock - 1) / kBlock);
+    const size_t blocks = (static_cast<size_t>(columns.result) + kBlock - 1) / kBlock;
     first_bytes_ = arena.take<uint32_t>(blocks);
     relative_ = arena.take<uint8_t>(blocks * kBlock);
     bits_ = arena.take<uint8_t>(blocks * kBlock);
@@ -77,34 +84,51 @@ class BitGather {
 
   // Reads no byte from `end` on.
   void pick(const uint8_t* from, const uint8_t* end, uint8_t* to, size_t to_bytes) const {
-    for (size_t block = 0; block * kBlock < count_; ++block) {
-      const __m128i picked = _mm_shuffle_epi8(load(from + first_bytes_[block], end), at(relative_, block));
-      const __m128i bit = at(bits_, block);
-      // Columns past the last one have no bit to test.
-      const __m128i is_set =
-          _mm_andnot_si128(_mm_cmpeq_epi8(bit, _mm_setzero_si128()), _mm_cmpeq_epi8(_mm_and_si128(picked, bit), bit));
-      const auto mask = static_cast<uint16_t>(_mm_movemask_epi8(is_set));
-      std::memcpy(to + block * kBlockBytes, &mask, to_bytes - block * kBlockBytes < kBlockBytes ? 1 : kBlockBytes);
+    for (size_t block = 0; block * kBlock < count_; ++block, to += sizeof(Mask)) {
+      const Mask mask = tested(from + first_bytes_[block], end, at(relative_, block), at(bits_, block));
+      const size_t left = to_bytes - block * sizeof mask;
+      if (left >= sizeof mask)
+        std::memcpy(to, &mask, sizeof mask);
+      else
+        std::memcpy(to, &mask, left);
     }
   }
 
  private:
-  static __m128i load(const uint8_t* from, const uint8_t* end) {
+  // Columns past the last one have no bit to test.
+#ifdef __AVX512VBMI__
+  static Mask tested(const uint8_t* from, const uint8_t* end, Vector places, Vector bits) {
+    const auto there = static_cast<size_t>(end - from);
+    const Vector bytes = _mm512_maskz_loadu_epi8(there < kBlock ? (Mask{1} << there) - 1 : ~Mask{0}, from);
+    return _mm512_test_epi8_mask(_mm512_maskz_permutexvar_epi8(~Mask{0}, places, bytes), bits);
+  }
+#else
+  static Mask tested(const uint8_t* from, const uint8_t* end, Vector places, Vector bits) {
+    const Vector picked = _mm_shuffle_epi8(load(from, end), places);
+    const Vector is_set =
+        _mm_andnot_si128(_mm_cmpeq_epi8(bits, _mm_setzero_si128()), _mm_cmpeq_epi8(_mm_and_si128(picked, bits), bits));
+    return static_cast<Mask>(_mm_movemask_epi8(is_set));
+  }
+
+  static Vector load(const uint8_t* from, const uint8_t* end) {
     if (end - from >= 16) return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
     uint8_t bytes[16] = {};
     std::memcpy(bytes, from, static_cast<size_t>(end - from));
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
   }
+#endif
 
-  static __m128i at(std::span<const uint8_t> table, size_t block) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(table.data() + block * kBlock));
+  static Vector at(std::span<const uint8_t> table, size_t block) {
+    Vector vector;
+    std::memcpy(&vector, table.data() + block * kBlock, sizeof vector);
+    return vector;
   }
 
   void add(int column) {
     const auto byte = static_cast<uint32_t>(column / 8);
     if (count_ % kBlock == 0) first_bytes_[count_ / kBlock] = byte;
     const uint32_t distance = byte - first_bytes_[count_ / kBlock];
-    fits_ = fits_ && distance < 16;
+    fits_ = fits_ && distance < kBlock;
     const size_t slot = count_ ^ 7;
     relative_[slot] = static_cast<uint8_t>(distance);
     bits_[slot] = static_cast<uint8_t>(0x80 >> column % 8);

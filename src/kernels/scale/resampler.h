@@ -6,18 +6,25 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
+#include <type_traits>
 
 #include "core/arena.h"
 #include "core/view.h"
+#include "kernels/row_output.h"
 #include "kernels/scale/byte_gather.h"
+#include "kernels/scale/linear_stretch.h"
 #include "kernels/scale/taps.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// A weight's share of a sample, (weight * sample + 128) / 255: exact for all products of two bytes, in 16-bit lanes.
+// A weight's share of a sample, (weight * sample + 128) / 255 without remainder: exact for all products of two bytes, in 16-bit lanes.
 inline uint16_t share(uint16_t weight, uint16_t sample) {
   const auto scaled = static_cast<uint16_t>(weight * sample + 129);
   return static_cast<uint16_t>(uint32_t{scaled} * 257 >> 16);
+}
+
+[[gnu::always_inline]] inline Words share(uint16_t weight, Words samples) {
+  return multiply_high(samples * weight + 129, Words{} + uint16_t{257});
 }
 
 // Mixes samples of several rows, weight(tap, i) of each. Two shares whose weights add up to 255 never exceed a byte.
@@ -46,31 +53,34 @@ void mix(const std::array<const uint8_t*, 4>& rows, auto weight, size_t count,
 template <class Method>
 class Resampler {
  public:
-  Resampler(Size source, Size result, int channels, Arena& arena)
-      : source_(source),
+  Resampler(ConstDibView source, Size result, int channels, Arena& arena)
+      : view_(source),
+        source_(source.size()),
         result_(result),
         channels_(static_cast<size_t>(channels)),
-        samples_(arena.take<uint8_t>((static_cast<size_t>(source.width) + kGuards) * channels_ + ByteGather::kOverread)),
-        nothing_(arena.take<uint8_t>(row_samples())),
-        gather_(columns(arena), arena) {
-    for (Band& band : bands_) band.samples = arena.take<uint8_t>(row_samples());
+        samples_(arena.take<uint8_t>((static_cast<size_t>(source.width()) + kGuards) * channels_ + ByteGather::kOverread)),
+        nothing_(arena.take<uint8_t>(band_bytes())),
+        gather_(columns(arena), arena),
+        stretch_(gather_.positions(), weights_[kTaps - 1], channels_, arena) {
+    for (Band& band : bands_) band.samples = arena.take<uint8_t>(band_bytes());
     std::memset(nothing_.data(), 0, nothing_.size());
   }
 
   size_t row_samples() const { return static_cast<size_t>(result_.width) * channels_; }
 
   // Fills row y of the result. read_row(y, samples) reads the samples of a source row.
-  void row(int y, uint8_t* to, auto&& read_row) {
+  void row(int y, uint8_t* to, const RowOutput& output, auto&& read_row) {
     const auto taps = Method::row(y, source_.height, result_.height);
     std::array<const uint8_t*, kTaps> rows;
     for (size_t tap = 0; tap < kTaps; ++tap)
       rows[tap] = taps.weights[tap] == 0 ? nothing_.data() : source_row(taps.first + static_cast<int>(tap), read_row);
-    if (is_pick(taps.weights)) {
-      std::memcpy(to, rows[kMiddle], row_samples());
-    } else {
+    if (is_pick(taps.weights)) return output.copy({to, row_samples()}, rows[kMiddle], {});
+    if constexpr (kTaps == 2)
+      output.write_vectors({to, row_samples()}, [&](size_t begin, size_t end, uint8_t* target, auto put)
+                                                    VOREL_INLINE { mix_rows(rows, taps.weights, begin, end, target, put); });
+    else
       mix<Method>(
           rows, [weights = taps.weights](size_t tap, size_t) { return weights[tap]; }, row_samples(), to);
-    }
   }
 
  private:
@@ -84,6 +94,24 @@ class Resampler {
     int y = -1;
     std::span<uint8_t> samples;
   };
+
+  // Vectors are read whole.
+  size_t band_bytes() const { return row_samples() + kVectorBytes; }
+
+  static void mix_rows(const std::array<const uint8_t*, 2>& rows, const std::array<uint8_t, 2>& weights, size_t begin,
+                       size_t end, uint8_t* to, auto put) {
+    const auto mixed_at = [first = rows[0], second = rows[1], weights](size_t i) VOREL_INLINE {
+      const auto a = load<Bytes>(first + i), b = load<Bytes>(second + i);
+      return pack(share(weights[0], low_words(a)) + share(weights[1], low_words(b)),
+                  share(weights[0], high_words(a)) + share(weights[1], high_words(b)));
+    };
+    size_t i = begin;
+    for (; i + kVectorBytes <= end; i += kVectorBytes, to += kVectorBytes) put(to, mixed_at(i));
+    if (i == end) return;
+    uint8_t last[kVectorBytes];
+    store(last, mixed_at(i));
+    std::memcpy(to, last, end - i);
+  }
 
   static bool is_pick(const std::array<uint8_t, kTaps>& weights) { return weights[kMiddle] == kWholeWeight; }
 
@@ -111,7 +139,9 @@ class Resampler {
     if (band.y != y) {
       band.y = y;
       read(y, read_row);
-      stretch(band.samples.data());
+      const int next = y + 2 * (y - last_read_);  // probably: the row behind the next one
+      last_read_ = y;
+      stretch(band.samples.data(), next < source_.height ? view_.row(next).data() : nullptr);
     }
     return band.samples.data();
   }
@@ -125,28 +155,47 @@ class Resampler {
     for (size_t i = 0; i < kGuardBehind; ++i, behind += channels_) std::memcpy(behind, behind - channels_, channels_);
   }
 
-  void stretch(uint8_t* to) const {
+  // `ahead` is a row of the source that is read soon.
+  void stretch(uint8_t* to, const uint8_t* ahead) const {
     constexpr size_t kRun = 512;  // samples whose neighbours are picked together, so that they stay in cache
-    if (picks_) return gather_.pick(samples_.data() + kMiddle * channels_, 0, row_samples(), to);
     alignas(32) uint8_t picked[kTaps][kRun];
-    std::array<const uint8_t*, kTaps> neighbours;
-    for (size_t tap = 0; tap < kTaps; ++tap) neighbours[tap] = picked[tap];
-    for (size_t begin = 0; begin < row_samples(); begin += kRun) {
+    for (size_t begin = 0; begin < row_samples(); begin += kRun, to += kRun) {
       const size_t end = begin + kRun < row_samples() ? begin + kRun : row_samples();
-      for (size_t tap = 0; tap < kTaps; ++tap) gather_.pick(samples_.data() + tap * channels_, begin, end, picked[tap]);
-      mix<Method>(
-          neighbours, [=, weights = weights_](size_t tap, size_t i) { return weights[tap][begin + i]; }, end - begin,
-          to + begin);
+      read_ahead(ahead, begin, end);
+      if (picks_) {
+        gather_.pick(samples_.data() + kMiddle * channels_, begin, end, to);
+      } else if (stretch_.fits()) {
+        stretch_.stretch(samples_.data(), begin, end, to);
+      } else {
+        std::array<const uint8_t*, kTaps> neighbours;
+        for (size_t tap = 0; tap < kTaps; ++tap) {
+          gather_.pick(samples_.data() + tap * channels_, begin, end, picked[tap]);
+          neighbours[tap] = picked[tap];
+        }
+        mix<Method>(
+            neighbours, [=, weights = weights_](size_t tap, size_t i) { return weights[tap][begin + i]; }, end - begin, to);
+      }
     }
   }
 
+  // The part that these samples are made from. Inline, because the compiler drops calls that only prefetch.
+  [[gnu::always_inline]] void read_ahead(const uint8_t* row, size_t begin, size_t end) const {
+    constexpr size_t kLine = 64;
+    const auto byte = [&](size_t sample) { return gather_.positions()[sample] / channels_ * view_.depth() / 8; };
+    if (row == nullptr) return;
+    for (size_t at = byte(begin); at <= byte(end - 1); at += kLine) __builtin_prefetch(row + at, 0, 2);
+  }
+
+  ConstDibView view_;
   Size source_, result_;
   size_t channels_;
   bool picks_ = true;  // every column of the result is a column of the source
   std::array<uint8_t*, kTaps> weights_;
   std::span<uint8_t> samples_, nothing_;
   ByteGather gather_;
+  std::conditional_t<kTaps == 2, LinearStretch, NoStretch> stretch_;
   std::array<Band, kTaps> bands_;
+  int last_read_ = 0;
 };
 
 }  // namespace vorel::kernels::VOREL_LEVEL

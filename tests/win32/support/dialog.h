@@ -6,7 +6,7 @@
 #include <utility>
 #include <windows.h>
 
-#include "win32/support/gdi.h"
+#include "win32/support/window.h"
 
 namespace test {
 
@@ -59,17 +59,5 @@ class WithDialog {
   inline static HWND dialog_;
   HHOOK hook_;
 };
-
-inline BOOL CALLBACK count_window(HWND, LPARAM counter) {
-  ++*reinterpret_cast<int*>(counter);
-  return TRUE;
-}
-
-// Windows of this thread.
-inline int thread_windows() {
-  int count = 0;
-  EnumThreadWindows(GetCurrentThreadId(), count_window, reinterpret_cast<LPARAM>(&count));
-  return count;
-}
 
 }  // namespace test

@@ -1,0 +1,20 @@
+// Lengths on paper as people write them: "0.5mm", "4px".
+#pragma once
+
+#include <string>
+
+#include "common/picture.h"
+#include "core/view.h"
+
+namespace vorel::cli {
+
+// Returns what is wrong with a text.
+std::string length_is_wrong(const std::string& text);
+
+// In pixels across and down, at least one, of a text that has passed. Pictures without a resolution count as ones of 300 dpi.
+Size length_on(const programs::Picture& picture, const std::string& text);
+
+// " (at 300 dpi, which is assumed)" where that was so, or nothing.
+std::string resolution_note(const programs::Picture& picture, const std::string& text);
+
+}  // namespace vorel::cli

@@ -1,0 +1,32 @@
+// Inputs of a stage that only Windows has.
+#pragma once
+
+#include "check/stage.h"
+#include "win32/support/dialog.h"
+#include "win32/support/gdi.h"
+#include "win32/support/printer.h"
+#include "win32/support/window.h"
+
+namespace check {
+
+struct DeviceInputs {
+  test::ActiveWindow window;
+  test::Object<HBITMAP> mono = test::counting_bitmap(20, 20, 1), color = make_color();
+  test::Object<HPALETTE> palette{make_palette()};
+  HDC dc = CreateCompatibleDC(nullptr);
+  test::Object<HBITMAP> canvas = make_color();
+  HGDIOBJ before = SelectObject(dc, canvas.get());
+  HMETAFILE metafile = make_metafile();
+
+  ~DeviceInputs() {
+    DeleteMetaFile(metafile);
+    SelectObject(dc, before);
+    DeleteDC(dc);
+  }
+
+  static test::Object<HBITMAP> make_color();
+  static HPALETTE make_palette();
+  static HMETAFILE make_metafile();
+};
+
+}  // namespace check

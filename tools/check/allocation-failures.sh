@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Goal: each allocation, lock and object of a good call of every export fails in turn, once and from then on.
+source "$(dirname "$0")/common.sh"
+in_session "$@"
+build native checks
+build win32 checks make_printer
+make_printer
+
+# A crash ends the program, so the run goes on with the row behind it.
+all_rows() {
+  local runner=$1 after='' output
+  while :; do
+    output=$("$runner" allocations "$after" 2>&1)
+    printf '%s\n' "$output"
+    after=$(sed -n 's/^FAULT crash in \(.*\): -\{0,1\}[0-9]*\r\{0,1\}$/\1/p' <<<"$output" | tail -n 1)
+    [ -n "$after" ] || break
+  done
+}
+run_native() { build/native/bin/checks "$@" 2>&1; }
+run_windows() { (cd build/win32/printed && ../../../tools/run-wine.sh ../bin/checks.exe "$@" 2>&1); }
+count_faults < <(all_rows run_native)
+native_calls=$calls
+count_faults < <(all_rows run_windows)
+[ "$calls" -ge 1500 ] || faults=$((faults + 1))
+conclude "at least 1500 injected failures: zero result, stated code, input unchanged, no block, GDI object or window left" \
+  "$calls injected failures (native $native_calls, Windows $((calls - native_calls))), $faults faults"

@@ -1,0 +1,60 @@
+# What the goals' scripts share; they source it. $mode is quick or release, $root the project's folder.
+set -uo pipefail
+mode=${1:?quick or release}
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+cd "$root" || exit 1
+export VOREL_WINE_ROOT=${VOREL_WINE_ROOT:-$root/build/wine}
+calls=0 faults=0
+
+# by_mode QUICK RELEASE: the one for this mode.
+by_mode() { if [ "$mode" = release ]; then printf '%s' "$2"; else printf '%s' "$1"; fi; }
+
+# conclude ASKED REACHED: the last line; ends the script with 1 if there are faults.
+conclude() {
+  printf 'asked: %s | reached: %s\n' "$1" "$2"
+  [ "$faults" = 0 ]
+  exit
+}
+
+# build PRESET TARGET...: builds targets, or ends the goal.
+build() {
+  local preset=$1
+  { cmake --preset "$preset" && cmake --build --preset "$preset" --target "${@:2}"; } >"build/check/build-$preset.log" 2>&1 || {
+    tail -30 "build/check/build-$preset.log"
+    faults=1
+    conclude 'a build' "$preset does not build"
+  }
+}
+
+# count_faults: adds up the lines "calls=N faults=M" of standard input, which is passed on.
+count_faults() {
+  local line ended=
+  while IFS= read -r line; do
+    line=${line%$'\r'}
+    printf '%s\n' "$line"
+    if [[ $line =~ ^calls=([0-9]+)\ faults=([0-9]+)$ ]]; then
+      calls=$((calls + BASH_REMATCH[1])) faults=$((faults + BASH_REMATCH[2])) ended=1
+    fi
+  done
+  [ -n "$ended" ] || { printf 'the driver ended without a result\n'; faults=$((faults + 1)); }
+}
+
+# native DRIVER [ARGUMENT...], windows DRIVER [ARGUMENT...]: run a driver and count.
+native() {
+  printf -- '-- native: %s\n' "$*"
+  count_faults < <(build/native/bin/checks "$@" 2>&1)
+}
+windows() {
+  printf -- '-- Windows: %s\n' "$*"
+  count_faults < <(cd build/win32/printed && ../../../tools/run-wine.sh ../bin/checks.exe "$@" 2>&1)
+}
+
+# The goals' Windows parts run in one session, with a printer: in_session SCRIPT MODE runs the script again within one.
+in_session() {
+  [ -z "${VOREL_WINE_SESSION:-}" ] || return 0
+  exec ./tools/run-wine.sh --session "$0" "$mode"
+}
+make_printer() {
+  mkdir -p build/win32/printed
+  ./tools/run-wine.sh build/win32/bin/make_printer.exe 'Vorel test 150' "$root/build/win32/printed/150.ps" 150
+}

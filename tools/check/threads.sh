@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Goal: calls of many threads give what one thread gets, threads leave nothing, and the thread sanitizer is silent.
+source "$(dirname "$0")/common.sh"
+in_session "$@"
+build native checks
+build win32 checks make_printer
+build tsan checks
+each=$(by_mode 1000 10000) threads=$(by_mode 2000 10000) watched=$(by_mode 300 3000) windows_each=$(by_mode 200 10000) windows_threads=$(by_mode 400 10000)
+native rows
+native threads 64 "$each"
+native many-threads "$threads"
+windows threads 64 "$windows_each"
+windows many-threads "$windows_threads"
+printf -- '-- thread sanitizer\n'
+count_faults < <(TSAN_OPTIONS='exitcode=66 halt_on_error=0' build/tsan/bin/checks threads 16 "$watched" 2>&1)
+reports=$(grep -c 'WARNING: ThreadSanitizer' build/check/threads.log 2>/dev/null || true)
+faults=$((faults + ${reports:-0}))
+conclude "64 threads x $each calls (Windows: $windows_each) equal one thread's; $threads threads (Windows: $windows_threads) leave nothing; 16 x $watched calls without a report of the thread sanitizer" \
+  "$calls calls and threads, $faults faults, ${reports:-0} reports"
