@@ -9,7 +9,7 @@ export VOREL=$root/build/native/bin/vorel
 rm -rf "$folder"
 mkdir -p "$folder"
 folder=$(realpath "$folder")
-find "$pages" -name '*.tif' | sort >"$folder/list.txt"
+find "$(realpath "$pages")" -name '*.tif' | sort >"$folder/list.txt"
 cd "$folder"
 "$VOREL" batch "$steps" --files-from list.txt --out alone --jobs 1 --json >alone.json
 

@@ -39,7 +39,7 @@ def main(folder, count):
     paths = make_pages(folder / "in", count)
     alone, rate = timed(process(paths, STEPS, folder / "alone", compression="g4"))
     print(f"   one process: {rate:.0f} pages per second")
-    with LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=None) as cluster, Client(cluster) as client:
+    with LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=":0") as cluster, Client(cluster) as client:
         together, rate = timed(killing_one(process(paths, STEPS, folder / "dask", client=client, compression="g4"), count // 3))
     print(f"   two workers, one killed and started again: {rate:.0f} pages per second")
 

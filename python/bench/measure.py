@@ -131,7 +131,7 @@ def workers():
     with tempfile.TemporaryDirectory() as folder:
         paths = make_pages(folder, 200, *A4)
         for count in (1, 2):
-            with LocalCluster(n_workers=count, threads_per_worker=1, processes=True, dashboard_address=None) as cluster, Client(cluster) as client:
+            with LocalCluster(n_workers=count, threads_per_worker=1, processes=True, dashboard_address=":0") as cluster, Client(cluster) as client:
                 list(process(paths[:20], STEPS, os.path.join(folder, f"warm{count}"), client=client))
                 rates[count] = rate(lambda: list(process(paths, STEPS, os.path.join(folder, f"out{count}"), client=client)), len(paths))
     show_rates("A4, 300 dpi, 1 bit; Dask workers", rates)

@@ -51,7 +51,7 @@ def test_a_worker_that_dies_costs_no_page_and_makes_none_twice(folder):
     distributed = pytest.importorskip("distributed")
     files = make_files(60)
     list(process(files, STEPS, "alone"))
-    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
+    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=":0") as cluster:
         with distributed.Client(cluster) as client:
             seen = []
             for record in process([*files, "gone.tif"], STEPS, "together", client=client, batch=2, retries=1):
