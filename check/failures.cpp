@@ -18,6 +18,7 @@ std::string text_of(const Outcome& outcome, const Outcome& usual) {
 
 // Runs every good row, or those after a row that crashed, with each system call of the part failing.
 void fail_each_call(SystemPart part, const std::string& first_after, Report& report) {
+  keep_jpeg_loaded();
   bool is_after = first_after.empty();
   for (const Row& row : good_rows()) {
     if (!std::exchange(is_after, is_after || row.name == first_after)) continue;
@@ -78,6 +79,7 @@ int check_files(const Arguments& arguments) {
 // Requests of operator new alone: where one fails, the library's own code throws std::bad_alloc.
 int check_exceptions(const Arguments&) {
   Report report;
+  keep_jpeg_loaded();
   std::set<std::string> exports;
   for (const Row& row : good_rows()) {
     FailingSystem system(kNewPart);

@@ -42,14 +42,19 @@ void check_repeated(const std::vector<Row>& rows, long calls, Report& report) {
     Stage stage;
     const long times = row.has(kSlow) ? std::max(calls / 10, 20L) : calls;
     for (int i = 0; i < 5; ++i) stage.run(row);  // whatever is kept for the next time
-    Holdings before = Holdings::now();
-    if (row.has(kSystemKeeps)) before.blocks += times;
-    for (long i = 0; i < times; ++i) {
-      at_work(row.name, i);
-      if (!row.as_stated(stage.run(row))) return report.fault(row.name, "another result in call " + std::to_string(i));
+    // What the system itself keeps comes once; what a call leaves comes again.
+    std::string more = "?";
+    for (int attempt = 0; attempt < 3 && !more.empty(); ++attempt) {
+      Holdings before = Holdings::now();
+      if (row.has(kSystemKeeps)) before.blocks += times;
+      for (long i = 0; i < times; ++i) {
+        at_work(row.name, i);
+        if (!row.as_stated(stage.run(row))) return report.fault(row.name, "another result in call " + std::to_string(i));
+      }
+      report.count(times);
+      more = Holdings::now().more_than(before);
     }
-    report.count(times);
-    if (const std::string more = Holdings::now().more_than(before); !more.empty()) report.fault(row.name, more);
+    if (!more.empty()) report.fault(row.name, more);
     if (const std::string changed = stage.changed_inputs(); !changed.empty()) report.fault(row.name, changed);
   }
 }

@@ -55,6 +55,9 @@ void* lock_guarded(HGLOBAL block);
 void unlock_guarded(HGLOBAL block);
 void free_guarded(HGLOBAL block);
 
+// Before memory fails: on Linux the JPEG library stays loaded, with its thread-local data.
+void keep_jpeg_loaded();
+
 // Patches what is to be patched; once, before anything else.
 void set_up_system();
 

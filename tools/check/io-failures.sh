@@ -8,7 +8,7 @@ build win32 checks vorel codec_modules make_printer
 make_printer
 area=$root/build/check/io
 rm -rf "$area"
-mkdir -p "$area"/{files,few,made,full}
+mkdir -p "$area"/{files,few,made,full,samples}
 fault() { printf 'FAULT %s\n' "$*"; faults=$((faults + 1)); }
 vorel() { timeout 60 build/native/bin/vorel "$@"; }
 

@@ -48,7 +48,7 @@ install() {
 use() {
   local module=$1 code file loader saver
   tool=0 library=0
-  rm -f "$area"/documents/made.*
+  rm -f "$area"/documents/made*
   for format in "${formats[@]}"; do
     read -r code file loader saver <<<"$format"
     if [ "$module" = "$loader" ]; then
