@@ -18,18 +18,13 @@ for file in "$area"/foreign/*; do
   [[ $file == *.page*.bmp ]] || cp "$file" "$area/files/"
 done
 build/native/bin/make_samples "$area/samples" >"$area/samples.txt"
-for sample in "$area"/samples/*; do
-  name=$(basename "$sample")
-  for ending in bmp tif png gif pcx dcx tga jpg cal; do
-    [ "$(ls "$area/files" | wc -l)" -lt 160 ] || break
-    vorel scale --to 80x "$sample" "$area/files/${name%.*}-own.$ending" >/dev/null 2>&1 ||
-      vorel convert "$sample" "$area/files/${name%.*}-own.$ending" >/dev/null 2>&1
-  done
-done
-for turn in 90 180 270; do
-  for file in "$area"/files/*-own.*; do
-    [ "$(ls "$area/files" | wc -l)" -lt 200 ] || break
-    vorel rotate "$turn" "$file" "$area/files/turned-$turn-$(basename "$file")" >/dev/null 2>&1
+for size in 61x47 40x30 99x12; do
+  for sample in "$area"/samples/*; do
+    name=$(basename "$sample")
+    for ending in bmp tif png gif pcx dcx tga jpg cal; do
+      [ "$(ls "$area/files" | wc -l)" -lt 200 ] || break 3
+      vorel scale "$sample" "$area/files/${name%.*}-$size.$ending" "$size" >/dev/null 2>&1
+    done
   done
 done
 there=$(ls "$area/files" | wc -l)

@@ -5,7 +5,7 @@ in_session "$@"
 build native checks
 build win32 checks make_printer
 make_printer
-times=$(by_mode 200 1000) mixed=$(by_mode 200000 1000000) windows_times=$(by_mode 40 1000) windows_mixed=$(by_mode 20000 200000)
+times=$(by_mode 200 1000) mixed=$(by_mode 200000 1000000) windows_times=$(by_mode 20 1000) windows_mixed=$(by_mode 10000 200000)
 native nothing-left "$times"
 native mixed "$mixed" 64
 windows nothing-left "$windows_times"

@@ -5,7 +5,7 @@ in_session "$@"
 build native checks
 build win32 checks make_printer
 build tsan checks
-each=$(by_mode 1000 10000) threads=$(by_mode 2000 10000) watched=$(by_mode 300 3000) windows_each=$(by_mode 200 10000) windows_threads=$(by_mode 400 10000)
+each=$(by_mode 1000 10000) threads=$(by_mode 2000 10000) watched=$(by_mode 300 3000) windows_each=$(by_mode 100 10000) windows_threads=$(by_mode 200 10000)
 native rows
 native threads 64 "$each"
 native many-threads "$threads"
