@@ -158,4 +158,14 @@ Arguments Arguments::verb(const std::string& name, const std::string& purpose, c
 
 bool Arguments::is_given() const { return app_->parsed(); }
 
+std::vector<std::string> Arguments::given_options() const {
+  std::vector<std::string> options;
+  for (const CLI::Option* option : app_->get_options()) {
+    if (option->count() == 0 || option->get_positional()) continue;
+    const bool is_flag = option->get_expected_max() == 0;
+    options.push_back(option->get_name() + (is_flag ? "" : "=" + option->results().back()));
+  }
+  return options;
+}
+
 }  // namespace vorel::cli

@@ -67,6 +67,9 @@ class Arguments {
   Arguments verb(const std::string& name, const std::string& purpose, const std::string& group = "");
   bool is_given() const;
 
+  // The options that were given, in the order of their declaration, as words that mean the same again.
+  std::vector<std::string> given_options() const;
+
  private:
   void positional(const Argument& argument, const std::function<bool(const std::vector<std::string>&)>& take);
   void positional(const Argument& argument, std::vector<std::string>& values);

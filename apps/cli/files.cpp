@@ -100,8 +100,11 @@ void Input::copy(std::istream& from) try {
                   error.code().message()));
 }
 
-Output::Output(const std::string& name, bool overwrite, std::ostream& standard_output)
-    : label_(name == "-" ? "standard output" : name), target_(path_of(name)), overwrite_(overwrite) {
+Output::Output(const std::string& name, bool overwrite, std::ostream& standard_output, fs::path scratch)
+    : label_(name == "-" ? "standard output" : name),
+      scratch_(std::move(scratch)),
+      target_(path_of(name)),
+      overwrite_(overwrite) {
   if (name == "-") {
     stream_ = &standard_output;
     return;
@@ -154,7 +157,8 @@ void Output::save_into(const ScratchFile& file, const Save& save) const {
 
 // Everything happens beside the target, so that it is there whole or not at all.
 void Output::put_in_place(const std::string& ending, const Save& save) const {
-  const fs::path folder = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
+  const fs::path beside = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
+  const fs::path& folder = scratch_.empty() ? beside : scratch_;
   const ScratchFile file(folder, fs::exists(found_) ? Readers::kOwner : Readers::kAsUsual, ending);
   if (fs::exists(found_)) fs::permissions(file.path(), found_.permissions());
   save_into(file, save);

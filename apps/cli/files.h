@@ -50,8 +50,9 @@ class Input {
 
 class Output {
  public:
-  // Checks the target before any work is done: throws Failure if a file is there already and may not be replaced.
-  Output(const std::string& name, bool overwrite, std::ostream& standard_output);
+  // Checks the target before any work is done: throws Failure if a file is there already and may not be replaced. Unfinished
+  // files are beside the target, or in a given folder of its file system.
+  Output(const std::string& name, bool overwrite, std::ostream& standard_output, std::filesystem::path scratch = {});
 
   const std::string& label() const { return label_; }  // for messages
 
@@ -71,6 +72,7 @@ class Output {
   void save_into(const ScratchFile& file, const Save& save) const;
 
   std::string label_;
+  std::filesystem::path scratch_;
   std::filesystem::path target_;  // where a symbolic link leads to
   std::filesystem::file_status found_;
   bool overwrite_;

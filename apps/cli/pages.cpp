@@ -62,13 +62,14 @@ Page Source::load(size_t index) const {
   });
 }
 
-Target::Target(std::string name, const SavingOptions& options, const Streams& streams)
+Target::Target(std::string name, const SavingOptions& options, const Streams& streams, std::filesystem::path scratch)
     : name_(std::move(name)),
       streams_(streams),
       overwrite_(options.overwrite),
       is_numbered_(options.numbered),
       is_strict_(options.is_strict),
-      saving_(options.saving_for(name_)) {
+      saving_(options.saving_for(name_)),
+      scratch_(std::move(scratch)) {
   if (is_numbered_ && is_standard_output())
     throw Failure(ExitCode::kWrongUse, name_, "numbered pages go to files of their own; give OUT a name");
 }
@@ -83,7 +84,7 @@ void Target::open(size_t pages, std::initializer_list<const Source*> sources) {
   outputs_.clear();
   for (size_t i = 0; i < (is_numbered_ ? pages : 1); ++i) {
     const std::string name = is_numbered_ ? numbered(name_, i + 1, pages) : name_;
-    outputs_.push_back(std::make_unique<Output>(name, overwrite_, streams_.output));
+    outputs_.push_back(std::make_unique<Output>(name, overwrite_, streams_.output, scratch_));
   }
   for (const Source* source : sources) {
     if (!source->leaves_pages_out() || !replaces(*source)) continue;

@@ -41,8 +41,9 @@ class Source {
 // Where pages go: a file, the pages of a file, or numbered files.
 class Target {
  public:
-  // Throws Failure if name and options do not go together.
-  Target(std::string name, const SavingOptions& options, const Streams& streams);
+  // Throws Failure if name and options do not go together. Unfinished files are beside the target, or in a given folder of its
+  // file system.
+  Target(std::string name, const SavingOptions& options, const Streams& streams, std::filesystem::path scratch = {});
 
   // Looks at the files to be written before any work goes into them: throws Failure if they cannot hold so many pages, or may not
   // be replaced. A source may only be replaced if all its pages are taken.
@@ -67,6 +68,7 @@ class Target {
   const Streams& streams_;
   bool overwrite_, is_numbered_, is_strict_;
   programs::Saving saving_;
+  std::filesystem::path scratch_;
   std::vector<std::unique_ptr<Output>> outputs_;
 };
 

@@ -134,21 +134,11 @@ std::string Parser::reason_for(const std::exception& error) const {
   return is_value ? message : wrong_count(message, *declared);
 }
 
-std::vector<std::string> Parser::canonical_words() const {
-  std::vector<std::string> words, options;
-  for (const CLI::Option* option : app_->get_options()) {
-    if (option->count() == 0) continue;
-    if (option->get_positional()) {
-      words.insert(words.end(), option->results().begin(), option->results().end());
-      continue;
-    }
-    const bool is_flag = option->get_expected_max() == 0;
-    if (is_flag) {
-      options.push_back(option->get_name());
-    } else {
-      options.push_back(option->get_name() + "=" + option->results().back());
-    }
-  }
+std::vector<std::string> Parser::canonical_words() {
+  std::vector<std::string> words;
+  for (const CLI::Option* option : app_->get_options())
+    if (option->get_positional()) words.insert(words.end(), option->results().begin(), option->results().end());
+  const std::vector<std::string> options = arguments().given_options();
   words.insert(words.end(), options.begin(), options.end());
   return words;
 }

@@ -33,7 +33,7 @@ class Parser {
   std::vector<std::string> chosen() const;
 
   // The given values in the order of their declaration, as words that mean the same again.
-  std::vector<std::string> canonical_words() const;
+  std::vector<std::string> canonical_words();
 
  private:
   std::string reason_for(const std::exception& error) const;

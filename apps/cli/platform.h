@@ -13,6 +13,7 @@ namespace vorel::cli {
 // Binary standard streams, no message box or signal in place of an error code, and no scratch file left behind by Ctrl+C. Called
 // once, by main().
 void prepare_process();
+bool is_prepared();  // false in programs that have this code and a main() of their own
 
 enum class Readers { kOwner, kAsUsual };
 

@@ -11,6 +11,8 @@
 namespace vorel::cli {
 namespace {
 
+bool prepared = false;
+
 // A signal handler may call few functions, so names wait here ready to be used.
 enum : int { kFree, kFilling, kTaken };
 struct Slot {
@@ -29,9 +31,12 @@ void end_by_signal(int signal) {
 
 }  // namespace
 
+bool is_prepared() { return prepared; }
+
 // A reader that goes away and a limit on the size of files are errors like any other: to be stopped by their signals would
 // leave temporary files behind.
 void prepare_process() {
+  prepared = true;
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {

@@ -8,6 +8,8 @@
 namespace vorel::cli {
 namespace {
 
+bool prepared = false;
+
 constexpr UINT kStopped = 130;  // the exit code that shells give for Ctrl+C
 
 SRWLOCK list_lock = SRWLOCK_INIT;
@@ -38,7 +40,10 @@ std::error_code last_error() { return {static_cast<int>(GetLastError()), std::sy
 
 }  // namespace
 
+bool is_prepared() { return prepared; }
+
 void prepare_process() {
+  prepared = true;
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
   _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);

@@ -8,6 +8,7 @@
 
 #include <vorel32.h>
 
+#include "cli/batch/worker.h"
 #include "cli/parser.h"
 #include "cli/platform.h"
 #include "cli/step.h"
@@ -129,6 +130,11 @@ class CommandLine {
 };
 
 ExitCode run_checked(std::vector<std::string> arguments, const Streams& streams) {
+  if (!arguments.empty() && arguments.front() == batch::kWorkerWord) {
+    batch::serve(streams.input, streams.output);  // nobody reads its complaints
+    streams.output.clear();
+    return ExitCode::kDone;
+  }
   const ExitCode code = CommandLine(arguments).run(arguments, streams);
   if (!streams.output.flush()) {
     throw Failure(ExitCode::kOutput, "standard output", "not all could be written; check that its reader is still there");

@@ -20,6 +20,8 @@ vorel convert page-1bit.bmp page.tif
 vorel convert page-1bit.bmp cover.bmp
 vorel convert chart-24bit.bmp photo.jpg
 vorel pages join page-1bit.bmp crooked.tif fax.tif
+mkdir -p scans/box-1
+cp scan.tif scans/box-1
 
 # Fenced lines that are commands of this system's tool.
 awk '/^```/ { inside = !inside; next } inside && /^vorel /' "$readme" >commands
