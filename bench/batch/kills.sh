@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Kills runs of "vorel batch" at random moments, SIGKILL and SIGTERM in turn, goes on with --resume each time, and compares the
 # outputs with those of a run that nobody disturbed. Prints how many kills there were.
-# usage: batch_kills.sh VOREL FOLDER_OF_PICTURES [KILLS [MOST_MILLISECONDS]]
+# usage: kills.sh VOREL FOLDER_OF_PICTURES [KILLS [MOST_MILLISECONDS]]
 set -euo pipefail
 vorel=$1 pictures=$2 kills=${3:-100} most=${4:-400}
 steps='rotate 90 | clean 60'
