@@ -198,7 +198,8 @@ Outcome Task::work_on(const InputFile& input, bool may_replace) const {
   try {
     Work(*this, input, may_replace, outcome).run();
   } catch (const Failure& failure) {
-    fail(failure.code(), failure.what());
+    const std::string text = failure.what();  // may be about an output
+    fail(failure.code(), text.starts_with(input.shown) ? text : input.shown + ": " + text);
   } catch (const programs::Problem& problem) {
     fail(code_for(problem.fault()), input.shown + ": " + problem.what());
   } catch (const std::bad_alloc&) {
