@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstring>
+#include <span>
 #include <vector>
 
 #include "common/forms.h"
@@ -12,121 +15,249 @@
 namespace vorel::programs {
 namespace {
 
-// A row or column of `before` pixels laid over one of `after`: lengths are counted in parts, `after` to an old pixel and `before` to
-// a new one, so that all of them are whole.
-class Overlap {
- public:
-  Overlap(int before, int after) : before_(static_cast<uint32_t>(before)), after_(static_cast<uint32_t>(after)) {}
+// The old pixels of a row or column that a new one covers. Lengths are counted in parts, `after` to an old pixel and `before` to a
+// new one, so that all of them are whole numbers.
+struct Cover {
+  int first;            // old pixel, of which `head` parts are covered; 0 for none
+  uint32_t head, tail;  // `tail` parts of the one behind the whole ones
+  int whole;            // pixels between the two that are covered whole
+  int last() const { return first + (head > 0 ? 1 : 0) + whole - (tail > 0 ? 0 : 1); }
+};
 
-  // Calls take(new pixel, parts of it that the next old pixel covers), from the first old pixel's first part on.
-  template <class Take>
-  void cover(Take take) {
-    for (uint32_t left = after_; left > 0;) {
-      const uint32_t parts = std::min(left, before_ - filled_);
-      take(at_, parts);
-      left -= parts;
-      filled_ += parts;
-      if (filled_ < before_) continue;
-      filled_ = 0;
-      ++at_;
+std::vector<Cover> covers_of(int before, int after) {
+  std::vector<Cover> covers(static_cast<size_t>(after));
+  const auto old_parts = static_cast<uint64_t>(after), new_parts = static_cast<uint64_t>(before);
+  uint64_t begin = 0;
+  for (Cover& cover : covers) {
+    const uint64_t into = begin % old_parts, head = into > 0 ? std::min(old_parts - into, new_parts) : 0;
+    const uint64_t rest = new_parts - head;
+    cover = {static_cast<int>(begin / old_parts), static_cast<uint32_t>(head), static_cast<uint32_t>(rest % old_parts),
+             static_cast<int>(rest / old_parts)};
+    begin += new_parts;
+  }
+  return covers;
+}
+
+// Calls take(old pixel, parts) for each old pixel that is covered.
+template <class Take>
+void for_each_covered(const Cover& cover, uint32_t parts_of_old, Take take) {
+  int at = cover.first;
+  if (cover.head > 0) take(at++, cover.head);
+  for (const int end = at + cover.whole; at < end; ++at) take(at, parts_of_old);
+  if (cover.tail > 0) take(at, cover.tail);
+}
+
+// The sum that a sample of 1 everywhere has.
+uint64_t parts_of(const Picture& picture) {
+  return uint64_t{static_cast<uint32_t>(picture.width())} * static_cast<uint32_t>(picture.height());
+}
+
+// sum / whole to the nearest whole number, half a level up.
+class Mean {
+ public:
+  explicit Mean(uint64_t whole) : whole_(whole), inverse_(1 / static_cast<double>(whole)) {}
+
+  uint8_t operator()(uint64_t sum) const {
+    const uint64_t rounded = sum + whole_ / 2;
+    auto mean = static_cast<uint64_t>(static_cast<double>(rounded) * inverse_);  // off by one at most
+    if (mean * whole_ > rounded) --mean;
+    if ((mean + 1) * whole_ <= rounded) ++mean;
+    return static_cast<uint8_t>(mean);
+  }
+
+ private:
+  uint64_t whole_;
+  double inverse_;
+};
+
+// Adds a row of samples to sums of rows. A sum of `Sum` has room for all parts of a column.
+template <class Sum>
+void add_row(std::vector<Sum>& sums, const uint8_t* samples, Sum parts) {
+  for (size_t i = 0; i < sums.size(); ++i) sums[i] += samples[i] * parts;
+}
+
+// Runs samples_of(row) over the old rows that each new row covers, and finish(new row, sums of a pixel's channels, x) over the new
+// pixels. Columns are summed first: additions of whole rows are faster than steps along a row.
+template <size_t channels, class Sum, class SamplesOf, class Finish>
+void sum_areas(const Picture& picture, const Picture& result, SamplesOf samples_of, Finish finish) {
+  const DibView from = picture.pixels(), to = result.pixels();
+  const std::vector<Cover> across = covers_of(from.width(), to.width()), down = covers_of(from.height(), to.height());
+  const auto column_parts = static_cast<uint32_t>(to.width()), row_parts = static_cast<uint32_t>(to.height());
+  std::vector<Sum> columns(static_cast<size_t>(from.width()) * channels);
+  for (int y = 0; y < to.height(); ++y) {
+    std::ranges::fill(columns, Sum{0});
+    for_each_covered(down[static_cast<size_t>(y)], row_parts, [&](int row, uint32_t parts) {
+      add_row(columns, samples_of(from.row_from_top(row).data()), Sum{parts});
+    });
+    uint8_t* const row = to.row_from_top(y).data();
+    for (size_t x = 0; x < across.size(); ++x) {
+      std::array<uint64_t, channels> sums{};
+      for_each_covered(across[x], column_parts, [&](int column, uint32_t parts) {
+        const Sum* const of_column = columns.data() + static_cast<size_t>(column) * channels;
+        for (size_t c = 0; c < channels; ++c) sums[c] += uint64_t{of_column[c]} * parts;
+      });
+      finish(row, static_cast<int>(x), sums);
     }
   }
+}
 
- private:
-  uint32_t before_, after_;
-  size_t at_ = 0;
-  uint32_t filled_ = 0;
-};
-
-// Sums of samples by area, a row of new pixels at a time. A row has `channels` samples to a pixel.
-class AreaSums {
- public:
-  AreaSums(Size before, Size after, size_t channels)
-      : before_(before),
-        after_(after),
-        channels_(channels),
-        across_(static_cast<size_t>(after.width) * channels),
-        sums_(across_.size()),
-        down_(before.height, after.height),
-        whole_(uint64_t{static_cast<uint32_t>(before.width)} * static_cast<uint32_t>(before.height)) {}
-
-  // The sum that a sample of 1 everywhere has.
-  uint64_t whole() const { return whole_; }
-
-  // Takes the next row of samples. Calls finish(y, sums) for each new row that is complete.
-  template <class Finish>
-  void add(const uint8_t* samples, Finish finish) {
-    sum_across(samples);
-    down_.cover([&](size_t y, uint32_t parts) {
-      for (size_t i = 0; i < sums_.size(); ++i) sums_[i] += uint64_t{across_[i]} * parts;
-      filled_ += parts;
-      if (filled_ < static_cast<uint32_t>(before_.height)) return;
-      finish(static_cast<int>(y), std::as_const(sums_));
-      std::ranges::fill(sums_, 0);
-      filled_ = 0;
-    });
-  }
-
- private:
-  void sum_across(const uint8_t* samples) {
-    std::ranges::fill(across_, 0);
-    Overlap overlap(before_.width, after_.width);
-    for (int x = 0; x < before_.width; ++x, samples += channels_)
-      overlap.cover([&](size_t at, uint32_t parts) {
-        for (size_t c = 0; c < channels_; ++c) across_[at * channels_ + c] += samples[c] * parts;
-      });
-  }
-
-  Size before_, after_;
-  size_t channels_;
-  std::vector<uint32_t> across_;
-  std::vector<uint64_t> sums_;
-  Overlap down_;
-  uint32_t filled_ = 0;
-  uint64_t whole_;
-};
-
-uint8_t mean_of(uint64_t sum, uint64_t whole) { return static_cast<uint8_t>((sum + whole / 2) / whole); }
-
-// Runs samples_of(row) over the rows from the top, and finish(row from the top of the result, sums, whole).
-template <class SamplesOf, class Finish>
-Picture by_area(const Picture& picture, Size size, size_t channels, SamplesOf samples_of, Finish finish) {
+template <size_t channels, class SamplesOf, class Finish>
+Picture by_area(const Picture& picture, Size size, SamplesOf samples_of, Finish finish) {
   Picture result = blank_like(picture, size, picture.depth());
-  const DibView from = picture.pixels(), to = result.pixels();
-  AreaSums sums({picture.width(), picture.height()}, size, channels);
-  for (int y = 0; y < from.height(); ++y)
-    sums.add(samples_of(from.row_from_top(y).data()), [&](int row, const std::vector<uint64_t>& of_row) {
-      finish(to.row_from_top(row).data(), of_row, sums.whole());
-    });
+  const bool fits = picture.height() < (1 << 24);  // 255 for each of a column's parts in 32 bits
+  if (fits)
+    sum_areas<channels, uint32_t>(picture, result, samples_of, finish);
+  else
+    sum_areas<channels, uint64_t>(picture, result, samples_of, finish);
   return result;
 }
 
 // Bytes that are levels as they are: greys, and blue, green and red.
+template <size_t channels>
 Picture levels_by_area(const Picture& picture, Size size) {
-  const auto finish = [](uint8_t* row, const std::vector<uint64_t>& sums, uint64_t whole) {
-    for (const uint64_t sum : sums) *row++ = mean_of(sum, whole);
+  return by_area<channels>(
+      picture, size, [](const uint8_t* row) { return row; },
+      [mean = Mean(parts_of(picture))](uint8_t* row, int x, const auto& sums) {
+        for (size_t c = 0; c < channels; ++c) row[static_cast<size_t>(x) * channels + c] = mean(sums[c]);
+      });
+}
+
+// ---- Black and white ----
+
+uint8_t brightness_of(const Picture& picture, uint32_t pixel) {
+  const uint32_t color = color_of(picture, pixel);
+  return vorel::luminance_of(
+      {static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color >> 16), 0});
+}
+
+// Set bits from the pixel `first` on.
+int count_bits(const uint8_t* row, int first, int count) {
+  constexpr int kInWord = 56;  // of any alignment
+  int bits = 0;
+  for (; count > 0; first += kInWord, count -= kInWord) {
+    const int taken = std::min(count, kInWord);
+    uint64_t word = 0;
+    for (int byte = first >> 3; byte <= (first + taken - 1) >> 3; ++byte)
+      word |= uint64_t{row[byte]} << (56 - 8 * (byte - (first >> 3)));
+    bits += std::popcount(word << (first & 7) >> (64 - taken));
+  }
+  return bits;
+}
+
+// The side that covers more of a new pixel; if none does, the darker one. New bytes that see one side alone, as most of a page
+// does, are not counted.
+class Majority {
+ public:
+  Majority(const Picture& picture, const Picture& result)
+      : from_(picture.pixels()),
+        to_(result.pixels()),
+        across_(covers_of(from_.width(), to_.width())),
+        down_(covers_of(from_.height(), to_.height())),
+        any_(from_.row(0).size()),
+        all_(any_.size()),
+        whole_(parts_of(picture)),
+        for_half_(brightness_of(picture, 1) < brightness_of(picture, 0) ? 1 : 0) {}
+
+  void make() {
+    for (int y = 0; y < to_.height(); ++y) {
+      const Cover& cover = down_[static_cast<size_t>(y)];
+      look_through(cover);
+      for (int x = 0; x < to_.width(); x += 8) make_byte(cover, to_.row_from_top(y).data(), x);
+    }
+  }
+
+ private:
+  void look_through(const Cover& cover) {
+    std::ranges::fill(any_, uint8_t{0});
+    std::ranges::fill(all_, uint8_t{0xFF});
+    for (int y = cover.first; y <= cover.last(); ++y) {
+      const uint8_t* const row = from_.row_from_top(y).data();
+      for (size_t i = 0; i < any_.size(); ++i) {
+        any_[i] |= row[i];
+        all_[i] &= row[i];
+      }
+    }
+  }
+
+  void make_byte(const Cover& rows, uint8_t* row, int x) {
+    const int end = std::min(x + 8, to_.width());
+    const auto first = static_cast<size_t>(across_[static_cast<size_t>(x)].first >> 3);
+    const auto last = static_cast<size_t>(across_[static_cast<size_t>(end - 1)].last() >> 3);
+    const auto in_sight = [&](const std::vector<uint8_t>& bytes) {
+      return std::span(bytes).subspan(first, last - first + 1);
+    };
+    uint8_t byte = 0;
+    if (std::ranges::all_of(in_sight(all_), [](uint8_t b) { return b == 0xFF; })) {
+      byte = static_cast<uint8_t>(0xFF << (8 - (end - x)));
+    } else if (std::ranges::any_of(in_sight(any_), [](uint8_t b) { return b != 0; })) {
+      for (int i = x; i < end; ++i)
+        if (2 * sum_of(rows, across_[static_cast<size_t>(i)]) + for_half_ > whole_)
+          byte |= static_cast<uint8_t>(0x80 >> (i - x));
+    }
+    row[x >> 3] = byte;
+  }
+
+  uint64_t sum_of(const Cover& rows, const Cover& columns) const {
+    uint64_t sum = 0;
+    for_each_covered(rows, static_cast<uint32_t>(to_.height()), [&](int y, uint32_t parts) {
+      const uint8_t* const row = from_.row_from_top(y).data();
+      int at = columns.first;
+      uint64_t across = 0;
+      if (columns.head > 0) across += columns.head * Pixel<1>::load(row, at++);
+      across += static_cast<uint64_t>(to_.width()) * static_cast<uint64_t>(count_bits(row, at, columns.whole));
+      if (columns.tail > 0) across += columns.tail * Pixel<1>::load(row, at + columns.whole);
+      sum += across * parts;
+    });
+    return sum;
+  }
+
+  DibView from_, to_;
+  std::vector<Cover> across_, down_;
+  std::vector<uint8_t> any_, all_;  // of the old rows that a new one covers: bits that are set in one of them, and in all
+  uint64_t whole_, for_half_;
+};
+
+// The same for exactly half the size: 32 new pixels at a time from the words of two rows. Bit pairs lie within bytes, the left pixel
+// in the higher bit.
+uint32_t majority_of_fours(uint64_t above, uint64_t below, bool set_wins_ties) {
+  const uint64_t both_above = above & above << 1, both_below = below & below << 1;
+  const uint64_t one_above = above | above << 1, one_below = below | below << 1;
+  const uint64_t three = (both_above & one_below) | (both_below & one_above);
+  const uint64_t two = both_above | both_below | (one_above & one_below);
+  uint64_t bits = (set_wins_ties ? two : three) >> 1 & 0x5555555555555555;
+  bits = (bits | bits >> 1) & 0x3333333333333333;
+  bits = (bits | bits >> 2) & 0x0F0F0F0F0F0F0F0F;
+  bits = (bits << 4 | bits >> 8) & 0x00FF00FF00FF00FF;
+  bits = (bits | bits >> 8) & 0x0000FFFF0000FFFF;
+  return static_cast<uint32_t>(bits | bits >> 16);
+}
+
+void halve_bits(const Picture& picture, const Picture& result) {
+  const DibView from = picture.pixels(), to = result.pixels();
+  const bool set_wins_ties = brightness_of(picture, 1) < brightness_of(picture, 0);
+  const auto word_of = [](std::span<const uint8_t> row, size_t at) {
+    uint64_t word = 0;
+    std::memcpy(&word, row.data() + at, std::min(row.size() - at, sizeof word));
+    return word;
   };
-  return by_area(
-      picture, size, picture.depth() == 24 ? 3 : 1, [](const uint8_t* row) { return row; }, finish);
+  for (int y = 0; y < to.height(); ++y) {
+    const std::span<const uint8_t> above = from.row_from_top(2 * y), below = from.row_from_top(2 * y + 1);
+    const std::span<uint8_t> row = to.row_from_top(y);
+    for (size_t at = 0; at < row.size(); at += 4) {
+      const uint32_t pixels = majority_of_fours(word_of(above, 2 * at), word_of(below, 2 * at), set_wins_ties);
+      std::memcpy(row.data() + at, &pixels, std::min(row.size() - at, sizeof pixels));
+    }
+    if (to.width() % 8 != 0) row.back() &= static_cast<uint8_t>(0xFF00 >> to.width() % 8);
+  }
 }
 
 Picture bits_by_area(const Picture& picture, Size size) {
-  std::vector<uint8_t> samples(static_cast<size_t>(picture.width()));
-  const auto unpacked = [&](const uint8_t* row) {
-    for (size_t x = 0; x < samples.size(); ++x) samples[x] = static_cast<uint8_t>(Pixel<1>::load(row, static_cast<int>(x)));
-    return samples.data();
-  };
-  const auto brightness = [&](uint32_t pixel) {
-    const uint32_t color = color_of(picture, pixel);
-    return vorel::luminance_of(
-        {static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color >> 16), 0});
-  };
-  const uint64_t for_half = brightness(1) < brightness(0) ? 1 : 0;  // the darker one wins
-  const auto finish = [&](uint8_t* row, const std::vector<uint64_t>& sums, uint64_t whole) {
-    for (size_t x = 0; x < sums.size(); ++x)
-      Pixel<1>::store(row, static_cast<int>(x), 2 * sums[x] + for_half > whole ? 1 : 0);
-  };
-  return by_area(picture, size, 1, unpacked, finish);
+  Picture result = blank_like(picture, size, 1);
+  if (picture.width() == 2 * size.width && picture.height() == 2 * size.height)
+    halve_bits(picture, result);
+  else
+    Majority(picture, result).make();
+  return result;
 }
 
 // Colours of a table are mixed, and the nearest colour of the table stands for the mixture.
@@ -141,21 +272,18 @@ Picture colors_by_area(const Picture& picture, Size size) {
     });
     return samples.data();
   };
-  const auto finish = [&](uint8_t* row, const std::vector<uint64_t>& sums, uint64_t whole) {
-    with_depth(picture.depth(), [&](auto depth) {
-      for (size_t x = 0; x < sums.size() / 3; ++x) {
-        const Rgb mixed = {mean_of(sums[3 * x], whole), mean_of(sums[3 * x + 1], whole), mean_of(sums[3 * x + 2], whole), 0};
-        Pixel<depth>::store(row, static_cast<int>(x), static_cast<uint32_t>(nearest_color(table, mixed)));
-      }
-    });
+  const auto finish = [&, mean = Mean(parts_of(picture))](uint8_t* row, int x, const auto& sums) {
+    const auto nearest = nearest_color(table, {mean(sums[0]), mean(sums[1]), mean(sums[2]), 0});
+    with_depth(picture.depth(), [&](auto depth) { Pixel<depth>::store(row, x, static_cast<uint32_t>(nearest)); });
   };
-  return by_area(picture, size, 3, unpacked, finish);
+  return by_area<3>(picture, size, unpacked, finish);
 }
 
 }  // namespace
 
 Picture scaled_by_area(const Picture& picture, Size size) {
-  if (picture.depth() == 24 || has_gray_ramp(picture)) return levels_by_area(picture, size);
+  if (picture.depth() == 24) return levels_by_area<3>(picture, size);
+  if (has_gray_ramp(picture)) return levels_by_area<1>(picture, size);
   return picture.depth() == 1 ? bits_by_area(picture, size) : colors_by_area(picture, size);
 }
 
