@@ -30,6 +30,7 @@ using Doublewords = int32_t __attribute__((vector_size(kVectorBytes)));
 
 using Bytes16 = uint8_t __attribute__((vector_size(16)));
 using Bytes64 = uint8_t __attribute__((vector_size(64)));
+using Words64 = uint16_t __attribute__((vector_size(64)));
 
 // A vector of one lane, for the ends of short rows.
 using Byte1 = uint8_t __attribute__((vector_size(1)));
@@ -118,6 +119,15 @@ using Mask = std::conditional_t<kVectorBytes == 32, uint32_t, uint16_t>;
   return (Bytes)VOREL_INTRINSIC(unpackhi_epi8)((VOREL_VECTOR)bytes, (VOREL_VECTOR)partners);
 }
 
+// The high eight bytes of each part of both, in turn.
+[[gnu::always_inline]] inline Bytes high_halves(Bytes a, Bytes b) {
+  return (Bytes)VOREL_INTRINSIC(unpackhi_epi64)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
+}
+// To signed bytes.
+[[gnu::always_inline]] inline Bytes pack_signed(Words low, Words high) {
+  return (Bytes)VOREL_INTRINSIC(packs_epi16)((VOREL_VECTOR)low, (VOREL_VECTOR)high);
+}
+
 [[gnu::always_inline]] inline SignedWords clamped_to_bytes(SignedWords words) {
   const auto most = (VOREL_VECTOR)(SignedWords{} + int16_t{255});
   return (SignedWords)VOREL_INTRINSIC(max_epi16)(VOREL_INTRINSIC(min_epi16)((VOREL_VECTOR)words, most), VOREL_VECTOR{});
@@ -166,6 +176,35 @@ using Mask = std::conditional_t<kVectorBytes == 32, uint32_t, uint16_t>;
 #ifdef __AVX512VBMI__
 [[gnu::always_inline]] inline Bytes64 picked(Bytes64 bytes, Bytes64 places) {
   return (Bytes64)_mm512_maskz_permutexvar_epi8(~__mmask64{0}, (__m512i)places, (__m512i)bytes);
+}
+// Bytes of two vectors.
+[[gnu::always_inline]] inline Bytes64 picked(Bytes64 low, Bytes64 high, Bytes64 places) {
+  return (Bytes64)_mm512_permutex2var_epi8((__m512i)low, (__m512i)places, (__m512i)high);
+}
+
+// The same as for the level's own vectors. Masks keep compilers from warnings about lanes without a value.
+[[gnu::always_inline]] inline Bytes64 low_pairs(Bytes64 bytes, Bytes64 partners) {
+  return (Bytes64)_mm512_maskz_unpacklo_epi8(~__mmask64{0}, (__m512i)bytes, (__m512i)partners);
+}
+[[gnu::always_inline]] inline Bytes64 high_pairs(Bytes64 bytes, Bytes64 partners) {
+  return (Bytes64)_mm512_maskz_unpackhi_epi8(~__mmask64{0}, (__m512i)bytes, (__m512i)partners);
+}
+[[gnu::always_inline]] inline Bytes64 high_halves(Bytes64 a, Bytes64 b) {
+  return (Bytes64)_mm512_maskz_unpackhi_epi64(static_cast<__mmask8>(~0), (__m512i)a, (__m512i)b);
+}
+[[gnu::always_inline]] inline Bytes64 pack_signed(Words64 low, Words64 high) {
+  return (Bytes64)_mm512_packs_epi16((__m512i)low, (__m512i)high);
+}
+[[gnu::always_inline]] inline Words64 multiply_add(Bytes64 a, Bytes64 signed_bytes) {
+  return (Words64)_mm512_maddubs_epi16((__m512i)a, (__m512i)signed_bytes);
+}
+[[gnu::always_inline]] inline Words64 multiply_high(Words64 a, Words64 b) {
+  return (Words64)_mm512_mulhi_epu16((__m512i)a, (__m512i)b);
+}
+// The even groups of eight bytes, then the odd ones.
+[[gnu::always_inline]] inline Bytes64 even_then_odd_groups(Bytes64 bytes) {
+  return (Bytes64)_mm512_maskz_permutexvar_epi64(static_cast<__mmask8>(~0), _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7),
+                                                 (__m512i)bytes);
 }
 #endif
 

@@ -44,6 +44,13 @@ class ByteGather {
 
   std::span<const uint32_t> positions() const { return positions_; }
 
+  // The bytes of the first blocks, whose windows end within `bytes` of the row.
+  size_t samples_within(size_t bytes) const {
+    size_t count = 0;
+    while (count < first_.size() && first_[count] + windows_ * kWindow <= bytes) ++count;
+    return count * kBlock;
+  }
+
   // Picks the bytes from `begin`, the start of a block, to before `end`. Writes whole blocks.
   void pick(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
     switch (windows_) {

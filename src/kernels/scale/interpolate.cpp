@@ -17,10 +17,9 @@ using Table = std::array<uint8_t, 256>;
 // fill(to, output) gives.
 void resample(Interpolation interpolation, ConstDibView source, DibView result, int channels, Arena arena, auto&& read_row,
               auto&& write_row) {
-  const auto read = [&](int y, std::span<uint8_t> samples) { read_row(source.row(y).data(), samples); };
   const auto run = [&](auto resampler) {
     for (int y = 0; y < result.height(); ++y)
-      write_row(result.row(y).data(), [&](uint8_t* to, const RowOutput& output) { resampler.row(y, to, output, read); });
+      write_row(result.row(y).data(), [&](uint8_t* to, const RowOutput& output) { resampler.row(y, to, output, read_row); });
   };
   if (interpolation == Interpolation::kLinear)
     run(Resampler<Linear>(source, result.size(), channels, arena));
@@ -31,12 +30,8 @@ void resample(Interpolation interpolation, ConstDibView source, DibView result, 
 // Samples as they are stored.
 void resample_bytes(Interpolation interpolation, ConstDibView source, DibView result, int channels, Arena arena) {
   const RowOutput output(source, result);
-  resample(
-      interpolation, source, result, channels, arena,
-      [](const uint8_t* row, std::span<uint8_t> samples) {
-        in_vectors(0, samples.size(), [&]<class V>(size_t x) VOREL_INLINE { store(&samples[x], load<V>(row + x)); });
-      },
-      [&](uint8_t* row, auto fill) { fill(row, output); });
+  resample(interpolation, source, result, channels, arena, StoredSamples(),
+           [&](uint8_t* row, auto fill) { fill(row, output); });
 }
 
 // Levels of the colours; black for indices past them.

@@ -1,6 +1,7 @@
 // Resampling rows of 8-bit samples, by two or four neighbours in each direction.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -23,9 +24,12 @@ inline uint16_t share(uint16_t weight, uint16_t sample) {
   return static_cast<uint16_t>(uint32_t{scaled} * 257 >> 16);
 }
 
-[[gnu::always_inline]] inline Words share(uint16_t weight, Words samples) {
-  return multiply_high(samples * weight + 129, Words{} + uint16_t{257});
-}
+// Reads rows of samples that are stored as they are.
+struct StoredSamples {
+  void operator()(const uint8_t* row, std::span<uint8_t> samples) const {
+    in_vectors(0, samples.size(), [&]<class V>(size_t x) VOREL_INLINE { store(&samples[x], load<V>(row + x)); });
+  }
+};
 
 // Mixes samples of several rows, weight(tap, i) of each. Two shares whose weights add up to 255 never exceed a byte.
 template <class Method>
@@ -61,14 +65,15 @@ class Resampler {
         samples_(arena.take<uint8_t>((static_cast<size_t>(source.width()) + kGuards) * channels_ + ByteGather::kOverread)),
         nothing_(arena.take<uint8_t>(band_bytes())),
         gather_(columns(arena), arena),
-        stretch_(gather_.positions(), weights_[kTaps - 1], channels_, arena) {
+        stretch_(gather_.positions(), weights_[kTaps - 1], channels_, arena),
+        from_source_(samples_from_source()) {
     for (Band& band : bands_) band.samples = arena.take<uint8_t>(band_bytes());
     std::memset(nothing_.data(), 0, nothing_.size());
   }
 
   size_t row_samples() const { return static_cast<size_t>(result_.width) * channels_; }
 
-  // Fills row y of the result. read_row(y, samples) reads the samples of a source row.
+  // Fills row y of the result. read_row(row, samples) reads the samples of a stored row of the source.
   void row(int y, uint8_t* to, const RowOutput& output, auto&& read_row) {
     const auto taps = Method::row(y, source_.height, result_.height);
     std::array<const uint8_t*, kTaps> rows;
@@ -96,19 +101,24 @@ class Resampler {
   };
 
   // Vectors are read whole.
-  size_t band_bytes() const { return row_samples() + kVectorBytes; }
+  size_t band_bytes() const { return row_samples() + sizeof(WideBytes); }
 
   static void mix_rows(const std::array<const uint8_t*, 2>& rows, const std::array<uint8_t, 2>& weights, size_t begin,
                        size_t end, uint8_t* to, auto put) {
-    const auto mixed_at = [first = rows[0], second = rows[1], weights](size_t i) VOREL_INLINE {
-      const auto a = load<Bytes>(first + i), b = load<Bytes>(second + i);
-      return pack(share(weights[0], low_words(a)) + share(weights[1], low_words(b)),
-                  share(weights[0], high_words(a)) + share(weights[1], high_words(b)));
+    const size_t heavier = weights[1] > weights[0];
+    const auto mixed_at = [light = rows[1 - heavier], heavy = rows[heavier],
+                           weight = WideWords{} + WideMix::pair_of(weights[1 - heavier])](size_t i) VOREL_INLINE {
+      return WideMix::mixed(load<WideBytes>(light + i), load<WideBytes>(heavy + i), weight);
     };
+    constexpr size_t kWide = sizeof(WideBytes);
     size_t i = begin;
-    for (; i + kVectorBytes <= end; i += kVectorBytes, to += kVectorBytes) put(to, mixed_at(i));
+    for (; i + kWide <= end; i += kWide, to += kWide) {
+      const WideBytes mixed = mixed_at(i);
+      for (size_t k = 0; k < kWide; k += kVectorBytes)
+        put(to + k, load<Bytes>(reinterpret_cast<const uint8_t*>(&mixed) + k));
+    }
     if (i == end) return;
-    uint8_t last[kVectorBytes];
+    uint8_t last[kWide];
     store(last, mixed_at(i));
     std::memcpy(to, last, end - i);
   }
@@ -138,43 +148,59 @@ class Resampler {
     Band& band = bands_[static_cast<size_t>(y) % kTaps];
     if (band.y != y) {
       band.y = y;
-      read(y, read_row);
+      constexpr bool kIsStored = std::is_same_v<std::remove_cvref_t<decltype(read_row)>, StoredSamples>;
+      const size_t from_source = kIsStored ? from_source_ : 0;
+      read(view_.row(y).data(), from_source, read_row);
       const int next = y + 2 * (y - last_read_);  // probably: the row behind the next one
       last_read_ = y;
-      stretch(band.samples.data(), next < source_.height ? view_.row(next).data() : nullptr);
+      const uint8_t* const ahead = next < source_.height ? view_.row(next).data() : nullptr;
+      stretch(view_.row(y).data() - kGuardBefore * channels_, 0, from_source, band.samples.data(), ahead);
+      stretch(samples_.data(), from_source, row_samples(), band.samples.data(), ahead);
     }
     return band.samples.data();
   }
 
-  void read(int y, auto& read_row) {
-    const std::span<uint8_t> pixels =
-        samples_.subspan(kGuardBefore * channels_, static_cast<size_t>(source_.width) * channels_);
-    read_row(y, pixels);
+  // The first samples of a row that are made from whole windows within the source row, and so need no guards.
+  size_t samples_from_source() const {
+    const size_t end = (kGuardBefore + static_cast<size_t>(source_.width)) * channels_;
+    return std::min(row_samples(),
+                    picks_ ? gather_.samples_within(end - kMiddle * channels_) : stretch_.samples_within(end));
+  }
+
+  // Reads a row, for the samples from `begin` on.
+  void read(const uint8_t* row, size_t begin, auto& read_row) {
+    if (begin == row_samples()) return;
+    const size_t in_front = kGuardBefore * channels_;
+    const size_t skipped = begin == 0 ? 0 : std::ranges::min(gather_.positions().subspan(begin)) - in_front;
+    const std::span<uint8_t> pixels = samples_.subspan(in_front, static_cast<size_t>(source_.width) * channels_);
+    read_row(row + skipped, pixels.subspan(skipped));
     std::memcpy(samples_.data(), pixels.data(), channels_);
     uint8_t* behind = pixels.data() + pixels.size();
     for (size_t i = 0; i < kGuardBehind; ++i, behind += channels_) std::memcpy(behind, behind - channels_, channels_);
   }
 
   // `ahead` is a row of the source that is read soon.
-  void stretch(uint8_t* to, const uint8_t* ahead) const {
+  void stretch(const uint8_t* from, size_t begin, size_t end_of_all, uint8_t* band, const uint8_t* ahead) const {
     constexpr size_t kRun = 512;  // samples whose neighbours are picked together, so that they stay in cache
     alignas(32) uint8_t picked[kTaps][kRun];
-    for (size_t begin = 0; begin < row_samples(); begin += kRun, to += kRun) {
-      const size_t end = begin + kRun < row_samples() ? begin + kRun : row_samples();
+    while (begin < end_of_all) {
+      const size_t end = end_of_all - begin < kRun ? end_of_all : begin + kRun;
+      uint8_t* const to = band + begin;
       read_ahead(ahead, begin, end);
       if (picks_) {
-        gather_.pick(samples_.data() + kMiddle * channels_, begin, end, to);
+        gather_.pick(from + kMiddle * channels_, begin, end, to);
       } else if (stretch_.fits()) {
-        stretch_.stretch(samples_.data(), begin, end, to);
+        stretch_.stretch(from, begin, end, to);
       } else {
         std::array<const uint8_t*, kTaps> neighbours;
         for (size_t tap = 0; tap < kTaps; ++tap) {
-          gather_.pick(samples_.data() + tap * channels_, begin, end, picked[tap]);
+          gather_.pick(from + tap * channels_, begin, end, picked[tap]);
           neighbours[tap] = picked[tap];
         }
         mix<Method>(
             neighbours, [=, weights = weights_](size_t tap, size_t i) { return weights[tap][begin + i]; }, end - begin, to);
       }
+      begin = end;
     }
   }
 
@@ -194,6 +220,7 @@ class Resampler {
   std::span<uint8_t> samples_, nothing_;
   ByteGather gather_;
   std::conditional_t<kTaps == 2, LinearStretch, NoStretch> stretch_;
+  size_t from_source_;
   std::array<Band, kTaps> bands_;
   int last_read_ = 0;
 };
