@@ -1,6 +1,7 @@
 #include "common/picture_file.h"
 
 #include <algorithm>
+#include <atomic>
 #include <fmt/format.h>
 #include <fstream>
 
@@ -82,9 +83,11 @@ bool PictureFile::is_tga_by_name(int found) const {
   return key != kPlaceableKey && named != nullptr && named->code == FormatCode::kTga;
 }
 
+// Threads that share a file may ask at the same time; each finds the same.
 const FileFormat& PictureFile::format() const {
-  if (format_ == nullptr) format_ = &recognised_format();
-  return *format_;
+  const std::atomic_ref known(format_);
+  if (known.load() == nullptr) known.store(&recognised_format());
+  return *known.load();
 }
 
 // A plain one may pass for a text.

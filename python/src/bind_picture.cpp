@@ -128,7 +128,8 @@ void bind_picture(py::module_& module) {
           [](const Picture& picture) { return std::pair(picture.header().x_per_metre, picture.header().y_per_metre); })
       .def("copy", [](const Picture& picture) { return unlocked([&] { return picture.copy(); }); })
       .def("with_resolution", &with_resolution)
-      .def("expanded", [](const Picture& picture) { return unlocked([&] { return programs::expanded(picture.lent()); }); })
+      .def("expanded",
+           [](const Picture& picture) { return unlocked([&] { return made_own(programs::expanded(picture.lent())); }); })
       .def("unpack", &unpack)
       .def("pack", &pack)
       .def("stored_rows", &stored_rows)

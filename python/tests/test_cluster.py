@@ -41,10 +41,53 @@ def test_a_record_for_each_file_whatever_becomes_of_it(folder):
 def test_wrong_use_is_refused_before_anything_is_done(folder):
     os.mkdir("more")
     vorel32.open("scan.tif").save("more/scan.tif")
-    for paths, steps, out in [(["scan.tif", "more/scan.tif"], STEPS, "out"), (["scan.tif"], STEPS, "."), (["scan.tif"], "clena 60", "out")]:
+    os.symlink(".", "link")
+    twice = "scan.tif"
+    for paths, steps, out in [(["scan.tif", "more/scan.tif"], STEPS, "out"), ([twice, twice], STEPS, "out"), (["scan.tif"], STEPS, "."),
+                              (["scan.tif"], STEPS, "link"), (["scan.tif"], "clena 60", "out")]:  # fmt: skip
         with pytest.raises(vorel32.UsageError):
             process(paths, steps, out)
     assert not os.path.exists("out")
+
+
+def test_dropped_pages_cost_no_other_page_and_are_not_done_again(folder):
+    ink, blank = vorel32.open("scan.tif"), vorel32.Image.new(1700, 2200, 1).invert()
+    vorel32.save_pages("mixed.tif", [ink, blank, ink])
+    blank.save("empty.tif")
+    inputs, steps = ["mixed.tif", "empty.tif"], "blank --drop"
+    for format, names in [("png", ["mixed-1.png", "mixed-3.png"]), ("tiff", ["mixed.tif"])]:
+        mixed, empty = process(inputs, steps, format, format=format)
+        assert (mixed.failure, mixed.pages, [os.path.basename(o) for o in mixed.outputs]) == (None, 2, names)
+        assert (empty.failure, empty.pages, empty.outputs) == (None, 0, [])
+        assert sorted(path.name for path in Path(format).glob("[!.]*")) == names
+        assert all(r.skipped for r in process(inputs, steps, format, format=format, resume=True))
+        kept = [r.skipped for r in process(inputs, "invert", format, format=format, resume=True)]  # these drop nothing
+        assert kept == [format == "tiff", False]
+    os.remove("png/mixed-3.png")
+    assert not next(process(["mixed.tif"], steps, "png", format="png", resume=True)).skipped and os.path.exists("png/mixed-3.png")
+    os.utime("empty.tif")
+    assert not next(process(["empty.tif"], steps, "png", format="png", resume=True)).skipped
+
+
+def test_no_output_takes_the_name_of_another(folder):
+    page = vorel32.open("scan.tif")
+    for name in ("scan-1.tif", "scan-3.tif"):
+        page.save(name)
+    several, one, other = process(["scan.tif", "scan-1.tif", "scan-3.tif"], "invert", "out", format="png")
+    assert "its page 1" in several.failure and not several.is_passing and one.failure is None and other.failure is None
+    assert outputs("out").keys() == {"scan-1.png", "scan-3.png"}
+    assert next(process(["scan.tif", "scan-3.tif"], "invert", "more", format="png")).pages == 2  # there is no page 3
+    long = "纸" * 82
+    page.save(f"{long}.tif")
+    assert [r.failure for r in process([f"{long}.tif"], "invert", "out")] == [None]
+
+
+def test_what_is_left_of_a_run_that_was_ended_writes_nothing(folder):
+    run = process(["scan.tif", "photo.png"], lambda page: page, "out")
+    job, _ = run.gi_frame.f_locals["job"], next(run)
+    run.close()
+    before = os.listdir("out")
+    assert job.run("photo.png").failure and os.listdir("out") == before == ["scan.tif"]
 
 
 def test_a_worker_that_dies_costs_no_page_and_makes_none_twice(folder):

@@ -82,8 +82,8 @@ def format_of(target: Writable, format: str | None) -> str:
 @contextmanager
 def replaced(path: str) -> Iterator[str]:
     """A new file beside `path` that takes its place when the block ends. If that fails, `path` stays as it was."""
-    folder, name = os.path.split(path)
-    scratch = os.path.join(folder, f".{name[:100]}.{secrets.token_hex(6)}.tmp")
+    # Without the target's name, so that it is not too long where the target's is not.
+    scratch = os.path.join(os.path.dirname(path), f".vorel32-{secrets.token_hex(8)}.tmp")
     try:
         with open(scratch, "xb"):
             pass

@@ -316,7 +316,7 @@ class Image:
 
     def save(self, target: Writable, format: str | None = None, *, compression: str | None = None, interlaced: bool = False,
              append: bool = False, overwrite: bool = True) -> None:  # fmt: skip
-        """Writes the picture.
+        """Writes the picture. Raises OutputError if a byte cannot be written; the file is not read back.
 
         target       a path, whose file appears whole or not at all, or a file object open in binary mode
         format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png or a portable map (pnm, pbm, pgm, ppm); without it the ending of the name tells
@@ -725,9 +725,10 @@ def pages(source: Readable, *, name: str | None = None, readonly: bool = False) 
         yield _loaded(Image, file, page, readonly)
 
 
-def save_pages(target: str | os.PathLike[str], images: Iterable[Image], *, format: str | None = None, compression: str | None = None,
-               overwrite: bool = True) -> int:  # fmt: skip
-    """Writes pictures as the pages of one TIFF, DCX or PNM file, which appears whole or not at all. Returns their number.
+def save_pages(target: str | os.PathLike[str], images: Iterable[Image | None], *, format: str | None = None,
+               compression: str | None = None, overwrite: bool = True) -> int:  # fmt: skip
+    """Writes pictures as the pages of one TIFF, DCX or PNM file, which appears whole or not at all. Returns their number. None,
+    which `run` returns for a dropped page, is left out.
 
     >>> save_pages("clean.tif", (page.clean(60) for page in pages("scan.tif")), compression="g4")
     2
@@ -738,7 +739,7 @@ def save_pages(target: str | os.PathLike[str], images: Iterable[Image], *, forma
         raise OutputError("there is a file of this name already; give another name or overwrite=True", path)
     count = 0
     with replaced(path) as scratch:
-        for count, image in enumerate(images, 1):
+        for count, image in enumerate((image for image in images if image is not None), 1):
             image._write(scratch, word, compression, False, count)
         if count == 0:
             raise UsageError("there are no pages to save", path)

@@ -19,13 +19,16 @@ depend on the input alone: a file whose worker dies is processed again elsewhere
 
 from __future__ import annotations
 
+import hashlib
 import itertools
+import json
 import os
+import re
 import shutil
 import socket
 import time
 import uuid
-from dataclasses import dataclass, field
+from dataclasses import dataclass, field, replace
 from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Union
 
 from . import _vorel32
@@ -36,10 +39,12 @@ from ._image import Image, count_pages, pages, save_pages
 if TYPE_CHECKING:
     from distributed import Client
 
-#: Steps as `Image.run` takes them, or a function of an image that makes an image. A cluster's workers must be able to import it.
-Steps = Union[str, Callable[[Image], Image]]
+#: Steps as `Image.run` takes them, or a function of an image that makes an image, or None to drop the page. A cluster's workers must
+#: be able to import it.
+Steps = Union[str, Callable[[Image], "Image | None"]]
 
 _SECONDS_BETWEEN_LOOKS = 1.0
+_NOTES = ".dropped-pages"
 
 
 @dataclass
@@ -72,29 +77,79 @@ class _Job:
     ending: str
     compression: str | None
     resume: bool
+    #: For a file whose numbered outputs could take the name of another file's: the first number that does, and the other file.
+    clashes: dict[str, tuple[int, str]] = field(default_factory=dict)
 
     def target(self, path: str) -> str:
         return os.path.join(self.out, f"{os.path.splitext(os.path.basename(path))[0]}.{self.ending}")
 
-    def apply(self, image: Image) -> Image:
+    @property
+    def holds_pages(self) -> bool:
+        return _vorel32.holds_pages(self.format)
+
+    @property
+    def name_of_steps(self) -> str:
+        return self.steps if isinstance(self.steps, str) else getattr(self.steps, "__name__", "function")
+
+    def apply(self, image: Image) -> Image | None:
         return image.run(self.steps) if isinstance(self.steps, str) else self.steps(image)
 
-    def is_done(self, path: str, target: str) -> list[str]:
-        """The outputs of a file if they are newer than it. A file of several pages marks its end with its last page."""
+    def made(self, path: str, dropped: list[int]) -> Iterator[tuple[int, Image]]:
+        """The pages that the steps leave, with their numbers in the file. Adds the numbers of the others to `dropped`."""
+        for number, page in enumerate(pages(path), 1):
+            image = self.apply(page)
+            if image is None:
+                dropped.append(number)
+            else:
+                yield number, image
+
+    def outputs(self, path: str) -> dict[int, str]:
+        """The names of all outputs that a file can have, by page; page 0 is all pages in one output."""
+        target = self.target(path)
+        if self.holds_pages:
+            return {0: target}
+        count = count_pages(path)
+        if count == 1:
+            return {1: target}
+        number, other = self.clashes.get(path, (count + 1, ""))
+        if number <= count:
+            raise UsageError(f"its page {number} would become the same file as {other}; process them into two folders", path)
+        stem, ending = os.path.splitext(target)
+        return {page: f"{stem}-{page}{ending}" for page in range(1, count + 1)}
+
+    def is_done(self, path: str) -> list[str] | None:
+        """The outputs of a file if they are newer than it, without those that a note says the same steps left out."""
         try:
-            stem, ending = os.path.splitext(target)
-            found = [target] if os.path.exists(target) else []
-            if not found and not _vorel32.holds_pages(self.format):
-                found = [f"{stem}-{page}{ending}" for page in range(1, count_pages(path) + 1)]
             born = os.stat(path).st_mtime_ns
-            return found if found and all(os.stat(name).st_mtime_ns >= born for name in found) else []
-        except (OSError, Error):
+            dropped = self.read_note(path, born)
+            found = [name for page, name in self.outputs(path).items() if page not in dropped]
+            return found if all(os.stat(name).st_mtime_ns >= born for name in found) else None
+        except (OSError, ValueError, Error):
+            return None
+
+    def note(self, path: str) -> str:
+        """Where the dropped pages of a file are noted: outputs that are missing alone do not tell that the work is done."""
+        return os.path.join(self.out, _NOTES, hashlib.sha256(os.fsencode(self.target(path))).hexdigest()[:32])
+
+    def read_note(self, path: str, born: int) -> list[int]:
+        try:
+            with open(self.note(path), encoding="utf-8") as file:
+                steps, dropped = json.load(file)
+                is_newer = os.fstat(file.fileno()).st_mtime_ns >= born
+        except FileNotFoundError:
             return []
+        return dropped if is_newer and steps == self.name_of_steps else []
+
+    def write_note(self, path: str, dropped: list[int]) -> None:
+        scratch = self.unfinished()
+        with open(scratch, "x", encoding="utf-8") as file:
+            json.dump([self.name_of_steps, dropped], file)
+        os.makedirs(os.path.join(self.out, _NOTES), exist_ok=True)
+        os.replace(scratch, self.note(path))
 
     def run(self, path: str) -> Record:
         started = time.perf_counter()
-        name = self.steps if isinstance(self.steps, str) else getattr(self.steps, "__name__", "function")
-        record = Record(path, steps=name, worker=f"{socket.gethostname()}:{os.getpid()}")
+        record = Record(path, steps=self.name_of_steps, worker=f"{socket.gethostname()}:{os.getpid()}")
         try:
             self._process(path, record)
         except Exception as error:  # noqa: BLE001 - a file that fails must not stop the others
@@ -105,32 +160,33 @@ class _Job:
         return record
 
     def _process(self, path: str, record: Record) -> None:
-        target = self.target(path)
-        if self.resume and (found := self.is_done(path, target)):
+        if self.resume and (found := self.is_done(path)) is not None:
             record.outputs, record.skipped = found, True
             return
-        made = (self.apply(page) for page in pages(path))
-        if _vorel32.holds_pages(self.format):
-            record.pages = self._put([(target, made)])
-            record.outputs = [target]
-            return
-        first = next(made)
-        second = next(made, None)
-        if second is None:
-            record.pages, record.outputs = self._put([(target, [first])]), [target]
-            return
-        stem, ending = os.path.splitext(target)
-        for number, page in enumerate(itertools.chain([first, second], made), 1):
-            record.outputs.append(f"{stem}-{number}{ending}")
-            record.pages += self._put([(record.outputs[-1], [page])])
+        outputs = self.outputs(path)
+        dropped: list[int] = []
+        made = self.made(path, dropped)
+        if self.holds_pages:
+            if (first := next(made, None)) is not None:
+                images = (image for _, image in itertools.chain([first], made))
+                del first  # one page is in memory at a time
+                record.pages, record.outputs = self._put(outputs[0], images), [outputs[0]]
+        else:
+            for page, image in made:
+                record.pages += self._put(outputs[page], [image])
+                record.outputs.append(outputs[page])
+        # A file that holds pages and has some tells by itself that it is done.
+        if dropped and not (self.holds_pages and record.outputs):
+            self.write_note(path, dropped if record.outputs else [0, *dropped])
 
-    def _put(self, files: list[tuple[str, Iterable[Image]]]) -> int:
-        count = 0
-        for target, images in files:
-            scratch = os.path.join(self.scratch, f"{uuid.uuid4().hex}-{os.path.basename(target)}")
-            os.makedirs(self.scratch, exist_ok=True)
-            count += save_pages(scratch, images, format=self.format, compression=self.compression)
-            os.replace(scratch, target)
+    def unfinished(self) -> str:
+        """The name of a new file. Its folder is gone when the run has ended, so that a late worker leaves nothing behind."""
+        return os.path.join(self.scratch, uuid.uuid4().hex)
+
+    def _put(self, target: str, images: Iterable[Image]) -> int:
+        scratch = self.unfinished()
+        count = save_pages(scratch, images, format=self.format, compression=self.compression)
+        os.replace(scratch, target)
         return count
 
 
@@ -143,12 +199,14 @@ def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os
             window: int = 4) -> Iterator[Record]:  # fmt: skip
     """Processes all pages of files and yields a record for each file, in the order in which they are done.
 
-    steps        see Image.run; or a function of an image that makes an image
+    steps        see Image.run; or a function of an image that makes an image, or None to drop the page
     out          the folder for the outputs, which are named after their inputs. TIFF, DCX and PNM files get all pages of an input;
-                 other formats one each, numbered if there are several
+                 other formats one each, with the page's number if the input has several. An input whose pages are all dropped has
+                 no output, and no failure
     client       of a Dask cluster; without one everything is done in this process
     format       of the outputs, and compression, as for Image.save
-    resume       leaves out files whose outputs are there and newer
+    resume       leaves out files whose outputs are there and newer, or were dropped by the same steps, which a note in the folder
+                 .dropped-pages in `out` tells
     retries      how often a file is tried again when a disk, the network or memory fails, or its worker dies
     batch        files to a task: more for small pages, which cost less than a task does
     window       tasks for each thread of the cluster that wait or run at one time, so that memory does not grow with the files
@@ -160,14 +218,36 @@ def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os
     job = _Job(steps, folder, os.path.join(folder, f".vorel32-{uuid.uuid4().hex}"), word, ending, compression, resume)
     taken: dict[str, str] = {}
     for path in files:
-        other = taken.setdefault(job.target(path), path)
-        if other is not path:
-            raise UsageError(f"{other} would become the same file as this, {job.target(path)}; process them into two folders", path)
-        if os.path.abspath(path) == job.target(path):
+        target = job.target(path)
+        if target in taken:
+            raise UsageError(f"{taken[target]} would become the same file as this, {target}; process them into two folders", path)
+        if os.path.abspath(path) == target or _is_same_file(target, path):
             raise UsageError("the output would replace the file itself; choose another folder", path)
+        taken[target] = path
+    if not job.holds_pages:
+        job.clashes = _clashes(taken)
     if isinstance(steps, str):
         Image.check_steps(steps)
     return _here(job, files) if client is None else _on_cluster(job, files, client, retries, max(1, batch), max(1, window))
+
+
+def _is_same_file(target: str, path: str) -> bool:
+    """By whatever links."""
+    try:
+        return os.path.samefile(target, path)
+    except OSError:  # most often there is no such target
+        return False
+
+
+def _clashes(taken: dict[str, str]) -> dict[str, tuple[int, str]]:
+    """See _Job.clashes: page 3 of a.tif and the only page of a-3.tif would have one name. Whether a.tif has a page 3 shows when it is
+    processed."""
+    found: dict[str, tuple[int, str]] = {}
+    for target, path in taken.items():
+        stem, ending = os.path.splitext(target)
+        if (parts := re.fullmatch("(.*)-([1-9][0-9]*)", stem, re.DOTALL)) and (base := taken.get(parts[1] + ending)):
+            found[base] = min(found.get(base, (int(parts[2]), path)), (int(parts[2]), path))
+    return found
 
 
 def _prepare(job: _Job) -> None:
@@ -199,7 +279,8 @@ def _on_cluster(job: _Job, files: list[str], client: Client, retries: int, batch
 
     def submit(paths: list[str]) -> None:
         # The first part of the key is what the dashboard's progress bars count by.
-        future = client.submit(_run_all, job, paths, key=f"vorel32-{uuid.uuid4().hex}", pure=False, retries=0)
+        part = replace(job, clashes={path: job.clashes[path] for path in paths if path in job.clashes})
+        future = client.submit(_run_all, part, paths, key=f"vorel32-{uuid.uuid4().hex}", pure=False, retries=0)
         running[future.key] = paths
         completed.add(future)
 
