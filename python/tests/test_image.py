@@ -123,6 +123,7 @@ def test_arrays_share_the_memory_of_their_picture_and_keep_it_alive():
     pixels[0, 0] = (255, 128, 1)
     assert np.shares_memory(pixels, np.asarray(picture)) and picture.rgb[0, 0].tolist() == [1, 128, 255]
     assert picture.rotate(90).rgb[0, 2].tolist() == [1, 128, 255]  # the top row lies on the right then
+    assert not np.shares_memory(pixels, np.asarray(picture.picture.expanded()))  # or it would outlive its memory
     again = Image.from_array(pixels, copy=False)
     assert np.shares_memory(np.asarray(again), pixels)
     assert not np.shares_memory(np.asarray(Image.from_array(pixels, copy=True)), pixels)

@@ -19,6 +19,7 @@ depend on the input alone: a file whose worker dies is processed again elsewhere
 
 from __future__ import annotations
 
+import contextlib
 import hashlib
 import itertools
 import json
@@ -257,13 +258,21 @@ def _prepare(job: _Job) -> None:
         raise OutputError(f"{error.strerror}; check the folder", job.out) from error
 
 
+def _end(job: _Job) -> None:
+    """Under another name, late workers add no file to the folder while it is removed."""
+    ended = f"{job.scratch}-ended"
+    with contextlib.suppress(OSError):
+        os.rename(job.scratch, ended)
+    shutil.rmtree(ended, ignore_errors=True)
+
+
 def _here(job: _Job, files: list[str]) -> Iterator[Record]:
     _prepare(job)
     try:
         for path in files:
             yield job.run(path)
     finally:
-        shutil.rmtree(job.scratch, ignore_errors=True)
+        _end(job)
 
 
 def _on_cluster(job: _Job, files: list[str], client: Client, retries: int, batch: int, window: int) -> Iterator[Record]:
@@ -321,4 +330,4 @@ def _on_cluster(job: _Job, files: list[str], client: Client, retries: int, batch
             yield from records
     finally:
         client.cancel([future for future in completed.futures] if running else [])
-        shutil.rmtree(job.scratch, ignore_errors=True)
+        _end(job)
