@@ -13,79 +13,101 @@
 namespace vorel::kernels::VOREL_LEVEL {
 
 // The entry of a colour table with the smallest sum of the squared distances in red, green and blue; ties go to the first.
-// Colours are sorted into cells of 16 x 16 x 16. A cell keeps the entries that can be nearest to a colour in it, found on
-// its first use.
+// Colours are sorted into cubes of 16 x 16 x 16, and a cube's colours into eight cells. A cube and a cell keep the entries that can be nearest to a
+// colour in them, found on their first use.
 class NearestColorMap {
  public:
   // At most 256 colours, at least one.
   NearestColorMap(std::span<const Rgb> colors, Arena& arena)
-      : colors_(colors), cells_(arena.take<Cell>(kCells)), pool_(arena.take<uint8_t>(kPoolBytes)), used_(colors.size()) {
-    std::memset(cells_.data(), 0, cells_.size_bytes());
+      : colors_(colors),
+        cube_at_(arena.take<uint16_t>(kCubes)),
+        cubes_(arena.take<Cube>(kCubes)),
+        pool_(arena.take<uint8_t>(kPoolBytes)),
+        used_(static_cast<uint32_t>(colors.size())) {
+    std::memset(cube_at_.data(), 0, cube_at_.size_bytes());
     for (size_t i = 0; i < used_; ++i) pool_[i] = static_cast<uint8_t>(i);
   }
 
   uint8_t index_of(int blue, int green, int red) {
-    Cell& cell = cells_[static_cast<size_t>(blue >> 4 | green >> 4 << 4 | red >> 4 << 8)];
-    if (cell.count == 0) fill(cell, {blue & 0xF0, green & 0xF0, red & 0xF0});
-    const uint8_t* const candidates = pool_.data() + cell.first;
-    int least = std::numeric_limits<int>::max();
-    uint8_t nearest = 0;
-    for (int i = 0; i < cell.count; ++i) {
-      const Rgb color = colors_[candidates[i]];
-      const int distance = square(color.blue - blue) + square(color.green - green) + square(color.red - red);
-      if (distance >= least) continue;
-      least = distance;
-      nearest = candidates[i];
-    }
-    return nearest;
+    uint16_t& number = cube_at_[static_cast<size_t>(blue >> 4 | green >> 4 << 4 | red >> 4 << 8)];
+    if (number == 0) number = new_cube({blue & 0xF0, green & 0xF0, red & 0xF0});
+    Cube& cube = cubes_[number - 1];
+    List& cell = cube.cells[(blue >> 3 & 1) | (green >> 2 & 2) | (red >> 1 & 4)];
+    if (cell.count == 0) cell = chosen(cube.all, {{blue & 0xF8, green & 0xF8, red & 0xF8}, kCellSide});
+    const uint8_t* const entries = &pool_[cell.first];
+    if (cell.count == 1) return entries[0];
+    return static_cast<uint8_t>(nearest_of({entries, cell.count}, {blue, green, red}));
   }
 
  private:
-  static constexpr size_t kCells = 4096, kPoolBytes = 65'536;
-  static constexpr int kCellSide = 16;
+  static constexpr size_t kCubes = 4096, kPoolBytes = 160'000;
+  static constexpr int kCubeSide = 16, kCellSide = 8;
 
-  struct Cell {
-    uint16_t first, count;  // of the pool; no entries before the first use
+  // Entries in the pool, in the order of the table; none before the first use.
+  struct List {
+    uint32_t first : 22, count : 10;
   };
-  struct Corner {
+  struct Cube {
+    List all, cells[8];
+  };
+  struct Point {
     int blue, green, red;
+  };
+  struct Box {
+    Point corner;
+    int side;
   };
 
   static int square(int distance) { return distance * distance; }
 
-  // Squared distances to the nearest and to the furthest level of a cell that begins at `begin`.
-  static int nearest_in(int begin, int level) {
-    return square(level < begin ? begin - level : std::max(0, level - (begin + kCellSide - 1)));
-  }
-  static int furthest_in(int begin, int level) { return square(std::max(begin + kCellSide - 1 - level, level - begin)); }
-
-  // Uses all entries if the pool is full.
-  void fill(Cell& cell, Corner corner) {
-    int bound = std::numeric_limits<int>::max();
-    for (const Rgb color : colors_)
-      bound = std::min(bound, furthest_in(corner.blue, color.blue) + furthest_in(corner.green, color.green) +
-                                  furthest_in(corner.red, color.red));
-    const size_t first = used_;
-    cell = {static_cast<uint16_t>(first), 0};
-    for (size_t i = 0; i < colors_.size(); ++i) {
-      const Rgb color = colors_[i];
-      if (nearest_in(corner.blue, color.blue) + nearest_in(corner.green, color.green) + nearest_in(corner.red, color.red) >
-          bound)
-        continue;
-      if (used_ == kPoolBytes) {
-        used_ = first;
-        cell = {0, static_cast<uint16_t>(colors_.size())};
-        return;
-      }
-      pool_[used_++] = static_cast<uint8_t>(i);
-      ++cell.count;
+  // The distance goes in front of the index, so that the least of both together is the nearest entry.
+  int nearest_of(std::span<const uint8_t> entries, Point point) const {
+    int nearest = std::numeric_limits<int>::max();
+    for (const uint8_t entry : entries) {
+      const Rgb color = colors_[entry];
+      const int distance =
+          square(color.blue - point.blue) + square(color.green - point.green) + square(color.red - point.red);
+      nearest = std::min(nearest, distance << 8 | entry);
     }
+    return nearest & 0xFF;
+  }
+
+  uint16_t new_cube(Point corner) {
+    cubes_[cubes_used_] = {chosen({0, static_cast<uint32_t>(colors_.size()) & 0x3FF}, {corner, kCubeSide}), {}};
+    return ++cubes_used_;
+  }
+
+  // How much further than `other` a colour lies, at the least, from any point of the box. The difference of two squared distances is
+  // linear in each component, so it is least at a corner.
+  static int least_excess(Rgb color, Rgb other, const Box& box) {
+    const auto along = [&](int begin, int a, int b) {
+      const int point = a > b ? begin + box.side - 1 : begin;
+      return (a - b) * (a + b - 2 * point);
+    };
+    return along(box.corner.blue, color.blue, other.blue) + along(box.corner.green, color.green, other.green) +
+           along(box.corner.red, color.red, other.red);
+  }
+
+  // Without the entries that lose everywhere in the box to the one that is nearest to its middle. The list itself if the pool is full.
+  List chosen(List list, const Box& box) {
+    const std::span<const uint8_t> entries(&pool_[list.first], list.count);
+    if (entries.size() > kPoolBytes - used_) return list;
+    const int half = box.side / 2;
+    const int middle = nearest_of(entries, {box.corner.blue + half, box.corner.green + half, box.corner.red + half});
+    const uint32_t first = used_;
+    for (const uint8_t entry : entries) {
+      pool_[used_] = entry;
+      used_ += least_excess(colors_[entry], colors_[static_cast<size_t>(middle)], box) < (middle < entry ? 0 : 1) ? 1 : 0;
+    }
+    return {first & 0x3FFFFF, (used_ - first) & 0x3FF};
   }
 
   std::span<const Rgb> colors_;
-  std::span<Cell> cells_;
+  std::span<uint16_t> cube_at_;  // numbers of cubes from 1 on
+  std::span<Cube> cubes_;
   std::span<uint8_t> pool_;  // begins with all entries
-  size_t used_;
+  uint32_t used_;
+  uint16_t cubes_used_ = 0;
 };
 
 }  // namespace vorel::kernels::VOREL_LEVEL

@@ -20,7 +20,7 @@ using Interpolate = void(ConstDibView source, std::span<const Rgb> colors, DibVi
                          std::span<uint8_t> scratch);
 
 constexpr ByteCount interpolation_scratch(Size source, Size result) {
-  constexpr uint64_t kPerSourcePixel = 3, kPerResultPixel = 84, kColorMap = 82'000, kRest = 4096;
+  constexpr uint64_t kPerSourcePixel = 3, kPerResultPixel = 84, kColorMap = 320'000, kRest = 4096;
   return kPerSourcePixel * static_cast<uint64_t>(source.width) + kPerResultPixel * static_cast<uint64_t>(result.width) +
          kColorMap + kRest;
 }
