@@ -11,7 +11,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::chrono::milliseconds kBetweenLines(100);
 
-std::string counted(size_t count, const char* what) { return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s"); }
+std::string counted(uint64_t count, const char* what) { return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s"); }
 
 std::string shown_time(double seconds) {
   const auto whole = static_cast<uint64_t>(seconds + 0.5);

@@ -31,7 +31,7 @@ Message message_of(const InputFile& input, bool may_replace) {
 }
 
 InputFile input_of(const Message& message) {
-  return {path_of(message.at(0)), message.at(1), message.at(1), message.at(2), std::stoull(message.at(3))};
+  return {path_of(message.at(0)), message.at(1), message.at(1), message.at(2), std::stoul(message.at(3))};
 }
 
 Message message_of(const Outcome& outcome) {
