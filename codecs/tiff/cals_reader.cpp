@@ -1,13 +1,13 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdio>
 #include <limits>
 #include <string>
 #include <tiff.h>
 
 #include "tiff/cals.h"
 #include "tiff/reader.h"
+#include "tiff/scanner.h"
 
 namespace codec {
 namespace {
@@ -30,8 +30,17 @@ Record record(const std::string& text, const std::string& name) {
   const size_t begin = text.find(name);
   if (begin == std::string::npos) return record;
   const std::string value = text.substr(begin + name.size(), kCalsRecordBytes - name.size());
-  // NOLINTNEXTLINE(cert-err34-c): nine digits fit an int
-  record.found = std::max(0, std::sscanf(value.c_str(), " %9d , %9d", &record.numbers[0], &record.numbers[1]));
+  Scanner scanner(value);
+  for (int& number : record.numbers) {
+    constexpr size_t kMostCharacters = 9;
+    scanner.skip_spaces();
+    const auto found = scanner.number(kMostCharacters);
+    if (!found) break;
+    number = static_cast<int>(*found);
+    ++record.found;
+    scanner.skip_spaces();
+    if (!scanner.skip(",")) break;
+  }
   return record;
 }
 

@@ -2,10 +2,13 @@
 
 #include <array>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <limits>
 #include <optional>
 #include <string_view>
+
+#include "tiff/scanner.h"
 
 namespace codec {
 namespace {
@@ -38,14 +41,15 @@ int close(thandle_t /*handle*/) { return 0; }
 
 // The row of a strip that a message of the Group 4 decoder reports as incomplete. A row that ends before its first pixel
 // does not count: it marks the end of the data.
-std::optional<unsigned> broken_row(const char* message) {
-  unsigned row = 0, pixels = 0;
-  for (const char* text :
-       {"Premature EOF at line %u", "Bad code word at line %u", "Uncompressed data (not supported) at line %u"})
-    // NOLINTNEXTLINE(cert-err34-c): the library prints what fits
-    if (std::sscanf(message, text, &row) == 1) return row;
-  // NOLINTNEXTLINE(cert-err34-c): the same
-  if (std::sscanf(message, "Premature EOL at line %u of %*s %*u (got %u", &row, &pixels) == 2 && pixels > 0) return row;
+std::optional<unsigned> broken_row(std::string_view message) {
+  constexpr size_t kMostDigits = 10;
+  Scanner scanner(message);
+  const auto number = [&] { return static_cast<unsigned>(scanner.number(kMostDigits).value_or(0)); };
+  for (const char* text : {"Premature EOF at line ", "Bad code word at line ", "Uncompressed data (not supported) at line "})
+    if (scanner.skip(text)) return number();
+  if (!scanner.skip("Premature EOL at line ")) return std::nullopt;
+  const unsigned row = number();
+  if (scanner.skip_to("(got ") && number() > 0) return row;
   return std::nullopt;
 }
 
@@ -69,10 +73,27 @@ bool tells_loss(TIFF* tiff, std::string_view module, const char* message) {
   return row && is_before_end(tiff, *row);
 }
 
-// Whether the library is about to lose its list of tags. Without a list from the start it fails as it should.
+// Whether the library is about to lose its list of tags, and would write past a new one. Without a list from the start it fails as
+// it should.
 bool loses_tags(TIFF* tiff, std::string_view message) {
   return message.find("fields array") != std::string_view::npos &&
          TIFFFindField(tiff, TIFFTAG_IMAGEWIDTH, TIFF_ANY) != nullptr;
+}
+
+// Whether the library can continue without tags and codec. It can while it reads a directory: without the tag for a width, reading
+// fails. The codec of PixarLog is excluded because it uses its state after a failure.
+bool can_forget_tags(TIFF* tiff) {
+  return TIFFGetMode(tiff) == O_RDONLY && TIFFFindField(tiff, TIFFTAG_PIXARLOGDATAFMT, TIFF_ANY) == nullptr;
+}
+
+// Frees the list of tags, the codec's state and the values read so far. A jump would leave the entries of the directory, which the
+// library frees when it ends by itself.
+void forget_tags(TIFF* tiff) {
+  constexpr int kUnknownCodec = 0xFFFF;
+  alignas(std::max_align_t) static constexpr std::array<std::byte, 64> kNoTags{};  // a private structure: all zero is empty
+  TIFFSetField(tiff, TIFFTAG_COMPRESSION, kUnknownCodec);
+  TIFFFreeDirectory(tiff);
+  TIFFCreateCustomDirectory(tiff, reinterpret_cast<const TIFFFieldArray*>(kNoTags.data()));
 }
 
 // Whether libjpeg has no memory for its decoder, which the library calls all the same.
@@ -89,12 +110,18 @@ int take_message(TIFF* tiff, void* client, const char* module_name, const char* 
   if (tells_loss(tiff, module, message.data())) state.has_loss = true;
   if (module == "Fax3Decode1D" && std::string_view(message.data()).starts_with("Buffer overflow"))
     state.ran_out_of_runs = true;
-  if (state.can_land && (loses_tags(tiff, message.data()) || lacks_decoder(module, message.data()))) {
-    state.can_land = false;
-    state.left = tiff;
-    std::longjmp(state.landing, 1);
+  if (!state.can_land) return 1;
+  const bool is_losing_tags = loses_tags(tiff, message.data());
+  if (!is_losing_tags && !lacks_decoder(module, message.data())) return 1;
+  state.can_land = false;
+  if (is_losing_tags && can_forget_tags(tiff)) {
+    state.lacks_memory = true;
+    forget_tags(tiff);
+    state.can_land = true;
+    return 1;
   }
-  return 1;
+  state.left = tiff;
+  std::longjmp(state.landing, 1);
 }
 
 // Raw strips can be as long as the file, tables somewhat longer.

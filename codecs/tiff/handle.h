@@ -27,6 +27,7 @@ class TiffHandle {
 
   // Throws Failure unless the library succeeded without loss.
   void check(bool succeeded) const {
+    if (client_->lacks_memory) fail(IMG_E_MEMORY);
     if (!succeeded || client_->has_loss || client_->ran_out_of_runs)
       fail(client_->bytes.failed() ? IMG_E_FILE_IO : IMG_E_FORMAT);
   }
@@ -35,9 +36,9 @@ class TiffHandle {
   bool ran_out_of_runs() const { return client_->ran_out_of_runs; }
 
   // Makes calls in which the library would crash when memory is short: calls that set tags, read or write a directory, or
-  // decode. It loses its list of tags, or lacks a decoder, and uses them nevertheless. A jump leaves these calls, so nothing
-  // in `calls` may have a destructor; a block that only the library knew of may leak. Throws Failure unless `calls` returns
-  // true.
+  // decode. It loses its list of tags, or lacks a decoder, and uses them nevertheless. Where it cannot be made to fail by itself, a
+  // jump leaves these calls: nothing in `calls` may have a destructor, and a block that only the library knew of may leak. Throws
+  // Failure unless `calls` returns true.
   template <class Calls>
   void run(Calls calls) const {
     bool succeeded = false;
@@ -50,6 +51,7 @@ class TiffHandle {
     uint64_t position = 0;
     bool has_loss = false;
     bool ran_out_of_runs = false;
+    bool lacks_memory = false;
     std::jmp_buf landing{};
     bool can_land = false;
     TIFF* left = nullptr;  // the library's handle after a jump
