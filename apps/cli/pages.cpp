@@ -46,8 +46,10 @@ Source::Source(const std::string& name, const std::string& pages, const Streams&
   const std::optional<int> total = total_pages(input_, pages);
   has_pages_ = total != 1;
   pages_ = chosen_pages(input_, pages, total.value_or(kMostUncountedPages));
-  for (int page = 1; total && page <= *total && !leaves_pages_out_; ++page)
-    leaves_pages_out_ = std::ranges::find(pages_, page) == pages_.end();
+  std::vector<int> distinct = pages_;
+  std::ranges::sort(distinct);
+  distinct.erase(std::ranges::unique(distinct).begin(), distinct.end());
+  leaves_pages_out_ = total && distinct.size() < static_cast<size_t>(*total);
 }
 
 std::string Source::label(size_t index) const {

@@ -26,6 +26,7 @@ Size length_on(const programs::Picture& picture, const std::string& text) {
   const auto pixels = [&](double per_millimetre) {
     return std::max(1, programs::pixels_of(value, on_paper ? per_millimetre : 1));
   };
+  if (value == 0) return {0, 0};
   return {pixels(programs::across_per_millimetre(picture)), pixels(programs::down_per_millimetre(picture))};
 }
 

@@ -11,7 +11,8 @@ namespace vorel::cli {
 // Returns what is wrong with a text.
 std::string length_is_wrong(const std::string& text);
 
-// In pixels across and down, at least one, of a text that has passed. Pictures without a resolution count as ones of 300 dpi.
+// In pixels across and down, of a text that has passed: at least one, unless the length is 0. Pictures without a resolution of 30 to
+// 10,000 dpi count as ones of 300 dpi.
 Size length_on(const programs::Picture& picture, const std::string& text);
 
 // " (at 300 dpi, which is assumed)" where that was so, or nothing.

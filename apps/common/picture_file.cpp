@@ -107,11 +107,30 @@ const FileFormat& PictureFile::recognised_format() const {
 }
 
 std::optional<int> PictureFile::count_pages() const {
+  if (!is_counted_) pages_ = counted_pages();
+  is_counted_ = true;
+  return pages_;
+}
+
+// Each page of a long file would take a search of its own.
+uint64_t PictureFile::pnm_start(int page) const {
+  if (page == 1) return 0;
+  if (pnm_starts_.empty()) {
+    std::ifstream file(path_, std::ios::binary);
+    pnm_starts_ = find_pnm_pages(file, bytes_);
+  }
+  if (page < 1 || static_cast<size_t>(page) > pnm_starts_.size())
+    throw Problem(Fault::kWrongUse, fmt::format("there is no page {}; choose one that the file has", page));
+  return pnm_starts_[static_cast<size_t>(page - 1)];
+}
+
+std::optional<int> PictureFile::counted_pages() const {
   const FileFormat& kind = format();
   if (kind.code == FormatCode::kColorFax) return GetNumberOfImagesInFaxFile(usable_name_.c_str());
   if (programs::is_pnm(kind)) {
     std::ifstream file(path_, std::ios::binary);
-    return count_pnm_pages(file, bytes_);
+    pnm_starts_ = find_pnm_pages(file, bytes_);
+    return static_cast<int>(pnm_starts_.size());
   }
   if (!kind.count) return 1;
   const Codec codec(kind.load);
@@ -132,7 +151,7 @@ Picture PictureFile::load(int page) const {
   }
   if (programs::is_pnm(kind)) {
     std::ifstream file(path_, std::ios::binary);
-    return read_pnm(file, bytes_, page);
+    return read_pnm(file, bytes_, pnm_start(page));
   }
   switch (kind.code) {
     case FormatCode::kBitmap: {
@@ -171,7 +190,7 @@ BitmapFacts PictureFile::bitmap_facts() const {
 
 PnmFacts PictureFile::pnm_facts(int page) const {
   std::ifstream file(path_, std::ios::binary);
-  return inspect_pnm(file, bytes_, page);
+  return inspect_pnm(file, bytes_, pnm_start(page));
 }
 
 std::vector<std::string> PictureFile::losses(int page) const {

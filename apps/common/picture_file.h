@@ -50,13 +50,19 @@ class PictureFile {
   bool is_pnm() const;
   bool is_tga_by_name(int found) const;
   const FileFormat& recognised_format() const;
+  std::optional<int> counted_pages() const;
+  uint64_t pnm_start(int page) const;
   Picture load_by_library(const FileFormat& format, int page) const;
   Picture load_tga() const;
 
   std::filesystem::path path_;
   std::string usable_name_, name_;
   uint64_t bytes_;
-  mutable const FileFormat* format_ = nullptr;  // once it was asked for
+  // Once they were asked for.
+  mutable const FileFormat* format_ = nullptr;
+  mutable bool is_counted_ = false;
+  mutable std::optional<int> pages_;
+  mutable std::vector<uint64_t> pnm_starts_;
 };
 
 // Throws Problem where this build does not draw, which `what` needs.

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
+#include <optional>
 #include <vector>
 
 #include "common/formats.h"
@@ -45,29 +46,21 @@ struct PnmHeader {
 
 class Reader {
  public:
-  Reader(std::istream& stream, uint64_t bytes) : stream_(stream), bytes_(bytes) {
-    stream_.clear();
+  Reader(std::istream& stream, uint64_t bytes) : stream_(stream), bytes_(bytes) { stream_.clear(); }
+
+  PnmHeader read_header_at(uint64_t start) {
+    stream_.seekg(static_cast<std::streamoff>(start));
+    return read_header();
+  }
+
+  std::vector<uint64_t> find_pages() {
+    std::vector<uint64_t> starts;
     stream_.seekg(0);
-  }
-
-  // Moves to a picture and reads its header.
-  PnmHeader seek(int page) {
-    PnmHeader header = read_header();
-    for (int at = 1; at < page; ++at) {
-      skip_pixels(header);
-      if (!is_at_picture()) fail(fmt::format("there is no page {}; choose one that the file has", page));
-      header = read_header();
-    }
-    return header;
-  }
-
-  int count() {
-    int pages = 0;
     do {
+      starts.push_back(static_cast<uint64_t>(stream_.tellg()));
       skip_pixels(read_header());
-      ++pages;
     } while (is_at_picture());
-    return pages;
+    return starts;
   }
 
   void read_raw(std::span<uint8_t> to) {
@@ -83,7 +76,10 @@ class Reader {
       number = number * 10 + static_cast<uint64_t>(letter - '0');
       if (number > most) fail_as_damaged(fmt::format("the number for {} is above {}", what, most));
     }
-    if (letter == '#') skip_comment();
+    if (letter == '#')
+      skip_comment();
+    else if (letter != EOF && !is_blank(letter))
+      stream_.unget();  // the next picture may begin right here
     return static_cast<uint32_t>(number);
   }
 
@@ -253,16 +249,16 @@ bool begins_as_pnm(std::istream& stream) {
          (is_blank(start[2]) || start[2] == '#');
 }
 
-int count_pnm_pages(std::istream& stream, uint64_t bytes) { return Reader(stream, bytes).count(); }
+std::vector<uint64_t> find_pnm_pages(std::istream& stream, uint64_t bytes) { return Reader(stream, bytes).find_pages(); }
 
-PnmFacts inspect_pnm(std::istream& stream, uint64_t bytes, int page) {
-  const PnmHeader header = Reader(stream, bytes).seek(page);
+PnmFacts inspect_pnm(std::istream& stream, uint64_t bytes, uint64_t start) {
+  const PnmHeader header = Reader(stream, bytes).read_header_at(start);
   return {dib_header_of(header), fmt::format("P{}{}", header.kind, header.is_plain() ? ", plain text" : ""), header.most};
 }
 
-Picture read_pnm(std::istream& stream, uint64_t bytes, int page) {
+Picture read_pnm(std::istream& stream, uint64_t bytes, uint64_t start) {
   Reader reader(stream, bytes);
-  const PnmHeader header = reader.seek(page);
+  const PnmHeader header = reader.read_header_at(start);
   std::vector<Rgb> colors;
   if (header.depth() == 1) colors.assign(std::begin(kBlackAndWhite), std::end(kBlackAndWhite));
   if (header.depth() == 8) {
@@ -285,7 +281,7 @@ Picture read_pnm(std::istream& stream, uint64_t bytes, int page) {
 }
 
 Picture suited_for_pnm(Picture picture, const FileFormat& format) {
-  picture = workable(std::move(picture));
+  picture = with_whole_table(workable(std::move(picture)));
   const int kind = kind_for(picture, format);
   if (kind == 4 && picture.depth() != 1) {
     throw Problem(Fault::kFormat,
@@ -297,11 +293,35 @@ Picture suited_for_pnm(Picture picture, const FileFormat& format) {
   return kind == 6 ? in_true_color(std::move(picture)) : std::move(picture);
 }
 
+namespace {
+
+// Cuts a file back to what it held, unless the page that is added to it is complete.
+class AddedPage {
+ public:
+  explicit AddedPage(const std::filesystem::path& path) : path_(path), found_(std::filesystem::file_size(path, error_)) {}
+  AddedPage(const AddedPage&) = delete;
+  AddedPage& operator=(const AddedPage&) = delete;
+  ~AddedPage() {
+    if (!is_complete && !error_) std::filesystem::resize_file(path_, found_, error_);
+  }
+
+  bool is_complete = false;
+
+ private:
+  std::filesystem::path path_;
+  std::error_code error_;
+  uint64_t found_;
+};
+
+}  // namespace
+
 bool write_pnm(const std::string& path, const Picture& picture, const FileFormat& format, int page) {
   const int kind = format.code == kPnm ? (picture.depth() == 1   ? 4
                                           : picture.depth() == 8 ? 5
                                                                  : 6)
                                        : kind_for(picture, format);
+  std::optional<AddedPage> added;
+  if (page > 1) added.emplace(path);
   std::ofstream file(std::filesystem::path(path), std::ios::binary | (page == 1 ? std::ios::trunc : std::ios::app));
   file << fmt::format("P{}\n{} {}\n{}", kind, picture.width(), picture.height(), kind == 4 ? "" : "255\n");
   for (int y = 0; y < picture.height() && file; ++y) {
@@ -309,6 +329,7 @@ bool write_pnm(const std::string& path, const Picture& picture, const FileFormat
     file.write(reinterpret_cast<const char*>(row.data()), static_cast<std::streamsize>(row.size()));
   }
   file.close();
+  if (added) added->is_complete = !file.fail();
   return !file.fail();
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <istream>
 #include <string>
+#include <vector>
 
 #include "common/picture.h"
 #include "core/file_formats.h"
@@ -18,17 +19,18 @@ struct PnmFacts {
   uint32_t most = 1;    // the sample that stands for full light
 };
 
-// All read a stream of `bytes` bytes from its start and throw Problem. Pages count from 1.
-int count_pnm_pages(std::istream& stream, uint64_t bytes);
-PnmFacts inspect_pnm(std::istream& stream, uint64_t bytes, int page);
+// All read a stream of `bytes` bytes and throw Problem. Pages begin where find_pnm_pages() says, the first one at 0.
+std::vector<uint64_t> find_pnm_pages(std::istream& stream, uint64_t bytes);
+PnmFacts inspect_pnm(std::istream& stream, uint64_t bytes, uint64_t start);
 
 // Black and white has 1 bit to a pixel, greys have 8, colours 24. Samples of more than 8 bits are rounded.
-Picture read_pnm(std::istream& stream, uint64_t bytes, int page);
+Picture read_pnm(std::istream& stream, uint64_t bytes, uint64_t start);
 
 // The picture in the form that a format of the family holds. Throws Problem where there is none.
 Picture suited_for_pnm(Picture picture, const FileFormat& format);
 
-// Writes a suited picture: the first page replaces the file, others are added to it. False if not all could be written.
+// Writes a suited picture: the first page replaces the file, others are added to it. False if not all could be written;
+// a file that was added to is then as before.
 bool write_pnm(const std::string& path, const Picture& picture, const FileFormat& format, int page);
 
 }  // namespace vorel::programs

@@ -61,7 +61,7 @@ double milliseconds(Work work) {
 Answer ours(const Picture& page) {
   vorel::programs::Slant slant;
   Answer answer{.degrees = {}, .milliseconds = milliseconds([&] { slant = vorel::programs::find_slant(page); })};
-  if (slant.is_worth_turning()) answer.degrees = slant.degrees;
+  if (slant.is_sure() && slant.is_worth_turning()) answer.degrees = slant.degrees;
   return answer;
 }
 
@@ -72,9 +72,9 @@ Answer leptonica(const Picture& page, bool is_wide) {
   l_float32 angle = 0, confidence = 0;
   int failed = 0;
   Answer answer{.degrees = {}, .milliseconds = milliseconds([&] {
-                  failed = is_wide ? pixFindSkewSweepAndSearch(pix, &angle, &confidence, 4, 2, 16, 1, 0.01F)
-                                   : pixFindSkew(pix, &angle, &confidence);
-                })};
+                                 failed = is_wide ? pixFindSkewSweepAndSearch(pix, &angle, &confidence, 4, 2, 16, 1, 0.01F)
+                                                  : pixFindSkew(pix, &angle, &confidence);
+                               })};
   pixDestroy(&pix);
   constexpr float kLeastConfidence = 3;
   if (failed == 0 && confidence >= kLeastConfidence && angle != 0) answer.degrees = -angle;

@@ -85,12 +85,22 @@ OutputFile::OutputFile(const char* path, Mode mode) : mode_(mode) {
 OutputFile::~OutputFile() {
   if (completed_) return;
   if (mode_ == Mode::kAdd) {
-    if (!file_) file_.reset(std::fopen(path_.c_str(), "r+b"));  // closing it failed
-    if (file_) close_and_cut(std::move(file_), found_size_);
+    restore();
   } else {
     file_.reset();
     if (size_of_file(path_.c_str())) std::remove(path_.c_str());
   }
+}
+
+// What is still to be written, and fails, ends with the old handle.
+void OutputFile::restore() {
+  if (!overwritten_.empty()) file_.reset();
+  if (!file_) file_.reset(std::fopen(path_.c_str(), "r+b"));  // or closing it failed
+  if (!file_) return;
+  for (const Piece& piece : overwritten_)
+    if (fseeko(get(), static_cast<int64_t>(piece.offset), SEEK_SET) == 0)
+      std::fwrite(piece.bytes.data(), 1, piece.bytes.size(), get());
+  close_and_cut(std::move(file_), found_size_);
 }
 
 void OutputFile::seek(uint64_t offset) const {
@@ -99,6 +109,14 @@ void OutputFile::seek(uint64_t offset) const {
 
 void OutputFile::write(std::span<const uint8_t> bytes) const {
   if (std::fwrite(bytes.data(), 1, bytes.size(), get()) != bytes.size()) fail(IMG_E_FILE_IO);
+}
+
+void OutputFile::overwrite(uint64_t offset, std::span<const uint8_t> bytes) {
+  Piece found{offset, std::vector<uint8_t>(bytes.size())};
+  if (read_at(get(), offset, found.bytes) != bytes.size()) fail(IMG_E_FILE_IO);
+  overwritten_.insert(overwritten_.begin(), std::move(found));  // the last change is undone first
+  seek(offset);
+  write(bytes);
 }
 
 void OutputFile::flush() const {

@@ -36,7 +36,7 @@ class InputFile {
 };
 
 // A file being written. Unless it is completed, its scope restores the earlier state: a new file is removed, a file that was
-// being added to is cut back. A file that is replaced is lost.
+// being added to gets back the bytes that were overwritten, and its length. A file that is replaced is lost.
 class OutputFile {
  public:
   enum class Mode { kReplace, kAdd };
@@ -53,12 +53,22 @@ class OutputFile {
   // Throw Failure on a write error.
   void seek(uint64_t offset) const;
   void write(std::span<const uint8_t> bytes) const;
+  // Changes bytes that were there before.
+  void overwrite(uint64_t offset, std::span<const uint8_t> bytes);
   void flush() const;
   void complete();
 
  private:
+  struct Piece {
+    uint64_t offset;
+    std::vector<uint8_t> bytes;
+  };
+
+  void restore();
+
   std::string path_;
   Mode mode_;
+  std::vector<Piece> overwritten_;
   FileHandle file_;
   uint64_t found_size_ = 0;
   bool completed_ = false;

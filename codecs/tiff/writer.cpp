@@ -145,7 +145,7 @@ class PageBytes : public Bytes {
 
   void complete() {
     if (std::fflush(file_.get()) != 0 || failed()) fail(IMG_E_FILE_IO);
-    for (const Change& change : held_back_) put(change.offset, change.bytes);
+    for (const Change& change : held_back_) file_.overwrite(change.offset, change.bytes);
     file_.complete();
   }
 

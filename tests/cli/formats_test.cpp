@@ -69,7 +69,7 @@ TEST_F(CliFormats, PortableMapsOfEveryKind) {
   std::string all;
   for (const auto& row : rows) {
     SCOPED_TRACE(row.file.substr(0, 12));
-    all += row.file + "\n";
+    all += row.file;
     ASSERT_EQ(run({"convert", "-", at("out.bmp"), "--overwrite"}, row.file), 0) << err_;
     EXPECT_EQ(err_.empty(), row.file.find("65535") == std::string::npos) << "lost bits are noted";
     EXPECT_EQ(picture_of(dib_at("out.bmp")), row.picture);
@@ -82,13 +82,22 @@ TEST_F(CliFormats, PortableMapsOfEveryKind) {
     for (size_t size = 0; size < row.file.find_last_not_of('\n') - 1; ++size)
       EXPECT_EQ(run({"convert", "-", at("cut.bmp")}, row.file.substr(0, size)), 4) << size;
   }
-  // One behind another they are pages.
-  ASSERT_EQ(run({"convert", put("all.pnm", bytes_of(all)), at("all.tif")}), 0) << err_;
+  // One right behind another they are pages.
+  ASSERT_EQ(run({"pages", "count", put("all.pnm", bytes_of(all))}), 0) << err_;
+  EXPECT_EQ(out_.str(), "7\n");
+  ASSERT_EQ(run({"convert", at("all.pnm"), at("all.tif")}), 0) << err_;
   ASSERT_EQ(run({"convert", at("all.tif"), at("again.pnm"), "--page", "2-4"}), 0) << err_;
   ASSERT_EQ(run({"pages", "count", at("again.pnm")}), 0) << err_;
   EXPECT_EQ(out_.str(), "3\n");
   ASSERT_EQ(run({"info", at("again.pnm"), "--page", "3"}), 0) << err_;
   EXPECT_THAT(out_.str(), HasSubstr("PNM, P5"));
+  // The other colour of a table of one is black.
+  Bytes one_color = plain(8, 1, 1, 0xF0);
+  one_color[32] = 1;
+  one_color.erase(one_color.begin() + 44, one_color.begin() + 48);
+  std::fill_n(one_color.begin() + 40, 3, uint8_t{255});
+  ASSERT_EQ(run({"convert", put("one.bmp", bitmap_file(one_color)), "-", "--to", "pnm"}), 0) << err_;
+  EXPECT_EQ(out_.str(), "P4\n8 1\n\xF0");
   const std::string photo = put("photo.bmp", bitmap_file(noise(5, 5, 24)));
   expect_refused({{{"convert", photo, at("out.pbm")}, 4, "PBM holds 1 bit"},
                   {{"convert", photo, at("out.pgm")}, 4, "PGM holds greys"},

@@ -51,6 +51,36 @@ TEST_F(CliPages, BlankPagesAreLeftOut) {
   EXPECT_EQ(out_.str(), "1\n");
 }
 
+TEST_F(CliPages, LengthsGoByCredibleResolutions) {
+  const auto page_at = [&](int per_metre, int depth) {
+    Picture page = drawn({200, 100}, depth, Table::kGray, {5906, 5906}, is_list, 0);
+    page.set_resolution(per_metre, per_metre);
+    return put("page.bmp", bitmap_file({page.bytes().begin(), page.bytes().end()}));
+  };
+  const struct {
+    int per_metre;
+    const char *speck, *window;
+  } rows[] = {{3'937'008, "3 x 3 pixels (at 300 dpi", "of 41 pixels (at 300 dpi"},
+              {39, "3 x 3 pixels (at 300 dpi", "of 41 pixels (at 300 dpi"},
+              {1181, "1 x 1 pixels would", "of 15 pixels\n"},  // 30 dpi
+              {23'622, "6 x 6 pixels would", "of 83 pixels\n"}};
+  for (const auto& row : rows) {
+    ASSERT_EQ(run({"despeckle", page_at(row.per_metre, 1), at("out.bmp"), "--dry-run"}), 0) << err_;
+    EXPECT_THAT(out_.str(), HasSubstr(row.speck));
+    ASSERT_EQ(run({"threshold", page_at(row.per_metre, 8), at("out.bmp"), "sauvola", "--dry-run"}), 0) << err_;
+    EXPECT_THAT(out_.str(), HasSubstr(row.window));
+  }
+  ASSERT_EQ(run({"threshold", at("page.bmp"), at("out.bmp"), "sauvola", "--window", "1px", "--dry-run"}), 0) << err_;
+  EXPECT_THAT(out_.str(), HasSubstr("of 3 pixels"));
+  Picture dot = drawn(
+      {9, 9}, 1, Table::kGray, {5906, 5906}, [](Place at) { return std::hypot(at.x, at.y) < 1e-4; }, 0);
+  ASSERT_EQ(run({"despeckle", put("dot.bmp", bitmap_file({dot.bytes().begin(), dot.bytes().end()})), at("out.bmp"), "--size",
+                 "0px"}),
+            0)
+      << err_;
+  EXPECT_EQ(read_file(at("out.bmp")), read_file(at("dot.bmp")));
+}
+
 TEST_F(CliPages, SizesAndLevelsAreChecked) {
   const std::string in = put("in.bmp", page_of(is_list, 0, 8)), out = at("out.bmp");
   expect_refused({{{"despeckle", in, out}, 4, "use threshold first"},

@@ -20,6 +20,33 @@ Result<int> fails() { return Error::kDibSize; }
 Result<int> fails_silently() { return Error::kUnreported; }
 Result<int> succeeds() { return 5; }
 
+TEST(UsualArithmetic, LeavesTheHostItsOwnExceptions) {
+  constexpr uint16_t kUsual = 0x037F, kTrapsInexact = 0x035F, kOverflow = 8, kInexact = 32;
+  const auto set_word = [](uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(word)); };
+  const auto status = [] {
+    uint16_t word = 0;
+    __asm__ volatile("fnstsw %0" : "=m"(word));
+    return word & 0x3F;
+  };
+  uint32_t noted[7];
+  __asm__ volatile("fnstenv %0" : "=m"(noted));
+  noted[0] = kTrapsInexact;
+  noted[1] |= kOverflow;
+  __asm__ volatile("fldenv %0" : : "m"(noted));
+  {
+    const UsualArithmetic arithmetic;
+    volatile long double value = 1;
+    value = value / 3;
+    EXPECT_EQ(status() & kInexact, kInexact);
+  }
+  const int after = status();
+  uint16_t word = 0;
+  __asm__ volatile("fnstcw %0; fnclex" : "=m"(word));
+  set_word(kUsual);
+  EXPECT_EQ(after, kOverflow);
+  EXPECT_EQ(word, kTrapsInexact);
+}
+
 TEST_F(Boundary, ThreadCodeIsWrittenByReportedFailuresAlone) {
   thread_context().error_code = 3;
   EXPECT_EQ(at_boundary(ThreadCode{}, succeeds), 5);

@@ -61,6 +61,11 @@ TEST(Slant, OfDrawnTextIsFoundAtEveryDepthAndResolution) {
   }
 }
 
+TEST(Slant, IsWorthTurningHoweverSure) {
+  EXPECT_TRUE((Slant{.degrees = 3, .uncertainty = 0.1, .confidence = 0.2}).is_worth_turning());
+  EXPECT_FALSE((Slant{.degrees = 3, .uncertainty = 4, .confidence = 1}).is_worth_turning());
+}
+
 TEST(Slant, IsNotFoundWhereThereAreNoLines) {
   std::minstd_rand random;
   const auto rings = [](Place at) { return std::fmod(std::hypot(at.x, at.y), 0.01) < 0.0004; };
@@ -83,6 +88,15 @@ TEST(Orientation, OfDrawnTextIsFoundAndOthersAreLeftAlone) {
   }
   const auto capitals = [](Place at) { return std::fmod(at.y + 1, 0.005) < 0.0025 && std::fmod(at.x + 1, 0.0015) < 0.0005; };
   EXPECT_FALSE(find_orientation(drawn(kA4, 1, Table::kGray, kUsual, capitals, 0)).is_sure());
+  // A grey strip above a dark panel is like a line of which there is less than between lines.
+  const Picture page = text_page(0, 8);
+  for (int y = 0; y < page.height(); ++y) {
+    const uint8_t level = y < 10 || (y >= 40 && y < 70) ? 255 : y < 40 ? 90 : 0;
+    std::ranges::fill(page.pixels().row_from_top(y).first(310), level);
+  }
+  const Orientation beside_panel = find_orientation(page);
+  EXPECT_TRUE(beside_panel.is_sure());
+  EXPECT_EQ(beside_panel.turn, 0);
 }
 
 TEST(Content, IsWhatIsNeitherBorderNorSpeck) {

@@ -16,7 +16,7 @@ struct Options {
 };
 
 void judge(Page& page, const Options& options) {
-  const programs::Picture picture = programs::workable(page.picture.copy());
+  const programs::Picture picture = programs::workable(page.picture.lent());
   const double percent = programs::ink_percent(picture, *parse_decimal(options.margin) / 100);
   const bool is_blank = percent <= *parse_decimal(options.most);
   const char* const fate = !is_blank || !options.drop ? "" : page.is_trial ? ", would be left out" : ", left out";

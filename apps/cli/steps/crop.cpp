@@ -33,7 +33,7 @@ Rect stated_piece(const Picture& picture, const Options& options) {
 
 // A blank page has no content, and stays whole.
 void crop_to_content(Page& page, const Options& options) {
-  Picture picture = programs::workable(page.picture.copy());
+  Picture picture = programs::workable(page.picture.lent());
   const auto box = programs::content_box(picture, length_on(picture, options.margin));
   const Rect piece = box.value_or(Rect{0, 0, picture.width(), picture.height()});
   const bool is_whole = piece.width == picture.width() && piece.height == picture.height();

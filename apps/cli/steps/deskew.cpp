@@ -26,7 +26,7 @@ std::string verdict(const Slant& slant, bool is_sure, bool is_turned, bool is_tr
 }
 
 void deskew(Page& page, const Options& options) {
-  programs::Picture picture = programs::workable(page.picture.copy());
+  programs::Picture picture = programs::workable(page.picture.lent());
   const Slant slant = programs::find_slant(picture);
   const bool is_sure = slant.confidence * 100 >= *parse_decimal(options.confidence);
   const bool is_turned = is_sure && slant.is_worth_turning();

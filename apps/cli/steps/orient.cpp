@@ -22,7 +22,7 @@ std::string verdict(const Orientation& found, bool is_sure, bool is_trial) {
 }
 
 void orient(Page& page, double least_percent) {
-  programs::Picture picture = programs::workable(page.picture.copy());
+  programs::Picture picture = programs::workable(page.picture.lent());
   const Orientation found = programs::find_orientation(picture);
   const bool is_sure = found.confidence * 100 >= least_percent;
   const int turn = is_sure ? found.turn : 0;

@@ -16,7 +16,7 @@ using programs::Picture;
 using programs::Sauvola;
 
 struct Options {
-  std::string method = "otsu", window = "3.5mm", k = "0.34";
+  std::string method = "otsu", window, k = "0.34";
 };
 
 std::string method_is_wrong(const std::string& text) {
@@ -27,15 +27,21 @@ std::string method_is_wrong(const std::string& text) {
              : "\"" + text + "\" is no LEVEL: a number from 0 to 256, otsu or sauvola";
 }
 
-// Odd, and small enough for exact sums.
-int window_on(const Picture& picture, const std::string& length) {
-  const Size size = length_on(picture, length);
-  return std::min(std::max(size.width, size.height) | 1, Sauvola::kMostWindow);
+const std::string kUsualWindow = "3.5mm";
+
+// Odd. In fewer than 15 pixels a page has no light and dark to tell apart, as a coarse resolution would have it; 3 is what a window
+// means at all, for those who ask for it.
+int window_on(const Picture& picture, const Options& options) {
+  constexpr int kLeastUsual = 15, kLeast = 3;
+  const bool is_asked_for = !options.window.empty();
+  const Size size = length_on(picture, is_asked_for ? options.window : kUsualWindow);
+  return std::clamp(std::max(size.width, size.height) | 1, is_asked_for ? kLeast : kLeastUsual, Sauvola::kMostWindow);
 }
 
 void apply_sauvola(Page& page, const Options& options) {
-  const int window = window_on(page.picture, options.window);
-  page.tell(fmt::format("local levels in windows of {} pixels{}", window, resolution_note(page.picture, options.window)),
+  const int window = window_on(page.picture, options);
+  const std::string& length = options.window.empty() ? kUsualWindow : options.window;
+  page.tell(fmt::format("local levels in windows of {} pixels{}", window, resolution_note(page.picture, length)),
             {{"method", "sauvola"}, {"window", int64_t{window}}});
   page.picture = programs::thresholded(std::move(page.picture), Sauvola{.window = window, .k = *parse_decimal(options.k)});
 }

@@ -66,7 +66,8 @@ void judge(std::span<const uint16_t> sums, std::vector<double>& votes) {
     if (!is_free_above || !is_free_below) continue;
     const double above = std::max(0.0, mean_of(sums, core.first - kFar * height, core.first - kNear * height) - noise);
     const double below = std::max(0.0, mean_of(sums, core.last + kNear * height, core.last + kFar * height) - noise);
-    if (std::max(above, below) < kLeastShare * (mean_of(sums, core.first, core.last) - noise)) continue;
+    const double strength = mean_of(sums, core.first, core.last) - noise;
+    if (strength <= 0 || std::max(above, below) < kLeastShare * strength) continue;
     votes.push_back((above - below) / (above + below));
   }
 }
@@ -93,6 +94,7 @@ Orientation find_orientation(const Picture& page) {
   double sum = 0, squares = 0;
   for (const double vote : votes) sum += vote, squares += vote * vote;
   const double count = result.lines, mean = sum / count;
+  if (!std::isfinite(mean)) return result;
   const double error = std::sqrt(std::max(squares / count - mean * mean, 0.01) / count);
   // The mean must be beyond chance, and as large as letters make it.
   constexpr double kSureErrors = 8, kSureMean = 0.4;

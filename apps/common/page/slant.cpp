@@ -100,7 +100,7 @@ FinePeak fine_peak(const Columns& page, double coarse) {
 
 }  // namespace
 
-bool Slant::is_worth_turning() const { return is_sure() && std::abs(degrees) >= std::max(kLeastSlant, uncertainty); }
+bool Slant::is_worth_turning() const { return std::abs(degrees) >= std::max(kLeastSlant, uncertainty); }
 
 Slant find_slant(const Picture& page) {
   const int side = cell_side(page), part = std::max(1, side / 4);

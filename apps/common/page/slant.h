@@ -18,7 +18,7 @@ struct Slant {
   bool goes_down = false;  // the lines are nearer to upright than to level
 
   bool is_sure() const { return confidence >= kLeastConfidence; }
-  // Whether turning makes the page straighter, so far as can be told.
+  // Whether turning makes the page straighter, if the slant is right: callers ask for the confidence they need.
   bool is_worth_turning() const;
 };
 

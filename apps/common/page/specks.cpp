@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <deque>
 #include <vector>
 
 #include "common/forms.h"
@@ -19,34 +20,56 @@ struct Run {
   int left, top, right, bottom;  // of the root
 };
 
+// Runs of as many rows as a speck may be high: what reaches further is none, so rows above are settled and need not be kept. Parents
+// are never above their children, so that no run that is kept needs one that is gone.
 class Runs {
  public:
-  Runs(ConstDibView page, uint32_t color) : page_(page), inverted_(color == 0 ? ~uint64_t{0} : 0) {
-    rows_.reserve(static_cast<size_t>(page.height()) + 1);
-    for (int y = 0; y < page.height(); ++y) {
-      rows_.push_back(runs_.size());
-      find_runs(y);
-      if (y > 0) connect(rows_[rows_.size() - 2], rows_.back());
-    }
-    rows_.push_back(runs_.size());
-  }
+  Runs(ConstDibView page, uint32_t color) : page_(page), inverted_(color == 0 ? ~uint64_t{0} : 0) {}
 
   // Calls erase(row, first, last) for each run of what is at most of some size. Returns how many components that are.
   template <class Erase>
   uint64_t erase_small(Size most, Erase erase) {
+    if (most.width < 1 || most.height < 1) return 0;
+    const int kept = std::min(most.height, page_.height());
     uint64_t count = 0;
-    for (int y = 0; y < page_.height(); ++y)
-      for (size_t i = rows_[static_cast<size_t>(y)]; i < rows_[static_cast<size_t>(y) + 1]; ++i) {
-        const uint32_t at = root(i);
-        const Run& whole = runs_[at];
-        if (whole.right - whole.left >= most.width || whole.bottom - whole.top >= most.height) continue;
-        count += at == i ? 1 : 0;
-        erase(y, runs_[i].first, runs_[i].last);
-      }
+    for (int y = 0; y < page_.height() + kept; ++y) {
+      if (y < page_.height()) take(y);
+      if (y >= kept) count += settle(y - kept, most, erase);
+    }
     return count;
   }
 
  private:
+  void take(int y) {
+    const size_t above = rows_.empty() ? runs_.size() : rows_.back();
+    rows_.push_back(runs_.size());
+    find_runs(y);
+    connect(above, rows_.back());
+  }
+
+  // The topmost row that is kept. Returns how many components end in it.
+  template <class Erase>
+  uint64_t settle(int y, Size most, Erase erase) {
+    const size_t end = rows_.size() > 1 ? rows_[1] : runs_.size();
+    uint64_t count = 0;
+    for (size_t i = rows_.front(); i < end; ++i) {
+      const uint32_t at = root(i);
+      const Run& whole = runs_[at];
+      if (whole.right - whole.left >= most.width || whole.bottom - whole.top >= most.height) continue;
+      count += at == i ? 1 : 0;
+      erase(y, runs_[i].first, runs_[i].last);
+    }
+    rows_.pop_front();
+    if (end > runs_.size() / 2) drop(end);
+    return count;
+  }
+
+  void drop(size_t count) {
+    runs_.erase(runs_.begin(), runs_.begin() + static_cast<ptrdiff_t>(count));
+    for (Run& run : runs_) run.parent -= static_cast<uint32_t>(count);
+    for (size_t& row : rows_) row -= count;
+  }
+
   // 64 pixels from the left as the bits of a word from the highest; set ones have the colour.
   uint64_t word(const uint8_t* row, int x) const {
     const int bytes = std::min<int>(8, static_cast<int>(row_bytes(1, page_.width())) - x / 8);
@@ -94,13 +117,13 @@ class Runs {
     uint32_t low = root(a), high = root(b);
     if (low == high) return;
     if (low > high) std::swap(low, high);
-    Run& whole = runs_[low];
-    const Run& part = runs_[high];
+    Run& whole = runs_[high];
+    Run& part = runs_[low];
     whole.left = std::min(whole.left, part.left);
     whole.right = std::max(whole.right, part.right);
     whole.top = std::min(whole.top, part.top);
     whole.bottom = std::max(whole.bottom, part.bottom);
-    runs_[high].parent = low;
+    part.parent = high;
   }
 
   // Runs of one row with those of the row above, corners included.
@@ -121,7 +144,7 @@ class Runs {
   ConstDibView page_;
   uint64_t inverted_;
   std::vector<Run> runs_;
-  std::vector<size_t> rows_;  // where each row's runs begin
+  std::deque<size_t> rows_;  // where each row's runs begin
 };
 
 void flip(std::span<uint8_t> row, int first, int last) {

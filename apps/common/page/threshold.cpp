@@ -32,8 +32,8 @@ Picture levels_of(Picture picture) {
   return has_gray_ramp(picture) ? std::move(picture) : luminance_of(picture);
 }
 
-// Sums over a window that is cut off at the edges. Whole numbers in doubles are exact up to 2^53; here they stay below 2^50, and
-// the compiler can work on several pixels at a time.
+// Sums over a window that is cut off at the edges. They stay below 2^53, up to which whole numbers in doubles are exact, and the
+// compiler can work on several pixels at a time.
 class WindowSums {
  public:
   WindowSums(ConstDibView levels, int window)
@@ -100,7 +100,7 @@ Picture thresholded(Picture picture, int level) {
 }
 
 int otsu_level(const Picture& picture) {
-  const Picture levels = levels_of(picture.copy());
+  const Picture levels = levels_of(picture.lent());
   std::array<uint64_t, 256> counts{};
   for (int y = 0; y < levels.height(); ++y)
     for (const uint8_t level : levels.pixels().row(y)) ++counts[level];
@@ -138,7 +138,9 @@ Picture thresholded(Picture picture, const Sauvola& local) {
       // level >= mean * (1 - k) + mean * k / 128 * deviation, times the count and without the root.
       const double count = window.count(x), sum = window.sum(x);
       const double over = row[x] * count - sum * (1 - local.k);
-      const double part = sum * local.k / (kDeviations * count), variance = window.squares(x) * count - sum * sum;
+      // Products of windows beyond some 600 pixels are rounded, which may leave even light less than no variance.
+      const double part = sum * local.k / (kDeviations * count),
+                   variance = std::max(0.0, window.squares(x) * count - sum * sum);
       is_white[static_cast<size_t>(x)] =
           static_cast<uint8_t>(over >= 0) & static_cast<uint8_t>(over * over >= part * part * variance);
     }

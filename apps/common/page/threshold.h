@@ -22,7 +22,7 @@ struct Sauvola {
 };
 
 // A level for each pixel, mean * (1 + k * (deviation / 128 - 1)) of the window around it, which follows uneven light (J. Sauvola and
-// M. Pietikainen, "Adaptive document image binarization", Pattern Recognition 33, 2000). Sums are exact integers.
+// M. Pietikainen, "Adaptive document image binarization", Pattern Recognition 33, 2000). Sums are exact.
 Picture thresholded(Picture picture, const Sauvola& local);
 
 }  // namespace vorel::programs

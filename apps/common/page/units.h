@@ -9,14 +9,22 @@
 
 namespace vorel::programs {
 
-inline constexpr double kAssumedDpi = 300;  // of a picture that states no resolution
+inline constexpr double kAssumedDpi = 300;  // of a picture that states no credible resolution
+inline constexpr double kLeastCredibleDpi = 30, kMostCredibleDpi = 10'000;
 inline constexpr double kMillimetresPerInch = 25.4;
 
+// Whether a picture states a resolution that a scanner may have. Others would make lengths of nothing, or of the whole page.
 inline bool states_resolution(const Picture& picture) {
-  return picture.header().x_per_metre > 0 && picture.header().y_per_metre > 0;
+  const auto is_credible = [](int32_t per_metre) {
+    const double dpi = per_metre * kMillimetresPerInch / 1000;
+    // Whole pixels to the metre, rounded or cut off.
+    constexpr double kRounding = kMillimetresPerInch / 1000;
+    return dpi > kLeastCredibleDpi - kRounding && dpi < kMostCredibleDpi + kRounding;
+  };
+  return is_credible(picture.header().x_per_metre) && is_credible(picture.header().y_per_metre);
 }
 
-// Pixels to the millimetre across or down; pictures without a resolution count as ones of kAssumedDpi.
+// Pixels to the millimetre across or down; pictures without a credible resolution count as ones of kAssumedDpi.
 inline double across_per_millimetre(const Picture& picture) {
   return states_resolution(picture) ? picture.header().x_per_metre / 1000.0 : kAssumedDpi / kMillimetresPerInch;
 }
