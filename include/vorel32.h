@@ -400,8 +400,9 @@ VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status)
  *    PNG     WERT32  LoadPNGIntoDIB (ImgLoadPicture)   WERT  SaveDIBInPNGFormat (ImgSavePicture), which the library never calls
  *
  *  The modules of this library export more than it calls: GetNumberOfImagesInTiffFile (MERV32), GetNumberOfImagesInDCXFile
- *  (ODAL32) and GetNumberOfImagesInGIFFile (SUNE32), all ImgCountPages, GetTiffCompression (MERV32, ImgTiffCompression), and
- *  ReportsFailedWrites (ImgReportsFailedWrites) in every module that saves.
+ *  (ODAL32) and GetNumberOfImagesInGIFFile (SUNE32), all ImgCountPages, GetTiffCompression (MERV32, ImgTiffCompression), SaveDIBInJPEGForm
+ *  (KALO, ImgSaveJpegForm), NameOfLibraries (ImgNameOfLibraries) in KALO32, MERV32, SUNE32 and WERT32, DescribeOnly
+ *  (ImgDescribeOnly) in every module that loads, and ReportsFailedWrites (ImgReportsFailedWrites) in every module that saves.
  *
  *  Loaders return a new DIB handle that the caller owns: 1, 4, 8 or 24 bits, uncompressed, with the whole colour table that
  *  the depth implies. Savers take a DIB of this kind and only read it. A status variable may be NULL; an entry
@@ -435,6 +436,14 @@ typedef int(VORELCALL* ImgTiffCompression)(LPCSTR path, int page, int* status);
  *  has to be sure loads the picture again. */
 typedef BOOL(VORELCALL* ImgReportsFailedWrites)(void);
 
+/** Makes the loaders of a module describe pictures on this thread: they fill in `header` in place of decoding rows and return
+ *  NULL, with status 0. Damage behind a file's header goes unnoticed. GIF files are described by their colours, whatever their
+ *  pixels use. NULL makes them load again. Returns FALSE, changing nothing, while another thread has pictures described. */
+typedef BOOL(VORELCALL* ImgDescribeOnly)(BITMAPINFOHEADER* header);
+
+/** Returns the names and versions of the libraries that a module is built on, such as "libpng 1.6.39, zlib 1.2.13". */
+typedef LPCSTR(VORELCALL* ImgNameOfLibraries)(void);
+
 /** Saves a picture. PCX and PNG files are replaced, a DCX file gains a page. */
 typedef BOOL(VORELCALL* ImgSavePicture)(LPCSTR path, HGLOBAL dib, int* status);
 
@@ -458,6 +467,8 @@ typedef BOOL(VORELCALL* ImgSaveTga)(LPCSTR path, HGLOBAL dib, int run_length, in
 
 /** Saves a picture as JPEG. quality: 1 to 100. */
 typedef BOOL(VORELCALL* ImgSaveJpeg)(LPCSTR path, HGLOBAL dib, int quality);
+/** The same, progressive or not: 1 or 0. */
+typedef BOOL(VORELCALL* ImgSaveJpegForm)(LPCSTR path, HGLOBAL dib, int quality, int progressive);
 
 /* ---- Quarter turns and mirrors ------------------------------------------------------------------------------------- */
 

@@ -6,16 +6,15 @@
 #include <iostream>
 #include <map>
 
-#include <vorel32.h>
-
 #include "cli/batch/worker.h"
+#include "cli/manual.h"
 #include "cli/parser.h"
 #include "cli/platform.h"
 #include "cli/step.h"
 #include "cli/verb.h"
 #include "cli/verbs/step_verb.h"
+#include "cli/version.h"
 #include "common/platform.h"
-#include "kernels/levels.h"
 
 namespace vorel::cli {
 namespace {
@@ -29,7 +28,7 @@ constexpr const char* kExitCodes =
     "  1  some of several inputs failed, or all of them for different reasons\n"
     "  2  wrong use: an unknown verb, option or value\n"
     "  3  the input is missing or cannot be read\n"
-    "  4  the format is not recognised, damaged or not supported\n"
+    "  4  the format is not recognised, damaged or not supported, or --strict found a loss\n"
     "  5  the output was not written\n"
     "  6  not enough memory, or a picture past the size limit of 2 GB\n"
     "  7  a codec module is missing\n\n"
@@ -41,13 +40,6 @@ constexpr const char* kExamples =
     "  vorel convert scan.tif scan.png\n"
     "  vorel rotate scan.tif upright.tif 90\n"
     "  vorel run scan.tif page.tif \"clean 60 | rotate -1 --white | scale 50%\"";
-
-std::string version() {
-  char text[32] = {};
-  GetImageVersion(text, sizeof text);
-  const std::string whole = text;
-  return "vorel " + whole.substr(whole.rfind(' ') + 1) + " (" + std::string(name_of(cpu_level())) + ")";
-}
 
 // A file whose name begins with a dash looks like an option.
 std::string dash_hint(const std::vector<std::string>& given) {
@@ -66,7 +58,8 @@ class CommandLine {
   explicit CommandLine(const std::vector<std::string>& words)
       : parser_("vorel", "Look at, convert and transform picture files.", Parser::Help::kOnRequest) {
     Arguments tool = parser_.arguments();
-    tool.flag("--version", shows_version_, "Print the version and exit");
+    tool.flag("--version", shows_version_,
+              "Print the version and those of the codec libraries (with --json, as JSON) and exit");
     const auto is_named = [&](const auto* verb) { return !words.empty() && words.front() == verb->name; };
     const bool names_one = std::ranges::any_of(kVerbs, is_named) || std::ranges::any_of(kSteps, is_named);
     for (const Verb* verb : kVerbs) {
@@ -79,6 +72,7 @@ class CommandLine {
       Arguments arguments = tool.verb(step->name, step->purpose, kStepGroup);
       actions_[step->name] = declare_step_verb(arguments, *step);
     }
+    declare_own_verbs(tool);
     tool.explain(kExitCodes, kExamples);
   }
 
@@ -88,8 +82,7 @@ class CommandLine {
       words.emplace_back("--help");
     }
     if (!words.empty() && words.front() == "--version") {
-      streams.output << version() << '\n';
-      return ExitCode::kDone;
+      return print_version(words, streams);
     }
     refuse_unoffered(words);
     const std::string help = parsed(words);
@@ -101,6 +94,34 @@ class CommandLine {
   }
 
  private:
+  // Verbs that tell about the others.
+  void declare_own_verbs(Arguments& tool) {
+    Arguments completing = tool.verb("completion", "Print the completion of a shell.", kVerbGroup);
+    completing.required("SHELL", shell_, "bash, zsh or fish", one_of(shells()));
+    completing.explain("",
+                       "  vorel completion bash > /etc/bash_completion.d/vorel\n"
+                       "  source <(vorel completion zsh)\n"
+                       "  vorel completion fish > ~/.config/fish/completions/vorel.fish");
+    actions_["completion"] = [this](const Streams& streams) {
+      streams.output << completion(parser_.declared(), shell_);
+      return ExitCode::kDone;
+    };
+    Arguments manual = tool.verb("manual", "Print the manual page.", kVerbGroup);
+    manual.explain("", "  vorel manual | man -l -");
+    actions_["manual"] = [this](const Streams& streams) {
+      streams.output << manual_page(parser_.declared(), version_line());
+      return ExitCode::kDone;
+    };
+  }
+
+  static ExitCode print_version(const std::vector<std::string>& words, const Streams& streams) {
+    const bool as_json = words.size() == 2 && words[1] == "--json";
+    if (words.size() > 1 && !as_json)
+      throw programs::Problem(programs::Fault::kWrongUse, "--version goes with --json alone; leave the rest out");
+    streams.output << (as_json ? version_json() : version_text());
+    return ExitCode::kDone;
+  }
+
   // Fills in the values, or returns a help text.
   std::string parsed(const std::vector<std::string>& words) {
     try {
@@ -126,6 +147,7 @@ class CommandLine {
 
   Parser parser_;
   bool shows_version_ = false;
+  std::string shell_;
   std::map<std::string, Action> actions_;
 };
 

@@ -57,6 +57,8 @@ void SavingOptions::declare(Arguments& arguments, bool offers_numbering) {
                    {format_is_wrong, saving_words()});
   arguments.option("--compression", compression, "KIND", "of a TIFF or TGA file (default: the format's usual one)",
                    one_of(compression_words()));
+  arguments.option("--quality", quality, "N", "of a JPEG file, 1 to 100 (default: 75)", {1, 100});
+  arguments.flag("--progressive", progressive, "store a JPEG file so that it builds up (default: from top to bottom)");
   arguments.flag("--interlaced", interlaced, "store the rows of a GIF interlaced (default: in order)");
   arguments.flag("--strict", is_strict, "fail where OUT has no room for something of IN (default: note it and go on)");
 }
@@ -71,7 +73,10 @@ Saving SavingOptions::saving_for(const std::string& output) const {
   }
   if (format == nullptr) format = format_called("bmp");
 
-  Saving saving{.format = format, .interlaced = interlaced};
+  Saving saving{.format = format, .interlaced = interlaced, .quality = quality, .progressive = progressive};
+  const bool is_jpeg = format->code == FormatCode::kJpeg;
+  if (!is_jpeg && quality != 0) fail("only JPEG files have a quality; leave --quality out");
+  if (!is_jpeg && progressive) fail("only JPEG files can be progressive; leave --progressive out");
   const bool is_tiff = format->code == FormatCode::kTiff, is_tga = format->code == FormatCode::kTga;
   if (interlaced && format->code != FormatCode::kGif) fail("only GIF files can be interlaced; leave --interlaced out");
   if (compression.empty()) return saving;

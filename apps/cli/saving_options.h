@@ -10,7 +10,8 @@ namespace vorel::cli {
 
 struct SavingOptions {
   std::string to, compression;
-  bool interlaced = false, overwrite = false, numbered = false, is_strict = false;
+  int quality = 0;
+  bool progressive = false, interlaced = false, overwrite = false, numbered = false, is_strict = false;
 
   void declare(Arguments& arguments, bool offers_numbering = true);
 
@@ -21,7 +22,8 @@ struct SavingOptions {
 // The same in help texts, under the verb's own words.
 inline constexpr const char* kSavingHelp =
     "The ending of OUT tells its format: .bmp .tif .png .jpg .gif .pcx .dcx .tga .cal .pnm and, on Windows, .wmf\n"
-    ".emf .clp. Without one, and on standard output, it is a Windows bitmap. JPEG gets quality 75; GIF keeps at most 256\n"
+    ".emf .clp. Without one, and on standard output, it is a Windows bitmap. JPEG gets quality 75 and grey pictures stay "
+    "grey; GIF keeps at most 256\n"
     "colours; CALS takes 1 bit per pixel. TIFF, DCX and PNM files hold several pages, other files one.\n"
     "KIND is for TIFF none, huffman, g3, g4 (these three for 1 bit per pixel), lzw, jpeg (for 24 bits and greys of 8),\n"
     "deflate or packbits, and without it g4 for 1 bit and deflate else; for TGA it is none (the usual one) or rle, which\n"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <fmt/format.h>
 #include <fstream>
 
@@ -163,12 +164,47 @@ Picture PictureFile::load(int page) const {
   }
 }
 
+DibHeader PictureFile::header(int page) const {
+  const FileFormat& kind = format();
+  if (kind.code == FormatCode::kBitmap) return bitmap_facts().header;
+  if (programs::is_pnm(kind)) return pnm_facts(page).header;
+  if (const auto header = described(kind, page)) return *header;
+  return load(page).header();
+}
+
+// The colours of a GIF file do not tell the depth for sure.
+std::optional<DibHeader> PictureFile::described(const FileFormat& kind, int page) const {
+  if (!kind.load || kind.code == FormatCode::kGif) return std::nullopt;
+  const Codec codec(kind.load);
+  const auto describe_only = codec.other<ImgDescribeOnly>("DescribeOnly");
+  if (describe_only == nullptr) return std::nullopt;
+  BITMAPINFOHEADER header{};
+  int status = -1;
+  if (!describe_only(&header)) return std::nullopt;
+  switch (kind.load_arguments) {
+    case LoadArguments::kNone: codec.as<ImgLoadFile>()(usable_name_.c_str()); break;
+    case LoadArguments::kStatus:
+    case LoadArguments::kNullStatus: codec.as<ImgLoadPicture>()(usable_name_.c_str(), &status); break;
+    default: codec.as<ImgLoadPage>()(usable_name_.c_str(), page, &status);
+  }
+  describe_only(nullptr);
+  if (header.biSize == 0) return std::nullopt;  // loading it tells why
+  const auto result = std::bit_cast<DibHeader>(header);
+  return kind.code == FormatCode::kJpeg ? turned_by_exif(result, exif()) : result;
+}
+
+ExifFacts PictureFile::exif() const {
+  std::ifstream file(path_, std::ios::binary);
+  return read_exif(file);
+}
+
 Picture PictureFile::load_by_library(const FileFormat& kind, int page) const {
   if (kind.needs_windows) require_drawing(kind.name);
   int status = -1;
   SetImgError(IMG_OK);
   const HGLOBAL dib = LoadImageIntoDIB(usable_name_.c_str(), page, &status);
   const bool is_metafile = kind.code == FormatCode::kMetafile || kind.code == FormatCode::kEnhancedMetafile;
+  if (dib != nullptr && kind.code == FormatCode::kJpeg) return turned_by_exif(Picture(dib), exif());
   if (dib != nullptr) return is_metafile ? whole_metafile(path_, Picture(dib)) : Picture(dib);
   if (kind.code == FormatCode::kColorFax) throw set_not_loaded();
   throw not_loaded(kind, kind.needs_windows ? ImgError() : status);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/bitmap_file.h"
+#include "common/exif.h"
 #include "common/picture.h"
 #include "common/pnm_file.h"
 #include "core/file_formats.h"
@@ -33,6 +34,9 @@ class PictureFile {
   // A page, counted from 1, in the form that the file has it in.
   Picture load(int page) const;
 
+  // The header of a page as load() gives it, without decoding rows where the module can do that.
+  DibHeader header(int page) const;
+
   // Of a bitmap, without its pixels.
   BitmapFacts bitmap_facts() const;
 
@@ -54,6 +58,8 @@ class PictureFile {
   uint64_t pnm_start(int page) const;
   Picture load_by_library(const FileFormat& format, int page) const;
   Picture load_tga() const;
+  std::optional<DibHeader> described(const FileFormat& format, int page) const;
+  ExifFacts exif() const;
 
   std::filesystem::path path_;
   std::string usable_name_, name_;

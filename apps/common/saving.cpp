@@ -36,6 +36,16 @@ void check_compression(const Picture& picture, const TiffCompression& compressio
   }
 }
 
+bool write_jpeg(const Codec& codec, const std::string& path, HGLOBAL dib, const Saving& saving) {
+  constexpr int kUsualQuality = 75;
+  const int quality = saving.quality != 0 ? saving.quality : kUsualQuality;
+  if (!saving.progressive) return codec.as<ImgSaveJpeg>()(path.c_str(), dib, quality) != FALSE;
+  const auto save = codec.other<ImgSaveJpegForm>("SaveDIBInJPEGForm");
+  if (save != nullptr) return save(path.c_str(), dib, quality, 1) != FALSE;
+  throw Problem(Fault::kModule,
+                "the codec module KALO of another maker saves no progressive files; leave --progressive out");
+}
+
 bool write_page(const std::string& path, const Picture& picture, const Saving& saving, int page) {
   const FileFormat& format = *saving.format;
   const HGLOBAL dib = picture.get();
@@ -47,6 +57,8 @@ bool write_page(const std::string& path, const Picture& picture, const Saving& s
   }
   if (format.save_arguments == SaveArguments::kCompressionAndPage)
     return codec.as<ImgSaveTiff>()(path.c_str(), dib, saving.tiff_compression, page) != FALSE;
+  if (format.code == FormatCode::kJpeg && (saving.quality != 0 || saving.progressive))
+    return write_jpeg(codec, path, dib, saving);
   if (format.saver == Saver::kProgramsAlone) return codec.as<ImgSavePicture>()(path.c_str(), dib, nullptr) != FALSE;
   return SaveDIBInImageFormat(path.c_str(), dib, static_cast<int>(format.code), saving.interlaced ? 1 : 0,
                               saving.run_length ? 1 : 0) != FALSE;

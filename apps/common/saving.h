@@ -25,6 +25,8 @@ struct Saving {
   int tiff_compression = 0;  // by TIFF number; 0 lets the module choose
   bool run_length = false;   // TGA
   bool interlaced = false;   // GIF
+  int quality = 0;           // JPEG, 1 to 100; 0 is the usual one, 75
+  bool progressive = false;  // JPEG
 };
 
 // The picture in a form that the format has room for. Bitmaps take any form. Throws Problem where there is none.

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <utility>
 
+#include "common/describe.h"
 #include "common/entry.h"
 
 namespace codec {
@@ -38,6 +40,8 @@ vorel::DibHeader header_of(const Description& description) {
                           .colors_used = vorel::implied_colors(depth)};
   const vorel::ByteCount rows = vorel::rows_bytes(header);
   if (!rows.fits_block()) fail(IMG_E_MEMORY);
+  header.size = vorel::kHeaderBytes;
+  header.planes = 1;
   header.image_bytes = static_cast<uint32_t>(rows.value());
   return header;
 }
@@ -92,8 +96,17 @@ void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t fil
   if (stride * static_cast<uint64_t>(height) > vorel::ByteCount(most)) fail(IMG_E_MEMORY);
 }
 
+void offer(const Description& description) {
+  BITMAPINFOHEADER* const wanted = wanted_header();
+  if (wanted == nullptr) return;
+  const vorel::DibHeader header = header_of(description);
+  std::memcpy(wanted, &header, sizeof header);
+  throw Described{};
+}
+
 LoadedDib::LoadedDib(const Description& description)
     : dib_([&] {
+        offer(description);
         const vorel::DibHeader header = header_of(description);
         return value_of(vorel::NewDib::make(header, header.image_bytes));
       }()) {

@@ -47,10 +47,13 @@ struct Description {
 // file cannot take all memory. Throws Failure for a picture without pixels and for one that is too large.
 void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t file_bytes);
 
+// Hands a description over instead of a picture if this thread was asked to: throws Described.
+void offer(const Description& description);
+
 // A DIB being loaded, zero-filled. Freed with its scope unless it is released.
 class LoadedDib {
  public:
-  // Throws Failure.
+  // Throws Failure, and what offer() throws.
   explicit LoadedDib(const Description& description);
   LoadedDib(LoadedDib&& other) noexcept;
   LoadedDib& operator=(LoadedDib&&) = delete;

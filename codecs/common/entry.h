@@ -18,6 +18,9 @@ struct Failure {
   ImgErrorCode status;
 };
 
+// Ends the work of a loader that only describes (describe.h).
+struct Described {};
+
 [[noreturn]] inline void fail(ImgErrorCode status) { throw Failure{status}; }
 
 // Runs an entry point's body. Returns its result, or zero after a failure; the outcome goes to `status`, which may be null.
@@ -29,6 +32,7 @@ auto at_entry(int* status, Body&& body) noexcept -> decltype(body()) {
     result = body();
   } catch (const Failure& failure) {
     outcome = failure.status;
+  } catch (const Described&) {
   } catch (const std::exception&) {  // the standard library's types fail here for lack of memory only
     outcome = IMG_E_MEMORY;
   }

@@ -63,6 +63,11 @@ class Samples {
   std::vector<uint8_t> indices_, row_;  // empty where the DIB's own rows are used
 };
 
+struct Form {
+  int quality = 75;
+  bool is_progressive = false;
+};
+
 class Compressor {
  public:
   Compressor() { jpeg_.err = prepare(errors_); }
@@ -71,11 +76,11 @@ class Compressor {
   ~Compressor() { jpeg_destroy_compress(&jpeg_); }
 
   // Returns whether everything was written.
-  bool write(std::FILE* file, const SourceDib& dib, Samples& samples, int quality) {
+  bool write(std::FILE* file, const SourceDib& dib, Samples& samples, const Form& form) {
     return came_through(errors_, [&] {
       jpeg_create_compress(&jpeg_);
       jpeg_stdio_dest(&jpeg_, file);
-      describe(dib, samples.is_gray(), quality);
+      describe(dib, samples.is_gray(), form);
       jpeg_start_compress(&jpeg_, TRUE);
       for (int y = 0; y < dib.height(); ++y) {
         JSAMPROW row = const_cast<JSAMPROW>(samples.row(y));  // NOLINT: libjpeg only reads it
@@ -86,13 +91,14 @@ class Compressor {
   }
 
  private:
-  void describe(const SourceDib& dib, bool is_gray, int quality) {
+  void describe(const SourceDib& dib, bool is_gray, const Form& form) {
     jpeg_.image_width = static_cast<JDIMENSION>(dib.width());
     jpeg_.image_height = static_cast<JDIMENSION>(dib.height());
     jpeg_.input_components = is_gray ? 1 : 3;
     jpeg_.in_color_space = is_gray ? JCS_GRAYSCALE : JCS_EXT_BGR;
     jpeg_set_defaults(&jpeg_);
-    jpeg_set_quality(&jpeg_, quality, TRUE);
+    jpeg_set_quality(&jpeg_, form.quality, TRUE);
+    if (form.is_progressive) jpeg_simple_progression(&jpeg_);
     const Density density = density_of(dib.resolution());
     jpeg_.density_unit = static_cast<UINT8>(density.unit);
     jpeg_.X_density = static_cast<UINT16>(density.x);
@@ -103,13 +109,14 @@ class Compressor {
   ErrorManager errors_{};
 };
 
-BOOL save(const char* path, HGLOBAL handle, int quality) {
+BOOL save(const char* path, HGLOBAL handle, Form form) {
+  form.quality = std::clamp(form.quality, 1, 100);
   const SourceDib dib(handle);
   if (dib.width() > JPEG_MAX_DIMENSION || dib.height() > JPEG_MAX_DIMENSION) fail(IMG_E_DIB_SIZE);
   Samples samples(dib);
   Compressor jpeg;
   OutputFile file(path);
-  if (!jpeg.write(file.get(), dib, samples, std::clamp(quality, 1, 100))) fail(IMG_E_FILE_IO);
+  if (!jpeg.write(file.get(), dib, samples, form)) fail(IMG_E_FILE_IO);
   file.complete();
   return TRUE;
 }
@@ -118,7 +125,12 @@ BOOL save(const char* path, HGLOBAL handle, int quality) {
 }  // namespace codec::jpeg
 
 CODEC_ENTRY BOOL VORELCALL SaveDIBInJPEGFile(LPCSTR path, HGLOBAL dib, int quality) {
-  return codec::at_entry(nullptr, [&] { return codec::jpeg::save(path, dib, quality); });
+  return codec::at_entry(nullptr, [&] { return codec::jpeg::save(path, dib, {quality}); });
+}
+
+CODEC_ENTRY BOOL VORELCALL SaveDIBInJPEGForm(LPCSTR path, HGLOBAL dib, int quality, int progressive) {
+  return codec::at_entry(nullptr, [&] { return codec::jpeg::save(path, dib, {quality, progressive != 0}); });
 }
 
 static_assert(std::is_same_v<decltype(&SaveDIBInJPEGFile), ImgSaveJpeg>);
+static_assert(std::is_same_v<decltype(&SaveDIBInJPEGForm), ImgSaveJpegForm>);

@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <limits>
+#include <string>
 #include <type_traits>
+#include <zlib.h>
 
 #include "common/dib.h"
 #include "common/entry.h"
@@ -167,4 +169,10 @@ CODEC_ENTRY HGLOBAL VORELCALL LoadPNGIntoDIB(LPCSTR path, int* status) {
   return codec::at_entry(status, [&] { return codec::png::load(path); });
 }
 
+CODEC_ENTRY LPCSTR VORELCALL NameOfLibraries(void) {
+  static const std::string name = std::string("libpng ") + png_get_libpng_ver(nullptr) + ", zlib " + zlibVersion();
+  return name.c_str();
+}
+
 static_assert(std::is_same_v<decltype(&LoadPNGIntoDIB), ImgLoadPicture>);
+static_assert(std::is_same_v<decltype(&NameOfLibraries), ImgNameOfLibraries>);

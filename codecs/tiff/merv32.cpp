@@ -1,4 +1,6 @@
 // MERV32: loads TIFF pages and CALS rasters.
+#include <string>
+#include <tiffio.h>
 #include <type_traits>
 
 #include "tiff/cals.h"
@@ -37,7 +39,17 @@ CODEC_ENTRY int VORELCALL GetTiffCompression(LPCSTR path, int page, int* status)
   });
 }
 
+CODEC_ENTRY LPCSTR VORELCALL NameOfLibraries(void) {
+  static const std::string name = [] {
+    const std::string text = TIFFGetVersion();  // "LIBTIFF, Version 4.5.0" and more lines
+    const size_t number = text.find_last_of(' ', text.find('\n')) + 1;
+    return "libtiff " + text.substr(number, text.find('\n') - number);
+  }();
+  return name.c_str();
+}
+
 static_assert(std::is_same_v<decltype(&LoadTiffIntoDIB), ImgLoadPage>);
 static_assert(std::is_same_v<decltype(&LoadCALSIntoDIB), ImgLoadPicture>);
 static_assert(std::is_same_v<decltype(&GetNumberOfImagesInTiffFile), ImgCountPages>);
 static_assert(std::is_same_v<decltype(&GetTiffCompression), ImgTiffCompression>);
+static_assert(std::is_same_v<decltype(&NameOfLibraries), ImgNameOfLibraries>);

@@ -17,13 +17,17 @@ QuarterTurn quarter_turn_of(int orientation, vorel::Size stored) {
 
 }  // namespace
 
-HGLOBAL upright(LoadedDib stored, Description description, int orientation) {
-  if (orientation < 2 || orientation > 8) return stored.release();
-  const bool rows_are_columns = orientation >= 5;
+Description upright(Description stored, int orientation) {
+  const bool rows_are_columns = orientation >= 5 && orientation <= 8;
   if (rows_are_columns) {
-    std::swap(description.width, description.height);
-    std::swap(description.resolution.x, description.resolution.y);
+    std::swap(stored.width, stored.height);
+    std::swap(stored.resolution.x, stored.resolution.y);
   }
+  return stored;
+}
+
+HGLOBAL upright(LoadedDib stored, const Description& description, int orientation) {
+  if (orientation < 2 || orientation > 8) return stored.release();
   LoadedDib page(description);
   const vorel::DibView source = stored.pixels(), result = page.pixels();
   const vorel::kernels::TurnTable& kernels = vorel::kernels::turn();

@@ -278,12 +278,14 @@ void read_all_pixels(const TiffHandle& tiff, const TiffPage& page, const LoadedD
 HGLOBAL read_tiff(Bytes& bytes, int page_number) {
   const TiffHandle tiff = open_page(bytes, page_number);
   const TiffPage page = read_tags(tiff, bytes.size());
+  const Description described = upright(page.picture, page.orientation);
+  offer(described);
   LoadedDib stored(page.picture);
   read_all_pixels(tiff, page, stored);
   if (page.is_lab)
     for (int y = 0; y < stored.height(); ++y)
       lab_to_true_color(stored.row_from_top(y).first(static_cast<size_t>(stored.width()) * 3));
-  return upright(std::move(stored), page.picture, page.orientation);
+  return upright(std::move(stored), described, page.orientation);
 }
 
 int read_tiff_compression(Bytes& bytes, int page_number) {

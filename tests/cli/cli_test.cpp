@@ -1,5 +1,6 @@
 // The command line tool, run in process.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "cli_fixture.h"
@@ -77,7 +78,38 @@ TEST_F(Cli, HelpAndVersion) {
   EXPECT_EQ(run({"--help"}), 0);
   EXPECT_THAT(out_.str(), HasSubstr("Exit codes"));
   EXPECT_EQ(run({"--version"}), 0);
-  EXPECT_THAT(out_.str(), StartsWith("vorel 5.59 ("));
+  EXPECT_THAT(out_.str(), testing::AllOf(StartsWith("vorel 5.59 ("), HasSubstr("libtiff "), HasSubstr("zlib ")));
+  EXPECT_EQ(run({"--version", "--json"}), 0);
+  EXPECT_THAT(out_.str(), testing::AllOf(StartsWith("{"), HasSubstr("\"module\": \"KALO32\""), HasSubstr("libjpeg")));
+  ASSERT_EQ(run({"rotate", "--help"}), 0);
+  const std::string help = out_.str();
+  ASSERT_EQ(run({"help", "rotate"}), 0);
+  EXPECT_EQ(out_.str(), help);
+}
+
+// Every option of every verb is in the manual page and in each completion; shells take the completions.
+TEST_F(Cli, ManualAndCompletionsComeFromTheDeclarations) {
+  ASSERT_EQ(run({"manual"}), 0);
+  EXPECT_THAT(out_.str(),
+              testing::AllOf(StartsWith(".TH VOREL 1"), HasSubstr(".SS pages join\n"), HasSubstr("\\fB\\-\\-steps\\fR")));
+  for (const char* shell : {"bash", "zsh", "fish"}) {
+    ASSERT_EQ(run({"completion", shell}), 0);
+    for (const char* word : {"keep-dpi", "steps", "halftone", "threshold diffusion ordered", "join"})
+      EXPECT_THAT(out_.str(), HasSubstr(word)) << shell;
+  }
+  EXPECT_EQ(run({"completion", "tcsh"}), 2);
+#ifndef _WIN32
+  ASSERT_EQ(run({"completion", "bash"}), 0);
+  const std::string script =
+      out_.str() +
+      "complete_words() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _vorel; echo \"${COMPREPLY[*]}\"; }\n"
+      "complete_words vorel rot\ncomplete_words vorel halftone --method d\n"
+      "complete_words vorel pages j\ncomplete_words vorel scale a b --ke\n"
+      "complete_words vorel help conv\ncomplete_words vorel convert a --to j\n";
+  write_file(at("script"), {script.begin(), script.end()});
+  ASSERT_EQ(std::system(("bash " + at("script") + " >" + at("words")).c_str()), 0);
+  EXPECT_EQ(text_of(read_file(at("words"))), "rotate\ndiffusion\njoin\n--keep-dpi\nconvert\njpeg\n");
+#endif
 }
 
 TEST_F(Cli, EveryTruncationIsNoticed) {

@@ -107,6 +107,109 @@ TEST_F(CliFormats, PortableMapsOfEveryKind) {
                   {{"convert", put("d.pnm", bytes_of("P5 4294967297 1 255 x")), at("x.bmp")}, 4, "the width is above"}});
 }
 
+// An application segment with an orientation and, in a directory of either byte order, 240 x 120 dots per inch.
+Bytes with_exif(const Bytes& jpeg, uint8_t orientation, bool is_big_endian) {
+  Bytes tiff = {'I', 'I', 42, 0, 8, 0, 0, 0, 4, 0};
+  const auto put = [&](uint32_t value, int size) {
+    for (int i = 0; i < size; ++i) tiff.push_back(static_cast<uint8_t>(value >> (8 * (is_big_endian ? size - 1 - i : i))));
+  };
+  if (is_big_endian) tiff = {'M', 'M', 0, 42, 0, 0, 0, 8, 0, 4};
+  const auto entry = [&](uint32_t tag, uint32_t type, uint32_t value) {
+    put(tag, 2), put(type, 2), put(1, 4);
+    if (type == 3)
+      put(value, 2), put(0, 2);
+    else
+      put(value, 4);
+  };
+  entry(0x112, 3, orientation);
+  entry(0x11A, 5, 62);
+  entry(0x11B, 5, 70);
+  entry(0x128, 3, 2);
+  for (const uint32_t number : {0u, 240u, 1u, 120u, 1u}) put(number, 4);
+  Bytes segment = {0xFF, 0xD8, 0xFF, 0xE1, 0, static_cast<uint8_t>(2 + 6 + tiff.size()), 'E', 'x', 'i', 'f', 0, 0};
+  return joined(joined(segment, tiff), Bytes(jpeg.begin() + 2, jpeg.end()));
+}
+
+// A picture whose quarters are four greys, as cameras store it in each of eight ways.
+TEST_F(CliFormats, CameraPicturesComeUpright) {
+  Bytes dib = with_header_changed(plain(32, 16, 8, 0),
+                                  [](BITMAPINFOHEADER& header) { header.biXPelsPerMeter = header.biYPelsPerMeter = 0; });
+  const auto rows = dib.end() - 32 * 16;
+  for (int y = 0; y < 16; ++y)
+    for (int x = 0; x < 32; ++x) rows[32 * y + x] = static_cast<uint8_t>((y >= 8 ? 0 : 128) + (x >= 16 ? 64 : 0));
+  const std::string in = put("in.bmp", bitmap_file(dib));
+  const char* quarters[] = {"", "0123", "1032", "3210", "2301", "0213", "2031", "3120", "1302"};  // top left, top right, ...
+  ASSERT_EQ(run({"convert", in, at("plain.jpg"), "--quality", "100"}), 0) << err_;
+  for (uint8_t orientation = 1; orientation <= 8; ++orientation) {
+    SCOPED_TRACE(int{orientation});
+    const std::string file = put("exif.jpg", with_exif(read_file(at("plain.jpg")), orientation, orientation % 2 == 0));
+    ASSERT_EQ(run({"convert", file, at("out.bmp"), "--overwrite"}), 0) << err_;
+    const Bytes out = dib_at("out.bmp");
+    const BITMAPINFOHEADER header = header_of(out);
+    const bool is_turned = orientation >= 5;
+    EXPECT_EQ(header.biWidth, is_turned ? 16 : 32);
+    EXPECT_EQ(header.biXPelsPerMeter, is_turned ? 4724 : 9449);
+    std::string found;
+    for (const int y : {header.biHeight - 4, 3})
+      for (const int x : {3, header.biWidth - 4}) found += static_cast<char>('0' + (color_at(out, x, y).rgbRed + 8) / 64);
+    EXPECT_EQ(found, quarters[orientation]);
+    ASSERT_EQ(run({"info", file, "--json"}), 0) << err_;
+    EXPECT_THAT(out_.str(),
+                HasSubstr(is_turned ? "\"width\": 16,\n    \"height\": 32" : "\"width\": 32,\n    \"height\": 16"));
+  }
+}
+
+TEST_F(CliFormats, JpegFilesAsTheyAreAskedFor) {
+  const std::string in = put("in.bmp", bitmap_file(noise(64, 64, 24)));
+  const auto bytes_of_file = [&](std::vector<std::string> options) {
+    options.insert(options.begin(), {"convert", in, at("out.jpg"), "--overwrite"});
+    EXPECT_EQ(run(options), 0) << err_;
+    return read_file(at("out.jpg"));
+  };
+  const Bytes usual = bytes_of_file({}), good = bytes_of_file({"--quality", "95"}),
+              progressive = bytes_of_file({"--progressive"});
+  EXPECT_EQ(bytes_of_file({"--quality", "75"}), usual);
+  EXPECT_GT(good.size(), usual.size() * 3 / 2);
+  const auto has_marker = [](const Bytes& file, uint8_t marker) {
+    const Bytes start = {0xFF, marker, 0, 17};  // a frame of three components
+    return std::search(file.begin(), file.end(), start.begin(), start.end()) != file.end();
+  };
+  EXPECT_TRUE(has_marker(usual, 0xC0) && has_marker(progressive, 0xC2));
+  ASSERT_EQ(run({"run", in, at("gray.jpg"), "gray --weighted"}), 0) << err_;
+  ASSERT_EQ(run({"info", at("gray.jpg")}), 0) << err_;
+  EXPECT_THAT(out_.str(), HasSubstr("8 bits per pixel"));
+  expect_refused({{{"convert", in, at("o.png"), "--quality", "9"}, 2, "only JPEG files have a quality"},
+                  {{"convert", in, at("o.png"), "--progressive"}, 2, "only JPEG files can be progressive"}});
+}
+
+// What "info" tells is what loading gives, though it decodes no rows: a file without its last ones is described too.
+TEST_F(CliFormats, PicturesAreDescribedWithoutTheirRows) {
+  put("bits.bmp", bitmap_file(bilevel(300, 200)));
+  put("gray.bmp", bitmap_file(with_header_changed(plain(300, 200, 8, 9), [](BITMAPINFOHEADER& header) {
+        header.biXPelsPerMeter = header.biYPelsPerMeter = 11811;
+      })));
+  put("true.bmp", bitmap_file(noise(300, 200, 24)));
+  for (const std::string ending : {"tif", "png", "jpg", "pcx", "dcx", "tga"})
+    for (const std::string kind : {"bits", "gray", "true"}) {
+      SCOPED_TRACE(kind + "." + ending);
+      const std::string file = at(kind + "." + ending);
+      ASSERT_EQ(run({"convert", at(kind + ".bmp"), file}), 0) << err_;
+      ASSERT_EQ(run({"info", file, "--json"}), 0) << err_;
+      const std::string told = out_.str();
+      ASSERT_EQ(run({"convert", file, at("back.bmp"), "--overwrite"}), 0) << err_;
+      const BITMAPINFOHEADER header = header_of(dib_at("back.bmp"));
+      for (const auto& [name, value] : {std::pair("width", header.biWidth), std::pair("height", header.biHeight),
+                                        std::pair("depth", decltype(header.biWidth){header.biBitCount})})
+        EXPECT_THAT(told, HasSubstr("\"" + std::string(name) + "\": " + std::to_string(value) + ","));
+      const std::string resolution = header.biXPelsPerMeter == 0 ? "null" : std::to_string(header.biXPelsPerMeter);
+      EXPECT_THAT(told, HasSubstr("\"xPixelsPerMetre\": " + resolution));
+      if (ending != "png" && ending != "jpg") continue;  // others are measured, or end in a directory or table
+      Bytes bytes = read_file(file);
+      bytes.resize(bytes.size() - std::min<size_t>(bytes.size() / 4, 64));
+      EXPECT_EQ(run({"info", put("cut." + ending, bytes)}), 0) << err_;
+    }
+}
+
 // Metafiles, clipboard files and texts. Where nothing draws them, the tool says so.
 TEST_F(CliFormats, WhatIsDrawnNeedsWindows) {
   const std::string in = put("in.bmp", bitmap_file(bilevel(48, 24)));

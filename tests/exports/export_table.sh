@@ -43,9 +43,13 @@ LC_ALL=C sort >"$scratch/entries" <<'END'
 BRIX SaveDIBInTGAFormat
 BRIX ReportsFailedWrites
 BRIX32 LoadTGAIntoDIB
+BRIX32 DescribeOnly
 KALO SaveDIBInJPEGFile
+KALO SaveDIBInJPEGForm
 KALO ReportsFailedWrites
 KALO32 LoadJPEGIntoDIB
+KALO32 DescribeOnly
+KALO32 NameOfLibraries
 MERV SAVEDIBINCALSFORMAT
 MERV SaveDIBInTiffFormat
 MERV ReportsFailedWrites
@@ -53,6 +57,8 @@ MERV32 GetNumberOfImagesInTiffFile
 MERV32 GetTiffCompression
 MERV32 LoadCALSIntoDIB
 MERV32 LoadTiffIntoDIB
+MERV32 DescribeOnly
+MERV32 NameOfLibraries
 ODAL MakeDCXFile
 ODAL SaveDIBInDCXFormat
 ODAL SaveDIBInPCXFormat
@@ -60,13 +66,18 @@ ODAL ReportsFailedWrites
 ODAL32 GetNumberOfImagesInDCXFile
 ODAL32 LoadDCXIntoDIB
 ODAL32 LoadPCXIntoDIB
+ODAL32 DescribeOnly
 SUNE SaveDIBInGIFFormat
 SUNE ReportsFailedWrites
 SUNE32 GetNumberOfImagesInGIFFile
 SUNE32 LoadGIFIntoDIB
+SUNE32 DescribeOnly
+SUNE32 NameOfLibraries
 WERT SaveDIBInPNGFormat
 WERT ReportsFailedWrites
 WERT32 LoadPNGIntoDIB
+WERT32 DescribeOnly
+WERT32 NameOfLibraries
 END
 : >"$scratch/none"
 

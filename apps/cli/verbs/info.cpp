@@ -56,7 +56,7 @@ Description describe(const Input& input, int page) {
     return {format, facts.variant,         facts.header, color_count(facts.header), file.count_pages(),
             page,   file.compression(page)};
   }
-  const DibHeader header = file.load(page).header();
+  const DibHeader header = file.header(page);
   return {format, "", header, color_count(header), file.count_pages(), page, file.compression(page)};
 }
 
