@@ -65,11 +65,22 @@ std::string savable_words() {
   return words;
 }
 
+struct Options {
+  std::string compression;
+  bool interlaced = false;
+  std::optional<int> quality;
+  bool progressive = false;
+};
+
 // What the format, a name or an ending, and its options ask for.
-Saving saving_for(const std::string& format, const std::string& compression, bool interlaced) {
+Saving saving_for(const std::string& format, const Options& options) {
+  const auto& [compression, interlaced, quality, progressive] = options;
   const FileFormat* const kind = savable(programs::picture_format_called(format));
   if (kind == nullptr) throw Problem(Fault::kWrongUse, "\"" + format + "\" is none of " + savable_words());
-  Saving saving{.format = kind, .interlaced = interlaced};
+  Saving saving{.format = kind, .interlaced = interlaced, .quality = quality.value_or(0), .progressive = progressive};
+  if ((quality || progressive) && kind->code != FormatCode::kJpeg)
+    throw Problem(Fault::kWrongUse, "only JPEG files have a quality and can be progressive");
+  if (quality && (*quality < 1 || *quality > 100)) throw Problem(Fault::kWrongUse, "a quality is from 1 to 100");
   if (interlaced && kind->code != FormatCode::kGif) throw Problem(Fault::kWrongUse, "only GIF files can be interlaced");
   if (compression.empty()) return saving;
   if (kind->code == FormatCode::kTga && (compression == "rle" || compression == "none")) {
@@ -84,9 +95,9 @@ Saving saving_for(const std::string& format, const std::string& compression, boo
   return saving;
 }
 
-void save(const Picture& picture, const std::filesystem::path& path, const std::string& format,
-          const std::string& compression, bool interlaced, int page) {
-  const Saving saving = saving_for(format, compression, interlaced);
+void save(const Picture& picture, const std::filesystem::path& path, const std::string& format, int page,
+          const std::string& compression, bool interlaced, std::optional<int> quality, bool progressive) {
+  const Saving saving = saving_for(format, {compression, interlaced, quality, progressive});
   if (page > 1 && !saving.format->holds_pages)
     throw Problem(Fault::kWrongUse, std::string(saving.format->name) + " files hold one page; use TIFF or DCX for several");
   unlocked([&] { programs::save_page(path, suited(picture.lent(), saving), saving, page); });
@@ -111,7 +122,7 @@ void bind_files(py::module_& module) {
         return py::bytes(bytes.data(), bytes.size());
       });
   module.def("save", &save);
-  module.def("holds_pages", [](const std::string& format) { return saving_for(format, "", false).format->holds_pages; });
+  module.def("holds_pages", [](const std::string& format) { return saving_for(format, {}).format->holds_pages; });
   module.def("format_for_name", [](const std::string& name) -> std::optional<std::string> {
     const FileFormat* const format = savable(programs::picture_format_for_name(name));
     return format == nullptr ? std::nullopt : std::optional<std::string>(format->word);

@@ -190,6 +190,19 @@ def test_files_in_memory_are_those_on_disk(format, tmp_path, vorel):
     assert vorel32.count_pages(content, name=name) == 1
 
 
+def test_jpeg_takes_the_options_of_the_command(tmp_path, vorel):
+    picture = Image.from_array(noise((40, 30, 3)), dpi=300)
+    picture.save(tmp_path / "in.bmp")
+    for options, words in [({"quality": 20}, ["--quality", 20]), ({"progressive": True}, ["--progressive"])]:
+        picture.save(tmp_path / "ours.jpg", **options)
+        vorel("convert", tmp_path / "in.bmp", tmp_path / "theirs.jpg", "--overwrite", *words)
+        content = (tmp_path / "ours.jpg").read_bytes()
+        assert content == (tmp_path / "theirs.jpg").read_bytes() == picture.to_bytes("jpeg", **options) != picture.to_bytes("jpeg")
+    for format, options in [("jpeg", {"quality": 0}), ("jpeg", {"quality": 101}), ("png", {"quality": 50}), ("gif", {"progressive": True})]:
+        with pytest.raises(vorel32.UsageError):
+            picture.to_bytes(format, **options)
+
+
 def test_tga_is_known_by_its_name_wherever_it_lies(tmp_path):
     content = Image.from_array(noise((4, 4))).to_bytes("tga", compression="none")
     with pytest.raises(vorel32.FormatError, match="not recognised"):

@@ -315,12 +315,15 @@ class Image:
     # ---- Saving ----
 
     def save(self, target: Writable, format: str | None = None, *, compression: str | None = None, interlaced: bool = False,
-             append: bool = False, overwrite: bool = True) -> None:  # fmt: skip
+             quality: int | None = None, progressive: bool = False, append: bool = False, overwrite: bool = True) -> None:  # fmt: skip
         """Writes the picture. Raises OutputError if a byte cannot be written; the file is not read back.
 
         target       a path, whose file appears whole or not at all, or a file object open in binary mode
         format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png or a portable map (pnm, pbm, pgm, ppm); without it the ending of the name tells
         compression  of TIFF none, huffman, g3, g4, lzw, jpeg, deflate, packbits; of TGA none, rle
+        interlaced   of GIF
+        quality      of JPEG, from 1 to 100; without it 75
+        progressive  of JPEG: the picture builds up while it loads
         append       adds a page to a TIFF, DCX or PNM file that is there; that happens in place
         overwrite    False: a file that is there is left alone, and OutputError raised
 
@@ -332,10 +335,11 @@ class Image:
         2
         """
         word = format_of(target, format)
+        options = {"compression": compression, "interlaced": interlaced, "quality": quality, "progressive": progressive}
         if not isinstance(target, (str, os.PathLike)):
             if append:
                 raise UsageError("pages are added to files with a path")
-            target.write(self.to_bytes(word, compression=compression, interlaced=interlaced))
+            target.write(self.to_bytes(word, **options))
             return
         path = os.fspath(target)
         exists = os.path.exists(path)
@@ -343,26 +347,28 @@ class Image:
             file = Source(path, None)
             if file.format != word:
                 raise UsageError(f"a {word} page cannot be added to a {file.format} file", path)
-            self._write(path, word, compression, interlaced, file.count_pages() + 1)
+            self._write(path, word, file.count_pages() + 1, **options)
             return
         if exists and not overwrite:
             raise OutputError("there is a file of this name already; give another name or overwrite=True", path)
         with replaced(os.path.realpath(path)) as scratch:
-            self._write(scratch, word, compression, interlaced, 1)
+            self._write(scratch, word, 1, **options)
 
-    def to_bytes(self, format: str, *, compression: str | None = None, interlaced: bool = False) -> bytes:
+    def to_bytes(self, format: str, *, compression: str | None = None, interlaced: bool = False, quality: int | None = None,
+                 progressive: bool = False) -> bytes:  # fmt: skip
         """The file that `save` would write, without writing one.
 
         >>> Image.open("scan.tif").to_bytes("png")[1:4]
         b'PNG'
         """
         memory = _vorel32.MemoryFile()
-        self._write(str(memory.path), format_of("", format), compression, interlaced, 1)
+        self._write(str(memory.path), format_of("", format), 1, compression, interlaced, quality, progressive)
         return memory.content()
 
-    def _write(self, path: str, format: str, compression: str | None, interlaced: bool, page: int) -> None:
+    def _write(self, path: str, format: str, page: int, compression: str | None = None, interlaced: bool = False,
+               quality: int | None = None, progressive: bool = False) -> None:  # fmt: skip
         try:
-            _vorel32.save(self.picture, path, format, compression or "", interlaced, page)
+            _vorel32.save(self.picture, path, format, page, compression or "", interlaced, quality, progressive)
         except Error as error:
             raise error.about(self.file, self.page)
 
@@ -740,7 +746,7 @@ def save_pages(target: str | os.PathLike[str], images: Iterable[Image | None], *
     count = 0
     with replaced(path) as scratch:
         for count, image in enumerate((image for image in images if image is not None), 1):
-            image._write(scratch, word, compression, False, count)
+            image._write(scratch, word, count, compression)
         if count == 0:
             raise UsageError("there are no pages to save", path)
     return count
