@@ -12,6 +12,7 @@ namespace vorel::cli {
 enum class ExitCode {
   kDone = 0,
   kSomeFailed = 1,
+  kDifferent = 1,
   kWrongUse = 2,
   kInput = 3,
   kFormat = 4,

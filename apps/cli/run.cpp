@@ -25,7 +25,7 @@ constexpr const char* kStepGroup = "Verbs that change pages, also the steps of \
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0  done, and all of the output was written\n"
-    "  1  some of several inputs failed, or all of them for different reasons\n"
+    "  1  some of several inputs failed, or all of them for different reasons; or \"compare\" found a difference\n"
     "  2  wrong use: an unknown verb, option or value\n"
     "  3  the input is missing or cannot be read\n"
     "  4  the format is not recognised, damaged or not supported, or --strict found a loss\n"

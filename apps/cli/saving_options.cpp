@@ -48,9 +48,9 @@ bool has_ending(const std::string& name) {
 
 }  // namespace
 
-void SavingOptions::declare(Arguments& arguments, bool offers_numbering) {
+void SavingOptions::declare(Arguments& arguments, Offered offered) {
   arguments.flag("--overwrite", overwrite, "replace OUT if it exists (default: leave it alone and fail)");
-  if (offers_numbering)
+  if (offered.numbering)
     arguments.flag("--numbered", numbered, "write each page as a file of its own: OUT with -1, -2, ... before its ending");
   arguments.option("--to", to, "FORMAT",
                    fmt::format("format of OUT: {} (default: by its ending)", fmt::join(saving_words(), ", ")),
@@ -60,7 +60,8 @@ void SavingOptions::declare(Arguments& arguments, bool offers_numbering) {
   arguments.option("--quality", quality, "N", "of a JPEG file, 1 to 100 (default: 75)", {1, 100});
   arguments.flag("--progressive", progressive, "store a JPEG file so that it builds up (default: from top to bottom)");
   arguments.flag("--interlaced", interlaced, "store the rows of a GIF interlaced (default: in order)");
-  arguments.flag("--strict", is_strict, "fail where OUT has no room for something of IN (default: note it and go on)");
+  if (offered.strict)
+    arguments.flag("--strict", is_strict, "fail where OUT has no room for something of IN (default: note it and go on)");
 }
 
 Saving SavingOptions::saving_for(const std::string& output) const {

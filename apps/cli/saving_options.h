@@ -13,7 +13,12 @@ struct SavingOptions {
   int quality = 0;
   bool progressive = false, interlaced = false, overwrite = false, numbered = false, is_strict = false;
 
-  void declare(Arguments& arguments, bool offers_numbering = true);
+  // Verbs may leave these options out.
+  struct Offered {
+    bool numbering = true, strict = true;
+  };
+  void declare(Arguments& arguments, Offered offered);
+  void declare(Arguments& arguments) { declare(arguments, {}); }
 
   // How to save under a name. Throws Failure if that and the options do not tell, or do not go together.
   programs::Saving saving_for(const std::string& output) const;

@@ -29,9 +29,9 @@ struct Verb {
 };
 
 // In the order of the help. Every step (step.h) is a verb besides.
-extern const Verb kInfo, kConvert, kRun, kBatch, kPages, kCut, kCombine, kHistogram, kText, kPrint;
-inline constexpr const Verb* kVerbs[] = {&kInfo, &kConvert, &kRun,       &kBatch, &kPages,
-                                         &kCut,  &kCombine, &kHistogram, &kText,  &kPrint};
+extern const Verb kInfo, kConvert, kRun, kBatch, kPages, kCut, kCombine, kCompare, kHistogram, kText, kPrint;
+inline constexpr const Verb* kVerbs[] = {&kInfo,    &kConvert, &kRun,       &kBatch, &kPages, &kCut,
+                                         &kCombine, &kCompare, &kHistogram, &kText,  &kPrint};
 
 // Does the same for each of several files: one that fails is reported and left out. Returns the code for all of them.
 ExitCode each_file(const std::vector<std::string>& files, const Streams& streams,

@@ -1,7 +1,5 @@
 // Colours, greys, filters, and fewer of both.
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <fmt/format.h>
 
 #include "common/forms.h"
@@ -79,23 +77,6 @@ Picture prepared_to_reduce(Picture picture, int bits) {
 
 constexpr DitherMethod kDitherMethods[] = {
     {"fs", DitherFS4, 8}, {"jjn", DitherJJN, 8}, {"smooth", DitherSmooth, 4}, {"sharp", DitherSharp, 4}};
-
-// Of rows of 1 bit per pixel. Bits past the width do not count.
-uint64_t differing_bits(std::span<const uint8_t> a, std::span<const uint8_t> b, int width) {
-  uint64_t count = 0;
-  const auto whole = static_cast<size_t>(width) / 8;
-  size_t i = 0;
-  for (; i + sizeof(uint64_t) <= whole; i += sizeof(uint64_t)) {
-    uint64_t first = 0, second = 0;
-    std::memcpy(&first, a.data() + i, sizeof first);
-    std::memcpy(&second, b.data() + i, sizeof second);
-    count += static_cast<uint64_t>(std::popcount(first ^ second));
-  }
-  for (; i < whole; ++i) count += static_cast<uint64_t>(std::popcount(static_cast<uint8_t>(a[i] ^ b[i])));
-  if (width % 8 != 0)
-    count += static_cast<uint64_t>(std::popcount(static_cast<uint8_t>((a[whole] ^ b[whole]) >> (8 - width % 8))));
-  return count;
-}
 
 }  // namespace
 
@@ -206,23 +187,6 @@ LevelCounts count_levels(const Picture& picture) {
       }
   });
   return counts;
-}
-
-uint64_t count_differences(const Picture& a, const Picture& b) {
-  uint64_t count = 0;
-  const DibView first = a.pixels(), second = b.pixels();
-  if (a.depth() == 1) {
-    for (int y = 0; y < first.height(); ++y) count += differing_bits(first.row(y), second.row(y), first.width());
-    return count;
-  }
-  with_depth(a.depth(), [&](auto depth) {
-    for (int y = 0; y < first.height(); ++y)
-      for (int x = 0; x < first.width(); ++x) {
-        const bool same = Pixel<depth>::load(first.row(y).data(), x) == Pixel<depth>::load(second.row(y).data(), x);
-        count += same ? 0 : 1;
-      }
-  });
-  return count;
 }
 
 }  // namespace vorel::programs

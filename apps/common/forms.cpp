@@ -21,6 +21,15 @@ std::vector<Rgb> whole_table_of(const Picture& picture) {
 // Five bits as eight: the upper ones again below them.
 constexpr uint8_t widened(uint32_t five_bits) { return static_cast<uint8_t>(five_bits << 3 | five_bits >> 2); }
 
+Picture narrowed(const Picture& picture) {
+  Picture result = blank_like(picture, {picture.width(), picture.height()}, 24);
+  const DibView from = picture.pixels(), to = result.pixels();
+  for (int y = 0; y < from.height(); ++y) row_in_true_color(from.row(y), to.row(y).data(), from.width(), from.depth());
+  return result;
+}
+
+}  // namespace
+
 void row_in_true_color(std::span<const uint8_t> from, uint8_t* to, int width, int depth) {
   for (int x = 0; x < width; ++x, to += 3) {
     if (depth == 32) {
@@ -34,15 +43,6 @@ void row_in_true_color(std::span<const uint8_t> from, uint8_t* to, int width, in
     to[2] = widened(value >> 10 & 31);
   }
 }
-
-Picture narrowed(const Picture& picture) {
-  Picture result = blank_like(picture, {picture.width(), picture.height()}, 24);
-  const DibView from = picture.pixels(), to = result.pixels();
-  for (int y = 0; y < from.height(); ++y) row_in_true_color(from.row(y), to.row(y).data(), from.width(), from.depth());
-  return result;
-}
-
-}  // namespace
 
 Picture expanded(Picture picture) {
   if (!picture.is_compressed()) return picture;

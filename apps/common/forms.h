@@ -15,6 +15,9 @@ Picture upright(Picture picture);
 // have besides colours is dropped.
 Picture workable(Picture picture);
 
+// A row of 16 or 32 bits to a pixel in that form, with 24 bits.
+void row_in_true_color(std::span<const uint8_t> from, uint8_t* to, int width, int depth);
+
 // A colour table of as many entries as the depth has, where it is shorter: most of the library assumes that.
 Picture with_whole_table(Picture picture);
 

@@ -108,7 +108,16 @@ Picture combined(Picture base, Picture overlay, std::optional<Picture> mask, Cor
 using LevelCounts = std::array<uint64_t, 256>;
 LevelCounts count_levels(const Picture& picture);
 
-// Pixels that are not the same numbers in two pictures of one size and depth.
-uint64_t count_differences(const Picture& a, const Picture& b);
+// ---- Comparing ----
+
+struct Comparison {
+  Size size;               // the compared part: what both have at the upper left
+  uint64_t different = 0;  // pixels with a component that differs by more than the threshold
+  int largest = 0;         // difference of a component
+};
+
+// By the colours that are seen, in whatever form each picture has them. The fourth byte of 32 bits is no colour.
+//   drawing  gets a picture of the differences: red on the first picture in pale greys
+Comparison compared(const Picture& a, const Picture& b, int threshold = 0, Picture* drawing = nullptr);
 
 }  // namespace vorel::programs

@@ -166,9 +166,9 @@ TEST(Specks, AgreeWithFilling) {
             Pixel<1>::store(page.pixels().row(y).data(), x, (random() >> 8) % density != 0);
         for (const auto& [colors, color] : {std::pair(SpeckColors::kInk, 0u), std::pair(SpeckColors::kPaper, 1u)}) {
           const Despeckled done = despeckled(page.copy(), most, colors);
-          EXPECT_EQ(count_differences(done.picture, plainly_despeckled(page.copy(), most, color)), 0u)
+          EXPECT_EQ(compared(done.picture, plainly_despeckled(page.copy(), most, color)).different, 0u)
               << size.width << " wide, one in " << density;
-          EXPECT_EQ(count_differences(done.picture, page), done.pixels);
+          EXPECT_EQ(compared(done.picture, page).different, done.pixels);
         }
       }
   EXPECT_THROW(despeckled(blank_page({2, 2}, 8, Table::kGray, {}), {1, 1}, SpeckColors::kInk), Problem);
@@ -206,7 +206,7 @@ TEST(Threshold, SeparatesTwoTones) {
   EXPECT_EQ(otsu_level(page), (33 + 200 + 1) / 2);
   const auto whites = [&](int level) {
     const Picture result = thresholded(page.copy(), level);
-    return count_differences(result, blank_page({100, 10}, 1, Table::kGray, {}));
+    return compared(result, blank_page({100, 10}, 1, Table::kGray, {})).different;
   };
   EXPECT_EQ(whites(otsu_level(page)), 700u);
   EXPECT_EQ(whites(32), 1000u);

@@ -65,7 +65,7 @@ void Settings::declare(Arguments& arguments) {
                    Naming::wrong);
   declare_pages(arguments, pages);
   declare_dpi(arguments, dpi);
-  saving.declare(arguments, false);
+  saving.declare(arguments, {.numbering = false});
   arguments.option("--max-pixels", most_pixels, "N", "refuse pages of more pixels, such as 200M (default: no limit)",
                    amount_is_wrong);
   arguments.option("--max-memory", most_memory, "N",

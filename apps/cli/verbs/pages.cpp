@@ -85,8 +85,8 @@ Action declare(Arguments& arguments) {
   joining.explain("", "  vorel pages join cover.bmp fax.tif all.tif --compression g4");
 
   // The two write with the same options; only the one that is used fills them in.
-  values->saving.declare(splitting, false);
-  values->saving.declare(joining, false);
+  values->saving.declare(splitting, {.numbering = false});
+  values->saving.declare(joining, {.numbering = false});
   return [values, counting, splitting](const Streams& streams) {
     if (counting.is_given()) return count(values->files, streams);
     if (splitting.is_given()) return split(values->input, values->output, values->saving, streams);

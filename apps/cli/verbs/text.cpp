@@ -67,7 +67,7 @@ Action declare(Arguments& arguments) {
   arguments.required("IN", values->input, "the text file to read; - is standard input");
   declare_output(arguments, values->output);
   arguments.flag("--oem", values->is_oem, "the text is in the OEM code page (default: in the ANSI code page)");
-  values->saving.declare(arguments, false);
+  values->saving.declare(arguments, {.numbering = false});
   return [values](const Streams& streams) { return draw(*values, streams); };
 }
 
