@@ -2,10 +2,12 @@
 # Builds and runs the benchmarks.
 # usage: bench.sh [BENCHMARK_OPTION...]          each operation beside copying the same bytes ("copies") and its plain version ("plain")
 #        bench.sh --peers [OPTION...]            the library beside other libraries, where they are installed (bench/peers/setup.sh)
+#        bench.sh --large [OPTION...]            the library with nine times as many pixels, beside the usual size
 #        bench.sh --dll [OPTION...]              the Windows build under Wine beside the native one
 #        bench.sh --commands [OPTION...]         whole commands beside other programs
-#        bench.sh --note SECTION JSON_FILE...    writes the medians of such runs into docs/speed.md; SECTION is peers, dll or commands
-# The three comparisons print Markdown and keep their figures in build/bench/*.json; OPTION is one of bench/peers, for example
+#        bench.sh --note SECTION JSON_FILE...    writes the medians of such runs into docs/speed.md; SECTION is peers, large, dll or
+#                                                commands
+# The four comparisons print Markdown and keep their figures in build/bench/*.json; OPTION is one of bench/peers, for example
 # --only rotate,conv --repeat 3. Run them on an idle machine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -38,6 +40,11 @@ peers() {
   "$bin/peers_bench" "${participants[@]}" --json build/bench/peers.json "$@"
 }
 
+large() {
+  build native peers_bench peer_ours
+  build/native/bin/peers_bench --large --participant "ours=$PWD/build/native/bin/peer_ours" --json build/bench/large.json "$@"
+}
+
 # Wine's own processes start before the measurement, so that they do not share its core.
 dll() {
   build native peers
@@ -62,6 +69,7 @@ note() {
 
 case "${1:-}" in
   --peers) shift; peers "$@" ;;
+  --large) shift; large "$@" ;;
   --dll) shift; dll "$@" ;;
   --commands)
     shift
@@ -75,6 +83,7 @@ case "${1:-}" in
     program=build/native/bin/peers_bench
     [ "$section" != commands ] || program=build/native/bin/peers_commands
     tables=()
+    [ "$section" != large ] || tables=(--large)
     for file in "$@"; do tables+=(--table "$file"); done
     "$program" "${tables[@]}" | note "$section"
     ;;

@@ -34,6 +34,7 @@ int main(int count, char** values) try {
       ->check(CLI::Range(1, 1000));
   app.add_option("--core", plan.core, "the core to run on (default: the last)");
   app.add_flag("--fresh", is_fresh, "let the C library give freed blocks back, so that results cost new pages");
+  app.add_flag("--large", plan.is_large, "nine times as many pixels, beside the usual size");
   app.add_option("--json", json, "writes the figures to a file");
   app.add_option("--table", tables, "prints the medians of such files instead of measuring");
   CLI11_PARSE(app, count, values);
@@ -44,7 +45,7 @@ int main(int count, char** values) try {
   }
   const peers::Run run = tables.empty() ? peers::measure(plan) : peers::merged(tables);
   if (!json.empty()) std::ofstream(json) << peers::to_json(run);
-  std::cout << peers::markdown(run);
+  std::cout << (plan.is_large ? peers::large_markdown(run) : peers::markdown(run));
 } catch (const std::exception& error) {
   std::cerr << "peers_bench: " << error.what() << '\n';
   return 1;

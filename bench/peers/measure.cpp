@@ -128,6 +128,7 @@ Figures measure_one(const Workload& workload, const Plan& plan, const std::strin
 }  // namespace
 
 bool Plan::takes(const Workload& workload) const {
+  if (is_large ? !is_in_two_sizes(workload) : workload.kind == Kind::kLarge) return false;
   return prefixes.empty() ||
          std::ranges::any_of(prefixes, [&](const std::string& prefix) { return workload.name.starts_with(prefix); });
 }

@@ -19,6 +19,7 @@ struct Plan {
   int repetitions = 7;
   int core = 0;
   bool keeps_memory = true;
+  bool is_large = false;  // workloads in two sizes; otherwise all but the large ones
 
   bool takes(const Workload& workload) const;
 };

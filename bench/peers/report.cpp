@@ -77,25 +77,6 @@ std::string peers_table(const Run& run, Kind kind) {
       ratios.ahead(), ratios.count(), ratios.count() == 0 ? 0 : ratios.mean(), ratios.worst(), rows);
 }
 
-std::string large_table(const Run& run) {
-  constexpr std::string_view kEnding = "-large";
-  Ratios ratios;
-  std::string rows;
-  for (const Workload& workload : workloads()) {
-    if (workload.kind != Kind::kLarge) continue;
-    const std::string_view usual = workload.name.substr(0, workload.name.size() - kEnding.size());
-    const auto large = figure_of(run, workload.name, "ours"), small = figure_of(run, usual, "ours");
-    if (!large || !small) continue;
-    ratios.add(usual, *large / *small);
-    rows += fmt::format("| {} | {} | {} | {:.2f} |\n", usual, shown(*small), shown(*large), *large / *small);
-  }
-  if (rows.empty()) return {};
-  return fmt::format(
-      "### Nine times as many pixels\n\nGeometric mean {:.2f}; worst {}.\n\n"
-      "| workload | usual | large | large / usual |\n| --- | ---: | ---: | ---: |\n{}",
-      ratios.mean(), ratios.worst(), rows);
-}
-
 // "Call" is what a call of the DLL costs without its pixels, "fresh" among the participants.
 std::string builds_table(const Run& run) {
   Ratios all, net;
@@ -139,8 +120,24 @@ std::string markdown(const Run& run) {
   std::string text = peers_table(run, Kind::kCounted);
   if (const std::string beyond = peers_table(run, Kind::kBeyond); !beyond.empty())
     text += "\n### Other sizes, angles, ratios, palettes and kernels\n\n" + beyond;
-  if (const std::string large = large_table(run); !large.empty()) text += "\n" + large;
   return text;
+}
+
+std::string large_markdown(const Run& run) {
+  Ratios ratios;
+  std::string rows;
+  for (const Workload& workload : workloads()) {
+    if (workload.kind != Kind::kLarge) continue;
+    const std::string_view usual = workload.usual_name();
+    const auto large = figure_of(run, workload.name, "ours"), small = figure_of(run, usual, "ours");
+    if (!large || !small) continue;
+    ratios.add(usual, *large / *small);
+    rows += fmt::format("| {} | {} | {} | {:.2f} |\n", usual, shown(*small), shown(*large), *large / *small);
+  }
+  return fmt::format(
+      "Geometric mean {:.2f}; worst {}.\n\n"
+      "| workload | usual | large | large / usual |\n| --- | ---: | ---: | ---: |\n{}",
+      ratios.count() == 0 ? 0 : ratios.mean(), ratios.worst(), rows);
 }
 
 }  // namespace peers

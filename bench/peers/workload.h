@@ -75,6 +75,8 @@ struct Workload {
   const Kernel* kernel = nullptr;
 
   Extent result() const;
+  // The row that a large one is compared with.
+  std::string_view usual_name() const;
   // What a figure is divided by: the pixels of the source; of scaling, those of the larger of source and result.
   double pixels() const;
   // Bytes that the operation has to read and write.
@@ -83,6 +85,9 @@ struct Workload {
 
 std::span<const Workload> workloads();
 const Workload* find_workload(std::string_view name);
+
+// Whether it is large, or usual and there is a large one.
+bool is_in_two_sizes(const Workload& workload);
 
 inline constexpr int kSquare = 256, kMiddle = 128;
 

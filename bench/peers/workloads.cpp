@@ -201,6 +201,17 @@ const Workload* find_workload(std::string_view name) {
   return found == std::end(kWorkloads) ? nullptr : found;
 }
 
+bool is_in_two_sizes(const Workload& workload) {
+  return std::ranges::any_of(kWorkloads, [&](const Workload& other) {
+    return other.kind == kLarge && (other.name == workload.name || other.usual_name() == workload.name);
+  });
+}
+
+std::string_view Workload::usual_name() const {
+  constexpr std::string_view kEnding = "-large";
+  return name.ends_with(kEnding) ? name.substr(0, name.size() - kEnding.size()) : name;
+}
+
 Extent Workload::result() const {
   Extent to = source;
   switch (operation) {
