@@ -150,8 +150,9 @@ TEST_F(CliFormats, CameraPicturesComeUpright) {
     EXPECT_EQ(header.biWidth, is_turned ? 16 : 32);
     EXPECT_EQ(header.biXPelsPerMeter, is_turned ? 4724 : 9449);
     std::string found;
-    for (const int y : {header.biHeight - 4, 3})
-      for (const int x : {3, header.biWidth - 4}) found += static_cast<char>('0' + (color_at(out, x, y).rgbRed + 8) / 64);
+    for (const int y : {static_cast<int>(header.biHeight) - 4, 3})
+      for (const int x : {3, static_cast<int>(header.biWidth) - 4})
+        found += static_cast<char>('0' + (color_at(out, x, y).rgbRed + 8) / 64);
     EXPECT_EQ(found, quarters[orientation]);
     ASSERT_EQ(run({"info", file, "--json"}), 0) << err_;
     EXPECT_THAT(out_.str(),
