@@ -133,7 +133,8 @@ TEST_F(CliBatch, GoodFilesAmongBadOnesComeThrough) {
       run({"batch", "invert", "--files-from", "-", "--recursive", "--json", "--out", at("out"), "--name", "{name}"}, list),
       1);
   for (const char* bad : {"empty.bmp: ", "cut.bmp: ", "text.tif: ", "nnn.bmp: "}) EXPECT_THAT(err_, HasSubstr(bad));
-  EXPECT_THAT(names(), UnorderedElementsAre("b a'd.bmp", "-dash.bmp", "\xC3\xA4\xE2\x82\xAC.bmp", "z.bmp"));
+  const std::u8string foreign = fs::path("\xC3\xA4\xE2\x82\xAC.bmp").u8string();  // a narrow name as the system takes it
+  EXPECT_THAT(names(), UnorderedElementsAre("b a'd.bmp", "-dash.bmp", std::string(foreign.begin(), foreign.end()), "z.bmp"));
   std::istringstream lines(out_.str());
   std::map<std::string, int> count;
   for (std::string line; std::getline(lines, line);) {
