@@ -45,10 +45,10 @@ class OpenDib {
   DibView pixels() const { return pixels_in(bytes(), header(), layout_); }
   // The block has all bytes.
   bool is_complete() const { return bytes_.held() == bytes_.bytes().size(); }
-  // The rows of which the block holds a byte; the rows behind them are zero. A few bytes can claim a large picture: where zeros
-  // stay zeros, kernels need no others.
+  // The rows that lie in the block at least in part; all rows behind them are zero. A block of a few bytes can claim a large
+  // picture: an operation that leaves zeros as they are needs only these rows.
   ConstDibView held_rows() const { return pixels().first_rows(held_row_count()); }
-  // The same without the columns behind the last byte that is held, if that is in the first row.
+  // The same, cut at the last byte of the block if that lies in the first row.
   ConstDibView held_pixels() const {
     const ConstDibView rows = held_rows();
     if (rows.height() != 1 || rows.depth() == 0) return rows;

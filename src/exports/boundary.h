@@ -94,6 +94,15 @@ auto at_silent_boundary(Body&& body) {
   return at_boundary(Nobody{}, std::forward<Body>(body));
 }
 
+// The same for work without a result.
+template <class Work>
+void quietly(Work work) {
+  at_silent_boundary([&]() -> Result<bool> {
+    work();
+    return true;
+  });
+}
+
 // Runs an operation that makes a GDI object and hands the object to the caller.
 template <class Make>
 auto object_for_caller(Make make) {

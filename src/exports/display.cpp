@@ -12,15 +12,6 @@ namespace {
 
 constexpr LRESULT kHandled = 0, kNoWindow = 1;
 
-// Runs work that reports no error.
-template <class Work>
-void quietly(Work work) {
-  at_silent_boundary([&]() -> Result<bool> {
-    work();
-    return true;
-  });
-}
-
 // Message handlers that need the window. Without a state they do nothing.
 template <class Work>
 LRESULT handle(HWND window, ImgDisplayState* state, Work work) {

@@ -3,7 +3,7 @@
 
 #include "display/rubber_band.h"
 #include "display/zoom_ratio.h"
-#include "frame/usual_arithmetic.h"
+#include "exports/boundary.h"
 
 using namespace vorel;
 using namespace vorel::display;
@@ -32,8 +32,7 @@ void VORELCALL BZoomUpdate(HWND window, const POINT* mouse, ImgZoomTracker* trac
 }
 
 void VORELCALL BZoomEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgDisplayState* state) {
-  const UsualArithmetic arithmetic;
-  if (tracker != nullptr && state != nullptr) end_zoom(window, end, *tracker, *state);
+  if (tracker != nullptr && state != nullptr) quietly([&] { end_zoom(window, end, *tracker, *state); });
 }
 
 void VORELCALL BZoomStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker, ImgDisplayState* state) {
@@ -41,8 +40,7 @@ void VORELCALL BZoomStep(HWND window, const RECT* current, int mode, ImgZoomTrac
 }
 
 void VORELCALL BZoomScreenEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgScreenZoom* state) {
-  const UsualArithmetic arithmetic;
-  if (tracker != nullptr && state != nullptr) end_screen_zoom(window, end, *tracker, *state);
+  if (tracker != nullptr && state != nullptr) quietly([&] { end_screen_zoom(window, end, *tracker, *state); });
 }
 
 void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker, ImgScreenZoom* state) {
@@ -50,8 +48,8 @@ void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZo
 }
 
 void VORELCALL Zoom(HWND window, LPARAM start, int* zoom) {
-  const UsualArithmetic arithmetic;
-  if (zoom != nullptr) drag_zoom(window, {static_cast<int16_t>(LOWORD(start)), static_cast<int16_t>(HIWORD(start))}, zoom);
+  const POINT from = {static_cast<int16_t>(LOWORD(start)), static_cast<int16_t>(HIWORD(start))};
+  if (zoom != nullptr) quietly([&] { drag_zoom(window, from, zoom); });
 }
 
 }  // extern "C"

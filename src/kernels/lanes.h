@@ -47,6 +47,16 @@ template <class V>
   std::memcpy(to, &vector, sizeof vector);
 }
 
+// Stores a mask whose first bit is the lowest, or as many of its bytes as there is room for.
+template <class Mask>
+[[gnu::always_inline]] inline void store_mask(Mask mask, uint8_t* to, size_t room) {
+  // The usual case has a constant size, and is a single store.
+  if (room >= sizeof mask)
+    std::memcpy(to, &mask, sizeof mask);
+  else
+    std::memcpy(to, &mask, room);
+}
+
 // Calls step.operator()<V>(x) for vectors V of bytes from x on, until all of [begin, end) is done. The last vector may overlap the
 // one before it, so a step must not read results.
 template <class Step>

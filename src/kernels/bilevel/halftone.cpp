@@ -131,10 +131,7 @@ void compare_row(const LuminancePlane& plane, int y, const std::array<uint8_t, k
     for (size_t i = 0; i < count; i += kVectorBytes) {
       const Mask white = white_pixels(load<Bytes>(levels + i), limits);
       const auto to = bits.subspan((static_cast<size_t>(x) + i) / 8);
-      if (to.size() >= sizeof white)
-        std::memcpy(to.data(), &white, sizeof white);
-      else
-        std::memcpy(to.data(), &white, to.size());
+      store_mask(white, to.data(), to.size());
     }
   }
 }

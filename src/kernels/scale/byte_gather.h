@@ -4,11 +4,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <span>
-#ifdef __SSSE3__
-#include <immintrin.h>
-#endif
 
 #include "core/arena.h"
+#include "kernels/lanes.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
 
@@ -73,30 +71,28 @@ class ByteGather {
   void shuffle(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
     for (size_t i = begin; i < end; i += kBlock, to += kBlock) {
       const uint8_t* const from = row + first_[i / kBlock];
-      const __m512i at = _mm512_loadu_si512(relative_.data() + i);
-      __m512i picked = _mm512_permutex2var_epi8(_mm512_loadu_si512(from), at, _mm512_loadu_si512(from + 64));
+      const auto at = load<Bytes64>(relative_.data() + i);
+      Bytes64 bytes = picked(load<Bytes64>(from), load<Bytes64>(from + 64), at);
       if constexpr (kWindows == 2) {
-        const __m512i further = _mm512_permutex2var_epi8(_mm512_loadu_si512(from + 128), at, _mm512_loadu_si512(from + 192));
-        picked = _mm512_mask_mov_epi8(picked, _mm512_movepi8_mask(at), further);
+        const Bytes64 further = picked(load<Bytes64>(from + 128), load<Bytes64>(from + 192), at);
+        bytes = at < kWindow ? bytes : further;
       }
-      _mm512_storeu_si512(to, picked);
+      store(to, bytes);
     }
   }
 #elif defined(__SSSE3__)
   template <int kWindows>
   void shuffle(const uint8_t* row, size_t begin, size_t end, uint8_t* to) const {
-    const __m128i width = _mm_set1_epi8(kWindow),
-                  beyond = _mm_set1_epi8(0x70);  // lifts 16 and more to values for which a shuffle gives 0
+    const auto beyond = _mm_set1_epi8(0x70);  // lifts 16 and more to values for which a shuffle gives 0
     for (size_t i = begin; i < end; i += kBlock, to += kBlock) {
       const uint8_t* const from = row + first_[i / kBlock];
-      __m128i at = _mm_loadu_si128(reinterpret_cast<const __m128i*>(relative_.data() + i));
-      __m128i picked = _mm_setzero_si128();
-      for (int window = 0; window < kWindows; ++window) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + window * static_cast<int>(kWindow)));
-        picked = _mm_or_si128(picked, _mm_shuffle_epi8(bytes, window + 1 < kWindows ? _mm_adds_epu8(at, beyond) : at));
-        at = _mm_sub_epi8(at, width);
+      auto at = load<Bytes16>(relative_.data() + i);
+      Bytes16 bytes{};
+      for (int window = 0; window < kWindows; ++window, at -= kWindow) {
+        const auto places = window + 1 < kWindows ? (Bytes16)_mm_adds_epu8((__m128i)at, beyond) : at;
+        bytes |= picked(load<Bytes16>(from + static_cast<size_t>(window) * kWindow), places);
       }
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(to), picked);
+      store(to, bytes);
     }
   }
 #endif

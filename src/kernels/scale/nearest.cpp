@@ -1,10 +1,8 @@
 #include <cstring>
-#ifdef __SSSE3__
-#include <immintrin.h>
-#endif
 
 #include "core/arena.h"
 #include "core/row_writer.h"
+#include "kernels/lanes.h"
 #include "kernels/scale/functions.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
@@ -86,11 +84,7 @@ class BitGather {
   void pick(const uint8_t* from, const uint8_t* end, uint8_t* to, size_t to_bytes) const {
     for (size_t block = 0; block * kBlock < count_; ++block, to += sizeof(Mask)) {
       const Mask mask = tested(from + first_bytes_[block], end, at(relative_, block), at(bits_, block));
-      const size_t left = to_bytes - block * sizeof mask;
-      if (left >= sizeof mask)
-        std::memcpy(to, &mask, sizeof mask);
-      else
-        std::memcpy(to, &mask, left);
+      store_mask(mask, to, to_bytes - block * sizeof mask);
     }
   }
 
@@ -119,9 +113,7 @@ class BitGather {
 #endif
 
   static Vector at(std::span<const uint8_t> table, size_t block) {
-    Vector vector;
-    std::memcpy(&vector, table.data() + block * kBlock, sizeof vector);
-    return vector;
+    return kernels::VOREL_LEVEL::load<Vector>(table.data() + block * kBlock);
   }
 
   void add(int column) {

@@ -13,8 +13,8 @@
 namespace vorel::kernels::VOREL_LEVEL {
 
 // The entry of a colour table with the smallest sum of the squared distances in red, green and blue; ties go to the first.
-// Colours are sorted into cubes of 16 x 16 x 16, and a cube's colours into eight cells. A cube and a cell keep the entries that can be nearest to a
-// colour in them, found on their first use.
+// Colour space is divided into cubes of 16 x 16 x 16 colours, and each cube into eight cells. Cubes and cells list the entries that
+// can be nearest to one of their colours; a list is made on its first use.
 class NearestColorMap {
  public:
   // At most 256 colours, at least one.
@@ -77,8 +77,8 @@ class NearestColorMap {
     return ++cubes_used_;
   }
 
-  // How much further than `other` a colour lies, at the least, from any point of the box. The difference of two squared distances is
-  // linear in each component, so it is least at a corner.
+  // The least difference of squared distances, that of `color` less that of `other`, over all points of the box. It is linear in
+  // each component, so it is least at a corner.
   static int least_excess(Rgb color, Rgb other, const Box& box) {
     const auto along = [&](int begin, int a, int b) {
       const int point = a > b ? begin + box.side - 1 : begin;
@@ -88,7 +88,8 @@ class NearestColorMap {
            along(box.corner.red, color.red, other.red);
   }
 
-  // Without the entries that lose everywhere in the box to the one that is nearest to its middle. The list itself if the pool is full.
+  // The entries of a list, without those that the one nearest to the middle of the box beats everywhere in it. The whole list if
+  // the pool is full.
   List chosen(List list, const Box& box) {
     const std::span<const uint8_t> entries(&pool_[list.first], list.count);
     if (entries.size() > kPoolBytes - used_) return list;

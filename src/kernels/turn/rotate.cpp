@@ -220,29 +220,16 @@ class ExactPixels {
       return most < -kMargin || least > size + kMargin;
     };
     if (!is_outside(x_at_, step_.x, source_.width) && !is_outside(y_at_, step_.y, source_.height)) return false;
-    const Doubles x_step = Doubles::all(step_.x), y_step = Doubles::all(step_.y);
-    for (int row = 0; row < kRows; row += Doubles::kCount) {
-      Doubles x = Doubles::load(x_at_ + row), y = Doubles::load(y_at_ + row);
-      for (int column = 0; column < count; ++column, x = x + x_step, y = y + y_step) {
-      }
-      x.store(x_at_ + row);
-      y.store(y_at_ + row);
-    }
+    step_columns(count, [](int, int, const Doubles&, const Doubles&) {});
     return true;
   }
 
   void start_tile(int, int count) {
     count_ = count;
-    const Doubles x_step = Doubles::all(step_.x), y_step = Doubles::all(step_.y);
-    for (int row = 0; row < kRows; row += Doubles::kCount) {
-      Doubles x = Doubles::load(x_at_ + row), y = Doubles::load(y_at_ + row);
-      for (int column = 0; column < count; ++column, x = x + x_step, y = y + y_step) {
-        x.store_rounded(&x_[column][row]);
-        y.store_rounded(&y_[column][row]);
-      }
-      x.store(x_at_ + row);
-      y.store(y_at_ + row);
-    }
+    step_columns(count, [this](int row, int column, const Doubles& x, const Doubles& y) {
+      x.store_rounded(&x_[column][row]);
+      y.store_rounded(&y_[column][row]);
+    });
   }
 
   Range range(int row) const {
@@ -268,6 +255,19 @@ class ExactPixels {
 
  private:
   static constexpr double kMargin = 2;  // pixels; rounding moves positions by far less
+
+  // Steps column by column, also past columns that nobody looks at: every addition is rounded, and the roundings add up. Calls
+  // take(row, column, x, y) for groups of rows.
+  template <class Take>
+  [[gnu::always_inline]] void step_columns(int count, Take take) {
+    const Doubles x_step = Doubles::all(step_.x), y_step = Doubles::all(step_.y);
+    for (int row = 0; row < kRows; row += Doubles::kCount) {
+      Doubles x = Doubles::load(x_at_ + row), y = Doubles::load(y_at_ + row);
+      for (int column = 0; column < count; ++column, x = x + x_step, y = y + y_step) take(row, column, x, y);
+      x.store(x_at_ + row);
+      y.store(y_at_ + row);
+    }
+  }
 
   Size source_;
   Point step_, row_step_;
