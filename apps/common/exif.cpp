@@ -19,7 +19,7 @@ enum Tag : uint32_t { kOrientation = 0x112, kXResolution = 0x11A, kYResolution =
 // A TIFF header and directory in memory. What lies outside reads as 0.
 class Directory {
  public:
-  explicit Directory(std::span<const uint8_t> bytes) : bytes_(bytes), is_big_endian_(number(0, 1) == 'M') {
+  explicit Directory(std::span<const uint8_t> bytes) : bytes_(bytes), is_big_endian_(!bytes.empty() && bytes[0] == 'M') {
     at_ = number(4, 4);
     entries_ = number(at_, 2);
   }
@@ -51,7 +51,7 @@ class Directory {
   }
 
   std::span<const uint8_t> bytes_;
-  bool is_big_endian_ = false;
+  bool is_big_endian_;
   uint32_t at_ = 0, entries_ = 0;
 };
 

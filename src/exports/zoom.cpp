@@ -48,7 +48,7 @@ void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZo
 }
 
 void VORELCALL Zoom(HWND window, LPARAM start, int* zoom) {
-  const POINT from = {static_cast<int16_t>(LOWORD(start)), static_cast<int16_t>(HIWORD(start))};
+  const Point from = {static_cast<int16_t>(LOWORD(start)), static_cast<int16_t>(HIWORD(start))};
   if (zoom != nullptr) quietly([&] { drag_zoom(window, from, zoom); });
 }
 
