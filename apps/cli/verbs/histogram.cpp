@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "cli/page_work.h"
+#include "cli/report.h"
 #include "common/forms.h"
 #include "core/pixel.h"
 
@@ -96,7 +97,7 @@ ExitCode tell(const Values& values, const Streams& streams) {
   if (values.as_json) {
     Json list = Json::array();
     for (size_t i = 0; i < all.size(); ++i) list.push_back(json_of(name(i), all[i]));
-    streams.output << (list.size() == 1 ? list[0] : list).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    streams.output << dumped(list.size() == 1 ? list[0] : list) << '\n';
     return ExitCode::kDone;
   }
   for (size_t i = 0; i < all.size(); ++i) streams.output << text_of(name(i), all[i]);

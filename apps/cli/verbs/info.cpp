@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cli/files.h"
+#include "cli/report.h"
 #include "cli/verb.h"
 #include "common/formats.h"
 
@@ -121,8 +122,7 @@ ExitCode describe(const std::vector<std::string>& files, int page, bool as_json,
       streams.output << text_of(facts);
     }
   });
-  // Names of files need not be valid UTF-8, JSON must be.
-  if (as_json) streams.output << list.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  if (as_json) streams.output << dumped(list) << '\n';
   return code;
 }
 
