@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <fstream>
 #include <iterator>
 
 #include "cli/failure.h"
+#include "cli/files.h"
 #include "cli/parser.h"
 #include "cli/words.h"
 
@@ -86,10 +86,9 @@ Chain Chain::of_text(const std::string& text, const std::string& source) {
 Chain Chain::parse(const std::string& text) { return of_text(text, ""); }
 
 Chain Chain::from_file(const std::string& name) {
-  std::ifstream file(std::filesystem::path(std::u8string(name.begin(), name.end())), std::ios::binary);
-  const std::string text((std::istreambuf_iterator<char>(file)), {});
-  if (!file) throw Failure(ExitCode::kInput, name, "the file of steps cannot be read; check its name");
-  return of_text(text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text, name);
+  const auto text = contents_of(name);
+  if (!text) throw Failure(ExitCode::kInput, name, "the file of steps cannot be read; check its name");
+  return of_text(text->starts_with("\xEF\xBB\xBF") ? text->substr(3) : *text, name);
 }
 
 void Chain::apply(Page& page) const {

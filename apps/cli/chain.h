@@ -1,8 +1,6 @@
 // Steps one after another, as people write them: "clean 60 | rotate -1 --white | scale 50%".
 #pragma once
 
-#include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 

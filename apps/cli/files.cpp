@@ -4,9 +4,11 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <random>
+#include <sstream>
 #include <vector>
 
 #include "cli/failure.h"
+#include "cli/file_names.h"
 #include "common/platform.h"
 
 namespace vorel::cli {
@@ -22,9 +24,6 @@ fs::path new_name(const std::string& ending) {
   std::random_device random;
   return fmt::format("vorel-{:08x}{:08x}.tmp{}", random(), random(), ending);
 }
-
-// Names are UTF-8 on every system.
-fs::path path_of(const std::string& name) { return std::u8string(name.begin(), name.end()); }
 
 enum class Copied { kAll, kNotRead, kNotWritten, kTooLong };
 
@@ -43,6 +42,13 @@ Copied copy_bytes(std::istream& from, std::ostream& to) {
 }
 
 }  // namespace
+
+std::optional<std::string> contents_of(const std::string& name) {
+  std::ifstream file(path_of(name), std::ios::binary);
+  std::ostringstream bytes;
+  if (copy_bytes(file, bytes) != Copied::kAll) return std::nullopt;
+  return std::move(bytes).str();
+}
 
 ScratchFile::ScratchFile(const std::string& ending) : ScratchFile(fs::temp_directory_path(), Readers::kOwner, ending) {}
 

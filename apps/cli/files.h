@@ -30,6 +30,9 @@ class ScratchFile {
   std::filesystem::path path_;
 };
 
+// All bytes of a file; none if it cannot be read.
+std::optional<std::string> contents_of(const std::string& name);
+
 class Input {
  public:
   // Throws Failure if the input cannot be read. The library needs seekable files: standard input ("-"), pipes and devices are

@@ -1,16 +1,14 @@
-#include <filesystem>
 #include <utility>
 
 #include "cli/failure.h"
+#include "cli/file_names.h"
 #include "cli/printing.h"
 #include "common/printers.h"
 
 namespace vorel::cli {
 namespace {
 
-std::wstring wide(const std::string& text) {
-  return std::filesystem::path(std::u8string(text.begin(), text.end())).wstring();
-}
+std::wstring wide(const std::string& text) { return path_of(text).wstring(); }
 
 std::string narrow(const std::wstring& text) {
   const std::u8string utf8 = std::filesystem::path(text).u8string();
@@ -43,9 +41,8 @@ HDC printer_dc(const std::string& printer) {
 
 Paper paper_in(HDC dc) {
   const auto capability = [dc](int index) { return GetDeviceCaps(dc, index); };
-  const Paper paper = {{static_cast<float>(capability(LOGPIXELSX)), static_cast<float>(capability(LOGPIXELSY))},
-                       {capability(HORZRES), capability(VERTRES)}};
-  return paper;
+  return {{static_cast<float>(capability(LOGPIXELSX)), static_cast<float>(capability(LOGPIXELSY))},
+          {capability(HORZRES), capability(VERTRES)}};
 }
 
 const char* reason_for(int code) {

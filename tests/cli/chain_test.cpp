@@ -73,6 +73,7 @@ TEST_F(CliChain, MistakesAreNamedBeforeAnyFileIsRead) {
                   refusal("# nothing", "there is no step"),
                   {{"run", none, out}, 2, "either STEPS or --steps"},
                   {{"run", none, out, "--steps", at("none.vorel")}, 3, "cannot be read"},
+                  {{"run", none, out, "--steps", at("")}, 3, "cannot be read"},  // a folder
                   {{"run", none, out, "gray --to"}, 2, "there is no option --to"}});
   // Which step was not possible is said where there are several.
   const std::string bits = put("bits.bmp", bitmap_file(plain(9, 9, 1, 0)));

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <fstream>
 #include <istream>
 #include <iterator>
 #include <span>
@@ -10,6 +9,7 @@
 
 #include "cli/batch/patterns.h"
 #include "cli/failure.h"
+#include "cli/files.h"
 #include "core/file_formats.h"
 
 namespace vorel::cli::batch {
@@ -152,10 +152,8 @@ class Search {
 
 std::string text_in(const std::string& list, std::istream& standard_input) {
   if (list == "-") return {std::istreambuf_iterator<char>(standard_input), {}};
-  std::ifstream file(path_of(list), std::ios::binary);
-  std::string text((std::istreambuf_iterator<char>(file)), {});
-  if (!file) throw Failure(ExitCode::kInput, list, "the list of files cannot be read; check its name");
-  return text;
+  if (auto text = contents_of(list)) return *std::move(text);
+  throw Failure(ExitCode::kInput, list, "the list of files cannot be read; check its name");
 }
 
 std::vector<std::string> names_in(const std::string& text, bool ends_with_zero) {
@@ -184,13 +182,6 @@ std::string InputFile::stem() const {
   const std::string whole = name();
   const size_t dot = whole.rfind('.');
   return dot == std::string::npos || dot == 0 ? whole : whole.substr(0, dot);
-}
-
-fs::path path_of(const std::string& name) { return std::u8string(name.begin(), name.end()); }
-
-std::string name_of(const fs::path& path) {
-  const std::u8string name = path.generic_u8string();
-  return {name.begin(), name.end()};
 }
 
 Inputs find_inputs(const Wanted& wanted, std::istream& standard_input) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/file_names.h"
+
 namespace vorel::cli::batch {
 
 struct InputFile {
@@ -35,9 +37,5 @@ struct Inputs {
 
 // Files that were named need not be there: that is found out one by one. Throws Failure.
 Inputs find_inputs(const Wanted& wanted, std::istream& standard_input);
-
-// Names are UTF-8 on every system.
-std::filesystem::path path_of(const std::string& name);
-std::string name_of(const std::filesystem::path& path);
 
 }  // namespace vorel::cli::batch

@@ -1,12 +1,12 @@
 // The step filter: blurs, sharpens, and applies kernels.
 #include <algorithm>
 #include <charconv>
-#include <filesystem>
 #include <fmt/format.h>
-#include <fstream>
 #include <memory>
 #include <vector>
 
+#include "cli/file_names.h"
+#include "cli/files.h"
 #include "cli/step.h"
 #include "common/operations.h"
 
@@ -45,11 +45,9 @@ std::vector<int> numbers_in(const std::string& text) {
 std::string read_kernel(Options& options) {
   if (options.filter != "kernel")
     return options.kernel.empty() ? "" : "--kernel goes with the filter \"kernel\" alone; leave it out";
-  std::string text = options.kernel;
-  if (std::filesystem::is_regular_file(text)) {
-    std::ifstream file(text);
-    text.assign(std::istreambuf_iterator<char>(file), {});
-  }
+  std::error_code ignored;  // a long list is too long for a name
+  const bool is_file = std::filesystem::is_regular_file(path_of(options.kernel), ignored);
+  const std::string text = is_file ? contents_of(options.kernel).value_or("") : options.kernel;
   const size_t size = std::stoul(options.size), count = size * size;
   options.numbers = numbers_in(text);
   if (options.numbers.size() == count) options.numbers.push_back(0);

@@ -56,7 +56,7 @@ ExitCode run(Values values, const Arguments& arguments, const Streams& streams) 
   batch.setting_words = batch::Settings::own_words(arguments.given_options());
   batch.shard = batch::Shard::parse(values.shard);
   batch.wanted.names = values.words;
-  batch.wanted.output = batch::path_of(values.output);
+  batch.wanted.output = path_of(values.output);
   return batch.run(streams);
 }
 

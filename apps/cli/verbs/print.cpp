@@ -1,9 +1,9 @@
 // vorel print: pictures to a printer.
-#include <filesystem>
 #include <fmt/format.h>
 #include <limits>
 #include <ostream>
 
+#include "cli/file_names.h"
 #include "cli/page_work.h"
 #include "cli/printing.h"
 #include "cli/progress.h"
@@ -33,10 +33,8 @@ struct Values {
 };
 
 std::string document_name(const std::vector<std::string>& files) {
-  const std::string& file = files.front();
-  const std::u8string name = std::filesystem::path(std::u8string(file.begin(), file.end())).filename().u8string();
-  const std::string shown(name.begin(), name.end());
-  return files.size() == 1 ? shown : shown + " and others";
+  const std::string first = name_of(path_of(files.front()).filename());
+  return files.size() == 1 ? first : first + " and others";
 }
 
 // Half a document on paper is of no use: whatever cannot be loaded is found before the first page is printed.
