@@ -3,11 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <optional>
 
+#include "cli/decimal.h"
 #include "cli/words.h"
 
 namespace vorel::cli {
@@ -30,27 +30,24 @@ std::string number_is_wrong(const std::string& text, Range range) {
   return fmt::format("\"{}\" is no whole number", text);
 }
 
-CLI::callback_t into(double& value, const std::string& name) {
-  return [&value, name](const CLI::results_t& given) {
+CLI::callback_t into(double& value, const std::string& name, std::optional<Range> range = {}) {
+  return [&value, range, name](const CLI::results_t& given) {
     const std::string& text = given.back();
-    const char* const first = text.data() + (text.starts_with('+') ? 1 : 0);
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(first, end, value, std::chars_format::fixed);
-    if (first == end || parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(value))
-      throw CLI::ValidationError(name, fmt::format("\"{}\" is no number", text));
+    const auto number = parse_decimal(text);
+    if (!number) throw CLI::ValidationError(name, fmt::format("\"{}\" is no number", text));
+    if (range && (*number < range->least || *number > range->most))
+      throw CLI::ValidationError(name, fmt::format("{} is not within {} and {}", text, range->least, range->most));
+    value = *number;
     return true;
   };
 }
 
 CLI::callback_t into(int& value, const std::string& name, Range range) {
   return [&value, range, name](const CLI::results_t& given) {
-    const std::string& text = given.back();
-    const char* const first = text.data() + (text.starts_with('+') ? 1 : 0);
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(first, end, value);
-    const bool is_number = first != end && parsed.ec == std::errc() && parsed.ptr == end;
-    if (!is_number || value < range.least || value > range.most)
-      throw CLI::ValidationError(name, number_is_wrong(text, range));
+    const auto number = parse_whole(given.back());
+    if (!number || *number < range.least || *number > range.most)
+      throw CLI::ValidationError(name, number_is_wrong(given.back(), range));
+    value = *number;
     return true;
   };
 }
@@ -120,6 +117,12 @@ void Arguments::option(const std::string& name, std::string& value, const std::s
 }
 
 void Arguments::option(const std::string& name, int& value, const std::string& shown, const std::string& help, Range range) {
+  app_->add_option(name, into(value, name, range), help)->expected(1)->option_text(shown);
+  declared_->arguments.push_back({Kind::kOption, name, shown, help, {}});
+}
+
+void Arguments::option(const std::string& name, double& value, const std::string& shown, const std::string& help,
+                       Range range) {
   app_->add_option(name, into(value, name, range), help)->expected(1)->option_text(shown);
   declared_->arguments.push_back({Kind::kOption, name, shown, help, {}});
 }

@@ -52,6 +52,7 @@ class Arguments {
               const Check& check = {});
   void option(const std::string& name, int& value, const std::string& shown, const std::string& help,
               Range range = kAnyNumber);
+  void option(const std::string& name, double& value, const std::string& shown, const std::string& help, Range range);
   void flag(const std::string& name, bool& value, const std::string& help);
 
   // Options that do not go together.

@@ -87,6 +87,7 @@ TEST_F(CliPages, SizesAndLevelsAreChecked) {
                   {{"despeckle", in, out, "--size", "3"}, 2, "is no length like"},
                   {{"threshold", in, out, "ostu"}, 2, "is no LEVEL"},
                   {{"threshold", in, out, "sauvola", "--k", "2"}, 2, "not within 0 and 1"},
+                  {{"blank", in, out, "--most", "nan"}, 2, "is no number"},
                   {{"crop", in, out, "5,5"}, 2, "SIZE is missing"},
                   {{"crop", in, out, "auto", "5x5"}, 2, "leave SIZE out"}});
   for (const char* level : {"otsu", "sauvola", "128"}) {

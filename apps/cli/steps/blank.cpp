@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 #include <memory>
 
-#include "cli/decimal.h"
 #include "cli/step.h"
 #include "common/forms.h"
 #include "common/page/content.h"
@@ -11,14 +10,14 @@ namespace vorel::cli {
 namespace {
 
 struct Options {
-  std::string most = "0.02", margin = "3";
+  double most = 0.02, margin = 3;  // percent
   bool drop = false;
 };
 
 void judge(Page& page, const Options& options) {
   const programs::Picture picture = programs::workable(page.picture.lent());
-  const double percent = programs::ink_percent(picture, *parse_decimal(options.margin) / 100);
-  const bool is_blank = percent <= *parse_decimal(options.most);
+  const double percent = programs::ink_percent(picture, options.margin / 100);
+  const bool is_blank = percent <= options.most;
   const char* const fate = !is_blank || !options.drop ? "" : page.is_trial ? ", would be left out" : ", left out";
   page.tell(fmt::format("{} ({:.3f} % ink){}", is_blank ? "blank" : "not blank", percent, fate),
             {{"blank", is_blank}, {"ink_percent", percent}});
@@ -33,9 +32,9 @@ Change declare(Arguments& arguments) {
       "  vorel run scans.tif pages.tif \"blank --drop | deskew\"");
   const auto options = std::make_shared<Options>();
   arguments.option("--most", options->most, "PERCENT", "the most ink that a blank page has (default: 0.02)",
-                   decimal_between(0, 100));
+                   {0, 100});
   arguments.option("--margin", options->margin, "PERCENT",
-                   "of width and height that is disregarded on each side (default: 3)", decimal_between(0, 45));
+                   "of width and height that is disregarded on each side (default: 3)", {0, 45});
   arguments.flag("--drop", options->drop, "leave blank pages out");
   return [options](Page& page) { judge(page, *options); };
 }

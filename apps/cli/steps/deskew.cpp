@@ -2,7 +2,7 @@
 #include <fmt/format.h>
 #include <memory>
 
-#include "cli/decimal.h"
+#include "cli/backgrounds.h"
 #include "cli/step.h"
 #include "common/forms.h"
 #include "common/page/slant.h"
@@ -14,7 +14,7 @@ namespace {
 using programs::Slant;
 
 struct Options {
-  std::string confidence = "50";
+  double confidence = 50;  // percent
   bool black = false, same_size = false;
 };
 
@@ -28,7 +28,7 @@ std::string verdict(const Slant& slant, bool is_sure, bool is_turned, bool is_tr
 void deskew(Page& page, const Options& options) {
   programs::Picture picture = programs::workable(page.picture.lent());
   const Slant slant = programs::find_slant(picture);
-  const bool is_sure = slant.confidence * 100 >= *parse_decimal(options.confidence);
+  const bool is_sure = slant.confidence * 100 >= options.confidence;
   const bool is_turned = is_sure && slant.is_worth_turning();
   page.tell(verdict(slant, is_sure, is_turned, page.is_trial), {{"slant", slant.degrees},
                                                                 {"uncertainty", slant.uncertainty},
@@ -36,7 +36,7 @@ void deskew(Page& page, const Options& options) {
                                                                 {"turned", is_turned ? -slant.degrees : 0.0}});
   if (!is_turned) return;
   page.picture = programs::turned_by(std::move(picture), -slant.degrees,
-                                     options.black ? programs::Background::kBlack : programs::Background::kWhite,
+                                     background_of(!options.black),
                                      options.same_size ? programs::Canvas::kSame : programs::Canvas::kWhole);
 }
 
@@ -50,7 +50,7 @@ Change declare(Arguments& arguments) {
       "  vorel run scan.tif page.tif \"deskew | crop auto\"");
   const auto options = std::make_shared<Options>();
   arguments.option("--confidence", options->confidence, "PERCENT",
-                   "leave pages alone whose slant is less sure (default: 50)", decimal_between(0, 100));
+                   "leave pages alone whose slant is less sure (default: 50)", {0, 100});
   arguments.flag("--same-size", options->same_size, "keep the size, cutting off corners (default: grow, so that all stays)");
   arguments.flag("--black", options->black, "fill what the picture leaves free with black (default: white)");
   return [options](Page& page) { deskew(page, *options); };

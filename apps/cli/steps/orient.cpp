@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 #include <memory>
 
-#include "cli/decimal.h"
 #include "cli/step.h"
 #include "common/forms.h"
 #include "common/operations.h"
@@ -38,10 +37,10 @@ Change declare(Arguments& arguments) {
       "pictures are left as they are.",
       "  vorel orient scan.tif upright.tif\n"
       "  vorel run scans.tif pages.tif \"orient | deskew\"");
-  const auto least = std::make_shared<std::string>("50");
+  const auto least = std::make_shared<double>(50);
   arguments.option("--confidence", *least, "PERCENT", "leave pages alone whose orientation is less sure (default: 50)",
-                   decimal_between(0, 100));
-  return [least](Page& page) { orient(page, *parse_decimal(*least)); };
+                   {0, 100});
+  return [least](Page& page) { orient(page, *least); };
 }
 
 }  // namespace

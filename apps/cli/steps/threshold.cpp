@@ -1,6 +1,7 @@
 // The step threshold: greys and colours to black and white.
 #include "common/page/threshold.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 #include <memory>
@@ -16,7 +17,8 @@ using programs::Picture;
 using programs::Sauvola;
 
 struct Options {
-  std::string method = "otsu", window, k = "0.34";
+  std::string method = "otsu", window;
+  double k = 0.34;
 };
 
 std::string method_is_wrong(const std::string& text) {
@@ -43,7 +45,7 @@ void apply_sauvola(Page& page, const Options& options) {
   const std::string& length = options.window.empty() ? kUsualWindow : options.window;
   page.tell(fmt::format("local levels in windows of {} pixels{}", window, resolution_note(page.picture, length)),
             {{"method", "sauvola"}, {"window", int64_t{window}}});
-  page.picture = programs::thresholded(std::move(page.picture), Sauvola{.window = window, .k = *parse_decimal(options.k)});
+  page.picture = programs::thresholded(std::move(page.picture), Sauvola{.window = window, .k = options.k});
 }
 
 void apply(Page& page, const Options& options) {
@@ -72,7 +74,7 @@ Change declare(Arguments& arguments) {
   arguments.option("--window", options->window, "SIZE", "of sauvola, in millimetres or pixels (default: 3.5mm)",
                    length_is_wrong);
   arguments.option("--k", options->k, "NUMBER", "of sauvola: the higher, the less is ink (default: 0.34)",
-                   decimal_between(0, 1));
+                   {0, 1});
   return [options](Page& page) { apply(page, *options); };
 }
 
