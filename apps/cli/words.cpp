@@ -82,6 +82,20 @@ size_t distance(std::string_view a, std::string_view b) {
   return above.back();
 }
 
+// The known word that somebody may have meant. Empty if none is similar.
+std::string nearest_word(const std::string& typed, const std::vector<std::string>& known) {
+  std::string nearest;
+  size_t least = typed.size() / 3 + 1;  // more errors are another word
+  for (const std::string& word : known) {
+    const bool is_beginning = typed.size() > 1 && word.starts_with(typed);
+    const size_t errors = is_beginning ? 0 : distance(typed, word);
+    if (errors > least || (errors == least && !nearest.empty())) continue;
+    nearest = word;
+    least = errors;
+  }
+  return nearest;
+}
+
 }  // namespace
 
 std::optional<std::vector<Piece>> pieces_of(const std::string& text) { return Splitter(text).split(); }
@@ -96,19 +110,6 @@ std::string quoted(const std::string& word) {
     text += letter;
   }
   return text + '"';
-}
-
-std::string nearest_word(const std::string& typed, const std::vector<std::string>& known) {
-  std::string nearest;
-  size_t least = typed.size() / 3 + 1;  // more errors are another word
-  for (const std::string& word : known) {
-    const bool is_beginning = typed.size() > 1 && word.starts_with(typed);
-    const size_t errors = is_beginning ? 0 : distance(typed, word);
-    if (errors > least || (errors == least && !nearest.empty())) continue;
-    nearest = word;
-    least = errors;
-  }
-  return nearest;
 }
 
 std::string suggestion(const std::string& typed, const std::vector<std::string>& known) {

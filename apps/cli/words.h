@@ -1,8 +1,8 @@
 // Words as people type them: split, quoted, and compared.
 #pragma once
 
+#include <algorithm>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -20,8 +20,11 @@ std::optional<std::vector<Piece>> pieces_of(const std::string& text);
 // A word in the spelling that pieces_of() takes back.
 std::string quoted(const std::string& word);
 
-// The known word that somebody may have meant. Empty if none is similar.
-std::string nearest_word(const std::string& typed, const std::vector<std::string>& known);
+// The enumerator that a known word stands for: the words are in the order of the enumeration.
+template <class Enum>
+Enum enumerator_of(const std::vector<std::string>& words, const std::string& word) {
+  return static_cast<Enum>(std::ranges::find(words, word) - words.begin());
+}
 
 // "; did you mean "x"?" or nothing.
 std::string suggestion(const std::string& typed, const std::vector<std::string>& known);

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "cli/step.h"
+#include "cli/words.h"
 #include "common/operations.h"
 
 namespace vorel::cli {
@@ -63,8 +64,8 @@ struct Halftoning {
 
 void halftone(Page& page, const Halftoning& options) {
   if (has_few_bits(page, 1)) return;
-  const auto method = std::ranges::find(halftones(), options.method) - halftones().begin();
-  page.picture = programs::halftoned(std::move(page.picture), static_cast<programs::Halftone>(method), options.brightness);
+  const auto method = enumerator_of<programs::Halftone>(halftones(), options.method);
+  page.picture = programs::halftoned(std::move(page.picture), method, options.brightness);
 }
 
 Change declare_halftone(Arguments& arguments) {

@@ -1,11 +1,10 @@
 // The step despeckle: takes away small connected pieces.
-#include <algorithm>
 #include <fmt/format.h>
 #include <memory>
 
-#include "cli/decimal.h"
 #include "cli/paper_length.h"
 #include "cli/step.h"
+#include "cli/words.h"
 #include "common/page/specks.h"
 
 namespace vorel::cli {
@@ -22,12 +21,12 @@ struct Options {
 
 void despeckle(Page& page, const Options& options) {
   const Size most = length_on(page.picture, options.size);
-  const auto colors =
-      static_cast<programs::SpeckColors>(std::ranges::find(color_words(), options.colors) - color_words().begin());
-  programs::Despeckled done = programs::despeckled(page.picture.copy(), most, colors);
+  const std::string note = resolution_note(page.picture, options.size);
+  const auto colors = enumerator_of<programs::SpeckColors>(color_words(), options.colors);
+  programs::Despeckled done = programs::despeckled(std::move(page.picture), most, colors);
   page.tell(
       fmt::format("{} specks of up to {} x {} pixels{} {}, {} pixels in all", done.specks, most.width, most.height,
-                  resolution_note(page.picture, options.size), page.is_trial ? "would be removed" : "removed", done.pixels),
+                  note, page.is_trial ? "would be removed" : "removed", done.pixels),
       {{"specks", static_cast<int64_t>(done.specks)},
        {"pixels", static_cast<int64_t>(done.pixels)},
        {"most_pixels_across", int64_t{most.width}},

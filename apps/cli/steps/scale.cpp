@@ -6,6 +6,7 @@
 
 #include "cli/extent.h"
 #include "cli/step.h"
+#include "cli/words.h"
 #include "common/problem.h"
 
 namespace vorel::cli {
@@ -60,7 +61,7 @@ Size result_size(const Picture& picture, const Options& options) {
 Resampling resampling_for(const Picture& picture, Size size, const std::string& method) {
   const bool is_reduced = size.width <= picture.width() && size.height <= picture.height();
   if (method.empty()) return is_reduced ? Resampling::kArea : Resampling::kLinear;
-  return static_cast<Resampling>(std::ranges::find(methods(), method) - methods().begin());
+  return enumerator_of<Resampling>(methods(), method);
 }
 
 Picture scaled(Picture picture, const Options& options) {

@@ -5,6 +5,7 @@
 
 #include "cli/extent.h"
 #include "cli/page_work.h"
+#include "cli/words.h"
 
 namespace vorel::cli {
 namespace {
@@ -37,7 +38,7 @@ ExitCode combine(const Values& values, const Streams& streams) {
   check_pages(overlay, base);
   if (mask) check_pages(*mask, base);
   target.open(base.size(), {&base});
-  const auto mode = static_cast<programs::Mixing>(std::ranges::find(kModes, values.mode) - kModes.begin());
+  const auto mode = enumerator_of<programs::Mixing>(kModes, values.mode);
   target.write([&](const Target::Put& put) {
     for (size_t i = 0; i < base.size(); ++i) {
       Page page = base.load(i);
