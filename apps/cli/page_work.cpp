@@ -27,6 +27,8 @@ void PageWork::declare_files(Arguments& arguments) {
   declare_output(arguments, output_);
 }
 
+void PageWork::declare_dpi(Arguments& arguments) { cli::declare_dpi(arguments, dpi_); }
+
 void PageWork::declare_options(Arguments& arguments, Reports reports) {
   if (reports == Reports::kOnRequest) {
     arguments.flag("--dry-run", is_trial_, "tell what would be done, and write nothing");
@@ -47,7 +49,10 @@ ExitCode PageWork::run(const Change& change, const Streams& streams) const {
       progress.step();
       Page page = source.load(i);
       page.is_trial = is_trial_;
-      about(page.label, [&] { change(page); });
+      about(page.label, [&] {
+        change(page);
+        if (!dpi_.empty()) state_dpi(page.picture, dpi_);
+      });
       put(page);
       page.picture = {};
       told.push_back(std::move(page));

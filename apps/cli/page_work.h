@@ -20,6 +20,7 @@ class PageWork {
  public:
   // Values by their place that are declared between the two come behind IN and OUT.
   void declare_files(Arguments& arguments);
+  void declare_dpi(Arguments& arguments);
   enum class Reports { kNever, kOnRequest };  // whether the work can be tried, and told as JSON
   void declare_options(Arguments& arguments, Reports reports);
 
@@ -29,7 +30,7 @@ class PageWork {
  private:
   void give_report(const std::vector<Page>& told, const Streams& streams) const;
 
-  std::string input_, output_, pages_;
+  std::string input_, output_, pages_, dpi_;
   bool is_trial_ = false, as_json_ = false;
   SavingOptions saving_;
 };

@@ -24,14 +24,4 @@ struct SavingOptions {
   programs::Saving saving_for(const std::string& output) const;
 };
 
-// The same in help texts, under the verb's own words.
-inline constexpr const char* kSavingHelp =
-    "The ending of OUT tells its format: .bmp .tif .png .jpg .gif .pcx .dcx .tga .cal .pnm and, on Windows, .wmf\n"
-    ".emf .clp. Without one, and on standard output, it is a Windows bitmap. JPEG gets quality 75 and grey pictures stay "
-    "grey; GIF keeps at most 256\n"
-    "colours; CALS takes 1 bit per pixel. TIFF, DCX and PNM files hold several pages, other files one.\n"
-    "KIND is for TIFF none, huffman, g3, g4 (these three for 1 bit per pixel), lzw, jpeg (for 24 bits and greys of 8),\n"
-    "deflate or packbits, and without it g4 for 1 bit and deflate else; for TGA it is none (the usual one) or rle, which\n"
-    "pictures with a colour table do not get.\n\n";
-
 }  // namespace vorel::cli

@@ -31,8 +31,7 @@ Change declare(Arguments& arguments) {
       "  vorel blank scans.tif out.tif --dry-run --json\n"
       "  vorel run scans.tif pages.tif \"blank --drop | deskew\"");
   const auto options = std::make_shared<Options>();
-  arguments.option("--most", options->most, "PERCENT", "the most ink that a blank page has (default: 0.02)",
-                   {0, 100});
+  arguments.option("--most", options->most, "PERCENT", "the most ink that a blank page has (default: 0.02)", {0, 100});
   arguments.option("--margin", options->margin, "PERCENT",
                    "of width and height that is disregarded on each side (default: 3)", {0, 45});
   arguments.flag("--drop", options->drop, "leave blank pages out");

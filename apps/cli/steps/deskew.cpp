@@ -35,8 +35,7 @@ void deskew(Page& page, const Options& options) {
                                                                 {"confidence", slant.confidence},
                                                                 {"turned", is_turned ? -slant.degrees : 0.0}});
   if (!is_turned) return;
-  page.picture = programs::turned_by(std::move(picture), -slant.degrees,
-                                     background_of(!options.black),
+  page.picture = programs::turned_by(std::move(picture), -slant.degrees, background_of(!options.black),
                                      options.same_size ? programs::Canvas::kSame : programs::Canvas::kWhole);
 }
 

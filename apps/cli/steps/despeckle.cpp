@@ -24,13 +24,12 @@ void despeckle(Page& page, const Options& options) {
   const std::string note = resolution_note(page.picture, options.size);
   const auto colors = enumerator_of<programs::SpeckColors>(color_words(), options.colors);
   programs::Despeckled done = programs::despeckled(std::move(page.picture), most, colors);
-  page.tell(
-      fmt::format("{} specks of up to {} x {} pixels{} {}, {} pixels in all", done.specks, most.width, most.height,
-                  note, page.is_trial ? "would be removed" : "removed", done.pixels),
-      {{"specks", static_cast<int64_t>(done.specks)},
-       {"pixels", static_cast<int64_t>(done.pixels)},
-       {"most_pixels_across", int64_t{most.width}},
-       {"most_pixels_down", int64_t{most.height}}});
+  page.tell(fmt::format("{} specks of up to {} x {} pixels{} {}, {} pixels in all", done.specks, most.width, most.height,
+                        note, page.is_trial ? "would be removed" : "removed", done.pixels),
+            {{"specks", static_cast<int64_t>(done.specks)},
+             {"pixels", static_cast<int64_t>(done.pixels)},
+             {"most_pixels_across", int64_t{most.width}},
+             {"most_pixels_down", int64_t{most.height}}});
   page.picture = std::move(done.picture);
 }
 

@@ -73,8 +73,7 @@ Change declare(Arguments& arguments) {
                      Check(method_is_wrong, {"otsu", "sauvola"}));
   arguments.option("--window", options->window, "SIZE", "of sauvola, in millimetres or pixels (default: 3.5mm)",
                    length_is_wrong);
-  arguments.option("--k", options->k, "NUMBER", "of sauvola: the higher, the less is ink (default: 0.34)",
-                   {0, 1});
+  arguments.option("--k", options->k, "NUMBER", "of sauvola: the higher, the less is ink (default: 0.34)", {0, 1});
   return [options](Page& page) { apply(page, *options); };
 }
 

@@ -1,6 +1,5 @@
 // vorel run: several steps on the pages of a file.
 #include "cli/chain.h"
-#include "cli/extent.h"
 #include "cli/page_work.h"
 
 namespace vorel::cli {
@@ -8,7 +7,7 @@ namespace {
 
 struct Values {
   PageWork work;
-  std::string steps, file, dpi;
+  std::string steps, file;
 };
 
 Action declare(Arguments& arguments) {
@@ -16,7 +15,7 @@ Action declare(Arguments& arguments) {
   values->work.declare_files(arguments);
   arguments.optional("STEPS", values->steps, "what to do with each page: verbs with their options, with | between them");
   arguments.option("--steps", values->file, "FILE", "read STEPS from a file: a step per line, # begins a comment");
-  declare_dpi(arguments, values->dpi);
+  values->work.declare_dpi(arguments);
   values->work.declare_options(arguments, PageWork::Reports::kOnRequest);
   arguments.check_together([values] {
     return values->steps.empty() == values->file.empty() ? "it takes either STEPS or --steps; give one of them" : "";
@@ -29,11 +28,7 @@ Action declare(Arguments& arguments) {
       "  vorel run - - \"gray | scale 50%\" --to png < scan.tif > small.png");
   return [values](const Streams& streams) {
     const Chain chain = values->file.empty() ? Chain::parse(values->steps) : Chain::from_file(values->file);
-    const auto change = [&](Page& page) {
-      chain.apply(page);
-      if (!values->dpi.empty()) state_dpi(page.picture, values->dpi);
-    };
-    return values->work.run(change, streams);
+    return values->work.run([&](Page& page) { chain.apply(page); }, streams);
   };
 }
 
