@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <optional>
@@ -54,17 +53,22 @@ CLI::callback_t into(int& value, const std::string& name, Range range) {
 
 }  // namespace
 
-bool Argument::names_file() const {
-  const std::string& shown = kind == Kind::kOption ? value : name;
-  if (kind == Kind::kPositional && words.empty())
-    return std::ranges::any_of(std::array{"IN", "OUT", "FILE", "BASE", "OVERLAY", "ABOVE", "BELOW", "A", "B"},
-                               [&](const char* word) { return shown == word; });
-  return kind == Kind::kOption && (shown.starts_with("FILE") || shown == "OUT");
-}
-
 const Declared* Declared::verb(const std::string& verb_name) const {
   const auto found = std::ranges::find_if(verbs, [&](const auto& verb) { return verb->name == verb_name; });
   return found == verbs.end() ? nullptr : found->get();
+}
+
+std::vector<std::string> Declared::verb_names() const {
+  std::vector<std::string> names;
+  for (const auto& verb : verbs) names.push_back(verb->name);
+  return names;
+}
+
+std::vector<std::string> Declared::option_names() const {
+  std::vector<std::string> names;
+  for (const Argument& argument : arguments)
+    if (argument.kind != Kind::kPositional) names.push_back(argument.name);
+  return names;
 }
 
 Check one_of(std::vector<std::string> words) {

@@ -17,8 +17,6 @@ struct Argument {
   std::vector<std::string> words;  // all that it may be; empty for anything
   bool is_required = false;
   bool repeats = false;
-
-  bool names_file() const;
 };
 
 struct Declared {
@@ -31,6 +29,8 @@ struct Declared {
   std::function<std::string()> check_together;   // what is wrong with the values together, "" for nothing
 
   const Declared* verb(const std::string& verb_name) const;  // null if there is none
+  std::vector<std::string> verb_names() const;
+  std::vector<std::string> option_names() const;  // flags are options, too
 };
 
 }  // namespace vorel::cli

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "core/resolution.h"
+
 namespace vorel::cli {
 namespace {
 
@@ -76,9 +78,8 @@ Size parse_dpi(const std::string& text) {
 
 void state_dpi(programs::Picture& picture, const std::string& dpi) {
   const Size per_inch = parse_dpi(dpi);
-  picture.set_resolution(per_metre(per_inch.width), per_metre(per_inch.height));
+  const auto [x, y] = from_dpi(per_inch.width, per_inch.height);
+  picture.set_resolution(x, y);
 }
-
-int per_metre(int dpi) { return static_cast<int>(std::lround(dpi * kInchesPerMetre)); }
 
 }  // namespace vorel::cli

@@ -24,9 +24,7 @@ Size parse_extent(const std::string& text);
 programs::Corner parse_position(const std::string& text);
 Size parse_dpi(const std::string& text);
 
-// Dots per metre of dots per inch.
 constexpr double kInchesPerMetre = 100 / 2.54;
-int per_metre(int dpi);
 
 // Of a text that has passed.
 void state_dpi(programs::Picture& picture, const std::string& dpi);

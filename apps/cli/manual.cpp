@@ -57,14 +57,6 @@ std::string manual_of(const std::string& name, const Declared& verb) {
 
 // ---- Completion ----
 
-std::vector<std::string> option_names(const Declared& verb) {
-  std::vector<std::string> names;
-  for (const Argument& argument : verb.arguments)
-    if (argument.kind != Kind::kPositional) names.push_back(argument.name);
-  names.emplace_back("--help");
-  return names;
-}
-
 std::vector<std::string> positional_words(const Declared& verb) {
   std::vector<std::string> words;
   for (const Argument& argument : verb.arguments)
@@ -72,25 +64,21 @@ std::vector<std::string> positional_words(const Declared& verb) {
   return words;
 }
 
-std::vector<std::string> verb_names(const Declared& tool) {
-  std::vector<std::string> names;
-  for (const auto& verb : tool.verbs) names.push_back(verb->name);
-  return names;
-}
-
 // Bash and, through its emulation, zsh: "VERB OPTION" selects the values, "VERB" the options.
 std::string cases(const Declared& tool) {
   std::string values, options, nested;
   for (const auto& verb : tool.verbs)
     if (!verb->verbs.empty())
-      nested += fmt::format("    {}) words=\"{}\" ;;\n", verb->name, fmt::join(verb_names(*verb), " "));
+      nested += fmt::format("    {}) words=\"{}\" ;;\n", verb->name, fmt::join(verb->verb_names(), " "));
   for_each_verb(tool, [&](const std::string& name, const Declared& verb) {
     for (const Argument& argument : verb.arguments)
       if (argument.kind == Kind::kOption)
         values +=
             fmt::format("    \"{} {}\") words=\"{}\"; takes=1 ;;\n", name, argument.name, fmt::join(argument.words, " "));
+    std::vector<std::string> offered = verb.option_names();
+    offered.emplace_back("--help");
     options += fmt::format("    \"{}\") words=\"{}\"; options=\"{}\" ;;\n", name, fmt::join(positional_words(verb), " "),
-                           fmt::join(option_names(verb), " "));
+                           fmt::join(offered, " "));
   });
   return fmt::format("  case \"$verb $prev\" in\n{}  esac\n  [ -n \"$takes\" ] || case \"$verb\" in\n{}{}  esac\n", values,
                      options, nested);
@@ -118,7 +106,7 @@ std::string bash_completion(const Declared& tool) {
       "  [ ${{#COMPREPLY[@]}} -gt 0 ] || COMPREPLY=($(compgen -f -- \"$cur\"))\n"
       "}}\n"
       "complete -o filenames -F _vorel vorel\n",
-      fmt::join(verb_names(tool), " "), with_nested, cases(tool));
+      fmt::join(tool.verb_names(), " "), with_nested, cases(tool));
 }
 
 std::string fish_quoted(const std::string& text) { return "'" + replaced(replaced(text, "\\", "\\\\"), "'", "\\'") + "'"; }

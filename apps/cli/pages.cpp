@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <numeric>
 
 #include "common/losses.h"
 #include "common/page_range.h"

@@ -7,13 +7,13 @@
 #include "cli/extent.h"
 #include "common/forms.h"
 #include "common/operations.h"
+#include "common/page/units.h"
 
 namespace vorel::cli {
 namespace {
 
+using programs::kMillimetresPerInch;
 using programs::Picture;
-
-constexpr double kMillimetresPerInch = 25.4;
 
 // In dots of the paper.
 struct DotSize {

@@ -14,27 +14,14 @@ using Kind = Argument::Kind;
 
 constexpr size_t kFewVerbs = 5;  // few enough to be listed in a message
 
-std::vector<std::string> names_of_options(const Declared& declared) {
-  std::vector<std::string> names;
-  for (const Argument& argument : declared.arguments)
-    if (argument.kind != Kind::kPositional) names.push_back(argument.name);
-  return names;
-}
-
-std::vector<std::string> names_of_verbs(const Declared& declared) {
-  std::vector<std::string> names;
-  for (const auto& verb : declared.verbs) names.push_back(verb->name);
-  return names;
-}
-
 bool is_option(const std::string& word) { return word.size() > 1 && word.starts_with('-'); }
 
 // What somebody typed who did not mean any of the declared arguments.
 std::string stray_word(const std::string& word, const Declared& declared) {
   const std::string name = word.substr(0, word.find('='));
-  if (is_option(word)) return fmt::format("there is no option {}{}", name, suggestion(name, names_of_options(declared)));
+  if (is_option(word)) return fmt::format("there is no option {}{}", name, suggestion(name, declared.option_names()));
   if (!declared.verbs.empty())
-    return fmt::format("there is no verb \"{}\"{}", word, suggestion(word, names_of_verbs(declared)));
+    return fmt::format("there is no verb \"{}\"{}", word, suggestion(word, declared.verb_names()));
   return fmt::format("\"{}\" is one argument too many", word);
 }
 
@@ -44,7 +31,7 @@ std::string missing_arguments(const CLI::App& app, const Declared& declared) {
   for (const CLI::Option* option : app.get_options())
     if (option->get_required() && option->count() == 0) names.push_back(option->get_name(true));
   if (names.empty() && declared.verbs.size() > kFewVerbs) return "a verb is missing";
-  if (names.empty()) return fmt::format("a verb is missing, one of {}", fmt::join(names_of_verbs(declared), ", "));
+  if (names.empty()) return fmt::format("a verb is missing, one of {}", fmt::join(declared.verb_names(), ", "));
   return fmt::format("{} {} missing", fmt::join(names, " and "), names.size() == 1 ? "is" : "are");
 }
 

@@ -1,7 +1,6 @@
 // The few things that each system does its own way, besides those of common/platform.h.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <system_error>

@@ -19,7 +19,7 @@ void clean(Page& page, const Options& options) {
   const programs::Picture before = programs::workable(std::move(page.picture));
   page.picture = programs::cleaned(before.lent(), options.level, method);
   const uint64_t changed = programs::compared(before, page.picture).different;
-  const uint64_t pixels = uint64_t{static_cast<unsigned>(before.width())} * static_cast<unsigned>(before.height());
+  const uint64_t pixels = uint64_t{1} * before.width() * before.height();
   page.tell(fmt::format("{} of {} pixels {}", changed, pixels, page.is_trial ? "would change" : "changed"),
             {{"pixels", static_cast<int64_t>(pixels)}, {"changed", static_cast<int64_t>(changed)}});
 }
