@@ -37,8 +37,14 @@ std::string scratch_ending(const programs::Saving& saving) { return saving.forma
 
 }  // namespace
 
-void declare_pages(Arguments& arguments, std::string& pages) {
-  arguments.option("--page", pages, "LIST", "pages of IN, counted from 1, such as 2 or 1-3,5 or 4- (default: all)");
+void declare_pages(Arguments& arguments, std::string& pages, const std::string& whose) {
+  arguments.option("--page", pages, "LIST",
+                   fmt::format("pages of {}, counted from 1, such as 2 or 1-3,5 or 4- (default: all)", whose));
+}
+
+void require_one_standard_input(const std::vector<std::string>& inputs) {
+  if (std::ranges::count(inputs, "-") > 1)
+    throw Failure(ExitCode::kWrongUse, "standard input", "it can be read once only; give the other picture by name");
 }
 
 Source::Source(const std::string& name, const std::string& pages, const Streams& streams) : input_(name, streams.input) {

@@ -15,8 +15,11 @@
 
 namespace vorel::cli {
 
-// The option of verbs that read pages.
-void declare_pages(Arguments& arguments, std::string& pages);
+// The option of verbs that read pages. Help says whose pages.
+void declare_pages(Arguments& arguments, std::string& pages, const std::string& whose = "IN");
+
+// Throws Failure if more than one input is standard input.
+void require_one_standard_input(const std::vector<std::string>& inputs);
 
 // The chosen pages of an input: all of them for an empty list. Throws Failure.
 class Source {

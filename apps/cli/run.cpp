@@ -25,7 +25,7 @@ constexpr const char* kStepGroup = "Verbs that change pages, also the steps of \
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0  done, and all of the output was written\n"
-    "  1  some of several inputs failed, or all of them for different reasons; or \"compare\" found a difference\n"
+    "  1  some of several inputs failed, or all of them with different codes; or \"compare\" found a difference\n"
     "  2  wrong use: an unknown verb, option or value\n"
     "  3  the input is missing or cannot be read\n"
     "  4  the format is not recognised, damaged or not supported, or --strict found a loss\n"
@@ -41,6 +41,8 @@ constexpr const char* kExamples =
     "  vorel rotate scan.tif upright.tif 90\n"
     "  vorel run scan.tif page.tif \"clean 60 | rotate -1 --white | scale 50%\"";
 
+bool is_offered(const Verb& verb) { return !verb.needs_windows || programs::has_drawing(); }
+
 // A file whose name begins with a dash looks like an option.
 std::string dash_hint(const std::vector<std::string>& given) {
   const auto looks_like_a_file = [](const std::string& text) {
@@ -54,7 +56,7 @@ std::string dash_hint(const std::vector<std::string>& given) {
 
 class CommandLine {
  public:
-  // Declares the verb that the first word names, and all of them where it names none: each takes time at every start.
+  // Declares the verb that the first word names, and all verbs only where it names none: declaring them takes time.
   explicit CommandLine(const std::vector<std::string>& words)
       : parser_("vorel", "Look at, convert and transform picture files.", Parser::Help::kOnRequest) {
     Arguments tool = parser_.arguments();
@@ -63,7 +65,7 @@ class CommandLine {
     const auto is_named = [&](const auto* verb) { return !words.empty() && words.front() == verb->name; };
     const bool names_one = std::ranges::any_of(kVerbs, is_named) || std::ranges::any_of(kSteps, is_named);
     for (const Verb* verb : kVerbs) {
-      if ((verb->needs_windows && !programs::has_drawing()) || (names_one && !is_named(verb))) continue;
+      if (!is_offered(*verb) || (names_one && !is_named(verb))) continue;
       Arguments arguments = tool.verb(verb->name, verb->purpose, kVerbGroup);
       actions_[verb->name] = verb->declare(arguments);
     }
@@ -94,7 +96,7 @@ class CommandLine {
   }
 
  private:
-  // Verbs that tell about the others.
+  // Verbs about the tool itself.
   void declare_own_verbs(Arguments& tool) {
     Arguments completing = tool.verb("completion", "Print the completion of a shell.", kVerbGroup);
     completing.required("SHELL", shell_, "bash, zsh or fish", one_of(shells()));
@@ -138,8 +140,7 @@ class CommandLine {
 
   static void refuse_unoffered(const std::vector<std::string>& words) {
     for (const Verb* verb : kVerbs) {
-      const bool is_meant = !words.empty() && words.front() == verb->name;
-      if (!is_meant || !verb->needs_windows || programs::has_drawing()) continue;
+      if (words.empty() || words.front() != verb->name || is_offered(*verb)) continue;
       throw Failure(ExitCode::kWrongUse, verb->name,
                     "this verb needs the Windows build; use the Windows build of this tool, vorel.exe");
     }

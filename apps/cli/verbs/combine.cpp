@@ -1,6 +1,4 @@
 // vorel combine: paints one picture onto another.
-#include <algorithm>
-#include <array>
 #include <fmt/format.h>
 
 #include "cli/extent.h"
@@ -30,8 +28,7 @@ programs::Picture page_for(const Source& source, size_t index) {
 
 ExitCode combine(const Values& values, const Streams& streams) {
   Target target(values.output, values.saving, streams);
-  if (std::ranges::count(std::array{values.base, values.overlay, values.mask}, "-") > 1)
-    throw Failure(ExitCode::kWrongUse, "standard input", "it can be read once only; give the other picture by name");
+  require_one_standard_input({values.base, values.overlay, values.mask});
   const Source base(values.base, values.pages, streams), overlay(values.overlay, "", streams);
   std::optional<Source> mask;
   if (!values.mask.empty()) mask.emplace(values.mask, "", streams);
@@ -56,7 +53,8 @@ ExitCode combine(const Values& values, const Streams& streams) {
 
 Action declare(Arguments& arguments) {
   arguments.explain(
-      "OUT is as large as BASE; what of OVERLAY lies outside is left out. An OVERLAY of one page goes onto every page of\n"
+      "OUT is as large as BASE; parts of OVERLAY that lie outside are left out. An OVERLAY of one page goes onto every page "
+      "of\n"
       "BASE. or and xor work on the pixels as numbers: in black and white, with white as 1, or lets white win and xor\n"
       "inverts under white. Pictures of different depth or colours are combined at 24 bits per pixel.",
       "  vorel combine page.tif stamp.tif stamped.tif --at 1900,120\n"

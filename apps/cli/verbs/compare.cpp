@@ -46,10 +46,9 @@ struct Pair {
   programs::Comparison comparison;
   bool is_strict;
 
-  bool is_equal() const {
-    const bool is_alike = a.depth == b.depth && a.has_resolution_of(b);
-    return comparison.different == 0 && a.has_size_of(b) && (is_alike || !is_strict);
-  }
+  bool has_same_form() const { return a.depth == b.depth && a.has_resolution_of(b); }
+  bool is_equal() const { return comparison.different == 0 && a.has_size_of(b) && (has_same_form() || !is_strict); }
+  bool is_plainly_equal() const { return is_equal() && has_same_form() && comparison.largest == 0; }
 };
 
 Json json_of(const Facts& facts) {
@@ -97,7 +96,7 @@ std::string sentence_of(const Pair& pair) {
   return fmt::format("{} and {}: {}\n", a.label, b.label, fmt::join(parts, "; "));
 }
 
-// Pages go in pairs, as far as both have some.
+// Pages are compared in pairs, as many as both files have.
 class Files {
  public:
   Files(const Values& values, const Streams& streams)
@@ -126,15 +125,13 @@ class Files {
             {"pagesOfA", a_.size()}, {"pagesOfB", b_.size()}, {"pages", std::move(pages)}};
   }
 
-  // Of several pages those that are not plainly the same, and then all of them.
+  // Of several pages a line for each pair that is not plainly equal, and one for the files.
   std::string text() const {
     if (a_.size() == 1 && b_.size() == 1) return sentence_of(pairs_.front());
     const std::string names = fmt::format("{} and {}", a_.input().label(), b_.input().label());
     std::string text;
-    for (const Pair& pair : pairs_) {
-      const std::string sentence = sentence_of(pair);
-      if (!sentence.ends_with(": equal\n")) text += sentence;
-    }
+    for (const Pair& pair : pairs_)
+      if (!pair.is_plainly_equal()) text += sentence_of(pair);
     const auto different = pairs_.size() - static_cast<size_t>(std::ranges::count_if(pairs_, &Pair::is_equal));
     if (a_.size() != b_.size()) text += fmt::format("{}: numbers of pages differ, {} and {}\n", names, a_.size(), b_.size());
     if (are_equal()) return text + fmt::format("{}: all {} pages are equal\n", names, pairs_.size());
@@ -167,8 +164,7 @@ class Files {
 };
 
 ExitCode compare(const Values& values, const Streams& streams) {
-  if (values.first == "-" && values.second == "-")
-    throw Failure(ExitCode::kWrongUse, "standard input", "it can be read once only; give the other picture by name");
+  require_one_standard_input({values.first, values.second});
   Files files(values, streams);
   files.compare();
   if (values.drawing != "-") streams.output << (values.as_json ? dumped(files.json()) + "\n" : files.text());
@@ -192,8 +188,7 @@ Action declare(Arguments& arguments) {
   arguments.required("B", values->second, "the picture file to compare it with; - is standard input");
   arguments.option("--threshold", values->threshold, "N",
                    "differences of up to N in red, green and blue count as equal, 0 to 255 (default: 0)", {0, 255});
-  arguments.option("--page", values->pages, "LIST",
-                   "pages of both, counted from 1, such as 2 or 1-3,5 or 4- (default: all)");
+  declare_pages(arguments, values->pages, "both");
   arguments.flag("--strict", values->is_strict,
                  "other depths and resolutions are differences (default: they are told only)");
   arguments.flag("--json", values->as_json, "print a JSON object with an entry for each pair of pages (default: text)");

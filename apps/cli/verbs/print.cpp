@@ -37,7 +37,7 @@ std::string document_name(const std::vector<std::string>& files) {
   return files.size() == 1 ? first : first + " and others";
 }
 
-// Half a document on paper is of no use: whatever cannot be loaded is found before the first page is printed.
+// Half a document on paper is of no use: all pages are loaded once before the first one is printed.
 std::vector<Source> checked_sources(const Values& values, const Streams& streams) {
   std::vector<Source> sources;
   sources.reserve(values.files.size());
@@ -92,16 +92,17 @@ Action declare(Arguments& arguments) {
   arguments.any_number("FILE", values->files, "one or more picture files; - is standard input");
   arguments.option("--printer", values->printer, "NAME", "its name as --list shows it (default: the default printer)");
   arguments.flag("--list", values->lists, "list the printers, the default one first, and print nothing");
-  arguments.option("--page", values->pages, "LIST", "pages of each file, such as 2 or 1-3,5 or 4- (default: all)");
+  declare_pages(arguments, values->pages, "each file");
   arguments.option("--copies", values->copies, "N", "of the whole document, one after another (default: 1)", kFromOne);
   arguments.flag("--true-size", values->true_size, "cut off what is larger than the page (default: shrink it to fit)");
-  arguments.flag("--fit", values->fits, "as large as the page allows, in proportion");
-  arguments.flag("--stretch", values->stretches, "over the whole page, out of proportion");
-  arguments.flag("--upright", values->upright, "turn nothing (default: turn by a quarter what fits better so)");
-  arguments.option("--center", values->center, "WHICH", "on the page: across, down or both (default: at its top left)",
+  arguments.flag("--fit", values->fits, "print as large as the page allows, in proportion");
+  arguments.flag("--stretch", values->stretches, "print over the whole page, out of proportion");
+  arguments.flag("--upright", values->upright, "turn nothing (default: turn a page by a quarter where it fits better)");
+  arguments.option("--center", values->center, "WHICH",
+                   "centre on the page: across, down or both (default: print at its top left)",
                    one_of({"across", "down", "both"}));
-  arguments.flag("--image-dpi", values->by_image, "at the size that the picture's resolution says (default)");
-  arguments.flag("--printer-dpi", values->by_printer_dots, "one printer dot for each pixel");
+  arguments.flag("--image-dpi", values->by_image, "print at the size that follows from the picture's resolution (default)");
+  arguments.flag("--printer-dpi", values->by_printer_dots, "print one printer dot for each pixel");
   arguments.exclude("--stretch", "--fit");
   arguments.exclude("--true-size", "--fit");
   arguments.exclude("--true-size", "--stretch");
