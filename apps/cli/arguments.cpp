@@ -79,7 +79,7 @@ Check one_of(std::vector<std::string> words) {
           words};
 }
 
-// A blank stands instead of the type, which says nothing here.
+// The help would show the type, which tells the user nothing; a blank replaces it.
 void Arguments::positional(const Argument& argument, const std::function<bool(const std::vector<std::string>&)>& take) {
   app_->add_option(argument.name, take, argument.help)->option_text(" ")->expected(1)->required(argument.is_required);
   declared_->arguments.push_back(argument);

@@ -1,4 +1,4 @@
-// What a verb takes on the command line, or a step in a chain. The parser itself stays behind this.
+// The arguments that a verb takes on the command line, or a step in a chain. Hides the parser.
 #pragma once
 
 #include <concepts>
@@ -14,7 +14,7 @@ class App;
 
 namespace vorel::cli {
 
-// Looks at a value.
+// Checks a value.
 struct Check {
   Check() = default;
   template <class Function>
@@ -22,11 +22,11 @@ struct Check {
                                                                                   std::vector<std::string> known = {})
       : wrong(std::move(look)), words(std::move(known)) {}
 
-  std::function<std::string(const std::string& value)> wrong;  // returns what is wrong with it, "" for nothing
+  std::function<std::string(const std::string& value)> wrong;  // returns what is wrong with it; "" if nothing is
   std::vector<std::string> words;                              // the usual values
 };
 
-// The values that an option takes, in the order of the help.
+// Only these values, listed in this order in the help.
 Check one_of(std::vector<std::string> words);
 
 struct Range {
@@ -39,7 +39,7 @@ class Arguments {
  public:
   Arguments(CLI::App& app, Declared& declared) : app_(&app), declared_(&declared) {}
 
-  // Values by their place, which must be there, in the order in which they are declared.
+  // Positional values, in the order of declaration.
   void required(const std::string& name, std::string& value, const std::string& help, const Check& check = {});
   void required(const std::string& name, int& value, const std::string& help, Range range = kAnyNumber);
   void required(const std::string& name, double& value, const std::string& help);
@@ -58,7 +58,7 @@ class Arguments {
   // Options that do not go together.
   void exclude(const std::string& one, const std::string& other);
 
-  // Called when all values are there; returns what is wrong with them together, "" for nothing.
+  // Called once all values are filled in. Returns what is wrong with their combination; "" if nothing is.
   void check_together(const std::function<std::string()>& look);
 
   // Text below the list of options: paragraphs, and lines of examples.

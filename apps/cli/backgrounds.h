@@ -1,4 +1,4 @@
-// The option of steps whose result the picture does not fill.
+// The option of steps whose result has corners that the picture does not fill.
 #pragma once
 
 #include "cli/arguments.h"

@@ -1,4 +1,4 @@
-// What a verb or a step was declared to take. Completion, the manual page and suggestions are made from it.
+// The declared arguments of a verb or a step: the source of completion, the manual page and suggestions.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ struct Argument {
   std::string name;                // options with their dashes
   std::string value;               // of an option, as help shows it
   std::string help;                // what it means
-  std::vector<std::string> words;  // all that it may be; empty for anything
+  std::vector<std::string> words;  // the values it may have; empty for any
   bool is_required = false;
   bool repeats = false;
 };
@@ -26,7 +26,7 @@ struct Declared {
   std::string examples;  // lines
   std::vector<Argument> arguments;
   std::vector<std::unique_ptr<Declared>> verbs;  // nested ones
-  std::function<std::string()> check_together;   // what is wrong with the values together, "" for nothing
+  std::function<std::string()> check_together;   // see Arguments
 
   const Declared* verb(const std::string& verb_name) const;  // null if there is none
   std::vector<std::string> verb_names() const;

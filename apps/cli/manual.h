@@ -1,4 +1,4 @@
-// The manual page and the completion of shells, from what verbs and steps were declared to take.
+// The manual page and the completion for shells, made from the declared verbs and steps.
 #pragma once
 
 #include <string>

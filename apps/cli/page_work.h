@@ -1,4 +1,4 @@
-// What all verbs have in common that read IN, change its pages and write OUT.
+// The common part of all verbs that read IN, change its pages and write OUT.
 #pragma once
 
 #include <memory>
@@ -13,18 +13,18 @@ namespace vorel::cli {
 void declare_input(Arguments& arguments, std::string& input);
 void declare_output(Arguments& arguments, std::string& output);
 
-// The option that states a resolution.
+// The option --dpi.
 void declare_dpi(Arguments& arguments, std::string& dpi);
 
 class PageWork {
  public:
-  // Values by their place that are declared between the two come behind IN and OUT.
+  // Positional values that are declared between declare_files() and declare_options() follow IN and OUT.
   void declare_files(Arguments& arguments);
   void declare_dpi(Arguments& arguments);
-  enum class Reports { kNever, kOnRequest };  // whether the work can be tried, and told as JSON
+  enum class Reports { kNever, kOnRequest };  // kOnRequest: --dry-run and --json
   void declare_options(Arguments& arguments, Reports reports);
 
-  // One page is in memory at a time. Sentences that the steps tell go to standard output, losses to the errors. Throws Failure.
+  // One page is in memory at a time. What the steps tell goes to standard output, losses go to standard error. Throws Failure.
   ExitCode run(const Change& change, const Streams& streams) const;
 
  private:

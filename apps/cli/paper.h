@@ -1,4 +1,4 @@
-// How pictures are brought onto paper: turned and made smaller where they do not fit.
+// The layout of pictures on paper: they are turned and made smaller where they do not fit.
 #pragma once
 
 #include <optional>
@@ -19,12 +19,12 @@ enum class PaperSizing { kShrink, kTrueSize, kFit, kStretch };
 
 struct PaperLayout {
   PaperSizing sizing = PaperSizing::kShrink;  // makes smaller what is too large
-  bool by_printer_dots = false;               // a dot for each pixel, whatever resolution the picture states
-  bool may_turn = true;                       // where a picture comes out larger, or whole, turned by a quarter
+  bool by_printer_dots = false;               // a dot for each pixel; the picture's own resolution is ignored
+  bool may_turn = true;                       // by a quarter, where the picture then comes out larger or whole
   bool is_centered_across = false, is_centered_down = false;
 };
 
-// For a job that prints what fitted() gives.
+// For a job that prints the results of fitted().
 ImgPrintOptions print_options(const PaperLayout& layout);
 
 struct OnPaper {

@@ -16,7 +16,7 @@ constexpr size_t kFewVerbs = 5;  // few enough to be listed in a message
 
 bool is_option(const std::string& word) { return word.size() > 1 && word.starts_with('-'); }
 
-// What somebody typed who did not mean any of the declared arguments.
+// A word that is none of the declared arguments.
 std::string stray_word(const std::string& word, const Declared& declared) {
   const std::string name = word.substr(0, word.find('='));
   if (is_option(word)) return fmt::format("there is no option {}{}", name, suggestion(name, declared.option_names()));
@@ -25,7 +25,7 @@ std::string stray_word(const std::string& word, const Declared& declared) {
   return fmt::format("\"{}\" is one argument too many", word);
 }
 
-// Required arguments that are not there.
+// The required arguments that were left out.
 std::string missing_arguments(const CLI::App& app, const Declared& declared) {
   std::vector<std::string> names;
   for (const CLI::Option* option : app.get_options())

@@ -19,7 +19,7 @@ enum class Readers { kOwner, kAsUsual };
 // Makes an empty file where there is nothing yet.
 std::error_code create_new_file(const std::filesystem::path& path, Readers readers);
 
-// A file that is removed when a signal, or closing the console, ends the program; and one that is not any longer.
+// Marks a file to be removed when a signal, or closing the console, ends the program; and takes the mark off.
 void remove_if_stopped(const std::filesystem::path& path);
 void forget_if_stopped(const std::filesystem::path& path);
 

@@ -13,7 +13,7 @@ namespace {
 
 bool prepared = false;
 
-// A signal handler may call few functions, so names wait here ready to be used.
+// A signal handler may call few functions, so the names are kept here as it needs them.
 enum : int { kFree, kFilling, kTaken };
 struct Slot {
   std::atomic<int> state = kFree;
@@ -33,7 +33,7 @@ void end_by_signal(int signal) {
 
 bool is_prepared() { return prepared; }
 
-// A reader that goes away and a limit on the size of files are errors like any other: to be stopped by their signals would
+// A reader that goes away and a limit on the size of files are errors like any other. Their signals would end the program and
 // leave temporary files behind.
 void prepare_process() {
   prepared = true;

@@ -1,4 +1,4 @@
-// What became of pages, for programs and for people.
+// What was done to pages, as JSON and as text.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>

@@ -1,4 +1,4 @@
-// A step: what a verb does to one page, alone or in a chain.
+// A step: the work of a verb on one page, alone or in a chain.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +30,7 @@ struct Page {
   bool is_trial = false;    // nothing is written: sentences say "would"
   bool is_dropped = false;  // left out of the output
   std::vector<StepReport> reports = {};
-  std::vector<std::string> losses = {};  // what was lost besides what was asked for: "what is lost; what to do"
+  std::vector<std::string> losses = {};  // that nobody asked for: "what is lost; what to do"
 
   void tell(std::string sentence, std::vector<Fact> facts) {
     reports.back().sentence = std::move(sentence);
@@ -38,8 +38,8 @@ struct Page {
   }
 };
 
-// Changes a page. Throws programs::Problem. Holds what it was parsed from, changes nothing of that, and may run for several
-// pages at a time.
+// Changes a page. Throws programs::Problem. Holds the parsed options without changing them, and may run for several pages at a
+// time.
 using Change = std::function<void(Page& page)>;
 
 // A change of the picture alone.

@@ -1,4 +1,4 @@
-// Which version this is, of what.
+// The versions of the tool and of the codec modules.
 #pragma once
 
 #include <string>

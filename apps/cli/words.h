@@ -1,4 +1,4 @@
-// Words as people type them: split, quoted, and compared.
+// Splitting, quoting and comparing words that users type.
 #pragma once
 
 #include <algorithm>

@@ -41,7 +41,7 @@ std::vector<int> numbers_in(const std::string& text) {
   return numbers;
 }
 
-// Reads a kernel written in the option itself or, as text, in a file that it names. Returns what is wrong.
+// Reads the kernel, which is the option itself or the text of a file that it names. Returns what is wrong.
 std::string read_kernel(Options& options) {
   if (options.filter != "kernel")
     return options.kernel.empty() ? "" : "--kernel goes with the filter \"kernel\" alone; leave it out";

@@ -24,7 +24,7 @@ Change declare(Arguments& arguments) {
       "  vorel skew page.tif slanted.tif vertical -25 --white");
   const auto options = std::make_shared<Options>();
   arguments.required("DIRECTION", options->direction, "horizontal or vertical", one_of({"horizontal", "vertical"}));
-  arguments.required("PIXELS", options->pixels, "how far the edge that moves most does");
+  arguments.required("PIXELS", options->pixels, "how far the outermost row or column moves");
   declare_background(arguments, options->white);
   return changes_picture([options](Picture picture) {
     return programs::skewed(std::move(picture), options->direction == "horizontal" ? Shear::kRows : Shear::kColumns,

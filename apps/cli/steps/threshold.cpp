@@ -31,8 +31,8 @@ std::string method_is_wrong(const std::string& text) {
 
 const std::string kUsualWindow = "3.5mm";
 
-// Odd. In fewer than 15 pixels a page has no light and dark to tell apart, as a coarse resolution would have it; 3 is what a window
-// means at all, for those who ask for it.
+// An odd number of pixels. Fewer than 15, as a coarse resolution gives, hold too little of a page to tell light from dark; a window
+// that was asked for may be as small as 3.
 int window_on(const Picture& picture, const Options& options) {
   constexpr int kLeastUsual = 15, kLeast = 3;
   const bool is_asked_for = !options.window.empty();

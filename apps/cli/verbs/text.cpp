@@ -60,7 +60,7 @@ ExitCode draw(const Values& values, const Streams& streams) {
 }
 
 Action declare(Arguments& arguments) {
-  arguments.explain("Black on white in the system's font, as large as the text takes. ",
+  arguments.explain("Black on white in the system's font, as large as the text needs.",
                     "  vorel text notes.txt notes.png\n"
                     "  vorel text old.txt old.tif --oem");
   const auto values = std::make_shared<Values>();
