@@ -71,10 +71,11 @@ class CliBatch : public Cli {
 
 TEST_F(CliBatch, InputsAreFilesFoldersAndPatterns) {
   fs::create_directories(at("in/out"));
-  for (const char* name : {"b.bmp", "a.bmp", "notes.txt", ".hidden.bmp", "deep/c.bmp", "deep/er/d1.bmp", "out/own.bmp"})
+  for (const char* name :
+       {"b.bmp", "a.bmp", "notes.txt", ".hidden.bmp", "deep/c.bmp", "deep/er/d1.bmp", "deep/map.PGM", "out/own.bmp"})
     put_page(name);
   EXPECT_THAT(ids({at("in")}), ElementsAre("a.bmp", "b.bmp"));
-  EXPECT_THAT(ids({at("in")}, true), ElementsAre("a.bmp", "b.bmp", "deep/c.bmp", "deep/er/d1.bmp"));
+  EXPECT_THAT(ids({at("in")}, true), ElementsAre("a.bmp", "b.bmp", "deep/c.bmp", "deep/er/d1.bmp", "deep/map.PGM"));
   EXPECT_THAT(ids({at("in/*.bmp")}), ElementsAre("a.bmp", "b.bmp"));
   EXPECT_THAT(ids({at("in/**/[!ab]*.bmp")}), ElementsAre("deep/c.bmp", "deep/er/d1.bmp"));
   EXPECT_THAT(ids({at("in/*/er/d?.b*")}), ElementsAre("deep/er/d1.bmp"));
@@ -92,8 +93,10 @@ TEST_F(CliBatch, NamesComeFromTheTemplate) {
   const auto name = [&](const char* pattern, const char* to = "") { return Naming(pattern, to).name_for(input, 3, 12); };
   EXPECT_EQ(name(kUsualName), "deep/er/my.scan.tif");
   EXPECT_EQ(name("{stem}-{page:03}of{pages}.{ext}", "png"), "my.scan-003of12.png");
+  EXPECT_EQ(name("{stem}.{ext}", "pnm"), "my.scan.pnm");
   EXPECT_EQ(name("{{{index:02}}} {name}//x"), "{07} my.scan.tif/x");
   EXPECT_EQ(Naming(kUsualName, "").name_for({"x", "a.tif", "", "", 1}, 1, 1), "a.tif");
+  EXPECT_EQ(Naming(kUsualName, "").name_for({"x", "a.pbm", "", "", 1}, 1, 1), "a.pbm");
   for (const char* wrong : {"", "a/", "{stem", "stem}", "{step}", "{stem:03}", "{page:3}", "{page:}"})
     EXPECT_NE(Naming::wrong(wrong), "") << wrong;
   put_page("a.bmp");

@@ -10,7 +10,7 @@
 #include "cli/batch/patterns.h"
 #include "cli/failure.h"
 #include "cli/files.h"
-#include "core/file_formats.h"
+#include "common/formats.h"
 
 namespace vorel::cli::batch {
 namespace fs = std::filesystem;
@@ -104,7 +104,7 @@ class Search {
       const std::string inner_id = joined(id, entry.name), inner_shown = name_of(path);
       if (entry.is_folder) {
         if (wanted_.is_recursive && !is_link(path)) add_folder(path, inner_id, inner_shown);
-      } else if (format_for_name(entry.name) != nullptr) {
+      } else if (programs::picture_format_for_name(entry.name) != nullptr) {
         add(path, inner_id, inner_shown);
       } else {
         ++inputs_.others;

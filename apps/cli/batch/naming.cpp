@@ -6,7 +6,7 @@
 
 #include "cli/batch/inputs.h"
 #include "cli/failure.h"
-#include "core/file_formats.h"
+#include "common/formats.h"
 
 namespace vorel::cli::batch {
 namespace {
@@ -23,8 +23,8 @@ std::string padded(const std::string& number, size_t width) {
 }
 
 std::string ending_of(const InputFile& input, const std::string& to) {
-  if (!to.empty()) return format_called(to)->endings[0];
-  const FileFormat* format = format_for_name(input.name());
+  if (!to.empty()) return programs::picture_format_called(to)->endings[0];
+  const FileFormat* format = programs::picture_format_for_name(input.name());
   if (format == nullptr || format->saver == Saver::kNobody) {
     throw Failure(ExitCode::kWrongUse, input.shown,
                   "its ending belongs to no format that can be saved; give one with --to, or an ending in --name");
