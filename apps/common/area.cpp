@@ -125,9 +125,7 @@ Picture levels_by_area(const Picture& picture, Size size) {
 // ---- Black and white ----
 
 uint8_t brightness_of(const Picture& picture, uint32_t pixel) {
-  const uint32_t color = color_of(picture, pixel);
-  return vorel::luminance_of(
-      {static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color >> 16), 0});
+  return vorel::luminance_of(rgb_of(color_of(picture, pixel)));
 }
 
 // Set bits from the pixel `first` on.
@@ -262,8 +260,7 @@ Picture bits_by_area(const Picture& picture, Size size) {
 
 // Colours of a table are mixed, and the nearest colour of the table stands for the mixture.
 Picture colors_by_area(const Picture& picture, Size size) {
-  const auto count = std::min(picture.colors().size(), size_t{1} << picture.depth());
-  const std::span<const Rgb> table = picture.colors().first(count);
+  const std::span<const Rgb> table = used_colors(picture);
   std::vector<uint8_t> samples(static_cast<size_t>(picture.width()) * 3);
   const auto unpacked = [&](const uint8_t* row) {
     with_depth(picture.depth(), [&](auto depth) {

@@ -85,15 +85,6 @@ class Reader {
   uint64_t bytes_;
 };
 
-uint64_t row_count(const DibHeader& header) {
-  const int64_t height = header.height;
-  return static_cast<uint64_t>(height < 0 ? -height : height);
-}
-
-uint64_t plain_bytes(const DibHeader& header) {
-  return (row_stride(header.depth, header.width) * row_count(header)).value();
-}
-
 bool is_run_length(const DibHeader& header) {
   return header.compression == Compression::kRle8 || header.compression == Compression::kRle4;
 }
@@ -114,12 +105,10 @@ std::optional<uint32_t> color_count(const BitmapFacts& facts, size_t table) {
 }
 
 void check_header(const DibHeader& header, uint32_t header_bytes) {
-  static constexpr int kDepths[] = {1, 4, 8, 16, 24, 32};
   const int depth = header.depth;
   if (header.width <= 0 || header.height == 0 || header.height == INT_MIN)
     fail_as_damaged(fmt::format("a picture of {} x {} pixels is none", header.width, header.height));
-  if (std::ranges::find(kDepths, depth) == std::end(kDepths))
-    fail_as_damaged(fmt::format("there are no pixels of {} bits", depth));
+  if (!is_stored_depth(depth)) fail_as_damaged(fmt::format("there are no pixels of {} bits", depth));
   if (header.planes != 1) fail_as_damaged(fmt::format("the header counts {} colour planes, not 1", header.planes));
   // Two sizes of header belong to a family that numbers its compressions another way from 3 on.
   const bool is_other_family = header_bytes == 16 || header_bytes == 64;
@@ -169,7 +158,7 @@ void find_pixels(const Reader& reader, uint64_t stated_at, const Table& table, B
   const DibHeader& header = layout.header();
   layout.pixels_at = stated_at != 0 ? stated_at : table.end();
   if (layout.pixels_at < table.end()) fail_as_damaged("the pixels begin before the header and colour table end");
-  const uint64_t whole = plain_bytes(header), stated = header.image_bytes;
+  const uint64_t whole = plain_bytes(header).value(), stated = header.image_bytes;
   const uint64_t there = reader.bytes() > layout.pixels_at ? reader.bytes() - layout.pixels_at : 0;
   if (is_run_length(header)) {
     layout.pixel_bytes = stated != 0 ? stated : std::max<uint64_t>(there, 1);

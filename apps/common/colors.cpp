@@ -53,7 +53,7 @@ class DarkBitsSet {
  public:
   explicit DarkBitsSet(const Picture& picture, bool wanted)
       : is_inverted_(wanted && picture.depth() == 1 &&
-                     luminance_of(picture.colors()[0]) < luminance_of(picture.colors()[1])) {}
+                     vorel::luminance_of(picture.colors()[0]) < vorel::luminance_of(picture.colors()[1])) {}
 
   bool is_inverted() const { return is_inverted_; }
 
@@ -62,8 +62,6 @@ class DarkBitsSet {
   }
 
  private:
-  static int luminance_of(Rgb color) { return vorel::luminance_of(color); }
-
   bool is_inverted_;
 };
 
@@ -181,9 +179,7 @@ LevelCounts count_levels(const Picture& picture) {
     for (int y = 0; y < pixels.height(); ++y)
       for (int x = 0; x < pixels.width(); ++x) {
         const uint32_t color = color_of(picture, Pixel<depth>::load(pixels.row(y).data(), x));
-        const Rgb rgb = {static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color >> 16),
-                         0};
-        ++counts[level_of(rgb)];
+        ++counts[level_of(rgb_of(color))];
       }
   });
   return counts;

@@ -16,10 +16,6 @@ namespace {
 
 using Colors = std::vector<uint32_t>;  // as pixels of 24 bits
 
-constexpr Rgb rgb_of(uint32_t color) {
-  return {static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color >> 16), 0};
-}
-
 // The rows of a picture from the top, in whatever order it stores them.
 class Rows {
  public:

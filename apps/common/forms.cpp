@@ -100,8 +100,7 @@ Picture luminance_of(const Picture& picture) {
     for (int y = 0; y < from.height(); ++y)
       for (int x = 0; x < from.width(); ++x) {
         const uint32_t color = color_of(picture, Pixel<depth>::load(from.row(y).data(), x));
-        to.row(y)[static_cast<size_t>(x)] = vorel::luminance_of(
-            {static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color >> 16), 0});
+        to.row(y)[static_cast<size_t>(x)] = vorel::luminance_of(rgb_of(color));
       }
   });
   return result;

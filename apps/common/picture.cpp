@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "common/problem.h"
+#include "core/pixel.h"
 
 namespace vorel::programs {
 namespace {
@@ -12,18 +13,12 @@ namespace {
   throw Problem(Fault::kLimit, "there is not enough memory for the result; close programs or ask for a smaller one");
 }
 
-ByteCount plain_bytes(const DibHeader& header) {
-  const int64_t rows = header.height < 0 ? -int64_t{header.height} : header.height;
-  return row_stride(header.depth, header.width) * static_cast<uint64_t>(rows);
-}
-
 // Why a block is no picture that the programs can hold; null if it is one.
 const char* flaw_of(std::span<const uint8_t> block, const DibHeader& header) {
-  static constexpr int kDepths[] = {1, 4, 8, 16, 24, 32};
   if (header.size != kHeaderBytes) return "its header is not of 40 bytes";
   if (header.width <= 0 || header.height == 0 || header.height == INT_MIN) return "it has no pixels";
   if (header.planes != 1) return "it counts several colour planes";
-  if (std::ranges::find(kDepths, header.depth) == std::end(kDepths)) return "it has no pixels of this depth";
+  if (!is_stored_depth(header.depth)) return "it has no pixels of this depth";
   const bool is_plain = header.compression == Compression::kNone;
   if (!is_plain && !(header.compression == Compression::kRle8 && header.depth == 8) &&
       !(header.compression == Compression::kRle4 && header.depth == 4))
@@ -33,6 +28,15 @@ const char* flaw_of(std::span<const uint8_t> block, const DibHeader& header) {
 }
 
 }  // namespace
+
+bool is_stored_depth(int depth) { return is_pixel_depth(depth) || depth == 16 || depth == 32; }
+
+uint64_t row_count(const DibHeader& header) {
+  const int64_t height = header.height;
+  return static_cast<uint64_t>(height < 0 ? -height : height);
+}
+
+ByteCount plain_bytes(const DibHeader& header) { return row_stride(header.depth, header.width) * row_count(header); }
 
 Picture::Picture(HGLOBAL dib) {
   void* const data = dib == nullptr ? nullptr : GlobalLock(dib);
@@ -146,6 +150,10 @@ uint32_t color_of(const Picture& picture, uint32_t pixel) {
   if (pixel >= picture.colors().size()) return 0;
   const Rgb color = picture.colors()[pixel];
   return color.blue | uint32_t{color.green} << 8 | uint32_t{color.red} << 16;
+}
+
+std::span<const Rgb> used_colors(const Picture& picture) {
+  return picture.colors().first(std::min(picture.colors().size(), size_t{1} << picture.depth()));
 }
 
 }  // namespace vorel::programs

@@ -13,6 +13,13 @@
 
 namespace vorel::programs {
 
+// The depths that pictures are stored with.
+bool is_stored_depth(int depth);
+
+// Rows in either order, and their bytes without compression.
+uint64_t row_count(const DibHeader& header);
+ByteCount plain_bytes(const DibHeader& header);
+
 // Ends the use of a locked block.
 struct UnlockAndFree {
   bool owns = true;
@@ -85,6 +92,13 @@ Picture blank_like(const Picture& picture, Size size, int depth);
 
 // The colour of a pixel as a pixel of 24 bits has it. What the table lacks is black.
 uint32_t color_of(const Picture& picture, uint32_t pixel);
+
+constexpr Rgb rgb_of(uint32_t color) {
+  return {static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color >> 16), 0};
+}
+
+// The colours of the table that pixels can have: some tables are longer.
+std::span<const Rgb> used_colors(const Picture& picture);
 
 // Calls change(row) for the bytes of each row, padding included.
 template <class Change>

@@ -47,8 +47,7 @@ void exchange_with_first(const Picture& picture, int index) {
 
 int nearest_index(const Picture& picture, Background background) {
   const uint8_t level = background == Background::kWhite ? 255 : 0;
-  const size_t count = std::min(picture.colors().size(), size_t{1} << picture.depth());
-  return nearest_color(picture.colors().first(count), {level, level, level, 0});
+  return nearest_color(used_colors(picture), {level, level, level, 0});
 }
 
 // Runs a change of a workable picture whose result is 0 where the picture does not reach, and makes that the background.

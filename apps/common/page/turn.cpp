@@ -303,10 +303,6 @@ double aspect_of(const DibHeader& header) {
   return aspect > kMost || aspect < 1 / kMost ? 1 : aspect;
 }
 
-std::span<const Rgb> used_colors(const Picture& picture) {
-  return picture.colors().first(std::min(picture.colors().size(), size_t{1} << picture.depth()));
-}
-
 // The number of the colour nearest to a grey.
 uint32_t index_of(const Picture& picture, uint8_t level) {
   return nearest_color(used_colors(picture), {level, level, level, 0});
