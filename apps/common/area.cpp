@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/forms.h"
+#include "common/row_bits.h"
 #include "core/gray.h"
 #include "core/nearest_color.h"
 #include "core/pixel.h"
@@ -15,12 +16,13 @@
 namespace vorel::programs {
 namespace {
 
-// The old pixels of a row or column that a new one covers. Lengths are counted in parts, `after` to an old pixel and `before` to a
-// new one, so that all of them are whole numbers.
+// The old pixels of a row or column that lie under a new one: from `first` on perhaps one that is covered in part, then pixels that
+// are covered whole, then perhaps another one in part. Lengths are counted in parts, `after` to an old pixel and `before` to a new
+// one, so that all of them are whole numbers.
 struct Cover {
-  int first;            // old pixel, of which `head` parts are covered; 0 for none
-  uint32_t head, tail;  // `tail` parts of the one behind the whole ones
-  int whole;            // pixels between the two that are covered whole
+  int first;
+  uint32_t head, tail;  // parts of the pixels in front of the whole ones and behind them; 0 if there is no such pixel
+  int whole;            // number of pixels
   int last() const { return first + (head > 0 ? 1 : 0) + whole - (tail > 0 ? 0 : 1); }
 };
 
@@ -124,26 +126,23 @@ Picture levels_by_area(const Picture& picture, Size size) {
 
 // ---- Black and white ----
 
-uint8_t brightness_of(const Picture& picture, uint32_t pixel) {
-  return vorel::luminance_of(rgb_of(color_of(picture, pixel)));
+// Whether equal parts of both colours make a set bit: the darker colour wins.
+bool set_wins_ties(const Picture& picture) {
+  const auto brightness = [&](uint32_t pixel) { return vorel::luminance_of(rgb_of(color_of(picture, pixel))); };
+  return brightness(1) < brightness(0);
 }
 
 // Set bits from the pixel `first` on.
-int count_bits(const uint8_t* row, int first, int count) {
+int count_bits(std::span<const uint8_t> row, int first, int count) {
   constexpr int kInWord = 56;  // of any alignment
   int bits = 0;
-  for (; count > 0; first += kInWord, count -= kInWord) {
-    const int taken = std::min(count, kInWord);
-    uint64_t word = 0;
-    for (int byte = first >> 3; byte <= (first + taken - 1) >> 3; ++byte)
-      word |= uint64_t{row[byte]} << (56 - 8 * (byte - (first >> 3)));
-    bits += std::popcount(word << (first & 7) >> (64 - taken));
-  }
+  for (; count > 0; first += kInWord, count -= kInWord)
+    bits += std::popcount(first_of(pixels_at(row, static_cast<size_t>(first / 8)) << first % 8, std::min(count, kInWord)));
   return bits;
 }
 
-// The side that covers more of a new pixel; if none does, the darker one. New bytes that see one side alone, as most of a page
-// does, are not counted.
+// Each new pixel gets the colour that covers more of it. Where all old pixels under a byte of the result have one colour, as on most
+// of a page, none are counted.
 class Majority {
  public:
   Majority(const Picture& picture, const Picture& result)
@@ -154,7 +153,7 @@ class Majority {
         any_(from_.row(0).size()),
         all_(any_.size()),
         whole_(parts_of(picture)),
-        for_half_(brightness_of(picture, 1) < brightness_of(picture, 0) ? 1 : 0) {}
+        for_half_(set_wins_ties(picture) ? 1 : 0) {}
 
   void make() {
     for (int y = 0; y < to_.height(); ++y) {
@@ -198,12 +197,12 @@ class Majority {
   uint64_t sum_of(const Cover& rows, const Cover& columns) const {
     uint64_t sum = 0;
     for_each_covered(rows, static_cast<uint32_t>(to_.height()), [&](int y, uint32_t parts) {
-      const uint8_t* const row = from_.row_from_top(y).data();
+      const std::span<const uint8_t> row = from_.row_from_top(y);
       int at = columns.first;
       uint64_t across = 0;
-      if (columns.head > 0) across += columns.head * Pixel<1>::load(row, at++);
+      if (columns.head > 0) across += columns.head * Pixel<1>::load(row.data(), at++);
       across += static_cast<uint64_t>(to_.width()) * static_cast<uint64_t>(count_bits(row, at, columns.whole));
-      if (columns.tail > 0) across += columns.tail * Pixel<1>::load(row, at + columns.whole);
+      if (columns.tail > 0) across += columns.tail * Pixel<1>::load(row.data(), at + columns.whole);
       sum += across * parts;
     });
     return sum;
@@ -217,12 +216,12 @@ class Majority {
 
 // The same for exactly half the size: 32 new pixels at a time from the words of two rows. Bit pairs lie within bytes, the left pixel
 // in the higher bit.
-uint32_t majority_of_fours(uint64_t above, uint64_t below, bool set_wins_ties) {
+uint32_t majority_of_fours(uint64_t above, uint64_t below, bool twos_are_set) {
   const uint64_t both_above = above & above << 1, both_below = below & below << 1;
   const uint64_t one_above = above | above << 1, one_below = below | below << 1;
   const uint64_t three = (both_above & one_below) | (both_below & one_above);
   const uint64_t two = both_above | both_below | (one_above & one_below);
-  uint64_t bits = (set_wins_ties ? two : three) >> 1 & 0x5555555555555555;
+  uint64_t bits = (twos_are_set ? two : three) >> 1 & 0x5555555555555555;
   bits = (bits | bits >> 1) & 0x3333333333333333;
   bits = (bits | bits >> 2) & 0x0F0F0F0F0F0F0F0F;
   bits = (bits << 4 | bits >> 8) & 0x00FF00FF00FF00FF;
@@ -232,17 +231,12 @@ uint32_t majority_of_fours(uint64_t above, uint64_t below, bool set_wins_ties) {
 
 void halve_bits(const Picture& picture, const Picture& result) {
   const DibView from = picture.pixels(), to = result.pixels();
-  const bool set_wins_ties = brightness_of(picture, 1) < brightness_of(picture, 0);
-  const auto word_of = [](std::span<const uint8_t> row, size_t at) {
-    uint64_t word = 0;
-    std::memcpy(&word, row.data() + at, std::min(row.size() - at, sizeof word));
-    return word;
-  };
+  const bool twos_are_set = set_wins_ties(picture);
   for (int y = 0; y < to.height(); ++y) {
     const std::span<const uint8_t> above = from.row_from_top(2 * y), below = from.row_from_top(2 * y + 1);
     const std::span<uint8_t> row = to.row_from_top(y);
     for (size_t at = 0; at < row.size(); at += 4) {
-      const uint32_t pixels = majority_of_fours(word_of(above, 2 * at), word_of(below, 2 * at), set_wins_ties);
+      const uint32_t pixels = majority_of_fours(word_at(above, 2 * at), word_at(below, 2 * at), twos_are_set);
       std::memcpy(row.data() + at, &pixels, std::min(row.size() - at, sizeof pixels));
     }
     if (to.width() % 8 != 0) row.back() &= static_cast<uint8_t>(0xFF00 >> to.width() % 8);

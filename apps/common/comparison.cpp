@@ -8,6 +8,7 @@
 
 #include "common/forms.h"
 #include "common/operations.h"
+#include "common/row_bits.h"
 #include "core/gray.h"
 #include "core/pixel.h"
 
@@ -68,17 +69,10 @@ int distance(uint32_t a, uint32_t b) {
 // Of rows of 1 bit per pixel. Bits past the width do not count.
 uint64_t differing_bits(std::span<const uint8_t> a, std::span<const uint8_t> b, int width) {
   uint64_t count = 0;
-  const auto whole = static_cast<size_t>(width) / 8;
-  size_t i = 0;
-  for (; i + sizeof(uint64_t) <= whole; i += sizeof(uint64_t)) {
-    uint64_t first = 0, second = 0;
-    std::memcpy(&first, a.data() + i, sizeof first);
-    std::memcpy(&second, b.data() + i, sizeof second);
-    count += static_cast<uint64_t>(std::popcount(first ^ second));
+  for (size_t at = 0; at < a.size(); at += kWordBytes) {
+    const uint64_t differing = first_of(pixels_at(a, at) ^ pixels_at(b, at), width - static_cast<int>(8 * at));
+    count += static_cast<uint64_t>(std::popcount(differing));
   }
-  for (; i < whole; ++i) count += static_cast<uint64_t>(std::popcount(static_cast<uint8_t>(a[i] ^ b[i])));
-  if (width % 8 != 0)
-    count += static_cast<uint64_t>(std::popcount(static_cast<uint8_t>((a[whole] ^ b[whole]) >> (8 - width % 8))));
   return count;
 }
 

@@ -1,13 +1,13 @@
 #include "common/losses.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <fmt/format.h>
 #include <unordered_set>
 
 #include "common/formats.h"
 #include "core/pixel.h"
+#include "core/resolution.h"
 
 namespace vorel::programs {
 namespace {
@@ -17,8 +17,7 @@ bool keeps_resolution(const FileFormat& format) {
 }
 
 std::string shown_dpi(const DibHeader& header) {
-  const auto dpi = [](int per_metre) { return std::lround(per_metre * 0.0254); };
-  return fmt::format("{} x {} dpi", dpi(header.x_per_metre), dpi(header.y_per_metre));
+  return fmt::format("{} x {} dpi", nearest_dpi(header.x_per_metre), nearest_dpi(header.y_per_metre));
 }
 
 bool has_more_colors_than(const Picture& picture, size_t most) {

@@ -5,6 +5,7 @@
 
 #include "common/platform.h"
 #include "common/problem.h"
+#include "core/resolution.h"
 #include "metafile/device_metafile.h"
 #include "metafile/records.h"
 
@@ -34,7 +35,7 @@ Picture whole_metafile(const std::filesystem::path& path, Picture loaded) {
   if (bitmap != nullptr) DeleteObject(bitmap);
   Picture picture(dib);
   const auto per_metre = [](int dpi, int drawn, int stated) {
-    return static_cast<int>(dpi / 0.0254 * drawn / std::max(stated, 1) + 0.5);
+    return static_cast<int>(dpi / kMetresPerInch * drawn / std::max(stated, 1) + 0.5);
   };
   picture.set_resolution(per_metre(screen.x, part.width, whole.width), per_metre(screen.y, part.height, whole.height));
   return picture;

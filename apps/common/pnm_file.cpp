@@ -18,7 +18,6 @@ namespace vorel::programs {
 namespace {
 
 constexpr uint32_t kMostSample = 65'535;
-constexpr Rgb kBlackAndWhite[] = {{0, 0, 0, 0}, {255, 255, 255, 0}};
 
 [[noreturn]] void fail(const std::string& text) { throw Problem(Fault::kFormat, text); }
 
@@ -259,13 +258,10 @@ PnmFacts inspect_pnm(std::istream& stream, uint64_t bytes, uint64_t start) {
 Picture read_pnm(std::istream& stream, uint64_t bytes, uint64_t start) {
   Reader reader(stream, bytes);
   const PnmHeader header = reader.read_header_at(start);
-  std::vector<Rgb> colors;
-  if (header.depth() == 1) colors.assign(std::begin(kBlackAndWhite), std::end(kBlackAndWhite));
-  if (header.depth() == 8) {
-    colors.resize(256);
-    write_gray_ramp(colors);
-  }
-  Picture picture = Picture::blank(dib_header_of(header), colors);
+  const DibHeader dib_header = dib_header_of(header);
+  std::vector<Rgb> colors(dib_header.colors_used);
+  if (!colors.empty()) write_even_grays(colors);
+  Picture picture = Picture::blank(dib_header, colors);
   RowReader rows(reader, header);
   const DibView pixels = picture.pixels();
   for (int y = 0; y < pixels.height(); ++y) {
@@ -316,10 +312,7 @@ class AddedPage {
 }  // namespace
 
 bool write_pnm(const std::string& path, const Picture& picture, const FileFormat& format, int page) {
-  const int kind = format.code == kPnm ? (picture.depth() == 1   ? 4
-                                          : picture.depth() == 8 ? 5
-                                                                 : 6)
-                                       : kind_for(picture, format);
+  const int kind = kind_for(picture, format);
   std::optional<AddedPage> added;
   if (page > 1) added.emplace(path);
   std::ofstream file(std::filesystem::path(path), std::ios::binary | (page == 1 ? std::ios::trunc : std::ios::app));

@@ -6,6 +6,7 @@
 
 #include "common/page/profile.h"
 #include "common/page/slant.h"
+#include "common/page/units.h"
 
 namespace vorel::programs {
 namespace {
@@ -79,7 +80,7 @@ Orientation find_orientation(const Picture& page) {
   const Slant slant = find_slant(page);
   if (!slant.is_sure()) return {};
   const int side = cell_side(page), part = std::max(1, side / 4);
-  const double aspect = aspect_of(page.header());
+  const double aspect = down_per_across(page.header());
   const InkMap map = ink_map(page, slant.goes_down ? CellSize{part, side} : CellSize{side, part});
   const Columns columns = slant.goes_down ? rows_of(map, aspect) : columns_of(map, aspect);
   Profile profile(columns);

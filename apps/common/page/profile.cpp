@@ -7,13 +7,6 @@
 
 namespace vorel::programs {
 
-double aspect_of(const DibHeader& header) {
-  constexpr double kMost = 8;
-  if (header.x_per_metre <= 0 || header.y_per_metre <= 0) return 1;
-  const double aspect = static_cast<double>(header.y_per_metre) / header.x_per_metre;
-  return aspect > kMost || aspect < 1 / kMost ? 1 : aspect;
-}
-
 Columns columns_of(const InkMap& map, double aspect) {
   Columns columns(map.width(), map.height(), aspect * map.cell().width / map.cell().height);
   constexpr int kRows = 16;  // at a time, so that they stay in the cache

@@ -10,10 +10,7 @@
 
 namespace vorel::programs {
 
-// Pixels down for each pixel across, of a line at 45 degrees on paper. No scanner's ratio is beyond 8.
-double aspect_of(const DibHeader& header);
-
-// A page held in columns of cells, each of which can be moved up and down.
+// The cells of a page, column by column. `aspect` is that of down_per_across().
 struct Columns {
   Columns(int columns, int rows, double unit)
       : width(columns), height(rows), slope_unit(unit), cells(static_cast<size_t>(columns) * static_cast<size_t>(rows)) {}

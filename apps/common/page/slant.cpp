@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/page/profile.h"
+#include "common/page/units.h"
 
 namespace vorel::programs {
 namespace {
@@ -104,7 +105,7 @@ bool Slant::is_worth_turning() const { return std::abs(degrees) >= std::max(kLea
 
 Slant find_slant(const Picture& page) {
   const int side = cell_side(page), part = std::max(1, side / 4);
-  const double aspect = aspect_of(page.header());
+  const double aspect = down_per_across(page.header());
   InkMap fine = ink_map(page, {side, part});
   InkMap map = coarser(fine, {side, side});
   const std::vector<uint8_t> borders = dark_borders(map);

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <deque>
 #include <vector>
 
 #include "common/forms.h"
 #include "common/page/ink_map.h"
 #include "common/problem.h"
+#include "common/row_bits.h"
 
 namespace vorel::programs {
 namespace {
@@ -20,13 +20,13 @@ struct Run {
   int left, top, right, bottom;  // of the root
 };
 
-// Runs of as many rows as a speck may be high: what reaches further is none, so rows above are settled and need not be kept. Parents
-// are never above their children, so that no run that is kept needs one that is gone.
+// Keeps the runs of as many rows as a speck may be high. What reaches further is no speck, so rows above are settled and dropped.
+// Parents are never above their children: no run that is kept refers to a dropped one.
 class Runs {
  public:
   Runs(ConstDibView page, uint32_t color) : page_(page), inverted_(color == 0 ? ~uint64_t{0} : 0) {}
 
-  // Calls erase(row, first, last) for each run of what is at most of some size. Returns how many components that are.
+  // Calls erase(row, first, last) for each run of the components of at most this size. Returns the number of components.
   template <class Erase>
   uint64_t erase_small(Size most, Erase erase) {
     if (most.width < 1 || most.height < 1) return 0;
@@ -71,17 +71,12 @@ class Runs {
   }
 
   // 64 pixels from the left as the bits of a word from the highest; set ones have the colour.
-  uint64_t word(const uint8_t* row, int x) const {
-    const int bytes = std::min<int>(8, static_cast<int>(row_bytes(1, page_.width())) - x / 8);
-    uint64_t bits = 0;
-    for (int i = 0; i < bytes; ++i) bits |= uint64_t{row[x / 8 + i]} << (56 - 8 * i);
-    bits ^= inverted_;
-    const int pixels = page_.width() - x;
-    return pixels < 64 ? bits & ~(~uint64_t{0} >> pixels) : bits;
+  uint64_t word(std::span<const uint8_t> row, int x) const {
+    return first_of(pixels_at(row, static_cast<size_t>(x / 8)) ^ inverted_, page_.width() - x);
   }
 
   void find_runs(int y) {
-    const uint8_t* const row = page_.row_from_top(y).data();
+    const std::span<const uint8_t> row = page_.row_from_top(y);
     int start = -1;
     for (int x = 0; x < page_.width(); x += 64) {
       uint64_t bits = word(row, x);
@@ -164,7 +159,7 @@ void remove(Despeckled& page, uint32_t color, Size most) {
 Despeckled despeckled(Picture picture, Size most, SpeckColors colors) {
   if (picture.depth() != 1)
     throw Problem(Fault::kFormat, "only black and white pictures have specks of this kind; use threshold first, or clean");
-  Despeckled page{upright(std::move(picture))};
+  Despeckled page{made_own(upright(std::move(picture)))};
   const uint32_t ink = darker_color(page.picture);
   if (colors != SpeckColors::kPaper) remove(page, ink, most);
   if (colors != SpeckColors::kInk) remove(page, ink ^ 1, most);

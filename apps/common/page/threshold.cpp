@@ -5,16 +5,17 @@
 #include <vector>
 
 #include "common/forms.h"
+#include "core/gray.h"
 
 namespace vorel::programs {
 namespace {
 
-constexpr std::array<Rgb, 2> kBlackAndWhite = {Rgb{0, 0, 0, 0}, Rgb{255, 255, 255, 0}};
-
 Picture blank_page(const Picture& like) {
   DibHeader header = like.header();
   header.depth = 1;
-  return Picture::blank(header, kBlackAndWhite);
+  std::array<Rgb, 2> black_and_white;
+  write_even_grays(black_and_white);
+  return Picture::blank(header, black_and_white);
 }
 
 // Eight pixels at a time: is_white(x) of each.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/forms.h"
+#include "common/page/units.h"
 #include "common/problem.h"
 #include "core/gray.h"
 #include "core/nearest_color.h"
@@ -35,7 +36,7 @@ struct Mapping {
   Fixed first, per_column, per_row;
 };
 
-// Centre to centre. `aspect` is that of aspect_of().
+// Centre to centre. `aspect` is that of across_per_down().
 Mapping mapping_of(Size from, Size to, double angle, double aspect) {
   const double sine = std::sin(angle), cosine = std::cos(angle);
   const auto fixed = [](double x, double y) {
@@ -295,14 +296,6 @@ Size turned_size(Size size, double angle, double aspect) {
   return {static_cast<int>(width), static_cast<int>(height)};
 }
 
-// Pixels across for each pixel down in a square on paper. No scanner's ratio is beyond 8; such headers are taken for damaged.
-double aspect_of(const DibHeader& header) {
-  constexpr double kMost = 8;
-  if (header.x_per_metre <= 0 || header.y_per_metre <= 0) return 1;
-  const double aspect = static_cast<double>(header.x_per_metre) / header.y_per_metre;
-  return aspect > kMost || aspect < 1 / kMost ? 1 : aspect;
-}
-
 // The number of the colour nearest to a grey.
 uint32_t index_of(const Picture& picture, uint8_t level) {
   return nearest_color(used_colors(picture), {level, level, level, 0});
@@ -323,7 +316,7 @@ void change_to_table(const Picture& levels, const Picture& result) {
 Picture turned_between(const Picture& picture, double angle, Background background, Canvas canvas) {
   const Size from = {picture.width(), picture.height()};
   if (std::max(from.width, from.height) > kMostPixels) fail_for_size();
-  const double aspect = aspect_of(picture.header());
+  const double aspect = across_per_down(picture.header());
   const Size to = canvas == Canvas::kSame ? from : turned_size(from, angle, aspect);
   const Mapping mapping = mapping_of(from, to, angle, aspect);
   const uint8_t level = background == Background::kWhite ? 255 : 0;

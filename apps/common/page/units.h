@@ -24,6 +24,18 @@ inline bool states_resolution(const Picture& picture) {
   return is_credible(picture.header().x_per_metre) && is_credible(picture.header().y_per_metre);
 }
 
+// The ratio of two resolutions; 1 if one is not stated. No scanner's ratio is beyond 8: such headers are taken for damaged.
+inline double credible_ratio(int32_t per_metre, int32_t other_per_metre) {
+  constexpr double kMost = 8;
+  if (per_metre <= 0 || other_per_metre <= 0) return 1;
+  const double ratio = static_cast<double>(per_metre) / other_per_metre;
+  return ratio > kMost || ratio < 1 / kMost ? 1 : ratio;
+}
+
+// Pixels down for each pixel across, of a line at 45 degrees on paper, and the reverse.
+inline double down_per_across(const DibHeader& header) { return credible_ratio(header.y_per_metre, header.x_per_metre); }
+inline double across_per_down(const DibHeader& header) { return credible_ratio(header.x_per_metre, header.y_per_metre); }
+
 // Pixels to the millimetre across or down; pictures without a credible resolution count as ones of kAssumedDpi.
 inline double across_per_millimetre(const Picture& picture) {
   return states_resolution(picture) ? picture.header().x_per_metre / 1000.0 : kAssumedDpi / kMillimetresPerInch;
