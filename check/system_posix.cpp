@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "check/armed.h"
 #include "check/system.h"
 #include "support/module.h"
 
@@ -27,28 +28,13 @@ void __libc_free(void* block);
 
 namespace {
 
-struct Armed {
-  unsigned parts = 0;  // none: nothing is counted
-  long at = 0, seen = 0;
-  bool lasts = false;
-  const char* failed = nullptr;
-  const std::function<void()>* action = nullptr;  // happens instead of a failure
-};
+using check::Armed;
+
 thread_local constinit Armed armed;
 std::atomic<long> live_blocks = 0;
 
 bool fails(check::SystemPart part, const char* function, int error) {
-  if ((armed.parts & part) == 0) return false;
-  ++armed.seen;
-  const bool now = armed.at != 0 && (armed.lasts ? armed.seen >= armed.at : armed.seen == armed.at);
-  if (!now) return false;
-  if (armed.failed == nullptr) armed.failed = function;
-  if (armed.action != nullptr) {
-    const Armed before = std::exchange(armed, Armed{});
-    (*before.action)();
-    armed = before;
-    return false;
-  }
+  if (!armed.meets(part, function)) return false;
   errno = error;
   return true;
 }

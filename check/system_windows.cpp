@@ -5,9 +5,11 @@
 #include <map>
 #include <windows.h>
 
+#include "check/armed.h"
 #include "check/system.h"
 #include "support/heap.h"
 #include "win32/support/gdi.h"
+#include "win32/support/imports.h"
 #include "win32/support/window.h"
 
 namespace {
@@ -87,28 +89,11 @@ constexpr Import kImports[] = {
     {"_stat64", 0, kMinusOne, kFilePart},
 };
 
-struct Armed {
-  unsigned parts = 0;
-  long at = 0, seen = 0;
-  bool lasts = false;
-  const char* failed = nullptr;
-  const std::function<void()>* action = nullptr;  // happens instead of a failure
-  DWORD thread = 0;
-};
-Armed armed;
+check::Armed armed;
+DWORD armed_thread = 0;  // whose calls count
 
 bool fails(check::SystemPart part, const char* function) {
-  if ((armed.parts & part) == 0 || armed.thread != GetCurrentThreadId()) return false;
-  ++armed.seen;
-  const bool now = armed.at != 0 && (armed.lasts ? armed.seen >= armed.at : armed.seen == armed.at);
-  if (now && armed.failed == nullptr) armed.failed = function;
-  if (now && armed.action != nullptr) {
-    const Armed before = std::exchange(armed, Armed{});
-    (*before.action)();
-    armed = before;
-    return false;
-  }
-  return now;
+  return armed_thread == GetCurrentThreadId() && armed.meets(part, function);
 }
 
 // The system's own functions are always there.
@@ -247,22 +232,8 @@ void* replacement_of(const char* name, void* function) {
 
 // Leads the imports of a module through replacements.
 void patch(HMODULE module) {
-  auto* const base = reinterpret_cast<uint8_t*>(module);
-  const auto* nt =
-      reinterpret_cast<const IMAGE_NT_HEADERS*>(base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
-  const auto& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-  for (auto* dll = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress); dll->Name != 0;
-       ++dll) {
-    auto* name = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + dll->OriginalFirstThunk);
-    for (auto* slot = reinterpret_cast<void**>(base + dll->FirstThunk); name->u1.AddressOfData != 0; ++name, ++slot) {
-      if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-      const auto* by_name = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
-      DWORD protection = 0;
-      VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);
-      *slot = replacement_of(reinterpret_cast<const char*>(by_name->Name), *slot);
-      VirtualProtect(slot, sizeof *slot, protection, &protection);
-    }
-  }
+  test::for_each_import(module,
+                        [](const char* name, void** slot) { test::exchange_import(slot, replacement_of(name, *slot)); });
 }
 
 }  // namespace
@@ -274,8 +245,8 @@ void keep_jpeg_loaded() {}
 
 std::string FailingSystem::failed() const { return armed.failed == nullptr ? "" : armed.failed; }
 void FailingSystem::begin() {
-  armed = {
-      .parts = parts_, .at = at_, .lasts = lasts_, .action = action_ ? &action_ : nullptr, .thread = GetCurrentThreadId()};
+  armed = {.parts = parts_, .at = at_, .lasts = lasts_, .action = action_ ? &action_ : nullptr};
+  armed_thread = GetCurrentThreadId();
 }
 void FailingSystem::end() { armed.parts = 0; }
 

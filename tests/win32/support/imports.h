@@ -1,4 +1,4 @@
-// Stands in for functions that VOREL32.DLL imports, to make them fail or to watch them.
+// Stands in for functions that VOREL32.DLL or another module imports, to make them fail or to watch them.
 #pragma once
 
 #include <cstring>
@@ -7,9 +7,10 @@
 
 namespace test {
 
-// The slot in the DLL's import table that a function is called through.
-inline void** import_slot(const char* function) {
-  auto* base = reinterpret_cast<uint8_t*>(GetModuleHandleA("VOREL32.DLL"));
+// Calls visit(name, slot) for each import that has a name: the slot in the import table that the function is called through.
+template <class Visit>
+void for_each_import(HMODULE module, Visit visit) {
+  auto* base = reinterpret_cast<uint8_t*>(module);
   const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
   const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
   const auto& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
@@ -20,10 +21,29 @@ inline void** import_slot(const char* function) {
     for (; name->u1.AddressOfData != 0; ++name, ++slot) {
       if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
       const auto* by_name = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
-      if (std::strcmp(reinterpret_cast<const char*>(by_name->Name), function) == 0) return slot;
+      visit(reinterpret_cast<const char*>(by_name->Name), slot);
     }
   }
-  throw std::runtime_error(function);
+}
+
+// Returns the function that the slot held.
+inline void* exchange_import(void** slot, void* function) {
+  DWORD protection = 0;
+  VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);
+  void* before = *slot;
+  *slot = function;
+  VirtualProtect(slot, sizeof *slot, protection, &protection);
+  return before;
+}
+
+// The first slot of VOREL32.DLL for a function.
+inline void** import_slot(const char* function) {
+  void** found = nullptr;
+  for_each_import(GetModuleHandleA("VOREL32.DLL"), [&](const char* name, void** slot) {
+    if (found == nullptr && std::strcmp(name, function) == 0) found = slot;
+  });
+  if (found == nullptr) throw std::runtime_error(function);
+  return found;
 }
 
 // Puts another function in an import's place for a scope.
@@ -31,21 +51,12 @@ class Replacement {
  public:
   template <class Function>
   Replacement(const char* name, Function* function)
-      : slot_(import_slot(name)), original_(exchange(reinterpret_cast<void*>(function))) {}
+      : slot_(import_slot(name)), original_(exchange_import(slot_, reinterpret_cast<void*>(function))) {}
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
-  ~Replacement() { exchange(original_); }
+  ~Replacement() { exchange_import(slot_, original_); }
 
  private:
-  void* exchange(void* function) {
-    DWORD protection = 0;
-    VirtualProtect(slot_, sizeof *slot_, PAGE_READWRITE, &protection);
-    void* before = *slot_;
-    *slot_ = function;
-    VirtualProtect(slot_, sizeof *slot_, protection, &protection);
-    return before;
-  }
-
   void** slot_;
   void* original_;
 };
