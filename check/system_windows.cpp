@@ -3,10 +3,12 @@
 #include <csignal>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <windows.h>
 
 #include "check/armed.h"
 #include "check/system.h"
+#include "support/guarded_pages.h"
 #include "support/heap.h"
 #include "win32/support/gdi.h"
 #include "win32/support/imports.h"
@@ -183,29 +185,29 @@ void __cdecl ends_process() { std::raise(SIGABRT); }
 
 // ---- global memory that ends at a page without access: handles are addresses
 
-constexpr size_t kPage = 4096;
+struct GuardedBlock {
+  size_t bytes;
+  std::unique_ptr<test::GuardedPages> pages;
+};
 size_t most_bytes = 0;  // zero while blocks are not guarded
-std::map<void*, size_t> guarded_sizes;
+std::map<void*, GuardedBlock> guarded_blocks;
 
 HGLOBAL WINAPI guarded_alloc(UINT, SIZE_T bytes) {
   if (bytes > most_bytes) return nullptr;
-  const size_t rounded = (bytes + 15) / 16 * 16, room = (std::max<size_t>(rounded, 1) + kPage - 1) / kPage * kPage;
-  auto* const first = static_cast<uint8_t*>(VirtualAlloc(nullptr, room + kPage, MEM_RESERVE, PAGE_NOACCESS));
-  if (first == nullptr || VirtualAlloc(first, room, MEM_COMMIT, PAGE_READWRITE) == nullptr) return nullptr;
-  uint8_t* const block = first + room - rounded;
-  guarded_sizes[block] = bytes;
+  const size_t rounded = (bytes + 15) / 16 * 16;
+  auto pages = std::make_unique<test::GuardedPages>(rounded);
+  if (!*pages) return nullptr;
+  uint8_t* const block = pages->end() - rounded;
+  guarded_blocks[block] = {bytes, std::move(pages)};
   return block;
 }
-LPVOID WINAPI guarded_lock(HGLOBAL block) { return guarded_sizes.contains(block) ? block : nullptr; }
+LPVOID WINAPI guarded_lock(HGLOBAL block) { return guarded_blocks.contains(block) ? block : nullptr; }
 BOOL WINAPI guarded_unlock(HGLOBAL) { return FALSE; }
-SIZE_T WINAPI guarded_size(HGLOBAL block) { return guarded_sizes.contains(block) ? guarded_sizes[block] : 0; }
-HGLOBAL WINAPI guarded_free(HGLOBAL block) {
-  if (guarded_sizes.erase(block) == 0) return GlobalFree(block);
-  MEMORY_BASIC_INFORMATION facts{};
-  VirtualQuery(block, &facts, sizeof facts);
-  VirtualFree(facts.AllocationBase, 0, MEM_RELEASE);
-  return nullptr;
+SIZE_T WINAPI guarded_size(HGLOBAL block) {
+  const auto found = guarded_blocks.find(block);
+  return found == guarded_blocks.end() ? 0 : found->second.bytes;
 }
+HGLOBAL WINAPI guarded_free(HGLOBAL block) { return guarded_blocks.erase(block) == 0 ? GlobalFree(block) : nullptr; }
 
 void* guarded_replacement_of(const char* name) {
   if (most_bytes == 0) return nullptr;

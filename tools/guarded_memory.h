@@ -10,32 +10,23 @@
 #include <vector>
 #include <windows.h>
 
+#include "support/guarded_pages.h"
 #include "win32/support/imports.h"
 
 namespace guarded {
 
-inline constexpr size_t kPage = 4096;
-
-// A piece of memory that ends, up to an alignment, at a page without access, with another such page in front.
+// A piece of memory that ends, up to an alignment, at a page without access.
 class Piece {
  public:
-  Piece(size_t bytes, size_t alignment) : bytes_(bytes) {
-    const size_t room = (bytes + alignment - 1) / alignment * alignment, pages = (room + kPage - 1) / kPage * kPage;
-    reserved_ = static_cast<uint8_t*>(VirtualAlloc(nullptr, pages + 2 * kPage, MEM_RESERVE, PAGE_NOACCESS));
-    if (reserved_ == nullptr) return;
-    if (pages != 0 && VirtualAlloc(reserved_ + kPage, pages, MEM_COMMIT, PAGE_READWRITE) == nullptr) return;
-    data_ = reserved_ + kPage + pages - room;
-  }
-  Piece(const Piece&) = delete;
-  Piece& operator=(const Piece&) = delete;
-  ~Piece() { VirtualFree(reserved_, 0, MEM_RELEASE); }
+  Piece(size_t bytes, size_t alignment)
+      : bytes_(bytes), room_((bytes + alignment - 1) / alignment * alignment), pages_(room_) {}
 
-  uint8_t* data() const { return data_; }  // null when memory is short
+  uint8_t* data() const { return pages_ ? pages_.end() - room_ : nullptr; }  // null when memory is short
   size_t bytes() const { return bytes_; }
 
  private:
-  uint8_t *reserved_ = nullptr, *data_ = nullptr;
-  size_t bytes_;
+  size_t bytes_, room_;
+  test::GuardedPages pages_;
 };
 
 struct Block {

@@ -15,17 +15,11 @@
 #include <new>
 #include <span>
 
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <sys/mman.h>
-#include <unistd.h>
-#endif
-
 #include "core/byte_count.h"
 #include "core/view.h"
 #include "kernels/levels.h"
 #include "support/dib.h"
+#include "support/guarded_pages.h"
 #include "support/picture.h"
 
 namespace test {
@@ -47,48 +41,21 @@ inline constexpr Edge kEdges[] = {Edge::kBegin, Edge::kEnd};
 // Memory between two pages without access, filled with noise.
 class GuardedBytes {
  public:
-  GuardedBytes(size_t size, Edge edge) : size_(size), room_((size + page() - 1) / page() * page() + 2 * page()) {
-#ifdef _WIN32
-    memory_ = static_cast<uint8_t*>(VirtualAlloc(nullptr, room_, MEM_RESERVE, PAGE_NOACCESS));
-    if (memory_ == nullptr) throw std::bad_alloc();
-    if (size != 0) VirtualAlloc(memory_ + page(), room_ - 2 * page(), MEM_COMMIT, PAGE_READWRITE);
-#else
-    void* memory = mmap(nullptr, room_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) throw std::bad_alloc();
-    memory_ = static_cast<uint8_t*>(memory);
-    mprotect(memory_ + page(), room_ - 2 * page(), PROT_READ | PROT_WRITE);
-#endif
-    first_ = edge == Edge::kBegin ? memory_ + page() : memory_ + room_ - page() - size;
+  GuardedBytes(size_t size, Edge edge) : size_(size), pages_(size) {
+    if (!pages_) throw std::bad_alloc();
+    first_ = edge == Edge::kBegin ? pages_.begin() : pages_.end() - size;
     uint32_t state = 12'345;
     for (uint8_t& byte : bytes()) byte = static_cast<uint8_t>((state = state * 1'664'525 + 1'013'904'223) >> 24);
   }
   GuardedBytes(const Bytes& content, Edge edge) : GuardedBytes(content.size(), edge) {
     std::ranges::copy(content, bytes().begin());
   }
-  GuardedBytes(const GuardedBytes&) = delete;
-  GuardedBytes& operator=(const GuardedBytes&) = delete;
-  ~GuardedBytes() {
-#ifdef _WIN32
-    VirtualFree(memory_, 0, MEM_RELEASE);
-#else
-    munmap(memory_, room_);
-#endif
-  }
 
   std::span<uint8_t> bytes() const { return {first_, size_}; }
 
  private:
-  static size_t page() {
-#ifdef _WIN32
-    return 4096;
-#else
-    static const auto size = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-    return size;
-#endif
-  }
-
-  size_t size_, room_;
-  uint8_t* memory_ = nullptr;
+  size_t size_;
+  GuardedPages pages_;
   uint8_t* first_ = nullptr;
 };
 
