@@ -35,10 +35,10 @@ int check_sizes(const Arguments& arguments);
 int check_host_state(const Arguments& arguments);
 // [ROW]: each allocation, lock and object of each good row (after this one) fails in turn, alone and with all that follow.
 int check_allocations(const Arguments& arguments);
-// An exception in each request of operator new by each good row.
-int check_exceptions(const Arguments& arguments);
 // [ROW]: the same with opening, reading, writing and positioning.
 int check_files(const Arguments& arguments);
+// An exception in each request of operator new by each good row.
+int check_exceptions(const Arguments& arguments);
 // FOLDER [HEADER] [LATER]: each file is cut at each byte of its header and at so many later points.
 int check_cut_files(const Arguments& arguments);
 // A file becomes another one between two steps of a call.

@@ -93,7 +93,7 @@ int check_exceptions(const Arguments&) {
       const Outcome outcome = stage.run(row);
       if (system.failed().empty()) break;
       report.count();
-      exports.insert(std::string(row.name).substr(0, std::string(row.name).find(',')));
+      exports.insert(row.exported());
       if (!row.is_stated_failure(outcome, usual, false))
         report.fault(std::string(row.name) + ", exception " + std::to_string(at), text_of(outcome, usual));
       stage.changed_inputs();

@@ -5,22 +5,22 @@
 #include <cstring>
 #include <span>
 
+#include "support/dib.h"
+
 namespace check {
 
 inline constexpr int kCodeBefore = 30;     // The thread's error code before each call.
 inline constexpr int kUntouched = 0x7777;  // A status variable before each call.
 
 struct Outcome {
-  bool gave = false;                      // Whether the call returned something other than zero.
-  int code = kCodeBefore;                 // The thread's error code after it.
-  int status = kUntouched;                // The caller's status variable after it.
-  uint64_t content = 0xCBF29CE484222325;  // A hash of the result and of whatever else the call wrote.
+  bool gave = false;        // Whether the call returned something other than zero.
+  int code = kCodeBefore;   // The thread's error code after it.
+  int status = kUntouched;  // The caller's status variable after it.
+  test::Digest content;     // Of the result and of whatever else the call wrote.
 
   friend bool operator==(const Outcome&, const Outcome&) = default;
 
-  void add(std::span<const uint8_t> bytes) {
-    for (const uint8_t byte : bytes) content = (content ^ byte) * 0x100000001B3;
-  }
+  void add(std::span<const uint8_t> bytes) { content.add(bytes); }
   template <class Plain>
   void add_value(const Plain& value) {
     uint8_t bytes[sizeof value];

@@ -16,17 +16,12 @@ std::string text_of(const Outcome& outcome) {
          (outcome.status == kUntouched ? "untouched" : std::to_string(outcome.status));
 }
 
-std::string export_of(const Row& row) {
-  const std::string name = row.name;
-  return name.substr(0, name.find(','));
-}
-
 void check_table(const std::vector<Row>& rows, const char* kind, Report& report) {
   std::set<std::string> exports;
   Stage stage;
   for (const Row& row : rows) {
     at_work(row.name, 0);
-    exports.insert(export_of(row));
+    exports.insert(row.exported());
     const Outcome outcome = stage.run(row);
     report.count();
     if (!row.as_stated(outcome)) report.fault(std::string(kind) + " call of " + row.name, text_of(outcome));
@@ -77,6 +72,12 @@ std::vector<Row> failing_rows() {
   return rows;
 }
 
+std::vector<Row> all_rows() {
+  std::vector<Row> rows = good_rows();
+  for (const Row& row : failing_rows()) rows.push_back(row);
+  return rows;
+}
+
 std::string Holdings::more_than(const Holdings& before) const {
   std::string more;
   const auto compare = [&](const char* what, long now, long then) {
@@ -104,17 +105,14 @@ int check_nothing_left(const Arguments& arguments) {
     Holdings::now();
   }
   const long calls = arguments.number(0, 1000);
-  check_repeated(good_rows(), calls, report);
-  check_repeated(failing_rows(), calls, report);
+  check_repeated(all_rows(), calls, report);
   return report.end();
 }
 
 int check_mixed_calls(const Arguments& arguments) {
   const long calls = arguments.number(0, 1'000'000), most_kib = arguments.number(1, 64);
   Report report;
-  std::vector<Row> rows = good_rows(), slow;
-  const std::vector<Row> failing = failing_rows();
-  rows.insert(rows.end(), failing.begin(), failing.end());
+  std::vector<Row> rows = all_rows(), slow;
   for (const Row& row : rows)
     if (row.has(kSlow)) slow.push_back(row);
   std::erase_if(rows, [](const Row& row) { return row.has(kSlow); });

@@ -13,7 +13,6 @@ class Report {
     if (++faults_ <= kShown) std::printf("FAULT %s: %s\n", where.c_str(), what.c_str()), std::fflush(stdout);
   }
   void count(long calls = 1) { calls_ += calls; }
-  long calls() const { return calls_; }
 
   // Prints the line and returns the exit status.
   int end() const {

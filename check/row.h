@@ -2,8 +2,9 @@
 #pragma once
 
 #include <array>
+#include <cstring>
 #include <initializer_list>
-#include <span>
+#include <string>
 #include <vector>
 
 #include "check/stage.h"
@@ -57,6 +58,8 @@ class Row {
   const char* name;  // the export, with a remark behind a comma where it has several rows
   void (*call)(Stage& stage);
 
+  std::string exported() const { return std::string(name, std::strcspn(name, ",")); }
+
   bool has(Trait trait) const { return (traits_ & trait) != 0; }
   bool as_stated(const Outcome& outcome) const {
     return outcome.gave == gives_ && outcome.code == code_ && outcome.status == status_;
@@ -87,6 +90,7 @@ class Row {
 // All rows of this build, in the order of ordinals.
 std::vector<Row> good_rows();
 std::vector<Row> failing_rows();
+std::vector<Row> all_rows();  // the good ones first
 
 std::vector<Row> plain_good_rows();
 std::vector<Row> plain_failing_rows();

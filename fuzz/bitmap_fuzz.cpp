@@ -2,6 +2,7 @@
 #include <vorel32.h>
 
 #include "calls.h"
+#include "input_file.h"
 
 namespace {
 
@@ -21,10 +22,7 @@ bool claims_at_most(const uint8_t* data, size_t size, uint64_t most) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   constexpr uint64_t kMostLoaded = uint64_t{128} << 20;
   if (!claims_at_most(data, size, kMostLoaded)) return 0;
-  static const test::TempFolder folder;
-  static const std::string path = folder.path("input.bmp");
-  test::write_file(path, {data, data + size});
-  HGLOBAL dib = LoadDIBFromFile(path.c_str());
+  HGLOBAL dib = LoadDIBFromFile(fuzz::as_file(data, size));
   if (dib == nullptr) return 0;
   if (claims_at_most(data, size, fuzz::Input(data, size).most_bytes())) {
     GlobalFree(RotateDIB90(dib));

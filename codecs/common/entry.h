@@ -11,6 +11,10 @@
 #define CODEC_ENTRY extern "C" __attribute__((visibility("default")))
 #endif
 
+// A macro's value as text, for versions that libraries state as numbers.
+#define CODEC_TEXT_OF_NUMBER(number) #number
+#define CODEC_TEXT_OF(macro) CODEC_TEXT_OF_NUMBER(macro)
+
 namespace codec {
 
 // Aborts the work on one file. Must not pass through a codec library, which is C: callbacks catch their exceptions.

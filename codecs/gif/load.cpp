@@ -123,10 +123,8 @@ CODEC_ENTRY int VORELCALL GetNumberOfImagesInGIFFile(LPCSTR path, int* status) {
   return codec::at_entry(status, [&] { return codec::gif::count_pages(codec::InputFile(path).read_all()); });
 }
 
-#define TEXT_OF(number) #number
-#define TEXT_OF_MACRO(macro) TEXT_OF(macro)
 CODEC_ENTRY LPCSTR VORELCALL NameOfLibraries(void) {
-  return "giflib " TEXT_OF_MACRO(GIFLIB_MAJOR) "." TEXT_OF_MACRO(GIFLIB_MINOR) "." TEXT_OF_MACRO(GIFLIB_RELEASE);
+  return "giflib " CODEC_TEXT_OF(GIFLIB_MAJOR) "." CODEC_TEXT_OF(GIFLIB_MINOR) "." CODEC_TEXT_OF(GIFLIB_RELEASE);
 }
 
 static_assert(std::is_same_v<decltype(&LoadGIFIntoDIB), ImgLoadPage>);

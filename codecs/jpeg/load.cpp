@@ -141,9 +141,7 @@ CODEC_ENTRY HGLOBAL VORELCALL LoadJPEGIntoDIB(LPCSTR path) {
   return codec::at_entry(nullptr, [&] { return codec::jpeg::load(path); });
 }
 
-#define TEXT_OF(number) #number
-#define TEXT_OF_MACRO(macro) TEXT_OF(macro)
-CODEC_ENTRY LPCSTR VORELCALL NameOfLibraries(void) { return "libjpeg-turbo " TEXT_OF_MACRO(LIBJPEG_TURBO_VERSION); }
+CODEC_ENTRY LPCSTR VORELCALL NameOfLibraries(void) { return "libjpeg-turbo " CODEC_TEXT_OF(LIBJPEG_TURBO_VERSION); }
 
 static_assert(std::is_same_v<decltype(&LoadJPEGIntoDIB), ImgLoadFile>);
 static_assert(std::is_same_v<decltype(&NameOfLibraries), ImgNameOfLibraries>);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -88,7 +89,9 @@ int largest_difference(const Bytes& a, const Bytes& b);
 struct Digest {
   uint64_t value = 0xCBF29CE484222325;
 
-  void add(const Bytes& bytes) {
+  friend bool operator==(const Digest&, const Digest&) = default;
+
+  void add(std::span<const uint8_t> bytes) {
     for (uint8_t byte : bytes) value = (value ^ byte) * 0x100000001B3;
   }
 };

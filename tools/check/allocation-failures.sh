@@ -16,8 +16,6 @@ all_rows() {
     [ -n "$after" ] || break
   done
 }
-run_native() { build/native/bin/checks "$@" 2>&1; }
-run_windows() { (cd build/win32/printed && ../../../tools/run-wine.sh ../bin/checks.exe "$@" 2>&1); }
 count_faults < <(all_rows run_native)
 native_calls=$calls
 count_faults < <(all_rows run_windows)

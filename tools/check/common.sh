@@ -3,6 +3,7 @@ set -uo pipefail
 mode=${1:?quick or release}
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 cd "$root" || exit 1
+mkdir -p build/check
 export VOREL_WINE_ROOT=${VOREL_WINE_ROOT:-$root/build/wine}
 calls=0 faults=0
 
@@ -39,14 +40,20 @@ count_faults() {
   [ -n "$ended" ] || { printf 'the driver ended without a result\n'; faults=$((faults + 1)); }
 }
 
-# native DRIVER [ARGUMENT...], windows DRIVER [ARGUMENT...]: run a driver and count.
+# run_native DRIVER [ARGUMENT...], run_windows DRIVER [ARGUMENT...]: run a driver; native and windows count too.
+run_native() { build/native/bin/checks "$@" 2>&1; }
+run_windows() { (cd build/win32/printed && ../../../tools/run-wine.sh ../bin/checks.exe "$@" 2>&1); }
 native() {
   printf -- '-- native: %s\n' "$*"
-  count_faults < <(build/native/bin/checks "$@" 2>&1)
+  count_faults < <(run_native "$@")
 }
 windows() {
   printf -- '-- Windows: %s\n' "$*"
-  count_faults < <(cd build/win32/printed && ../../../tools/run-wine.sh ../bin/checks.exe "$@" 2>&1)
+  count_faults < <(run_windows "$@")
+}
+fault() {
+  printf 'FAULT %s\n' "$*"
+  faults=$((faults + 1))
 }
 
 # The goals' Windows parts run in one session, with a printer: in_session SCRIPT MODE runs the script again within one.

@@ -9,7 +9,6 @@ make_printer
 area=$root/build/check/io
 rm -rf "$area"
 mkdir -p "$area"/{files,few,made,full,samples}
-fault() { printf 'FAULT %s\n' "$*"; faults=$((faults + 1)); }
 vorel() { timeout 60 build/native/bin/vorel "$@"; }
 
 # ---- 200 files: of other programs, and of this one in each format

@@ -12,8 +12,6 @@ formats=('1 a.tif MERV32 MERV' '12 a.cal MERV32 MERV' '2 a.pcx ODAL32 ODAL' '3 a
          '13 a.jpg KALO32 KALO' '14 a.png WERT32 -')
 modules='MERV32 MERV ODAL32 ODAL SUNE32 SUNE BRIX32 BRIX KALO32 KALO WERT32'
 
-fault() { printf 'FAULT %s\n' "$*"; faults=$((faults + 1)); }
-
 # run PROGRAM ARGUMENT...: an installed program, in the current folder that may have planted modules; at most 60 seconds.
 run() {
   local program=$1

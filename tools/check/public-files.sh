@@ -9,6 +9,7 @@ cd "$(dirname "$0")/../.."
 mode=${1:-quick}
 shift || true
 build=build/native
+mkdir -p build/check
 { cmake --preset native && cmake --build --preset native --target vorel codec_modules; } >build/check/public-files.build.log 2>&1
 
 folders=("$@")

@@ -12,8 +12,9 @@ native many-threads "$threads"
 windows threads 64 "$windows_each"
 windows many-threads "$windows_threads"
 printf -- '-- thread sanitizer\n'
-count_faults < <(TSAN_OPTIONS='exitcode=66 halt_on_error=0' build/tsan/bin/checks threads 16 "$watched" 2>&1)
-reports=$(grep -c 'WARNING: ThreadSanitizer' build/check/threads.log 2>/dev/null || true)
-faults=$((faults + ${reports:-0}))
+TSAN_OPTIONS='exitcode=66 halt_on_error=0' build/tsan/bin/checks threads 16 "$watched" >build/check/thread-sanitizer.txt 2>&1
+count_faults <build/check/thread-sanitizer.txt
+reports=$(grep -c 'WARNING: ThreadSanitizer' build/check/thread-sanitizer.txt)
+faults=$((faults + reports))
 conclude "64 threads x $each calls (Windows: $windows_each) equal one thread's; $threads threads (Windows: $windows_threads) leave nothing; 16 x $watched calls without a report of the thread sanitizer" \
-  "$calls calls and threads, $faults faults, ${reports:-0} reports"
+  "$calls calls and threads, $faults faults, $reports reports"
