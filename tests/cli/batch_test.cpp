@@ -11,6 +11,8 @@
 
 using namespace test;
 using namespace vorel::cli::batch;
+using vorel::cli::name_of;
+using vorel::cli::path_of;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
