@@ -10,8 +10,8 @@ using enum Operation;
 using enum Kind;
 
 constexpr Extent kPage{2480, 3508, 1}, kOddPage{2483, 3511, 1}, kLargePage{7440, 10524, 1};
-constexpr Extent kGreys{4000, 3000, 8}, kOddGreys{3997, 3001, 8};
-constexpr Extent kIndices{4000, 3000, 8, true}, kOddIndices{3997, 3001, 8, true};
+constexpr Extent kGreys{4000, 3000, 8}, kOddGreys{3997, 3001, 8}, kLargeGreys{12'000, 9'000, 8};
+constexpr Extent kIndices{4000, 3000, 8, true}, kOddIndices{3997, 3001, 8, true}, kLargeIndices{12'000, 9'000, 8, true};
 constexpr Extent kColors{4000, 3000, 24}, kOddColors{3997, 3001, 24}, kLargeColors{12'000, 9'000, 24};
 constexpr Extent kSmallGreys{400, 300, 8}, kSmallColors{400, 300, 24}, kSmallPage{310, 438, 1};
 
@@ -181,6 +181,18 @@ constexpr Workload kWorkloads[] = {
     {"fs-24-1-large", kLarge, kDiffuse, kLargeColors, 1},
     {"fs-24-8-large", kLarge, kDiffuse, kLargeColors, 8},
     {"jjn-24-1-large", kLarge, kDiffuseWide, kLargeColors, 1},
+    {"rotate90-8-large", kLarge, kQuarterTurn, kLargeGreys},
+    {"scale-linear-75-8-large", kLarge, kLinear, kLargeGreys, 75},
+    {"lut-8-large", kLarge, kLookUp, kLargeGreys},
+    {"expand-8-24-large", kLarge, kExpand, kLargeIndices},
+    {"conv-blur5-large", kLarge, kConvolve, kLargeGreys, 0, &kBlur5},
+    {"rank-8-large", kLarge, kMedian, kLargeGreys},
+    {"fs-8-1-large", kLarge, kDiffuse, kLargeGreys, 1},
+    {"half-ordered-large", kLarge, kOrdered, kLargeGreys, 1},
+    {"rle-encode-large", kLarge, kEncode, kLargeIndices},
+    {"rle-decode-large", kLarge, kDecode, kLargeIndices},
+    {"bmp-save-24-large", kLarge, kSave, kLargeColors},
+    {"bmp-load-24-large", kLarge, kLoad, kLargeColors},
 };
 
 bool is_scaling(Operation operation) { return operation == kLinear || operation == kCubic || operation == kNearest; }
