@@ -1,5 +1,5 @@
-// Files that end too early or change while they are read: a call gives zero with a stated code, or a picture that holds what its header
-// says.
+// Files that end too early or change while they are read: a call gives zero with a stated code, or a picture that holds what its
+// header says.
 #include <algorithm>
 #include <filesystem>
 #include <string>

@@ -1,5 +1,5 @@
-// Hosts differ in how they round, in the precision of the x87 unit and in where their stack lies. Results do not depend on it, and the
-// host finds its state as it was.
+// Hosts differ in how they round, in the precision of the x87 unit and in where their stack lies. Results do not depend on it,
+// and the host finds its state as it was.
 #include <cstring>
 #include <string>
 #include <xmmintrin.h>

@@ -1,5 +1,5 @@
-// The drivers of the reliability checks; tools/check/ runs them. Each goes through the table of calls in its own way, prints what it
-// finds wrong, and ends with a line "calls=N faults=M" and 1 if there are faults.
+// The drivers of the reliability checks; tools/check/ runs them. Each goes through the table of calls in its own way, prints what
+// it finds wrong, and ends with a line "calls=N faults=M" and 1 if there are faults.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>

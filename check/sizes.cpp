@@ -1,5 +1,5 @@
-// Sizes, counts and offsets that no picture has, in blocks of a few hundred bytes that end before a page without access: whatever a
-// header says, nothing outside the block is touched, and every call returns.
+// Sizes, counts and offsets that no picture has, in blocks of a few hundred bytes that end before a page without access: whatever
+// a header says, nothing outside the block is touched, and every call returns.
 #include <array>
 #include <cstring>
 #include <random>

@@ -15,8 +15,8 @@ namespace check {
 // Memory, locks and GDI objects; files: opening, reading, writing, positioning; memory for operator new alone, which throws.
 enum SystemPart : unsigned { kMemoryPart = 1, kFilePart = 2, kNewPart = 4 };
 
-// While a call of an export runs, its calls of the chosen part of the system are counted, and one of them fails, or it and all later
-// ones.
+// While a call of an export runs, its calls of the chosen part of the system are counted, and one of them fails, or it and all
+// later ones.
 class FailingSystem : public Probe {
  public:
   explicit FailingSystem(unsigned parts) : parts_(parts) {}

@@ -171,7 +171,8 @@ HGLOBAL GlobalReAlloc(HGLOBAL block, size_t bytes, UINT flags) {
   return no_memory("GlobalReAlloc") ? nullptr : NEXT(GlobalReAlloc)(block, bytes, flags);
 }
 
-// The loader's own memory does not fail: one of its failures inside dlopen can leave a library's dependencies half loaded for good.
+// The loader's own memory does not fail: one of its failures inside dlopen can leave a library's dependencies half loaded for
+// good.
 void* dlopen(const char* path, int flags) noexcept {
   if (no_memory("dlopen")) return nullptr;
   const unsigned parts = std::exchange(armed.parts, 0u);
@@ -218,7 +219,8 @@ namespace check {
 
 void set_up_system() {}
 
-// The C library ends the process where a library's thread-local data find no memory. So the JPEG library stays loaded, with its data.
+// The C library ends the process where a library's thread-local data find no memory. So the JPEG library stays loaded, with its
+// data.
 void keep_jpeg_loaded() {
   for (const char* module : {"KALO32", "KALO"}) new test::Module(module);
   Stage stage;

@@ -1,12 +1,13 @@
-// Makes random calls of the exports that work on plain memory and prints a line for each: the parameters, and a hash of the results.
-// Two builds of the library agree if they print the same; the first line that differs names a call that tells them apart.
+// Makes random calls of the exports that work on plain memory and prints a line for each: the parameters, and a hash of the
+// results. Two builds of the library agree if they print the same; the first line that differs names a call that tells them
+// apart.
 //
 //   hash_results build/native/bin/libvorel32.so --count 20000 >new.txt
 //   hash_results build/native/bin/libvorel32.so --from 1234 --count 1    # the call of line 1234 alone
 //   hash_results build/native/bin/libvorel32.so --only SkewDIB --seed 2
 //
-// The library is loaded by its path, so one build of this program serves all builds of it. A call depends on the seed and its number
-// alone. Compare output of the Windows build with `diff --strip-trailing-cr`.
+// The library is loaded by its path, so one build of this program serves all builds of it. A call depends on the seed and its
+// number alone. Compare output of the Windows build with `diff --strip-trailing-cr`.
 
 #include <CLI/CLI.hpp>
 #include <array>

@@ -15,8 +15,8 @@
 
 using Bytes = std::vector<uint8_t>;
 
-// Draws the same numbers on every platform (SplitMix64), unlike the standard library's distributions. Compilers choose the order in
-// which arguments are evaluated: draw at most once in an argument list, or within braces.
+// Draws the same numbers on every platform (SplitMix64), unlike the standard library's distributions. Compilers choose the order
+// in which arguments are evaluated: draw at most once in an argument list, or within braces.
 class Random {
  public:
   explicit Random(uint64_t seed) : state_(seed) {}

@@ -1,5 +1,5 @@
-// Times whole commands: processor time, elapsed time and peak memory of the process and its children. They take turns, on one core, and
-// medians count. Reads lines "WORKLOAD|PARTICIPANT|COMMAND" and prints Markdown.
+// Times whole commands: processor time, elapsed time and peak memory of the process and its children. They take turns, on one
+// core, and medians count. Reads lines "WORKLOAD|PARTICIPANT|COMMAND" and prints Markdown.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>

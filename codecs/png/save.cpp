@@ -42,8 +42,8 @@ class Writer {
   }
 
  private:
-  // Of samples, not of indices, one good filter and fast matching take half the time of the library's own choice, for files a tenth
-  // larger at most.
+  // Of samples, not of indices, one good filter and fast matching take half the time of the library's own choice, for files a
+  // tenth larger at most.
   void choose_speed() {
     constexpr int kFastest = 3;  // above it every match is tried against the next one
     png_set_filter(png_, PNG_FILTER_TYPE_BASE, PNG_FILTER_PAETH);

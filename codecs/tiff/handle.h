@@ -35,9 +35,9 @@ class TiffHandle {
   // Whether a row of one-dimensional Group 3 data had more runs than the library has room for.
   bool ran_out_of_runs() const { return client_->ran_out_of_runs; }
 
-  // Makes calls in which the library would crash when memory is short: calls that set tags, read or write a directory, or
-  // decode. It loses its list of tags, or lacks a decoder, and uses them nevertheless. Where it cannot be made to fail by itself, a
-  // jump leaves these calls: nothing in `calls` may have a destructor, and a block that only the library knew of may leak. Throws
+  // Makes calls in which the library would crash when memory is short: calls that set tags, read or write a directory, or decode.
+  // It loses its list of tags, or lacks a decoder, and uses them nevertheless. Where it cannot be made to fail by itself, a jump
+  // leaves these calls: nothing in `calls` may have a destructor, and a block that only the library knew of may leak. Throws
   // Failure unless `calls` returns true.
   template <class Calls>
   void run(Calls calls) const {

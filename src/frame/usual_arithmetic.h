@@ -1,5 +1,5 @@
-// Floating-point arithmetic as the library expects it, for a scope: rounded to nearest, in full precision, without traps. Hosts and
-// their other libraries set all three to their own needs.
+// Floating-point arithmetic as the library expects it, for a scope: rounded to nearest, in full precision, without traps. Hosts
+// and their other libraries set all three to their own needs.
 #pragma once
 
 #include <cstdint>

@@ -133,7 +133,8 @@ using Mask = std::conditional_t<kVectorBytes == 32, uint32_t, uint16_t>;
 [[gnu::always_inline]] inline Bytes high_halves(Bytes a, Bytes b) {
   return (Bytes)VOREL_INTRINSIC(unpackhi_epi64)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
 }
-// To signed bytes.
+
+// Packs signed numbers, saturated to signed bytes.
 [[gnu::always_inline]] inline Bytes pack_signed(Words low, Words high) {
   return (Bytes)VOREL_INTRINSIC(packs_epi16)((VOREL_VECTOR)low, (VOREL_VECTOR)high);
 }

@@ -37,24 +37,25 @@ class InkMap {
   std::vector<uint8_t> cells_;
 };
 
-// Of the two colours of a picture of 1 bit the number of the darker one, which is its ink.
+// The darker of the two colours (0 or 1) of a 1-bit picture: its ink.
 uint32_t darker_color(const Picture& picture);
 
-// The side of square cells of which a page has at most a quarter of a million: 37 to 50 to the inch on a sheet of letter paper.
+// The least power of two as the side of a cell that gives the page at most 250,000 cells, at most 1,024 in a row or column. On letter
+// paper that is 37 to 50 cells to the inch.
 int cell_side(const Picture& picture);
 
-// Ink of a workable picture. Of two colours the darker one is ink. Greys and colours count by how far their luminance is from that
-// of the paper, which is the brightest that a twentieth of the page reaches, towards the darkest one.
+// Ink of a workable picture. With two colours, the darker one is ink. Otherwise ink rises from the paper's luminance to the darkest
+// one; a twentieth of the page is as bright as the paper or brighter.
 InkMap ink_map(const Picture& picture, CellSize cell);
 
 // The same in cells that are whole multiples of the map's own.
 InkMap coarser(const InkMap& fine, CellSize cell);
 
-// Whether cells are, or are next to, solid ink that reaches the edge of the page: the dark of a scanner beside the paper. Rows of
-// cells like those of the map.
+// For each cell, row by row: whether it belongs to, or touches, solid ink that reaches the edge of the page. Such ink is the dark of
+// a scanner beside the paper.
 std::vector<uint8_t> dark_borders(const InkMap& map);
 
-// Takes away the ink of cells by such a list, which may be that of a coarser map of the same page.
+// Takes the ink of the listed cells away. `listed` is the map that the list was made from: this one or a coarser one.
 void remove_cells(InkMap& map, const InkMap& listed, std::span<const uint8_t> list);
 
 }  // namespace vorel::programs

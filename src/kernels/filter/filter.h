@@ -25,9 +25,9 @@ struct FilterTable {
   void (*convolve_color)(ConstDibView source, DibView result, const Kernel& kernel, Intensity intensity,
                          std::span<uint8_t> scratch);
 
-  // Sets pixels of a 1-bit picture with more than `threshold` set neighbours, 1 to 8, and clears pixels with fewer. kGentle changes
-  // only pixels with fewer than four. The first and last stored row do not change, nor the first pixel of each row, nor the last
-  // pixel unless it ends a byte. The right neighbour of a row's last bit is the next bit in memory.
+  // Sets pixels of a 1-bit picture with more than `threshold` set neighbours, 1 to 8, and clears pixels with fewer. kGentle
+  // changes only pixels with fewer than four. The first and last stored row do not change, nor the first pixel of each row, nor
+  // the last pixel unless it ends a byte. The right neighbour of a row's last bit is the next bit in memory.
   //   source  the stored rows and the memory behind them
   //   result  a copy of the rows
   void (*clean_bits)(std::span<const uint8_t> source, DibView result, int threshold, Reach reach);

@@ -12,9 +12,9 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// The entry of a colour table with the smallest sum of the squared distances in red, green and blue; ties go to the first.
-// Colour space is divided into cubes of 16 x 16 x 16 colours, and each cube into eight cells. Cubes and cells list the entries that
-// can be nearest to one of their colours; a list is made on its first use.
+// The entry of a colour table with the smallest sum of the squared distances in red, green and blue; ties go to the first. Colour
+// space is divided into cubes of 16 x 16 x 16 colours, and each cube into eight cells. Cubes and cells list the entries that can
+// be nearest to one of their colours; a list is made on its first use.
 class NearestColorMap {
  public:
   // At most 256 colours, at least one.

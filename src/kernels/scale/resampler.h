@@ -18,7 +18,8 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// A weight's share of a sample, (weight * sample + 128) / 255 without remainder: exact for all products of two bytes, in 16-bit lanes.
+// A weight's share of a sample, (weight * sample + 128) / 255 without remainder: exact for all products of two bytes, in 16-bit
+// lanes.
 inline uint16_t share(uint16_t weight, uint16_t sample) {
   const auto scaled = static_cast<uint16_t>(weight * sample + 129);
   return static_cast<uint16_t>(uint32_t{scaled} * 257 >> 16);

@@ -1,13 +1,13 @@
 // The entry point of every DLL of this project: wraps the C runtime's.
 //
-// The compiler's own libraries are linked in, so each DLL has a copy of them. They allocate a thread-local-storage index, a memory
-// reserve for exceptions and, with the first exception, critical sections, and never free them, as if a DLL stayed loaded until its
-// process ends. Codec modules are loaded and unloaded with every picture: without this file a process runs out of its 1,088 indexes
-// and ends at its thousandth picture, and each file that cannot be read costs it three blocks of memory.
+// The compiler's own libraries are linked in, so each DLL has a copy of them. They allocate a thread-local-storage index, a
+// memory reserve for exceptions and, with the first exception, critical sections, and never free them, as if a DLL stayed loaded
+// until its process ends. Codec modules are loaded and unloaded with every picture: without this file a process runs out of its
+// 1,088 indexes and ends at its thousandth picture, and each file that cannot be read costs it three blocks of memory.
 //
-// These libraries also end the process if they get no index, or no memory for the first exception, which may be the one that says that
-// memory is short. So an index is reserved, and one exception thrown when the DLL is loaded: what is set up with it lies in a reserve
-// of the DLL's own.
+// These libraries also end the process if they get no index, or no memory for the first exception, which may be the one that says
+// that memory is short. So an index is reserved, and one exception thrown when the DLL is loaded: what is set up with it lies in
+// a reserve of the DLL's own.
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
