@@ -9,7 +9,7 @@ set -euo pipefail
 
 root=${VOREL_WINE_ROOT:-$(cd "$(dirname "$0")/.." && pwd)/build/wine}
 depth=${VOREL_SCREEN_DEPTH:-24}
-export WINEPREFIX=$root/screen-$depth WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+export WINEARCH=win32 WINEPREFIX=$root/screen-$depth WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
 
 screen_process=
 
@@ -59,6 +59,8 @@ start_session() {
   trap 'exit 143' TERM INT HUP
   wineserver -k 2>/dev/null && wineserver -w || true  # left over from a session that was killed
   start_screen
+  # Where 64-bit Wine is installed too, older versions of this script made 64-bit prefixes.
+  grep -qs '^#arch=' "$WINEPREFIX/system.reg" && ! grep -qs "^#arch=$WINEARCH" "$WINEPREFIX/system.reg" && rm -rf "$WINEPREFIX"
   if [ ! -e "$WINEPREFIX/system.reg" ]; then
     printf 'run-wine: setting Wine up in %s (once, 10 to 20 seconds)\n' "$WINEPREFIX" >&2
     wine wineboot -i >/dev/null 2>&1 9>&- </dev/null || fail "wineboot failed; remove $WINEPREFIX and try again"
