@@ -36,16 +36,11 @@ void run_step(const Step& step, const Change& change, Page& page) {
   change(page);
 }
 
-void Chain::add(const std::vector<std::string>& words, const std::string& place) {
-  const Step& step = step_called(words.front(), place);
+void Chain::add(const Step& step, const std::vector<std::string>& words) {
   Parser parser(step.name, step.purpose, Parser::Help::kNever);
   Arguments arguments = parser.arguments();
   Change change = step.declare(arguments);
-  try {
-    parser.parse({words.begin() + 1, words.end()});
-  } catch (const WrongUse& error) {
-    fail(place, fmt::format("{}; see \"vorel help {}\"", error.what(), step.name));
-  }
+  parser.parse(words);
   text_ += fmt::format("{}{}", links_.empty() ? "" : " | ", step.name);
   for (const std::string& word : parser.canonical_words()) text_ += " " + quoted(word);
   links_.push_back({&step, std::move(change)});
@@ -59,7 +54,13 @@ Chain Chain::of_text(const std::string& text, const std::string& source) {
   bool awaits_step = false;  // behind a bar
   const auto end_step = [&] {
     if (words.empty()) return;
-    chain.add(words, place_of(source, chain.size() + 1, words.front()));
+    const std::string place = place_of(source, chain.size() + 1, words.front());
+    const Step& step = step_called(words.front(), place);
+    try {
+      chain.add(step, {words.begin() + 1, words.end()});
+    } catch (const WrongUse& error) {
+      fail(place, fmt::format("{}; see \"vorel help {}\"", error.what(), step.name));
+    }
     words.clear();
     awaits_step = false;
   };
@@ -80,6 +81,12 @@ Chain Chain::of_text(const std::string& text, const std::string& source) {
   if (awaits_step) fail_for_emptiness();
   if (chain.size() == 0)
     fail(source.empty() ? "steps" : source, "there is no step; write some like \"clean 60 | scale 50%\"");
+  return chain;
+}
+
+Chain Chain::of_step(const std::string& name, const std::vector<std::string>& words) {
+  Chain chain;
+  chain.add(step_called(name, "steps"), words);
   return chain;
 }
 

@@ -15,6 +15,9 @@ class Chain {
   static Chain parse(const std::string& text);
   static Chain from_file(const std::string& name);  // a step per line or between bars; a hash begins a comment
 
+  // One step. Throws WrongUse, which does not name it.
+  static Chain of_step(const std::string& name, const std::vector<std::string>& words);
+
   // Throws programs::Problem, which names the step where there are several. A dropped page goes through no further steps.
   void apply(Page& page) const;
 
@@ -26,7 +29,7 @@ class Chain {
  private:
   Chain() = default;
   static Chain of_text(const std::string& text, const std::string& place);
-  void add(const std::vector<std::string>& words, const std::string& place);
+  void add(const Step& step, const std::vector<std::string>& words);
 
   struct Link {
     const Step* step;

@@ -24,7 +24,8 @@ def shard(out, steps):
 
 def main(scans, out, steps):
     session = SparkSession.builder.appName("vorel32").getOrCreate()
-    paths = sorted(str(path) for path in Path(scans).rglob("*.tif"))
+    # Of one folder: the outputs of files of one name in two folders would replace each other.
+    paths = sorted(str(path) for path in Path(scans).glob("*.tif"))
     shards = max(1, len(paths) // 500)
     records = session.sparkContext.parallelize(paths, shards).mapPartitions(shard(out, steps))
     table = records.toDF("path string, pages int, seconds double, failure string")

@@ -27,9 +27,8 @@ py::list reports_of(const Page& page) {
 }
 
 // The picture, none if a step drops the page; what the steps tell of it; what was lost.
-std::tuple<std::optional<Picture>, py::list, std::vector<std::string>> apply(const Chain& chain, const Picture& picture,
-                                                                             const std::string& label) {
-  Page page{.label = label, .picture = picture.lent()};
+std::tuple<std::optional<Picture>, py::list, std::vector<std::string>> apply(const Chain& chain, const Picture& picture) {
+  Page page{.label = {}, .picture = picture.lent()};
   unlocked([&] {
     chain.apply(page);
     page.picture = made_own(std::move(page.picture));
@@ -53,6 +52,7 @@ Picture make(const Chain& chain, const Picture& picture) {
 void bind_chain(py::module_& module) {
   py::class_<Chain>(module, "Chain")
       .def(py::init(&Chain::parse))
+      .def_static("of_step", &Chain::of_step)
       .def_property_readonly("text", &Chain::text)
       .def("make", &make)
       .def("apply", &apply);

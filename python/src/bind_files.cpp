@@ -7,6 +7,7 @@
 
 #include "bindings.h"
 #include "common/formats.h"
+#include "common/losses.h"
 #include "common/picture_file.h"
 #include "common/problem.h"
 #include "common/saving.h"
@@ -47,11 +48,11 @@ class Source {
   PictureFile file_;
 };
 
-std::unique_ptr<Source> source_in_memory(const py::buffer& content, const std::string& name) {
+std::unique_ptr<Source> source_in_memory(const py::buffer& content, const std::filesystem::path& name) {
   const py::buffer_info info = content.request();
   if (PyBuffer_IsContiguous(info.view(), 'C') == 0) throw py::value_error("the bytes of a file follow each other");
   const std::span bytes(static_cast<const char*>(info.ptr), static_cast<size_t>(info.size * info.itemsize));
-  return unlocked([&] { return std::make_unique<Source>(std::make_unique<MemoryFile>(bytes), name); });
+  return unlocked([&] { return std::make_unique<Source>(std::make_unique<MemoryFile>(bytes), name.string()); });
 }
 
 const FileFormat* savable(const FileFormat* format) {
@@ -65,23 +66,17 @@ std::string savable_words() {
   return words;
 }
 
-struct Options {
-  std::string compression;
-  bool interlaced = false;
-  std::optional<int> quality;
-  bool progressive = false;
-};
-
-// What the format, a name or an ending, and its options ask for.
-Saving saving_for(const std::string& format, const Options& options) {
-  const auto& [compression, interlaced, quality, progressive] = options;
+// What a format, a name or an ending, and its options ask for.
+Saving saving_for(const std::string& format, const std::string& compression, bool interlaced, std::optional<int> quality,
+                  bool progressive) {
   const FileFormat* const kind = savable(programs::picture_format_called(format));
-  if (kind == nullptr) throw Problem(Fault::kWrongUse, "\"" + format + "\" is none of " + savable_words());
+  const auto fail = [](const std::string& text) { throw Problem(Fault::kWrongUse, text); };
+  if (kind == nullptr) fail("\"" + format + "\" is none of " + savable_words());
   Saving saving{.format = kind, .interlaced = interlaced, .quality = quality.value_or(0), .progressive = progressive};
   if ((quality || progressive) && kind->code != FormatCode::kJpeg)
-    throw Problem(Fault::kWrongUse, "only JPEG files have a quality and can be progressive");
-  if (quality && (*quality < 1 || *quality > 100)) throw Problem(Fault::kWrongUse, "a quality is from 1 to 100");
-  if (interlaced && kind->code != FormatCode::kGif) throw Problem(Fault::kWrongUse, "only GIF files can be interlaced");
+    fail("only JPEG files have a quality and can be progressive");
+  if (quality && (*quality < 1 || *quality > 100)) fail("a quality is from 1 to 100");
+  if (interlaced && kind->code != FormatCode::kGif) fail("only GIF files can be interlaced");
   if (compression.empty()) return saving;
   if (kind->code == FormatCode::kTga && (compression == "rle" || compression == "none")) {
     saving.run_length = compression == "rle";
@@ -90,17 +85,22 @@ Saving saving_for(const std::string& format, const Options& options) {
   const auto known = programs::tiff_compressions();
   const auto found = std::ranges::find(known, compression, &programs::TiffCompression::word);
   if (kind->code != FormatCode::kTiff || found == known.end())
-    throw Problem(Fault::kWrongUse, std::string(kind->name) + " files have no compression \"" + compression + "\"");
+    fail(std::string(kind->name) + " files have no compression \"" + compression + "\"");
   saving.tiff_compression = found->number;
   return saving;
 }
 
-void save(const Picture& picture, const std::filesystem::path& path, const std::string& format, int page,
-          const std::string& compression, bool interlaced, std::optional<int> quality, bool progressive) {
-  const Saving saving = saving_for(format, {compression, interlaced, quality, progressive});
+// Returns what the file has no room for. With `strict` that is a failure instead.
+std::vector<std::string> save(const Picture& picture, const std::filesystem::path& path, const Saving& saving, int page,
+                              bool strict) {
   if (page > 1 && !saving.format->holds_pages)
     throw Problem(Fault::kWrongUse, std::string(saving.format->name) + " files hold one page; use TIFF or DCX for several");
-  unlocked([&] { programs::save_page(path, suited(picture.lent(), saving), saving, page); });
+  return unlocked([&] {
+    std::vector<std::string> losses = losses_when_saved(picture, saving);
+    if (strict && !losses.empty()) throw Problem(Fault::kFormat, losses.front() + ", or leave strict out");
+    programs::save_page(path, suited(picture.lent(), saving), saving, page);
+    return losses;
+  });
 }
 
 }  // namespace
@@ -121,10 +121,13 @@ void bind_files(py::module_& module) {
         const std::vector<char> bytes = file.content();
         return py::bytes(bytes.data(), bytes.size());
       });
+  py::class_<Saving>(module, "Saving")
+      .def(py::init(&saving_for))
+      .def_property_readonly("format", [](const Saving& saving) { return saving.format->word; })
+      .def_property_readonly("holds_pages", [](const Saving& saving) { return saving.format->holds_pages; });
   module.def("save", &save);
-  module.def("holds_pages", [](const std::string& format) { return saving_for(format, {}).format->holds_pages; });
-  module.def("format_for_name", [](const std::string& name) -> std::optional<std::string> {
-    const FileFormat* const format = savable(programs::picture_format_for_name(name));
+  module.def("format_for_name", [](const std::filesystem::path& name) -> std::optional<std::string> {
+    const FileFormat* const format = savable(programs::picture_format_for_name(name.string()));
     return format == nullptr ? std::nullopt : std::optional<std::string>(format->word);
   });
 }

@@ -4,6 +4,7 @@
 
 #include "bindings.h"
 #include "cli/failure.h"
+#include "cli/parser.h"
 #include "common/problem.h"
 
 namespace vorel::python {
@@ -26,10 +27,21 @@ const char* class_for(ExitCode code) {
   }
 }
 
+// Texts are UTF-8, but may repeat words that are not.
+py::str readable(std::string_view text) {
+  return py::reinterpret_steal<py::str>(PyUnicode_DecodeUTF8(text.data(), static_cast<py::ssize_t>(text.size()), "replace"));
+}
+
 void raise(ExitCode code, const char* text) {
   const py::object kind = py::module_::import("vorel32._errors").attr(class_for(code));
-  const py::object error = kind(text, py::none(), py::none(), ImgError());
+  const py::object error = kind(readable(text), py::none(), py::none(), ImgError());
   PyErr_SetObject(kind.ptr(), error.ptr());
+}
+
+// The package's Python knows whether a file could not be read or not be written.
+void raise(const std::error_code& code) {
+  const py::object error = py::reinterpret_borrow<py::object>(PyExc_OSError)(code.value(), readable(code.message()));
+  PyErr_SetObject(PyExc_OSError, error.ptr());
 }
 
 void translate(std::exception_ptr pointer) try {
@@ -38,10 +50,12 @@ void translate(std::exception_ptr pointer) try {
   raise(cli::code_for(problem.fault()), problem.what());
 } catch (const cli::Failure& failure) {
   raise(failure.code(), failure.what());
+} catch (const cli::WrongUse& wrong) {
+  raise(ExitCode::kWrongUse, wrong.what());
 } catch (const std::bad_alloc&) {
   raise(ExitCode::kLimit, "there is not enough memory; close programs or use a smaller picture");
 } catch (const std::system_error& error) {
-  raise(ExitCode::kInput, error.what());
+  raise(error.code());
 }
 
 }  // namespace

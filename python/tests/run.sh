@@ -2,7 +2,7 @@
 # Builds the wheel from a finished build, installs it into a fresh virtual environment without network, and runs the tests there.
 # usage: run.sh PYTHON BUILD_FOLDER [PYTEST_ARGUMENT]...
 set -euo pipefail
-python=$1 build=$2
+python=$1 build=$(realpath "$2")
 shift 2
 root=$(realpath "$(dirname "$0")/..")
 work=$(mktemp -d)

@@ -43,11 +43,42 @@ def test_wrong_use_is_refused_before_anything_is_done(folder):
     vorel32.open("scan.tif").save("more/scan.tif")
     os.symlink(".", "link")
     twice = "scan.tif"
-    for paths, steps, out in [(["scan.tif", "more/scan.tif"], STEPS, "out"), ([twice, twice], STEPS, "out"), (["scan.tif"], STEPS, "."),
-                              (["scan.tif"], STEPS, "link"), (["scan.tif"], "clena 60", "out")]:  # fmt: skip
+    for paths, steps, out, options in [
+        (["scan.tif", "more/scan.tif"], STEPS, "out", {}), ([twice, twice], STEPS, "out", {}), (["scan.tif"], STEPS, ".", {}),
+        (["scan.tif"], STEPS, "link", {}), (["scan.tif"], "clena 60", "out", {}), (["scan.tif"], STEPS, "out", {"format": "xyz"}),
+        (["scan.tif"], STEPS, "out", {"format": "png", "quality": 50}), (["scan.tif"], STEPS, "out", {"compression": "g5"}),
+        (["scan.tif"], STEPS, "out", {"batch": 0}),
+    ]:  # fmt: skip
         with pytest.raises(vorel32.UsageError):
-            process(paths, steps, out)
+            process(paths, steps, out, **options)
+    with pytest.raises(TypeError):
+        process("scan.tif", STEPS, "out")
     assert not os.path.exists("out")
+
+
+def test_outputs_have_the_options_of_save_and_records_tell_what_was_lost(folder):
+    photo = vorel32.open("photo.png")
+    (jpeg,) = process(["photo.png"], "invert", "out", format="jpg", quality=30, progressive=True)
+    assert Path(jpeg.outputs[0]).read_bytes() == photo.invert().to_bytes("jpeg", quality=30, progressive=True)
+    assert jpeg.losses == [] and jpeg.reports == {1: [{"step": "invert"}]}
+    options = {"format": "gif", "interlaced": True}
+    (gif,) = process(["photo.png"], "dither --bits 8", "out", **options)
+    assert gif.failure is None and len(gif.losses) == 1 and "150 x 150 dpi" in gif.losses[0]
+    (strict,) = process(["photo.png"], "dither --bits 8", "strict", strict=True, **options)
+    assert strict.failure == f"photo.png, page 1: {gif.losses[0]}, or leave strict out" and os.listdir("strict") == []
+
+
+def test_what_a_disk_spoils_is_tried_again(folder):
+    calls = []
+
+    def steps(page):
+        calls.append(page.file)
+        if len(calls) == 1:
+            raise OSError("the network is away")
+        return page
+
+    (record,) = process(["photo.png"], steps, "out")
+    assert (record.failure, record.attempts, record.pages, len(record.reports)) == (None, 2, 1, 1)
 
 
 def test_dropped_pages_cost_no_other_page_and_are_not_done_again(folder):
@@ -97,6 +128,7 @@ def test_a_worker_that_dies_costs_no_page_and_makes_none_twice(folder):
     with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=":0") as cluster:
         with distributed.Client(cluster) as client:
             seen = []
+            client.run(os.chdir, "/")
             for record in process([*files, "gone.tif"], STEPS, "together", client=client, batch=2, retries=1):
                 seen.append(record.path)
                 if len(seen) == 10:

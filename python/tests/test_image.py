@@ -4,7 +4,9 @@ import gc
 import io
 import os
 import pickle
+import resource
 import threading
+from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
 import PIL.Image
@@ -13,6 +15,7 @@ from conftest import noise
 
 import vorel32
 from vorel32 import Image
+from vorel32.cluster import process
 
 # An operation of the package, and the arguments of the verb that does the same.
 SAME_AS_VERBS = [
@@ -28,6 +31,7 @@ SAME_AS_VERBS = [
     (lambda p: p.scale(1.37, keep_dpi=True), "scale", "137%", "--keep-dpi", "--method", "linear"),
     (lambda p: p.scale((90, 90), fit=True, method="nearest"), "scale", "90x90", "--fit", "--method", "nearest"),
     (lambda p: p.scale(dpi=(100, 50)), "scale", "--dpi", "100x50"),
+    (lambda p: p.scale(0.4, gray=True), "scale", "40%", "--gray"),
     (lambda p: p.crop(3, 5, 40, 20), "crop", "3,5", "40x20"),
     (lambda p: p.crop(0, 0, *p.size), "crop", "0,0", "{size}"),
     (lambda p: p.invert(), "invert"),
@@ -247,7 +251,11 @@ def test_failures_have_a_class_a_file_a_page_and_a_code(folder):
         (vorel32.LimitError, "photo.png", 1, lambda: vorel32.open("photo.png").scale((65535, 65535))),
         (vorel32.LimitError, "photo.png", 1, lambda: vorel32.open("photo.png").scale((70000, 1))),
         (vorel32.OutputError, missing, None, lambda: vorel32.open("photo.png").save(missing)),
-        (vorel32.OutputError, "photo.xyz", None, lambda: vorel32.open("photo.png").save("photo.xyz")),
+        (vorel32.OutputError, ".", None, lambda: vorel32.open("photo.png").save(".", "png")),
+        (vorel32.UsageError, "photo.xyz", None, lambda: vorel32.open("photo.png").save("photo.xyz")),
+        (vorel32.UsageError, "", None, lambda: vorel32.open("photo.png").with_dpi(-1)),
+        (vorel32.UsageError, "", None, lambda: vorel32.open("photo.png").crop(0, 0, 2**31, 1)),
+        (vorel32.FormatError, "photo.png", 1, lambda: vorel32.open("photo.png").to_bytes("gif", strict=True)),
         (vorel32.UsageError, "photo.png", 1, lambda: vorel32.open("photo.png").rotate(5).dither("best")),
     ]
     for kind, file, page, work in cases:
@@ -262,6 +270,74 @@ def test_failures_have_a_class_a_file_a_page_and_a_code(folder):
     with pytest.raises(vorel32.FormatError) as caught:
         vorel32.open(b"BM" + bytes(60))
     assert pickle.loads(pickle.dumps(vorel32.open("scan.tif", 2))).page == 2
+
+
+def test_wrong_arguments_are_told_in_the_names_of_the_method():
+    picture = Image.new(8, 8)
+    for work, message in [
+        (lambda: picture.scale(0.5, method="lanczos"), 'scale: method: "lanczos" is none of linear, cubic, nearest, area'),
+        (lambda: picture.scale(dpi=72, keep_dpi=True), "scale: dpi and keep_dpi do not go together"),
+        (lambda: picture.scale(), "scale: it takes either size or dpi; give one of them"),
+        (lambda: picture.mirror("DOWN"), 'mirror: direction: "DOWN" is none of horizontal, vertical'),
+        (lambda: picture.deskew(confidence=200), "deskew: confidence: 200 is not within 0 and 100"),
+        (lambda: picture.tone(101), 'tone: brightness: "101" is no whole number from -100 to 100'),
+    ]:
+        with pytest.raises(vorel32.UsageError) as caught:
+            work()
+        assert caught.value.message == message
+    for work in (lambda: vorel32.open(5), lambda: vorel32.open(io.StringIO("no bytes")), lambda: Image("scan.tif"),
+                 lambda: picture.filter("kernel", kernel=[0.5] * 9)):  # fmt: skip
+        with pytest.raises(TypeError) as caught:
+            work()
+        assert "incompatible" not in str(caught.value)
+
+
+def test_names_need_not_be_utf8(folder, vorel):
+    name = os.fsdecode(b"caf\xe9.tif")
+    vorel32.open("scan.tif").save(name)
+    page = vorel32.open(name)
+    assert page.file == name and page.deskew().reports and vorel32.open(page.to_bytes("tiff"), name=name).file == name
+    with pytest.raises(vorel32.FormatError) as caught:
+        page.run("invert | tone --brightness 5")
+    assert str(caught.value).startswith(f"{name}, page 1: step 2")
+    os.rename(name, "scan.tif")
+    with pytest.raises(vorel32.InputError, match="No such file"):
+        vorel32.open(name)
+
+
+def test_a_full_disk_leaves_files_as_they_were(folder):
+    photo = vorel32.open("photo.png")
+    photo.save("photo.bmp")
+    before = {path.name: path.read_bytes() for path in folder.iterdir()}
+    soft, hard = resource.getrlimit(resource.RLIMIT_FSIZE)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (5000, hard))
+    try:
+        for work in (lambda: photo.save("photo.bmp"), lambda: photo.save("new.png"), lambda: vorel32.save_pages("new.tif", [photo]),
+                     lambda: photo.to_bytes("bmp")):  # fmt: skip
+            with pytest.raises(vorel32.OutputError):
+                work()
+        (record,) = process(["photo.png"], "invert", "out")
+        assert record.is_passing and record.attempts == 3 and record.failure and os.listdir("out") == []
+    finally:
+        resource.setrlimit(resource.RLIMIT_FSIZE, (soft, hard))
+    assert before == {path.name: path.read_bytes() for path in folder.iterdir() if path.is_file()}
+
+
+def test_only_plain_files_are_replaced(folder):
+    photo = vorel32.open("photo.png")
+    os.mkfifo("pipe")
+    with ThreadPoolExecutor(1) as pool:
+        for save in (lambda: photo.save("pipe", "png"), lambda: vorel32.save_pages("pipe", [photo], format="png")):
+            read = pool.submit(lambda: vorel32.open("pipe").rgb)
+            save()
+            assert (read.result(10) == photo.rgb).all()
+    os.symlink("photo.png", "link.png")
+    photo.invert().save("link.png")
+    assert os.path.islink("link.png") and (vorel32.open("photo.png").rgb == photo.invert().rgb).all()
+    os.chmod("photo.png", 0o444)
+    for options in ({}, {"overwrite": False}):
+        with pytest.raises(vorel32.OutputError):
+            photo.save("photo.png", **options)
 
 
 def test_threads_work_side_by_side_each_with_its_own_failures(folder):

@@ -3,13 +3,14 @@
 from __future__ import annotations
 
 import functools
+import operator
 import os
-import shlex
+import re
 from typing import TYPE_CHECKING, Any, Iterable, Iterator, Sequence
 
 from . import _vorel32
 from ._errors import Error, FormatError, OutputError, UsageError
-from ._files import Readable, Source, Writable, format_of, replaced
+from ._files import Readable, Source, Writable, format_of, replaced, saving, whole
 
 if TYPE_CHECKING:
     import numpy
@@ -19,12 +20,23 @@ Color = tuple[int, int, int]  # red, green, blue
 
 _GRAYS = [(i, i, i) for i in range(256)]
 _INCHES_PER_METRE = 100 / 2.54
+_MOST_DPI = 50_000
+
+
+def _pair(name: str, value: Any) -> tuple[Any, Any]:
+    """Two numbers, or one that stands for both."""
+    numbers = tuple(value) if isinstance(value, Iterable) and not isinstance(value, str) else (value, value)
+    if len(numbers) != 2:
+        raise UsageError(f"{name} takes two numbers; these are {len(numbers)}")
+    return numbers
 
 
 def _per_metre(dpi: float | tuple[float, float] | None) -> tuple[int, int]:
     if dpi is None:
         return 0, 0
-    x, y = dpi if isinstance(dpi, (tuple, list)) else (dpi, dpi)
+    x, y = _pair("dpi", dpi)
+    if not (0 < x <= _MOST_DPI and 0 < y <= _MOST_DPI):
+        raise UsageError(f"a resolution is above 0 and up to {_MOST_DPI} dpi; None states none")
     return round(x * _INCHES_PER_METRE), round(y * _INCHES_PER_METRE)
 
 
@@ -50,6 +62,8 @@ class Image:
     losses: Sequence[str]
 
     def __init__(self, picture: _vorel32.Picture, file: str | None = None, page: int | None = None, readonly: bool = False) -> None:
+        if not isinstance(picture, _vorel32.Picture):
+            raise TypeError("images come from Image.open(), Image.new(), Image.from_array() and Image.from_pil()")
         self._picture: Any = picture
         self._readonly = readonly
         self.file, self.page = file, page
@@ -72,7 +86,14 @@ class Image:
         >>> Image.open(pathlib.Path("scan.tif").read_bytes()).depth
         1
         """
-        return _loaded(cls, Source(source, name), page, readonly)
+        return cls._loaded(Source(source, name), whole("page", page), readonly)
+
+    @classmethod
+    def _loaded(cls, file: Source, page: int, readonly: bool = False) -> Image:
+        picture, losses = file.load(page)
+        image = cls(picture, file.name, page, readonly)
+        image.losses = losses
+        return image
 
     @classmethod
     def new(cls, width: int, height: int, depth: int = 24, *, palette: Sequence[Color] | None = None,
@@ -92,7 +113,11 @@ class Image:
             colors = palette if palette is not None else _GRAYS[:: 255 // (count - 1)]
             if not 0 < len(colors) <= count:
                 raise UsageError(f"a palette of {depth} bits has 1 to {count} colours, this one has {len(colors)}")
-        return cls(_vorel32.blank(width, height, depth, list(colors), _per_metre(dpi)))
+            if not all(len(color) == 3 and all(0 <= value <= 255 for value in color) for color in colors):
+                raise UsageError("the colours of a palette are (red, green, blue), each from 0 to 255")
+        elif palette is not None:
+            raise UsageError(f"pictures of {depth} bits have no palette; leave it out")
+        return cls(_vorel32.blank(whole("width", width), whole("height", height), depth, list(map(tuple, colors)), _per_metre(dpi)))
 
     @classmethod
     def from_array(cls, array: numpy.ndarray, *, order: str = "bgr", palette: Sequence[Color] | None = None,
@@ -115,6 +140,7 @@ class Image:
         """
         import numpy as np
 
+        array = np.asarray(array)
         if order not in ("bgr", "rgb"):
             raise UsageError(f'the order of colours is "bgr" or "rgb", not "{order}"')
         plain = order == "bgr" and palette is None and dpi is None
@@ -148,7 +174,7 @@ class Image:
         import PIL.Image
 
         dpi = picture.info.get("dpi")
-        dpi = tuple(float(value) for value in dpi) if dpi and all(dpi) else None
+        dpi = tuple(map(float, dpi)) if dpi and all(0 < value <= _MOST_DPI for value in dpi) else None
         if picture.mode in ("RGBA", "LA", "PA") or "transparency" in picture.info:
             shown = picture.convert("RGBA")
             picture = PIL.Image.new("RGB", shown.size, "white")
@@ -315,17 +341,20 @@ class Image:
     # ---- Saving ----
 
     def save(self, target: Writable, format: str | None = None, *, compression: str | None = None, interlaced: bool = False,
-             quality: int | None = None, progressive: bool = False, append: bool = False, overwrite: bool = True) -> None:  # fmt: skip
+             quality: int | None = None, progressive: bool = False, append: bool = False, overwrite: bool = True,
+             strict: bool = False) -> None:  # fmt: skip
         """Writes the picture. Raises OutputError if a byte cannot be written; the file is not read back.
 
         target       a path, whose file appears whole or not at all, or a file object open in binary mode
-        format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg or png or a portable map (pnm, pbm, pgm, ppm); without it the ending of the name tells
+        format       tiff, pcx, dcx, gif, tga, bmp, cals, jpeg, png, or a portable map (pnm, pbm, pgm, ppm); without it the
+                     ending of the name tells
         compression  of TIFF none, huffman, g3, g4, lzw, jpeg, deflate, packbits; of TGA none, rle
         interlaced   of GIF
         quality      of JPEG, from 1 to 100; without it 75
         progressive  of JPEG: the picture builds up while it loads
         append       adds a page to a TIFF, DCX or PNM file that is there; that happens in place
         overwrite    False: a file that is there is left alone, and OutputError raised
+        strict       FormatError where the file has no room for something, such as the resolution in a GIF file
 
         >>> page = Image.open("scan.tif")
         >>> page.save("page.png")
@@ -334,41 +363,43 @@ class Image:
         >>> count_pages("pages.tif")
         2
         """
-        word = format_of(target, format)
-        options = {"compression": compression, "interlaced": interlaced, "quality": quality, "progressive": progressive}
+        how = saving(format_of(target, format), compression, interlaced, quality, progressive)
         if not isinstance(target, (str, os.PathLike)):
             if append:
                 raise UsageError("pages are added to files with a path")
-            target.write(self.to_bytes(word, **options))
+            target.write(self._bytes(how, strict))
             return
-        path = os.fspath(target)
-        exists = os.path.exists(path)
-        if append and exists:
+        path = os.fsdecode(target)
+        if append and os.path.exists(path):
             file = Source(path, None)
-            if file.format != word:
-                raise UsageError(f"a {word} page cannot be added to a {file.format} file", path)
-            self._write(path, word, file.count_pages() + 1, **options)
+            if file.format != how.format:
+                raise UsageError(f"a {how.format} page cannot be added to a {file.format} file", path)
+            self._write(path, how, file.count_pages() + 1, strict)
             return
-        if exists and not overwrite:
-            raise OutputError("there is a file of this name already; give another name or overwrite=True", path)
-        with replaced(os.path.realpath(path)) as scratch:
-            self._write(scratch, word, 1, **options)
+        with replaced(path, overwrite) as scratch:
+            self._write(scratch, how, 1, strict)
 
     def to_bytes(self, format: str, *, compression: str | None = None, interlaced: bool = False, quality: int | None = None,
-                 progressive: bool = False) -> bytes:  # fmt: skip
+                 progressive: bool = False, strict: bool = False) -> bytes:  # fmt: skip
         """The file that `save` would write, without writing one.
 
         >>> Image.open("scan.tif").to_bytes("png")[1:4]
         b'PNG'
         """
-        memory = _vorel32.MemoryFile()
-        self._write(str(memory.path), format_of("", format), 1, compression, interlaced, quality, progressive)
-        return memory.content()
+        return self._bytes(saving(format_of("", format), compression, interlaced, quality, progressive), strict)
 
-    def _write(self, path: str, format: str, page: int, compression: str | None = None, interlaced: bool = False,
-               quality: int | None = None, progressive: bool = False) -> None:  # fmt: skip
+    def _bytes(self, how: _vorel32.Saving, strict: bool) -> bytes:
         try:
-            _vorel32.save(self.picture, path, format, page, compression or "", interlaced, quality, progressive)
+            memory = _vorel32.MemoryFile()
+            self._write(str(memory.path), how, 1, strict)
+            return memory.content()
+        except OSError as error:
+            raise OutputError(f"{error.strerror}; free some memory or room for temporary files", self.file, self.page) from error
+
+    def _write(self, path: str, how: _vorel32.Saving, page: int, strict: bool) -> list[str]:
+        """Returns what the file has no room for."""
+        try:
+            return _vorel32.save(self.picture, path, how, page, strict)
         except Error as error:
             raise error.about(self.file, self.page)
 
@@ -420,7 +451,7 @@ class Image:
     def _told(self, chain: Any) -> Image | None:
         """The same with what the steps tell; None if one drops the page."""
         try:
-            picture, reports, losses = chain.apply(self.picture, self.file or "picture")
+            picture, reports, losses = chain.apply(self.picture)
         except Error as error:
             raise error.about(self.file, self.page)
         if picture is None:
@@ -430,7 +461,11 @@ class Image:
         return image
 
     def _page_step(self, *words: object) -> Image:
-        image = self._told(_step(*words))
+        try:
+            step = _step(*words)
+        except Error as error:
+            raise error.about(self.file, self.page)
+        image = self._told(step)
         assert image is not None  # no step called so drops a page
         return image
 
@@ -461,7 +496,7 @@ class Image:
         return self._stepped("skew", direction, pixels, "--white" if white else None)
 
     def scale(self, size: float | tuple[int, int] | None = None, *, dpi: float | tuple[float, float] | None = None,
-              fit: bool = False, keep_dpi: bool = False, method: str | None = None) -> Image:  # fmt: skip
+              fit: bool = False, keep_dpi: bool = False, method: str | None = None, gray: bool = False) -> Image:  # fmt: skip
         """Makes the picture larger or smaller.
 
         size      (width, height) in pixels, or a factor for both
@@ -469,6 +504,7 @@ class Image:
         fit       keeps the proportions: as large as fits into size
         keep_dpi  states the resolution of before, so that the size on paper changes
         method    "area", "linear", "cubic" or "nearest"; None: "area" to reduce, "linear" to enlarge
+        gray      makes greys of 1 bit, which is readable at small sizes; else black and white stay
 
         >>> Image.open("photo.png").scale(0.5).size
         (320, 240)
@@ -476,16 +512,19 @@ class Image:
         (100, 75)
         >>> Image.open("scan.tif").scale(dpi=100).dpi
         (100.0, 100.0)
+        >>> Image.open("scan.tif").scale((85, 110), gray=True).depth
+        8
         """
         asked: list[object] = []
-        if isinstance(size, (tuple, list)):
-            asked.append(f"{size[0]}x{size[1]}")
+        if isinstance(size, Iterable):
+            width, height = _pair("size", size)
+            asked.append(f"{operator.index(width)}x{operator.index(height)}")
         elif size is not None:
-            asked.append(f"{size * 100:.12g}%")
+            asked.append(f"{float(size) * 100:.12g}%")
         if dpi is not None:
-            x, y = dpi if isinstance(dpi, (tuple, list)) else (dpi, dpi)
-            asked += ["--dpi", f"{x:g}x{y:g}"]
-        options = ["--fit" if fit else None, "--keep-dpi" if keep_dpi else None]
+            x, y = _pair("dpi", dpi)
+            asked += ["--dpi", f"{x:.12g}x{y:.12g}"]
+        options = ["--fit" if fit else None, "--keep-dpi" if keep_dpi else None, "--gray" if gray else None]
         options += [] if method is None else ["--method", method]
         return self._stepped("scale", *asked, *options)
 
@@ -495,8 +534,9 @@ class Image:
         >>> Image.open("photo.png").crop(100, 50, 200, 150).size
         (200, 150)
         """
+        piece = whole("left", left), whole("top", top), whole("width", width), whole("height", height)
         try:
-            return Image(_vorel32.crop(self.picture, left, top, width, height), self.file, self.page)
+            return Image(_vorel32.crop(self.picture, *piece), self.file, self.page)
         except Error as error:
             raise error.about(self.file, self.page)
 
@@ -507,7 +547,7 @@ class Image:
         [100, 380]
         """
         try:
-            above, below = _vorel32.cut(self.picture, line)
+            above, below = _vorel32.cut(self.picture, whole("line", line))
         except Error as error:
             raise error.about(self.file, self.page)
         return Image(above, self.file, self.page), Image(below, self.file, self.page)
@@ -557,15 +597,16 @@ class Image:
         where = () if square is None else ("--square", f"{square[0]},{square[1]}")
         return self._stepped("lut", "--brightness", brightness, "--contrast", contrast, *where)
 
-    def filter(self, name: str, size: int = 3, *, kernel: Sequence[int] = (), weighted: bool = False) -> Image:
+    def filter(self, name: str, size: int = 3, *, kernel: Sequence[int] | Sequence[Sequence[int]] = (), weighted: bool = False) -> Image:
         """Filters 8 and 24 bits: "box", "blur", "sharpen", "sharpen-more", or "kernel" with size * size whole numbers from
-        the top row on, and a divisor behind them if that is not their sum.
+        the top row on, in one list or one for each row, and a divisor behind them if that is not their sum.
 
         >>> Image.open("photo.png").filter("sharpen", 5).depth
         24
-        >>> edges = Image.open("photo.png").gray().filter("kernel", kernel=[-1, -1, -1, -1, 8, -1, -1, -1, -1])
+        >>> edges = Image.open("photo.png").gray().filter("kernel", kernel=[[-1, -1, -1], [-1, 8, -1], [-1, -1, -1]])
         """
-        numbers = ("--kernel", " ".join(map(str, kernel))) if len(kernel) > 0 else ()
+        rows = (row if isinstance(row, Iterable) else (row,) for row in kernel)
+        numbers = ("--kernel", " ".join(str(operator.index(number)) for row in rows for number in row)) if len(kernel) > 0 else ()
         return self._stepped("filter", name, "--size", size, "--weighted" if weighted else None, *numbers)
 
     def clean(self, level: int, *, gentle: bool = False) -> Image:
@@ -574,10 +615,10 @@ class Image:
         level   20 thickens what is black, 60 to 70 take specks off, 100 thins
         gentle  leaves alone what has four or more black neighbours
 
-        >>> Image.open("scan.tif").clean(60).depth
-        1
+        >>> sorted(Image.open("scan.tif").clean(60).reports[0])
+        ['changed', 'pixels', 'sentence', 'step']
         """
-        return self._stepped("clean", level, "--gentle" if gentle else None)
+        return self._page_step("clean", level, "--gentle" if gentle else None)
 
     def dither(self, method: str = "jjn", bits: int = 1) -> Image:
         """Few colours by error diffusion: "jjn", "fs", or for 1 and 4 bits "smooth" and "sharp". A picture that has no more bits
@@ -627,6 +668,15 @@ class Image:
         """
         return self._page_step("orient", "--confidence", confidence)
 
+    def is_blank(self, *, most: float = 0.02, margin: float = 3) -> bool:
+        """Whether a page has at most so many percent of ink, inside margins of so many percent on each side and without dark
+        borders of the scanner and specks of less than about half a millimetre. A line of small text is about 0.1 percent.
+
+        >>> Image.open("scan.tif").is_blank()
+        False
+        """
+        return self._page_step("blank", "--most", most, "--margin", margin).reports[0]["blank"]
+
     def despeckle(self, size: str = "0.25mm", *, colors: str = "ink") -> Image:
         """Takes connected specks of a size, in millimetres or pixels ("4px"), off a black and white page: of "ink", "paper"
         (holes in the ink) or "both".
@@ -652,9 +702,10 @@ class Image:
         >>> Image.open("photo.png").combine(stamp, (10, 10)).size
         (640, 480)
         """
+        x, y = _pair("at", at)
         hole = None if mask is None else mask.picture
         try:
-            return Image(_vorel32.combine(self.picture, overlay.picture, at, hole, mode), self.file, self.page)
+            return Image(_vorel32.combine(self.picture, overlay.picture, (whole("x", x), whole("y", y)), hole, mode), self.file, self.page)
         except Error as error:
             raise error.about(self.file, self.page)
 
@@ -668,21 +719,19 @@ class Image:
 
 
 @functools.lru_cache(maxsize=1024)
-def _step(*words: object) -> Any:
-    texts = (f"{word:.12g}" if isinstance(word, float) else str(word) for word in words if word is not None)
-    return _vorel32.Chain(" ".join(map(shlex.quote, texts)))
+def _step(name: str, *words: object) -> Any:
+    """A chain of one step. What is wrong with its words is said in the names of a method's arguments."""
+    texts = [f"{word:.12g}" if isinstance(word, float) else str(word) for word in words if word is not None]
+    try:
+        return _vorel32.Chain.of_step(name, texts)
+    except UsageError as error:
+        text = re.sub("--([a-z-]+)", lambda option: option[1].replace("-", "_"), error.message)
+        raise UsageError(f"{name}: " + re.sub('(?<!")\\b[A-Z]{4,}\\b', lambda word: word[0].lower(), text)) from None
 
 
 @functools.lru_cache(maxsize=64)
 def _chain(steps: str) -> Any:
     return _vorel32.Chain(steps)
-
-
-def _loaded(kind: type[Image], file: Source, page: int, readonly: bool) -> Image:
-    picture, losses = file.load(page)
-    image = kind(picture, file.name, page, readonly)
-    image.losses = losses
-    return image
 
 
 def _restored(content: bytes, file: str | None, page: int | None, readonly: bool) -> Image:
@@ -728,25 +777,24 @@ def pages(source: Readable, *, name: str | None = None, readonly: bool = False) 
     """
     file = Source(source, name)
     for page in range(1, file.count_pages() + 1):
-        yield _loaded(Image, file, page, readonly)
+        yield Image._loaded(file, page, readonly)
 
 
 def save_pages(target: str | os.PathLike[str], images: Iterable[Image | None], *, format: str | None = None,
-               compression: str | None = None, overwrite: bool = True) -> int:  # fmt: skip
+               compression: str | None = None, interlaced: bool = False, quality: int | None = None, progressive: bool = False,
+               overwrite: bool = True, strict: bool = False) -> int:  # fmt: skip
     """Writes pictures as the pages of one TIFF, DCX or PNM file, which appears whole or not at all. Returns their number. None,
-    which `run` returns for a dropped page, is left out.
+    which `run` returns for a dropped page, is left out. The options are those of Image.save.
 
     >>> save_pages("clean.tif", (page.clean(60) for page in pages("scan.tif")), compression="g4")
     2
     """
-    word = format_of(target, format)
-    path = os.path.realpath(target)
-    if os.path.exists(path) and not overwrite:
-        raise OutputError("there is a file of this name already; give another name or overwrite=True", path)
+    how = saving(format_of(target, format), compression, interlaced, quality, progressive)
+    path = os.fsdecode(target)
     count = 0
-    with replaced(path) as scratch:
+    with replaced(path, overwrite) as scratch:
         for count, image in enumerate((image for image in images if image is not None), 1):
-            image._write(scratch, word, count, compression)
+            image._write(scratch, how, count, strict)
         if count == 0:
             raise UsageError("there are no pages to save", path)
     return count

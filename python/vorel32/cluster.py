@@ -30,12 +30,11 @@ import socket
 import time
 import uuid
 from dataclasses import dataclass, field, replace
-from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Union
+from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Sequence, Union
 
-from . import _vorel32
-from ._errors import Error, InputError, LimitError, OutputError, UsageError
-from ._files import format_of
-from ._image import Image, count_pages, pages, save_pages
+from ._errors import Error, FormatError, InputError, LimitError, OutputError, UsageError
+from ._files import Source, format_of, saving
+from ._image import Image
 
 if TYPE_CHECKING:
     from distributed import Client
@@ -56,6 +55,10 @@ class Record:
     outputs: list[str] = field(default_factory=list)
     pages: int = 0
     steps: str = ""
+    #: What the steps told of each page, by its number in the file; see Image.reports.
+    reports: dict[int, Sequence[dict[str, Any]]] = field(default_factory=dict)
+    #: What loading, the steps and saving lost besides what was asked for; see Image.losses. The same ones once.
+    losses: list[str] = field(default_factory=list)
     seconds: float = 0.0
     worker: str = ""
     attempts: int = 1
@@ -75,18 +78,24 @@ class _Job:
     out: str
     scratch: str
     format: str
-    ending: str
-    compression: str | None
+    #: Of `saving`, besides the format.
+    options: tuple[str | None, bool, int | None, bool]
+    strict: bool
     resume: bool
     #: For a file whose numbered outputs could take the name of another file's: the first number that does, and the other file.
     clashes: dict[str, tuple[int, str]] = field(default_factory=dict)
 
-    def target(self, path: str) -> str:
-        return os.path.join(self.out, f"{os.path.splitext(os.path.basename(path))[0]}.{self.ending}")
+    @property
+    def how(self) -> Any:
+        return saving(self.format, *self.options)
 
     @property
     def holds_pages(self) -> bool:
-        return _vorel32.holds_pages(self.format)
+        return self.how.holds_pages
+
+    def target(self, path: str) -> str:
+        ending = {"tiff": "tif", "jpeg": "jpg", "cals": "cal"}.get(self.format, self.format)
+        return os.path.join(self.out, f"{os.path.splitext(os.path.basename(path))[0]}.{ending}")
 
     @property
     def name_of_steps(self) -> str:
@@ -95,21 +104,12 @@ class _Job:
     def apply(self, image: Image) -> Image | None:
         return image.run(self.steps) if isinstance(self.steps, str) else self.steps(image)
 
-    def made(self, path: str, dropped: list[int]) -> Iterator[tuple[int, Image]]:
-        """The pages that the steps leave, with their numbers in the file. Adds the numbers of the others to `dropped`."""
-        for number, page in enumerate(pages(path), 1):
-            image = self.apply(page)
-            if image is None:
-                dropped.append(number)
-            else:
-                yield number, image
-
-    def outputs(self, path: str) -> dict[int, str]:
+    def outputs(self, path: str, file: Source) -> dict[int, str]:
         """The names of all outputs that a file can have, by page; page 0 is all pages in one output."""
         target = self.target(path)
         if self.holds_pages:
             return {0: target}
-        count = count_pages(path)
+        count = file.count_pages()
         if count == 1:
             return {1: target}
         number, other = self.clashes.get(path, (count + 1, ""))
@@ -118,14 +118,14 @@ class _Job:
         stem, ending = os.path.splitext(target)
         return {page: f"{stem}-{page}{ending}" for page in range(1, count + 1)}
 
-    def is_done(self, path: str) -> list[str] | None:
+    def is_done(self, path: str, outputs: dict[int, str]) -> list[str] | None:
         """The outputs of a file if they are newer than it, without those that a note says the same steps left out."""
         try:
             born = os.stat(path).st_mtime_ns
             dropped = self.read_note(path, born)
-            found = [name for page, name in self.outputs(path).items() if page not in dropped]
+            found = [name for page, name in outputs.items() if page not in dropped]
             return found if all(os.stat(name).st_mtime_ns >= born for name in found) else None
-        except (OSError, ValueError, Error):
+        except (OSError, ValueError):
             return None
 
     def note(self, path: str) -> str:
@@ -155,40 +155,57 @@ class _Job:
             self._process(path, record)
         except Exception as error:  # noqa: BLE001 - a file that fails must not stop the others
             record.failure = str(error) if isinstance(error, Error) else f"{path}: {type(error).__name__}: {error}"
-            record.outputs = []
+            record.outputs, record.pages = [], 0
             record.is_passing = isinstance(error, (InputError, OutputError, LimitError, OSError)) and os.path.exists(path)
         record.seconds = time.perf_counter() - started
         return record
 
     def _process(self, path: str, record: Record) -> None:
-        if self.resume and (found := self.is_done(path)) is not None:
+        file = Source(path, None)
+        outputs = self.outputs(path, file)
+        if self.resume and (found := self.is_done(path, outputs)) is not None:
             record.outputs, record.skipped = found, True
             return
-        outputs = self.outputs(path)
-        dropped: list[int] = []
-        made = self.made(path, dropped)
-        if self.holds_pages:
-            if (first := next(made, None)) is not None:
-                images = (image for _, image in itertools.chain([first], made))
-                del first  # one page is in memory at a time
-                record.pages, record.outputs = self._put(outputs[0], images), [outputs[0]]
-        else:
-            for page, image in made:
-                record.pages += self._put(outputs[page], [image])
-                record.outputs.append(outputs[page])
+        scratch = self.unfinished()
+        try:
+            numbers = range(1, file.count_pages() + 1)
+            dropped = [number for number in numbers if not self._process_page(file, number, scratch, outputs, record)]
+            if self.holds_pages and record.pages > 0:
+                self._place(scratch, outputs[0], record)
+        finally:
+            with contextlib.suppress(OSError):  # most often it has its place
+                os.unlink(scratch)
         # A file that holds pages and has some tells by itself that it is done.
         if dropped and not (self.holds_pages and record.outputs):
             self.write_note(path, dropped if record.outputs else [0, *dropped])
 
+    def _process_page(self, file: Source, number: int, scratch: str, outputs: dict[int, str], record: Record) -> bool:
+        """Whether the steps leave the page. One page is in memory at a time."""
+        page = Image._loaded(file, number)
+        losses, image = page.losses, self.apply(page)
+        del page
+        if image is None:
+            return False
+        record.pages += 1
+        record.reports[number] = image.reports
+        self._write(image, scratch, record, [*losses, *image.losses])
+        if not self.holds_pages:
+            self._place(scratch, outputs[number], record)
+        return True
+
+    def _write(self, image: Image, scratch: str, record: Record, losses: list[str]) -> None:
+        if self.strict and losses:
+            raise FormatError(f"{losses[0]}, or leave strict out", image.file, image.page)
+        losses += image._write(scratch, self.how, record.pages if self.holds_pages else 1, self.strict)
+        record.losses = list(dict.fromkeys([*record.losses, *losses]))
+
+    def _place(self, scratch: str, target: str, record: Record) -> None:
+        os.replace(scratch, target)
+        record.outputs.append(target)
+
     def unfinished(self) -> str:
         """The name of a new file. Its folder is gone when the run has ended, so that a late worker leaves nothing behind."""
         return os.path.join(self.scratch, uuid.uuid4().hex)
-
-    def _put(self, target: str, images: Iterable[Image]) -> int:
-        scratch = self.unfinished()
-        count = save_pages(scratch, images, format=self.format, compression=self.compression)
-        os.replace(scratch, target)
-        return count
 
 
 def _run_all(job: _Job, paths: list[str]) -> list[Record]:
@@ -196,7 +213,8 @@ def _run_all(job: _Job, paths: list[str]) -> list[Record]:
 
 
 def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os.PathLike[str], *, client: Client | None = None,
-            format: str = "tiff", compression: str | None = None, resume: bool = False, retries: int = 2, batch: int = 8,
+            format: str = "tiff", compression: str | None = None, interlaced: bool = False, quality: int | None = None,
+            progressive: bool = False, strict: bool = False, resume: bool = False, retries: int = 2, batch: int = 8,
             window: int = 4) -> Iterator[Record]:  # fmt: skip
     """Processes all pages of files and yields a record for each file, in the order in which they are done.
 
@@ -205,18 +223,29 @@ def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os
                  other formats one each, with the page's number if the input has several. An input whose pages are all dropped has
                  no output, and no failure
     client       of a Dask cluster; without one everything is done in this process
-    format       of the outputs, and compression, as for Image.save
+    format       of the outputs; compression, interlaced, quality and progressive are its options, as for Image.save
+    strict       a file fails if loading, a step or saving loses something besides what was asked for; else its record tells
     resume       leaves out files whose outputs are there and newer, or were dropped by the same steps, which a note in the folder
                  .dropped-pages in `out` tells
     retries      how often a file is tried again when a disk, the network or memory fails, or its worker dies
     batch        files to a task: more for small pages, which cost less than a task does
     window       tasks for each thread of the cluster that wait or run at one time, so that memory does not grow with the files
+
+    Wrong arguments raise UsageError before anything is done.
     """
-    files = [os.fspath(path) for path in paths]
-    word = format_of("", format)
-    ending = {"tiff": "tif", "jpeg": "jpg", "cals": "cal"}.get(word, word)
-    folder = os.path.abspath(out)
-    job = _Job(steps, folder, os.path.join(folder, f".vorel32-{uuid.uuid4().hex}"), word, ending, compression, resume)
+    if isinstance(paths, (str, bytes, os.PathLike)):
+        raise TypeError("process() takes a list of paths; put this one into brackets")
+    if retries < 0 or batch < 1 or window < 1:
+        raise UsageError("retries are 0 or more, batch and window 1 or more")
+    if isinstance(steps, str):
+        Image.check_steps(steps)
+    elif not callable(steps):
+        raise TypeError(f"steps are a text or a function, not {type(steps).__name__}")
+    given = [os.fsdecode(path) for path in paths]
+    files = [os.path.abspath(path) for path in given] if client else given  # workers may have another current folder
+    folder = os.path.abspath(os.fsdecode(out))
+    scratch = os.path.join(folder, f".vorel32-{uuid.uuid4().hex}")
+    job = _Job(steps, folder, scratch, format_of("", format), (compression, interlaced, quality, progressive), strict, resume)
     taken: dict[str, str] = {}
     for path in files:
         target = job.target(path)
@@ -227,9 +256,7 @@ def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os
         taken[target] = path
     if not job.holds_pages:
         job.clashes = _clashes(taken)
-    if isinstance(steps, str):
-        Image.check_steps(steps)
-    return _here(job, files) if client is None else _on_cluster(job, files, client, retries, max(1, batch), max(1, window))
+    return _here(job, files, retries) if client is None else _on_cluster(job, dict(zip(files, given)), client, retries, batch, window)
 
 
 def _is_same_file(target: str, path: str) -> bool:
@@ -266,20 +293,27 @@ def _end(job: _Job) -> None:
     shutil.rmtree(ended, ignore_errors=True)
 
 
-def _here(job: _Job, files: list[str]) -> Iterator[Record]:
+def _here(job: _Job, files: list[str], retries: int) -> Iterator[Record]:
     _prepare(job)
     try:
         for path in files:
-            yield job.run(path)
+            for attempt in range(1, retries + 2):
+                record = job.run(path)
+                record.attempts = attempt
+                if not (record.failure and record.is_passing):
+                    break
+            yield record
     finally:
         _end(job)
 
 
-def _on_cluster(job: _Job, files: list[str], client: Client, retries: int, batch: int, window: int) -> Iterator[Record]:
+def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, batch: int, window: int) -> Iterator[Record]:
+    """Records call files by their `names`."""
     from distributed import as_completed
     from distributed.scheduler import KilledWorker
 
     _prepare(job)
+    files = list(names)
     waiting: Any = (files[i : i + batch] for i in range(0, len(files), batch))
     running: dict[str, list[str]] = {}
     attempts: dict[str, int] = {}
@@ -323,11 +357,15 @@ def _on_cluster(job: _Job, files: list[str], client: Client, retries: int, batch
             future.release()
             for record in records:
                 record.attempts = attempts.get(record.path, 1)
+                record.path = names[record.path]
                 counts["failed" if record.failure else "done"] += 1
             if time.monotonic() > looked + _SECONDS_BETWEEN_LOOKS or not running:
                 looked, threads = time.monotonic(), look_around()
             fill()
             yield from records
     finally:
-        client.cancel([future for future in completed.futures] if running else [])
-        _end(job)
+        try:
+            if running:
+                client.cancel(list(completed.futures))
+        finally:
+            _end(job)
