@@ -1,10 +1,9 @@
 #!/usr/bin/env bash
 # Runs inside one-machine-slurm.sh: an array of four shards, of which one is killed at work and queued again, compared with one run.
-# usage: demo-slurm.sh FOLDER_OF_PAGES FOLDER
+# usage: demo-slurm.sh STEPS FOLDER_OF_PAGES FOLDER
 set -euo pipefail
 root=$(realpath "$(dirname "$0")/..")
-pages=$1 folder=$2
-steps='clean 60 | rotate 90 | scale 50%'
+steps=$1 pages=$2 folder=$3
 export VOREL=$root/build/native/bin/vorel
 rm -rf "$folder"
 mkdir -p "$folder"
@@ -23,6 +22,7 @@ for _ in {1..2000}; do
   [ -n "$victim" ] && [ -s out/reports/shard-3.json ] && break
   sleep 0.01
 done
+[ -n "$victim" ] || { echo "shard 3 has ended or never began; use more pages" >&2; exit 1; }
 kill -9 "$victim"
 echo "   process $victim of shard 3 killed after $(wc -l <out/reports/shard-3.json) files"
 

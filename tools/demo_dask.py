@@ -1,6 +1,6 @@
 """Processes small pages on a Dask cluster of two worker processes, kills one in the middle, and compares with one process.
 
-usage: demo_dask.py FOLDER [COUNT]
+usage: demo_dask.py STEPS FOLDER COUNT
 """
 
 import filecmp
@@ -14,8 +14,6 @@ sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "python" / "benc
 from distributed import Client, LocalCluster  # noqa: E402
 from pages import make_pages  # noqa: E402
 from vorel32.cluster import process  # noqa: E402
-
-STEPS = "clean 60 | rotate 90 | scale 50%"
 
 
 def timed(records):
@@ -33,14 +31,14 @@ def killing_one(records, after):
         yield record
 
 
-def main(folder, count):
+def main(steps, folder, count):
     print(f"   making {count} pages")
     (folder / "in").mkdir(parents=True, exist_ok=True)
     paths = make_pages(folder / "in", count)
-    alone, rate = timed(process(paths, STEPS, folder / "alone", compression="g4"))
+    alone, rate = timed(process(paths, steps, folder / "alone", compression="g4"))
     print(f"   one process: {rate:.0f} pages per second")
     with LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=":0") as cluster, Client(cluster) as client:
-        together, rate = timed(killing_one(process(paths, STEPS, folder / "dask", client=client, compression="g4"), count // 3))
+        together, rate = timed(killing_one(process(paths, steps, folder / "dask", client=client, compression="g4"), count // 3))
     print(f"   two workers, one killed and started again: {rate:.0f} pages per second")
 
     names = sorted(os.listdir(folder / "alone"))
@@ -57,4 +55,4 @@ def main(folder, count):
 
 
 if __name__ == "__main__":
-    main(Path(sys.argv[1]), int(sys.argv[2]) if len(sys.argv) > 2 else 2000)
+    main(sys.argv[1], Path(sys.argv[2]), int(sys.argv[3]))

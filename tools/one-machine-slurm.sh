@@ -11,15 +11,26 @@ rm -rf "$folder"
 mkdir -p "$folder"/{state,spool,log,munge}
 chmod 755 "$folder" "$folder/munge"
 
+# Jobs are cancelled first: what works for one would outlive the daemons.
 end() {
-  local name
-  for name in slurmd slurmctld munge/munged; do
-    [ ! -s "$folder/$name.pid" ] || kill "$(cat "$folder/$name.pid")" 2>/dev/null || true
+  local name process processes=()
+  timeout 10 scancel --user="$(id -un)" 2>/dev/null || true
+  for _ in {1..50}; do
+    [ -n "$(timeout 2 squeue -h 2>/dev/null)" ] || break
+    sleep 0.2
   done
+  for name in slurmd slurmctld munge/munged; do
+    [ ! -s "$folder/$name.pid" ] || processes+=("$(cat "$folder/$name.pid")")
+  done
+  for process in "${processes[@]}"; do kill "$process" 2>/dev/null || true; done
   for _ in {1..100}; do
-    [ -e "$folder/slurmctld.pid" ] || [ -e "$folder/slurmd.pid" ] || [ -e "$folder/munge/munged.pid" ] || break
+    kill -0 "${processes[@]}" 2>/dev/null || break
     sleep 0.1
   done
+  for process in "${processes[@]}"; do
+    kill -0 "$process" 2>/dev/null && echo "slurm: process $process does not end; see $folder" >&2
+  done
+  return 0
 }
 trap end EXIT
 
