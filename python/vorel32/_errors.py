@@ -47,7 +47,7 @@ class InputError(Error):
 
 
 class FormatError(Error, ValueError):
-    """A file is damaged or of an unknown format, or a picture is not of a kind that the operation takes."""
+    """A file is damaged or of an unknown format, or the operation is not for this kind of picture."""
 
 
 class OutputError(Error):

@@ -54,7 +54,7 @@ class Source:
             return self._source.compression(page)
 
     def load(self, page: int) -> tuple[_vorel32.Picture, list[str]]:
-        """A page, and what loading takes from it."""
+        """A page, and the losses in loading it."""
         with self._named(page):
             return self._source.load(page), self._source.losses(page)
 
@@ -67,7 +67,7 @@ class Source:
 
 
 def _content_unless_plain(path: str) -> bytes | None:
-    """What devices and pipes give, which can be read once; None for other files. Tells what the system has against the file."""
+    """The content of a device or a pipe, which can be read once; None for plain files. Raises OSError if the file cannot be opened."""
     with open(path, "rb") as file:
         return None if stat.S_ISREG(os.fstat(file.fileno()).st_mode) else file.read()
 
@@ -82,7 +82,7 @@ def _content_of(file: BinaryIO) -> bytes:
 
 
 def format_of(target: Writable, format: str | None) -> str:
-    """The format's word: as asked for or, without that, by the ending of the target's name."""
+    """The format's word: `format` if given, else by the ending of the target's name."""
     if format is not None:
         return format.lower().lstrip(".")
     name = target if isinstance(target, (str, os.PathLike)) else getattr(target, "name", None)
@@ -96,12 +96,12 @@ def format_of(target: Writable, format: str | None) -> str:
 
 @functools.lru_cache(maxsize=64)
 def saving(format: str, compression: str | None, interlaced: bool, quality: int | None, progressive: bool) -> _vorel32.Saving:
-    """How to save. Raises UsageError for options that do not belong to the format, or that are out of range."""
+    """Checks how to save. Raises UsageError for options of another format or out of range."""
     return _vorel32.Saving(format, compression or "", interlaced, None if quality is None else whole("quality", quality), progressive)
 
 
 def whole(name: str, value: SupportsIndex) -> int:
-    """A whole number as the library takes it."""
+    """Checks that a number is whole and fits the library's integers."""
     number = operator.index(value)
     if not -(2**31) <= number < 2**31:
         raise UsageError(f"{name} is {number}; ask for less")
@@ -113,7 +113,7 @@ def replaced(path: str, overwrite: bool = True) -> Iterator[str]:
     """A new file beside `path` that takes its place when the block ends. If that fails, `path` stays as it was. Links are followed.
     Devices and pipes get the bytes and are never replaced."""
     target = os.path.realpath(path)
-    # Without the target's name, so that it is not too long where the target's is not.
+    # The name does not contain the target's, so that it cannot be too long.
     scratch = os.path.join(os.path.dirname(target), f".vorel32-{secrets.token_hex(8)}.tmp")
     try:
         mode = os.stat(target).st_mode if os.path.exists(target) else None

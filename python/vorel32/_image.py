@@ -41,9 +41,9 @@ def _per_metre(dpi: float | tuple[float, float] | None) -> tuple[int, int]:
 
 
 class Image:
-    """A picture in memory: a packed device-independent bitmap of 1, 4, 8, 16, 24 or 32 bits to a pixel.
+    """A picture in memory: a packed device-independent bitmap of 1, 4, 8, 16, 24 or 32 bits per pixel.
 
-    Operations leave the picture alone and return a new one, which states the resolution that belongs to it.
+    Operations do not change the picture. They return a new one with the matching resolution.
 
     >>> page = Image.open("scan.tif")
     >>> page
@@ -52,13 +52,13 @@ class Image:
 
     __slots__ = ("_picture", "_readonly", "file", "page", "reports", "losses", "__weakref__")
 
-    #: The file that the picture was loaded from, for messages; None if it came from none.
+    #: The file that the picture was loaded from, for messages; None without a file.
     file: str | None
-    #: Its page there.
+    #: The page in that file.
     page: int | None
-    #: What the steps of `run` told of the picture, a dict for each: the step's name under "step", and its facts.
+    #: Reports of steps, a dict for each step: its name under "step", and its facts. Empty for steps without reports.
     reports: Sequence[dict[str, Any]]
-    #: What loading or those steps lost besides what was asked for, each as "what is lost; what to do".
+    #: Unrequested losses in loading or in the steps of `run`, each as "loss; remedy".
     losses: Sequence[str]
 
     def __init__(self, picture: _vorel32.Picture, file: str | None = None, page: int | None = None, readonly: bool = False) -> None:
@@ -77,8 +77,8 @@ class Image:
 
         source    a path, the bytes of a file, or a file object open in binary mode; bytes go through memory alone
         page      counted from 1
-        name      stands for the path of bytes: in messages, and for TGA files, which are known by their names
-        readonly  arrays of the picture refuse to be written to
+        name      of bytes, for messages and to recognise TGA files, which have no signature
+        readonly  the picture's arrays cannot be written to
 
         >>> Image.open("scan.tif", page=2).size
         (1700, 2200)
@@ -100,7 +100,7 @@ class Image:
             dpi: float | tuple[float, float] | None = None) -> Image:  # fmt: skip
         """A picture whose pixels are all 0.
 
-        palette  of 1 to 8 bits, as (red, green, blue); without one black and white, or greys from black to white
+        palette  for 1 to 8 bits, as (red, green, blue); default: black and white, or greys from black to white
 
         >>> Image.new(100, 50, 8, dpi=300)
         <vorel32.Image 100 x 50, 8 bits, 300 dpi>
@@ -122,13 +122,13 @@ class Image:
     @classmethod
     def from_array(cls, array: numpy.ndarray, *, order: str = "bgr", palette: Sequence[Color] | None = None,
                    dpi: float | tuple[float, float] | None = None, copy: bool | None = None) -> Image:  # fmt: skip
-        """A picture of an array, the top row first.
+        """Makes a picture of an array, top row first.
 
         array    (h, w) of bool: 1 bit, True is white. (h, w) of uint8: 8 bits, greys or indices into `palette`.
                  (h, w, 3) of uint8: 24 bits. (h, w, 4) of uint8: 32 bits, the fourth byte is unused
-        order    of colours, "bgr" as pictures hold them, or "rgb"
-        copy     None: the picture shares the memory of an array that is all of another picture's pixels, and copies any
-                 other. False: fails where it would copy. True: copies always
+        order    of colours: "bgr" as in pictures, or "rgb"
+        copy     None: an array of all pixels of a picture is shared, any other is copied. False: raises UsageError instead
+                 of copying. True: always copies
 
         Pictures lie in memory that the library allocates. To fill one without a copy, write into the array of a new one:
 
@@ -165,7 +165,7 @@ class Image:
 
     @classmethod
     def from_pil(cls, picture: PIL.Image.Image) -> Image:
-        """A copy of a Pillow image. Transparent pixels become white; the resolution is kept.
+        """Copies a Pillow image. Transparent pixels become white; the resolution is kept.
 
         >>> import PIL.Image
         >>> Image.from_pil(PIL.Image.new("L", (20, 10))).depth
@@ -248,12 +248,12 @@ class Image:
     # ---- Pixels ----
 
     def __array__(self, dtype: Any = None, copy: bool | None = None) -> numpy.ndarray:
-        """What numpy.asarray(image) gives, the top row first.
+        """The result of numpy.asarray(image), top row first.
 
         24 and 32 bits: the picture's own memory as (h, w, 3 or 4) of uint8, in the order blue, green, red. 16 bits: the same
         as (h, w) of uint16. 8 bits: the same as (h, w) of uint8, indices into the palette or greys. Writing to these changes
-        the picture, which lives as long as its arrays. 1 and 4 bits, and run-length compressed pictures: a copy with a byte
-        to a pixel, which cannot be written to; `packed` has the memory.
+        the picture, whose memory lives as long as its arrays. 1 and 4 bits, and run-length compressed pictures: a read-only
+        copy with one byte per pixel; `packed` is the memory itself.
 
         >>> import numpy
         >>> numpy.asarray(Image.open("photo.png")).shape
@@ -309,7 +309,7 @@ class Image:
         return pixels
 
     def to_pil(self) -> PIL.Image.Image:
-        """A copy as a Pillow image of mode 1, L, P or RGB.
+        """Copies the picture into a Pillow image of mode 1, L, P or RGB.
 
         >>> Image.open("scan.tif").to_pil().mode
         '1'
@@ -335,7 +335,7 @@ class Image:
         return shown
 
     def _repr_png_(self) -> bytes:
-        """What a notebook shows."""
+        """The picture as PNG, for notebooks."""
         return self.to_bytes("png")
 
     # ---- Saving ----
@@ -381,7 +381,7 @@ class Image:
 
     def to_bytes(self, format: str, *, compression: str | None = None, interlaced: bool = False, quality: int | None = None,
                  progressive: bool = False, strict: bool = False) -> bytes:  # fmt: skip
-        """The file that `save` would write, without writing one.
+        """The bytes of the file that `save` would write.
 
         >>> Image.open("scan.tif").to_bytes("png")[1:4]
         b'PNG'
@@ -406,11 +406,11 @@ class Image:
     # ---- Life ----
 
     def copy(self) -> Image:
-        """The same picture in memory of its own, which can be written to."""
+        """A copy of the picture in its own writable memory."""
         return Image(self.picture.copy(), self.file, self.page)
 
     def close(self) -> None:
-        """Gives up the memory now. Arrays of the picture keep it for as long as they live."""
+        """Releases the memory now, or with the last array of the picture."""
         self._picture = None
 
     def __enter__(self) -> Image:
@@ -425,7 +425,7 @@ class Image:
     # ---- Operations ----
 
     def run(self, steps: str) -> Image | None:
-        """Runs steps in the form that `vorel run` takes, with the picture in memory between them. None if a step drops the page.
+        """Runs steps, written as for `vorel run`, in memory. Returns None if a step drops the page.
 
         >>> page = Image.open("scan.tif").run("clean 60 | rotate -90 | scale 50%")
         >>> page.size, [report["step"] for report in page.reports]
@@ -435,7 +435,7 @@ class Image:
 
     @staticmethod
     def check_steps(steps: str) -> str:
-        """The same steps in one spelling. Raises UsageError for what `run` does not take.
+        """The canonical spelling of steps. Raises UsageError for steps that `run` refuses.
 
         >>> Image.check_steps("clean  60|scale '50%'")
         'clean 60 | scale 50%'
@@ -449,7 +449,7 @@ class Image:
             raise error.about(self.file, self.page)
 
     def _told(self, chain: Any) -> Image | None:
-        """The same with what the steps tell; None if one drops the page."""
+        """The same with reports and losses; None if a step drops the page."""
         try:
             picture, reports, losses = chain.apply(self.picture)
         except Error as error:
@@ -479,7 +479,7 @@ class Image:
         return self._stepped("rotate", degrees, "--white" if white else None)
 
     def mirror(self, direction: str = "horizontal") -> Image:
-        """Exchanges left and right ("horizontal") or top and bottom ("vertical").
+        """Swaps left and right ("horizontal") or top and bottom ("vertical").
 
         >>> Image.open("photo.png").mirror("vertical").size
         (640, 480)
@@ -487,8 +487,8 @@ class Image:
         return self._stepped("mirror", direction)
 
     def skew(self, direction: str, pixels: int, *, white: bool = False) -> Image:
-        """Shears. "horizontal" moves rows right, the upper ones most, "vertical" columns up, the right ones most; negative
-        numbers move the others.
+        """Shears. "horizontal" moves rows right: upper rows most, or lower rows most for negative `pixels`. "vertical" moves
+        columns up: right columns most, or left columns most for negative `pixels`.
 
         >>> Image.open("photo.png").skew("horizontal", 40).size
         (680, 480)
@@ -500,11 +500,11 @@ class Image:
         """Makes the picture larger or smaller.
 
         size      (width, height) in pixels, or a factor for both
-        dpi       in place of size: as many pixels as the size on paper has at this resolution
-        fit       keeps the proportions: as large as fits into size
-        keep_dpi  states the resolution of before, so that the size on paper changes
+        dpi       instead of size: the resolution to reach at the same size on paper
+        fit       keeps the proportions: the largest picture within size
+        keep_dpi  keeps the stated resolution, so that the size on paper changes
         method    "area", "linear", "cubic" or "nearest"; None: "area" to reduce, "linear" to enlarge
-        gray      makes greys of 1 bit, which is readable at small sizes; else black and white stay
+        gray      turns 1 bit into greys, which stay readable at small sizes; default: black and white
 
         >>> Image.open("photo.png").scale(0.5).size
         (320, 240)
@@ -529,7 +529,7 @@ class Image:
         return self._stepped("scale", *asked, *options)
 
     def crop(self, left: int, top: int, width: int, height: int) -> Image:
-        """A piece.
+        """A rectangle of the picture. All of it must lie inside.
 
         >>> Image.open("photo.png").crop(100, 50, 200, 150).size
         (200, 150)
@@ -541,7 +541,7 @@ class Image:
             raise error.about(self.file, self.page)
 
     def cut(self, line: int) -> tuple[Image, Image]:
-        """The `line` rows above, and those below.
+        """Two pictures: the upper `line` rows, and the rest.
 
         >>> [half.height for half in Image.open("photo.png").cut(100)]
         [100, 380]
@@ -553,7 +553,7 @@ class Image:
         return Image(above, self.file, self.page), Image(below, self.file, self.page)
 
     def invert(self) -> Image:
-        """The negative. Up to 8 bits the palette changes and the pixels stay.
+        """The negative. Up to 8 bits only the palette changes.
 
         >>> Image.new(8, 8, 1).invert().palette
         [(255, 255, 255), (0, 0, 0)]
@@ -561,10 +561,10 @@ class Image:
         return self._stepped("invert")
 
     def gray(self, *, weighted: bool = False, smooth: int = 0) -> Image:
-        """Greys of 8 bits, or of 4 if the picture has 4.
+        """Greys of 8 bits, or of 4 for a picture of 4.
 
-        weighted  weighs green most and blue least
-        smooth    of 1 bit: mixes 3 x 3 pixels (1) or 5 x 5 (2)
+        weighted  weighs green most and blue least; default: all alike
+        smooth    for 1 bit: 1 mixes 3 x 3 pixels, 2 mixes 5 x 5
 
         >>> Image.open("photo.png").gray(weighted=True).depth
         8
@@ -572,7 +572,7 @@ class Image:
         return self._stepped("gray", "--weighted" if weighted else None, "--smooth", smooth)
 
     def expand(self) -> Image:
-        """The same picture with 24 bits to a pixel.
+        """The same picture with 24 bits per pixel.
 
         >>> Image.open("scan.tif").expand().depth
         24
@@ -588,8 +588,8 @@ class Image:
         return self._stepped("tone", "--brightness", brightness, "--contrast", contrast)
 
     def lut(self, brightness: int = 0, contrast: int = 0, square: tuple[int, int] | None = None) -> Image:
-        """Level i of 8 bits becomes i + contrast * (i - mean) / 255 + brightness. The mean is that of the pixels in a square
-        of 256 x 256 whose left upper corner is given, or 128.
+        """Maps level i of 8 bits to i + contrast * (i - mean) / 255 + brightness. The mean is taken over the 256 x 256 pixels
+        whose upper left corner is `square`, else it is 128.
 
         >>> Image.open("photo.png").gray().lut(contrast=100, square=(0, 0)).depth
         8
@@ -610,10 +610,10 @@ class Image:
         return self._stepped("filter", name, "--size", size, "--weighted" if weighted else None, *numbers)
 
     def clean(self, level: int, *, gentle: bool = False) -> Image:
-        """Takes specks off black and white or grey pages.
+        """Removes specks from black and white or grey pages.
 
-        level   20 thickens what is black, 60 to 70 take specks off, 100 thins
-        gentle  leaves alone what has four or more black neighbours
+        level   20 to 100: 20 thickens black, 60 to 70 remove specks, 100 thins black
+        gentle  leaves pixels with four or more black neighbours alone
 
         >>> sorted(Image.open("scan.tif").clean(60).reports[0])
         ['changed', 'pixels', 'sentence', 'step']
@@ -621,8 +621,8 @@ class Image:
         return self._page_step("clean", level, "--gentle" if gentle else None)
 
     def dither(self, method: str = "jjn", bits: int = 1) -> Image:
-        """Few colours by error diffusion: "jjn", "fs", or for 1 and 4 bits "smooth" and "sharp". A picture that has no more bits
-        stays as it is.
+        """Reduces colours by error diffusion to 1, 4 or 8 bits: "jjn", "fs", or for 1 and 4 bits "smooth" and "sharp". A picture
+        that has no more bits stays as it is.
 
         >>> Image.open("photo.png").dither("jjn", bits=8).depth
         8
@@ -630,7 +630,7 @@ class Image:
         return self._stepped("dither", "--method", method, "--bits", bits)
 
     def halftone(self, method: str = "ordered", brightness: int = 0) -> Image:
-        """Black and white: "threshold", "diffusion" or "ordered".
+        """Black and white by "threshold", "diffusion" or "ordered". `brightness` adds -255 to 255 levels first.
 
         >>> Image.open("photo.png").halftone("threshold", brightness=40).depth
         1
@@ -638,8 +638,10 @@ class Image:
         return self._stepped("halftone", "--method", method, "--brightness", brightness)
 
     def threshold(self, level: int | str = "otsu", *, window: str = "3.5mm", k: float = 0.34) -> Image:
-        """Black and white: white from a level on, from 0 to 256; from the level that "otsu" finds; or from local levels,
-        "sauvola", in a window of millimetres or pixels ("20px"), with less ink the higher `k`.
+        """Black and white: white from a level of 0 to 256 on, from the level that "otsu" finds, or by "sauvola" from local levels.
+
+        window  of "sauvola", in millimetres or pixels ("20px")
+        k       of "sauvola", 0 to 1: higher means less ink
 
         >>> Image.open("photo.png").threshold().reports[0]["method"]
         'otsu'
@@ -648,10 +650,10 @@ class Image:
         return self._page_step("threshold", level, *local)
 
     def deskew(self, *, confidence: float = 50, same_size: bool = False, black: bool = False) -> Image:
-        """Makes a slanted page of text straight. Leaves pages alone whose slant is less sure than `confidence` percent.
+        """Straightens a slanted page of text, unless its slant is less sure than `confidence` percent.
 
-        same_size  cuts off corners; else the page grows, so that all stays
-        black      fills what is left free with black; else with white
+        same_size  cuts off corners; default: the page grows to keep them
+        black      fills the new corners with black; default: white
 
         >>> page = Image.open("scan.tif").deskew()
         >>> sorted(page.reports[0])
@@ -661,7 +663,7 @@ class Image:
         return self._page_step("deskew", "--confidence", confidence, *options)
 
     def orient(self, *, confidence: float = 50) -> Image:
-        """Turns a page of Latin text the right way up, by quarters, if that is sure by `confidence` percent.
+        """Turns a page of Latin text upright, by quarters, unless its orientation is less sure than `confidence` percent.
 
         >>> Image.open("scan.tif").orient().reports[0]["turned"]
         0
@@ -678,8 +680,8 @@ class Image:
         return self._page_step("blank", "--most", most, "--margin", margin).reports[0]["blank"]
 
     def despeckle(self, size: str = "0.25mm", *, colors: str = "ink") -> Image:
-        """Takes connected specks of a size, in millimetres or pixels ("4px"), off a black and white page: of "ink", "paper"
-        (holes in the ink) or "both".
+        """Removes connected specks up to a size, in millimetres or pixels ("4px"), from a black and white page: specks of "ink",
+        of "paper" (holes in the ink) or "both".
 
         >>> Image.open("scan.tif").despeckle("2px").reports[0]["most_pixels_across"]
         2
@@ -687,7 +689,7 @@ class Image:
         return self._page_step("despeckle", "--size", size, "--colors", colors)
 
     def crop_to_content(self, margin: str = "5mm") -> Image:
-        """Cuts a scanned page to what is on it and a margin, without the scanner's dark borders.
+        """Cuts a scanned page to its content and a margin, without the scanner's dark borders.
 
         >>> Image.open("scan.tif").crop_to_content("0px").reports[0]["step"]
         'crop'
@@ -695,8 +697,8 @@ class Image:
         return self._page_step("crop", "auto", "--margin", margin)
 
     def combine(self, overlay: Image, at: tuple[int, int] = (0, 0), *, mask: Image | None = None, mode: str = "replace") -> Image:
-        """Paints another picture onto this one, its left upper corner at `at`. Of a 1-bit mask of the overlay's size black
-        keeps what is below. `mode` is "replace", "or" or "xor".
+        """Paints another picture onto this one, its upper left corner at `at`. Where a 1-bit mask of the overlay's size is black,
+        this picture shows. `mode` is "replace", "or" or "xor".
 
         >>> stamp = Image.new(40, 20)
         >>> Image.open("photo.png").combine(stamp, (10, 10)).size
@@ -710,7 +712,7 @@ class Image:
             raise error.about(self.file, self.page)
 
     def with_dpi(self, dpi: float | tuple[float, float] | None) -> Image:
-        """The same pixels at another stated resolution; None states none.
+        """The same pixels with another stated resolution; None states none.
 
         >>> Image.open("photo.png").with_dpi(150).dpi
         (150.0, 150.0)
@@ -720,7 +722,7 @@ class Image:
 
 @functools.lru_cache(maxsize=1024)
 def _step(name: str, *words: object) -> Any:
-    """A chain of one step. What is wrong with its words is said in the names of a method's arguments."""
+    """A chain of one step. Messages about its words use the names of the method's arguments."""
     texts = [f"{word:.12g}" if isinstance(word, float) else str(word) for word in words if word is not None]
     try:
         return _vorel32.Chain.of_step(name, texts)
@@ -739,7 +741,7 @@ def _restored(content: bytes, file: str | None, page: int | None, readonly: bool
 
 
 def _owner(array: numpy.ndarray) -> Any:
-    """The picture whose pixels an array is, all of them and in their places; None if there is none."""
+    """The picture of which an array is all pixels in their order; None if there is none."""
     import numpy as np
 
     holder: Any = array
@@ -783,8 +785,8 @@ def pages(source: Readable, *, name: str | None = None, readonly: bool = False) 
 def save_pages(target: str | os.PathLike[str], images: Iterable[Image | None], *, format: str | None = None,
                compression: str | None = None, interlaced: bool = False, quality: int | None = None, progressive: bool = False,
                overwrite: bool = True, strict: bool = False) -> int:  # fmt: skip
-    """Writes pictures as the pages of one TIFF, DCX or PNM file, which appears whole or not at all. Returns their number. None,
-    which `run` returns for a dropped page, is left out. The options are those of Image.save.
+    """Writes pictures as the pages of one TIFF, DCX or PNM file, which appears whole or not at all. Skips None, which `run` returns
+    for a dropped page. Returns the number of pages. The options are those of Image.save.
 
     >>> save_pages("clean.tif", (page.clean(60) for page in pages("scan.tif")), compression="g4")
     2

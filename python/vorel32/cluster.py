@@ -5,7 +5,7 @@
 >>> [os.path.basename(path) for path in records[0].outputs]
 ['scan-1.png', 'scan-2.png']
 
-On a cluster, with a record for each file as soon as it is done::
+On a cluster, records arrive as files are done::
 
     from distributed import Client
     with Client("tcp://scheduler:8786") as client:
@@ -13,8 +13,8 @@ On a cluster, with a record for each file as soon as it is done::
             if record.failure:
                 print(record.path, record.failure)
 
-Workers need this package and see the files under the same paths. Outputs appear by rename, whole or not at all, under names that
-depend on the input alone: a file whose worker dies is processed again elsewhere and still is there once.
+Workers need this package and see the files under the same paths. Outputs appear whole, by rename, under names that depend on the
+input alone: the file of a worker that dies is processed again elsewhere, and its output is there once.
 """
 
 from __future__ import annotations
@@ -49,30 +49,30 @@ _NOTES = ".dropped-pages"
 
 @dataclass
 class Record:
-    """What became of a file."""
+    """The result for one file."""
 
     path: str
     outputs: list[str] = field(default_factory=list)
     pages: int = 0
     steps: str = ""
-    #: What the steps told of each page, by its number in the file; see Image.reports.
+    #: Reports of the steps for each page, by its number in the file; see Image.reports.
     reports: dict[int, Sequence[dict[str, Any]]] = field(default_factory=dict)
-    #: What loading, the steps and saving lost besides what was asked for; see Image.losses. The same ones once.
+    #: Unrequested losses in loading, steps and saving, without repeats; see Image.losses.
     losses: list[str] = field(default_factory=list)
     seconds: float = 0.0
     worker: str = ""
     attempts: int = 1
-    #: Whether the outputs were there already, newer than the file, with resume=True.
+    #: With resume=True: whether the outputs existed already and were newer than the file.
     skipped: bool = False
-    #: What went wrong; None if nothing did.
+    #: The message of a failure; None after success.
     failure: str | None = None
-    #: Whether trying again may help, as after an error of a disk or a network.
+    #: Whether another attempt may succeed, as after an error of a disk or a network.
     is_passing: bool = False
 
 
 @dataclass
 class _Job:
-    """All that a worker needs besides the paths."""
+    """Everything that a worker needs besides the paths."""
 
     steps: Steps
     out: str
@@ -82,7 +82,7 @@ class _Job:
     options: tuple[str | None, bool, int | None, bool]
     strict: bool
     resume: bool
-    #: For a file whose numbered outputs could take the name of another file's: the first number that does, and the other file.
+    #: By file, where a numbered output could have the name of another file's output: the first such number, and the other file.
     clashes: dict[str, tuple[int, str]] = field(default_factory=dict)
 
     @property
@@ -105,7 +105,7 @@ class _Job:
         return image.run(self.steps) if isinstance(self.steps, str) else self.steps(image)
 
     def outputs(self, path: str, file: Source) -> dict[int, str]:
-        """The names of all outputs that a file can have, by page; page 0 is all pages in one output."""
+        """The names of all possible outputs of a file, by page; page 0 stands for all pages in one output."""
         target = self.target(path)
         if self.holds_pages:
             return {0: target}
@@ -119,7 +119,7 @@ class _Job:
         return {page: f"{stem}-{page}{ending}" for page in range(1, count + 1)}
 
     def is_done(self, path: str, outputs: dict[int, str]) -> list[str] | None:
-        """The outputs of a file if they are newer than it, without those that a note says the same steps left out."""
+        """The outputs of a file if they are newer than it. Those of pages that the same steps dropped may be missing."""
         try:
             born = os.stat(path).st_mtime_ns
             dropped = self.read_note(path, born)
@@ -129,7 +129,7 @@ class _Job:
             return None
 
     def note(self, path: str) -> str:
-        """Where the dropped pages of a file are noted: outputs that are missing alone do not tell that the work is done."""
+        """The note of the dropped pages of a file. Without it a missing output could also mean unfinished work."""
         return os.path.join(self.out, _NOTES, hashlib.sha256(os.fsencode(self.target(path))).hexdigest()[:32])
 
     def read_note(self, path: str, born: int) -> list[int]:
@@ -173,14 +173,14 @@ class _Job:
             if self.holds_pages and record.pages > 0:
                 self._place(scratch, outputs[0], record)
         finally:
-            with contextlib.suppress(OSError):  # most often it has its place
+            with contextlib.suppress(OSError):  # after success it has been renamed
                 os.unlink(scratch)
         # A file that holds pages and has some tells by itself that it is done.
         if dropped and not (self.holds_pages and record.outputs):
             self.write_note(path, dropped if record.outputs else [0, *dropped])
 
     def _process_page(self, file: Source, number: int, scratch: str, outputs: dict[int, str], record: Record) -> bool:
-        """Whether the steps leave the page. One page is in memory at a time."""
+        """False if the steps drop the page. One page is in memory at a time."""
         page = Image._loaded(file, number)
         losses, image = page.losses, self.apply(page)
         del page
@@ -204,7 +204,7 @@ class _Job:
         record.outputs.append(target)
 
     def unfinished(self) -> str:
-        """The name of a new file. Its folder is gone when the run has ended, so that a late worker leaves nothing behind."""
+        """The name of a new file. The end of a run removes its folder, so that a late worker leaves nothing behind."""
         return os.path.join(self.scratch, uuid.uuid4().hex)
 
 
@@ -216,20 +216,20 @@ def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os
             format: str = "tiff", compression: str | None = None, interlaced: bool = False, quality: int | None = None,
             progressive: bool = False, strict: bool = False, resume: bool = False, retries: int = 2, batch: int = 8,
             window: int = 4) -> Iterator[Record]:  # fmt: skip
-    """Processes all pages of files and yields a record for each file, in the order in which they are done.
+    """Processes all pages of files and yields a record for each file when it is done.
 
-    steps        see Image.run; or a function of an image that makes an image, or None to drop the page
-    out          the folder for the outputs, which are named after their inputs. TIFF, DCX and PNM files get all pages of an input;
-                 other formats one each, with the page's number if the input has several. An input whose pages are all dropped has
-                 no output, and no failure
-    client       of a Dask cluster; without one everything is done in this process
+    steps        see Image.run; or a function of an image that returns an image, or None to drop the page
+    out          the folder of the outputs, which are named after their inputs. TIFF, DCX and PNM files hold all pages of an input;
+                 other formats hold one each, with the page's number in the name if the input has several. An input whose pages
+                 are all dropped has neither output nor failure
+    client       of a Dask cluster; without it this process does everything
     format       of the outputs; compression, interlaced, quality and progressive are its options, as for Image.save
-    strict       a file fails if loading, a step or saving loses something besides what was asked for; else its record tells
-    resume       leaves out files whose outputs are there and newer, or were dropped by the same steps, which a note in the folder
-                 .dropped-pages in `out` tells
-    retries      how often a file is tried again when a disk, the network or memory fails, or its worker dies
-    batch        files to a task: more for small pages, which cost less than a task does
-    window       tasks for each thread of the cluster that wait or run at one time, so that memory does not grow with the files
+    strict       unrequested losses in loading, steps or saving make a file fail; default: its record lists them
+    resume       skips files whose outputs exist and are newer, or were dropped by the same steps. The folder .dropped-pages in
+                 `out` notes dropped pages
+    retries      further attempts after failures of a disk, the network, memory or a worker
+    batch        files per task: more for small pages, which take less time than a task costs
+    window       tasks per thread of the cluster that wait or run at a time, so that memory does not grow with the files
 
     Wrong arguments raise UsageError before anything is done.
     """
@@ -260,16 +260,16 @@ def process(paths: Iterable[str | os.PathLike[str]], steps: Steps, out: str | os
 
 
 def _is_same_file(target: str, path: str) -> bool:
-    """By whatever links."""
+    """True for links of any kind."""
     try:
         return os.path.samefile(target, path)
-    except OSError:  # most often there is no such target
+    except OSError:  # usually there is no such target
         return False
 
 
 def _clashes(taken: dict[str, str]) -> dict[str, tuple[int, str]]:
-    """See _Job.clashes: page 3 of a.tif and the only page of a-3.tif would have one name. Whether a.tif has a page 3 shows when it is
-    processed."""
+    """See _Job.clashes: page 3 of a.tif and the only page of a-3.tif would have one name. Processing a.tif shows whether it has a
+    page 3."""
     found: dict[str, tuple[int, str]] = {}
     for target, path in taken.items():
         stem, ending = os.path.splitext(target)
@@ -286,7 +286,7 @@ def _prepare(job: _Job) -> None:
 
 
 def _end(job: _Job) -> None:
-    """Under another name, late workers add no file to the folder while it is removed."""
+    """Renames the folder before it is removed, so that late workers cannot add files to it."""
     ended = f"{job.scratch}-ended"
     with contextlib.suppress(OSError):
         os.rename(job.scratch, ended)
@@ -335,7 +335,7 @@ def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, 
         return True
 
     def look_around() -> int:
-        """Tells the scheduler how far the work is, and how many threads there are: clusters grow and shrink."""
+        """Logs the progress with the scheduler. Returns the number of threads, because clusters grow and shrink."""
         client.log_event("vorel32", dict(counts))
         return max(1, sum(client.nthreads().values()))
 
@@ -350,7 +350,7 @@ def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, 
             paths = running.pop(future.key)
             if future.status == "finished":
                 records = [r for r in result if not (r.failure and r.is_passing and again(r.path, retries))]
-            else:  # a worker died too often, or a task could not be sent; each file is tried alone to find the one at fault
+            else:  # workers died, or the task could not be sent: each file is tried alone to find the faulty one
                 error = result[1] if isinstance(result, tuple) else future.exception()
                 what = "its worker died" if isinstance(error, KilledWorker) else f"{type(error).__name__}: {error}"
                 records = [Record(p, failure=f"{p}: {what}") for p in paths if not again(p, retries if len(paths) == 1 else 1)]
