@@ -127,14 +127,18 @@ def workers():
     from distributed import Client, LocalCluster
     from vorel32.cluster import process
 
-    rates = {}
+    rates, beside = {}, {}
     with tempfile.TemporaryDirectory() as folder:
-        paths = make_pages(folder, 200, *A4)
+        paths = make_pages(folder, 400, *A4)
         for count in (1, 2):
             with LocalCluster(n_workers=count, threads_per_worker=1, processes=True, dashboard_address=":0") as cluster, Client(cluster) as client:
                 list(process(paths[:20], STEPS, os.path.join(folder, f"warm{count}"), client=client))
-                rates[count] = rate(lambda: list(process(paths, STEPS, os.path.join(folder, f"out{count}"), client=client)), len(paths))
+                start, runs = time.process_time(), 3
+                out = os.path.join(folder, f"out{count}")
+                rates[count] = rate(lambda: list(process(paths, STEPS, out, client=client)), len(paths), runs)
+                beside[count] = (time.process_time() - start) / runs / len(paths) * 1000
     show_rates("A4, 300 dpi, 1 bit; Dask workers", rates)
+    print("\nclient and scheduler, ms of processor time for a page: " + ", ".join(f"{time:.2f}" for time in beside.values()))
 
 
 if __name__ == "__main__":

@@ -172,9 +172,10 @@ class _Job:
             dropped = [number for number in numbers if not self._process_page(file, number, scratch, outputs, record)]
             if self.holds_pages and record.pages > 0:
                 self._place(scratch, outputs[0], record)
-        finally:
-            with contextlib.suppress(OSError):  # after success it has been renamed
+        except BaseException:
+            with contextlib.suppress(OSError):
                 os.unlink(scratch)
+            raise
         # A file that holds pages and has some tells by itself that it is done.
         if dropped and not (self.holds_pages and record.outputs):
             self.write_note(path, dropped if record.outputs else [0, *dropped])
