@@ -136,8 +136,10 @@ class NewDib {
     const auto stride = static_cast<size_t>(view.stride());
     for (int y = 0; y < view.height(); ++y)
       std::fill_n(view.row(y).data() + view.row(y).size(), stride - view.row(y).size(), uint8_t{0});
-    std::ranges::fill(image().subspan(rows().size()), uint8_t{0});
+    clear_behind_rows();
   }
+  // For kernels that write whole rows.
+  void clear_behind_rows() const { std::ranges::fill(image().subspan(rows().size()), uint8_t{0}); }
 
   [[nodiscard]] HGLOBAL release() { return dib_.release(); }
   operator OwnedDib() && { return std::move(dib_); }  // NOLINT(google-explicit-constructor): passed on to its new owner

@@ -72,10 +72,11 @@ Result<OwnedDib> turned(const LockedDib& source, DibTurn turn) {
 
   const DibHeader result_header = is_quarter(turn) ? quarter_turned_header(header) : header;
   const OpenDib opened = VOREL_TRY(OpenDib::open(source, kRule).or_error(Error::kUnreported));
-  const bool is_overwritten = opened.is_complete() && (turn == DibTurn::kTopBottom || is_pixel_depth(header.depth));
+  const bool copies_rows = turn == DibTurn::kTopBottom;
+  const bool is_overwritten = opened.is_complete() && (copies_rows || is_pixel_depth(header.depth));
   NewDib::Allocate* const allocate = is_overwritten ? OwnedDib::allocate_unset : OwnedDib::allocate;
   NewDib result = VOREL_TRY(NewDib::like(opened, result_header, allocate, kSpareBytes).or_error(Error::kUnreported));
-  if (is_overwritten) result.clear_padding();
+  if (is_overwritten) copies_rows ? result.clear_behind_rows() : result.clear_padding();
   move_pixels(opened, result.pixels(), turn);
   return OwnedDib(std::move(result));
 }

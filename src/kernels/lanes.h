@@ -50,11 +50,10 @@ template <class V>
 // Stores a mask whose first bit is the lowest, or as many of its bytes as there is room for.
 template <class Mask>
 [[gnu::always_inline]] inline void store_mask(Mask mask, uint8_t* to, size_t room) {
-  // The usual case has a constant size, and is a single store.
-  if (room >= sizeof mask)
-    std::memcpy(to, &mask, sizeof mask);
-  else
-    std::memcpy(to, &mask, room);
+  // The usual case has a constant size, and is a single store from a register.
+  if (room >= sizeof mask) return void(std::memcpy(to, &mask, sizeof mask));
+  const Mask last = mask;
+  std::memcpy(to, &last, room);
 }
 
 // Calls step.operator()<V>(x) for vectors V of bytes from x on, until all of [begin, end) is done. The last vector may overlap the

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "core/view.h"
+#include "kernels/cache.h"
 #include "kernels/lanes.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
@@ -39,7 +40,7 @@ class RowOutput {
   template <class Ahead, class Make>
   [[gnu::always_inline]] void write(std::span<uint8_t> row, Ahead ahead, Make make) const {
     if (!streams_) return make(size_t{0}, row.size(), row.data());
-    alignas(kLine) uint8_t lines[kPiece];
+    alignas(kCacheLine) uint8_t lines[kPiece];
     const auto end_of = [&](size_t begin) { return row.size() - begin < kPiece ? row.size() : begin + kPiece; };
     for (size_t begin = 0; begin < row.size(); begin += kPiece) {
       const size_t end = end_of(begin);
@@ -62,7 +63,7 @@ class RowOutput {
   // behind it.
   template <class Make>
   [[gnu::always_inline]] void write_vectors(std::span<uint8_t> row, Make make) const {
-    const size_t in_front = (0 - reinterpret_cast<uintptr_t>(row.data())) % kLine;
+    const size_t in_front = (0 - reinterpret_cast<uintptr_t>(row.data())) % kCacheLine;
     if (!streams_ || in_front >= row.size())
       return make(size_t{0}, row.size(), row.data(), [](uint8_t* to, Bytes vector) VOREL_INLINE { store(to, vector); });
     make(size_t{0}, in_front, row.data(), [](uint8_t* to, Bytes vector) VOREL_INLINE { store(to, vector); });
@@ -71,17 +72,17 @@ class RowOutput {
 
  private:
   static constexpr uint64_t kStreamedBytes = uint64_t{4} << 20;
-  static constexpr size_t kLine = 64, kPiece = 96 * kLine;
+  static constexpr size_t kPiece = 96 * kCacheLine;
   static_assert(kPiece % 3 == 0);
 
   static void copy_past_caches(const uint8_t* from, uint8_t* to, size_t count, std::span<const uint8_t> ahead) {
-    const size_t in_front = (0 - reinterpret_cast<uintptr_t>(to)) % kLine;
+    const size_t in_front = (0 - reinterpret_cast<uintptr_t>(to)) % kCacheLine;
     if (in_front >= count) return void(std::memcpy(to, from, count));
     std::memcpy(to, from, in_front);
     size_t i = in_front;
-    for (; i + kLine <= count; i += kLine) {
+    for (; i + kCacheLine <= count; i += kCacheLine) {
       if (i < ahead.size()) __builtin_prefetch(ahead.data() + i, 0, 2);
-      for (size_t k = 0; k < kLine; k += kVectorBytes) stream(to + i + k, load<Bytes>(from + i + k));
+      for (size_t k = 0; k < kCacheLine; k += kVectorBytes) stream(to + i + k, load<Bytes>(from + i + k));
     }
     std::memcpy(to + i, from + i, count - i);
   }

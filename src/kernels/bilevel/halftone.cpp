@@ -7,6 +7,7 @@
 #include "kernels/bilevel/diffusion.h"
 #include "kernels/bilevel/functions.h"
 #include "kernels/bilevel/plane_width.h"
+#include "kernels/cache.h"
 #include "kernels/lanes.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
@@ -46,8 +47,7 @@ class LuminancePlane {
     if (source_.depth() == 24) return read_true_color(y, x, levels);
     const uint8_t* const row = source_.row(y).data();
     if (source_.depth() == 8 && is_ramp_) {
-      for (size_t i = 0; i < levels.size(); i += kLine)
-        __builtin_prefetch(row + source_.stride() + static_cast<size_t>(x) + i, 0, 2);  // the next row
+      read_row_ahead(row + source_.stride() + static_cast<size_t>(x), levels.size());  // in the next row
       for (size_t i = 0; i < levels.size(); ++i) levels[i] = brightened(row[static_cast<size_t>(x) + i]);
     } else if (source_.depth() == 8)
       for (size_t i = 0; i < levels.size(); ++i) levels[i] = levels_[row[static_cast<size_t>(x) + i]];
@@ -56,8 +56,6 @@ class LuminancePlane {
   }
 
  private:
-  static constexpr size_t kLine = 64;  // of the cache
-
   uint8_t brightened(uint8_t level) const {
     const auto sum = static_cast<int16_t>(level + brightness_);
     return static_cast<uint8_t>(sum < 0 ? 0 : sum > kWhite ? kWhite : sum);

@@ -2,6 +2,7 @@
 
 #include "core/arena.h"
 #include "core/row_writer.h"
+#include "kernels/cache.h"
 #include "kernels/lanes.h"
 #include "kernels/scale/functions.h"
 
@@ -158,15 +159,21 @@ std::span<Byte> whole_row_from_top(BasicView<Byte> view, int y) {
 // repeats the previous row where the source row is the same.
 void for_each_row(ConstDibView source, Rect rect, DibView result, auto&& fill) {
   NearestSteps steps(rect.height, result.height());
+  const int64_t rows = std::min(rect.height, source.height() - rect.y);
   int64_t previous = -1;
-  for (int y = 0; y < result.height(); ++y, steps.advance()) {
-    if (steps.at() >= rect.height || steps.at() >= source.height() - rect.y) break;
+  for (int y = 0; y < result.height() && steps.at() < rows; ++y) {
+    const int64_t from = steps.at();
     const auto to = whole_row_from_top(result, y);
-    if (steps.at() == previous)
+    steps.advance();
+    if (steps.at() > from && steps.at() < rows) {
+      const auto next = whole_row_from_top(source, rect.y + static_cast<int>(steps.at()));
+      read_ahead(next.data(), next.size());
+    }
+    if (from == previous)
       std::memcpy(to.data(), whole_row_from_top(result, y - 1).data(), to.size());
     else
-      fill(whole_row_from_top(source, rect.y + static_cast<int>(steps.at())), to);
-    previous = steps.at();
+      fill(whole_row_from_top(source, rect.y + static_cast<int>(from)), to);
+    previous = from;
   }
 }
 

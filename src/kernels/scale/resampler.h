@@ -11,6 +11,7 @@
 
 #include "core/arena.h"
 #include "core/view.h"
+#include "kernels/cache.h"
 #include "kernels/row_output.h"
 #include "kernels/scale/byte_gather.h"
 #include "kernels/scale/linear_stretch.h"
@@ -187,7 +188,7 @@ class Resampler {
     while (begin < end_of_all) {
       const size_t end = end_of_all - begin < kRun ? end_of_all : begin + kRun;
       uint8_t* const to = band + begin;
-      read_ahead(ahead, begin, end);
+      read_samples_ahead(ahead, begin, end);
       if (picks_) {
         gather_.pick(from + kMiddle * channels_, begin, end, to);
       } else if (stretch_.fits()) {
@@ -205,12 +206,10 @@ class Resampler {
     }
   }
 
-  // The part that these samples are made from. Inline, because the compiler drops calls that only prefetch.
-  [[gnu::always_inline]] void read_ahead(const uint8_t* row, size_t begin, size_t end) const {
-    constexpr size_t kLine = 64;
+  // The part that these samples are made from.
+  [[gnu::always_inline]] void read_samples_ahead(const uint8_t* row, size_t begin, size_t end) const {
     const auto byte = [&](size_t sample) { return gather_.positions()[sample] / channels_ * view_.depth() / 8; };
-    if (row == nullptr) return;
-    for (size_t at = byte(begin); at <= byte(end - 1); at += kLine) __builtin_prefetch(row + at, 0, 2);
+    if (row != nullptr) read_row_ahead(row + byte(begin), byte(end - 1) - byte(begin) + 1);
   }
 
   ConstDibView view_;

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "core/word.h"
+#include "kernels/cache.h"
 #include "kernels/tone/functions.h"
 
 namespace vorel::kernels::VOREL_LEVEL {
@@ -24,9 +25,9 @@ class Tally {
     rows = clipped(rows, picture.height());
     for (int y = rows.begin; y < rows.end; ++y) {
       const auto row = picture.row_from_top(y);
-      // Rows of a large picture lie on different pages, which the hardware does not prefetch.
-      const uint8_t* const next = picture.row_from_top(std::min(y + 1, rows.end - 1)).data() + columns.begin;
-      for (int x = 0; x < columns.end - columns.begin; x += kCacheLine) __builtin_prefetch(next + x);
+      // Rows of a large picture lie on different pages.
+      const auto next = picture.row_from_top(std::min(y + 1, rows.end - 1)).data() + columns.begin;
+      read_ahead(next, static_cast<size_t>(columns.end - columns.begin));
       count(row.data() + columns.begin, row.data() + columns.end, step);
     }
   }
@@ -37,7 +38,7 @@ class Tally {
   }
 
  private:
-  static constexpr int kTables = 8, kCacheLine = 64;
+  static constexpr int kTables = 8;
 
   void count(const uint8_t* pixel, const uint8_t* end, uint16_t step) {
     for (; end - pixel >= kWordBytes; pixel += kWordBytes) {

@@ -4,6 +4,7 @@
 #include <immintrin.h>
 
 #include "core/pixel.h"
+#include "kernels/cache.h"
 #include "kernels/turn/functions.h"
 
 // Pictures are turned by tiles. A tile takes some rows and 16 bytes (24 bits: 4 pixels) of the source and writes as many columns
@@ -12,7 +13,6 @@ namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
 constexpr int kTileBytes = 16;
-constexpr int kCacheLine = 64;
 
 // Source rows in the order of the result's columns: their bytes at one place.
 struct Rows {
@@ -204,7 +204,6 @@ void quarter_turn_tile(ConstDibView source, DibView result, QuarterTurn turn, in
   const bool has_rows = std::min(y, last_y) >= 0 && std::max(y, last_y) < source.height();
   if (has_rows && column + TileOf::kColumns <= result.width() && byte + kTileBytes <= row_bytes(kDepth, source.width())) {
     const Rows rows = {source.row(y).data() + byte, turn.column_step * source.stride()};
-    // The rows are too far apart for the processor to prefetch them by itself.
     for (int i = 0; i < TileOf::kColumns; ++i) __builtin_prefetch(rows.at(i) + kCacheLine);
     TileOf::write(rows, target, count, room);
   } else {

@@ -6,6 +6,8 @@
 
 #include "core/pixel.h"
 #include "core/word.h"
+#include "kernels/cache.h"
+#include "kernels/lanes.h"
 #include "kernels/turn/functions.h"
 
 // The result is written tile by tile, so that the source pixels of a tile stay in cache. Pixels of less than a byte are unpacked
@@ -14,6 +16,7 @@ namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
 constexpr int kTileColumns = 64;
+constexpr int kRowsAhead = 4;  // rows of the result, read into the caches before they are written
 
 // Columns of a tile, from `begin` to before `end`, whose pixels lie in the source. The source is convex, so they are
 // consecutive.
@@ -35,6 +38,31 @@ struct Box {
     top = std::min(top, y);
     bottom = std::max(bottom, y);
   }
+};
+
+// Reads the source of the next tile ahead, a part with each row of this one.
+class TileAhead {
+ public:
+  // `way` leads from a tile's pixels to those of the next one.
+  TileAhead(ConstDibView source, Box box, Point way)
+      : source_(source),
+        left_(moved(box.left, way.x, source.width())),
+        right_(moved(box.right, way.x, source.width())),
+        row_(moved(box.top, way.y, source.height())),
+        end_(moved(box.bottom, way.y, source.height()) + 1) {}
+
+  template <int kDepth>
+  [[gnu::always_inline]] void read(int rows_left) {
+    const size_t begin = row_bytes(kDepth, left_), end = row_bytes(kDepth, right_ + 1);
+    for (const int until = row_ + (end_ - row_ + rows_left - 1) / rows_left; row_ < until; ++row_)
+      read_ahead(source_.row(row_).data() + begin, end - begin);
+  }
+
+ private:
+  static int moved(int at, double way, int size) { return static_cast<int>(std::clamp(at + way, 0.0, size - 1.0)); }
+
+  ConstDibView source_;
+  int left_, right_, row_, end_;
 };
 
 // Offsets of pixels in memory, in bytes from its start. Sums wrap: only offsets of pixels of the source are valid.
@@ -355,6 +383,11 @@ template <int kDepth>
 struct Line {
   uint8_t pixels[kTileColumns * (kDepth == 24 ? 3 : 1)];
 
+  // By vectors: the compiler clears arrays of this size by an instruction that starts slowly.
+  void clear() {
+    for (size_t i = 0; i < sizeof pixels; i += kVectorBytes) store(pixels + i, Bytes{});
+  }
+
   void write(uint8_t* target, int count) const {
     if constexpr (kDepth >= 8) {
       copy(pixels, target, count);
@@ -387,7 +420,8 @@ void clear_tile(DibView result, int column, int count, int first_row, int rows) 
 }
 
 template <int kDepth, class Pixels>
-void write_tile(ConstDibView source, DibView result, Pixels& pixels, int column, int count, int first_row, int rows) {
+void write_tile(ConstDibView source, DibView result, Pixels& pixels, Point way, int column, int count, int first_row,
+                int rows) {
   Range ranges[Pixels::kRows];
   Box box = Box::none();
   for (int i = 0; i < rows; ++i) {
@@ -400,8 +434,12 @@ void write_tile(ConstDibView source, DibView result, Pixels& pixels, int column,
   if (box.is_empty()) return clear_tile<kDepth>(result, column, count, first_row, rows);
   const auto write = [&](const uint8_t* memory, const auto& grid) {
     pixels.place(grid);
+    TileAhead ahead(source, box, way);
     for (int i = 0; i < rows; ++i) {
-      Line<kDepth> line{};
+      if constexpr (kDepth >= 8) ahead.read<kDepth>(rows - i);
+      if (i + kRowsAhead < rows) write_ahead(result.row(first_row + i + kRowsAhead).data() + byte, row_bytes(kDepth, count));
+      Line<kDepth> line;
+      if (ranges[i].begin > 0 || ranges[i].end < kTileColumns) line.clear();
       if constexpr (kDepth == 24)
         copy_colors(memory, line.pixels, ranges[i], pixels.places(i, grid));
       else
@@ -422,6 +460,7 @@ template <int kDepth, class Pixels>
 void write_tiles(ConstDibView source, DibView result, const Rotation& rotation) {
   Pixels pixels(source.size(), rotation);
   Point position = rotation.first;
+  const Point way = {rotation.column_step.x * kTileColumns, rotation.column_step.y * kTileColumns};
   for (int y = 0; y < result.height(); y += Pixels::kRows) {
     const int rows = std::min(Pixels::kRows, result.height() - y);
     position = pixels.start_band(position, rows);
@@ -432,7 +471,7 @@ void write_tiles(ConstDibView source, DibView result, const Rotation& rotation) 
         continue;
       }
       pixels.start_tile(x, count);
-      write_tile<kDepth>(source, result, pixels, x, count, y, rows);
+      write_tile<kDepth>(source, result, pixels, way, x, count, y, rows);
     }
   }
 }
