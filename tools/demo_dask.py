@@ -38,7 +38,7 @@ def main(steps, folder, count):
     alone, rate = timed(process(paths, steps, folder / "alone", compression="g4"))
     print(f"   one process: {rate:.0f} pages per second")
     with LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=":0") as cluster, Client(cluster) as client:
-        together, rate = timed(killing_one(process(paths, steps, folder / "dask", client=client, compression="g4"), count // 3))
+        together, rate = timed(killing_one(process(paths, steps, folder / "dask", client=client, compression="g4", batch=32), count // 3))
     print(f"   two workers, one killed and started again: {rate:.0f} pages per second")
 
     names = sorted(os.listdir(folder / "alone"))

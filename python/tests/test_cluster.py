@@ -134,5 +134,11 @@ def test_a_worker_that_dies_costs_no_page_and_makes_none_twice(folder):
                 if len(seen) == 10:
                     os.kill(int(record.worker.split(":")[1]), signal.SIGKILL)
             assert client.get_events("vorel32")[-1][1] == {"files": 61, "done": 60, "failed": 1}
+            run = process(files, STEPS, "late", client=client, batch=1)
+            next(run)
+            client.close()
+            with pytest.raises(vorel32.ClusterError):
+                list(run)
+            assert all(not path.name.startswith(".") for path in Path("late").iterdir())
     assert sorted(seen) == sorted([*files, "gone.tif"])
     assert outputs("together") == outputs("alone") and len(outputs("alone")) == 60

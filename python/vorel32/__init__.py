@@ -8,11 +8,11 @@ Every operation gives the same pixels as the verb of that name of the command ``
 library works, so threads run side by side.
 """
 
-from ._errors import CodecError, Error, FormatError, InputError, LimitError, OutputError, UsageError
+from ._errors import ClusterError, CodecError, Error, FormatError, InputError, LimitError, OutputError, UsageError
 from ._image import Image, count_pages, open, pages, save_pages
 
 __all__ = [
-    "CodecError", "Error", "FormatError", "Image", "InputError", "LimitError", "OutputError", "UsageError",
+    "ClusterError", "CodecError", "Error", "FormatError", "Image", "InputError", "LimitError", "OutputError", "UsageError",
     "count_pages", "open", "pages", "save_pages",
 ]  # fmt: skip
 __version__ = "5.59"

@@ -60,3 +60,7 @@ class LimitError(Error, MemoryError):
 
 class CodecError(Error):
     """A codec module is missing or does not load."""
+
+
+class ClusterError(Error):
+    """The connection to the scheduler of a cluster is lost."""

@@ -32,7 +32,8 @@ import uuid
 from dataclasses import dataclass, field, replace
 from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Sequence, Union
 
-from ._errors import Error, FormatError, InputError, LimitError, OutputError, UsageError
+from . import _vorel32
+from ._errors import ClusterError, Error, FormatError, InputError, LimitError, OutputError, UsageError
 from ._files import Source, format_of, saving
 from ._image import Image
 
@@ -210,6 +211,8 @@ class _Job:
 
 
 def _run_all(job: _Job, paths: list[str]) -> list[Record]:
+    """A task. Dask tells its workers to return freed memory at once, which makes small pages take twice as long."""
+    _vorel32.keep_freed_memory()
     return [job.run(path) for path in paths]
 
 
@@ -308,6 +311,14 @@ def _here(job: _Job, files: list[str], retries: int) -> Iterator[Record]:
         _end(job)
 
 
+def _is_lost(client: Client) -> bool:
+    return client.status in ("closing", "closed")
+
+
+def _lost() -> ClusterError:
+    return ClusterError("the connection to the scheduler is lost; start it again, and go on with resume=True")
+
+
 def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, batch: int, window: int) -> Iterator[Record]:
     """Records call files by their `names`."""
     from distributed import as_completed
@@ -352,7 +363,9 @@ def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, 
             if future.status == "finished":
                 records = [r for r in result if not (r.failure and r.is_passing and again(r.path, retries))]
             else:  # workers died, or the task could not be sent: each file is tried alone to find the faulty one
-                error = result[1] if isinstance(result, tuple) else future.exception()
+                error = result[1] if isinstance(result, tuple) else result
+                if _is_lost(client):
+                    raise _lost()
                 what = "its worker died" if isinstance(error, KilledWorker) else f"{type(error).__name__}: {error}"
                 records = [Record(p, failure=f"{p}: {what}") for p in paths if not again(p, retries if len(paths) == 1 else 1)]
             future.release()
@@ -364,9 +377,13 @@ def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, 
                 looked, threads = time.monotonic(), look_around()
             fill()
             yield from records
+    except Exception as error:
+        if _is_lost(client) and not isinstance(error, ClusterError):
+            raise _lost() from error
+        raise
     finally:
         try:
-            if running:
+            if running and not _is_lost(client):
                 client.cancel(list(completed.futures))
         finally:
             _end(job)
