@@ -121,8 +121,14 @@ def test_what_is_left_of_a_run_that_was_ended_writes_nothing(folder):
     assert job.run("photo.png").failure and os.listdir("out") == before == ["scan.tif"]
 
 
+def deadly(page):
+    if page.file.endswith("page-3.tif"):
+        os._exit(1)
+    return page
+
+
 def test_a_worker_that_dies_costs_no_page_and_makes_none_twice(folder):
-    distributed = pytest.importorskip("distributed")
+    dask, distributed = pytest.importorskip("dask"), pytest.importorskip("distributed")
     files = make_files(60)
     list(process(files, STEPS, "alone"))
     with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=":0") as cluster:
@@ -134,6 +140,9 @@ def test_a_worker_that_dies_costs_no_page_and_makes_none_twice(folder):
                 if len(seen) == 10:
                     os.kill(int(record.worker.split(":")[1]), signal.SIGKILL)
             assert client.get_events("vorel32")[-1][1] == {"files": 61, "done": 60, "failed": 1}
+            with dask.config.set({"distributed.scheduler.allowed-failures": 0}):
+                records = list(process(files[:20], deadly, "deadly", client=client, batch=4))
+            assert [(r.path, r.attempts) for r in records if r.failure] == [("page-3.tif", 3)] and len(records) == 20
             run = process(files, STEPS, "late", client=client, batch=1)
             next(run)
             client.close()

@@ -330,7 +330,7 @@ def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, 
     running: dict[str, list[str]] = {}
     attempts: dict[str, int] = {}
     counts = {"files": len(files), "done": 0, "failed": 0}
-    completed = as_completed(with_results=True, raise_errors=False)
+    completed = as_completed()
 
     def submit(paths: list[str]) -> None:
         # The first part of the key is what the dashboard's progress bars count by.
@@ -339,10 +339,17 @@ def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, 
         running[future.key] = paths
         completed.add(future)
 
+    def result_of(future: Any) -> list[Record] | Exception:
+        # Not by as_completed, which never tells of a result that is lost with its worker and then fails.
+        try:
+            return future.result()
+        except Exception as error:  # noqa: BLE001 - whatever the scheduler or the network did
+            return error
+
     def again(path: str, limit: int) -> bool:
-        attempts[path] = attempts.get(path, 1) + 1
-        if attempts[path] > limit + 1:
+        if attempts.get(path, 1) > limit:
             return False
+        attempts[path] = attempts.get(path, 1) + 1
         submit([path])
         return True
 
@@ -358,15 +365,14 @@ def _on_cluster(job: _Job, names: dict[str, str], client: Client, retries: int, 
     try:
         looked, threads = time.monotonic(), look_around()
         fill()
-        for future, result in completed:
-            paths = running.pop(future.key)
-            if future.status == "finished":
+        for future in completed:
+            paths, result = running.pop(future.key), result_of(future)
+            if isinstance(result, list):
                 records = [r for r in result if not (r.failure and r.is_passing and again(r.path, retries))]
+            elif _is_lost(client):
+                raise _lost()
             else:  # workers died, or the task could not be sent: each file is tried alone to find the faulty one
-                error = result[1] if isinstance(result, tuple) else result
-                if _is_lost(client):
-                    raise _lost()
-                what = "its worker died" if isinstance(error, KilledWorker) else f"{type(error).__name__}: {error}"
+                what = "its worker died" if isinstance(result, KilledWorker) else f"{type(result).__name__}: {result}"
                 records = [Record(p, failure=f"{p}: {what}") for p in paths if not again(p, retries if len(paths) == 1 else 1)]
             future.release()
             for record in records:
