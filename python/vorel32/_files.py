@@ -23,18 +23,19 @@ class Source:
     """A file that pages are loaded from."""
 
     def __init__(self, readable: Readable, name: str | None) -> None:
-        content = readable if isinstance(readable, (bytes, bytearray, memoryview)) else None
+        content: bytes | bytearray | memoryview | None = None
         self.name: str | None = name
-        if isinstance(readable, (str, os.PathLike)):
-            self.name = os.fsdecode(readable)
-        elif content is None:
-            content = _content_of(readable)
-            if name is None and isinstance(getattr(readable, "name", None), str):
-                self.name = readable.name
         try:
-            if content is None:
+            if isinstance(readable, (bytes, bytearray, memoryview)):
+                content = readable
+            elif isinstance(readable, (str, os.PathLike)):
+                self.name = os.fsdecode(readable)
                 content = _content_unless_plain(self.name)
-            self._source = _vorel32.Source(self.name) if content is None else _vorel32.Source.in_memory(content, self.name or "")
+            else:
+                content = _content_of(readable)
+                if name is None and isinstance(getattr(readable, "name", None), str):
+                    self.name = readable.name
+            self._source = _vorel32.Source(self.name or "") if content is None else _vorel32.Source.in_memory(content, self.name or "")
         except OSError as error:
             raise InputError(f"{error.strerror or error}; check its name and that you may read it", self.name) from error
         except Error as error:

@@ -28,7 +28,7 @@ def _pair(name: str, value: Any) -> tuple[Any, Any]:
     numbers = tuple(value) if isinstance(value, Iterable) and not isinstance(value, str) else (value, value)
     if len(numbers) != 2:
         raise UsageError(f"{name} takes two numbers; these are {len(numbers)}")
-    return numbers
+    return numbers[0], numbers[1]
 
 
 def _per_metre(dpi: float | tuple[float, float] | None) -> tuple[int, int]:
@@ -117,7 +117,7 @@ class Image:
                 raise UsageError("the colours of a palette are (red, green, blue), each from 0 to 255")
         elif palette is not None:
             raise UsageError(f"pictures of {depth} bits have no palette; leave it out")
-        return cls(_vorel32.blank(whole("width", width), whole("height", height), depth, list(map(tuple, colors)), _per_metre(dpi)))
+        return cls(_vorel32.blank(whole("width", width), whole("height", height), depth, [(red, green, blue) for red, green, blue in colors], _per_metre(dpi)))
 
     @classmethod
     def from_array(cls, array: numpy.ndarray, *, order: str = "bgr", palette: Sequence[Color] | None = None,
@@ -182,11 +182,11 @@ class Image:
         palette = None
         if picture.mode == "P":
             values = picture.getpalette("RGB") or []
-            palette = [tuple(values[i : i + 3]) for i in range(0, len(values) - 2, 3)][:256]
+            palette = list(zip(values[::3], values[1::3], values[2::3]))[:256]
         elif picture.mode not in ("1", "L"):
             picture = picture.convert("RGB")
         depth, raw = {"1": (1, "1"), "L": (8, "L"), "P": (8, "P")}.get(picture.mode, (24, "BGR"))
-        image = cls.new(*picture.size, depth, palette=palette, dpi=dpi)
+        image = cls.new(picture.width, picture.height, depth, palette=palette, dpi=dpi)
         image._picture.set_stored_rows(picture.tobytes("raw", raw, image._picture.stride, -1))
         return image
 
