@@ -1,5 +1,4 @@
 // The extension module _vorel32: the shared layer of the programs for Python. The package's plain Python gives it its public form.
-#include <malloc.h>
 #include <new>
 #include <system_error>
 
@@ -59,21 +58,10 @@ void translate(std::exception_ptr pointer) try {
   raise(error.code());
 }
 
-// Lets the process keep freed memory of pictures for the next ones. Where it is returned to the system at once, every picture costs
-// a page fault for every 4 KB.
-void keep_freed_memory() {
-#ifdef __GLIBC__
-  constexpr int kMegabyte = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, 32 * kMegabyte);  // the largest value that malloc takes
-  mallopt(M_TRIM_THRESHOLD, 64 * kMegabyte);
-#endif
-}
-
 }  // namespace
 
 PYBIND11_MODULE(_vorel32, module) {
   py::register_local_exception_translator(translate);
-  module.def("keep_freed_memory", &keep_freed_memory);
   bind_picture(module);
   bind_operations(module);
   bind_files(module);

@@ -20,6 +20,7 @@ input alone: the file of a worker that dies is processed again elsewhere, and it
 from __future__ import annotations
 
 import contextlib
+import ctypes
 import hashlib
 import itertools
 import json
@@ -32,7 +33,6 @@ import uuid
 from dataclasses import dataclass, field, replace
 from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, Sequence, Union
 
-from . import _vorel32
 from ._errors import ClusterError, Error, FormatError, InputError, LimitError, OutputError, UsageError
 from ._files import Source, format_of, saving
 from ._image import Image
@@ -210,9 +210,17 @@ class _Job:
         return os.path.join(self.scratch, uuid.uuid4().hex)
 
 
+def _keep_freed_memory() -> None:
+    """Dask starts its workers so that malloc returns freed memory at once, and every picture costs a page fault for each 4 KB."""
+    libc = ctypes.CDLL(None)
+    if hasattr(libc, "mallopt"):  # of the GNU library
+        libc.mallopt(-3, 32 << 20)  # M_MMAP_THRESHOLD: the most that it takes
+        libc.mallopt(-1, 64 << 20)  # M_TRIM_THRESHOLD
+
+
 def _run_all(job: _Job, paths: list[str]) -> list[Record]:
-    """A task. Dask tells its workers to return freed memory at once, which makes small pages take twice as long."""
-    _vorel32.keep_freed_memory()
+    """A task."""
+    _keep_freed_memory()
     return [job.run(path) for path in paths]
 
 
