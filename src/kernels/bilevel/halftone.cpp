@@ -31,13 +31,30 @@ constexpr Matrix matrix() {
 }
 constexpr Matrix kThresholds = matrix();
 
+// A brightness from -255 to 255 added to levels, which stay from 0 to 255.
+class Brightening {
+ public:
+  explicit Brightening(int brightness)
+      : least_(static_cast<uint8_t>(brightness < 0 ? -brightness : 0)),
+        most_(static_cast<uint8_t>(brightness > 0 ? kWhite - brightness : kWhite)),
+        added_(static_cast<uint8_t>(brightness)) {}
+
+  uint8_t operator()(uint8_t level) const {
+    const uint8_t kept = level < least_ ? least_ : level > most_ ? most_ : level;
+    return static_cast<uint8_t>(kept + added_);
+  }
+
+ private:
+  uint8_t least_, most_, added_;
+};
+
 // The luminance of a source, brightened, as a plane. Its rows are as long as the source's: in bytes, at 4 bits in pixels.
 class LuminancePlane {
  public:
   LuminancePlane(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness)
-      : source_(source), memory_(memory), brightness_(static_cast<int16_t>(std::clamp(brightness, -kWhite, +kWhite))) {
+      : source_(source), memory_(memory), brightened_(std::clamp(brightness, -kWhite, +kWhite)) {
     for (size_t i = 0; i < colors.size(); ++i) {
-      levels_[i] = brightened(luminance_of(colors[i]));
+      levels_[i] = brightened_(luminance_of(colors[i]));
       is_ramp_ = is_ramp_ && luminance_of(colors[i]) == i;
     }
   }
@@ -48,6 +65,7 @@ class LuminancePlane {
     const uint8_t* const row = source_.row(y).data();
     if (source_.depth() == 8 && is_ramp_) {
       read_row_ahead(row + source_.stride() + static_cast<size_t>(x), levels.size());  // in the next row
+      const Brightening brightened = brightened_;                                      // a copy, which levels cannot overlap
       for (size_t i = 0; i < levels.size(); ++i) levels[i] = brightened(row[static_cast<size_t>(x) + i]);
     } else if (source_.depth() == 8)
       for (size_t i = 0; i < levels.size(); ++i) levels[i] = levels_[row[static_cast<size_t>(x) + i]];
@@ -56,11 +74,6 @@ class LuminancePlane {
   }
 
  private:
-  uint8_t brightened(uint8_t level) const {
-    const auto sum = static_cast<int16_t>(level + brightness_);
-    return static_cast<uint8_t>(sum < 0 ? 0 : sum > kWhite ? kWhite : sum);
-  }
-
   // A deliberate oddity: at 24 bits the plane has a row's pixels, rounded up to four, but is read in steps of the source's
   // stride. So a row of the result shows several rows of the source, and the picture ends early.
   void read_true_color(int y, int x, std::span<uint8_t> levels) const {
@@ -82,18 +95,19 @@ class LuminancePlane {
       for (uint8_t& level : levels) {
         const auto byte = [&] { return offset < memory_.size() ? memory_[offset++] : uint8_t{0}; };
         const uint8_t blue = byte(), green = byte(), red = byte();
-        level = brightened(luminance_of({blue, green, red, 0}));
+        level = brightened_(luminance_of({blue, green, red, 0}));
       }
       return;
     }
     const uint8_t* pixel = memory_.data() + offset;
+    const Brightening brightened = brightened_;
     for (size_t i = 0; i < levels.size(); ++i, pixel += 3)
       levels[i] = brightened(luminance_of({pixel[0], pixel[1], pixel[2], 0}));
   }
 
   ConstDibView source_;
   std::span<const uint8_t> memory_;
-  int16_t brightness_;
+  Brightening brightened_;
   bool is_ramp_ = true;
   std::array<uint8_t, 256> levels_{};
 };
