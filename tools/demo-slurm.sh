@@ -33,7 +33,7 @@ while [ -n "$(squeue -h)" ]; do
     [ "$(scontrol show job "$task" | grep -o 'Restarts=[0-9]*')" = Restarts=1 ] || continue
     [ $again = yes ] || echo "   task $task was requeued"
     again=yes
-    scontrol update jobid="$task" StartTime=now
+    scontrol update jobid="$task" StartTime=now 2>/dev/null || true  # it may have begun by now
   done
   sleep 0.2
 done
