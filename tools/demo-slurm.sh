@@ -31,9 +31,11 @@ again=no
 while [ -n "$(squeue -h)" ]; do
   for task in $(squeue -h -t PD -o %i -r); do
     [ "$(scontrol show job "$task" | grep -o 'Restarts=[0-9]*')" = Restarts=1 ] || continue
-    [ $again = yes ] || echo "   task $task was requeued"
+    [ $again = no ] || continue
     again=yes
-    scontrol update jobid="$task" StartTime=now 2>/dev/null || true  # it may have begun by now
+    echo "   task $task was requeued"
+    sleep 2  # slurmd refuses a task that begins in the second in which it was ended
+    scontrol update jobid="$task" StartTime=now
   done
   sleep 0.2
 done
