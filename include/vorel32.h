@@ -3,16 +3,17 @@
  *  One C interface for two builds: VOREL32.DLL on 32-bit Windows and libvorel32.so on x86-64 Linux. A function marked
  *  "Windows only" needs device contexts, device bitmaps or palettes and is declared for Windows alone.
  *
- *  THE PACKED DIB. Pictures cross this interface as DIB handles: one movable global memory block each, holding without gaps
+ *  THE PACKED DIB. Pictures cross this interface as DIB handles. A DIB is one movable global memory block that holds, without
+ *  gaps:
  *    1. a BITMAPINFOHEADER of 40 bytes (biSize 40),
- *    2. the colour table: RGBQUAD entries (blue, green, red, reserved), as many as biClrUsed says or, where that is 0,
+ *    2. the colour table: RGBQUAD entries (blue, green, red, reserved), as many as biClrUsed states or, if it is 0,
  *       2, 16 or 256 for 1, 4 or 8 bits per pixel and none for 16, 24 or 32,
  *    3. the pixel rows, bottom line first, each padded to ((biBitCount * biWidth + 31) / 32) * 4 bytes. Below 8 bits the
- *       leftmost pixel sits in the highest bits of its byte; 24-bit pixels are blue, green, red.
+ *       leftmost pixel is in the highest bits of its byte; 24-bit pixels are blue, green, red.
  *  biHeight is a positive number of rows. Top-down DIBs (negative biHeight) are loaded and saved unchanged, but
  *  functions that work on pixels do not support them.
  *
- *  OWNERSHIP. Every handle a function returns belongs to the caller: DIB handles go to GlobalFree, bitmaps and palettes to
+ *  OWNERSHIP. The caller owns every returned handle and frees it: DIB handles with GlobalFree, bitmaps and palettes with
  *  DeleteObject. Functions only read their arguments and never free them, unless documented otherwise.
  *
  *  ERRORS. Failure is a zero result (a null handle, FALSE). The reason is the calling thread's error code, read with
@@ -20,11 +21,11 @@
  *  after a failure. "No code" means that a failure leaves the thread's code unchanged too.
  *
  *  DAMAGED INPUT. A block shorter than its header states is completed: missing bytes read as zero, writes past the end are
- *  dropped. Sizes are computed without wrapping; a size that no block can have fails like an allocation. A null,
+ *  dropped. Sizes are computed without wrapping; a size too large for a block fails like an allocation. A null,
  *  freed or invalid handle fails as documented and does no harm (on Windows as far as the system detects it).
  *
- *  THREADS. There are no locks. Each thread has its own error code and settings; calls that share one handle must be
- *  serialised by the caller. Long operations show the wait cursor and restore the previous one (Windows). If memory
+ *  THREADS. There are no locks. Each thread has its own error code and settings. The caller serialises calls that share a
+ *  handle. Long operations show the wait cursor and restore the previous one (Windows). If memory
  *  is too short to store a thread's error code, the thread is ended inside the call that it made.
  *
  *  PATHS are zero-terminated: in the system's ANSI code page on Windows, plain bytes on Linux. A name without a folder is in
@@ -57,7 +58,7 @@ typedef int BOOL;
 typedef unsigned int UINT;
 typedef uint16_t WORD;
 typedef int HFILE;     /**< An open file: its POSIX file descriptor. */
-typedef void* HGLOBAL; /**< A global memory block: an opaque value, for a movable block not an address. */
+typedef void* HGLOBAL; /**< A global memory block. Opaque: the handle of a movable block is not its address. */
 typedef const char* LPCSTR;
 
 #ifndef TRUE
@@ -68,7 +69,7 @@ typedef const char* LPCSTR;
 #define HFILE_ERROR (-1)
 
 #define GMEM_FIXED 0x0000u    /**< The handle is the block's address. */
-#define GMEM_MOVEABLE 0x0002u /**< The block is reached through GlobalLock alone. */
+#define GMEM_MOVEABLE 0x0002u /**< Only GlobalLock gives the block's address. */
 #define GMEM_ZEROINIT 0x0040u /**< New bytes are zero. */
 #define GMEM_MODIFY 0x0080u   /**< GlobalReAlloc changes the kind of block, not its size. */
 #define GHND (GMEM_MOVEABLE | GMEM_ZEROINIT)
@@ -131,18 +132,18 @@ typedef struct tagRGBTRIPLE {
 VOREL_API HGLOBAL GlobalAlloc(UINT flags, size_t bytes);
 
 /** Changes a block's size, keeping its content up to the smaller of the two sizes.
- *  flags  GMEM_ZEROINIT zeroes the bytes gained; GMEM_MOVEABLE lets a fixed or locked block move; with GMEM_MODIFY the size
- *         stays and a fixed block becomes movable if GMEM_MOVEABLE is given
- *  Returns the handle, which for a movable block is the same one, or NULL: the block is then unchanged. A locked or fixed
- *  block that may not move can only shrink. */
+ *  flags  GMEM_ZEROINIT zeroes added bytes; GMEM_MOVEABLE lets a fixed or locked block move; GMEM_MODIFY keeps the size, and
+ *         with GMEM_MOVEABLE makes a fixed block movable
+ *  A locked or fixed block that may not move can only shrink.
+ *  Returns the handle, unchanged for a movable block. NULL: memory is short, or the block may not move; it is unchanged. */
 VOREL_API HGLOBAL GlobalReAlloc(HGLOBAL block, size_t bytes, UINT flags);
 
-/** Locks a block. A movable block counts its locks, up to 255 of them; further ones are not counted and need no unlocking.
- *  Returns its first byte, or NULL for an invalid handle and for a movable block of 0 bytes. */
+/** Locks a block. A movable block counts up to 255 locks; further locks are not counted and need no unlocking.
+ *  Returns the address of its first byte, or NULL for an invalid handle and for a movable block of 0 bytes. */
 VOREL_API void* GlobalLock(HGLOBAL block);
 
 /** Removes one lock.
- *  Returns TRUE while locks remain (for a fixed block always), FALSE when none remains or the handle is invalid. */
+ *  Returns TRUE while locks remain and for every fixed block, FALSE if none remains or the handle is invalid. */
 VOREL_API BOOL GlobalUnlock(HGLOBAL block);
 
 /** Returns the block's size in bytes, exactly as requested, or 0 for an invalid handle. */
@@ -194,16 +195,16 @@ typedef enum ImgErrorCode {
 /** Bytes that hold any message of ImgErrorString with its terminating zero. */
 #define IMG_MESSAGE_BYTES 50
 
-/** Returns the calling thread's error code: 0 in a new thread, else that of its last failed operation. */
+/** Returns the calling thread's error code, as the last operation that stored one left it; 0 in a new thread. */
 VOREL_API int VORELCALL ImgError(void);
 
 /** Sets the calling thread's error code. A code outside 0 to 31 changes nothing. Returns the previous code either way. */
 VOREL_API int VORELCALL SetImgError(int code);
 
 /** Gives the text of an error code.
- *  buffer  receives the message with its terminating zero: at least IMG_MESSAGE_BYTES. NULL shows the message instead, in a
+ *  buffer  receives the message with its terminating zero; IMG_MESSAGE_BYTES are enough. NULL shows the message instead, in a
  *          message box titled "VOREL error" (on Linux: a line on the standard error stream)
- *  code    0 to 31; any other value stands for the thread's current code, and "Unknown error." if that has no text either
+ *  code    0 to 31; any other value stands for the thread's current code, and "Unknown error." if it has no text either
  *  Returns buffer. */
 VOREL_API char* VORELCALL ImgErrorString(char* buffer, int code);
 
@@ -216,29 +217,29 @@ VOREL_API void VORELCALL GetImageVersion(char* buffer, int length);
 
 /** Returns the size in bytes of the colour table of a header in memory: colours * 4 for a 40-byte header,
  *  colours * 3 for any other (the RGBTRIPLE table of a BITMAPCOREHEADER). 0 for NULL and for a table of 4 GB or more.
- *  header  a BITMAPINFOHEADER or BITMAPCOREHEADER, whole; usually a locked DIB */
+ *  header  a complete BITMAPINFOHEADER or BITMAPCOREHEADER, usually a locked DIB */
 VOREL_API UINT VORELCALL PaletteSize(void* header);
 
 /** Reads the header and colour table of a bitmap file from the current file position, and leaves the position at the pixel data.
  *  file  open for reading and seekable (Windows: from OpenFile or _lopen; Linux: a file descriptor), at a BITMAPFILEHEADER,
  *        a BITMAPINFOHEADER or a BITMAPCOREHEADER; stays open. Offsets count from the position at the call; one of 2 GB or
- *        more to the pixel data is ignored. After a failure the position is wherever reading ended
+ *        more to the pixel data is ignored. After a failure the position is where reading ended
  *  Returns a DIB handle without pixels: the 40-byte header, with biSizeImage and biClrUsed filled in, and the table as
- *  RGBQUAD entries (zero where the file is too short). biSizeImage is an unsigned number: for a top-down picture that
- *  does not state it, it is 2^32 minus the picture's size. NULL: IMG_E_PARAMETER (file is HFILE_ERROR),
+ *  RGBQUAD entries (zero where the file is too short). biSizeImage is unsigned: if a top-down picture
+ *  does not state it, it becomes 2^32 minus the picture's size. NULL: IMG_E_PARAMETER (file is HFILE_ERROR),
  *  IMG_E_FILE_IO (fewer than 40 bytes from the header on, even for a 12-byte header), IMG_E_FORMAT (header of
  *  neither 12 nor 40 bytes); no code for a negative width, for a size that does not fit 32 bits, or when memory is short. */
 VOREL_API HGLOBAL VORELCALL ReadDIBInfo(HFILE file);
 
-/** Turns each of the first biClrUsed colours of the table into its complement, in place; reserved bytes stay.
- *  A biClrUsed of 0 means no colour is touched, even where the depth implies a table; the result is TRUE all the same.
- *  Returns FALSE, no code: not a DIB handle, or biSize is not 40. */
+/** Complements the first biClrUsed colours of the table, in place; reserved bytes are unchanged.
+ *  If biClrUsed is 0, no colour is changed, even if the depth implies a table.
+ *  Returns TRUE. FALSE, no code: not a DIB handle, or biSize is not 40. */
 VOREL_API BOOL VORELCALL InvertDIBPalette(HGLOBAL dib);
 
-/** Reverses the sense of the bits of a 1-bit DIB in place: swaps its two colours and inverts every bit of the rows, padding
+/** Exchanges the values 0 and 1 of a 1-bit DIB in place: swaps its two colours and inverts every bit of the rows, padding
  *  included, so that the picture looks the same. The two colours are read directly behind a 40-byte header and the rows directly
- *  behind the colours, whatever biSize and biClrUsed state. With a negative height only the colours are swapped. Other depths
- *  are not changed; an invalid handle does nothing. */
+ *  behind the colours, whatever biSize and biClrUsed state. With a negative height only the colours are swapped. Nothing
+ *  is changed at other depths or for an invalid handle. */
 VOREL_API void VORELCALL InvertMonoDIB(HGLOBAL dib);
 
 #ifdef _WIN32
@@ -248,22 +249,22 @@ VOREL_API void VORELCALL InvertMonoDIB(HGLOBAL dib);
  *  invalid DIB handle and for a DIB without colours (24 bits). */
 VOREL_API HPALETTE VORELCALL CreateDIBPalette(HGLOBAL dib);
 
-/** Makes a logical palette of the screen's system palette entries. Windows only.
+/** Makes a logical palette of the entries of the screen's system palette. Windows only.
  *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_DC, IMG_E_CREATE_PALETTE (also on a true-colour display, which has
  *  none); no code if the system does not create the palette. */
 VOREL_API HPALETTE VORELCALL GetCurrentPalette(void);
 
 /** Fills an array with the colours of the screen's system palette. Windows only.
  *  colours  as many entries as the screen's palette has (SIZEPALETTE: 256 at 8 bits); reserved bytes become 0
- *  Returns FALSE: the codes of GetCurrentPalette; no code if the display has no palette and for a null array. */
+ *  Returns TRUE. FALSE: the codes of GetCurrentPalette; no code if the display has no palette and for a null array. */
 VOREL_API BOOL VORELCALL GetSystemPalette(RGBQUAD* colours);
 
 /* ---- DIBs and device bitmaps (Windows only) ------------------------------------------------------------------------ */
 
-/** Makes a DIB of a device bitmap: 1, 4 or 8 bits as the bitmap has, 24 for everything deeper. Windows only.
+/** Makes a DIB of a device bitmap: 1, 4 or 8 bits as the bitmap, 24 for deeper ones. Windows only.
  *  palette  selected while the system reads the bitmap; NULL for the screen's. The system fills in the colour table as it
- *           does for GetDIBits. Where it does not, the table has the palette's entries or, if there are none or more than the
- *           DIB has, the default colours: black and white, the 16 standard colours, or a 3-3-2 cube
+ *           does for GetDIBits. If it does not, the table has the palette's entries or, if there are none or too many, the
+ *           default colours: black and white, the 16 standard colours, or a 3-3-2 cube
  *  Returns a DIB handle; its block has 10 spare bytes at the end. NULL, no code: no bitmap, no screen, or memory is short.
  *  With a NULL palette on a screen without a palette the call succeeds, but the thread's code is that of GetCurrentPalette
  *  (IMG_E_CREATE_PALETTE on true-colour displays). */
@@ -281,7 +282,7 @@ VOREL_API HBITMAP VORELCALL ConvertDIBToBitmap(HGLOBAL dib);
 VOREL_API HBITMAP VORELCALL ConvertToMonochromeBitmap(HBITMAP bitmap);
 
 /** Makes a device bitmap with the same format and bits. Windows only.
- *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY, IMG_E_COPY_BITS (also for a handle of no bitmap); no code if
+ *  Returns a bitmap for DeleteObject. NULL: IMG_E_MEMORY, IMG_E_COPY_BITS (also: not a bitmap); no code if
  *  the system does not create the bitmap. */
 VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
 
@@ -292,7 +293,7 @@ VOREL_API HBITMAP VORELCALL DuplicateBitmap(HBITMAP bitmap);
 /** Loads a Windows bitmap file, with or without its file header, with a 40- or 12-byte header.
  *  Returns a DIB handle. Run-length compressed rows stay compressed and top-down ones top-down; rows missing from the
  *  file are zero; colour masks (BI_BITFIELDS) are not kept. NULL: IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_FORMAT; no code for
- *  sizes that no block can have (including a top-down picture without a stated size) and when memory is short. */
+ *  sizes too large for a block (including a top-down picture without a stated size) and when memory is short. */
 VOREL_API HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path);
 
 /** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory
@@ -328,7 +329,7 @@ typedef enum ImgFormat {
   IMG_FORMAT_BITMAP = 6,
   IMG_FORMAT_METAFILE = 7,
   IMG_FORMAT_CLIPBOARD = 8,
-  IMG_FORMAT_COLOR_FAX = 9, /**< a page set: a text that lists the files of a page's colour planes */
+  IMG_FORMAT_COLOR_FAX = 9, /**< a page set: a text that lists the files of each page's colour planes */
   IMG_FORMAT_TEXT = 10,
   IMG_FORMAT_CALS = 12,
   IMG_FORMAT_JPEG = 13,
@@ -338,15 +339,15 @@ typedef enum ImgFormat {
 
 /** Detects the format of a file by its first 512 bytes and, for TGA, by the end of its name.
  *  The tests run in a fixed order and the first match wins: a text that begins with a line feed is PCX, a file whose bytes 2
- *  and 3 are 9 and 0 is a metafile, and a file called *.tga without a signature tested earlier, a JPEG for instance, is TGA.
+ *  and 3 are 9 and 0 is a metafile, and a JPEG or PNG file called *.tga is TGA.
  *  Returns an ImgFormat; IMG_FORMAT_UNKNOWN also for an unreadable file that is not called *.tga. Stores no code. */
 VOREL_API int VORELCALL GetImageFormat(LPCSTR path);
 
-/** Loads an image file of any kind. Bitmap files and colour fax page sets are read by the library itself; TIFF, PCX, DCX,
+/** Loads an image file of any format. Bitmap files and colour fax page sets are read by the library itself; TIFF, PCX, DCX,
  *  GIF, TGA, CALS, JPEG and PNG files by a codec module from the library's folder or, if it has no file of that
  *  name, from the system's search path for modules. A missing module is reported in a message box (on Linux: on standard
  *  error).
- *  page    of TIFF, DCX, GIF files and page sets, counted from 1; ignored for other formats
+ *  page    counted from 1, of TIFF, DCX and GIF files and page sets; ignored for other formats
  *  status  receives the loader's status; may be NULL. PCX, DCX, GIF and PNG files and page sets set it (see
  *          "Codec modules"), other formats leave it unchanged
  *  Returns a DIB handle. NULL: IMG_E_FORMAT (not recognised, or text; *status becomes 9 too), the codes of LoadDIBFromFile
@@ -356,16 +357,15 @@ VOREL_API HGLOBAL VORELCALL LoadImageIntoDIB(LPCSTR path, int page, int* status)
 /** Saves a DIB in a format of the caller's choice, through the codec modules like LoadImageIntoDIB.
  *  format  an ImgFormat. PNG files and page sets can be loaded but not saved
  *  option  GIF: 1 stores the rows interlaced, 0 in order. Ignored for other formats
- *  value   TIFF: the compression by its TIFF number, see ImgSaveTiff; 0 picks one. TGA: 0 stores plain rows, anything else
- *          run-length compressed ones if there is no colour table. Ignored for other formats; JPEG files get quality 75
+ *  value   TIFF: the compression by its TIFF number, see ImgSaveTiff; 0 picks one. TGA: 0 stores plain rows, any other number
+ *          run-length packets if there is no colour table. Ignored for other formats; JPEG files get quality 75
  *  An existing DCX file gains a page; every other file is replaced.
- *  Returns the saver's result: TRUE once the file is written. FALSE: the codes of SaveDIB for bitmap files; no code for
+ *  Returns TRUE. FALSE: the codes of SaveDIB for bitmap files; no code for
  *  a format that cannot be saved, or when a module is missing or fails. */
 VOREL_API BOOL VORELCALL SaveDIBInImageFormat(LPCSTR path, HGLOBAL dib, int format, int option, int value);
 
-/** Counts the pages of a colour fax page set: its "TotalPages".
- *  Returns -1 when the file does not exist (IMG_E_OPEN_FILE), when memory is short (IMG_E_MEMORY), and when there is no such
- *  entry (no code), as in other kinds of file and in any file larger than 1 MB. */
+/** Returns the number of pages that a colour fax page set states as "TotalPages". -1: IMG_E_OPEN_FILE (the file does not
+ *  exist), IMG_E_MEMORY; no code if there is no such entry, as in other files and in any file larger than 1 MB. */
 VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
 
 /** Loads a page of a colour fax page set.
@@ -376,7 +376,7 @@ VOREL_API int VORELCALL GetNumberOfImagesInFaxFile(LPCSTR path);
  *  and the number of its Pages. Names have at most 128 characters and refer to files for LoadImageIntoDIB; a relative name
  *  is relative to the current folder.
  *  page    counted from 1
- *  status  3 when the set does not exist, else the status of loading a plane; may be NULL
+ *  status  receives 3 if the set does not exist, else the status of loading a plane; may be NULL
  *  Returns a DIB handle: with one plane the unchanged image of that plane, else a 4-bit DIB whose 16 colours have red in plane 0,
  *  green in plane 1, blue in plane 2 and full brightness in plane 3. NULL: IMG_E_OPEN_FILE (the set does not exist),
  *  IMG_E_MEMORY, the codes of LoadImageIntoDIB for a plane; no code for a page out of range, for a BitsPixel other than 1, for
