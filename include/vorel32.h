@@ -436,10 +436,17 @@ typedef int(VORELCALL* ImgTiffCompression)(LPCSTR path, int page, int* status);
  *  has to be sure loads the picture again. */
 typedef BOOL(VORELCALL* ImgReportsFailedWrites)(void);
 
-/** Makes the loaders of a module describe pictures on this thread: they fill in `header` in place of decoding rows and return
+/** What ImgDescribeOnly tells of a picture. */
+typedef struct ImgDescription {
+  BITMAPINFOHEADER header; /**< of the DIB that loading it gives */
+  int sampleBits;          /**< of the file; a DIB has the upper 8 of them */
+  BOOL hasOpacity;         /**< stated by the file; loading blends the pixels over white */
+} ImgDescription;
+
+/** Makes the loaders of a module describe pictures on this thread: they fill in `description` in place of decoding rows and return
  *  NULL, with status 0. Damage behind a file's header goes unnoticed. GIF files are described by their colours, whatever their
  *  pixels use. NULL makes them load again. Returns FALSE, changing nothing, while another thread has pictures described. */
-typedef BOOL(VORELCALL* ImgDescribeOnly)(BITMAPINFOHEADER* header);
+typedef BOOL(VORELCALL* ImgDescribeOnly)(ImgDescription* description);
 
 /** Returns the names and versions of the libraries that a module is built on, such as "libpng 1.6.39, zlib 1.2.13". */
 typedef LPCSTR(VORELCALL* ImgNameOfLibraries)(void);

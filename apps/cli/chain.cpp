@@ -34,6 +34,7 @@ std::string place_of(const std::string& source, size_t number, const std::string
 void run_step(const Step& step, const Change& change, Page& page) {
   page.reports.push_back({step.name, {}, {}});
   change(page);
+  page.limits.check(page.picture.header());
 }
 
 void Chain::add(const Step& step, const std::vector<std::string>& words) {

@@ -17,7 +17,9 @@ int run_program(int count, Character** values) {
     std::cerr << "vorel: an argument cannot be read (" << error.what() << "); see \"vorel --help\"\n";
     return static_cast<int>(vorel::cli::ExitCode::kWrongUse);
   }
-  return vorel::cli::run(std::move(arguments), std::cin, std::cout, std::cerr);
+  const int code = vorel::cli::run(std::move(arguments), std::cin, std::cout, std::cerr);
+  vorel::cli::end_if_stopped(code);
+  return code;
 }
 
 }  // namespace

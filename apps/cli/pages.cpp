@@ -61,11 +61,16 @@ std::string Source::label(size_t index) const {
   return has_pages_ ? fmt::format("{}, page {}", input_.label(), pages_[index]) : input_.label();
 }
 
-Page Source::load(size_t index) const {
+Page Source::load(size_t index, const Limits& limits) const {
   const std::string name = label(index);
+  const int number = pages_[index];
   return about(name, [&] {
     const programs::PictureFile& file = input_.file();
-    return Page{.label = name, .picture = file.load(pages_[index]), .losses = file.losses(pages_[index])};
+    const auto stated = limits.are_set() ? file.stated_header(number) : std::nullopt;
+    if (stated) limits.check(*stated);
+    Page page{.label = name, .picture = file.load(number), .limits = limits, .losses = file.losses(number)};
+    limits.check(page.picture.header());
+    return page;
   });
 }
 

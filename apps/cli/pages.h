@@ -32,7 +32,8 @@ class Source {
 
   // How messages name a chosen page, counted from 0.
   std::string label(size_t index) const;
-  Page load(size_t index) const;
+  // Nothing is decoded of a page that states to be too large. Throws Failure.
+  Page load(size_t index, const Limits& limits = {}) const;
 
  private:
   Input input_;
@@ -44,21 +45,21 @@ class Source {
 // Where pages go: a file, the pages of a file, or numbered files.
 class Target {
  public:
-  // Throws Failure if name and options do not go together. Unfinished files are beside the target, or in a given folder of its
-  // file system.
+  // Throws Failure if name and options do not go together. Unfinished files are beside the target, or in a given folder of
+  // its file system.
   Target(std::string name, const SavingOptions& options, const Streams& streams, std::filesystem::path scratch = {});
 
-  // Looks at the files to be written before any work goes into them: throws Failure if they cannot hold so many pages, or may not
-  // be replaced. A source may only be replaced if all its pages are taken.
+  // Looks at the files to be written before any work goes into them: throws Failure if they cannot hold so many pages, or
+  // may not be replaced. A source may only be replaced if all its pages are taken.
   void open(size_t pages, std::initializer_list<const Source*> sources);
 
   bool is_standard_output() const { return name_ == "-"; }
   bool replaces(const Source& source) const;
   bool is_same_as(const Target& other) const;
 
-  // Takes the pages that `produce` puts, in order: their pictures are moved, and what saving loses is added to them and noted.
-  // Dropped pages are left out, and numbers count them. A file is put in place when it has all its pages; one without pages is
-  // not made. Throws Failure, and whatever `produce` throws.
+  // Takes the pages that `produce` puts, in order: their pictures are moved, and what saving loses is added to them and
+  // noted. Dropped pages are left out, and numbers count them. A file is put in place when it has all its pages; one without
+  // pages is not made. Throws Failure, and whatever `produce` throws.
   using Put = std::function<void(Page& page)>;
   void write(const std::function<void(const Put& put)>& produce) const;
 

@@ -9,10 +9,14 @@
 
 namespace vorel::cli {
 
-// Binary standard streams, no message box or signal in place of an error code, and no scratch file left behind by Ctrl+C. Called
-// once, by main().
+// Binary standard streams, no message box or signal in place of an error code, and no scratch file left behind by Ctrl+C.
+// Called once, by main().
 void prepare_process();
 bool is_prepared();  // false in programs that have this code and a main() of their own
+
+// Ends the program as a signal does, if this is the exit code that shells give for it: a shell that sees Ctrl+C end a
+// program ends its loop, too.
+void end_if_stopped(int code);
 
 enum class Readers { kOwner, kAsUsual };
 

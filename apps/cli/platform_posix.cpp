@@ -11,6 +11,9 @@
 namespace vorel::cli {
 namespace {
 
+constexpr int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int kSignalled = 128;  // what shells add to a signal for an exit code
+
 bool prepared = false;
 
 // A signal handler may call few functions, so the names are kept here as it needs them.
@@ -39,7 +42,7 @@ void prepare_process() {
   prepared = true;
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : kStopSignals) {
     struct sigaction action = {};
     ::sigaction(signal, nullptr, &action);
     if (action.sa_handler == SIG_IGN) continue;  // as under nohup
@@ -47,6 +50,11 @@ void prepare_process() {
     action.sa_handler = end_by_signal;
     ::sigaction(signal, &action, nullptr);
   }
+}
+
+void end_if_stopped(int code) {
+  for (const int signal : kStopSignals)
+    if (code == kSignalled + signal) end_by_signal(signal);
 }
 
 void remove_if_stopped(const std::filesystem::path& path) {

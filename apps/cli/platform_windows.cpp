@@ -50,6 +50,8 @@ void prepare_process() {
   SetConsoleCtrlHandler(end_by_console, TRUE);
 }
 
+void end_if_stopped(int) {}
+
 void remove_if_stopped(const std::filesystem::path& path) {
   const ListGuard guard;
   scratch_files.push_back(std::filesystem::absolute(path));

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cli/arguments.h"
+#include "cli/limits.h"
 #include "common/picture.h"
 
 namespace vorel::cli {
@@ -27,6 +28,7 @@ struct StepReport {
 struct Page {
   std::string label;  // for messages
   programs::Picture picture;
+  Limits limits = {};
   bool is_trial = false;    // nothing is written: sentences say "would"
   bool is_dropped = false;  // left out of the output
   std::vector<StepReport> reports = {};
@@ -38,8 +40,8 @@ struct Page {
   }
 };
 
-// Changes a page. Throws programs::Problem. Holds the parsed options without changing them, and may run for several pages at a
-// time.
+// Changes a page. Throws programs::Problem. Holds the parsed options without changing them, and may run for several pages at
+// a time.
 using Change = std::function<void(Page& page)>;
 
 // A change of the picture alone.
@@ -62,7 +64,7 @@ inline constexpr const Step* kSteps[] = {&kRotate, &kMirror,    &kSkew,  &kDeske
                                          &kDpi,    &kInvert,    &kTone,  &kLut,       &kFilter, &kGray,    &kExpand,
                                          &kClean,  &kDespeckle, &kBlank, &kThreshold, &kDither, &kHalftone};
 
-// Runs a step on a page, which gets its report.
+// Runs a step on a page, which gets its report and must stay within its limits.
 void run_step(const Step& step, const Change& change, Page& page);
 
 }  // namespace vorel::cli

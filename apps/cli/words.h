@@ -8,8 +8,8 @@
 
 namespace vorel::cli {
 
-// The steps of a chain: words between bars and line ends. Quotes work as in a shell; a backslash protects a quote, a blank, a bar,
-// a hash and itself, and is an ordinary character otherwise. A hash at the start of a word begins a comment.
+// Pieces of a chain's text: words, bars and line ends. Quotes work as in a shell. A backslash protects a quote, a blank, a
+// bar, a hash or itself; elsewhere it is an ordinary character. A hash at the start of a word begins a comment.
 struct Piece {
   enum class Kind { kWord, kBar, kLineEnd } kind;
   std::string text;

@@ -16,13 +16,12 @@
 namespace vorel::programs {
 namespace {
 
-// The old pixels of a row or column that lie under a new one: from `first` on perhaps one that is covered in part, then pixels that
-// are covered whole, then perhaps another one in part. Lengths are counted in parts, `after` to an old pixel and `before` to a new
-// one, so that all of them are whole numbers.
+// The old pixels under a new one, in a row or column. Only the first and the last can be covered in part. Lengths are whole
+// numbers of parts: an old pixel has as many as there are new pixels, a new pixel as many as there were old ones.
 struct Cover {
   int first;
-  uint32_t head, tail;  // parts of the pixels in front of the whole ones and behind them; 0 if there is no such pixel
-  int whole;            // number of pixels
+  uint32_t head, tail;  // covered parts of a partly covered first or last pixel; 0 if there is none
+  int whole;            // pixels covered entirely, between these two
   int last() const { return first + (head > 0 ? 1 : 0) + whole - (tail > 0 ? 0 : 1); }
 };
 
@@ -40,7 +39,7 @@ std::vector<Cover> covers_of(int before, int after) {
   return covers;
 }
 
-// Calls take(old pixel, parts) for each old pixel that is covered.
+// Calls take(old pixel, covered parts) for each old pixel.
 template <class Take>
 void for_each_covered(const Cover& cover, uint32_t parts_of_old, Take take) {
   int at = cover.first;
@@ -49,12 +48,12 @@ void for_each_covered(const Cover& cover, uint32_t parts_of_old, Take take) {
   if (cover.tail > 0) take(at, cover.tail);
 }
 
-// The sum that a sample of 1 everywhere has.
+// The parts of a new pixel: those across times those down.
 uint64_t parts_of(const Picture& picture) {
   return uint64_t{static_cast<uint32_t>(picture.width())} * static_cast<uint32_t>(picture.height());
 }
 
-// sum / whole to the nearest whole number, half a level up.
+// sum / whole, rounded to the nearest level, halves up.
 class Mean {
  public:
   explicit Mean(uint64_t whole) : whole_(whole), inverse_(1 / static_cast<double>(whole)) {}
@@ -72,14 +71,14 @@ class Mean {
   double inverse_;
 };
 
-// Adds a row of samples to sums of rows. A sum of `Sum` has room for all parts of a column.
+// Adds a row of samples to the sums of columns.
 template <class Sum>
 void add_row(std::vector<Sum>& sums, const uint8_t* samples, Sum parts) {
   for (size_t i = 0; i < sums.size(); ++i) sums[i] += samples[i] * parts;
 }
 
-// Runs samples_of(row) over the old rows that each new row covers, and finish(new row, sums of a pixel's channels, x) over the new
-// pixels. Columns are summed first: additions of whole rows are faster than steps along a row.
+// For each new row: adds up samples_of(old row) over the old rows that it covers, then calls finish(new row, x, sums of the
+// channels) for each pixel. Columns come first because adding whole rows is faster than adding along a row.
 template <size_t channels, class Sum, class SamplesOf, class Finish>
 void sum_areas(const Picture& picture, const Picture& result, SamplesOf samples_of, Finish finish) {
   const DibView from = picture.pixels(), to = result.pixels();
@@ -106,7 +105,7 @@ void sum_areas(const Picture& picture, const Picture& result, SamplesOf samples_
 template <size_t channels, class SamplesOf, class Finish>
 Picture by_area(const Picture& picture, Size size, SamplesOf samples_of, Finish finish) {
   Picture result = blank_like(picture, size, picture.depth());
-  const bool fits = picture.height() < (1 << 24);  // 255 for each of a column's parts in 32 bits
+  const bool fits = picture.height() < (1 << 24);  // a column's sum of samples up to 255 fits 32 bits
   if (fits)
     sum_areas<channels, uint32_t>(picture, result, samples_of, finish);
   else
@@ -114,7 +113,7 @@ Picture by_area(const Picture& picture, Size size, SamplesOf samples_of, Finish 
   return result;
 }
 
-// Bytes that are levels as they are: greys, and blue, green and red.
+// Pixels whose bytes are levels: greys, or blue, green and red.
 template <size_t channels>
 Picture levels_by_area(const Picture& picture, Size size) {
   return by_area<channels>(
@@ -126,23 +125,23 @@ Picture levels_by_area(const Picture& picture, Size size) {
 
 // ---- Black and white ----
 
-// Whether equal parts of both colours make a set bit: the darker colour wins.
+// Whether a new pixel that is half set and half clear becomes set: the darker colour wins.
 bool set_wins_ties(const Picture& picture) {
   const auto brightness = [&](uint32_t pixel) { return vorel::luminance_of(rgb_of(color_of(picture, pixel))); };
   return brightness(1) < brightness(0);
 }
 
-// Set bits from the pixel `first` on.
+// The number of set bits among `count` pixels.
 int count_bits(std::span<const uint8_t> row, int first, int count) {
-  constexpr int kInWord = 56;  // of any alignment
+  constexpr int kInWord = 56;  // pixels that a word has wherever they begin
   int bits = 0;
   for (; count > 0; first += kInWord, count -= kInWord)
     bits += std::popcount(first_of(pixels_at(row, static_cast<size_t>(first / 8)) << first % 8, std::min(count, kInWord)));
   return bits;
 }
 
-// Each new pixel gets the colour that covers more of it. Where all old pixels under a byte of the result have one colour, as on most
-// of a page, none are counted.
+// Gives each new pixel the colour that covers more of it. Nothing is counted where all old pixels under a byte of the result
+// have one colour, as on most of a page.
 class Majority {
  public:
   Majority(const Picture& picture, const Picture& result)
@@ -210,12 +209,12 @@ class Majority {
 
   DibView from_, to_;
   std::vector<Cover> across_, down_;
-  std::vector<uint8_t> any_, all_;  // of the old rows that a new one covers: bits that are set in one of them, and in all
+  std::vector<uint8_t> any_, all_;  // the covered old rows combined: bits set in any of them, and in all of them
   uint64_t whole_, for_half_;
 };
 
-// The same for exactly half the size: 32 new pixels at a time from the words of two rows. Bit pairs lie within bytes, the left pixel
-// in the higher bit.
+// The same for exactly half the size: 32 new pixels from a word of each of two rows. Each pair of pixels lies within a byte,
+// the left one in the higher bit.
 uint32_t majority_of_fours(uint64_t above, uint64_t below, bool twos_are_set) {
   const uint64_t both_above = above & above << 1, both_below = below & below << 1;
   const uint64_t one_above = above | above << 1, one_below = below | below << 1;
@@ -252,7 +251,7 @@ Picture bits_by_area(const Picture& picture, Size size) {
   return result;
 }
 
-// Colours of a table are mixed, and the nearest colour of the table stands for the mixture.
+// Mixes the colours of a table and takes the table's nearest colour to the mixture.
 Picture colors_by_area(const Picture& picture, Size size) {
   const std::span<const Rgb> table = used_colors(picture);
   std::vector<uint8_t> samples(static_cast<size_t>(picture.width()) * 3);

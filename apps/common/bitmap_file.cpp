@@ -202,6 +202,9 @@ BitmapLayout layout_of(Reader& reader) {
     for (size_t i = 0; i < layout.masks.size(); ++i)
       layout.masks[i] = Mask(reader.value_at<uint32_t>(at + kHeaderBytes + i * kMaskBytes));
     if (!std::ranges::all_of(layout.masks, &Mask::is_one_run)) fail_as_damaged("a colour mask has gaps");
+    const bool has_fourth = header_bytes > kBehindMasks || stated_compression == kAlphaMasks;
+    layout.facts.has_opacity =
+        has_fourth && reader.value_at<uint32_t>(at + kHeaderBytes + layout.masks.size() * kMaskBytes) != 0;
     if (header_bytes < kBehindMasks) table.at += kMaskBytes * (stated_compression == kAlphaMasks ? 4 : 3);
   }
   table.entries = header.colors_used != 0 ? header.colors_used : implied_colors(header.depth);

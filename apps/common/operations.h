@@ -1,5 +1,5 @@
-// What the programs do to pictures: the library's functions with what they leave to their callers. Each takes a picture in any
-// form (forms.h) and makes a new one, so that several can follow each other in memory. All throw Problem.
+// What the programs do to pictures: the library's functions with what they leave to their callers. Each takes a picture in
+// any form (forms.h) and makes a new one, so that several can follow each other in memory. All throw Problem.
 #pragma once
 
 #include <array>
@@ -18,8 +18,8 @@ namespace vorel::programs {
 // What a result shows where the picture does not reach: the colour of its table that is nearest to this.
 enum class Background { kBlack, kWhite };
 
-// Clockwise, by any number of degrees. Quarter turns keep every pixel; others pick the nearest. Unequal resolutions follow the
-// turn.
+// Clockwise, by any number of degrees. Quarter turns keep every pixel; others pick the nearest. Unequal resolutions follow
+// the turn.
 Picture turned(Picture picture, int degrees, Background background = Background::kBlack);
 
 Picture mirrored_left_right(Picture picture);
@@ -31,10 +31,10 @@ Picture mirrored_top_bottom(Picture picture);  // keeps 16 and 32 bits
 enum class Shear { kColumns, kRows };
 Picture skewed(Picture picture, Shear shear, int pixels, Background background = Background::kBlack);
 
-// kArea weighs every pixel by how much of it lies under the new one, in exact arithmetic. Black and white stays black and white: what
-// covers most of a new pixel, and the darker of two halves.
+// kArea weighs every pixel by how much of it lies under the new one, in exact arithmetic. Black and white stays black and
+// white: a new pixel gets the colour that covers most of it, and the darker one if both cover half.
 enum class Resampling { kLinear, kCubic, kNearest, kArea };
-// By kLinear and kCubic black and white pictures are resampled by the nearest pixel. The resolution changes with the number of pixels, so that
+// kLinear and kCubic take the nearest pixel in black and white. The resolution changes with the number of pixels, so that
 // the size on paper stays.
 Picture scaled(Picture picture, Size size, Resampling resampling);
 

@@ -7,8 +7,8 @@
 
 namespace vorel::programs {
 
-// "1-3,5" as 1, 2, 3 and 5, in the order in which they are written; "4-" goes on to the last page. All pages for an empty text; none
-// for one that is no list of pages, or names pages that a file of `pages` does not have.
+// "1-3,5" gives 1, 2, 3 and 5, in the order written; "4-" goes on to the last page; an empty text gives all. No value if the
+// text is no list of pages, or names one beyond `pages`.
 std::optional<std::vector<int>> parse_page_range(std::string text, int pages);
 
 }  // namespace vorel::programs

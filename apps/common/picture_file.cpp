@@ -5,6 +5,7 @@
 #include <bit>
 #include <fmt/format.h>
 #include <fstream>
+#include <mutex>
 
 #include "common/codec.h"
 #include "common/formats.h"
@@ -71,8 +72,9 @@ bool PictureFile::is_bitmap() const {
   return begins_as_bitmap(file);
 }
 
-// Whether the name decides that a file is TGA, which has no signature. The header of one with a colour table and run-length codes is
-// that of a plain metafile by chance. The library has asked the path itself before it found any of the others.
+// Whether the name makes a file TGA, which has no signature. By chance, the header of one with a colour table and run-length
+// codes is that of a plain metafile. The library itself has looked at the path's ending before it finds any of the other
+// formats.
 bool PictureFile::is_tga_by_name(int found) const {
   static constexpr int kTestedLater[] = {IMG_FORMAT_JPEG, IMG_FORMAT_CALS, IMG_FORMAT_TEXT, IMG_FORMAT_PNG,
                                          IMG_FORMAT_UNKNOWN};
@@ -164,23 +166,32 @@ Picture PictureFile::load(int page) const {
   }
 }
 
+// The colours of a GIF file do not tell the depth for sure.
 DibHeader PictureFile::header(int page) const {
+  const auto header = format().code == FormatCode::kGif ? std::nullopt : stated_header(page);
+  return header ? *header : load(page).header();
+}
+
+std::optional<DibHeader> PictureFile::stated_header(int page) const {
   const FileFormat& kind = format();
   if (kind.code == FormatCode::kBitmap) return bitmap_facts().header;
   if (programs::is_pnm(kind)) return pnm_facts(page).header;
-  if (const auto header = described(kind, page)) return *header;
-  return load(page).header();
+  const auto description = described(kind, page);
+  if (!description) return std::nullopt;
+  const auto header = std::bit_cast<DibHeader>(description->header);
+  return kind.code == FormatCode::kJpeg ? turned_by_exif(header, exif()) : header;
 }
 
-// The colours of a GIF file do not tell the depth for sure.
-std::optional<DibHeader> PictureFile::described(const FileFormat& kind, int page) const {
-  if (!kind.load || kind.code == FormatCode::kGif) return std::nullopt;
+std::optional<ImgDescription> PictureFile::described(const FileFormat& kind, int page) const {
+  if (!kind.load) return std::nullopt;
   const Codec codec(kind.load);
   const auto describe_only = codec.other<ImgDescribeOnly>("DescribeOnly");
   if (describe_only == nullptr) return std::nullopt;
-  BITMAPINFOHEADER header{};
+  static std::mutex one_at_a_time;
+  const std::lock_guard guard(one_at_a_time);
+  ImgDescription description{};
   int status = -1;
-  if (!describe_only(&header)) return std::nullopt;
+  if (!describe_only(&description)) return std::nullopt;
   switch (kind.load_arguments) {
     case LoadArguments::kNone: codec.as<ImgLoadFile>()(usable_name_.c_str()); break;
     case LoadArguments::kStatus:
@@ -188,9 +199,8 @@ std::optional<DibHeader> PictureFile::described(const FileFormat& kind, int page
     default: codec.as<ImgLoadPage>()(usable_name_.c_str(), page, &status);
   }
   describe_only(nullptr);
-  if (header.biSize == 0) return std::nullopt;  // loading it tells why
-  const auto result = std::bit_cast<DibHeader>(header);
-  return kind.code == FormatCode::kJpeg ? turned_by_exif(result, exif()) : result;
+  if (description.header.biSize == 0) return std::nullopt;  // loading it tells why
+  return description;
 }
 
 ExifFacts PictureFile::exif() const {
@@ -230,17 +240,24 @@ PnmFacts PictureFile::pnm_facts(int page) const {
 }
 
 std::vector<std::string> PictureFile::losses(int page) const {
-  const FormatCode code = format().code;
-  int bits = 8;
-  if (code == kPnm) bits = pnm_facts(page).most > 255 ? 16 : 8;
-  if (code == FormatCode::kPng) {
-    constexpr int kDepthAt = 24;
-    char start[kDepthAt + 1] = {};
-    std::ifstream(path_, std::ios::binary).read(start, sizeof start);
-    bits = start[kDepthAt];
+  const FileFormat& kind = format();
+  std::vector<std::string> losses;
+  const auto note_bits = [&](int bits) {
+    if (bits > 8)
+      losses.push_back(fmt::format("its samples of {} bits become 8 bits; keep the file if you need them all", bits));
+  };
+  const auto note_opacity = [&](bool has_opacity, const char* fate) {
+    if (has_opacity) losses.push_back(fmt::format("its opacity is {}; keep the file if you need it", fate));
+  };
+  if (kind.code == FormatCode::kBitmap) {
+    note_opacity(bitmap_facts().has_opacity, "left out");
+  } else if (programs::is_pnm(kind)) {
+    note_bits(pnm_facts(page).most > 255 ? 16 : 8);
+  } else if (const auto description = described(kind, page)) {
+    note_bits(description->sampleBits);
+    note_opacity(description->hasOpacity != FALSE, "blended over white");
   }
-  if (bits <= 8) return {};
-  return {fmt::format("its samples of {} bits become 8 bits; keep the file if you need them all", bits)};
+  return losses;
 }
 
 std::optional<std::string> PictureFile::compression(int page) const {

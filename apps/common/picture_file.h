@@ -37,6 +37,9 @@ class PictureFile {
   // The header of a page as load() gives it, without decoding rows where the module can do that.
   DibHeader header(int page) const;
 
+  // The same before anything is decoded, with fewer bits than GIF pictures may turn out to have; none where it is unknown.
+  std::optional<DibHeader> stated_header(int page) const;
+
   // Of a bitmap, without its pixels.
   BitmapFacts bitmap_facts() const;
 
@@ -58,7 +61,7 @@ class PictureFile {
   uint64_t pnm_start(int page) const;
   Picture load_by_library(const FileFormat& format, int page) const;
   Picture load_tga() const;
-  std::optional<DibHeader> described(const FileFormat& format, int page) const;
+  std::optional<ImgDescription> described(const FileFormat& format, int page) const;
   ExifFacts exif() const;
 
   std::filesystem::path path_;

@@ -1,4 +1,4 @@
-// Portable any map: the format that scanning and page programs hand each other through pipes. A file holds one picture or several.
+// Portable maps, which scanning programs and page programs pass through pipes. A file holds one picture or several.
 #pragma once
 
 #include <cstdint>

@@ -32,8 +32,8 @@ struct Saving {
 // The picture in a form that the format has room for. Bitmaps take any form. Throws Problem where there is none.
 Picture suited(Picture picture, const Saving& saving);
 
-// Writes a suited picture as a page, counted from 1, of a file, and checks that it is there whole: the first page replaces the file.
-// Throws Problem.
+// Writes a suited picture as a page of a file, counted from 1, and checks that all of it was written. The first page
+// replaces the file. Throws Problem.
 //   path  as the library takes it
 void save_page(const std::string& path, const Picture& picture, const Saving& saving, int page);
 

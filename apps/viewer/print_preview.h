@@ -7,8 +7,8 @@ namespace vorel::viewer {
 
 enum class PreviewEnd { kClosed, kPrint };
 
-// Stays in front of its owner until it is closed, or printing is asked for. The layout that was chosen stays in the settings. Throws
-// Failure where no printer is, or where it cannot be reached.
+// Stays in front of its owner until the user closes it or prints. The chosen layout stays in the settings. Throws Failure if
+// there is no printer, or if it cannot be reached.
 PreviewEnd show_preview(HWND owner, DocumentPages& pages, PrintSettings& settings);
 
 }  // namespace vorel::viewer

@@ -1,23 +1,34 @@
 #!/usr/bin/env bash
 # Pages per second of "vorel batch" beside other programs under GNU parallel, where they are installed: 1-bit A4 pages at 300 dots per
-# inch in Group 4 TIFF files, each loaded, changed and saved. Also the memory that the tool and its workers take at most in the first
-# and in the last quarter of the run.
-# usage: run.sh [PAGES]   with the programs of "tools/bench.sh --commands" built; 2000 pages by default
+# inch in Group 4 TIFF files, each loaded, changed and saved. Prints rows of Markdown. The last column is the most memory that the tool
+# and its workers take together in the first and in the last quarter of the run.
+# usage: run.sh [PAGES [WORK...]]   with the programs of "tools/bench.sh --commands" built; 2000 pages and all works by default:
+#   rotate   a quarter turn
+#   clean    single black pixels removed
+#   chain    pages with a slant: deskewed, connected specks removed, scaled to half
+# Slower programs get a part of the pages only.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 bin=$PWD/build/native/bin
 pages=${1:-2000}
+works=("${@:2}")
+[ "${#works[@]}" -gt 0 ] || works=(rotate clean chain)
 work=$(mktemp -d -p "$PWD/build")
 trap 'rm -rf "$work"' EXIT
 magick=$(command -v magick || command -v convert || true)
 
-mkdir "$work/made" "$work/in"
-for i in 1 2 3 4; do
-  text=$(seq -s ' ' $((i * 1000)) $((i * 1000 + 600)) | fold -s -w 75)
-  convert -size 2480x3508 xc:white -font DejaVu-Serif -pointsize 42 -fill black -annotate +250+350 "$text" -threshold 50% \
-    -units PixelsPerInch -density 300 -compress Group4 "$work/made/$i.tif"
+mkdir "$work/made" "$work/straight" "$work/slanted"
+slants=(1.3 -0.8 2.1 -3.4)
+for i in 0 1 2 3; do
+  text=$(seq -s ' ' $((i * 1000 + 1000)) $((i * 1000 + 1600)) | fold -s -w 75)
+  "$magick" -size 2480x3508 xc:white -font DejaVu-Serif -pointsize 42 -fill black -annotate +250+350 "$text" "$work/made/page.pgm"
+  g4=(-threshold 50% -units PixelsPerInch -density 300 -compress Group4)
+  "$magick" "$work/made/page.pgm" "${g4[@]}" "$work/made/straight-$i.tif"
+  "$magick" "$work/made/page.pgm" -virtual-pixel white -distort SRT "${slants[$i]}" "${g4[@]}" "$work/made/slanted-$i.tif"
 done
-for i in $(seq "$pages"); do ln "$work/made/$((i % 4 + 1)).tif" "$work/in/page-$i.tif"; done
+for set in straight slanted; do
+  for i in $(seq "$pages"); do ln "$work/made/$set-$((i % 4)).tif" "$work/$set/page-$i.tif"; done
+done
 
 # Kilobytes of the tool and its workers, every tenth of a second until it ends.
 watch_memory() {
@@ -26,33 +37,52 @@ watch_memory() {
     sleep 0.1
   done
 }
-row() { printf '%-14s %-12s %6s %14s  %s\n' "$@"; }
-
-# timed WORK PROGRAM JOBS COMMAND...
-timed() {
-  rm -rf "$work/out"; mkdir "$work/out"
-  local start end memory=
-  start=$(date +%s.%N)
-  "${@:4}" >/dev/null 2>"$work/errors" &
-  local run=$!
-  [ "$2" != vorel ] || watch_memory $run >"$work/memory"
-  wait $run || { cat "$work/errors"; exit 1; }
-  end=$(date +%s.%N)
-  [ "$(find "$work/out" -name 'page-*' | wc -l)" = "$pages" ] || { echo "$2: not all pages are there"; exit 1; }
-  [ "$2" != vorel ] || memory=$(awk '{ at[NR] = $1 } END { for (i = 1; i <= NR; ++i) { if (i <= NR / 4 && at[i] > a) a = at[i]; if (i > NR * 3 / 4 && at[i] > b) b = at[i] }
-    printf "%d then %d KB", a, b }' "$work/memory")
-  row "$1" "$2" "$3" "$(awk -v n="$pages" -v s="$start" -v e="$end" 'BEGIN { printf "%.1f", n / (e - s) }')" "$memory"
+megabytes() {
+  awk '{ at[NR] = $1 } END { for (i = 1; i <= NR; ++i) { if (i <= NR / 4 && at[i] > a) a = at[i]; if (i > NR * 3 / 4 && at[i] > b) b = at[i] }
+    printf "%.1f, %.1f MB", a / 1024, b / 1024 }' "$work/memory"
 }
 
-parallel_over() { find "$work/in" -name '*.tif' | parallel --will-cite -j "$1" "$2"; }
+# rate COUNT COMMAND...: pages per second of a command that makes COUNT of them.
+rate() {
+  rm -rf "$work/out"; mkdir "$work/out"
+  local start end
+  start=$(date +%s.%N)
+  "${@:2}" >/dev/null 2>"$work/errors" &
+  local run=$!
+  [ "$2" != "$bin/vorel" ] || watch_memory $run >"$work/memory"
+  wait $run || { cat "$work/errors" >&2; exit 1; }
+  end=$(date +%s.%N)
+  [ "$(find "$work/out" -name 'page-*' | wc -l)" = "$1" ] || { echo "not all pages are there" >&2; exit 1; }
+  awk -v n="$1" -v s="$start" -v e="$end" 'BEGIN { printf "%.1f", n / (e - s) }'
+}
 
-row work program jobs "pages/second" "memory at most"
-for jobs in 1 2; do
-  for verb in rotate clean; do
-    [ $verb = rotate ] && { steps='rotate 90'; magick_steps='-rotate 90'; } || { steps='clean 60'; magick_steps='-median 1'; }
-    timed "$verb" vorel $jobs "$bin/vorel" batch "$steps" "$work/in" --out "$work/out" --jobs $jobs
-    [ -z "$magick" ] || timed "$verb" magick $jobs parallel_over $jobs "$magick {} $magick_steps -compress Group4 $work/out/{/}"
-    ! command -v gm >/dev/null || timed "$verb" gm $jobs parallel_over $jobs "gm convert {} $magick_steps -compress Group4 $work/out/{/}"
-    [ ! -x "$bin/leptonica_command" ] || timed "$verb" leptonica $jobs parallel_over $jobs "$bin/leptonica_command $verb {} $work/out/{/}"
+# in_parallel JOBS COUNT COMMAND: the command for each of the first pages, with {} and {/} as GNU parallel has them.
+in_parallel() { find "$work/$set" -name '*.tif' | head -n "$2" | parallel --will-cite -j "$1" "$3"; }
+
+# peer PROGRAM JOBS COUNT COMMAND: the rate of another program, or a dash.
+peer() { if [ "$4" = - ] || ! command -v "$1" >/dev/null; then printf -- '-'; else rate "$3" in_parallel "$2" "$3" "$4"; fi; }
+
+echo "| work | jobs | vorel | Leptonica | GraphicsMagick | ImageMagick | times the best | memory at first, at last |"
+echo "| --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: |"
+for name in "${works[@]}"; do
+  set=straight gm_command=- magick_count=$((pages / 40)) gm_count=$((pages / 20))
+  case $name in
+    rotate) steps='rotate 90' magick_steps='-rotate 90' ;;
+    clean) steps='clean 60' magick_steps='-median 1' ;;
+    chain)
+      steps='deskew | despeckle | scale 50%' magick_steps='-deskew 40% +repage -median 1 -sample 50%'
+      set=slanted magick_count=$((pages / 250))
+      ;;
+    *) echo "run.sh: there is no work \"$name\"" >&2; exit 2 ;;
+  esac
+  [ "$name" = chain ] || gm_command="gm convert {} $magick_steps -compress Group4 $work/out/{/}"  # it cannot deskew
+  for jobs in 1 2; do
+    ours=$(rate "$pages" "$bin/vorel" batch "$steps" "$work/$set" --out "$work/out" --jobs $jobs)
+    memory=$(megabytes)
+    leptonica=$(peer "$bin/leptonica_command" $jobs $((pages / 4)) "$bin/leptonica_command $name {} $work/out/{/}")
+    gm=$(peer gm $jobs $gm_count "$gm_command")
+    im=$(peer "$magick" $jobs $magick_count "$magick {} $magick_steps -compress Group4 $work/out/{/}")
+    times=$(printf '%s\n' "$leptonica" "$gm" "$im" | awk -v ours="$ours" '$1 > best { best = $1 } END { printf "%.2f", ours / best }')
+    echo "| $name | $jobs | $ours | $leptonica | $gm | $im | $times | $memory |"
   done
 done

@@ -19,16 +19,16 @@ uintptr_t current_thread() {
 }
 
 std::atomic<uintptr_t> describing_thread = 0;
-BITMAPINFOHEADER* header_of_thread = nullptr;
+ImgDescription* description_of_thread = nullptr;
 
 }  // namespace
 
-bool describe_only(BITMAPINFOHEADER* header) {
+bool describe_only(ImgDescription* description) {
   const uintptr_t self = current_thread();
   uintptr_t expected = 0;
-  if (header != nullptr) {
+  if (description != nullptr) {
     if (!describing_thread.compare_exchange_strong(expected, self)) return false;
-    header_of_thread = header;
+    description_of_thread = description;
     return true;
   }
   expected = self;
@@ -36,6 +36,6 @@ bool describe_only(BITMAPINFOHEADER* header) {
   return true;
 }
 
-BITMAPINFOHEADER* wanted_header() { return describing_thread == current_thread() ? header_of_thread : nullptr; }
+ImgDescription* wanted_description() { return describing_thread == current_thread() ? description_of_thread : nullptr; }
 
 }  // namespace codec

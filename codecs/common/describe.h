@@ -5,11 +5,11 @@
 
 namespace codec {
 
-// Makes the loaders of this thread put the header of a picture there instead of loading it; null makes them load again. False if
-// another thread has asked for the same and is not done. Thread-local storage would outlive the module on Windows.
-bool describe_only(BITMAPINFOHEADER* header);
+// Makes the loaders of this thread describe a picture there instead of loading it; null makes them load again. False if another
+// thread has asked for the same and is not done. Thread-local storage would outlive the module on Windows.
+bool describe_only(ImgDescription* description);
 
-// Where this thread wants the header; null while it loads.
-BITMAPINFOHEADER* wanted_header();
+// Where this thread wants the description; null while it loads.
+ImgDescription* wanted_description();
 
 }  // namespace codec

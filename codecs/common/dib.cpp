@@ -97,10 +97,12 @@ void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t fil
 }
 
 void offer(const Description& description) {
-  BITMAPINFOHEADER* const wanted = wanted_header();
+  ImgDescription* const wanted = wanted_description();
   if (wanted == nullptr) return;
   const vorel::DibHeader header = header_of(description);
-  std::memcpy(wanted, &header, sizeof header);
+  std::memcpy(&wanted->header, &header, sizeof header);
+  wanted->sampleBits = description.sample_bits;
+  wanted->hasOpacity = description.has_opacity ? TRUE : FALSE;
   throw Described{};
 }
 

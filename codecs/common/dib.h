@@ -41,6 +41,9 @@ struct Description {
   int depth = 0;                  // bits per pixel: 1, 4, 8 or 24
   Colors colors{};                // padded with black to the colours of the depth; none at 24 bits
   Resolution resolution{};
+  // What the DIB does not hold.
+  int sample_bits = 8;       // of the file; the upper 8 are loaded
+  bool has_opacity = false;  // which is blended over white
 };
 
 // Limits what a file may claim: a few hundred megabytes in any case, more only if the file is large too, so that a small

@@ -4,6 +4,8 @@
 #include "common/describe.h"
 #include "common/entry.h"
 
-CODEC_ENTRY BOOL VORELCALL DescribeOnly(BITMAPINFOHEADER* header) { return codec::describe_only(header) ? TRUE : FALSE; }
+CODEC_ENTRY BOOL VORELCALL DescribeOnly(ImgDescription* description) {
+  return codec::describe_only(description) ? TRUE : FALSE;
+}
 
 static_assert(std::is_same_v<decltype(&DescribeOnly), ImgDescribeOnly>);

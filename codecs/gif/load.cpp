@@ -78,7 +78,11 @@ HGLOBAL decode(const Excerpt& excerpt, const Frame& frame, int least_depth) {
   colors.resize(256);
   if (frame.transparent_index >= 0) colors[static_cast<size_t>(frame.transparent_index)] = color(255, 255, 255);
 
-  LoadedDib dib({frame.width, frame.height, depth, colors});
+  LoadedDib dib({.width = frame.width,
+                 .height = frame.height,
+                 .depth = depth,
+                 .colors = colors,
+                 .has_opacity = frame.transparent_index >= 0});
   std::vector<uint8_t> indices(static_cast<size_t>(frame.width));
   for (int i = 0; i < frame.height; ++i) {
     const std::span<uint8_t> row = dib.row_from_top(decoder.row(i));

@@ -72,11 +72,14 @@ Resolution resolution_of(const PcxHeader& header) {
   return is_size && header.dpi_x != header.dpi_y ? Resolution{} : from_dpi(header.dpi_x, header.dpi_y);
 }
 
+bool has_alpha(const PcxHeader& header) { return header.plane_depth == 8 && header.planes == 4; }
+
 Description description_of(const PcxHeader& header) {
   Description picture{.width = width_of(header),
                       .height = height_of(header),
                       .depth = dib_depth(header),
-                      .resolution = resolution_of(header)};
+                      .resolution = resolution_of(header),
+                      .has_opacity = has_alpha(header)};
   if (picture.depth == 1) picture.colors = two_colors(header);
   if (picture.depth == 4) picture.colors = sixteen_colors(header);
   return picture;
@@ -163,7 +166,7 @@ void color_planes_to_row(const Line& line, std::span<uint8_t> row) {
     row[x * 3 + 1] = green[x];
     row[x * 3 + 2] = red[x];
   }
-  if (line.header.planes == 3) return;
+  if (!has_alpha(line.header)) return;
   const auto alpha = line.plane(3);
   for (size_t i = 0; i < line.width() * 3; ++i) row[i] = over_white(row[i], alpha[i / 3]);
 }

@@ -157,7 +157,13 @@ HGLOBAL load(const char* path) {
   reader.read_header();
   const int depth = depth_of(reader);
   check_claim(reader.width(), reader.height(), std::max(depth, reader.channels() * reader.bits()), file.size());
-  LoadedDib dib({reader.width(), reader.height(), depth, reader.colors(), reader.resolution()});
+  LoadedDib dib({.width = reader.width(),
+                 .height = reader.height(),
+                 .depth = depth,
+                 .colors = reader.colors(),
+                 .resolution = reader.resolution(),
+                 .sample_bits = reader.bits(),
+                 .has_opacity = reader.has_alpha() || reader.has_transparency()});
   reader.read_rows(dib);
   return dib.release();
 }

@@ -209,7 +209,11 @@ void reverse_pixels(std::span<uint8_t> line, size_t pixel_bytes) {
 template <class Convert>
 HGLOBAL read_lines(const Picture& picture, int depth, const Colors& colors, Convert convert) {
   const TgaHeader& header = picture.header;
-  LoadedDib dib({.width = header.width, .height = header.height, .depth = depth, .colors = colors});
+  LoadedDib dib({.width = header.width,
+                 .height = header.height,
+                 .depth = depth,
+                 .colors = colors,
+                 .has_opacity = picture.alpha != Alpha::kIgnored});
   PixelBytes pixels = picture.reader();
   std::vector<uint8_t> line(picture.line_bytes());
   for (int i = 0; i < dib.height(); ++i) {

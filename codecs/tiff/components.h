@@ -27,6 +27,11 @@ struct Component {
   std::array<uint8_t, 256> values{};  // by the sample, or by its upper eight bits
 };
 
+// Whether it is opacity, which has a range of its own.
+constexpr bool is_coverage(const Component& component) {
+  return component.action == Action::kCoverage || component.action == Action::kPremultipliedCoverage;
+}
+
 // The meaning of samples: counts that fill their bits, or numbers of a range of their own.
 enum class SampleKind { kCount, kSigned, kFloat };
 

@@ -221,6 +221,8 @@ TiffPage read_tags(const TiffHandle& tiff, uint64_t file_bytes) {
   page.tile_height = tiff.tag<uint32_t>(TIFFTAG_TILELENGTH, 0);
   plan(tiff, page);
   plan_samples(tiff, page);
+  page.picture.sample_bits = static_cast<int>(page.bits);
+  page.picture.has_opacity = std::ranges::any_of(page.components, is_coverage);
   check_size(page, file_bytes);
   check_data(tiff, page, file_bytes);
   return page;

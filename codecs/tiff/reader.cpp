@@ -96,11 +96,6 @@ class RowSink {
   virtual void take(const Component& component, int y, size_t x, size_t count, std::span<const uint8_t> samples,
                     SampleLayout layout) = 0;
 
-  // Alpha has a range of its own.
-  static bool is_color(const Component& component) {
-    return component.action != Action::kCoverage && component.action != Action::kPremultipliedCoverage;
-  }
-
   const TiffPage& page_;
 };
 
@@ -118,7 +113,7 @@ class Measurement : public RowSink {
  private:
   void take(const Component& component, int, size_t, size_t count, std::span<const uint8_t> samples,
             SampleLayout layout) override {
-    if (is_color(component)) widen(found_, samples, layout, count);
+    if (!is_coverage(component)) widen(found_, samples, layout, count);
   }
 
   Range found_{std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest()};
@@ -133,7 +128,7 @@ class Assembly : public RowSink {
   void take(const Component& component, int y, size_t x, size_t count, std::span<const uint8_t> samples,
             SampleLayout layout) override {
     const auto values = std::span(values_).first(count);
-    if (is_color(component))
+    if (!is_coverage(component))
       layout.range = range_;
     else if (layout.kind == SampleKind::kSigned)
       layout.range.high = std::ldexp(1, static_cast<int>(layout.bits) - 1) - 1;

@@ -38,7 +38,9 @@ class Source {
     return unlocked([&] { return file_.count_pages(); });
   }
   const char* format() const { return file_.format().word; }
-  std::vector<std::string> losses(int page) const { return file_.losses(page); }
+  std::vector<std::string> losses(int page) const {
+    return unlocked([&] { return file_.losses(page); });
+  }
   std::optional<std::string> compression(int page) const {
     return unlocked([&] { return file_.compression(page); });
   }

@@ -11,11 +11,12 @@
 
 using namespace test;
 using namespace vorel::cli::batch;
-using vorel::cli::name_of;
-using vorel::cli::path_of;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::UnorderedElementsAre;
+using vorel::cli::name_of;
+using vorel::cli::path_of;
 
 namespace {
 
@@ -163,6 +164,18 @@ TEST_F(CliBatch, PagesGoToFilesOfTheirOwn) {
   ASSERT_EQ(run({"invert", at("page-2.bmp"), at("two.bmp")}), 0) << err_;
   EXPECT_THAT(names(), ElementsAre("both-01.bmp", "both-02.bmp"));
   EXPECT_EQ(outputs()["both-02.bmp"], read_file(at("two.bmp")));
+}
+
+TEST_F(CliBatch, PagesStayWithinTheirLimits) {
+  put_page("a.bmp");
+  put("in/large.tif", gray_tiff(20'000, 20'000, 1, 1));  // nothing of its pixels is there
+  EXPECT_EQ(batch({at("in"), "--max-pixels", "1199"}), 1);
+  for (const char* need :
+       {"a.bmp: the page needs 1200 pixels, and --max-pixels allows 1199; ", "large.tif: the page needs 400000000 "})
+    EXPECT_THAT(err_, HasSubstr(need));
+  EXPECT_THAT(names(), IsEmpty());
+  EXPECT_EQ(run({"batch", "invert | scale 200%", at("in/a.bmp"), "--out", at("larger"), "--max-pixels", "4799"}), 1);
+  EXPECT_THAT(err_, HasSubstr("step 2, \"scale\": the page needs 4800 pixels"));
 }
 
 TEST_F(CliBatch, WhatCannotGoWellIsRefusedBeforeAnythingIsDone) {

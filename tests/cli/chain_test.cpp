@@ -102,6 +102,15 @@ TEST_F(CliChain, LossesAreNotedAndStrictRunsFail) {
                   {{"run", in, at("strict.tga"), "scale 50%", "--strict"}, 4, "150 x 150 dpi is lost"}});
   ASSERT_EQ(run({"convert", in, at("out.tif"), "--strict"}), 0) << err_;
   EXPECT_EQ(err_, "");
+  // What loading takes.
+  const Bytes tga = {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 32, 8, 1, 2, 3, 128};
+  const std::string out = at("out.png"), deep = put("deep.tif", gray_tiff(1, 1, 16, 2));
+  expect_refused({{{"convert", deep, out, "--strict"}, 4, "samples of 16 bits become 8 bits"},
+                  {{"convert", put("blended.tif", gray_tiff(1, 1, 8, 2)), out, "--strict"}, 4, "opacity is blended"},
+                  {{"convert", put("blended.tga", tga), out, "--strict"}, 4, "opacity is blended"}});
+  ASSERT_EQ(run({"convert", deep, out}), 0) << err_;
+  EXPECT_THAT(err_, testing::AllOf(HasSubstr("16 bits"), HasSubstr("opacity")));
+  ASSERT_EQ(run({"convert", put("plain.tif", gray_tiff(1, 1, 8, 1)), at("plain.png"), "--strict"}), 0) << err_;
 }
 
 }  // namespace

@@ -36,6 +36,34 @@ inline Bytes plain(int width, int height, int depth, uint8_t byte) {
   return dib;
 }
 
+// A TIFF file of greys, with opacity if there are two samples. Its pixels are cut off after the first one.
+inline Bytes gray_tiff(uint32_t width, uint32_t height, uint16_t bits, uint16_t samples) {
+  enum : uint16_t { kShort = 3, kLong = 4 };
+  constexpr uint32_t kPixelsAt = 8, kDirectoryAt = 16, kUnassociated = 2;
+  struct Entry {
+    uint16_t tag, type;
+    uint32_t count, value;
+  };
+  const uint32_t bits_of_each = bits * (samples == 2 ? 0x10001u : 1u), row_bytes = (width * bits * samples + 7) / 8;
+  const Entry entries[] = {{256, kLong, 1, width},
+                           {257, kLong, 1, height},
+                           {258, kShort, samples, bits_of_each},
+                           {259, kShort, 1, 1},
+                           {262, kShort, 1, 1},
+                           {273, kLong, 1, kPixelsAt},
+                           {277, kShort, 1, samples},
+                           {278, kLong, 1, height},
+                           {279, kLong, 1, row_bytes * height},
+                           {338, kShort, samples - 1u, kUnassociated}};
+  Bytes file = {'I', 'I', 42, 0, kDirectoryAt, 0, 0, 0, 1, 2, 3, 4, 0, 0, 0, 0, samples == 2 ? uint8_t{10} : uint8_t{9}, 0};
+  for (const Entry& entry : entries) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(&entry);
+    if (entry.count > 0) file.insert(file.end(), bytes, bytes + sizeof entry);
+  }
+  file.insert(file.end(), 4, 0);
+  return file;
+}
+
 inline size_t entries(const fs::path& folder) {
   return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
 }

@@ -21,9 +21,11 @@ namespace {
 
 constexpr std::array kForThisRun = {"--overwrite", "--strict", "--max-pixels", "--max-memory"};
 
-fs::path whole(const fs::path& path) {
-  std::error_code ignored;
-  return fs::absolute(path, ignored).lexically_normal();
+// Without the links that lead to a folder.
+fs::path real(const fs::path& folder) {
+  std::error_code error;
+  const fs::path path = fs::weakly_canonical(folder, error);
+  return error ? fs::absolute(folder, error).lexically_normal() : path;
 }
 
 #ifdef _WIN32
@@ -43,8 +45,8 @@ std::string folded(std::string name) {
 class NameCheck {
  public:
   NameCheck(const std::vector<InputFile>& files, const fs::path& output, const Naming& naming)
-      : files_(files), output_(whole(output)), naming_(naming) {
-    for (const InputFile& file : files) paths_.insert(folded(name_of(whole(file.path))));
+      : files_(files), output_(real(output)), naming_(naming) {
+    for (const InputFile& file : files) paths_.insert(folded(name_of(real_path(file))));
   }
 
   // Throws Failure.
@@ -69,8 +71,15 @@ class NameCheck {
       fail(i, "outputs would take the place of inputs; give another --out");
   }
 
-  bool is_below_output(const InputFile& file) const {
-    const auto relative = whole(file.path).lexically_relative(output_);
+  // Folders are looked up once: a batch has many files and few of them.
+  fs::path real_path(const InputFile& file) {
+    const auto [folder, is_new] = folders_.try_emplace(file.path.parent_path().native());
+    if (is_new) folder->second = real(file.path.has_parent_path() ? file.path.parent_path() : fs::path("."));
+    return folder->second / file.path.filename();
+  }
+
+  bool is_below_output(const InputFile& file) {
+    const auto relative = real_path(file).lexically_relative(output_);
     return !relative.empty() && *relative.begin() != "..";
   }
 
@@ -81,6 +90,7 @@ class NameCheck {
   const std::vector<InputFile>& files_;
   fs::path output_;
   const Naming& naming_;
+  std::unordered_map<fs::path::string_type, fs::path> folders_;
   std::unordered_set<std::string> paths_;
   std::unordered_map<std::string, size_t> owners_;
 };

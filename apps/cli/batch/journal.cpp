@@ -51,6 +51,14 @@ Json json_of(const std::vector<PlacedFile>& files) {
   return list;
 }
 
+void check_settings(int version, const std::string& stated, const fs::path& file, const std::string& settings) {
+  if (version == kVersion && stated == settings) return;
+  throw Failure(ExitCode::kWrongUse, name_of(file),
+                fmt::format("this journal is of other steps or options: {}; use the same ones, begin again with --overwrite "
+                            "and without --resume, or give another --out",
+                            stated));
+}
+
 std::vector<PlacedFile> files_of(const Json& list) {
   std::vector<PlacedFile> files;
   for (const Json& file : list) files.push_back({exact_name(file.at("name")), file.at("bytes").get<uint64_t>()});
@@ -123,38 +131,25 @@ void Journal::read(const fs::path& path, const std::string& settings) {
   }
 }
 
-// A line that was cut says nothing.
-void Journal::take(const std::string& line, const fs::path& file, const std::string& settings) {
-  const Json json = Json::parse(line, nullptr, false);
-  if (!json.is_object()) return;
-  if (json.contains("settings") && (json.value("journal", 0) != kVersion || exact_name(json["settings"]) != settings)) {
-    throw Failure(
-        ExitCode::kWrongUse, name_of(file),
-        fmt::format("this journal is of other steps or options: {}; use the same ones, begin again with --overwrite "
-                    "and without --resume, or give another --out",
-                    exact_name(json["settings"])));
+// A line says nothing if it was cut, is damaged or of a later version: its input is done again.
+void Journal::take(const std::string& line, const fs::path& file, const std::string& settings) try {
+  const Json json = Json::parse(line);
+  if (json.contains("settings")) {
+    check_settings(json.value("journal", 0), exact_name(json["settings"]), file, settings);
+    has_settings_ = true;
+    return;
   }
-  has_settings_ = has_settings_ || json.contains("settings");
-  try {
-    Record record;
-    std::string key;
-    if (json.contains("begin")) {
-      key = exact_name(json["begin"]);
-    } else if (json.contains("done")) {
-      key = exact_name(json["done"]);
-      record.kind = Record::Kind::kDone;
-      json.at("bytes").get_to(record.stamp.bytes);
-      json.at("time").get_to(record.stamp.time);
-      record.stamp.sum = json.value("sum", "");
-      record.outputs = files_of(json.at("outputs"));
-    } else if (json.contains("failed")) {
-      key = exact_name(json["failed"]);
-      record.kind = Record::Kind::kFailed;
-      record.outputs = files_of(json.at("outputs"));
-    }
-    records_.insert_or_assign(std::move(key), std::move(record));
-  } catch (const Json::exception&) {  // of a later version, or damaged: it is done again
+  Record record;
+  const char* event = "begin";
+  if (json.contains("outputs")) {
+    const bool is_done = json.contains("done");
+    event = is_done ? "done" : "failed";
+    record.kind = is_done ? Record::Kind::kDone : Record::Kind::kFailed;
+    record.stamp = {json.value("bytes", uint64_t{0}), json.value("time", int64_t{0}), json.value("sum", "")};
+    record.outputs = files_of(json["outputs"]);
   }
+  if (json.contains(event)) records_.insert_or_assign(exact_name(json[event]), std::move(record));
+} catch (const Json::exception&) {  // as if it were not there
 }
 
 bool Journal::is_done(const InputFile& input, Stamp::By by) const {

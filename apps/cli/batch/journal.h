@@ -54,8 +54,8 @@ class Journal {
  private:
   struct Record {
     enum class Kind { kBegun, kDone, kFailed } kind = Kind::kBegun;
-    Stamp stamp;
-    std::vector<PlacedFile> outputs;
+    Stamp stamp = {};
+    std::vector<PlacedFile> outputs = {};
   };
   void read(const std::filesystem::path& file, const std::string& settings);
   void read_all(const std::string& settings);

@@ -50,8 +50,8 @@ class StopWatch {
 // A file that one process at a time may add lines to.
 class AppendFile {
  public:
-  // Makes the file if there is none. Throws std::system_error: with std::errc::resource_unavailable_try_again if another process
-  // has it.
+  // Makes the file if there is none. Throws std::system_error: with std::errc::resource_unavailable_try_again if another
+  // process has it.
   explicit AppendFile(const std::filesystem::path& path);
   AppendFile(const AppendFile&) = delete;
   AppendFile& operator=(const AppendFile&) = delete;
@@ -63,6 +63,12 @@ class AppendFile {
  private:
   intptr_t handle_;
 };
+
+// For workers: end with the process that started this one, however it ends.
+void end_with_parent();
+
+// Keep freed memory for the next page: pages of memory that are new to a process cost more than most steps.
+void keep_memory();
 
 // Limits what this process may allocate, where the system does that.
 void limit_memory(uint64_t bytes);

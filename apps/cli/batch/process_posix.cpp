@@ -4,8 +4,10 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <malloc.h>
 #include <spawn.h>
 #include <sys/file.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -178,6 +180,14 @@ void AppendFile::empty() {
 
 bool AppendFile::append(std::string_view bytes) {
   return ::write(static_cast<int>(handle_), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+}
+
+void end_with_parent() { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }
+
+void keep_memory() {
+  constexpr int kMegabyte = 1 << 20;
+  ::mallopt(M_MMAP_THRESHOLD, 32 * kMegabyte);
+  ::mallopt(M_TRIM_THRESHOLD, 64 * kMegabyte);
 }
 
 void limit_memory(uint64_t bytes) {

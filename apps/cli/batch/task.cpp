@@ -39,25 +39,6 @@ Json size_of(const programs::Picture& picture) {
   return {{"width", picture.width()}, {"height", picture.height()}, {"bits", picture.depth()}};
 }
 
-// Throws Problem for a page of this header.
-void check_limits(const DibHeader& header, const Settings& settings) {
-  const auto length = [](int32_t value) { return value < 0 ? -static_cast<uint64_t>(value) : static_cast<uint64_t>(value); };
-  const uint64_t pixels = length(header.width) * length(header.height);
-  if (pixels > settings.pixel_limit())
-    throw programs::Problem(
-        programs::Fault::kLimit,
-        fmt::format("the page has {} pixels and --max-pixels allows {}; raise that, or leave the page out", pixels,
-                    settings.pixel_limit()));
-  // As loaded, and as the first step leaves it.
-  const uint64_t bytes = (ByteCount(2) * row_stride(header.depth, header.width) * length(header.height)).value();
-  if (bytes > settings.memory_limit())
-    throw programs::Problem(
-        programs::Fault::kLimit,
-        fmt::format("the page needs {} bytes or more and --max-memory allows {}; raise that, or leave the "
-                    "page out",
-                    bytes, settings.memory_limit()));
-}
-
 }  // namespace
 
 void Settings::declare(Arguments& arguments) {
@@ -85,8 +66,10 @@ std::vector<std::string> Settings::own_words(std::vector<std::string> options) {
   return options;
 }
 
-uint64_t Settings::pixel_limit() const { return amount(most_pixels).value_or(std::numeric_limits<uint64_t>::max()); }
-uint64_t Settings::memory_limit() const { return amount(most_memory).value_or(std::numeric_limits<uint64_t>::max()); }
+Limits Settings::limits() const {
+  const Limits none;
+  return {amount(most_pixels).value_or(none.pixels), amount(most_memory).value_or(none.bytes)};
+}
 
 Task::Task(Chain chain, Settings settings, Places places)
     : chain_(std::move(chain)),
@@ -127,8 +110,7 @@ class Task::Work {
   }
 
   void put(const Source& source, size_t index, const Target::Put& put) {
-    Page page = source.load(index);
-    about(page.label, [&] { check_limits(page.picture.header(), task_.settings_); });
+    Page page = source.load(index, task_.settings_.limits());
     Json from = size_of(page.picture);
     about(page.label, [&] {
       task_.chain_.apply(page);

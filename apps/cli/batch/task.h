@@ -21,8 +21,7 @@ struct Settings {
 
   void declare(Arguments& arguments);
   static std::vector<std::string> own_words(std::vector<std::string> options);  // those that declare() knows
-  uint64_t pixel_limit() const;                                                 // of a page; the highest number without one
-  uint64_t memory_limit() const;                                                // in bytes
+  Limits limits() const;
 };
 
 struct PlacedFile {

@@ -5,6 +5,7 @@
 #include <limits>
 #include <ostream>
 
+#include "cli/failure.h"
 #include "cli/parser.h"
 
 namespace vorel::cli::batch {
@@ -22,7 +23,10 @@ Task task_of(const Message& message) {
   Arguments arguments = parser.arguments();
   settings.declare(arguments);
   parser.parse({message.begin() + 3, message.end()});
-  if (!settings.most_memory.empty()) limit_memory(settings.memory_limit());
+  if (settings.most_memory.empty())
+    keep_memory();
+  else
+    limit_memory(settings.limits().bytes);
   return {Chain::parse(message.at(0)), settings, {path_of(message.at(1)), path_of(message.at(2))}};
 }
 
@@ -57,14 +61,28 @@ Outcome outcome_of(const Message& message) {
 
 }  // namespace
 
+void Worker::start() {
+  try {
+    process_ = std::make_unique<WorkerProcess>();
+  } catch (const std::system_error& error) {
+    throw Failure(ExitCode::kLimit, "batch",
+                  fmt::format("a worker process cannot be started ({}); use fewer --jobs, and go on with --resume",
+                              error.code().message()));
+  }
+}
+
 std::optional<Outcome> Worker::answer(const InputFile& input, bool may_replace) {
   if (process_ == nullptr) {
-    process_ = std::make_unique<WorkerProcess>();
+    start();
     if (!process_->send(packed(message_of(orders_)))) return std::nullopt;
   }
   if (!process_->send(packed(message_of(input, may_replace)))) return std::nullopt;
-  const auto reply = receive_message([this](std::span<char> bytes) { return process_->receive(bytes); });
-  return reply ? std::optional(outcome_of(*reply)) : std::nullopt;
+  try {
+    const auto reply = receive_message([this](std::span<char> bytes) { return process_->receive(bytes); });
+    return reply ? std::optional(outcome_of(*reply)) : std::nullopt;
+  } catch (const std::exception&) {  // a damaged reply counts as none
+    return std::nullopt;
+  }
 }
 
 Outcome Worker::work_on(const InputFile& input, bool may_replace) {
@@ -80,6 +98,7 @@ Outcome Worker::work_on(const InputFile& input, bool may_replace) {
 }
 
 void serve(std::istream& requests, std::ostream& replies) {
+  end_with_parent();
   const auto next = [&] {
     return receive_message([&](std::span<char> bytes) {
       return static_cast<bool>(requests.read(bytes.data(), static_cast<std::streamsize>(bytes.size())));

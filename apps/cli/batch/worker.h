@@ -25,10 +25,11 @@ class Worker {
  public:
   explicit Worker(const Orders& orders) : orders_(orders) {}
 
-  // A worker that ends without an answer is an outcome, too. Throws std::system_error if none can be started.
+  // A worker that ends without an answer is an outcome, too. Throws Failure if none can be started.
   Outcome work_on(const InputFile& input, bool may_replace);
 
  private:
+  void start();
   std::optional<Outcome> answer(const InputFile& input, bool may_replace);
 
   const Orders& orders_;

@@ -64,15 +64,28 @@ Resampling resampling_for(const Picture& picture, Size size, const std::string& 
   return enumerator_of<Resampling>(methods(), method);
 }
 
-Picture scaled(Picture picture, const Options& options) {
+// Refuses a result that is too large before it takes memory.
+void check_limits(const Page& page, Size size) {
+  DibHeader header = page.picture.header();
+  header.width = size.width;
+  header.height = size.height;
+  page.limits.check(header);
+}
+
+Picture scaled(Picture picture, Size size, const Options& options) {
   const DibHeader before = picture.header();
-  const Size size = result_size(picture, options);
   const Resampling resampling = resampling_for(picture, size, options.method);
   if (options.gray && picture.depth() == 1) picture = programs::gray(std::move(picture), programs::GrayWeights::kEqual);
   Picture result = programs::scaled(std::move(picture), size, resampling);
   if (options.keep_dpi) result.set_resolution(before.x_per_metre, before.y_per_metre);
   if (!options.dpi.empty()) state_dpi(result, options.dpi);
   return result;
+}
+
+void scale(Page& page, const Options& options) {
+  const Size size = result_size(page.picture, options);
+  check_limits(page, size);
+  page.picture = scaled(std::move(page.picture), size, options);
 }
 
 std::string flaw_of(const Options& options) {
@@ -103,7 +116,7 @@ Change declare(Arguments& arguments) {
                    "area, linear, cubic or nearest (default: area to reduce, linear to enlarge)", one_of(methods()));
   arguments.flag("--gray", options->gray, "make greys of 1 bit per pixel (default: black and white stay)");
   arguments.check_together([options] { return flaw_of(*options); });
-  return changes_picture([options](Picture picture) { return scaled(std::move(picture), *options); });
+  return [options](Page& page) { scale(page, *options); };
 }
 
 }  // namespace

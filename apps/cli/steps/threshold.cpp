@@ -31,8 +31,8 @@ std::string method_is_wrong(const std::string& text) {
 
 const std::string kUsualWindow = "3.5mm";
 
-// An odd number of pixels. Fewer than 15, as a coarse resolution gives, hold too little of a page to tell light from dark; a window
-// that was asked for may be as small as 3.
+// An odd number of pixels. The usual window has at least 15: a smaller one, as coarse resolutions give, holds too little of
+// a page to tell light from dark. A window that was asked for may be as small as 3.
 int window_on(const Picture& picture, const Options& options) {
   constexpr int kLeastUsual = 15, kLeast = 3;
   const bool is_asked_for = !options.window.empty();

@@ -16,9 +16,9 @@ struct Orientation {
   bool is_sure() const { return confidence >= kLeastConfidence; }
 };
 
-// In Latin script more letters rise above the small ones than reach below the line. Lines of text are found along the page's slant,
-// level or going down, and each one is judged by the ink on both sides of its small letters.
-// Takes workable pictures of any depth.
+// In Latin script more letters rise above the small ones than reach below the line. Each line of text, found along the
+// page's slant, is judged by the ink above and below its small letters. Lines may be level or go down the page. Takes
+// workable pictures of any depth.
 Orientation find_orientation(const Picture& page);
 
 }  // namespace vorel::programs

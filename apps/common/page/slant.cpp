@@ -78,8 +78,8 @@ double disagreement(Profile& profile, double middle) {
   return std::max(0.0, high - low) * kStep;
 }
 
-// Pages of text have five times a usual score, maps and drawings hardly more than it. The dots of printed photos can have as much as
-// text, with a contrast below a hundredth of the text's.
+// Text scores five times the usual, maps and drawings hardly more than that. The dots of printed photos can score as much as
+// text, with less than a hundredth of its contrast.
 double confidence_of(double prominence, double contrast) {
   constexpr double kSureProminence = 3, kSureContrast = 0.012;
   return std::clamp(std::min((prominence - 1) / (kSureProminence - 1), contrast / kSureContrast), 0.0, 1.0);
