@@ -39,6 +39,13 @@ Json size_of(const programs::Picture& picture) {
   return {{"width", picture.width()}, {"height", picture.height()}, {"bits", picture.depth()}};
 }
 
+// The limit of memory also makes work fail that does not tell why.
+std::string memory_hint(const Settings& settings, ExitCode code, const std::string& text) {
+  const bool may_lack_memory = code == ExitCode::kLimit || code == ExitCode::kOutput;
+  if (settings.most_memory.empty() || !may_lack_memory || text.find("--max-memory") != std::string::npos) return "";
+  return fmt::format(" (--max-memory allows {} bytes, which may be too little)", settings.limits().bytes);
+}
+
 }  // namespace
 
 void Settings::declare(Arguments& arguments) {
@@ -175,7 +182,7 @@ Outcome Task::work_on(const InputFile& input, bool may_replace) const {
   Outcome outcome;
   const auto fail = [&](ExitCode code, const std::string& text) {
     outcome.code = code;
-    outcome.message = text;
+    outcome.message = text + memory_hint(settings_, code, text);
   };
   try {
     Work(*this, input, may_replace, outcome).run();

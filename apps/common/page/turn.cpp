@@ -10,6 +10,7 @@
 #include "common/forms.h"
 #include "common/page/units.h"
 #include "common/problem.h"
+#include "common/row_bits.h"
 #include "core/gray.h"
 #include "core/nearest_color.h"
 #include "core/pixel.h"
@@ -82,15 +83,13 @@ struct Bits {
     return mix_pattern(four.above << 3 | four.above_right << 2 | four.below << 1 | four.below_right, x, y);
   }
 
-  static uint32_t inside(const uint8_t* above, const uint8_t* below, int at, uint32_t x, uint32_t y) {
-    return mix_pattern(two(above, at) << 2 | two(below, at), x, y);
+  // Of two rows' pixels as words, the leftmost in the highest bit: the four that begin at `at`.
+  static uint32_t inside(uint64_t above, uint64_t below, int at, uint32_t x, uint32_t y) {
+    const int shift = 62 - at;
+    return mix_pattern(static_cast<uint32_t>((above >> shift & 3) << 2 | (below >> shift & 3)), x, y);
   }
 
  private:
-  static uint32_t two(const uint8_t* row, int x) {
-    const uint8_t* const byte = row + (x >> 3);
-    return static_cast<uint32_t>(byte[0] << 8 | byte[1]) >> (14 - (x & 7)) & 3;
-  }
   static uint32_t mix_pattern(uint32_t pattern, uint32_t x, uint32_t y) {
     return kMajorities[(y >> 12) << 4 | x >> 12] >> pattern & 1;
   }
@@ -212,12 +211,16 @@ class Turning {
         const int count = std::min(kRun, to.width() - x);
         const Fixed start = row_start + mapping.per_column * x, end = start + mapping.per_column * (count - 1);
         uint32_t pixels[kRun];
-        if (is_outside(start, end) || (blanks != nullptr && blanks->all_blank(start, end)))
+        if (is_outside(start, end) || (blanks != nullptr && blanks->all_blank(start, end))) {
           std::fill_n(pixels, kRun, background_);
-        else if (is_inside(start) && is_inside(end))
-          mix_inside_run(start, mapping.per_column, count, pixels);
-        else
+        } else if (!is_inside(start) || !is_inside(end)) {
           mix_run(start, mapping.per_column, count, pixels);
+        } else if constexpr (Kind::kDepth == 1) {
+          store_bits(row, x, mix_inside_bits(start, mapping.per_column, count));
+          continue;
+        } else {
+          mix_inside_run(start, mapping.per_column, count, pixels);
+        }
         store(row, x, count, pixels);
       }
     }
@@ -237,11 +240,32 @@ class Turning {
     return misses(a.x, b.x, from_.width()) || misses(a.y, b.y, from_.height());
   }
 
+  // Positions in a run have 16 bits of fraction.
+  static int32_t sixteen(int64_t fixed) { return static_cast<int32_t>(fixed >> 16); }
+
+  // The first pixel in the highest bit. Columns advance by one at most, so a run and its neighbours come from one word of a row.
+  uint32_t mix_inside_bits(Fixed at, Fixed step, int count) const {
+    const int left = whole(at.x), top = whole(at.y);
+    int32_t x = sixteen(at.x & 0xFFFFFFFF), y = sixteen(at.y & 0xFFFFFFFF);
+    const int32_t x_step = sixteen(step.x), y_step = sixteen(step.y);
+    const auto pixels_of = [&](int row) {
+      return pixels_at(from_.row_from_top(row), static_cast<size_t>(left >> 3)) << (left & 7);
+    };
+    uint32_t word = 0;
+    for (int i = 0; i < count;) {
+      const int32_t row = y >> 16;
+      const uint64_t above = pixels_of(top + row), below = pixels_of(top + row + 1);
+      for (; i < count && y >> 16 == row; ++i, x += x_step, y += y_step)
+        word |= Kind::inside(above, below, x >> 16, static_cast<uint32_t>(x & 0xFFFF), static_cast<uint32_t>(y & 0xFFFF))
+                << (kRun - 1 - i);
+    }
+    return word;
+  }
+
   void mix_inside_run(Fixed at, Fixed step, int count, uint32_t* pixels) const {
     const int left = whole(at.x);
     const uint8_t* const top = from_.row_from_top(whole(at.y)).data();
     const auto down = -from_.stride();
-    const auto sixteen = [](int64_t fixed) { return static_cast<int32_t>(fixed >> 16); };
     int32_t x = sixteen(at.x & 0xFFFFFFFF), y = sixteen(at.y & 0xFFFFFFFF);
     const int32_t x_step = sixteen(step.x), y_step = sixteen(step.y);
     for (int i = 0; i < count; ++i, x += x_step, y += y_step) {
@@ -268,10 +292,14 @@ class Turning {
     if constexpr (Kind::kDepth == 1) {
       uint32_t word = 0;
       for (int i = 0; i < count; ++i) word |= pixels[i] << (kRun - 1 - i);
-      for (int i = 0; i < 4; ++i) row[x / 8 + i] = static_cast<uint8_t>(word >> (24 - 8 * i));  // rows are whole words
+      store_bits(row, x, word);
     } else {
       for (int i = 0; i < count; ++i) Pixel<Kind::kDepth>::store(row, x + i, pixels[i]);
     }
+  }
+
+  static void store_bits(uint8_t* row, int x, uint32_t word) {
+    for (int i = 0; i < 4; ++i) row[x / 8 + i] = static_cast<uint8_t>(word >> (24 - 8 * i));  // rows are whole words
   }
 
   ConstDibView from_;
