@@ -210,18 +210,12 @@ class Turning {
       for (int x = 0; x < to.width(); x += kRun) {
         const int count = std::min(kRun, to.width() - x);
         const Fixed start = row_start + mapping.per_column * x, end = start + mapping.per_column * (count - 1);
-        uint32_t pixels[kRun];
-        if (is_outside(start, end) || (blanks != nullptr && blanks->all_blank(start, end))) {
-          std::fill_n(pixels, kRun, background_);
-        } else if (!is_inside(start) || !is_inside(end)) {
-          mix_run(start, mapping.per_column, count, pixels);
-        } else if constexpr (Kind::kDepth == 1) {
-          store_bits(row, x, mix_inside_bits(start, mapping.per_column, count));
-          continue;
-        } else {
-          mix_inside_run(start, mapping.per_column, count, pixels);
-        }
-        store(row, x, count, pixels);
+        if (is_outside(start, end) || (blanks != nullptr && blanks->all_blank(start, end)))
+          put_background(row, x, count);
+        else if (is_inside(start) && is_inside(end))
+          put_inside(row, x, count, start, mapping.per_column);
+        else
+          put_any(row, x, count, start, mapping.per_column);
       }
     }
   }
@@ -243,59 +237,84 @@ class Turning {
   // Positions in a run have 16 bits of fraction.
   static int32_t sixteen(int64_t fixed) { return static_cast<int32_t>(fixed >> 16); }
 
-  // The first pixel in the highest bit. Columns advance by one at most, so a run and its neighbours come from one word of a row.
+  // Steps until the row changes.
+  static int steps_in_row(int32_t y, int32_t y_step) {
+    const int32_t part = y & 0xFFFF;
+    return y_step == 0 ? kRun : y_step > 0 ? (0xFFFF - part) / y_step + 1 : part / -y_step + 1;
+  }
+
+  // Steps that go one column on each. Others, by less than a column, stay in it now and then.
+  static int steps_by_column(int32_t x, int32_t x_step) {
+    const int32_t lag = (1 << 16) - x_step;
+    return lag == 0 ? kRun : (x & 0xFFFF) / lag + 1;
+  }
+
+  // The first pixel in the highest bit. Most have four equal neighbours, which words of two rows tell at once; the others are mixed.
   uint32_t mix_inside_bits(Fixed at, Fixed step, int count) const {
     const int left = whole(at.x), top = whole(at.y);
     int32_t x = sixteen(at.x & 0xFFFFFFFF), y = sixteen(at.y & 0xFFFFFFFF);
     const int32_t x_step = sixteen(step.x), y_step = sixteen(step.y);
-    const auto pixels_of = [&](int row) {
-      return pixels_at(from_.row_from_top(row), static_cast<size_t>(left >> 3)) << (left & 7);
-    };
     uint32_t word = 0;
-    for (int i = 0; i < count;) {
-      const int32_t row = y >> 16;
-      const uint64_t above = pixels_of(top + row), below = pixels_of(top + row + 1);
-      for (; i < count && y >> 16 == row; ++i, x += x_step, y += y_step)
-        word |= Kind::inside(above, below, x >> 16, static_cast<uint32_t>(x & 0xFFFF), static_cast<uint32_t>(y & 0xFFFF))
-                << (kRun - 1 - i);
+    for (int i = 0, steps = 0; i < count; i += steps, x += steps * x_step, y += steps * y_step) {
+      steps = std::min({count - i, steps_in_row(y, y_step), steps_by_column(x, x_step)});
+      const auto pixels_of = [&](int row) {
+        return pixels_at(from_.row_from_top(row), static_cast<size_t>(left >> 3)) << (left & 7) << (x >> 16);
+      };
+      const uint64_t above = pixels_of(top + (y >> 16)), below = pixels_of(top + (y >> 16) + 1);
+      const uint64_t all = above & above << 1 & below & below << 1, any = above | above << 1 | below | below << 1;
+      word |= static_cast<uint32_t>(first_of(all, steps) >> 32) >> i;
+      for (uint64_t mixed = first_of(any & ~all, steps); mixed != 0;) {
+        const int k = std::countl_zero(mixed);
+        mixed ^= uint64_t{1} << 63 >> k;
+        const int32_t x_there = x + k * x_step, y_there = y + k * y_step;
+        word |=
+            Kind::inside(above, below, k, static_cast<uint32_t>(x_there & 0xFFFF), static_cast<uint32_t>(y_there & 0xFFFF))
+            << (kRun - 1 - i - k);
+      }
     }
     return word;
   }
 
-  void mix_inside_run(Fixed at, Fixed step, int count, uint32_t* pixels) const {
-    const int left = whole(at.x);
-    const uint8_t* const top = from_.row_from_top(whole(at.y)).data();
-    const auto down = -from_.stride();
-    int32_t x = sixteen(at.x & 0xFFFFFFFF), y = sixteen(at.y & 0xFFFFFFFF);
-    const int32_t x_step = sixteen(step.x), y_step = sixteen(step.y);
-    for (int i = 0; i < count; ++i, x += x_step, y += y_step) {
-      const uint8_t* const above = top + (y >> 16) * down;
-      pixels[i] = Kind::inside(above, above + down, left + (x >> 16), static_cast<uint32_t>(x & 0xFFFF),
-                               static_cast<uint32_t>(y & 0xFFFF));
+  void put_inside(uint8_t* row, int x, int count, Fixed at, Fixed step) const {
+    if constexpr (Kind::kDepth == 1) {
+      store_bits(row, x, mix_inside_bits(at, step, count));
+    } else {
+      const int left = whole(at.x);
+      const uint8_t* const top = from_.row_from_top(whole(at.y)).data();
+      const auto down = -from_.stride();
+      int32_t across = sixteen(at.x & 0xFFFFFFFF), along = sixteen(at.y & 0xFFFFFFFF);
+      const int32_t x_step = sixteen(step.x), y_step = sixteen(step.y);
+      for (int i = 0; i < count; ++i, across += x_step, along += y_step) {
+        const uint8_t* const above = top + (along >> 16) * down;
+        Pixel<Kind::kDepth>::store(
+            row, x + i,
+            Kind::inside(above, above + down, left + (across >> 16), static_cast<uint32_t>(across & 0xFFFF),
+                         static_cast<uint32_t>(along & 0xFFFF)));
+      }
     }
   }
 
-  void mix_run(Fixed at, Fixed step, int count, uint32_t* pixels) const {
+  void put_any(uint8_t* row, int x, int count, Fixed at, Fixed step) const {
     const auto part = [](int64_t fixed) { return static_cast<uint32_t>(fixed >> 16 & 0xFFFF); };
     for (int i = 0; i < count; ++i, at = at + step) {
-      const int x = whole(at.x), y = whole(at.y);
-      pixels[i] = Kind::mix({pixel(x, y), pixel(x + 1, y), pixel(x, y + 1), pixel(x + 1, y + 1)}, part(at.x), part(at.y));
+      const int left = whole(at.x), top = whole(at.y);
+      Pixel<Kind::kDepth>::store(
+          row, x + i,
+          Kind::mix({pixel(left, top), pixel(left + 1, top), pixel(left, top + 1), pixel(left + 1, top + 1)}, part(at.x),
+                    part(at.y)));
     }
+  }
+
+  void put_background(uint8_t* row, int x, int count) const {
+    if constexpr (Kind::kDepth == 1)
+      store_bits(row, x, background_ == 0 ? 0 : ~uint32_t{0} << (kRun - count));
+    else
+      for (int i = 0; i < count; ++i) Pixel<Kind::kDepth>::store(row, x + i, background_);
   }
 
   uint32_t pixel(int x, int y) const {
     const bool exists = x >= 0 && y >= 0 && x < from_.width() && y < from_.height();
     return exists ? Kind::load(from_.row_from_top(y).data(), x) : background_;
-  }
-
-  static void store(uint8_t* row, int x, int count, const uint32_t* pixels) {
-    if constexpr (Kind::kDepth == 1) {
-      uint32_t word = 0;
-      for (int i = 0; i < count; ++i) word |= pixels[i] << (kRun - 1 - i);
-      store_bits(row, x, word);
-    } else {
-      for (int i = 0; i < count; ++i) Pixel<Kind::kDepth>::store(row, x + i, pixels[i]);
-    }
   }
 
   static void store_bits(uint8_t* row, int x, uint32_t word) {
