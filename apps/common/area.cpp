@@ -22,6 +22,7 @@ struct Cover {
   int first;
   uint32_t head, tail;  // covered parts of a partly covered first or last pixel; 0 if there is none
   int whole;            // pixels covered entirely, between these two
+  int pixels() const { return last() - first + 1; }
   int last() const { return first + (head > 0 ? 1 : 0) + whole - (tail > 0 ? 0 : 1); }
 };
 
@@ -140,6 +141,19 @@ int count_bits(std::span<const uint8_t> row, int first, int count) {
   return bits;
 }
 
+// Whether all pixels under a new one are set, or none; no answer if there are more than a word holds wherever they begin.
+enum class Agreement { kAllSet, kNoneSet, kUnknown };
+Agreement agreement_of(std::span<const uint8_t> any, std::span<const uint8_t> all, const Cover& cover) {
+  constexpr int kInWord = 56;
+  const int count = cover.pixels();
+  if (count > kInWord) return Agreement::kUnknown;
+  const auto covered = [&](std::span<const uint8_t> row) {
+    return first_of(pixels_at(row, static_cast<size_t>(cover.first / 8)) << cover.first % 8, count);
+  };
+  if (covered(any) == 0) return Agreement::kNoneSet;
+  return first_of(~covered(all), count) == 0 ? Agreement::kAllSet : Agreement::kUnknown;
+}
+
 // Gives each new pixel the colour that covers more of it. Nothing is counted where all old pixels under a byte of the result
 // have one colour, as on most of a page.
 class Majority {
@@ -187,10 +201,15 @@ class Majority {
       byte = static_cast<uint8_t>(0xFF << (8 - (end - x)));
     } else if (std::ranges::any_of(in_sight(any_), [](uint8_t b) { return b != 0; })) {
       for (int i = x; i < end; ++i)
-        if (2 * sum_of(rows, across_[static_cast<size_t>(i)]) + for_half_ > whole_)
-          byte |= static_cast<uint8_t>(0x80 >> (i - x));
+        if (is_set(rows, across_[static_cast<size_t>(i)])) byte |= static_cast<uint8_t>(0x80 >> (i - x));
     }
     row[x >> 3] = byte;
+  }
+
+  bool is_set(const Cover& rows, const Cover& columns) const {
+    const Agreement agreement = agreement_of(any_, all_, columns);
+    if (agreement != Agreement::kUnknown) return agreement == Agreement::kAllSet;
+    return 2 * sum_of(rows, columns) + for_half_ > whole_;
   }
 
   uint64_t sum_of(const Cover& rows, const Cover& columns) const {
