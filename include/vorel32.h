@@ -399,10 +399,14 @@ VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status)
  *    JPEG    KALO32  LoadJPEGIntoDIB (ImgLoadFile)     KALO  SaveDIBInJPEGFile (ImgSaveJpeg)
  *    PNG     WERT32  LoadPNGIntoDIB (ImgLoadPicture)   WERT  SaveDIBInPNGFormat (ImgSavePicture), which the library never calls
  *
- *  The modules of this library export more than it calls: GetNumberOfImagesInTiffFile (MERV32), GetNumberOfImagesInDCXFile
- *  (ODAL32) and GetNumberOfImagesInGIFFile (SUNE32), all ImgCountPages, GetTiffCompression (MERV32, ImgTiffCompression), SaveDIBInJPEGForm
- *  (KALO, ImgSaveJpegForm), NameOfLibraries (ImgNameOfLibraries) in KALO32, MERV32, SUNE32 and WERT32, DescribeOnly
- *  (ImgDescribeOnly) in every module that loads, and ReportsFailedWrites (ImgReportsFailedWrites) in every module that saves.
+ *  The modules of this library export more than it calls:
+ *    ImgCountPages           GetNumberOfImagesInTiffFile (MERV32), GetNumberOfImagesInDCXFile (ODAL32), GetNumberOfImagesInGIFFile
+ *                            (SUNE32)
+ *    ImgTiffCompression      GetTiffCompression (MERV32)
+ *    ImgSaveJpegForm         SaveDIBInJPEGForm (KALO)
+ *    ImgNameOfLibraries      NameOfLibraries (KALO32, MERV32, SUNE32, WERT32)
+ *    ImgDescribeOnly         DescribeOnly (every module that loads)
+ *    ImgReportsFailedWrites  ReportsFailedWrites (every module that saves)
  *
  *  Loaders return a new DIB handle that the caller owns: 1, 4, 8 or 24 bits, uncompressed, with the whole colour table that
  *  the depth implies. Savers take a DIB of this kind and only read it. A status variable may be NULL; an entry
@@ -421,6 +425,7 @@ VOREL_API HGLOBAL VORELCALL LoadColorFaxPage(LPCSTR path, int page, int* status)
 
 /** Loads the one picture of a file. */
 typedef HGLOBAL(VORELCALL* ImgLoadFile)(LPCSTR path);
+/** The same, with a status. */
 typedef HGLOBAL(VORELCALL* ImgLoadPicture)(LPCSTR path, int* status);
 
 /** Loads a page, counted from 1, without decoding the others. */
@@ -432,8 +437,8 @@ typedef int(VORELCALL* ImgCountPages)(LPCSTR path, int* status);
 /** Returns the TIFF number of the compression of a page, or 0 on failure. */
 typedef int(VORELCALL* ImgTiffCompression)(LPCSTR path, int page, int* status);
 
-/** Returns TRUE: the savers of this module fail if any byte could not be written. Without this entry point a program that
- *  has to be sure loads the picture again. */
+/** Returns TRUE: the savers of this module fail if any byte could not be written. If a module lacks this entry point, load a
+ *  saved file to check it. */
 typedef BOOL(VORELCALL* ImgReportsFailedWrites)(void);
 
 /** What ImgDescribeOnly tells of a picture. */
@@ -448,13 +453,14 @@ typedef struct ImgDescription {
  *  pixels use. NULL makes them load again. Returns FALSE, changing nothing, while another thread has pictures described. */
 typedef BOOL(VORELCALL* ImgDescribeOnly)(ImgDescription* description);
 
-/** Returns the names and versions of the libraries that a module is built on, such as "libpng 1.6.39, zlib 1.2.13". */
+/** Returns the names and versions of the libraries that a module uses; for example
+ *  "libpng 1.6.39, zlib 1.2.13". The module owns the text. */
 typedef LPCSTR(VORELCALL* ImgNameOfLibraries)(void);
 
 /** Saves a picture. PCX and PNG files are replaced, a DCX file gains a page. */
 typedef BOOL(VORELCALL* ImgSavePicture)(LPCSTR path, HGLOBAL dib, int* status);
 
-/** Creates a DCX file without pages. */
+/** Creates a DCX file without pages, or empties one. */
 typedef BOOL(VORELCALL* ImgMakeFile)(LPCSTR path, int* status);
 
 /** Saves a picture as GIF. interlaced: 0 or 1. */
@@ -484,15 +490,15 @@ typedef BOOL(VORELCALL* ImgSaveJpegForm)(LPCSTR path, HGLOBAL dib, int quality, 
  *  swap width and height, and the two resolutions, and set the new biSizeImage; the others do not change the header. NULL,
  *  no code: not a DIB handle, a header of fewer than 40 bytes, a negative width or height, or memory is short. */
 
-/** Turns a DIB a quarter clockwise. */
+/** Turns a DIB 90 degrees clockwise. */
 VOREL_API HGLOBAL VORELCALL RotateDIB90(HGLOBAL dib);
 
-/** Turns a DIB by half. */
+/** Turns a DIB 180 degrees. */
 VOREL_API HGLOBAL VORELCALL RotateDIB180(HGLOBAL dib);
 
-/** Turns a DIB a quarter counter-clockwise and shifts it one column to the right: the result's first column is empty and the
- *  source's bottom row lands in the row padding or, where rows have none, in the first pixel of the row above (the spare
- *  bytes for the last). RotateDIB90 followed by RotateDIB180 turns without the shift. */
+/** Turns a DIB 90 degrees counter-clockwise and shifts it one column to the right: the result's first column is empty and the
+ *  source's bottom row is stored in the row padding or, if rows have none, in the first pixel of the row above (for the last
+ *  row, in the spare bytes). RotateDIB90 followed by RotateDIB180 turns without the shift. */
 VOREL_API HGLOBAL VORELCALL RotateDIB270(HGLOBAL dib);
 
 /** Exchanges top and bottom. */
@@ -508,21 +514,21 @@ VOREL_API HGLOBAL VORELCALL FlipDIBHorizontal(HGLOBAL dib);
  *  results: IMG_E_BITMAP_PARAMETERS (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns,
  *  IMG_E_CREATE_BITMAP. */
 
-/** Turns a device bitmap a quarter counter-clockwise (RotateDIB90 turns clockwise). Windows only.
+/** Turns a device bitmap 90 degrees counter-clockwise (RotateDIB90 turns clockwise). Windows only.
  *  Returns a new bitmap for DeleteObject. */
 VOREL_API HBITMAP VORELCALL RotateBitmap90(HBITMAP bitmap);
 
-/** Turns a device bitmap a quarter clockwise. In 1-bit bitmaps the bottom row is not copied: the result's first column
+/** Turns a device bitmap 90 degrees clockwise. In 1-bit bitmaps the bottom row is not copied: the result's first column
  *  is zero. Windows only. Returns a new bitmap for DeleteObject. */
 VOREL_API HBITMAP VORELCALL RotateBitmap270(HBITMAP bitmap);
 
-/** Turns a device bitmap by half, in place. Windows only. */
+/** Turns a device bitmap 180 degrees, in place. Windows only. Returns TRUE. */
 VOREL_API BOOL VORELCALL RotateBitmap180(HBITMAP bitmap);
 
-/** Exchanges top and bottom of a device bitmap, in place. Windows only. */
+/** Exchanges top and bottom of a device bitmap, in place. Windows only. Returns TRUE. */
 VOREL_API BOOL VORELCALL FlipBitmapVertical(HBITMAP bitmap);
 
-/** Exchanges left and right of a device bitmap, in place. Windows only. */
+/** Exchanges left and right of a device bitmap, in place. Windows only. Returns TRUE. */
 VOREL_API BOOL VORELCALL FlipBitmapHorizontal(HBITMAP bitmap);
 
 /** Inverts every bit of a device bitmap, in place. Needs an active window of the calling thread. Windows only.
@@ -535,7 +541,7 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 /* ---- Turning by any angle, skewing, scaling, cutting ---------------------------------------------------------------- */
 
 /** Turns a DIB about its centre by any whole number of degrees, picking the nearest pixel. The result is just large enough, has
- *  even sides, and is filled with 0 (colour 0, black) outside the picture.
+ *  even sides, and is 0 (colour 0, or black at 24 bits) outside the picture.
  *  dib      1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
  *  angle    degrees, positive counter-clockwise
  *  method   1 counts steps along rows; any other number computes exact positions and rounds at each pixel
@@ -543,13 +549,13 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
  *           505 (not a handle), 506 (null, or another header). The thread's code is unchanged
  *  corners  receives eight numbers, x and y of the turned corners relative to the centre, in whole pixels: first stored row
  *           left and right, last stored row right and left; y counts rows in stored order, upwards. May be NULL
- *  Resolutions are mixed by the angle. At 0 degrees an odd width or height makes the result one larger, and the source's first
- *  column or row may be missing from it.
+ *  Each resolution becomes a mixture of both, by the angle; multiples of 90 degrees except 0 exchange them. At 0 degrees an odd
+ *  width or height grows by one, and the source's first column or row may be missing from the result.
  *  Returns a DIB handle, or NULL. */
 VOREL_API HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners);
 
 /** Shears a DIB: moves its rows or columns, each by a whole number of pixels. The result is larger by the offset and is
- *  filled with 0 outside the picture.
+ *  0 outside the picture.
  *  dib        1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
  *  direction  not 0: rows move right; 0: columns move up
  *  offset     shift in pixels of the edge that moves furthest. Rows: the upper ones if positive, else the lower ones. Columns:
@@ -564,8 +570,8 @@ VOREL_API HGLOBAL VORELCALL SkewDIB(HGLOBAL dib, int direction, int offset, int*
 /** Scales a DIB to a size in pixels.
  *  dib            1 bit: nearest pixel. 4, 8, 24 bits: interpolated, below 24 bits with the nearest colour of the table; black at
  *                 the beginning of a row becomes colour 0 whatever that colour is
- *  mode           0 linear, anything else cubic convolution with a = -1 (Keys, 1981); ignored for 1 bit
- *  width, height  of 4, 8 and 24 bits the low 16 bits count
+ *  mode           0 linear, any other number cubic convolution with a = -1 (Keys, 1981); ignored for 1 bit
+ *  width, height  in pixels; at 4, 8 and 24 bits only the low 16 bits of the argument count
  *  Resolutions and the rest of the header are unchanged; at 1 bit biSizeImage is unchanged too.
  *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null), IMG_E_MEMORY (also: not a handle), IMG_E_HEADER_BITS (another depth),
  *  IMG_E_DIB_SIZE (a side of 0, or a picture wider than 65,535 or without pixels); no code for 1 bit. */
@@ -574,19 +580,20 @@ VOREL_API HGLOBAL VORELCALL ScaleDIB(HGLOBAL dib, int mode, unsigned width, unsi
 /** Magnifies the lower left part of a grey DIB, interpolating like ScaleDIB.
  *  dib                 4, 8 or 24 bits. Below 24 bits each colour counts as its grey, (blue + green + red + 1) / 3, and the
  *                      result is the colour nearest to the interpolated grey; at 24 bits each component is interpolated by itself
- *  width, height       of the part, from the first stored row and column on, in pixels
- *  x_factor, y_factor  from 1
- *  mode                0 linear, anything else cubic
+ *  width, height       of the part in pixels, from the first stored row and column
+ *  x_factor, y_factor  whole magnifications, 1 or more
+ *  mode                as for ScaleDIB
  *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null, a part that is empty or reaches outside, a factor below 1), IMG_E_MEMORY
  *  (also: not a handle), IMG_E_HEADER_BITS (another depth), IMG_E_DIB_SIZE (a side of the result is more than 65,535). */
 VOREL_API HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int x_factor, int y_factor, int mode);
 
 /** Cuts a DIB in two at a line.
- *  line           rows of the upper part, from 1 to one less than all
+ *  line           rows of the upper part, 1 to biHeight - 1
  *  first, second  receive the handles of the lower and the upper part. Each is written once its block is allocated, NULL if
- *                 memory is short; after a failure they may hold dead handles
+ *                 memory is short; after a failure they may hold freed handles
  *  Both parts state the image size of the first.
- *  Returns TRUE. FALSE, no code: not a DIB handle, another depth than 1, 4, 8 or 24 bits, a line outside, or memory is short. */
+ *  Returns TRUE; the caller owns both handles. FALSE, no code: not a DIB handle, a null pointer, a negative width, another depth
+ *  than 1, 4, 8 or 24 bits, a line outside its range, or memory is short. */
 VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second);
 
 #ifdef _WIN32
@@ -596,7 +603,7 @@ VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* 
  *          including whatever it returns beyond the source
  *  target  the bitmap to paint on; NULL becomes a copy of the source, for DeleteObject
  *  mask    of the source's size, or NULL; one in colour is made monochrome first. White lets the source through
- *  flag    without a mask: 0 replaces, anything else ORs. With a mask: 0 replaces, anything else XORs
+ *  flag    without a mask: 0 replaces, any other number ORs. With a mask: 0 replaces, any other number XORs
  *  With a mask the source is ANDed with it and a monochrome mask is inverted: both lose their contents.
  *  Returns TRUE. FALSE: 501 (mask and source differ in size), 506 (no source), 507 (the source cannot be copied), the codes of
  *  ConvertToMonochromeBitmap; no code if the system does not paint. */
@@ -618,9 +625,9 @@ VOREL_API BOOL VORELCALL CombineDIB(int x, int y, HGLOBAL* target, HGLOBAL sourc
 /** Operations of ComputeHistogram and ComputeLUT. Any other number does nothing and returns NULL with error 0. */
 typedef enum ImgOperation { IMG_ALLOCATE = 30, IMG_COMPUTE = 31, IMG_FREE = 32 } ImgOperation;
 
-/** Counts how often each value occurs in a square of 256 x 256 pixels, or less in smaller pictures, that moves over an 8-bit DIB.
+/** Counts how often each value occurs in a square of 256 x 256 pixels, limited to the picture, that moves over an 8-bit DIB.
  *  After short moves only the pixels that enter or leave the square are counted.
- *    IMG_ALLOCATE  returns a new histogram block: 256 counters of 16 bits. Counters wrap: a square of one value counts to 0
+ *    IMG_ALLOCATE  returns a new histogram block: 256 counters of 16 bits. Counters wrap: 65,536 pixels of one value give 0
  *    IMG_COMPUTE   counts the square and returns `histogram`. The thread remembers the last square that it counted, for any
  *                  picture and block, and does not count it again: start a new picture with IMG_ALLOCATE
  *    IMG_FREE      frees the block and returns NULL
@@ -635,9 +642,10 @@ VOREL_API HGLOBAL VORELCALL ComputeHistogram(HGLOBAL dib, int operation, HGLOBAL
  *    IMG_ALLOCATE  returns a new block of 256 bytes that maps each level to itself
  *    IMG_COMPUTE   sets entry i to the level i + contrast * (i - mean) / 255 + brightness, between 0 and 255, and returns `table`.
  *                  On a thread that never allocated a table it writes nothing
- *    IMG_FREE      frees the block and returns its number
+ *    IMG_FREE      frees the block and returns its handle, which is no longer valid
  *  histogram  IMG_COMPUTE: contrast is centred on its mean level; 128 without a histogram or for an empty one
- *  contrast   0 none; -255 flattens the table to the mean
+ *  contrast   0 leaves levels unchanged; -255 flattens the table to the mean
+ *  brightness  levels to add
  *  error      receives 0, or IMG_E_MEMORY, IMG_E_PARAMETER (no table). The thread's code is unchanged
  *  Returns NULL on failure. */
 VOREL_API HGLOBAL VORELCALL ComputeLUT(HGLOBAL histogram, int operation, HGLOBAL table, int contrast, int brightness,
@@ -646,13 +654,13 @@ VOREL_API HGLOBAL VORELCALL ComputeLUT(HGLOBAL histogram, int operation, HGLOBAL
 /** Maps an 8-bit DIB through a lookup table. Each pixel becomes the table's level for the mean of its colour,
  *  (blue + green + red + 1) / 3, and the entries of the colour table become a grey ramp from black to white.
  *  table      a block of 256 bytes
- *  make_copy  0 changes the DIB itself and returns it; anything else returns a new one
+ *  make_copy  0 changes the DIB itself and returns it; any other number returns a new DIB
  *  error      as for ComputeHistogram
  *  Returns NULL on failure. */
 VOREL_API HGLOBAL VORELCALL ApplyLUT(HGLOBAL dib, HGLOBAL table, int make_copy, int* error);
 
 /** Changes brightness, then contrast, of the colours of a 4- or 8-bit DIB or of the pixels of a 24-bit one.
- *  brightness, contrast  percent, from -100 to 100; low 16 bits of the argument. Contrast is centred on 128
+ *  brightness, contrast  percent, -100 to 100. Contrast is centred on level 128
  *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_PARAMETER (null, another header, percentages out of range),
  *  IMG_E_LOCK, IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (another depth), IMG_E_DIB_SIZE, IMG_E_MEMORY. */
 VOREL_API HGLOBAL VORELCALL ColorBrightnessContrast(HGLOBAL dib, short brightness, short contrast);
@@ -663,16 +671,16 @@ VOREL_API HGLOBAL VORELCALL Convert8to24(HGLOBAL dib);
 
 /** Filters an 8-bit DIB, whose pixel values are assumed to be greys; the entries of the colour table become a grey ramp from black
  *  to white. Rows and columns at the edges are repeated beyond them.
- *  make_copy    0 changes the DIB itself and returns it; anything else returns a new one
+ *  make_copy    0 changes the DIB itself and returns it; any other number returns a new DIB
  *  type         1 the caller's kernel, 2 one from a file, 3 box blur, 4 weighted blur, 5 sharpen by four neighbours, 6 by eight
  *  size         of the kernel: 3 or 5; types 1 and 3 also 7
- *  kernel_file  type 2: size x size coefficients row by row and the divisor, 32-bit little-endian integers, and nothing more
+ *  kernel_file  type 2: size x size coefficients row by row, then the divisor, as 32-bit little-endian integers
  *  kernel       type 1: the same in memory
  *  error        receives 0, or a code as for ComputeHistogram; IMG_E_PARAMETER also for another type or size, and for a kernel
  *               that is missing or out of bounds. The thread's code is unchanged
- *  A kernel's first row applies to the row above in the picture, its first column to the left neighbour. Coefficients, and the
- *  sums of the positive and of the negative ones, are at most 127 either way. Divisor 0 stands for the sum of all, or 1 where
- *  that is 0. If a kernel has both signs, and for types 5 and 6, sums are limited to 0 to 255 before they are divided.
+ *  A kernel's first row applies to the row above in the picture, its first column to the left neighbour. Coefficients, and
+ *  the sums of the positive and of the negative ones, are -127 to 127. Divisor 0 stands for the sum of all coefficients, or 1
+ *  if that is 0. If a kernel has both signs, and for types 5 and 6, sums are limited to 0 to 255 before they are divided.
  *  Quotients keep their low 8 bits. With size 5, types 4 and 6 count the second pixel of each row once too often; see
  *  docs/behaviour.md.
  *  Returns NULL on failure. */
@@ -680,9 +688,8 @@ VOREL_API HGLOBAL VORELCALL Convolve(HGLOBAL dib, int make_copy, int type, int s
                                      int* error);
 
 /** Filters the intensity of a 24-bit DIB: the change that the filter makes is added to blue, green and red alike, within 0 to 255.
- *  intensity_mode  1 (8 blue + 15 green + 3 red) / 26; anything else the mean
- *  type            low 16 bits count
- *  kernel_file, kernel  of 16-bit integers
+ *  intensity_mode       1 (8 blue + 15 green + 3 red) / 26; any other number the mean
+ *  kernel_file, kernel  hold 16-bit integers
  *  The rest is as for Convolve, except that sums are never limited before they are divided. */
 VOREL_API HGLOBAL VORELCALL ColorConvolution(HGLOBAL dib, int make_copy, int intensity_mode, short type, int size,
                                              LPCSTR kernel_file, const short* kernel, int* error);
@@ -690,12 +697,12 @@ VOREL_API HGLOBAL VORELCALL ColorConvolution(HGLOBAL dib, int make_copy, int int
 /** Makes a grey copy of 8 bits, or of 4 bits for a 4-bit DIB. 4 and 8 bits keep their pixels and get a grey colour table.
  *  grade     1 bit: 0 plain, 1 smoothed over 3 x 3 pixels, 2 over 5 x 5 (in pictures below 6 rows over 3 x 3, below 4 not at all).
  *            Set bits become white whatever the colour table says. Smoothed pictures are shifted by 1 or 2 stored rows
- *  weighted  0 the mean of blue, green and red; else (8 red + 15 green + 3 blue) / 26; ignored for 1 bit
+ *  weighted  0 the mean of blue, green and red; any other number (8 red + 15 green + 3 blue) / 26; ignored for 1 bit
  *  Returns a DIB handle and sets the thread's code to 0. NULL: as ColorBrightnessContrast; IMG_E_PARAMETER for another grade. */
 VOREL_API HGLOBAL VORELCALL ConvColorDIBtoGrayscale(HGLOBAL dib, int grade, int weighted);
 
-/** Makes an 8-bit grey copy of a 1-bit DIB. Its colour table runs from white to black, so pixel values are darkness: the bits
- *  of the darker colour count.
+/** Makes an 8-bit grey copy of a 1-bit DIB. Its colour table runs from white to black, so pixel values are darkness: bits
+ *  of the darker colour become high values.
  *  grade  as for ConvColorDIBtoGrayscale
  *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_COMPRESSED (also: not 1 bit, or not one plane), else as
  *  ConvColorDIBtoGrayscale. */
@@ -705,7 +712,8 @@ VOREL_API HGLOBAL VORELCALL ConvMonoDIBtoGrayscale(HGLOBAL dib, int grade);
  *  level  strength, 20 to 100. If colour 0 is black, 120 - level replaces it
  *         1 bit: a pixel with more set neighbours than level * 8 / 100 is set, one with fewer is cleared
  *         8 bits: a pixel takes the value of its neighbour of rank (120 - level) * 9 / 100, counted from the smallest
- *  mode   0 gentle: 1 bit, only pixels with fewer than four set neighbours; 8 bits, only values below 5 and above 250. Else all
+ *  mode   0 changes only pixels with fewer than four set neighbours (1 bit) or values below 5 and above 250 (8 bits); any other
+ *         number changes all
  *  Returns a DIB handle; its block has the source's size. NULL, no code: not a DIB handle, another depth, a colour that is not
  *  grey, a level out of range, or memory is short. */
 VOREL_API HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode);
@@ -713,10 +721,10 @@ VOREL_API HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode);
 /* ---- Black and white, and few colours ------------------------------------------------------------------------------- */
 
 /*  The four functions reduce a DIB of 4, 8 or 24 bits to fixed colours by error diffusion:
- *    bits 1   black and white, by luminance, (30 red + 59 green + 11 blue) / 100
+ *    bits 1   black and white, by luminance, (30 red + 59 green + 11 blue) / 100 (the weights of ITU-R BT.601, rounded)
  *    bits 4   red, green and blue independently on or off; pixels are 8 red + 4 green + 2 blue
  *    bits 8   eight reds, eight greens, four blues (3-3-2); DitherFS4 and DitherJJN only
- *  Colour tables of 16 or 256 entries are assumed whatever biClrUsed says, and neither header size nor compression is
+ *  Colour tables of 16 or 256 entries are assumed whatever biClrUsed states, and neither header size nor compression is
  *  checked. They return a DIB handle and set the thread's code to 0. NULL: IMG_E_PARAMETER (other bits), IMG_E_DITHER_PARAMETER
  *  (as many bits as the DIB has or more, another depth; one lock on the DIB remains), IMG_E_MEMORY (a lock may remain
  *  too), and for invalid handles:
@@ -725,12 +733,12 @@ VOREL_API HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode);
  *    DitherJJN, Smooth, Sharp  IMG_E_LOCK         IMG_E_MEMORY
  */
 
-/** Spreads errors over four neighbours, after Floyd and Steinberg (1976), except that shares for the row below replace each
- *  other. */
+/** Spreads errors over four neighbours, after Floyd and Steinberg (1976), except that a share for the row below replaces
+ *  earlier ones. */
 VOREL_API HGLOBAL VORELCALL DitherFS4(HGLOBAL dib, int bits);
 
-/** Spreads errors over twelve neighbours, after Jarvis, Judice and Ninke (1976). Shares for the second row below replace each
- *  other. */
+/** Spreads errors over twelve neighbours, after Jarvis, Judice and Ninke (1976), except that a share for the second row below
+ *  replaces earlier ones. */
 VOREL_API HGLOBAL VORELCALL DitherJJN(HGLOBAL dib, int bits);
 
 /** Moves the brightness of each block of 2 x 2 pixels into its brightest pixels; the remainder goes to the right. bits: 1 or 4. */
@@ -740,8 +748,8 @@ VOREL_API HGLOBAL VORELCALL DitherSmooth(HGLOBAL dib, int bits);
 VOREL_API HGLOBAL VORELCALL DitherSharp(HGLOBAL dib, int bits);
 
 /** Makes a black and white copy of a DIB of 4, 8 or 24 bits.
- *  method      0 threshold: luminance above 128 becomes white; 1 error diffusion over twelve neighbours; 2 ordered, by a 16 x 16
- *              matrix of thresholds (Bayer, 1973)
+ *  method      0 threshold: luminance above 128 becomes white; 1 error diffusion as in DitherJJN, with other weights for the second
+ *              row below; 2 ordered, by a 16 x 16 matrix of thresholds (Bayer, 1973)
  *  brightness  added to the luminance of each pixel, within 0 to 255
  *  error       receives the code of a failure; not written on success. May be NULL. The thread's code is unchanged
  *  Rows of 24-bit pictures are assembled from several source rows, and the picture ends early; convert these to grey first.
@@ -751,27 +759,27 @@ VOREL_API HGLOBAL VORELCALL Halftone(HGLOBAL dib, WORD method, int brightness, W
 
 /* ---- Run-length compression ---------------------------------------------------------------------------------------- */
 
-/*  Both functions return a new DIB handle and, unlike most, set the thread's code to 0 when they succeed. They assume a
- *  colour table of all 16 or 256 entries whatever biClrUsed says: pixels or codes begin at byte 104 of a 4-bit block and
+/*  Both functions return a new DIB handle and set the thread's code to 0 on success. They assume a
+ *  colour table of 16 or 256 entries whatever biClrUsed states: pixels or codes begin at byte 104 of a 4-bit block and
  *  1064 of an 8-bit one, and the whole table is copied. The header is copied too, except for biCompression and
  *  biSizeImage. A width or height of 0 is allowed. */
 
 /** Compresses a DIB: 8 bits to BI_RLE8, 4 bits to BI_RLE4. biSizeImage becomes the number of bytes of codes.
  *  dib  uncompressed, 8 or 4 bits per pixel; biSizeImage is ignored
  *  In an 8-bit picture a row's codes may end with one pixel more than the row has, and in a 4-bit one of odd width too;
- *  readers drop it. Codes of noise are up to twice as long as the pixels, and longer in pictures 1 pixel wide.
+ *  readers drop the extra pixel. Codes of noise are up to twice as long as the pixels, and longer in pictures 1 pixel wide.
  *  Returns a DIB handle. NULL: IMG_E_PARAMETER (not a DIB handle, a header of other than 40 bytes, compressed, another depth,
- *  a negative width or height), IMG_E_MEMORY (also where the codes might need 2 GB, whether or not they do). */
+ *  a negative width or height), IMG_E_MEMORY (also if the codes could need 2 GB, whether or not they do). */
 VOREL_API HGLOBAL VORELCALL CompressDIB(HGLOBAL dib);
 
 /** Expands a run-length compressed DIB. Pixels that the codes leave out are 0; biSizeImage becomes the size of the rows.
  *  dib  8 bits with BI_RLE8, 4 bits with BI_RLE4, or any depth with a biCompression above 2, which is read as BI_RLE4 with
- *       1 << biBitCount entries in the colour table. biSizeImage must not be 0 but does not limit the codes: an end of bitmap
- *       does, or the end of the block
+ *       1 << biBitCount entries in the colour table. biSizeImage must not be 0 but does not limit the codes; they end at the
+ *       end-of-bitmap code or at the end of the block
  *  Pixels outside the picture are dropped. Once 8-bit codes have filled a row, a delta counts its columns from the
  *  row's start.
  *  Returns a DIB handle. NULL: IMG_E_PARAMETER (not a DIB handle, a header of other than 40 bytes, uncompressed, another
- *  depth, biSizeImage 0, a negative width or height), IMG_E_MEMORY (also for sizes that no block has). */
+ *  depth, biSizeImage 0, a negative width or height), IMG_E_MEMORY (also for sizes too large for a block). */
 VOREL_API HGLOBAL VORELCALL ExpandCompressedDIB(HGLOBAL dib);
 
 /* ---- Scrolling display (Windows only) ------------------------------------------------------------------------------ */
@@ -792,7 +800,7 @@ typedef struct ImgDisplayLayout {
   int originLogicalX, originLogicalY;                 /**< the image point at the upper left corner of the client area */
   int imageOriginDeviceX, imageOriginDeviceY;         /**< the window point of image point (0, 0) */
   UINT flags;                                         /**< IMG_DISPLAY_...; BZoomEnd also sets 0x0004 */
-  int hScrollMin, vScrollMin, hScrollMax, vScrollMax; /**< device units; -1 if nothing can be scrolled */
+  int hScrollMin, vScrollMin, hScrollMax, vScrollMax; /**< device units; -1 if there is nothing to scroll */
   int hScrollPos, vScrollPos;
   int zoomViewportX, zoomWindowX, zoomViewportY, zoomWindowY; /**< zoom ratios, viewport to window; below 1 counts as 1 */
   int centreOffsetX, centreOffsetY; /**< device units; negative for an image smaller than the window */
@@ -857,7 +865,7 @@ VOREL_API LRESULT VORELCALL DisplayWmCreate(HWND window, WPARAM wParam, LPARAM l
 /** Starts showing a device bitmap.
  *  palette  may be NULL; stays the caller's
  *  dpi      two numbers, across and down, the bitmap's resolution; NULL for the screen's
- *  view     four numbers, in and out; may be NULL. In: the image point for the upper left corner, in the first two. Out:
+ *  view     four numbers, in and out; may be NULL. In: the first two are the image point for the upper left corner. Out:
  *           originLogicalX, originLogicalY, imageOriginDeviceX, imageOriginDeviceY
  *  zoom     viewport X, window X, viewport Y, window Y: image pixels are drawn viewport / window times as large; NULL for 1
  *  flags    IMG_DISPLAY_... A fitted or stretched image has scroll bars unless the flags exclude them
@@ -871,7 +879,7 @@ VOREL_API UINT VORELCALL DisplayStart(HWND window, HBITMAP bitmap, HPALETTE pale
 VOREL_API UINT VORELCALL DisplayDIBStart(HWND window, HGLOBAL dib, int* view, const int* zoom, UINT flags,
                                          ImgDisplayState* state);
 
-/** Handles a new window size: lays the image out again and updates the scroll bars. */
+/** Handles a new window size: computes the layout again and updates the scroll bars. Repaints nothing. */
 VOREL_API LRESULT VORELCALL DisplayWmSize(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
 /** Scroll by the code in the low word of wParam. A line is 8 window pixels or, if larger, a whole group of image pixels; a page is
@@ -884,8 +892,8 @@ VOREL_API LRESULT VORELCALL DisplayWmVertScroll(HWND window, WPARAM wParam, LPAR
  *  Returns 0; 1 without a window or position. */
 VOREL_API LRESULT VORELCALL DisplaySetScrollPos(HWND window, ImgDisplayState* state, const int* position);
 
-/** Paints: calls BeginPaint and EndPaint, draws the visible part of the image and fills the area around it with the brush of the
- *  window class. Without a state it paints nothing but validates the window all the same. */
+/** Handles WM_PAINT: calls BeginPaint and EndPaint, draws the visible part of the image and fills the area around it with
+ *  the brush of the window class. Without a state it only validates the window. */
 VOREL_API LRESULT VORELCALL DisplayWmPaint(HWND window, ImgDisplayState* state);
 
 /** Deletes the bitmap and palette that the state owns. */
@@ -895,12 +903,13 @@ VOREL_API LRESULT VORELCALL DisplayWmDestroy(HWND window, WPARAM wParam, LPARAM 
 VOREL_API UINT VORELCALL DisplayImageDC(HDC dc, ImgDisplayState* state);
 VOREL_API UINT VORELCALL DisplayDIBImageDC(HDC dc, ImgDisplayState* state);
 
-/** Sets the mapping of a display on a device context, so that the caller can draw in image pixels. */
+/** Sets the mapping of a display on a device context, so that the caller can draw in image pixels. Does nothing without a
+ *  state. */
 VOREL_API void VORELCALL MapDisplayDC(HDC dc, ImgDisplayState* state);
 
-/** The low-memory switch of the process, initially 0. If not 0, DisplayDIBImage and DisplayCPPImage scale the visible part of
- *  DIBs of 1, 4, 8 and 24 bits in the library instead of having the system stretch the whole DIB: less memory and, for large
- *  pictures shown small, less time. Set returns the previous value. */
+/** Return and set the low-memory switch of the process, initially 0. If it is not 0, DisplayDIBImage and DisplayCPPImage scale
+ *  the visible part of DIBs of 1, 4, 8 and 24 bits themselves instead of having the system stretch the whole DIB. This takes less
+ *  memory and, for large pictures shown small, less time. SetLowMemStretch returns the previous value. */
 VOREL_API int VORELCALL GetLowMemStretch(void);
 VOREL_API int VORELCALL SetLowMemStretch(int value);
 
@@ -914,11 +923,11 @@ VOREL_API void VORELCALL DisplayDIBImage(HWND window, HGLOBAL dib, const int* sc
 VOREL_API void VORELCALL DisplayImage(HWND window, HBITMAP bitmap, HPALETTE palette, const int* scroll, const int* zoom,
                                       WORD flags);
 
-/*  Painting without a state, with working scroll bars. `scroll` is four numbers of the caller's, one set for each window, initially
+/*  Painting without a state, with working scroll bars. The caller keeps four numbers `scroll` for each window, initially
  *  0: the ends of the horizontal and vertical range (-1 if nothing is scrolled out of view) and the two positions, all in image
  *  pixels. The rest is as for DisplayDIBImage. */
 
-/** Paints, from WM_PAINT. */
+/** As DisplayDIBImage, from WM_PAINT. */
 VOREL_API void VORELCALL DisplayCPPImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags);
 
 /** Sets ranges and scroll bars for a new image, ratio or window size, and moves the positions into their ranges. */
@@ -941,17 +950,18 @@ VOREL_API void VORELCALL DisplayCPPVScroll(HWND window, WPARAM wParam, LPARAM lP
 VOREL_API void VORELCALL BZoomStart(HWND window, const POINT* start, const RECT* current, int mode, ImgZoomTracker* tracker,
                                     BOOL screenCoordinates);
 
-/** Moves the band to the mouse. It appears when the mouse is at least 6 pixels away on both axes. Draws with R2_NOTXORPEN. */
+/** Moves the band to the mouse position. It appears when the mouse is at least 6 pixels from the start on both axes. Draws with
+ *  R2_NOTXORPEN. */
 VOREL_API void VORELCALL BZoomUpdate(HWND window, const POINT* mouse, ImgZoomTracker* tracker);
 
 /** Ends a zoom: erases the band and computes the ratio and the image point in the tracker's result fields, for DisplayStart or
  *  DisplayDIBStart. A dragged rectangle fills the window; without one the mode decides.
  *  end  the mouse position; NULL without a mouse
- *  If `end` is given, the state gets the new ratio, loses IMG_DISPLAY_FIT and IMG_DISPLAY_FIT_WIDTH, and gets flag 0x0004. The
+ *  With `end` the state gets the new ratio, loses IMG_DISPLAY_FIT and IMG_DISPLAY_FIT_WIDTH, and gets flag 0x0004. The
  *  image point is computed for the size shown before these flags are cleared. */
 VOREL_API void VORELCALL BZoomEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgDisplayState* state);
 
-/** A step without the mouse: BZoomStart and BZoomEnd in one call. Does nothing for modes with 0x10. */
+/** Zooms by a step without the mouse: BZoomStart and BZoomEnd in one call. Does nothing for modes 0x11 to 0x15. */
 VOREL_API void VORELCALL BZoomStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
                                    ImgDisplayState* state);
 
@@ -962,14 +972,15 @@ typedef struct ImgScreenZoom {
   RECT zoom;                  /**< the part of the picture that fills `client`, in picture pixels */
 } ImgScreenZoom;
 
-/** As BZoomEnd and BZoomStep, for a window with an ImgScreenZoom. `zoom` gets the new part of the picture, the tracker its
- *  upper left corner. */
+/** Do the same as BZoomEnd and BZoomStep for a window with an ImgScreenZoom. Its `zoom` gets the new part of the picture,
+ *  the tracker the upper left corner of that part. */
 VOREL_API void VORELCALL BZoomScreenEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgScreenZoom* state);
 VOREL_API void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
                                          ImgScreenZoom* state);
 
 /** Lets the user drag a rectangle and computes the ratio at which it fills the window, at most 5. Runs until the left button is
- *  released, then repaints the window. A start outside the client area beeps and changes nothing.
+ *  released, then repaints the window. If the start is outside the client area, it beeps and
+ *  changes nothing.
  *  start  as in the lParam of a mouse message: x in the low word, y in the high word
  *  zoom   four numbers: viewport X, window X, viewport Y, window Y; in: the current ratio, out: the new one, in hundredths */
 VOREL_API void VORELCALL Zoom(HWND window, LPARAM start, int* zoom);
@@ -978,41 +989,42 @@ VOREL_API void VORELCALL Zoom(HWND window, LPARAM start, int* zoom);
 
 /*  There is one lens per process; use it from one thread. */
 
-/** Sets the size of the lens in pixels, including its frame of 4 pixels; initially 180 x 80. A running lens keeps its bitmap
- *  until the next start. Returns 1. */
+/** Sets the size of the lens in pixels, including its frame of 4 pixels on each side; initially 180 x 80. A running lens keeps
+ *  its bitmap until the next start. Returns 1. */
 VOREL_API int VORELCALL M_SetSizes(int width, int height);
 
 /** Return the width and the height set for the lens, in pixels, including its frame. */
 VOREL_API int VORELCALL M_GetWidth(void);
 VOREL_API int VORELCALL M_GetHeight(void);
 
-/** Starts the lens: takes a snapshot of the client area and hides the mouse cursor.
+/** Starts the lens: takes a snapshot of the client area and hides the mouse cursor. An invalid window does nothing.
  *  palette  used for drawing; may be NULL; must live until M_StopMagnify
  *  Returns 1. */
 VOREL_API int VORELCALL M_StartMagnify(HWND window, HPALETTE palette);
 
-/** Stops the lens: restores the area that it covers, and the cursor. Returns 1. */
+/** Stops the lens and restores the covered area and the cursor. Does nothing if no lens runs. Returns 1. */
 VOREL_API int VORELCALL M_StopMagnify(void);
 
 /** Computes the part of a bitmap that fills the lens.
  *  x, y    the bitmap point for the middle of the lens
- *  zoom    numerator X, denominator X, numerator Y, denominator Y. Ratios below 1 are replaced by 10 / 10
+ *  zoom    numerator X, denominator X, numerator Y, denominator Y. Ratios below 1 are replaced by 10 / 10, in place
  *  source  receives the rectangle
  *  Returns 1; 0 for a null pointer or if either of the last two numbers is 0. */
 VOREL_API int VORELCALL M_CalcRect(int x, int y, int* zoom, RECT* source);
 
-/** Draws part of a bitmap into the lens; parts outside the bitmap are grey. Does nothing unless the lens is running. */
+/** Draws a rectangle of a bitmap, in its pixels, into the lens; parts outside the bitmap are grey. Does nothing unless the lens
+ *  runs. */
 VOREL_API void VORELCALL M_StretchBitmap(HBITMAP source, int x, int y, int width, int height);
 
-/** Draws the lens on the window with its upper left corner at (x, y) and restores the area that it covered before. Does nothing
- *  unless the lens is running, so not before M_StartMagnify. */
+/** Draws the lens with its upper left corner at (x, y) of the client area and restores the area that it covered before. Does
+ *  nothing unless the lens runs. */
 VOREL_API void VORELCALL M_CopyBitmap(HWND window, int x, int y);
 
 /* ---- Metafiles (Windows only) ---------------------------------------------------------------------------------------- */
 
 /** Draws a metafile onto a white bitmap of the screen's format.
  *  metafile       an HMETAFILE, or an HENHMETAFILE if `enhanced` is not 0
- *  width, height  pixels, at least 1. If a bitmap of this size cannot be created, the size is halved until one can; the bitmap then
+ *  width, height  pixels, at least 1. If a bitmap of this size cannot be created, the size is halved until it can; the bitmap then
  *                 holds the upper left part of a picture of the requested size
  *  Returns a bitmap for DeleteObject; a white one for an invalid metafile. NULL: IMG_E_MEMORY. */
 VOREL_API HBITMAP VORELCALL DrawMetaFileIntoBitmap(HANDLE metafile, int width, int height, BOOL enhanced);
@@ -1025,19 +1037,19 @@ VOREL_API HBITMAP VORELCALL DrawMetaFileIntoBitmap(HANDLE metafile, int width, i
  *  opened. */
 VOREL_API HBITMAP VORELCALL LoadMetaFileIntoBitmap(LPCSTR path);
 
-/** Save a picture as a Windows metafile with a placeable header, or as an enhanced metafile, replacing the file. They report no
- *  failures; an argument that is no picture leaves an existing file unchanged.
- *  Return 1. */
+/** Save a picture as a Windows metafile with a placeable header, or as an enhanced metafile, replacing the file. An argument
+ *  that is no picture leaves an existing file unchanged.
+ *  Return 1 even if they fail. */
 VOREL_API BOOL VORELCALL SaveDIBIntoMetaFile(LPCSTR path, HGLOBAL dib);
 VOREL_API BOOL VORELCALL SaveDIBIntoEnhMetaFile(LPCSTR path, HGLOBAL dib);
 VOREL_API BOOL VORELCALL SaveBitmapIntoMetaFile(LPCSTR path, HBITMAP bitmap);
 VOREL_API BOOL VORELCALL SaveBitmapIntoEnhMetaFile(LPCSTR path, HBITMAP bitmap);
 
-/** Take the metafile picture that is on the clipboard, drawn at the resolution of the owner's window.
- *  owner  a window
- *  Return a bitmap for DeleteObject, or a DIB handle. NULL: IMG_E_CLIPBOARD (the clipboard cannot be opened; a message box says so
- *  too), IMG_E_MEMORY (no metafile picture, or one that cannot be drawn, which a message box says too); no code for an invalid
- *  window. */
+/** Draw the metafile picture on the clipboard at the resolution of the owner's window.
+ *  owner  a window, which opens the clipboard
+ *  Return a bitmap for DeleteObject, or a DIB handle. NULL: IMG_E_CLIPBOARD (the clipboard cannot be opened; a message box
+ *  reports it), IMG_E_MEMORY (no metafile picture, or one that cannot be drawn; a message box reports the second); no code for
+ *  an invalid window. The second function leaves IMG_E_CREATE_PALETTE on a display without a palette although it succeeds. */
 VOREL_API HBITMAP VORELCALL PlaceMetaFileIntoBMPFromCLP(HWND owner);
 VOREL_API HGLOBAL VORELCALL PlaceMetaFileIntoDIBFromCLP(HWND owner);
 
@@ -1045,21 +1057,21 @@ VOREL_API HGLOBAL VORELCALL PlaceMetaFileIntoDIBFromCLP(HWND owner);
 
 /** Draws a text file black on white, in the system font, in a bitmap of the text's size.
  *  ansi  0: the text is in the OEM code page
- *  A text longer than the maximum bitmap height is cut off, and a message box says so. A zero byte ends the text.
- *  Returns a monochrome bitmap for DeleteObject and sets the thread's code to 0 once the file is read, whether or not it could be
- *  drawn. NULL otherwise: IMG_E_OPEN_FILE, IMG_E_MEMORY, IMG_E_FILE_IO. */
+ *  A text too high for a bitmap is cut off, and a message box reports it. A zero byte ends the text.
+ *  Returns a monochrome bitmap for DeleteObject and sets the thread's code to 0 once the file is read, whether or not the text
+ *  can be drawn. NULL: IMG_E_OPEN_FILE, IMG_E_MEMORY, IMG_E_FILE_IO. */
 VOREL_API HBITMAP VORELCALL LoadASCIIFile(LPCSTR path, BOOL ansi);
 
-/** Draws the text in a memory block, whose last byte becomes 0.
+/** Draws an ANSI text in a memory block as LoadASCIIFile does. The block's last byte becomes 0.
  *  Returns a monochrome bitmap for DeleteObject. NULL: IMG_E_MEMORY (also: not a handle), IMG_E_CREATE_DC. */
 VOREL_API HBITMAP VORELCALL LoadASCIIIntoBitmap(HGLOBAL text);
 
 /** Loads a picture from a clipboard file.
- *  format  CF_TEXT, CF_METAFILEPICT or CF_DIB, drawn into a device bitmap for DeleteObject; CF_BITMAP, returned as raw bytes of
- *          the file in a memory block for GlobalFree
+ *  format  CF_TEXT, CF_METAFILEPICT or CF_DIB are drawn into a device bitmap for DeleteObject; CF_BITMAP is returned as raw
+ *          bytes of the file in a memory block for GlobalFree
  *  Returns the bitmap or block. NULL: IMG_E_OPEN_FILE, IMG_E_FORMAT (not a clipboard file), IMG_E_CLIPBOARD_FORMAT (no entry of
- *  this format, or another format), IMG_E_FILE_IO (the file is too short for its entry), IMG_E_MEMORY, the codes of the drawing
- *  functions; no code for a damaged metafile. */
+ *  this format, or an unsupported format), IMG_E_FILE_IO (the file is too short for its entry), IMG_E_MEMORY, the codes
+ *  of the drawing functions; no code for a damaged metafile. */
 VOREL_API HANDLE VORELCALL LoadClipboardFormat(LPCSTR path, WORD format);
 
 /** Saves a device bitmap as a clipboard file with one CF_DIB entry, replacing the file.
@@ -1073,7 +1085,7 @@ VOREL_API BOOL VORELCALL SaveClipboardFormat(LPCSTR path, HBITMAP bitmap);
 /** How pages are laid out. Members are 0 or 1 except `copies`; the values in brackets apply without options.
  *
  *  A page of several copies is begun with StartPage and drawn once per copy, and ended once. Modern printers ignore the repeated
- *  StartPage and print one sheet: for more, print the page again. Below 1 copy there is no page.
+ *  StartPage and print one sheet; for more sheets, print the page again. With fewer than 1 copy there is no page.
  *  Jobs on a memory DC rarely work: modern systems refuse to start a document there (-1), or print empty pages. */
 typedef struct ImgPrintOptions {
   int showDialog;         /**< without a printer DC: ask for printer and options (1); 0 takes the default printer */
@@ -1091,23 +1103,24 @@ typedef struct ImgPrintOptions {
 #ifdef _WIN32
 
 /*  A job runs on one thread: PrepareToPrint, PrintDIBPage for each page, EndPrint. PrintDIB and PrintImage make all of these
- *  calls. The functions return codes and store none. Offsets move an image; the printer cuts off parts outside the page. */
+ *  calls. The functions return codes and store none. The printer cuts off parts of an image outside the page. */
 
 /** Begins a job, and shows the cancel dialog.
- *  owner         of the dialogs
- *  printerDC     NULL: chosen in the "PRINTPAGE" dialog or, where options->showDialog is 0, the default printer
+ *  owner         the owner window of the dialogs; may be NULL
+ *  printerDC     a device context, to be passed to EndPrint. NULL: chosen in the "PRINTPAGE" dialog or, if
+ *                options->showDialog is 0, the default printer's
  *  options       NULL for the defaults. Otherwise read, and updated to the options in force, including choices in the dialog
  *  documentName  for dialogs and spooler; at most 255 bytes count
  *  pageCount     shown in the progress text
- *  Returns 0. IMG_E_NOTHING_TO_DO (the dialog was cancelled, or gave no DC), IMG_E_PRINTER_DC, 1 (a printer that takes no bitmaps;
- *  its DC is deleted), -5 (no cancel dialog), the negative result of SetAbortProc, -1 (the document does not start). Call EndPrint
- *  after a failure too. */
+ *  Returns 0. IMG_E_NOTHING_TO_DO (the dialog was cancelled, or gave no DC), IMG_E_PRINTER_DC, 1 (the printer takes no
+ *  bitmaps; its DC is deleted), -5 (no cancel dialog), the negative result of SetAbortProc, -1 (the document does not start).
+ *  Call EndPrint after a failure too. */
 VOREL_API int VORELCALL PrepareToPrint(HWND owner, HDC printerDC, ImgPrintOptions* options, LPCSTR documentName,
                                        int pageCount);
 
 /** Prints a DIB as the next page. Once the job is cancelled nothing is printed, and the result is usually still 0:
  *  PrintAbortProc(NULL, 0) reports it. A DIB that is refused leaves the job as it was.
- *  imageDpi          two numbers, across and down: its resolution; NULL for the header's. Below 1: unknown
+ *  imageDpi          the resolution in dots per inch, two numbers, across and down; NULL for the header's. Below 1: unknown
  *  pageTag           not used
  *  pageIndex         from 0; shown in the progress text
  *  xOffset, yOffset  move the image, in printer dots
@@ -1115,7 +1128,7 @@ VOREL_API int VORELCALL PrepareToPrint(HWND owner, HDC printerDC, ImgPrintOption
  *  A page stays open until the next one or the end. */
 VOREL_API int VORELCALL PrintDIBPage(HGLOBAL dib, int* imageDpi, int pageTag, int pageIndex, int xOffset, int yOffset);
 
-/** Has the next PrintDIBPage draw on the sheet of the last one. */
+/** Makes the next PrintDIBPage draw on the same sheet as the last one. */
 VOREL_API void VORELCALL PrintPageContinue(void);
 
 /** Ends page, document and job, after a failed preparation too. A second call does nothing.
@@ -1123,27 +1136,30 @@ VOREL_API void VORELCALL PrintPageContinue(void);
  *  Returns 0; -1 when the document cannot be ended, as after a cancelled job that the device has aborted. */
 VOREL_API int VORELCALL EndPrint(HDC printerDC);
 
-/** Prints a DIB as a job of one page. Returns 0, or the first non-zero result of the three calls. */
+/** Prints a DIB as a job of one page. Arguments are those of PrepareToPrint and PrintDIBPage.
+ *  Returns 0, or the first other result of PrepareToPrint, PrintDIBPage and EndPrint. */
 VOREL_API int VORELCALL PrintDIB(HWND owner, HDC printerDC, HGLOBAL dib, LPCSTR documentName, int* imageDpi,
                                  ImgPrintOptions* options, int pageTag);
 
-/** The same for a device bitmap; `palette` as for ConvertBitmapToDIB. Returns 1 when that fails. */
+/** The same for a device bitmap; `palette` as for ConvertBitmapToDIB. Returns 1 if the conversion fails. */
 VOREL_API int VORELCALL PrintImage(HWND owner, HDC printerDC, HBITMAP bitmap, HPALETTE palette, LPCSTR documentName,
                                    int* imageDpi, ImgPrintOptions* options, int pageTag);
 
 /** The abort procedure of a job: dispatches the thread's messages.
- *  code    the spooler's; any other than 0 cancels the job
+ *  code    the spooler's code; any number but 0 cancels the job
  *  Returns FALSE once the job is cancelled. */
 VOREL_API BOOL VORELCALL PrintAbortProc(HDC dc, int code);
 
-/** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own. In the first,
- *  message WM_USER + 1000 shows the text in lParam in control 121; every command cancels the job. The second works on the
- *  options of the thread's job and ends with a printer's DC, which the caller deletes, or with 0. */
+/** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own. They return TRUE
+ *  for messages that they handle. In the first, message WM_USER + 1000 shows the text in lParam in control 121; every command
+ *  cancels the job. The second works on the options of the thread's job; its dialog ends with a printer's DC, which the
+ *  caller deletes, or with 0. */
 VOREL_API BOOL VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 VOREL_API BOOL VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 /** Lets the user choose the default printer in the dialog "PRINTERSETUP", and set printers up: the settings hold for the
- *  thread's next job on the printer if PrepareToPrint makes the DC. Returns 1, or 0 if the dialog is cancelled. */
+ *  thread's next job on the printer if PrepareToPrint makes the DC. Returns 1, or 0 if the dialog is cancelled.
+ *  PrinterSetupProc is the procedure of this dialog. */
 VOREL_API int VORELCALL PrinterSetup(HWND owner);
 VOREL_API BOOL VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
