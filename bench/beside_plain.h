@@ -1,4 +1,5 @@
-// Exports beside versions that go one pixel at a time: "plain" says how many times as long those take.
+// Exports beside plain versions that process one pixel at a time. The counter "plain" is the plain version's time divided by the
+// export's.
 #pragma once
 
 #include <functional>
@@ -16,7 +17,7 @@ struct Operation {
 };
 
 // "copies" counts copies of the source or the result, whichever is larger. The plain version takes seconds: it is timed once,
-// however often the benchmark is called to find its number of rounds.
+// however often the benchmark is called to find its number of iterations.
 inline void run_beside_plain(benchmark::State& state, int depth, bool is_colored, const Operation& operation,
                              double& plain_seconds) {
   const test::Block source(page_dib(depth, page_pixels(depth), is_colored)), result(operation.work(source.get()));

@@ -1,4 +1,4 @@
-// Black and white, and few colours, of an A4 page at 300 dots per inch.
+// Reducing an A4 page at 300 dots per inch to black and white, and to few colours.
 #include <benchmark/benchmark.h>
 #include <string>
 

@@ -1,6 +1,5 @@
-// How long an operation takes, in copies of the bytes it works on. Each row says how many times the copying of the same bytes
-// it takes ("copies"), measured in the same run: kernels against a copy between buffers that are there, exports, which return
-// a new block, against a copy into a new one.
+// Times operations relative to a copy of the same bytes in the same run: the counter "copies". Kernels are compared with a copy
+// between existing buffers; exports, which return a new block, with a copy into a new one.
 #pragma once
 
 #include <algorithm>
@@ -18,8 +17,7 @@ inline double seconds(auto&& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Times `work` as the benchmark and `copy` beside it, and reports how many of the second the first takes. Returns the seconds
-// that `work` takes.
+// Times `work` as the benchmark and `copy` beside it, and reports their ratio. Returns the seconds that `work` takes.
 double measure(benchmark::State& state, size_t bytes, auto&& work, auto&& copy) {
   double worked = 0, copied = 0;
   for (auto _ : state) worked += seconds(work);
@@ -39,7 +37,7 @@ void measure_kernel(benchmark::State& state, const std::vector<uint8_t>& pixels,
   });
 }
 
-// An export that makes a new DIB of another; `picture` is the block whose bytes are copied, the source itself if null.
+// Measures an export that makes a new DIB from another. `picture` is the block that is copied; null copies the source.
 double measure_export(benchmark::State& state, HGLOBAL dib, auto&& work, HGLOBAL picture = nullptr) {
   HGLOBAL copied = picture == nullptr ? dib : picture;
   const void* bytes = GlobalLock(copied);

@@ -14,7 +14,7 @@ using test::Block;
 using test::Bytes;
 using test::PlainFilter;
 
-// Beside copying the pixels of a square, and beside counting it anew. The square goes to and fro by so many pixels.
+// Compared with copying the pixels of a square, and with counting it anew. The square moves to and fro by `pixels`.
 void drag_square(benchmark::State& state, int pixels, double& plain_seconds) {
   const Block dib(page_dib(8, page_pixels(8)));
   const Block histogram(ComputeHistogram(nullptr, IMG_ALLOCATE, nullptr, nullptr, nullptr));

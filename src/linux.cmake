@@ -1,4 +1,4 @@
-# libvorel32.so: exports just what the table lists.
+# libvorel32.so: exports the functions of the table and nothing else.
 include(exports/lists.cmake)
 set(map ${CMAKE_CURRENT_BINARY_DIR}/libvorel32.map)
 add_library(vorel32 SHARED $<TARGET_OBJECTS:vorel_exports> $<TARGET_OBJECTS:vorel_memory>)
@@ -8,7 +8,7 @@ target_link_options(vorel32 PRIVATE -Wl,--version-script=${map} -Wl,-z,nodelete)
 if(NOT VOREL_SANITIZE)
   target_link_options(vorel32 PRIVATE -Wl,--no-undefined)
 endif()
-# Without a search path of its own: modules come from its folder by their whole names, and else from wherever the program looks.
+# No run path: modules are loaded from the library's folder by their full paths, else from the program's search path.
 set_target_properties(vorel32 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 5 LINK_DEPENDS ${map} INSTALL_RPATH "")
 
 include(GNUInstallDirs)

@@ -21,7 +21,7 @@ add_custom_command(
   COMMENT "Making import libraries")
 add_custom_target(vorel32_import_libraries ALL DEPENDS ${mingw_library} ${microsoft_library})
 
-# What programs link with.
+# The target that programs link with.
 add_library(vorel32 INTERFACE)
 add_dependencies(vorel32 vorel32_dll vorel32_import_libraries)
 target_include_directories(vorel32 INTERFACE ${PROJECT_SOURCE_DIR}/include)

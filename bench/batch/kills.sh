@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Kills runs of "vorel batch" at random moments, SIGKILL and SIGTERM in turn, goes on with --resume each time, and compares the
-# outputs with those of a run that nobody disturbed. Prints how many kills there were.
+# Kills "vorel batch" at random moments, with SIGKILL and SIGTERM in turn, continues with --resume each time, and compares the
+# outputs with those of an undisturbed run. Prints the number of kills.
 # usage: kills.sh VOREL FOLDER_OF_PICTURES [KILLS [MOST_MILLISECONDS]]
 set -euo pipefail
 vorel=$1 pictures=$2 kills=${3:-100} most=${4:-400}

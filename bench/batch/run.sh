@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Pages per second of "vorel batch" beside other programs under GNU parallel, where they are installed: 1-bit A4 pages at 300 dots per
+# Pages per second of "vorel batch" beside other programs under GNU parallel, where installed: 1-bit A4 pages at 300 dots per
 # inch in Group 4 TIFF files, each loaded, changed and saved. Prints rows of Markdown: pages per second and, in brackets, milliseconds of
-# the processor per page, all processes included; how many times the best other program's pages per second of the clock and of the
-# processor; and the most memory that the tool and its workers take together in the first and in the last quarter of the run.
+# processor time per page, all processes included; the ratio to the best other program in elapsed and in processor time; and the
+# peak memory of the tool with its workers in the first and in the last quarter of the run.
 # usage: run.sh [PAGES [WORK...]]   with the programs of "tools/bench.sh --commands" built; 2000 pages and all works by default:
 #   rotate   a quarter turn
 #   clean    single black pixels removed
@@ -36,7 +36,7 @@ for set in straight slanted; do
   for i in $(seq "$pages"); do ln "$made/$set-$((i % 4)).tif" "$work/$set/page-$i.tif"; done
 done
 
-# Kilobytes of the tool and its workers, every tenth of a second until it ends.
+# Prints the memory of the tool and its workers in kilobytes, every tenth of a second until it ends.
 watch_memory() {
   local tool
   until tool=$(pgrep -P "$1" -x vorel); do kill -0 "$1" 2>/dev/null || return 0; done

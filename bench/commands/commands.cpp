@@ -1,5 +1,5 @@
-// Times whole commands: processor time, elapsed time and peak memory of the process and its children. They take turns, on one
-// core, and medians count. Reads lines "WORKLOAD|PARTICIPANT|COMMAND" and prints Markdown.
+// Measures whole commands: processor time, elapsed time and peak memory of the process and its children. Commands take turns on
+// one core; results are medians. Reads lines "WORKLOAD|PARTICIPANT|COMMAND" and prints Markdown.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
@@ -27,8 +27,8 @@ struct Cost {
   NLOHMANN_DEFINE_TYPE_INTRUSIVE(Cost, milliseconds, elapsed, megabytes)
 };
 
-using Costs = std::map<std::string, Cost>;  // of participants
-using Run = std::map<std::string, Costs>;   // of workloads
+using Costs = std::map<std::string, Cost>;  // by participant
+using Run = std::map<std::string, Costs>;   // by workload
 
 struct Command {
   std::string workload, participant, text;
@@ -110,7 +110,7 @@ Run merged(const std::vector<std::string>& files) {
   return run;
 }
 
-// The other program that needs least, and how much of it ours needs.
+// The other program with the lowest cost, and our cost divided by it.
 std::pair<std::string, double> beside_best(const Costs& costs, double Cost::*field) {
   const auto* best = static_cast<const Costs::value_type*>(nullptr);
   for (const auto& entry : costs)

@@ -1,4 +1,4 @@
-// What the tool's verbs do, by Leptonica: leptonica_command VERB IN OUT, for the comparisons of whole commands and of batches. "chain" is
+// The tool's verbs with Leptonica, for the comparisons of whole commands and of batches: leptonica_command VERB IN OUT. "chain" is
 // deskew, despeckle and scale 50%.
 #include <cstdio>
 #include <leptonica/allheaders.h>
@@ -17,7 +17,7 @@ PIX* dithered(PIX* pix) {
   return result;
 }
 
-// Takes out black pixels that have no black neighbour.
+// Removes black pixels without a black neighbour.
 PIX* cleaned(PIX* pix) {
   SEL* single = selCreateFromString("ooooXoooo", 3, 3, "single");
   PIX* result = pixHMT(nullptr, pix, single);

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Times whole commands of vorel beside those of other programs, where they are installed (bench/peers/setup.sh). Called by
+# Measures whole commands of vorel beside other programs, where installed (bench/peers/setup.sh). Called by
 # tools/bench.sh --commands, which builds the programs first.
 # usage: run.sh [OPTION...]   options of peers_commands, such as --rounds 3
 set -euo pipefail
@@ -14,7 +14,7 @@ pages=../pages
 magick=$(command -v magick || command -v convert || true)
 leptonica=$bin/leptonica_command
 
-# row WORKLOAD PARTICIPANT PROGRAM COMMAND: a line of the table, if the program is there.
+# row WORKLOAD PARTICIPANT PROGRAM COMMAND: a line of the table, if the program is installed.
 row() { ! command -v "$3" >/dev/null || printf '%s|%s|%s\n' "$1" "$2" "$4"; }
 
 # compared WORKLOAD VERB IN OUT VOREL_ARGUMENTS MAGICK_ARGUMENTS GM_ARGUMENTS VIPS_COMMAND: a workload of all programs; "-" leaves one out.

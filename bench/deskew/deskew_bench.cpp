@@ -1,4 +1,4 @@
-// How well the slant of pages is found, beside Leptonica's finder and ImageMagick's -deskew, as tables.
+// Prints tables of errors and times in finding the slant of pages, beside Leptonica and ImageMagick's -deskew.
 // usage: deskew_bench [--magick] [--every N] [--list]
 //   --magick  runs ImageMagick's convert too, which takes seconds a page
 //   --every   takes one page in N
@@ -27,11 +27,11 @@ using namespace vorel::bench;
 using vorel::programs::Picture;
 
 struct Answer {
-  std::optional<double> degrees;  // clockwise; nothing if the page is to be left alone
+  std::optional<double> degrees;  // clockwise; empty if the page is to be left alone
   double milliseconds = 0;
 };
 
-// Black and white as a portable bitmap, whose ink is 1.
+// A 1-bit page as a portable bitmap, in which black is 1.
 std::string portable_bitmap(const Picture& page) {
   std::string bytes = fmt::format("P4\n{} {}\n", page.width(), page.height());
   for (int y = 0; y < page.height(); ++y)
@@ -39,7 +39,7 @@ std::string portable_bitmap(const Picture& page) {
   return bytes;
 }
 
-// Of the processor, this process and those that it waited for: other work on the machine does not count.
+// Processor time of this process and of the children that it waited for.
 double processor_milliseconds() {
   double sum = 0;
   for (const int whose : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
@@ -65,7 +65,7 @@ Answer ours(const Picture& page) {
   return answer;
 }
 
-// With its usual range of 7 degrees, or made to search as far as we do. Its confidence must be 3 in its own deskewing.
+// Searches its default range of 7 degrees, or our range if `is_wide`. Its own deskewing also requires a confidence of 3.
 Answer leptonica(const Picture& page, bool is_wide) {
   const std::string bytes = portable_bitmap(page);
   PIX* pix = pixReadMem(reinterpret_cast<const l_uint8*>(bytes.data()), bytes.size());
@@ -102,7 +102,7 @@ struct Finder {
   std::function<Answer(const Picture&)> find;
 };
 
-// What is left of the slant after turning; pages without a direction have none to begin with.
+// The slant left after turning. Pages without a direction begin with a slant of 0.
 struct Tally {
   std::vector<double> errors;
   int worse = 0, turned = 0;

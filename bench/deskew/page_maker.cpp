@@ -269,7 +269,7 @@ void PageMaker::degrade(const ScanFaults& faults) {
   if (faults.blur >= 1) blur(static_cast<int>(faults.blur));
   if (faults.grain > 0)
     for (uint8_t& pixel : ink_) {
-      // The sum of four bytes of a random number is near enough to a normal distribution.
+      // The sum of four bytes of a random number is close enough to a normal distribution.
       constexpr double kMean = 510, kDeviation = 147.8;
       const auto bits = static_cast<uint32_t>(random_());
       const uint32_t sum = (bits & 255) + (bits >> 8 & 255) + (bits >> 16 & 255) + (bits >> 24);

@@ -19,7 +19,7 @@ struct ScanFaults {
   double blur = 0;         // radius in pixels
   double grain = 0;        // standard deviation of the ink before the threshold
   double specks = 0;       // share of the pixels
-  double threshold = 0.5;  // of ink, from which on a pixel is black
+  double threshold = 0.5;  // the least ink of a black pixel
 };
 
 // A page of ink, turned clockwise about its centre by some degrees while it is drawn: outlines are turned, not pixels.
@@ -28,18 +28,18 @@ class PageMaker {
   PageMaker(double width, double height, int dpi, double degrees, uint32_t seed);
   ~PageMaker();
 
-  static std::vector<std::string> fonts();  // those that are installed, as paths
+  static std::vector<std::string> fonts();  // paths of the installed fonts
 
   // Returns the width of the text. `at` is the left end of the baseline.
   double text(const std::string& font, double size, PagePoint at, const std::string& text);
-  // A column of paragraphs of random words, to some height.
+  // A column of paragraphs of random words.
   void paragraphs(const std::string& font, double size, double spacing, PagePoint at, double width, double height,
                   bool is_justified);
   void stroke(const std::vector<PagePoint>& points, double thickness);
   void box(PagePoint at, double width, double height);                       // solid
   void photo(PagePoint at, double width, double height, double screen_lpi);  // soft shapes through a screen of round dots
 
-  // Of the scan, and therefore never slanted: sides of black, in pixels.
+  // Black edges of the scan, which are never slanted. Widths in pixels.
   void dark_border(int left, int top, int right, int bottom);
 
   std::string words(int count);

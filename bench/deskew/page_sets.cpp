@@ -53,7 +53,7 @@ void table(PageMaker& page) {
       page.text(fonts()[1], 7, {60.0 + column * 70, 80.0 + row * 13}, std::to_string(page.below(100'000)));
 }
 
-void unequal_columns(PageMaker& page) {  // whose lines are at different heights
+void unequal_columns(PageMaker& page) {  // with lines at different heights
   page.paragraphs(fonts()[0], 9, 1.15, {50, 80}, 230, 640, true);
   page.paragraphs(fonts()[1], 8, 1.4, {310, 86}, 230, 600, false);
 }

@@ -1,4 +1,4 @@
-// The pages that slants are measured on.
+// The pages whose slant is measured.
 #pragma once
 
 #include <functional>
@@ -11,7 +11,7 @@ namespace vorel::bench {
 
 struct TestPage {
   std::string kind;
-  std::optional<double> degrees;  // clockwise; nothing if the page has no direction, so that it must be left alone
+  std::optional<double> degrees;  // clockwise; empty if the page has no direction and must be left alone
   programs::Picture picture;
 };
 

@@ -1,6 +1,6 @@
-// What a call costs without its pixels: a zeroed block of the result's size, a byte written to each page, and freed; and a call
-// for a picture of one pixel, which shows the wait cursor. On Windows every large block consists of new pages, which the system
-// clears; the native build finds the pages of freed blocks again and has no cursor.
+// The cost of a call without its pixels: allocating a zeroed block of the result's size, writing a byte to each page and freeing
+// it; and a call for a picture of one pixel, which shows the wait cursor. On Windows every large block consists of new pages,
+// which the system clears; the native build reuses the pages of freed blocks and has no cursor.
 #include <algorithm>
 
 #include <vorel32.h>

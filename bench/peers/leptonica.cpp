@@ -92,7 +92,7 @@ Work looking_up(const Pix& pix) {
   return [=] { return pixTRCMap(pix.get(), nullptr, table.get()) == 0; };
 }
 
-// Takes out black pixels that have no black neighbour.
+// Removes black pixels without a black neighbour.
 Work despeckling(const Pix& pix) {
   const auto single = own(selCreateFromString("ooooXoooo", 3, 3, "single"), [](SEL* owned) { selDestroy(&owned); });
   return making(pix, [=](PIX* source) {

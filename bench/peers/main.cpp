@@ -1,5 +1,5 @@
-// The driver. Every participant is a process pinned to one core; they take turns at each workload, and the median of each one's
-// processor time counts. Prints Markdown; figures are nanoseconds per pixel.
+// The driver. Every participant is a process pinned to one core; participants take turns at each workload. Prints Markdown; figures
+// are medians of processor time, in nanoseconds per pixel.
 #include <CLI/CLI.hpp>
 #include <fstream>
 #include <iostream>

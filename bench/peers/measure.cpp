@@ -72,7 +72,7 @@ class Contest {
     takes_part_ = answer == "ready";
     has_failed_ = !takes_part_ && answer != "none";
     if (!takes_part_) return;
-    static_cast<void>(sample());  // the first time costs new pages
+    static_cast<void>(sample());  // the first call also pays for new pages
     const double once = sample();
     count_ = std::max(1, static_cast<int>(std::ceil(kShortestSample / std::max(once, 1e-7))));
   }
@@ -98,7 +98,7 @@ class Contest {
   bool takes_part_ = false, has_failed_ = false;
 };
 
-// Peers sit out the large pictures, which compare the library with itself. A 32-bit process has no room for two of 300 MB.
+// Peers skip the large pictures, which compare the library with itself. A 32-bit process has no room for two of 300 MB.
 bool takes(const Participant& participant, const Workload& workload) {
   constexpr double kRoom = 800e6;
   const bool is_peer = participant.name != "ours" && participant.name != "memcpy";

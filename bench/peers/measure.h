@@ -15,7 +15,7 @@ struct Participant {
 
 struct Plan {
   std::vector<Participant> participants;
-  std::vector<std::string> prefixes;  // of the names of workloads; none for all of them
+  std::vector<std::string> prefixes;  // of workload names; empty for all workloads
   int repetitions = 7;
   int core = 0;
   bool keeps_memory = true;

@@ -1,4 +1,4 @@
-// OpenCV: matrices of bytes; of a bi-level picture a byte per pixel.
+// OpenCV: matrices of bytes; bi-level pictures have a byte per pixel.
 #include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>

@@ -1,4 +1,4 @@
-// A participant's process: pinned to a core, told what to do through a pipe, its processor time read by the driver.
+// A participant's process, pinned to a core and controlled through pipes.
 #pragma once
 
 #include <cstdio>
@@ -14,7 +14,7 @@ struct CloseStream {
 
 class Process {
  public:
-  // Runs a command of the shell's. `keeps_memory` lets the C library keep freed blocks, so that results cost no new pages.
+  // Runs a shell command. `keeps_memory` lets the C library keep freed blocks, so that results cost no new pages.
   Process(const std::string& command, int core, bool keeps_memory);
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
@@ -23,7 +23,7 @@ class Process {
   // The answer to a line; empty if the process has ended.
   std::string ask(const std::string& line);
 
-  // Seconds of processor time so far. The process waits for a line, so nothing is under way.
+  // Seconds of processor time so far; the process is idle between lines.
   double seconds() const;
 
  private:

@@ -77,7 +77,7 @@ std::string peers_table(const Run& run, Kind kind) {
       ratios.ahead(), ratios.count(), ratios.count() == 0 ? 0 : ratios.mean(), ratios.worst(), rows);
 }
 
-// "Call" is what a call of the DLL costs without its pixels, "fresh" among the participants.
+// "Call" is the cost of a DLL call without its pixels: the participant "fresh".
 std::string builds_table(const Run& run) {
   Ratios all, net;
   std::string rows;

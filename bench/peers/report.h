@@ -12,7 +12,7 @@ std::string to_json(const Run& run);
 // The medians of several runs.
 Run merged(const std::vector<std::string>& files);
 
-// Ours beside the best peer and memcpy, with a summary; or, of a run with a participant "dll", the ratios of the two builds.
+// Ours beside the best peer and memcpy, with a summary; for a run with a participant "dll", the ratios of the two builds.
 std::string markdown(const Run& run);
 
 // Ours with nine times as many pixels, beside the usual size.

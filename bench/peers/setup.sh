@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the libraries and programs that the benchmarks compare with, on Debian 12. Nothing else needs them. Those that cannot be
-# installed are left out of the comparison.
+# Installs the libraries and programs that the benchmarks compare with, on Debian 12. Nothing else needs them. Whatever cannot be
+# installed is left out of the comparison.
 set -euo pipefail
 
 PACKAGES=(libleptonica-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libyuv-dev libfreeimage-dev python3-pil

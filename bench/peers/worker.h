@@ -1,5 +1,5 @@
-// A participant: a process of its own that does what the driver tells it, one operation after the other. worker.cpp has its
-// main(); each participant defines `prepare`.
+// A participant: a process that performs one operation after the other for the driver. worker.cpp has main(); each participant
+// defines `prepare`.
 #pragma once
 
 #include <functional>
@@ -13,7 +13,7 @@ namespace peers {
 // Does the operation once, making and freeing its result, and returns whether it succeeded.
 using Work = std::function<bool()>;
 
-// Converts the picture to the participant's own form, which is not timed. Empty if there is no comparable operation. `scratch`
+// Converts the picture to the participant's own form; not timed. Empty if there is no comparable operation. `scratch`
 // names a bitmap file that kLoad finds and kSave may write.
 Work prepare(const Workload& workload, const Picture& picture, const std::string& scratch);
 

@@ -1,4 +1,4 @@
-// What the comparison measures: a table with a row for each workload, the same for the driver and for every participant.
+// The workloads of the comparison: one table for the driver and every participant.
 #pragma once
 
 #include <cstdint>
@@ -77,7 +77,7 @@ struct Workload {
   Extent result() const;
   // The row that a large one is compared with.
   std::string_view usual_name() const;
-  // What a figure is divided by: the pixels of the source; of scaling, those of the larger of source and result.
+  // The divisor of figures: the pixels of the source; for scaling, of source or result, whichever is larger.
   double pixels() const;
   // Bytes that the operation has to read and write.
   double bytes() const;
@@ -86,7 +86,7 @@ struct Workload {
 std::span<const Workload> workloads();
 const Workload* find_workload(std::string_view name);
 
-// Whether it is large, or usual and there is a large one.
+// Whether the table has the workload in both sizes.
 bool is_in_two_sizes(const Workload& workload);
 
 inline constexpr int kSquare = 256, kMiddle = 128;

@@ -197,7 +197,7 @@ constexpr Workload kWorkloads[] = {
 
 bool is_scaling(Operation operation) { return operation == kLinear || operation == kCubic || operation == kNearest; }
 
-// The picture turned about its centre, in even sides.
+// The size of the turned picture, with even sides.
 Extent turned(Extent source, int degrees) {
   const double angle = degrees * 0.01745329, c = std::abs(std::cos(angle)), s = std::abs(std::sin(angle));
   const auto side = [](double length) { return 2 * static_cast<int>(length / 2 + 0.5); };
@@ -271,7 +271,7 @@ std::vector<std::uint8_t> tone_table() {
   return table;
 }
 
-// Bits of x and of x ^ y in turn, the lowest ones highest.
+// Interleaves the bits of x ^ y and y, lowest bits first.
 std::vector<std::uint8_t> threshold_matrix() {
   std::vector<std::uint8_t> matrix;
   for (int y = 0; y < 16; ++y)

@@ -5,11 +5,11 @@
 
 namespace codec {
 
-// Makes the loaders of this thread describe a picture there instead of loading it; null makes them load again. False if another
-// thread has asked for the same and is not done. Thread-local storage would outlive the module on Windows.
+// Makes the loaders of this thread fill in `description` instead of loading a picture; null makes them load again. False while
+// another thread does the same: thread-local storage would outlive the module on Windows.
 bool describe_only(ImgDescription* description);
 
-// Where this thread wants the description; null while it loads.
+// The description to fill in; null if this thread loads.
 ImgDescription* wanted_description();
 
 }  // namespace codec

@@ -12,9 +12,9 @@
 namespace codec {
 namespace {
 
-constexpr int64_t kMostPixels = std::numeric_limits<int32_t>::max();  // across or down
+constexpr int64_t kMostPixels = std::numeric_limits<int32_t>::max();  // per side
 
-// Errors as the modules report them, where the library returns a value.
+// Turns a failure of the library's into the module's exception.
 template <class Value>
 Value value_of(vorel::Result<Value> result) {
   if (!result) fail(static_cast<ImgErrorCode>(result.error()));

@@ -50,13 +50,13 @@ struct Description {
 // file cannot take all memory. Throws Failure for a picture without pixels and for one that is too large.
 void check_claim(int64_t width, int64_t height, int bits_per_pixel, uint64_t file_bytes);
 
-// Hands a description over instead of a picture if this thread was asked to: throws Described.
+// Reports the description and throws Described if this thread only describes (describe.h).
 void offer(const Description& description);
 
 // A DIB being loaded, zero-filled. Freed with its scope unless it is released.
 class LoadedDib {
  public:
-  // Throws Failure, and what offer() throws.
+  // Throws Failure or Described, as offer() does.
   explicit LoadedDib(const Description& description);
   LoadedDib(LoadedDib&& other) noexcept;
   LoadedDib& operator=(LoadedDib&&) = delete;
@@ -79,7 +79,7 @@ class LoadedDib {
 // A DIB to be saved, locked for a scope.
 class SourceDib {
  public:
-  // Throws Failure. Bytes that the block lacks read as zero.
+  // Throws Failure. Bytes missing from the block read as zero.
   explicit SourceDib(HGLOBAL dib);
 
   int width() const { return header_.width; }

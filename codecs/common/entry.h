@@ -37,7 +37,7 @@ auto at_entry(int* status, Body&& body) noexcept -> decltype(body()) {
   } catch (const Failure& failure) {
     outcome = failure.status;
   } catch (const Described&) {
-  } catch (const std::exception&) {  // the standard library's types fail here for lack of memory only
+  } catch (const std::exception&) {  // the standard library's types fail here only for lack of memory
     outcome = IMG_E_MEMORY;
   }
   if (status != nullptr) *status = outcome;

@@ -92,7 +92,7 @@ OutputFile::~OutputFile() {
   }
 }
 
-// What is still to be written, and fails, ends with the old handle.
+// Closes the old handle first, so that buffered writes reach the file before the earlier bytes, or fail with it.
 void OutputFile::restore() {
   if (!overwritten_.empty()) file_.reset();
   if (!file_) file_.reset(std::fopen(path_.c_str(), "r+b"));  // or closing it failed

@@ -35,8 +35,8 @@ class InputFile {
   uint64_t size_ = 0;
 };
 
-// A file being written. Unless it is completed, its scope restores the earlier state: a new file is removed, a file that was
-// being added to gets back the bytes that were overwritten, and its length. A file that is replaced is lost.
+// A file being written. Unless it is completed, its scope restores the earlier state: a new file is removed, an extended file
+// gets its overwritten bytes and its length back. A replaced file is lost.
 class OutputFile {
  public:
   enum class Mode { kReplace, kAdd };

@@ -1,4 +1,4 @@
-// Exported by every loader of ours.
+// Exported by all our loaders.
 #include <type_traits>
 
 #include "common/describe.h"

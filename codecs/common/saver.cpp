@@ -1,4 +1,4 @@
-// Exported by every saver of ours.
+// Exported by all our savers.
 #include <type_traits>
 
 #include "common/entry.h"

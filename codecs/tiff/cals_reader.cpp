@@ -44,8 +44,8 @@ Record record(const std::string& text, const std::string& name) {
   return record;
 }
 
-// Both angles count counter-clockwise: that of the pixels of a line from the right, that of the lines from the pixels'
-// direction. Some writers count the lines' from the right too, which shows if the other reading is impossible.
+// Both angles are counter-clockwise: the direction of pixels counts from the right, the direction of lines from the direction of
+// pixels. Some writers count both from the right, which shows if the other reading is impossible.
 int orientation_of(int pixels, int lines) {
   constexpr std::array<std::array<int, 2>, 4> kOrientations = {{{4, 1}, {7, 8}, {2, 3}, {5, 6}}};  // by lines: 90, 270
   const auto is_quarter = [](int angle) { return angle >= 0 && angle < 360 && angle % 90 == 0; };

@@ -7,7 +7,7 @@
 namespace codec {
 namespace {
 
-constexpr int kMostPixels = 999'999;  // across or down: the header has six digits
+constexpr int kMostPixels = 999'999;  // per side: the header has six digits
 
 std::vector<uint8_t> group4_data(const SourceDib& dib) {
   MemoryBytes bytes;

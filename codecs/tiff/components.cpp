@@ -28,7 +28,7 @@ Number load(const uint8_t* bytes) {
   return number;
 }
 
-// IEEE 754's numbers of 16 bits: a sign, five bits of exponent and ten of fraction.
+// IEEE 754 half precision: a sign, five bits of exponent and ten of fraction.
 double half_precision(uint16_t bits) {
   const int exponent = bits >> 10 & 31, fraction = bits & 1023;
   const double size = exponent == 31  ? fraction == 0 ? INFINITY : NAN

@@ -6,7 +6,7 @@
 namespace codec {
 namespace {
 
-// From CIE 1976: the share of the illuminant for an intermediate value.
+// By CIE 1976: the share of the illuminant for an intermediate value.
 double share(double value) {
   constexpr double kLinearUpTo = 6.0 / 29;
   return value > kLinearUpTo ? value * value * value : 3 * kLinearUpTo * kLinearUpTo * (value - 4.0 / 29);
@@ -18,7 +18,7 @@ constexpr double fifth_root(double value) {
   return root;
 }
 
-// The light of a value from 0 to 1, from IEC 61966-2-1.
+// The linear light of a value from 0 to 1, by IEC 61966-2-1.
 constexpr double gamma_decoded(double value) {
   if (value <= 0.04045) return value / 12.92;
   const double base = (value + 0.055) / 1.055, root = fifth_root(base);
@@ -40,7 +40,7 @@ uint8_t gamma_encoded(double light) {
 }  // namespace
 
 void lab_to_true_color(std::span<uint8_t> pixels) {
-  // XYZ of the screen's illuminant, and the matrix from there to its three lights: blue, green, red.
+  // XYZ of the screen's illuminant, and the matrix from XYZ to its three primaries: blue, green, red.
   constexpr std::array<double, 3> kWhite = {0.950456, 1, 1.088754};
   constexpr double kLights[3][3] = {
       {0.0556434, -0.2040259, 1.0572252}, {-0.9692660, 1.8760108, 0.0415560}, {3.2404542, -1.5371385, -0.4985314}};

@@ -15,7 +15,7 @@ Resolution resolution_of(const TiffHandle& tiff) {
   return from_dpi(tiff.tag<float>(TIFFTAG_XRESOLUTION, 0) * per_inch, tiff.tag<float>(TIFFTAG_YRESOLUTION, 0) * per_inch);
 }
 
-// Some scanners omit it.
+// Some scanners omit the tag.
 uint16_t photometric_of(const TiffHandle& tiff, unsigned samples) {
   const auto compression = tiff.tag<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
   const bool is_fax = compression >= COMPRESSION_CCITTRLE && compression <= COMPRESSION_CCITTFAX4;
@@ -24,11 +24,11 @@ uint16_t photometric_of(const TiffHandle& tiff, unsigned samples) {
                                                               : PHOTOMETRIC_MINISBLACK);
 }
 
-// Colours have 16 bits per component, except from writers that store 8 there.
+// Colours have 16 bits per component, but some writers store 8.
 Colors colors_of(const TiffHandle& tiff, unsigned bits) {
   std::array<uint16_t*, 3> maps{};
   tiff.check(TIFFGetField(tiff.get(), TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 0);
-  if (std::ranges::count(maps, nullptr) != 0) fail(IMG_E_MEMORY);  // the library had no memory for them
+  if (std::ranges::count(maps, nullptr) != 0) fail(IMG_E_MEMORY);  // memory was short
   const size_t count = size_t{1} << bits;
   const bool has_bytes = std::ranges::all_of(
       maps, [&](const uint16_t* map) { return std::all_of(map, map + count, [](int v) { return v < 256; }); });

@@ -16,7 +16,7 @@
 namespace codec {
 namespace {
 
-// When memory for them is short the library forgets the tables, but not their presence.
+// When memory is short the library loses the tables but still reports them as present.
 void check_jpeg_tables(const TiffHandle& tiff) {
   uint32_t count = 0;
   const void* tables = nullptr;
@@ -187,7 +187,7 @@ void read_samples(const TiffHandle& tiff, const TiffPage& page, RowSink& sink) {
   page.has_tiles ? read_tiles(tiff, page, sink) : read_rows(tiff, page, sink);
 }
 
-// A range of numbers that the page does not state takes a pass over it.
+// A range that the page does not state is measured in a pass over its pixels.
 Range range_of(const TiffHandle& tiff, const TiffPage& page) {
   if (page.kind == SampleKind::kCount) return {};
   if (page.range) return *page.range;

@@ -166,7 +166,7 @@ class PageBytes : public Bytes {
   bool failed_ = false;
 };
 
-// The library states these numbers by itself. When memory for them is short it forgets them, but not their presence.
+// The library fills in these numbers by itself. When memory is short it loses them but still reports them as present.
 void check_black_and_white(const TiffHandle& tiff, const Encoding& encoding) {
   const float* levels = nullptr;
   const bool has_levels =

@@ -11,7 +11,7 @@ struct Encoding {
   uint16_t compression = COMPRESSION_NONE;
   uint16_t photometric = PHOTOMETRIC_MINISWHITE;
   uint16_t predictor = PREDICTOR_NONE;
-  bool is_complemented = false;  // bits, for a photometric of the other sense
+  bool is_complemented = false;  // bits, for the opposite photometric interpretation
   bool has_long_rows = false;    // see group3.h
 };
 

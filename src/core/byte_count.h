@@ -6,7 +6,7 @@
 
 namespace vorel {
 
-// A number of bytes that sticks at "too many" instead of wrapping, so that sizes can be written as plain formulas.
+// A number of bytes that saturates instead of wrapping, so that sizes can be written as plain formulas.
 class ByteCount {
  public:
   constexpr ByteCount(uint64_t value = 0) : value_(value) {}  // NOLINT(google-explicit-constructor): formulas mix in numbers

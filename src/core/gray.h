@@ -21,7 +21,7 @@ constexpr uint8_t weighted_gray_of(Rgb color) {
   return static_cast<uint8_t>((8 * color.red + 15 * color.green + 3 * color.blue) / 26);
 }
 
-// The same weights with red and blue exchanged: the intensity that colour filters work on. A deliberate oddity.
+// The same weights with red and blue exchanged: the intensity that colour filters work on. A quirk that is kept.
 constexpr uint8_t weighted_intensity_of(Rgb color) {
   return static_cast<uint8_t>((8 * color.blue + 15 * color.green + 3 * color.red) / 26);
 }
@@ -39,7 +39,7 @@ inline bool is_gray(std::span<const Rgb> colors) {
   return std::ranges::all_of(colors, [](Rgb color) { return is_gray(color); });
 }
 
-// Level k becomes entry k.
+// Entry k becomes grey level k.
 constexpr void write_gray_ramp(std::span<Rgb> colors) {
   for (size_t k = 0; k < colors.size(); ++k) {
     const auto level = static_cast<uint8_t>(k);

@@ -69,7 +69,7 @@ inline ByteCount rows_bytes(const DibHeader& header) {
   return row_stride(header.depth, header.width) * static_cast<uint32_t>(header.height);
 }
 
-// Where they are not refused, pictures with a zero or negative side count as pictures without pixels.
+// A picture with a zero or negative side has no pixels, unless it is refused.
 inline bool has_pixels(const DibHeader& header) { return header.width > 0 && header.height > 0; }
 inline ByteCount pixel_bytes(const DibHeader& header) { return has_pixels(header) ? rows_bytes(header) : 0; }
 

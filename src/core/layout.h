@@ -20,7 +20,7 @@ enum class RowsAt {
 
 struct LayoutRule {
   RowsAt rows_at = RowsAt::kBehindStatedHeader;
-  bool joins_planes = false;  // rows are as long as all planes together, pixels as long as one plane has bits
+  bool joins_planes = false;  // a row holds all planes, a pixel the bits of one plane
   uint32_t least_colors = 0;  // entries behind 40 bytes that can be read; the last ones may be rows
 };
 

@@ -5,7 +5,7 @@
 
 namespace vorel {
 
-// The distance goes in front of the index, so that the least of both together is the nearest entry.
+// Distances are compared with the index in their low bits, so that the minimum is the nearest entry.
 uint8_t nearest_color(std::span<const Rgb> colors, Rgb color) {
   const int count = static_cast<int>(std::min<size_t>(colors.size(), 256));
   int32_t nearest = std::numeric_limits<int32_t>::max() & ~0xFF;

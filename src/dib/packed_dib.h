@@ -58,7 +58,7 @@ class LockedDib {
   bool has_header() const { return block().size() >= kHeaderBytes; }
   const DibHeader& header() const { return header_; }
 
-  // The lock outlives its scope. A few failures leave it behind; that is kept.
+  // The lock outlives its scope. A quirk that is kept: a few failures leave the DIB locked.
   void leave_locked() { block_.leave_locked(); }
 
   std::span<uint8_t> block() const { return block_.bytes(); }

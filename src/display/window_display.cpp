@@ -220,7 +220,7 @@ struct Exposed {
   Box box;
 };
 
-// Invalid parts move along with the content around them and must be painted at their new place, too.
+// Invalid parts move with the content around them and must be painted at their new place too.
 void invalidate_moved(HWND window, Point way) {
   const OwnedRegion unpainted(CreateRectRgn(0, 0, 0, 0));
   GetUpdateRgn(window, unpainted.get(), FALSE);

@@ -47,7 +47,7 @@ int increment(int value) {
   return product_quotient(value, 5, 100);
 }
 
-// The result can exceed the last step once; callers see it, so it is kept.
+// A quirk that is kept: the result can exceed the last step once.
 int increased(int value, std::span<const int> values) {
   if (value >= values.back()) return values.back();
   return saturated(int64_t{value} + increment(value));

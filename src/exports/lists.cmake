@@ -1,7 +1,7 @@
 # Writes the linkers' lists into the build tree, from the table of exports:
 #   vorel32.def            names and ordinals, for the DLL
 #   vorel32-decorated.def  the same with the names that callers' object files use: _Name@N, where N is the size of the arguments in bytes
-#   libvorel32.map         what libvorel32.so exports
+#   libvorel32.map         the exports of libvorel32.so
 set(table ${CMAKE_CURRENT_LIST_DIR}/exports.txt)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${table})
 

@@ -21,7 +21,7 @@ constexpr const char* kSetSection = "ColorFax";
 constexpr const char* kTotalPages = "TotalPages";
 constexpr size_t kMostNameCharacters = 128;
 constexpr int kMostPlanes = 4;
-// The most that are searched for a page; a text may claim two thousand million.
+// Limits the search for a page: a text may claim two thousand million files.
 constexpr int kMostFiles = 4'096;
 
 // Red, green, blue and brightness, from the highest bit to the lowest.
@@ -71,8 +71,7 @@ Place place_in_own_file(const PageSet& set, int page) {
   return {"Page" + std::to_string(page - set.first_page + 1), "Plane0", page};
 }
 
-// The first page of every file but the first is looked up in the file before, past its last image. That rule is kept:
-// counting differently would give the callers of a set other pages.
+// A quirk that is kept: the first page of every file but the first is looked up in the previous file, past its last image.
 Place place_in_shared_file(const Profile& profile, const PageSet& set, int page) {
   const auto section_of = [&](int64_t file) {
     return "File" + std::to_string(static_cast<uint32_t>(set.first_page + file));

@@ -76,7 +76,7 @@ FileStart read_file_start(const char* path) {
   return start;
 }
 
-// First match wins. The order is kept.
+// First match wins.
 ImgFormat recognise(const FileStart& start, const char* path) {
   if (is_tiff(start)) return IMG_FORMAT_TIFF;
   if (is_pcx(start)) return IMG_FORMAT_PCX;

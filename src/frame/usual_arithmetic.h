@@ -1,5 +1,5 @@
-// Floating-point arithmetic as the library expects it, for a scope: rounded to nearest, in full precision, without traps. Hosts
-// and their other libraries set all three to their own needs.
+// The floating-point environment that the library expects, for a scope: rounded to nearest, full precision, no traps. Hosts and
+// their other libraries may have changed all three.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +25,7 @@ class UsualArithmetic {
   }
 
  private:
-  static constexpr uint32_t kControl = 0xFFC0, kUsualVector = 0x1F80;  // the other bits note what has happened
+  static constexpr uint32_t kControl = 0xFFC0, kUsualVector = 0x1F80;  // the other bits are status flags
   static constexpr uint16_t kUsualX87 = 0x037F, kMasks = 0x3F, kExceptions = 0x80FF;
 
   static uint16_t x87_word() {
@@ -38,8 +38,8 @@ class UsualArithmetic {
     __asm__ volatile("fnstsw %0" : "=m"(word));
     return word;
   }
-  // Exceptions noted in the scope would trap as soon as the host unmasks them, so those noted before it take their place. The
-  // stack stays as it is: it may hold the value that is being returned.
+  // Exception flags raised in the scope would trap as soon as they are unmasked, so the host's flags are restored with its masks. The
+  // register stack stays as it is: it may hold the value that is being returned.
   void restore_x87() const {
     struct {
       uint32_t control, status, rest[5];

@@ -54,7 +54,7 @@ template <ComponentWeights kWeights>
 #endif
 }
 
-// The weighted means of kVectorBytes pixels.
+// The weighted means of kVectorBytes pixels, from this many bytes.
 inline constexpr size_t kWeightedBytesRead = 3 * kVectorBytes + 4;
 template <ComponentWeights kWeights>
 [[gnu::always_inline]] inline Bytes weighted_pixels(const uint8_t* pixels) {

@@ -11,7 +11,7 @@ function(vorel_kernels)
     add_library(vorel_kernels_${level} OBJECT ${ARGN})
     target_include_directories(vorel_kernels_${level} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
     target_compile_definitions(vorel_kernels_${level} PRIVATE VOREL_LEVEL=${level})
-    # Vectors wider than the level's registers are handed on within the level alone, so how does not matter.
+    # Vectors wider than the level's registers are passed only within the level, so the calling convention does not matter.
     target_compile_options(vorel_kernels_${level} PRIVATE ${VOREL_FLAGS_${level}} -Wno-psabi)
     target_link_libraries(vorel_kernels_${level} PRIVATE vorel_warnings)
     target_sources(vorel_core PRIVATE $<TARGET_OBJECTS:vorel_kernels_${level}>)

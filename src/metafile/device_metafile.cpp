@@ -68,7 +68,7 @@ Result<OwnedBitmap> draw_metafile(HANDLE metafile, Size size, MetafileKind kind)
   const MemoryDc memory(screen.get());
   if (!facts || !memory) return Error::kMemory;
   const HDC dc = memory.get();
-  // Without SaveDC: a metafile that restores one state more than it saved would get it.
+  // Not by SaveDC: a metafile that restores one state more than it saved would restore that one.
   const Selection brush(dc, GetStockObject(WHITE_BRUSH));
   const Selection drawn_on(dc, bitmap.get());
   PatBlt(dc, 0, 0, facts->bmWidth, facts->bmHeight, PATCOPY);

@@ -21,7 +21,7 @@ bool anything(const Record&, uint32_t) { return true; }
 
 // ---- Objects ----
 
-// The number 0 is the metafile's own.
+// Number 0 is the metafile itself.
 template <size_t kAt>
 bool names_object(const Record& record, uint32_t objects) {
   return number(record, kAt) >= 1 && number(record, kAt) < objects;

@@ -232,7 +232,7 @@ bool agrees_with_its_size(const Record& record, uint32_t objects) {
   return record.has(kShortestRecord, size_t{function->parameters} * 2) && function->check(record, objects);
 }
 
-// The first record of some; empty if it is incomplete.
+// The first of the records; empty if it is incomplete.
 std::span<uint8_t> first_record(std::span<uint8_t> records) {
   const uint64_t length = uint64_t{Record(records).at<uint32_t>(0)} * 2;
   if (length < kShortestRecord || length > records.size()) return {};

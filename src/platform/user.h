@@ -1,4 +1,4 @@
-// What the user sees of a running operation.
+// The wait cursor and message boxes.
 #pragma once
 
 namespace vorel {

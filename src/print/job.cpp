@@ -199,7 +199,7 @@ int print_copies(const Page& page) {
   return result;
 }
 
-// The document is still to be ended: that call then fails, which tells callers.
+// The document must still be ended; that call fails, which tells callers.
 int abort_document(PrintJob& job) { return std::min(Escape(job.dc, ABORTDOC, 0, nullptr, nullptr), 0); }
 
 void tell_page(const PrintJob& job, int index) {

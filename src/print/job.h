@@ -35,7 +35,7 @@ int end_job(HDC printer_dc);
 
 void continue_page();
 
-// Dispatches the thread's messages; false once the job is cancelled. A `spooler_code` other than 0 cancels it.
+// Dispatches the thread's messages. False once the job is cancelled. A `spooler_code` other than 0 cancels it.
 bool let_messages_through(int spooler_code);
 
 // Handles the messages of the cancel dialog. True if the message is handled.

@@ -73,7 +73,7 @@ Result<HGLOBAL> counted(const LockedDib& source, HGLOBAL histogram, kernels::Cor
   if (kernels::can_slide(before, corner)) {
     kernels::tone().slide_square(picture.pixels(), before, corner, block.counters());
   } else {
-    // A deliberate oddity: a thread that never allocated a histogram clears nothing.
+    // A quirk that is kept: a thread that never allocated a histogram clears nothing.
     const auto cleared = static_cast<size_t>(memory->histogram_bytes) / sizeof(uint16_t);
     std::ranges::fill(block.counters().first(cleared), uint16_t{0});
     kernels::tone().count_square(picture.pixels(), corner, block.counters());
@@ -95,7 +95,7 @@ Result<HGLOBAL> filled_lookup_table(HGLOBAL table, HGLOBAL histogram, int contra
   const auto counters = CallersBlock::lock(histogram, kHistogramBytes);
   const int mean = counters ? kernels::mean_level(counters->counters()) : kernels::kMiddleLevel;
   const ComponentTable levels = kernels::contrast_table(contrast, brightness, mean);
-  // A deliberate oddity: a thread that never allocated a table writes none.
+  // A quirk that is kept: a thread that never allocated a table writes none.
   const auto count = static_cast<size_t>(memory->table_bytes);
   if (target) std::ranges::copy(std::span(levels).first(std::min(count, target->bytes().size())), target->bytes().begin());
   return table;

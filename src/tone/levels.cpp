@@ -12,7 +12,7 @@ DibHeader true_color_header(DibHeader header) {
   header.planes = 1;
   header.depth = 24;
   header.colors_used = header.colors_important = 0;
-  // A deliberate oddity: the stated size is computed from the low 16 bits of a row's length. All rows are present.
+  // A quirk that is kept: the stated size is computed from the low 16 bits of a row's length. All rows are present.
   const auto short_stride = static_cast<uint16_t>(row_stride(24, header.width).value());
   header.image_bytes = uint32_t{short_stride} * static_cast<uint32_t>(header.height);
   return header;

@@ -14,7 +14,7 @@ namespace vorel::kernels {
 enum class Dithering { kFloydSteinberg, kJarvisJudiceNinke, kSmooth, kSharp };
 enum class HalftoneMethod : uint16_t { kThreshold = 0, kDiffusion = 1, kOrdered = 2 };
 
-// The scratch memory that these need, aligned to 8 bytes.
+// Scratch memory for the functions below, aligned to 8 bytes.
 ByteCount dithering_scratch(Size picture, int bits, Dithering method);
 ByteCount halftone_scratch(Size picture, HalftoneMethod method);
 

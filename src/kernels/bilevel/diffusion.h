@@ -13,7 +13,7 @@ inline constexpr int16_t kWhite = 255;
 
 // The shares that reach any pixel add up to less than one, so errors stay below white and no sum exceeds 16 bits.
 
-// A share of an error, cut towards zero.
+// A share of an error, truncated towards zero.
 template <int kPart>
 Lanes sixteenths(Lanes error) {
   const Lanes scaled = error * int16_t{kPart};
@@ -55,7 +55,7 @@ struct ToIndices {
   }
 };
 
-// Four neighbours (Floyd and Steinberg, 1976). Two deliberate oddities: shares for the row below are assigned, not added, so
+// Four neighbours (Floyd and Steinberg, 1976). Two quirks that are kept: shares for the row below are assigned, not added, so
 // the last of several wins; and all channels continue with the remainder of the first one.
 template <class Result, int kPlanes>
 struct FloydSteinberg : Result {
@@ -95,8 +95,8 @@ struct FloydSteinberg : Result {
   Lanes next_ = {}, second_ = {}, counted_ = {};
 };
 
-// Twelve neighbours (Jarvis, Judice and Ninke, 1976). Shares for the second row below are assigned, not added: a deliberate
-// oddity. The last two weights of that row are parameters: one user has them swapped, which is kept.
+// Twelve neighbours (Jarvis, Judice and Ninke, 1976). Shares for the second row below are assigned, not added: a quirk
+// that is kept. The last two weights of that row are parameters: one user has them swapped, which is kept too.
 template <class Result, int kPlanes, int kNext, int kLast>
 struct JarvisJudiceNinke : Result {
   static constexpr int kLag = 3, kLate = 0;

@@ -110,7 +110,7 @@ void dither(ConstDibView source, std::span<const Rgb> colors, DibView result, Di
   if (result.depth() == 1) return dither_to_bits<1>(samples, plane, result, method, arena);
   if (result.depth() == 4) return dither_to_bits<3>(samples, plane, result, method, arena);
   if (method == Dithering::kFloydSteinberg) return diffuse<FloydSteinberg<ToIndices<3>, 3>>(samples, result, arena);
-  // One blue level more than there is: it counts as the lowest green. A deliberate oddity.
+  // One blue level more than there is: it counts as the lowest green. A quirk that is kept.
   return diffuse<JarvisJudiceNinke<ToIndices<4>, 3, 1, 3>>(samples, result, arena);
 }
 

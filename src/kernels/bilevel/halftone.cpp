@@ -74,7 +74,7 @@ class LuminancePlane {
   }
 
  private:
-  // A deliberate oddity: at 24 bits the plane has a row's pixels, rounded up to four, but is read in steps of the source's
+  // A quirk that is kept: at 24 bits the plane has a row's pixels, rounded up to four, but is read in steps of the source's
   // stride. So a row of the result shows several rows of the source, and the picture ends early.
   void read_true_color(int y, int x, std::span<uint8_t> levels) const {
     const size_t per_row = plane_width(24, source_.width());

@@ -42,7 +42,6 @@ struct LaneColumns {
 //   kLate      steps from a column's samples to its bits
 //   kChannels  planes of samples; each gives bits, or all together give indices (kMakesIndices)
 //   kStreams   rows of numbers passed from each row to the next
-//   kStreams   rows of numbers that go from each row to the next
 //   step(streams, samples, columns, results)
 //              takes the streams at each lane's column, and leaves the next row's values kLag - 1 columns before it
 template <class Method>

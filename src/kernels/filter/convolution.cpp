@@ -51,7 +51,7 @@ class Taps {
     return {Sums{(SignedWords)low[0], (SignedWords)high[0]}, Sums{(SignedWords)low[1], (SignedWords)high[1]}};
   }
 
-  // A deliberate oddity: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row, which
+  // A quirk that is kept: two of the kernels of size 5 count their outermost columns twice for the second pixel of a row, which
   // affects the first and the third sum. Calls correct(x, sum) for each of them.
   template <class Correct>
   void repeat_left_border(size_t width, Correct correct) const {
@@ -199,9 +199,9 @@ void convolve_gray_rows(ConstDibView source, DibView result, const Kernel& kerne
 
 // ---- Colours ----
 
-// Changes of intensity, increases and decreases apart; more than 255 acts as 255.
 constexpr size_t kBlock = 512;  // pixels whose changes stay in cache
 static_assert(kBlock % Taps::kStep == 0 && kConvolutionSlack >= Taps::kStep);
+// Changes of intensity, increases and decreases apart; more than 255 acts as 255.
 struct Change {
   std::array<uint8_t, kBlock> up, down;
 };

@@ -11,7 +11,7 @@
 
 namespace vorel::kernels::VOREL_LEVEL {
 
-// Without the instructions for it.
+// For levels without the instructions.
 struct NoStretch {
   static constexpr size_t kBlock = 1;
   NoStretch(std::span<const uint32_t>, const uint8_t*, size_t, Arena&) {}

@@ -137,7 +137,7 @@ class BitGather {
 #endif
 
 // A 1-bit row at its own width. Bits behind the last pixel are copied too, and of one more byte as many as the last byte has
-// pixels: a deliberate oddity.
+// pixels: a quirk that is kept.
 void copy_bits(std::span<const uint8_t> source, int x, int width, std::span<uint8_t> result) {
   source = source.subspan(static_cast<size_t>(x / 8));
   const size_t pixel_bytes = row_bytes(1, width);

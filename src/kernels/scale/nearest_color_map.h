@@ -60,7 +60,7 @@ class NearestColorMap {
 
   static int square(int distance) { return distance * distance; }
 
-  // The distance goes in front of the index, so that the least of both together is the nearest entry.
+  // Distances are compared with the index in their low bits, so that the minimum is the nearest entry.
   int nearest_of(std::span<const uint8_t> entries, Point point) const {
     int nearest = std::numeric_limits<int>::max();
     for (const uint8_t entry : entries) {
@@ -77,8 +77,8 @@ class NearestColorMap {
     return ++cubes_used_;
   }
 
-  // The least difference of squared distances, that of `color` less that of `other`, over all points of the box. It is linear in
-  // each component, so it is least at a corner.
+  // The least difference of squared distances, `color`'s minus `other`'s, over all points of the box. It is linear in each
+  // component, so it is least at a corner.
   static int least_excess(Rgb color, Rgb other, const Box& box) {
     const auto along = [&](int begin, int a, int b) {
       const int point = a > b ? begin + box.side - 1 : begin;
@@ -88,8 +88,8 @@ class NearestColorMap {
            along(box.corner.red, color.red, other.red);
   }
 
-  // The entries of a list, without those that the one nearest to the middle of the box beats everywhere in it. The whole list if
-  // the pool is full.
+  // The entries of a list, except those that are nowhere in the box nearer than the entry nearest to its middle. The whole list
+  // if the pool is full.
   List chosen(List list, const Box& box) {
     const std::span<const uint8_t> entries(&pool_[list.first], list.count);
     if (entries.size() > kPoolBytes - used_) return list;

@@ -153,7 +153,7 @@ class Resampler {
       constexpr bool kIsStored = std::is_same_v<std::remove_cvref_t<decltype(read_row)>, StoredSamples>;
       const size_t from_source = kIsStored ? from_source_ : 0;
       read(view_.row(y).data(), from_source, read_row);
-      const int next = y + 2 * (y - last_read_);  // probably: the row behind the next one
+      const int next = y + 2 * (y - last_read_);  // a guess: the row behind the next one
       last_read_ = y;
       const uint8_t* const ahead = next < source_.height ? view_.row(next).data() : nullptr;
       stretch(view_.row(y).data() - kGuardBefore * channels_, 0, from_source, band.samples.data(), ahead);

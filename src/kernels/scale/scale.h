@@ -27,7 +27,7 @@ constexpr ByteCount interpolation_scratch(Size source, Size result) {
 
 struct ScaleTable {
   // Mixes colours; below 24 bits each mixture becomes the nearest colour. Black at the beginning of a row becomes colour 0,
-  // whatever that is: a deliberate oddity.
+  // whatever that is: a quirk that is kept.
   Interpolate* scale_colors;
 
   // The same for grey pictures: below 24 bits it mixes levels, and the result becomes the colour nearest to the mixed grey.

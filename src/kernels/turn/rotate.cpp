@@ -137,7 +137,7 @@ class CountedPixels {
     return position;
   }
 
-  // Tiles outside the source cost nothing that is worth saving.
+  // Skipping tiles outside the source would save next to nothing.
   bool passes_by(int) { return false; }
 
   // Starts the next columns.
@@ -240,7 +240,7 @@ class ExactPixels {
     return position;
   }
 
-  // Goes past the next columns if none of their pixels can lie in the source.
+  // Skips the next columns if none of their pixels can lie in the source.
   bool passes_by(int count) {
     const auto is_outside = [&](const double* starts, double step, int size) {
       const double way = step * count, a = starts[0], b = starts[last_row_];
@@ -284,7 +284,7 @@ class ExactPixels {
  private:
   static constexpr double kMargin = 2;  // pixels; rounding moves positions by far less
 
-  // Steps column by column, also past columns that nobody looks at: every addition is rounded, and the roundings add up. Calls
+  // Steps through every column, unused ones included: every addition is rounded, and the rounding errors add up. Calls
   // take(row, column, x, y) for groups of rows.
   template <class Take>
   [[gnu::always_inline]] void step_columns(int count, Take take) {

@@ -89,7 +89,7 @@ int number_in(std::string_view text) {
 
 }  // namespace
 
-// Comments need no handling: they become keys that nobody reads.
+// Comments need no handling: they become keys that are never read.
 Profile::Profile(const std::string& path) : text_(decoded(read_whole(path))) {
   const std::string_view text = text_;
   Keys* keys = nullptr;  // of the section that the lines belong to, if it is the first of its name

@@ -11,7 +11,7 @@ using FreeBlock = void (*)(HGLOBAL);
 std::atomic<FreeBlock> free_block;  // the same for every block
 
 // When a thread ends, the system runs the key's destructor, repeatedly while calls from other destructors make new blocks.
-// The key is never deleted, so that calls at the end of the process still find it. So the shared object stays loaded.
+// The key is never deleted, so that calls at the end of the process still find it, and the shared object stays loaded.
 const std::optional<pthread_key_t>& slot() {
   static const std::optional<pthread_key_t> made = []() -> std::optional<pthread_key_t> {
     pthread_key_t key{};

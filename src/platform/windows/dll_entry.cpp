@@ -23,7 +23,7 @@ void __freeres();  // frees the reserve; no header declares it
 
 extern "C" BOOL WINAPI DllMainCRTStartup(HINSTANCE module, DWORD reason, LPVOID process_ends);
 
-// The linker leads all calls of malloc in this DLL to __wrap_malloc, and __real_malloc to the system's; likewise the others.
+// The linker resolves malloc in this DLL to __wrap_malloc and __real_malloc to the system's malloc; the same for the others.
 extern "C" {
 void* __real_malloc(size_t bytes);
 void* __real_calloc(size_t count, size_t bytes);
