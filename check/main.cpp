@@ -95,6 +95,7 @@ int main(int count, char** words) try {
 #else
   std::signal(SIGBUS, tell_crash);
 #endif
+  std::setvbuf(stdout, nullptr, _IONBF, 0);  // the output of a run that is cut short ends where the run did
   set_up_system();
   for (const auto& [name, run] : kDrivers)
     if (count > 1 && name == words[1]) return run(Arguments(words + 2, words + count));

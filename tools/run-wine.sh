@@ -4,6 +4,7 @@
 #   --session  PROGRAM is a Linux command whose own calls of run-wine.sh share one screen (faster than one screen for each call)
 # environment:
 #   VOREL_SCREEN_DEPTH  bits per pixel of the screen: 24 (default), or 8 for a palette display
+#   VOREL_WINE_OUTPUT   a folder for the output as it is written (out, err); it is printed at the end in any case
 #   VOREL_WINE_ROOT     where the prefixes are kept (default: build/wine beside this script's folder)
 set -euo pipefail
 
@@ -17,13 +18,13 @@ fail() { printf 'run-wine: %s\n' "$*" >&2; exit 1; }
 
 # Wine's helper processes keep inherited pipes open, and readers of such a pipe wait for them. So output goes through files.
 run_program() {
-  local output status=0
-  output=$(mktemp -d)
+  local output=${VOREL_WINE_OUTPUT:-} status=0 temporary=
+  if [ -n "$output" ]; then mkdir -p "$output"; else output=$(mktemp -d) temporary=$output; fi
   wine "$@" >"$output/out" 2>"$output/err" </dev/null &
   wait $! || status=$?
   cat "$output/out"
   cat "$output/err" >&2
-  rm -rf "$output"
+  [ -z "$temporary" ] || rm -rf "$temporary"
   return "$status"
 }
 

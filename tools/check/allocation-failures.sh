@@ -8,11 +8,10 @@ make_printer
 
 # A crash ends the program, so the run goes on with the row behind it.
 all_rows() {
-  local runner=$1 after='' output
+  local runner=$1 after='' part=build/check/allocations-$1.part
   while :; do
-    output=$("$runner" allocations "$after" 2>&1)
-    printf '%s\n' "$output"
-    after=$(sed -n 's/^FAULT crash in \(.*\): -\{0,1\}[0-9]*\r\{0,1\}$/\1/p' <<<"$output" | tail -n 1)
+    "$runner" allocations "$after" 2>&1 | tee "$part"
+    after=$(sed -n 's/^FAULT crash in \(.*\): -\{0,1\}[0-9]*\r\{0,1\}$/\1/p' "$part" | tail -n 1)
     [ -n "$after" ] || break
   done
 }

@@ -41,8 +41,9 @@ count_faults() {
 }
 
 # run_native DRIVER [ARGUMENT...], run_windows DRIVER [ARGUMENT...]: run a driver; native and windows count too.
+# The Windows output appears when the driver ends; until then it grows in build/check/windows.
 run_native() { build/native/bin/checks "$@" 2>&1; }
-run_windows() { (cd build/win32/printed && ../../../tools/run-wine.sh ../bin/checks.exe "$@" 2>&1); }
+run_windows() { (cd build/win32/printed && VOREL_WINE_OUTPUT=$root/build/check/windows ../../../tools/run-wine.sh ../bin/checks.exe "$@" 2>&1); }
 native() {
   printf -- '-- native: %s\n' "$*"
   count_faults < <(run_native "$@")
