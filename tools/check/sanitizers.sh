@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Goal "sanitizers": nothing reports: the native tests with the address and undefined-behaviour sanitizers in 64 and 32 bits, with the
-# thread sanitizer, with the C++ library's assertions; random calls of a DLL that traps undefined behaviour and whose blocks end at
-# pages without access. No report is suppressed.
+# Goal "sanitizers": nothing reports: the native tests with the address and undefined-behaviour sanitizers in 64 and 32 bits (there with
+# the C++ library's assertions) and with the thread sanitizer; random calls of a DLL that traps undefined behaviour and whose blocks end
+# at pages without access. No report is suppressed.
 # usage: sanitizers.sh quick|release
-# Quick: the tests of the library in 64 bits (those of the programs and codecs are left out), the tests with threads, 5,000 calls of the
-# DLL. Release: all tests in 64 bits, those that need no third-party library in 32 bits, 20,000 calls.
+# Quick: the library's tests in 64 bits, the tests with threads under the thread sanitizer, 5,000 calls of the DLL. Release: all tests in
+# 64 bits, the library's in 32 bits and under the thread sanitizer too, 20,000 calls.
 set -uo pipefail
 cd "$(dirname "$0")/../.."
 ./tools/setup.sh --checks || exit 1
@@ -13,39 +13,22 @@ folder=build/check/sanitizers
 mkdir -p "$folder"
 short=() done=()
 
+# They need no third-party library.
 own_tests=(platform_test frame_test dib_test formats_test metafile_test geometry_test kernels_test tone_test bilevel_test print_test
            display_test exports_test)
 thread_tests=(platform_test frame_test display_test)
-declare -A options=(
-  [asan]=""  # as the preset says
-  [asan32]="-DVOREL_SANITIZE=ON -DCMAKE_C_FLAGS=-m32;-msse2;-mfpmath=sse"
-  [tsan]="-DVOREL_SANITIZE=ON -DVOREL_SANITIZERS=thread"
-  [assertions]="-DVOREL_ASSERTIONS=ON"
-)
 
 logged() { "$@" >>"$folder/build.log" 2>&1 || { tail -n 20 "$folder/build.log"; return 1; }; }
 
-# run NAME TEST...: builds the tests with the options of NAME and runs them; without tests all.
+# run PRESET TEST...: builds the tests and runs them; without tests all.
 run() {
-  local name=$1 pattern log=$folder/$1.log tests
+  local preset=$1 pattern=. log=$folder/$1.log
   shift
-  pattern=$([ $# = 0 ] && echo . || (IFS='|'; echo "^($*)$"))
-  if [ "$name" = asan ]; then
-    logged cmake --preset asan || { short+=("$name does not build"); return; }
-    tests=build/asan
-  else
-    tests=$folder/$name
-    local words
-    IFS=' ' read -ra words <<<"${options[$name]}"
-    words=("${words[@]//;/ }")
-    [ "$name" != asan32 ] || words+=("-DCMAKE_CXX_FLAGS=-m32 -msse2 -mfpmath=sse")
-    logged cmake -S . -B "$tests" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1 -DNDEBUG" \
-      "${words[@]}" || { short+=("$name does not build"); return; }
-  fi
-  logged cmake --build "$tests" ${1:+--target "$@"} || { short+=("$name does not build"); return; }
+  [ $# = 0 ] || pattern=$(IFS='|'; echo "^($*)$")
+  logged cmake --preset "$preset" && logged cmake --build --preset "$preset" ${1:+--target "$@"} || { short+=("$preset does not build"); return; }
   ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1 UBSAN_OPTIONS=print_stacktrace=1 TSAN_OPTIONS=halt_on_error=1 \
-    ctest --test-dir "$tests" -R "$pattern" --output-on-failure --timeout 900 >"$log" 2>&1 || short+=("$name ($log)")
-  done+=("$name $(sed -n 's/.*tests passed, \([0-9]*\) tests failed out of \([0-9]*\)/\2 tests, \1 failed/p' "$log")")
+    ctest --test-dir "build/$preset" -j 2 -R "$pattern" --no-tests=error --output-on-failure --timeout 900 >"$log" 2>&1 || short+=("$preset ($log)")
+  done+=("$preset $(sed -n 's/.*tests passed, \([0-9]*\) tests failed out of \([0-9]*\)/\2 tests, \1 failed/p' "$log")")
 }
 
 # A DLL that ends the program at undefined behaviour gives the same lines with guarded memory as an ordinary one without.
@@ -69,14 +52,15 @@ run_dll() {
 }
 
 : >"$folder/build.log"
-run tsan "${thread_tests[@]}"
-run_dll "$([ "$mode" = release ] && echo 20000 || echo 5000)"
 if [ "$mode" = release ]; then
   run asan
   run asan32 "${own_tests[@]}"
-  run assertions "${own_tests[@]}"
+  run tsan "${own_tests[@]}"
+  run_dll 20000
 else
   run asan "${own_tests[@]}"
+  run tsan "${thread_tests[@]}"
+  run_dll 5000
 fi
 list() { local IFS=';'; echo "$*" | sed 's/;/; /g'; }
 suppressions=$(grep -rlE 'no_sanitize|__lsan_ignore|__asan_default_options|suppressions=' src codecs apps include | wc -l)
