@@ -3,7 +3,7 @@
 
 usage: mutate.py BUILD [--count N] [--seed N] [--list FILE]
 
-BUILD is a configured build of this folder's sources. Each change is made in the source itself and taken back, so run it in a copy
+BUILD is a finished build of this folder's sources. Each change is made in the source itself and taken back, so run it in a copy
 (coverage.sh does). A change that does not compile is replaced by another one. A change is killed if a test fails, crashes or does not
 end. Changes that cannot be told from the outside count as survivors too.
 """
@@ -17,6 +17,7 @@ import sys
 
 # The tests that cover a folder.
 TESTS = {
+    "apps/common": "page_test cli_test",
     "src/bilevel": "bilevel_test kernels_test",
     "src/kernels/bilevel": "kernels_test bilevel_test",
     "src/kernels/filter": "tone_test kernels_test",
@@ -24,6 +25,7 @@ TESTS = {
     "src/kernels/scale": "kernels_test geometry_test",
     "src/kernels/tone": "tone_test kernels_test",
     "src/kernels/turn": "geometry_test kernels_test",
+    "src/core": "dib_test formats_test kernels_test tone_test page_test",
     "src/dib": "dib_test geometry_test",
     "src/display": "display_test",
     "src/exports": "geometry_test tone_test bilevel_test formats_test dib_test exports_test frame_test display_test image_file_test",
@@ -76,6 +78,14 @@ def tests_of(path):
     return TESTS[str(folder)].split()
 
 
+def headers_of(build, here):
+    """The headers that were read, without those of the core: a change of one would build everything again."""
+    lines = subprocess.run(["ninja", "-C", build, "-t", "deps"], stdout=subprocess.PIPE, check=True, text=True).stdout.splitlines()
+    read = {pathlib.Path(build, line.strip()).resolve() for line in lines if line.startswith(" ") and line.endswith(".h")}
+    own = {path.relative_to(here) for path in read if path.is_relative_to(here)}
+    return {path for path in own if path.parent != pathlib.Path("src/core")}
+
+
 def run(command, seconds):
     try:
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=seconds)
@@ -93,7 +103,8 @@ def main():
     options = parser.parse_args()
     here = pathlib.Path.cwd()
     compiled = {pathlib.Path(unit["file"]) for unit in json.loads(pathlib.Path(options.build, "compile_commands.json").read_text())}
-    files = sorted(p.relative_to(here) for p in compiled if p.is_relative_to(here) and tests_of(p.relative_to(here)))
+    sources = {p.relative_to(here) for p in compiled if p.is_relative_to(here)}
+    files = sorted(p for p in sources | headers_of(options.build, here) if tests_of(p))
     places = [(path, *candidate) for path in files for candidate in candidates(path)]
     random.Random(options.seed).shuffle(places)
     killed, survivors, broken = 0, [], 0
