@@ -1,7 +1,7 @@
 #include "bilevel/dib_bilevel.h"
 
 #include "core/pixel.h"
-#include "dib/open_dib.h"
+#include "dib/held_part.h"
 #include "kernels/bilevel/plane_width.h"
 
 namespace vorel::bilevel {
@@ -64,9 +64,15 @@ Result<OwnedDib> halftoned(LockedDib& source, kernels::HalftoneMethod method, in
   const auto scratch = VOREL_TRY(
       or_error(ZeroedBuffer::allocate(kernels::halftone_scratch({header.width, header.height}, method)), Error::kMemory));
   NewDib result = VOREL_TRY(reduced(reduced_header(header, 1)));
-  if (has_pixels(header))
-    kernels::bilevel().halftone(opened.pixels(), opened.rows_and_rest(), opened.colors(colors), brightness, result.pixels(),
-                                method, scratch.bytes());
+  if (!has_pixels(header)) return OwnedDib(std::move(result));
+  const auto fill = [&](DibView rows) {
+    kernels::bilevel().halftone(opened.pixels(), opened.rows_and_rest(), opened.colors(colors), brightness, rows, method,
+                                scratch.bytes());
+  };
+  if (method == kernels::HalftoneMethod::kDiffusion)
+    fill(result.pixels());
+  else
+    fill_rows_from_held(opened, result.pixels(), kernels::kHalftonePeriod, fill);
   return OwnedDib(std::move(result));
 }
 

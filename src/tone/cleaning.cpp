@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/gray.h"
-#include "dib/open_dib.h"
+#include "dib/held_part.h"
 #include "tone/full_table.h"
 
 namespace vorel::tone {
@@ -46,10 +46,12 @@ Result<OwnedDib> cleaned(const LockedDib& source, int level, kernels::Reach reac
   const int opposite = kLeastLevel + kMostLevel - level;
   const bool is_black_first = colors[0].blue == 0;
   const int speck_level = is_black_first ? opposite : level, rank_level = is_black_first ? level : opposite;
+  const HeldPart part(opened, 1);  // the zeros behind it stay
   if (header.depth == 1)
-    kernels::filter().clean_bits(opened.rows_and_rest(), to, speck_level * 8 / 100, reach);
+    kernels::filter().clean_bits(opened.rows_and_rest(), to.first_rows(part.rows()), speck_level * 8 / 100, reach);
   else
-    kernels::filter().take_rank(opened.pixels(), to, std::min(rank_level * 9 / 100, 8), reach);
+    kernels::filter().take_rank(part.of(ConstDibView(opened.pixels())), part.of(to), std::min(rank_level * 9 / 100, 8),
+                                reach);
   whole.write_back();
   return result;
 }

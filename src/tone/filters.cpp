@@ -1,5 +1,7 @@
 #include "tone/filters.h"
 
+#include "dib/held_part.h"
+
 namespace vorel::tone {
 namespace {
 
@@ -15,7 +17,8 @@ Result<HGLOBAL> filtered_gray(HGLOBAL handle, const LockedDib& source, const ker
   Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_unset));
   const ZeroedBuffer scratch = VOREL_TRY(scratch_for(opened, kernel));
   target.write_gray_ramp();
-  kernels::filter().convolve_gray(opened.pixels(), target.pixels(), kernel, scratch.bytes());
+  fill_from_held(opened, target.pixels(), kernel.reach(),
+                 [&](ConstDibView from, DibView to) { kernels::filter().convolve_gray(from, to, kernel, scratch.bytes()); });
   return std::move(target).release();
 }
 
@@ -25,7 +28,9 @@ Result<HGLOBAL> filtered_color(HGLOBAL handle, const LockedDib& source, const ke
   Target target = VOREL_TRY(Target::of(handle, opened, where, OwnedDib::allocate_unset_or_retry));
   const ZeroedBuffer scratch = VOREL_TRY(scratch_for(opened, kernel));
   target.keep_table();  // 24 bits need no table
-  kernels::filter().convolve_color(opened.pixels(), target.pixels(), kernel, intensity, scratch.bytes());
+  fill_from_held(opened, target.pixels(), kernel.reach(), [&](ConstDibView from, DibView to) {
+    kernels::filter().convolve_color(from, to, kernel, intensity, scratch.bytes());
+  });
   return std::move(target).release();
 }
 

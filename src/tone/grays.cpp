@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "core/gray.h"
-#include "dib/open_dib.h"
+#include "dib/held_part.h"
 #include "tone/full_table.h"
 
 namespace vorel::tone {
@@ -32,7 +32,10 @@ Result<OwnedDib> expanded(const OpenDib& source, NewDib result, int grade, bool 
   const kernels::Smoothing smoothing = smoothing_for(grade, source.header().height);
   const size_t scratch_bytes = kernels::expansion_scratch_bytes(smoothing, source.header().width);
   const ZeroedBuffer scratch = VOREL_TRY(or_error(ZeroedBuffer::allocate(scratch_bytes), Error::kMemory));
-  kernels::tone().expand_bits(source.pixels(), result.pixels(), smoothing, inverted, scratch.bytes());
+  const int reach = 2 * static_cast<int>(smoothing);  // rows are delayed by the spread
+  fill_from_held(source, result.pixels(), reach, [&](ConstDibView from, DibView to) {
+    kernels::tone().expand_bits(from, to, smoothing, inverted, scratch.bytes());
+  });
   return OwnedDib(std::move(result));
 }
 
@@ -67,7 +70,8 @@ Result<OwnedDib> in_grays(const LockedDib& source, int grade, kernels::GrayRule 
   }
   write_gray_ramp(result.colors());
   if (depth == 1) return expanded(opened, std::move(result), grade, false);
-  kernels::tone().gray_rows(opened.pixels(), result.pixels(), rule);
+  fill_from_held(opened, result.pixels(), 0,
+                 [&](ConstDibView from, DibView to) { kernels::tone().gray_rows(from, to, rule); });
   return OwnedDib(std::move(result));
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/gray.h"
+#include "dib/held_part.h"
 #include "kernels/tone/tone.h"
 
 namespace vorel::tone {
@@ -42,7 +43,8 @@ Result<HGLOBAL> with_levels(HGLOBAL handle, const LockedDib& source, const kerne
   kernels::ComponentTable levels;
   std::ranges::transform(opened.colors(kTableColors), levels.begin(), [&](Rgb color) { return table[level_of(color)]; });
   target.write_gray_ramp();
-  kernels::tone().map_bytes(opened.pixels(), target.pixels(), levels);
+  fill_from_held(opened, target.pixels(), 0,
+                 [&](ConstDibView from, DibView to) { kernels::tone().map_bytes(from, to, levels); });
   return std::move(target).release();
 }
 
@@ -51,7 +53,8 @@ Result<OwnedDib> with_components(const LockedDib& source, const kernels::Compone
   if (opened.header().depth != 24) return with_mapped_table(opened, table);
   StatedCopy result = VOREL_TRY(StatedCopy::of(opened, OwnedDib::allocate_unset_or_retry));
   std::ranges::copy(opened.head(), result.head().begin());
-  kernels::tone().map_bytes(opened.pixels(), result.pixels(), table);
+  fill_from_held(opened, result.pixels(), 0,
+                 [&](ConstDibView from, DibView to) { kernels::tone().map_bytes(from, to, table); });
   return std::move(result).finish();
 }
 
@@ -61,7 +64,8 @@ Result<OwnedDib> in_true_color(const LockedDib& source) {
   NewDib result = VOREL_TRY(NewDib::make(header, rows_bytes(header), {}, OwnedDib::allocate_unset_or_retry));
   result.clear_padding();
   const auto colors = opened.colors(kTableColors).first<kTableColors>();
-  kernels::tone().look_up_colors(opened.pixels(), result.pixels(), colors);
+  fill_from_held(opened, result.pixels(), 0,
+                 [&](ConstDibView from, DibView to) { kernels::tone().look_up_colors(from, to, colors); });
   return OwnedDib(std::move(result));
 }
 

@@ -1,6 +1,8 @@
 // What the exports of tone and colour refuse, in which order, and how each reports it.
 #include <climits>
+#include <functional>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <set>
 
 #include <vorel32.h>
@@ -172,6 +174,53 @@ TEST(Filters, RefuseTypesSizesAndKernels) {
   expect_filter({2, 3, sobel}, true);
   expect_filter({2, 3, sobel}, false, 1);
   EXPECT_EQ(Convolve(block_of(noise(9, 9, 8)).get(), 0, 2, 3, nullptr, nullptr, nullptr), nullptr) << "no name";
+}
+
+// Zero pixels behind the end of a block are worked on once and copied; a block that has them shows each of them worked on.
+TEST(ToneExports, CountShortBlocksAsCompletedWithZeros) {
+  std::vector<int> weights(50);
+  std::iota(weights.begin(), weights.end(), -11);
+  const std::vector<short> short_weights(weights.begin(), weights.end());
+  Bytes table = noise(64, 4, 8);
+  table.erase(table.begin(), table.end() - 256);
+  const Block levels = block_of(table);
+  const struct {
+    const char* name;
+    int depth;
+    std::function<HGLOBAL(HGLOBAL)> call;
+  } calls[] = {{"levels", 8, [&](HGLOBAL dib) { return ApplyLUT(dib, levels.get(), 1, nullptr); }},
+               {"levels in place", 8, [&](HGLOBAL dib) { return ApplyLUT(dib, levels.get(), 0, nullptr); }},
+               {"components", 24, [](HGLOBAL dib) { return ColorBrightnessContrast(dib, 30, 40); }},
+               {"colors", 8, [](HGLOBAL dib) { return Convert8to24(dib); }},
+               {"grays", 24, [](HGLOBAL dib) { return ConvColorDIBtoGrayscale(dib, 0, 1); }},
+               {"grays of bits", 1, [](HGLOBAL dib) { return ConvColorDIBtoGrayscale(dib, 2, 0); }},
+               {"inverted", 1, [](HGLOBAL dib) { return ConvMonoDIBtoGrayscale(dib, 1); }},
+               {"by 3", 8, [&](HGLOBAL dib) { return Convolve(dib, 1, 1, 3, nullptr, weights.data(), nullptr); }},
+               {"by 7 in place", 8, [](HGLOBAL dib) { return Convolve(dib, 0, 3, 7, nullptr, nullptr, nullptr); }},
+               {"by 5", 8, [](HGLOBAL dib) { return Convolve(dib, 1, 6, 5, nullptr, nullptr, nullptr); }},
+               {"colors by 5", 24, [](HGLOBAL dib) { return ColorConvolution(dib, 1, 1, 6, 5, nullptr, nullptr, nullptr); }},
+               {"thresholds", 8, [](HGLOBAL dib) { return Halftone(dib, 2, 60, nullptr); }},
+               {"thresholds", 24, [](HGLOBAL dib) { return Halftone(dib, 2, 60, nullptr); }},
+               {"one threshold", 4, [](HGLOBAL dib) { return Halftone(dib, 0, 60, nullptr); }}};
+  for (const auto& [name, depth, call] : calls)
+    for (const auto& [width, height] : {std::pair{30, 50}, {500, 2}, {700, 1}, {3, 90}, {1, 1}}) {
+      const Bytes whole = noise(width, height, depth);
+      const size_t head = whole.size() - stride_of(width, depth) * static_cast<size_t>(height);
+      for (size_t there : {size_t{40}, head, head + 1, head + stride_of(width, depth) + 2, whole.size() - 5}) {
+        Bytes bytes = whole;
+        bytes.resize(there);
+        const Block cut_off = block_of(bytes);
+        bytes.resize(whole.size());
+        const Block completed = block_of(bytes);
+        HGLOBAL result = call(cut_off.get()), expected = call(completed.get());
+        ASSERT_NE(expected, nullptr) << name;
+        Bytes compared = bytes_of(expected);
+        if (expected == completed.get()) compared.resize(there);
+        EXPECT_TRUE(bytes_of(result) == compared) << name << ", " << width << " x " << height << ", " << there << " bytes";
+        if (result != cut_off.get()) GlobalFree(result);
+        if (expected != completed.get()) GlobalFree(expected);
+      }
+    }
 }
 
 // No result and no code. Wrong sizes do no harm: nothing outside the block is read.

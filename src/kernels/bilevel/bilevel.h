@@ -13,6 +13,7 @@ namespace vorel::kernels {
 
 enum class Dithering { kFloydSteinberg, kJarvisJudiceNinke, kSmooth, kSharp };
 enum class HalftoneMethod : uint16_t { kThreshold = 0, kDiffusion = 1, kOrdered = 2 };
+inline constexpr int kHalftonePeriod = 16;  // rows and columns of the matrix of thresholds
 
 // Scratch memory for the functions below, aligned to 8 bytes.
 ByteCount dithering_scratch(Size picture, int bits, Dithering method);

@@ -13,7 +13,7 @@
 namespace vorel::kernels::VOREL_LEVEL {
 namespace {
 
-constexpr size_t kMatrixSide = 16;
+constexpr size_t kMatrixSide = kHalftonePeriod;
 using Matrix = std::array<std::array<uint8_t, kMatrixSide>, kMatrixSide>;
 
 // Thresholds from 0 to 255, spread as evenly as possible (Bayer, 1973): each quadrant is the matrix of half the size, times
