@@ -134,8 +134,6 @@ class NewDib {
   void clear_padding() const {
     const DibView view = pixels();
     const auto stride = static_cast<size_t>(view.stride());
-    constexpr size_t kNarrow = 32;
-    if (stride <= kNarrow) return std::ranges::fill(image(), uint8_t{0});
     for (int y = 0; y < view.height(); ++y)
       std::fill_n(view.row(y).data() + view.row(y).size(), stride - view.row(y).size(), uint8_t{0});
     clear_behind_rows();
