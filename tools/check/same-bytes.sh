@@ -10,6 +10,7 @@ mode=${1:-quick} calls=${2:-5000}
 folder=build/check/same-bytes
 mkdir -p "$folder"
 rm -f "$folder"/*.txt
+first=$folder/gcc-64-O2-sse2.txt
 
 # name          compiler  bits  flags  quick
 builds='
@@ -30,31 +31,28 @@ logged() { "$@" >>"$folder/build.log" 2>&1 || { tail -n 20 "$folder/build.log" >
 build() {
   local name=$1 compiler=$2 bits=$3 flags=$4 width=''
   if [ "$name" = gcc-64-O2 ]; then
-    logged cmake --preset native
-    logged cmake --build --preset native --target vorel32 hash_results
-    echo build/native/bin
+    logged cmake --preset native && logged cmake --build --preset native --target vorel32 hash_results && echo build/native/bin
     return
   fi
   [ "$bits" = 64 ] || width='-m32 -msse2 -mfpmath=sse'
   logged cmake -S . -B "$folder/$name" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER="$compiler" \
     -DCMAKE_CXX_COMPILER="$([ "$compiler" = gcc ] && echo g++ || echo clang++)" -DCMAKE_C_FLAGS="$width" -DCMAKE_CXX_FLAGS="$width" \
-    -DCMAKE_C_FLAGS_DEBUG="$flags" -DCMAKE_CXX_FLAGS_DEBUG="$flags" -DVOREL_TESTS=OFF
-  logged cmake --build "$folder/$name" --target vorel32 hash_results
-  echo "$folder/$name/bin"
+    -DCMAKE_C_FLAGS_DEBUG="$flags" -DCMAKE_CXX_FLAGS_DEBUG="$flags" -DVOREL_TESTS=OFF &&
+    logged cmake --build "$folder/$name" --target vorel32 hash_results && echo "$folder/$name/bin"
 }
 
 # hash NAME LEVEL COMMAND...: the lines of a build at an instruction set; the machine's highest is used if LEVEL is higher.
 hash() {
   local name=$1 level=$2
   shift 2
-  VOREL_CPU_LEVEL=$level "$@" --count "$calls" 2>&1 | tr -d '\r' >"$folder/$name-$level.txt" || true
+  VOREL_CPU_LEVEL=$level "$@" --count "$calls" 2>"$folder/errors.txt" | tr -d '\r' >"$folder/$name-$level.txt" || cat "$folder/errors.txt"
 }
 
 : >"$folder/build.log"
 while read -r name compiler bits flags quick; do
   [ -n "$name" ] || continue
   [ "$mode" = release ] || [ "$quick" = yes ] || continue
-  bin=$(build "$name" "$compiler" "$bits" "$flags")
+  bin=$(build "$name" "$compiler" "$bits" "$flags") || { printf 'asked: %d results equal in every build | reached: %s does not build\n' "$calls" "$name"; exit 1; }
   for level in "${levels[@]}"; do hash "$name" "$level" "$bin/hash_results" "$bin/libvorel32.so"; done
 done <<<"$builds"
 
@@ -71,8 +69,8 @@ if cmake --list-presets | grep -q '"win64"'; then
 else
   missing='; there is no 64-bit Windows build'
 fi
+rm -f "$folder/errors.txt"
 
-first=$folder/gcc-64-O2-sse2.txt
 runs=0 differing=()
 for lines in "$folder"/*.txt; do
   runs=$((runs + 1))
