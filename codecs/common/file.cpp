@@ -67,10 +67,10 @@ size_t read_at(std::FILE* file, uint64_t offset, std::span<uint8_t> bytes) {
 InputFile::InputFile(const char* path) : size_(size_to_open(path)) { file_ = open_file(path, "rb"); }
 
 std::vector<uint8_t> InputFile::read(uint64_t offset, uint64_t count) const {
-  const uint64_t there = offset < size_ ? std::min(count, size_ - offset) : 0;
-  if (there == 0) return {};
-  if (there > std::numeric_limits<std::ptrdiff_t>::max()) fail(IMG_E_MEMORY);
-  std::vector<uint8_t> bytes(static_cast<size_t>(there));
+  const uint64_t available = offset < size_ ? std::min(count, size_ - offset) : 0;
+  if (available == 0) return {};
+  if (available > std::numeric_limits<std::ptrdiff_t>::max()) fail(IMG_E_MEMORY);
+  std::vector<uint8_t> bytes(static_cast<size_t>(available));
   if (read_at(get(), offset, bytes) != bytes.size()) fail(IMG_E_FILE_IO);
   return bytes;
 }

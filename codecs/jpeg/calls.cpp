@@ -5,7 +5,7 @@
 namespace codec::jpeg {
 namespace {
 
-[[noreturn]] void leave(j_common_ptr jpeg) { std::longjmp(static_cast<ErrorManager*>(jpeg->err)->landing, 1); }
+[[noreturn]] void leave(j_common_ptr jpeg) { std::longjmp(static_cast<ErrorManager*>(jpeg->err)->jump_buffer, 1); }
 
 bool loses_pixels(int warning) {
   switch (warning) {
@@ -20,7 +20,7 @@ bool loses_pixels(int warning) {
 
 // Levels below 0 are warnings. A file that ends within its pixels also causes another warning.
 void take_message(j_common_ptr jpeg, int level) {
-  if (level < 0 && jpeg->err->msg_code == JWRN_JPEG_EOF) static_cast<ErrorManager*>(jpeg->err)->has_no_end = true;
+  if (level < 0 && jpeg->err->msg_code == JWRN_JPEG_EOF) static_cast<ErrorManager*>(jpeg->err)->lacks_end_marker = true;
   if (level < 0 && loses_pixels(jpeg->err->msg_code)) leave(jpeg);
 }
 

@@ -5,13 +5,11 @@
 #include <cstdio>
 #include <jpeglib.h>
 
-#include <vorel32.h>  // first: libjpeg has types of the same names, and then makes do with these
-
 namespace codec::jpeg {
 
 struct ErrorManager : jpeg_error_mgr {
-  std::jmp_buf landing;
-  bool has_no_end;  // the file has no end marker
+  std::jmp_buf jump_buffer;
+  bool lacks_end_marker;
 };
 
 // Nothing is printed. Loss of pixels, which libjpeg fills with grey, is an error.
@@ -19,8 +17,8 @@ jpeg_error_mgr* prepare(ErrorManager& errors);
 
 // Returns whether `calls` ended without an error. Nothing in them may have a destructor.
 template <class Calls>
-bool came_through(ErrorManager& errors, Calls calls) noexcept {
-  if (setjmp(errors.landing) != 0) return false;
+bool run_guarded(ErrorManager& errors, Calls calls) noexcept {
+  if (setjmp(errors.jump_buffer) != 0) return false;
   calls();
   return true;
 }

@@ -42,7 +42,7 @@ class Decompressor {
     run([&] {
       jpeg_.out_color_space = space;
       jpeg_start_decompress(&jpeg_);
-      if (errors_.has_no_end && !has_all_coefficients()) jpeg_.err->error_exit(reinterpret_cast<j_common_ptr>(&jpeg_));
+      if (errors_.lacks_end_marker && !has_all_coefficients()) jpeg_.err->error_exit(reinterpret_cast<j_common_ptr>(&jpeg_));
       while (jpeg_.output_scanline < jpeg_.output_height) {
         const auto y = static_cast<int>(jpeg_.output_scanline);
         JSAMPROW samples = row(y);
@@ -51,7 +51,8 @@ class Decompressor {
       }
       jpeg_finish_decompress(&jpeg_);
       // Truncated arithmetic code reads as zeros, so only the end marker shows whether it is complete.
-      if (errors_.has_no_end && jpeg_.arith_code != FALSE) jpeg_.err->error_exit(reinterpret_cast<j_common_ptr>(&jpeg_));
+      if (errors_.lacks_end_marker && jpeg_.arith_code != FALSE)
+        jpeg_.err->error_exit(reinterpret_cast<j_common_ptr>(&jpeg_));
     });
   }
 
@@ -66,7 +67,7 @@ class Decompressor {
 
   template <class Calls>
   void run(Calls calls) {
-    if (!came_through(errors_, calls)) fail(IMG_E_FORMAT);
+    if (!run_guarded(errors_, calls)) fail(IMG_E_FORMAT);
   }
 
   // Each scan covers the whole picture, however few bytes it has in the file.

@@ -77,7 +77,7 @@ class Compressor {
 
   // Returns whether everything was written.
   bool write(std::FILE* file, const SourceDib& dib, Samples& samples, const Form& form) {
-    return came_through(errors_, [&] {
+    return run_guarded(errors_, [&] {
       jpeg_create_compress(&jpeg_);
       jpeg_stdio_dest(&jpeg_, file);
       describe(dib, samples.is_gray(), form);

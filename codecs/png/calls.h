@@ -22,7 +22,7 @@ inline void allow_any_size(png_structp png) { png_set_user_limits(png, PNG_UINT_
 
 // Returns whether `calls` ended without an error. Nothing in them may have a destructor.
 template <class Calls>
-bool came_through(png_structp png, Calls calls) noexcept {
+bool run_guarded(png_structp png, Calls calls) noexcept {
   if (setjmp(png_jmpbuf(png)) != 0) return false;
   calls();
   return true;

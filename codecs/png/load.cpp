@@ -75,7 +75,7 @@ class Reader {
  private:
   template <class Calls>
   void run(Calls calls) {
-    if (!came_through(png_, calls)) fail(std::ferror(file_) != 0 ? IMG_E_FILE_IO : IMG_E_FORMAT);
+    if (!run_guarded(png_, calls)) fail(std::ferror(file_) != 0 ? IMG_E_FILE_IO : IMG_E_FORMAT);
   }
 
   // Skips chunks that a DIB cannot hold: profiles and gamma, which are not applied, and texts, which may unpack to any size.

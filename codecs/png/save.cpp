@@ -30,7 +30,7 @@ class Writer {
 
   // Returns whether everything was written.
   bool write(std::FILE* file, const SourceDib& dib, int color_type, const Palette& palette) {
-    return came_through(png_, [&] {
+    return run_guarded(png_, [&] {
       allow_any_size(png_);
       png_init_io(png_, file);
       describe(dib, color_type, palette);

@@ -139,7 +139,7 @@ class PixelBytes {
 
   ByteSource source_;
   std::span<const uint8_t> pixel_;  // of the packet, if it is a run
-  size_t pixel_bytes_, left_ = 0;   // bytes of the packet still to give
+  size_t pixel_bytes_, left_ = 0;   // bytes left in the packet
   bool is_compressed_, is_run_ = false;
 };
 

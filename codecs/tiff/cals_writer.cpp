@@ -18,7 +18,7 @@ std::vector<uint8_t> group4_data(const SourceDib& dib) {
   return {begin, begin + static_cast<std::ptrdiff_t>(TIFFGetStrileByteCount(tiff.get(), 0))};
 }
 
-// The format requires a density: an unknown resolution becomes that of most scanners.
+// The format requires a density: an unknown resolution becomes the usual one of scanners.
 int density_of(Resolution resolution) {
   constexpr int kUsual = 300, kMost = 9'999;
   const int dots_per_inch = nearest_dpi(resolution.x);

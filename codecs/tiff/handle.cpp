@@ -96,7 +96,7 @@ void forget_tags(TIFF* tiff) {
   TIFFCreateCustomDirectory(tiff, reinterpret_cast<const TIFFFieldArray*>(kNoTags.data()));
 }
 
-// Whether libjpeg has no memory for its decoder, which the library calls all the same.
+// Whether libjpeg had no memory for its decoder, which the library calls nevertheless.
 bool lacks_decoder(std::string_view module, std::string_view message) {
   return module == "JPEGLib" && message.starts_with("Insufficient memory");
 }
@@ -121,7 +121,7 @@ int take_message(TIFF* tiff, void* client, const char* module_name, const char* 
     return 1;
   }
   state.left = tiff;
-  std::longjmp(state.landing, 1);
+  std::longjmp(state.jump_buffer, 1);
 }
 
 // Raw strips can be as long as the file, tables somewhat longer.

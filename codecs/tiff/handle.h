@@ -52,7 +52,7 @@ class TiffHandle {
     bool has_loss = false;
     bool ran_out_of_runs = false;
     bool lacks_memory = false;
-    std::jmp_buf landing{};
+    std::jmp_buf jump_buffer{};
     bool can_land = false;
     TIFF* left = nullptr;  // the library's handle after a jump
   };
@@ -68,7 +68,7 @@ class TiffHandle {
 
   template <class Calls>
   static bool came_through(Client& client, Calls calls) noexcept {
-    if (setjmp(client.landing) != 0) return false;
+    if (setjmp(client.jump_buffer) != 0) return false;
     client.can_land = true;
     calls();
     client.can_land = false;

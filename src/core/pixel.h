@@ -51,7 +51,7 @@ struct Pixel {
 // The depths whose pixels are processed as colours: mixed, or reduced to fewer.
 inline bool is_color_depth(int depth) { return depth == 4 || depth == 8 || depth == 24; }
 
-// The depths that with_depth knows.
+// The depths that with_depth supports.
 inline bool is_pixel_depth(int depth) { return depth == 1 || is_color_depth(depth); }
 
 // Calls op with the depth as a constant and returns true; false without a call for an unsupported depth.

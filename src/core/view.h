@@ -24,7 +24,7 @@ struct Rect {
 };
 
 // Rows of pixels in memory. Rows are counted as they are stored: in a packed DIB row 0 is the bottom line of the picture, in
-// the bits of a device bitmap the top line. The maker of a view ensures that its rows lie inside the memory.
+// the bits of a device bitmap the top line. Whoever makes a view ensures that its rows are inside the memory.
 template <class Byte>
 class BasicView {
  public:

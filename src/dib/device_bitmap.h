@@ -16,7 +16,7 @@ std::optional<BITMAP> describe(HBITMAP bitmap);
 bool copy_bits_out(HBITMAP bitmap, std::span<uint8_t> bits);
 
 // `palette` may be null. Every failure is unreported. If the screen's palette is needed but unavailable, the thread's code
-// is set and the conversion goes on without it.
+// is set and the conversion continues without it.
 Result<OwnedDib> dib_of(HBITMAP bitmap, HPALETTE palette);
 
 // The same in the colours of the screen's palette; the thread's code is set if it has none.

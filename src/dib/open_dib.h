@@ -45,7 +45,7 @@ class OpenDib {
   DibView pixels() const { return pixels_in(bytes(), header(), layout_); }
   // The block has all bytes.
   bool is_complete() const { return bytes_.held() == bytes_.bytes().size(); }
-  // The rows that lie in the block at least in part; all rows behind them are zero. A block of a few bytes can claim a large
+  // The rows that are at least partly in the block; all rows behind them are zero. A block of a few bytes can claim a large
   // picture: an operation that leaves zeros as they are needs only these rows.
   ConstDibView held_rows() const { return pixels().first_rows(held_row_count()); }
   // The same, cut at the last byte of the block if that lies in the first row.

@@ -86,8 +86,8 @@ Box client_at_ratio_one(ImgDisplayLayout layout) {
 
 constexpr UINT kPositionedByZoom = 0x04;
 
-// Copies the new ratio into the state. The fit options are cleared only after the new mapping is made, so for a fitted image
-// the corner follows from the fitted size. This quirk is kept: callers see the result.
+// Copies the new ratio into the state. A quirk that is kept: the fit options are cleared only after the new mapping is made, so
+// for a fitted image the corner follows from the fitted size.
 void recentre(Point device_point, ImgZoomTracker& tracker, ImgDisplayLayout& layout) {
   const Point point = set_up_mapping(layout, Offsets::kKeep).to_logical(device_point);
   layout.zoomViewportX = tracker.resultViewportX;

@@ -85,7 +85,7 @@ float capped_ratio(int viewport, int window, int64_t client, int64_t band) {
   constexpr float kMost = 5.0f;
   const float now = window == 0 ? 1.0f : static_cast<float>(viewport) / static_cast<float>(window);
   const float ratio = now * static_cast<float>(client) / static_cast<float>(band);
-  return ratio < kMost ? ratio : kMost;  // NaN also gives the cap
+  return ratio < kMost ? ratio : kMost;  // the cap for NaN too
 }
 
 }  // namespace

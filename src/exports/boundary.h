@@ -1,5 +1,5 @@
-// The border between C++ and the callers: results become return values, errors are reported the way each export reports
-// them, no exception gets through, and arithmetic does not depend on the caller.
+// The boundary between C++ and the callers: results become return values, errors are reported the way each export reports
+// them, no exception passes, and arithmetic does not depend on the caller.
 #pragma once
 
 #include <cstdint>

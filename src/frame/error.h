@@ -1,4 +1,4 @@
-// Error codes and how operations hand them up: as values inside, as numbers only where an export reports them.
+// Error codes: values inside the library, numbers only where an export reports them.
 #pragma once
 
 #include <cstdint>

@@ -61,8 +61,8 @@ Result<OwnedDib> copied(HGLOBAL source) {
   const ByteCount bytes = kHeaderBytes + ByteCount(colors) * sizeof(Rgb) + header.image_bytes;
   auto copy = OwnedDib::allocate(bytes);
   if (!copy) return copy.error() == Error::kLock ? Error::kCombineLock : Error::kCombineMemory;
-  const auto there = locked->part(0, bytes);
-  std::ranges::copy(there, copy->bytes().begin());
+  const auto available = locked->part(0, bytes);
+  std::ranges::copy(available, copy->bytes().begin());
   return copy;
 }
 

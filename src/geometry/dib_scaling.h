@@ -10,7 +10,7 @@ namespace vorel::geometry {
 // nearest pixel.
 Result<OwnedDib> scaled(const LockedDib& source, kernels::Interpolation interpolation, uint32_t width, uint32_t height);
 
-// A new DIB with the first stored rows and columns of a grey picture, as many as `area` says, magnified.
+// A new DIB with the first stored rows and columns of a grey picture, of the size `area`, magnified.
 Result<OwnedDib> magnified(const LockedDib& source, Size area, int x_factor, int y_factor,
                            kernels::Interpolation interpolation);
 

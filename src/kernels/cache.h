@@ -1,5 +1,5 @@
-// Bringing memory into the caches early, where it lies in an order that the processor does not foresee. Inline throughout, because
-// the compiler drops calls that only prefetch.
+// Prefetching, for accesses in an order that the processor does not predict. Inline throughout, because the compiler drops calls
+// that only prefetch.
 #pragma once
 
 #include <cstddef>

@@ -18,8 +18,7 @@ inline std::span<const uint8_t> source_piece(ConstDibView source, int y, size_t 
 }
 
 // Writes a result row after row. A large result goes past the caches, so that its old content is not read into them. Where
-// pixels are only moved, the source is read ahead meanwhile: the processor does it by itself for ascending addresses only.
-// Both are decided here alone.
+// pixels are only moved, the source is prefetched: the processor does so by itself only for ascending addresses.
 class RowOutput {
  public:
   // The rows of a picture changed in place are in the caches already.

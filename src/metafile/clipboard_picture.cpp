@@ -32,8 +32,8 @@ Size size_in(HWND owner, const METAFILEPICT& picture) {
   const PictureLengths lengths{static_cast<MappingMode>(picture.mm), picture.xExt, picture.yExt};
   const WindowDc window(owner);
   if (!window) return pixels_on_clipboard(lengths, 0, {640, 480});
-  const auto told = [&](int what) { return GetDeviceCaps(window.get(), what); };
-  return pixels_on_clipboard(lengths, told(LOGPIXELSX), {told(HORZSIZE), told(VERTSIZE)});
+  const auto capability = [&](int index) { return GetDeviceCaps(window.get(), index); };
+  return pixels_on_clipboard(lengths, capability(LOGPIXELSX), {capability(HORZSIZE), capability(VERTSIZE)});
 }
 
 std::optional<METAFILEPICT> picture_on_clipboard() {

@@ -87,7 +87,7 @@ struct MetafileStart {
   uint64_t bytes = 0;
   Extent extent;
 
-  // A Windows metafile gets twice the memory that it takes.
+  // A Windows metafile gets twice the memory that it needs.
   ByteCount block_bytes() const { return ByteCount(bytes) * (is_enhanced ? 1 : 2); }
 };
 

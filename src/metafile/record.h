@@ -42,7 +42,7 @@ struct DibParts {
 // Entries of the colour table, by the system's numbers: colours, or 16-bit indices.
 enum class ColorUse : uint32_t { kColors = 0, kIndices = 1 };
 
-// The parts of the DIB that begins at an offset. None for a header that is incomplete or that no player knows.
+// The parts of the DIB that begins at an offset. None for a header that is incomplete or that no player supports.
 std::optional<DibParts> dib_parts(const Record& record, size_t offset, ColorUse use);
 
 }  // namespace vorel::metafile

@@ -1,4 +1,4 @@
-// The records of metafiles, checked before they are played: a player that believes a count or an offset reads outside the record
+// The records of metafiles, checked before they are played: a player that trusts a count or an offset reads outside the record
 // and may end the process.
 #pragma once
 

@@ -1,5 +1,5 @@
-// Sizes of metafile pictures, stated by a mapping mode and two lengths in its units. Files and the clipboard have
-// tables of their own, which differ. Both are kept: pictures keep their size.
+// Sizes of metafile pictures, stated by a mapping mode and two lengths in its units. A quirk that is kept: the
+// tables for files and for the clipboard differ.
 #pragma once
 
 #include "metafile/header.h"

@@ -1,4 +1,4 @@
-// Owning types for global memory: a block of the library's own, a lock on any block, and a plain scratch buffer.
+// Owning types for global memory: a block that the library allocates, a lock on any block, and a scratch buffer.
 #pragma once
 
 #include <cstdint>

@@ -43,7 +43,7 @@ void close_cancel_dialog(PrintJob& job) {
 }
 
 // Frees the resources that a job made, other than its document.
-void give_back(PrintJob& job) {
+void release_resources(PrintJob& job) {
   const OwnedDc printer(job.owns_printer_dc ? job.printer_dc : nullptr);
   const OwnedDc memory(job.dc != job.printer_dc ? job.dc : nullptr);
   job.dc = job.printer_dc = nullptr;
@@ -53,7 +53,7 @@ void give_back(PrintJob& job) {
 // A job that the thread has never ended is freed first.
 PrintJob& begin_job(const JobRequest& request) {
   PrintJob& job = current_job();
-  give_back(job);
+  release_resources(job);
   job = PrintJob{};
   if (request.document_name != nullptr) lstrcpynA(job.document, request.document_name, kJobNameBytes);
   job.page_count = request.page_count;
@@ -91,7 +91,7 @@ int choose_job_dc(PrintJob& job) {
   const bool in_memory = job.options.useMemoryDC != 0 && !job.is_monochrome;
   job.dc = in_memory ? MemoryDc(job.printer_dc).release() : job.printer_dc;
   if (job.dc != nullptr) return 0;
-  give_back(job);
+  release_resources(job);
   return code_of(Error::kPrinterDc);
 }
 

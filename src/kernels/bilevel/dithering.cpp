@@ -66,7 +66,7 @@ void diffuse(const Samples& samples, DibView result, Arena arena) {
   }
 }
 
-// Lane 0 of the first sixteen is the first row meeting itself, before it meets the second one. Its bits are dropped.
+// Lane 0 of the first sixteen pairs the first row with itself; its bits are dropped.
 template <int kPlanes, bool kHalves>
 void redistribute(const Samples& samples, int plane_width, DibView result, Arena arena) {
   using Method = Redistribution<kPlanes, kHalves>;

@@ -48,7 +48,7 @@ class Redistribution {
     Lanes pixels[4] = {};  // upper left, upper right, lower left, lower right
     Lanes carried = {};
 
-    // Where the upper left pixel has become white.
+    // Returns the lanes whose upper left pixel has become white.
     Lanes move_light(Lanes inside) {
       const Lanes sum = pixels[0] + pixels[1] + pixels[2] + pixels[3] + carried;
       Lanes ranks[4];

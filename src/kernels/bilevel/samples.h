@@ -34,9 +34,9 @@ class Samples {
     if (picture_.depth() != 24) return look_up(luminances_, row, x, count, to[0]);
     uint8_t* __restrict out = to[0];
     const uint8_t* pixel = row + size_t{3} * static_cast<size_t>(x);
-    const int there = std::clamp(picture_.width() - x, 0, count);
-    for (int i = 0; i < there; ++i, pixel += 3) out[i] = luminance_of({pixel[0], pixel[1], pixel[2], 0});
-    for (int i = there; i < count; ++i) out[i] = 0;
+    const int available = std::clamp(picture_.width() - x, 0, count);
+    for (int i = 0; i < available; ++i, pixel += 3) out[i] = luminance_of({pixel[0], pixel[1], pixel[2], 0});
+    for (int i = available; i < count; ++i) out[i] = 0;
   }
 
   // Red, green and blue.
@@ -47,13 +47,13 @@ class Samples {
       return;
     }
     const uint8_t* pixel = row + size_t{3} * static_cast<size_t>(x);
-    const int there = std::clamp(picture_.width() - x, 0, count);
-    for (int i = 0; i < there; ++i, pixel += 3) {
+    const int available = std::clamp(picture_.width() - x, 0, count);
+    for (int i = 0; i < available; ++i, pixel += 3) {
       to[0][i] = pixel[2];
       to[1][i] = pixel[1];
       to[2][i] = pixel[0];
     }
-    for (int i = there; i < count; ++i) to[0][i] = to[1][i] = to[2][i] = 0;
+    for (int i = available; i < count; ++i) to[0][i] = to[1][i] = to[2][i] = 0;
   }
 
  private:

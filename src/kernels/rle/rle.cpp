@@ -27,7 +27,7 @@ class CodeWriter {
   uint8_t* position() const { return next_; }
 
   void run(int pixels, uint8_t value) { pair(pixels, value); }
-  void mark(RleMark what) { pair(0, static_cast<uint8_t>(what)); }
+  void mark(RleMark mark) { pair(0, static_cast<uint8_t>(mark)); }
   void literal(int pixels, const uint8_t* bytes, int count) {
     pair(0, static_cast<uint8_t>(pixels));
     std::memcpy(next_, bytes, static_cast<size_t>(count));
@@ -220,8 +220,8 @@ class Decoder {
     const int bytes = (count + pixels_per_byte(kDepth) - 1) / pixels_per_byte(kDepth);
     const std::span<const uint8_t> data = take(static_cast<size_t>(bytes));
     take(static_cast<size_t>(bytes % 2));
-    const int there = std::min(count, static_cast<int>(data.size()) * pixels_per_byte(kDepth));
-    const int pixels = drawable(there);
+    const int available = std::min(count, static_cast<int>(data.size()) * pixels_per_byte(kDepth));
+    const int pixels = drawable(available);
     if (pixels > 0) set_literal<kDepth>(row(), static_cast<int>(x_), pixels, data.data());
     advance(pixels);
   }

@@ -14,7 +14,7 @@ namespace {
 using Table = std::array<uint8_t, 256>;
 
 // Resamples a picture. read_row(row, samples) unpacks a stored row, write_row(row, fill) packs a row from the samples that
-// fill(to, output) gives.
+// fill(to, output) makes.
 void resample(Interpolation interpolation, ConstDibView source, DibView result, int channels, Arena arena, auto&& read_row,
               auto&& write_row) {
   const auto run = [&](auto resampler) {

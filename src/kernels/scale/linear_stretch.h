@@ -70,7 +70,7 @@ class LinearStretch {
 #endif
   static constexpr size_t kBlock = sizeof(WideBytes);
 
-  // The neighbours of each sample lie at its position and `channels` bytes further; `weights` are the second ones'.
+  // The neighbours of each sample are at its position and `channels` bytes further; `weights` are the weights of the second.
   LinearStretch(std::span<const uint32_t> positions, const uint8_t* weights, size_t channels, Arena& arena)
       : blocks_(aligned_blocks((positions.size() + kBlock - 1) / kBlock, arena)),
         windows_(arena.take<uint32_t>(blocks_.size() * kWindows)) {

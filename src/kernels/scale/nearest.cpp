@@ -93,8 +93,8 @@ class BitGather {
   // Columns past the last one have no bit to test.
 #ifdef __AVX512VBMI__
   static Mask tested(const uint8_t* from, const uint8_t* end, Vector places, Vector bits) {
-    const auto there = static_cast<size_t>(end - from);
-    const Vector bytes = _mm512_maskz_loadu_epi8(there < kBlock ? (Mask{1} << there) - 1 : ~Mask{0}, from);
+    const auto available = static_cast<size_t>(end - from);
+    const Vector bytes = _mm512_maskz_loadu_epi8(available < kBlock ? (Mask{1} << available) - 1 : ~Mask{0}, from);
     return _mm512_test_epi8_mask(_mm512_maskz_permutexvar_epi8(~Mask{0}, places, bytes), bits);
   }
 #else
@@ -180,10 +180,10 @@ void for_each_row(ConstDibView source, Rect rect, DibView result, auto&& fill) {
 }  // namespace
 
 void scale_nearest(ConstDibView source, Rect rect, DibView result, std::span<uint8_t> scratch) {
-  const int there = source.width() - rect.x;
-  const Columns columns{rect.x, rect.x + (rect.width < there ? rect.width : there), rect.width, result.width()};
+  const int available = source.width() - rect.x;
+  const Columns columns{rect.x, rect.x + (rect.width < available ? rect.width : available), rect.width, result.width()};
   using Row = std::span<const uint8_t>;
-  if (source.depth() == 1 && rect.width == result.width() && rect.width <= there) {
+  if (source.depth() == 1 && rect.width == result.width() && rect.width <= available) {
     return for_each_row(source, rect, result,
                         [&](Row from, std::span<uint8_t> to) { copy_bits(from, rect.x, rect.width, to); });
   }

@@ -33,7 +33,7 @@ class NearestColorMap {
     if (number == 0) number = new_cube({blue & 0xF0, green & 0xF0, red & 0xF0});
     Cube& cube = cubes_[number - 1];
     List& cell = cube.cells[(blue >> 3 & 1) | (green >> 2 & 2) | (red >> 1 & 4)];
-    if (cell.count == 0) cell = chosen(cube.all, {{blue & 0xF8, green & 0xF8, red & 0xF8}, kCellSide});
+    if (cell.count == 0) cell = pruned(cube.all, {{blue & 0xF8, green & 0xF8, red & 0xF8}, kCellSide});
     const uint8_t* const entries = &pool_[cell.first];
     if (cell.count == 1) return entries[0];
     return static_cast<uint8_t>(nearest_of({entries, cell.count}, {blue, green, red}));
@@ -73,7 +73,7 @@ class NearestColorMap {
   }
 
   uint16_t new_cube(Point corner) {
-    cubes_[cubes_used_] = {chosen({0, static_cast<uint32_t>(colors_.size()) & 0x3FF}, {corner, kCubeSide}), {}};
+    cubes_[cubes_used_] = {pruned({0, static_cast<uint32_t>(colors_.size()) & 0x3FF}, {corner, kCubeSide}), {}};
     return ++cubes_used_;
   }
 
@@ -90,7 +90,7 @@ class NearestColorMap {
 
   // The entries of a list, except those that are nowhere in the box nearer than the entry nearest to its middle. The whole list
   // if the pool is full.
-  List chosen(List list, const Box& box) {
+  List pruned(List list, const Box& box) {
     const std::span<const uint8_t> entries(&pool_[list.first], list.count);
     if (entries.size() > kPoolBytes - used_) return list;
     const int half = box.side / 2;

@@ -65,12 +65,12 @@ class Resampler {
         result_(result),
         channels_(static_cast<size_t>(channels)),
         samples_(arena.take<uint8_t>((static_cast<size_t>(source.width()) + kGuards) * channels_ + ByteGather::kOverread)),
-        nothing_(arena.take<uint8_t>(band_bytes())),
+        zeros_(arena.take<uint8_t>(band_bytes())),
         gather_(columns(arena), arena),
         stretch_(gather_.positions(), weights_[kTaps - 1], channels_, arena),
         from_source_(samples_from_source()) {
     for (Band& band : bands_) band.samples = arena.take<uint8_t>(band_bytes());
-    std::memset(nothing_.data(), 0, nothing_.size());
+    std::memset(zeros_.data(), 0, zeros_.size());
   }
 
   size_t row_samples() const { return static_cast<size_t>(result_.width) * channels_; }
@@ -80,7 +80,7 @@ class Resampler {
     const auto taps = Method::row(y, source_.height, result_.height);
     std::array<const uint8_t*, kTaps> rows;
     for (size_t tap = 0; tap < kTaps; ++tap)
-      rows[tap] = taps.weights[tap] == 0 ? nothing_.data() : source_row(taps.first + static_cast<int>(tap), read_row);
+      rows[tap] = taps.weights[tap] == 0 ? zeros_.data() : source_row(taps.first + static_cast<int>(tap), read_row);
     if (is_pick(taps.weights)) return output.copy({to, row_samples()}, rows[kMiddle], {});
     if constexpr (kTaps == 2)
       output.write_vectors({to, row_samples()}, [&](size_t begin, size_t end, uint8_t* target, auto put)
@@ -145,7 +145,7 @@ class Resampler {
 
   // Rows above the first stored one are black; the last row is repeated.
   const uint8_t* source_row(int y, auto& read_row) {
-    if (y < 0) return nothing_.data();
+    if (y < 0) return zeros_.data();
     y = y < source_.height ? y : source_.height - 1;
     Band& band = bands_[static_cast<size_t>(y) % kTaps];
     if (band.y != y) {
@@ -217,7 +217,7 @@ class Resampler {
   size_t channels_;
   bool picks_ = true;  // every column of the result is a column of the source
   std::array<uint8_t*, kTaps> weights_;
-  std::span<uint8_t> samples_, nothing_;
+  std::span<uint8_t> samples_, zeros_;
   ByteGather gather_;
   std::conditional_t<kTaps == 2, LinearStretch, NoStretch> stretch_;
   size_t from_source_;

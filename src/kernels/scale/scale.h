@@ -15,7 +15,7 @@ enum class Interpolation { kLinear, kCubic };
 
 // An interpolating scaler fills a result of the same depth, 4, 8 or 24 bits, whose pixels need not be cleared; row padding
 // is left alone. Below 24 bits there are at most as many colours as the depth has; an index past them is black.
-//   scratch  as much as interpolation_scratch() says, aligned to 8 bytes
+//   scratch  interpolation_scratch() bytes, aligned to 8 bytes
 using Interpolate = void(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation,
                          std::span<uint8_t> scratch);
 
@@ -35,7 +35,7 @@ struct ScaleTable {
 
   // Fills a zero-filled result of the same depth with the nearest pixels of a rectangle that begins inside the picture.
   // Parts of the rectangle outside the picture stay zero.
-  //   scratch  as much as nearest_scratch() says, aligned to 8 bytes, or empty, which is slower
+  //   scratch  nearest_scratch() bytes, aligned to 8 bytes, or empty, which is slower
   void (*scale_nearest)(ConstDibView source, Rect rect, DibView result, std::span<uint8_t> scratch);
 };
 

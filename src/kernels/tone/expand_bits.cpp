@@ -29,7 +29,7 @@ void expand_row(std::span<const uint8_t> bits, uint8_t* pixels, uint8_t flip) {
   for (size_t i = 0; i < bits.size(); ++i) store_word(pixels + i * 8, kPixelsOfByte[bits[i] ^ flip]);
 }
 
-// Expands rows into the result, except for the pixels of a last byte that reach beyond the row.
+// Expands rows into the result, without the pixels of a last byte that are beyond the row.
 void expand_rows(ConstDibView source, DibView result, uint8_t flip) {
   const auto whole = static_cast<size_t>(source.width() / 8);
   for (int y = 0; y < source.height(); ++y) {

@@ -6,7 +6,7 @@
 namespace vorel::kernels {
 namespace {
 
-// The offset with which a factor gives the table; without one, whether the factor must be steeper.
+// The offset with which a factor reproduces the table; without one, whether the factor must be steeper.
 struct Trial {
   std::optional<int> offset;
   bool needs_steeper;

@@ -33,7 +33,7 @@ void mirror_row(const uint8_t* source, uint8_t* result, int width) {
   const int unused = static_cast<int>(bytes * 8 - static_cast<size_t>(width) * kDepth);
   size_t i = 0;
   if (bytes > kVectorBytes) {
-    // These also read the byte in front of the bytes that they move. The last vector may overlap the one before it.
+    // Also reads the byte in front of the bytes that are moved. The last vector may overlap the one before it.
     const auto move = [&](size_t to) {
       const uint8_t* const from = source + (bytes - to - kVectorBytes);
       auto moved = load<Bytes>(from);

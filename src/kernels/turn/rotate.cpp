@@ -40,16 +40,16 @@ struct Box {
   }
 };
 
-// Reads the source of the next tile ahead, a part with each row of this one.
+// Prefetches the source of the next tile, a part with each row of this one.
 class TileAhead {
  public:
-  // `way` leads from a tile's pixels to those of the next one.
-  TileAhead(ConstDibView source, Box box, Point way)
+  // `step` leads from a tile's pixels to those of the next one.
+  TileAhead(ConstDibView source, Box box, Point step)
       : source_(source),
-        left_(moved(box.left, way.x, source.width())),
-        right_(moved(box.right, way.x, source.width())),
-        row_(moved(box.top, way.y, source.height())),
-        end_(moved(box.bottom, way.y, source.height()) + 1) {}
+        left_(moved(box.left, step.x, source.width())),
+        right_(moved(box.right, step.x, source.width())),
+        row_(moved(box.top, step.y, source.height())),
+        end_(moved(box.bottom, step.y, source.height()) + 1) {}
 
   template <int kDepth>
   [[gnu::always_inline]] void read(int rows_left) {
@@ -59,7 +59,7 @@ class TileAhead {
   }
 
  private:
-  static int moved(int at, double way, int size) { return static_cast<int>(std::clamp(at + way, 0.0, size - 1.0)); }
+  static int moved(int at, double step, int size) { return static_cast<int>(std::clamp(at + step, 0.0, size - 1.0)); }
 
   ConstDibView source_;
   int left_, right_, row_, end_;
@@ -70,14 +70,14 @@ template <size_t kPixelBytes>
 struct Grid {
   size_t stride, origin = 0;
 
-  size_t way(int x, int y) const {
+  size_t offset(int x, int y) const {
     return static_cast<size_t>(std::ptrdiff_t{y}) * stride + static_cast<size_t>(std::ptrdiff_t{x}) * kPixelBytes;
   }
-  size_t at(int x, int y) const { return origin + way(x, y); }
+  size_t at(int x, int y) const { return origin + offset(x, y); }
 };
 
-// One coordinate along a row of the result, by counting: it advances by one when its share of the row's columns has passed.
-// The path from the row's start is the same in every row.
+// One coordinate along a row of the result, stepped by integers as in Bresenham's line algorithm. The path from the row's start is
+// the same in every row.
 class Axis {
  public:
   Axis(double across, double step, int64_t columns, int size)
@@ -113,7 +113,7 @@ class Axis {
   int64_t error_ = 0;
 };
 
-// The pixels of a band of tiles, stepped by counting.
+// The pixels of a band of tiles, stepped by integers.
 class CountedPixels {
  public:
   static constexpr int kRows = 64;
@@ -159,14 +159,14 @@ class CountedPixels {
   int x(int row, int column) const { return rows_[row].x + x_moved_[column]; }
   int y(int row, int column) const { return rows_[row].y + y_moved_[column]; }
 
-  // Computes the places of the columns in a grid.
+  // Computes the offsets of the columns in a grid.
   template <size_t kPixelBytes>
-  void place(const Grid<kPixelBytes>& grid) {
-    for (int i = 0; i < count_; ++i) places_[i] = grid.way(x_moved_[i], y_moved_[i]);
+  void compute_offsets(const Grid<kPixelBytes>& grid) {
+    for (int i = 0; i < count_; ++i) offsets_[i] = grid.offset(x_moved_[i], y_moved_[i]);
   }
   template <size_t kPixelBytes>
-  auto places(int row, const Grid<kPixelBytes>& grid) const {
-    return [first = grid.at(rows_[row].x, rows_[row].y), places = places_](int column) { return first + places[column]; };
+  auto offsets(int row, const Grid<kPixelBytes>& grid) const {
+    return [first = grid.at(rows_[row].x, rows_[row].y), offsets = offsets_](int column) { return first + offsets[column]; };
   }
 
  private:
@@ -181,7 +181,7 @@ class CountedPixels {
   Row rows_[kRows];
   int column_ = 0, count_ = 0;
   int x_moved_[kTileColumns], y_moved_[kTileColumns];
-  size_t places_[kTileColumns];
+  size_t offsets_[kTileColumns];
 };
 
 // As many doubles as the level has in a vector.
@@ -243,8 +243,8 @@ class ExactPixels {
   // Skips the next columns if none of their pixels can lie in the source.
   bool passes_by(int count) {
     const auto is_outside = [&](const double* starts, double step, int size) {
-      const double way = step * count, a = starts[0], b = starts[last_row_];
-      const double least = std::min(a, b) + std::min(way, 0.0), most = std::max(a, b) + std::max(way, 0.0);
+      const double distance = step * count, a = starts[0], b = starts[last_row_];
+      const double least = std::min(a, b) + std::min(distance, 0.0), most = std::max(a, b) + std::max(distance, 0.0);
       return most < -kMargin || least > size + kMargin;
     };
     if (!is_outside(x_at_, step_.x, source_.width) && !is_outside(y_at_, step_.y, source_.height)) return false;
@@ -275,9 +275,9 @@ class ExactPixels {
   int y(int row, int column) const { return y_[column][row]; }
 
   template <size_t kPixelBytes>
-  void place(const Grid<kPixelBytes>&) {}
+  void compute_offsets(const Grid<kPixelBytes>&) {}
   template <size_t kPixelBytes>
-  auto places(int row, const Grid<kPixelBytes>& grid) const {
+  auto offsets(int row, const Grid<kPixelBytes>& grid) const {
     return [grid, x = &x_[0][row], y = &y_[0][row]](int column) { return grid.at(x[column * kRows], y[column * kRows]); };
   }
 
@@ -305,24 +305,24 @@ class ExactPixels {
 };
 
 // Copies the pixels of a row of a tile, a byte or three bytes each.
-template <class Places>
-void copy_bytes(const uint8_t* source, uint8_t* target, Range range, const Places& place) {
-  for (int i = range.begin; i < range.end; ++i) target[i] = source[place(i)];
+template <class Offsets>
+void copy_bytes(const uint8_t* source, uint8_t* target, Range range, const Offsets& offset) {
+  for (int i = range.begin; i < range.end; ++i) target[i] = source[offset(i)];
 }
 
-template <class Places>
-void copy_colors(const uint8_t* source, uint8_t* target, Range range, const Places& place) {
+template <class Offsets>
+void copy_colors(const uint8_t* source, uint8_t* target, Range range, const Offsets& offset) {
   int i = range.begin;
   target += static_cast<size_t>(i) * 3;
   // Stores four bytes; the last one belongs to the next pixel, which comes after.
   for (; i + 1 < range.end; ++i, target += 3) {
-    const uint8_t* const from = source + place(i);
+    const uint8_t* const from = source + offset(i);
     uint16_t blue_green;
     std::memcpy(&blue_green, from, sizeof blue_green);
     const uint32_t pixel = blue_green | uint32_t{from[2]} << 16;
     std::memcpy(target, &pixel, sizeof pixel);
   }
-  if (i < range.end) std::memcpy(target, source + place(i), 3);
+  if (i < range.end) std::memcpy(target, source + offset(i), 3);
 }
 
 // The bits of each byte, a byte each, the highest one first.
@@ -339,7 +339,7 @@ constexpr BitTable kBits;
 // Pixels of less than a byte, unpacked to a byte each.
 class Patch {
  public:
-  // Unpacks the box, whose left side moves out to a whole byte.
+  // Unpacks the box, widened on the left to a whole byte.
   template <int kDepth>
   void unpack(ConstDibView source, const Box& box) {
     constexpr int kPixels = 8 / kDepth;
@@ -364,7 +364,7 @@ class Patch {
   // Indexed by the source's coordinates.
   Grid<1> grid() const {
     Grid<1> grid{kStride};
-    grid.origin = 0 - grid.way(left_, top_);
+    grid.origin = 0 - grid.offset(left_, top_);
     return grid;
   }
 
@@ -377,13 +377,13 @@ class Patch {
   uint8_t pixels_[kRows][kStride];
 };
 
-// A row of a tile, a byte or three bytes a pixel, before it is written: byte by byte it would wait for each line of the result
-// to come into cache.
+// A row of a tile before it is written, a byte or three bytes a pixel: single stores would wait for each cache line of the
+// result.
 template <int kDepth>
 struct Line {
   uint8_t pixels[kTileColumns * (kDepth == 24 ? 3 : 1)];
 
-  // By vectors: the compiler clears arrays of this size by an instruction that starts slowly.
+  // By vectors: compilers clear arrays of this size by an instruction with a slow start.
   void clear() {
     for (size_t i = 0; i < sizeof pixels; i += kVectorBytes) store(pixels + i, Bytes{});
   }
@@ -420,7 +420,7 @@ void clear_tile(DibView result, int column, int count, int first_row, int rows) 
 }
 
 template <int kDepth, class Pixels>
-void write_tile(ConstDibView source, DibView result, Pixels& pixels, Point way, int column, int count, int first_row,
+void write_tile(ConstDibView source, DibView result, Pixels& pixels, Point tile_step, int column, int count, int first_row,
                 int rows) {
   Range ranges[Pixels::kRows];
   Box box = Box::none();
@@ -433,17 +433,17 @@ void write_tile(ConstDibView source, DibView result, Pixels& pixels, Point way, 
   const size_t byte = row_bytes(kDepth, column);
   if (box.is_empty()) return clear_tile<kDepth>(result, column, count, first_row, rows);
   const auto write = [&](const uint8_t* memory, const auto& grid) {
-    pixels.place(grid);
-    TileAhead ahead(source, box, way);
+    pixels.compute_offsets(grid);
+    TileAhead ahead(source, box, tile_step);
     for (int i = 0; i < rows; ++i) {
       if constexpr (kDepth >= 8) ahead.read<kDepth>(rows - i);
       if (i + kRowsAhead < rows) write_ahead(result.row(first_row + i + kRowsAhead).data() + byte, row_bytes(kDepth, count));
       Line<kDepth> line;
       if (ranges[i].begin > 0 || ranges[i].end < kTileColumns) line.clear();
       if constexpr (kDepth == 24)
-        copy_colors(memory, line.pixels, ranges[i], pixels.places(i, grid));
+        copy_colors(memory, line.pixels, ranges[i], pixels.offsets(i, grid));
       else
-        copy_bytes(memory, line.pixels, ranges[i], pixels.places(i, grid));
+        copy_bytes(memory, line.pixels, ranges[i], pixels.offsets(i, grid));
       line.write(result.row(first_row + i).data() + byte, count);
     }
   };
@@ -460,7 +460,7 @@ template <int kDepth, class Pixels>
 void write_tiles(ConstDibView source, DibView result, const Rotation& rotation) {
   Pixels pixels(source.size(), rotation);
   Point position = rotation.first;
-  const Point way = {rotation.column_step.x * kTileColumns, rotation.column_step.y * kTileColumns};
+  const Point tile_step = {rotation.column_step.x * kTileColumns, rotation.column_step.y * kTileColumns};
   for (int y = 0; y < result.height(); y += Pixels::kRows) {
     const int rows = std::min(Pixels::kRows, result.height() - y);
     position = pixels.start_band(position, rows);
@@ -471,7 +471,7 @@ void write_tiles(ConstDibView source, DibView result, const Rotation& rotation) 
         continue;
       }
       pixels.start_tile(x, count);
-      write_tile<kDepth>(source, result, pixels, way, x, count, y, rows);
+      write_tile<kDepth>(source, result, pixels, tile_step, x, count, y, rows);
     }
   }
 }

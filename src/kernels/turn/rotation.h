@@ -7,7 +7,7 @@
 
 namespace vorel::kernels {
 
-// A position or a step in a picture whose first stored row is row 0.
+// A position or a step in a picture; row 0 is the first stored row.
 struct Point {
   double x = 0, y = 0;
   friend Point operator+(Point a, Point b) { return {a.x + b.x, a.y + b.y}; }
@@ -23,7 +23,7 @@ Integer rounded(double value) {
 
 // How columns of the result are traced through the source.
 enum class Stepping {
-  kInteger,  // by counting: only additions along a row
+  kInteger,  // by integer additions along a row
   kExact,    // by adding the exact step and rounding at each pixel
 };
 
