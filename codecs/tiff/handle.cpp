@@ -54,7 +54,7 @@ std::optional<unsigned> broken_row(std::string_view message) {
 }
 
 // Whether rows are missing before the end of the data. Past an end mark the decoder counts fewer rows than are read, and
-// complains about each.
+// reports each.
 bool is_before_end(TIFF* tiff, unsigned row) {
   if (TIFFIsTiled(tiff) != 0) return true;
   uint32_t rows_per_strip = 0;
@@ -64,7 +64,7 @@ bool is_before_end(TIFF* tiff, unsigned row) {
 
 // Losses that only a message reports: the library continues with white for pixels of Group 4 data, with grey for colours,
 // and without tags that it has no memory for.
-bool tells_loss(TIFF* tiff, std::string_view module, const char* message) {
+bool reports_loss(TIFF* tiff, std::string_view module, const char* message) {
   const std::string_view text = message;
   if (module == "TIFFReadDirectory" || module == "TIFFFetchNormalTag")
     return text.starts_with("Out of memory reading of") || text.starts_with("IO error during reading of \"ColorMap\"");
@@ -90,7 +90,7 @@ bool can_forget_tags(TIFF* tiff) {
 // library frees when it ends by itself.
 void forget_tags(TIFF* tiff) {
   constexpr int kUnknownCodec = 0xFFFF;
-  alignas(std::max_align_t) static constexpr std::array<std::byte, 64> kNoTags{};  // a private structure: all zero is empty
+  alignas(std::max_align_t) static constexpr std::array<std::byte, 64> kNoTags{};  // a private structure: zeros mean empty
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, kUnknownCodec);
   TIFFFreeDirectory(tiff);
   TIFFCreateCustomDirectory(tiff, reinterpret_cast<const TIFFFieldArray*>(kNoTags.data()));
@@ -107,17 +107,17 @@ int take_message(TIFF* tiff, void* client, const char* module_name, const char* 
   std::array<char, 200> message{};
   std::vsnprintf(message.data(), message.size(), format, values);
   auto& state = *static_cast<TiffHandle::Client*>(client);
-  if (tells_loss(tiff, module, message.data())) state.has_loss = true;
+  if (reports_loss(tiff, module, message.data())) state.has_loss = true;
   if (module == "Fax3Decode1D" && std::string_view(message.data()).starts_with("Buffer overflow"))
     state.ran_out_of_runs = true;
-  if (!state.can_land) return 1;
+  if (!state.can_jump) return 1;
   const bool is_losing_tags = loses_tags(tiff, message.data());
   if (!is_losing_tags && !lacks_decoder(module, message.data())) return 1;
-  state.can_land = false;
+  state.can_jump = false;
   if (is_losing_tags && can_forget_tags(tiff)) {
     state.lacks_memory = true;
     forget_tags(tiff);
-    state.can_land = true;
+    state.can_jump = true;
     return 1;
   }
   state.left = tiff;
@@ -144,11 +144,11 @@ TiffHandle::TiffHandle(Bytes& bytes, const char* mode) : client_(new Client{byte
   TIFFOpenOptionsSetErrorHandlerExtR(options.get(), take_message, client_.get());
   TIFFOpenOptionsSetWarningHandlerExtR(options.get(), take_message, client_.get());
   TIFF* opened = nullptr;
-  const bool came_back = came_through(*client_, [&] {
+  const bool has_returned = run_guarded(*client_, [&] {
     opened = TIFFClientOpenExt("", mode, client_.get(), read, write, seek, close, size, nullptr, nullptr, options.get());
   });
-  tiff_.reset(came_back ? opened : client_->left);
-  if (!came_back) fail(IMG_E_MEMORY);
+  tiff_.reset(has_returned ? opened : client_->left);
+  if (!has_returned) fail(IMG_E_MEMORY);
   check(tiff_ != nullptr);
 }
 

@@ -42,7 +42,7 @@ class TiffHandle {
   template <class Calls>
   void run(Calls calls) const {
     bool succeeded = false;
-    if (!came_through(*client_, [&] { succeeded = calls(); })) fail(IMG_E_MEMORY);
+    if (!run_guarded(*client_, [&] { succeeded = calls(); })) fail(IMG_E_MEMORY);
     check(succeeded);
   }
 
@@ -53,7 +53,7 @@ class TiffHandle {
     bool ran_out_of_runs = false;
     bool lacks_memory = false;
     std::jmp_buf jump_buffer{};
-    bool can_land = false;
+    bool can_jump = false;
     TIFF* left = nullptr;  // the library's handle after a jump
   };
 
@@ -67,11 +67,11 @@ class TiffHandle {
   };
 
   template <class Calls>
-  static bool came_through(Client& client, Calls calls) noexcept {
+  static bool run_guarded(Client& client, Calls calls) noexcept {
     if (setjmp(client.jump_buffer) != 0) return false;
-    client.can_land = true;
+    client.can_jump = true;
     calls();
-    client.can_land = false;
+    client.can_jump = false;
     return true;
   }
 

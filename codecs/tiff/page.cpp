@@ -40,7 +40,7 @@ Colors colors_of(const TiffHandle& tiff, unsigned bits) {
 
 bool is_color(Rgb color, int level) { return color.red == level && color.green == level && color.blue == level; }
 
-// The values of a component of this depth, stretched to 0 up to `last`, or reversed.
+// The values of a component of this depth, scaled to 0 to `last`, or reversed.
 std::array<uint8_t, 256> stretched(unsigned bits, int last, bool is_reversed = false) {
   std::array<uint8_t, 256> values{};
   const int count = 1 << std::min(bits, 8u);
@@ -51,7 +51,7 @@ std::array<uint8_t, 256> stretched(unsigned bits, int last, bool is_reversed = f
   return values;
 }
 
-// Adds the first sample that gives a pixel's coverage of the paper, if there is one.
+// Adds the first alpha sample, if there is one.
 void add_coverage(const TiffHandle& tiff, TiffPage& page) {
   uint16_t count = 0;
   const uint16_t* kinds = nullptr;
@@ -83,7 +83,7 @@ void plan_palette(const TiffHandle& tiff, TiffPage& page) {
   add_coverage(tiff, page);
   if (has_coverage(page)) page.components[0].action = Action::kLookUp;
   page.picture.depth = has_coverage(page) ? 24 : depth_for_colors(page.colors.size());
-  // Black and white get the usual order.
+  // Black comes first.
   const bool is_reversed = page.bits == 1 && is_color(page.colors[0], 255) && is_color(page.colors[1], 0);
   if (is_reversed) std::swap(page.colors[0], page.colors[1]);
   page.picture.colors = page.colors;

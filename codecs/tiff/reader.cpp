@@ -71,7 +71,7 @@ void read_plain_rows(const TiffHandle& tiff, const TiffPage& page, Finish finish
 
 // ---- Rows and tiles whose samples are extracted ----
 
-// The destination of decoded rows: each is given with its plane, its place and its length.
+// The destination of decoded rows.
 class RowSink {
  public:
   explicit RowSink(const TiffPage& page) : page_(page) {}
@@ -83,7 +83,7 @@ class RowSink {
     return !page_.has_planes || std::ranges::any_of(page_.components, [=](const Component& c) { return c.sample == plane; });
   }
 
-  // The row of a plane from (x, y) on, `count` pixels of it.
+  // Takes `count` pixels of a row of a plane, from (x, y) on.
   void add(unsigned plane, int y, size_t x, size_t count, std::span<const uint8_t> samples) {
     for (const Component& component : page_.components) {
       if (page_.has_planes && component.sample != plane) continue;
@@ -220,7 +220,7 @@ class Conversion {
   TIFFRGBAImage image_{};
 };
 
-// Rows that are stored together, so that nothing is decoded twice.
+// Whole strips or tiles, so that nothing is decoded twice.
 uint32_t rows_at_once(const TiffHandle& tiff, const TiffPage& page) {
   constexpr uint32_t kFewRows = 64;
   const auto height = static_cast<uint32_t>(page.picture.height);

@@ -7,7 +7,7 @@
 //   kernel(opened.pixels(), result.pixels());
 //   return OwnedDib(std::move(result));
 //
-// A kernel that writes every pixel of the result needs no zeros: make the result with OwnedDib::allocate_unset (at depths
+// A kernel that writes every pixel of the result needs no cleared memory: make the result with OwnedDib::allocate_unset (at depths
 // that the kernel writes) and call clear_padding(), which clears the bytes behind the pixels of each row and behind the
 // rows.
 #pragma once
@@ -37,13 +37,13 @@ class OpenDib {
   const Layout& layout() const { return layout_; }
 
   std::span<uint8_t> bytes() const { return bytes_.bytes(); }
-  // Everything in front of the rows.
+  // All bytes before the rows.
   std::span<uint8_t> head() const { return bytes().first(static_cast<size_t>(layout_.offset.value())); }
   // At most as many as the rule and the table have.
   std::span<Rgb> colors(size_t count) const { return colors_in(bytes(), count); }
   // Without rows and columns if the picture has none.
   DibView pixels() const { return pixels_in(bytes(), header(), layout_); }
-  // The block has all bytes.
+  // Whether the block itself has all bytes.
   bool is_complete() const { return bytes_.held() == bytes_.bytes().size(); }
   // The rows that are at least partly in the block; all rows behind them are zero. A block of a few bytes can claim a large
   // picture: an operation that leaves zeros as they are needs only these rows.
@@ -92,8 +92,8 @@ class NewDib {
     return make_laid_out(Layout::of(header, rule), header, image_bytes, allocate);
   }
 
-  // With room for the colours of another header, and for the rows of this one with `spare` bytes behind them. A 12-byte
-  // header may count other colours when its numbers change.
+  // With room for the colours of `source`, and for the rows of `header` with `spare` bytes behind them. The number of colours of a
+  // 12-byte header changes with its other fields.
   static Result<NewDib> with_room_of(const DibHeader& source, const LayoutRule& rule, const DibHeader& header,
                                      Allocate* allocate = OwnedDib::allocate, ByteCount spare = 0) {
     Layout layout = Layout::of(header, rule);
@@ -130,7 +130,7 @@ class NewDib {
     std::ranges::copy(source.head().subspan(kHeaderBytes), head().begin() + kHeaderBytes);
   }
 
-  // Clears the bytes that a kernel of all pixels leaves out: behind the pixels of each row and behind the rows.
+  // Clears the bytes that are no pixels: behind the pixels of each row and behind the rows.
   void clear_padding() const {
     const DibView view = pixels();
     const auto stride = static_cast<size_t>(view.stride());

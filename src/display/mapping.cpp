@@ -147,12 +147,12 @@ Mapping set_up_mapping(ImgDisplayLayout& layout, Offsets offsets) {
   return mapping;
 }
 
-bool is_moved_by(Point way, const Mapping& before, const Mapping& after) {
+bool is_moved_by(Point offset, const Mapping& before, const Mapping& after) {
   const auto moves = [](int distance, const AxisMapping& from, const AxisMapping& to) {
     return from.window == to.window && from.viewport == to.viewport &&
            (int64_t{from.origin} - to.origin) * to.viewport == int64_t{distance} * to.window;
   };
-  return moves(way.x, before.x, after.x) && moves(way.y, before.y, after.y);
+  return moves(offset.x, before.x, after.x) && moves(offset.y, before.y, after.y);
 }
 
 void set_scroll_ranges(ImgDisplayLayout& layout, const Mapping& mapping) {

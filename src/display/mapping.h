@@ -53,9 +53,9 @@ enum class Offsets { kReset, kKeep };
 // Computes the mapping from a display's options, zoom and resolutions. Records the origins in the layout.
 Mapping set_up_mapping(ImgDisplayLayout& layout, Offsets offsets);
 
-// Whether `after` puts every logical point exactly `way` device units from where `before` puts it. Rounded origins can
+// Whether `after` puts every logical point exactly `offset` device units from where `before` puts it. Rounded origins can
 // differ by fractions of a unit.
-bool is_moved_by(Point way, const Mapping& before, const Mapping& after);
+bool is_moved_by(Point offset, const Mapping& before, const Mapping& after);
 
 // The ranges span the whole image, not the image minus the window.
 void set_scroll_ranges(ImgDisplayLayout& layout, const Mapping& mapping);

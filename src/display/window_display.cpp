@@ -180,7 +180,7 @@ void draw_image(HDC dc, ImgDisplayState& state, const Box& painted) {
   }
 }
 
-// A window class has a brush or a system colour, as a number counted from 1.
+// A window class has a brush, or the number of a system colour plus 1.
 HBRUSH class_brush(HWND window) {
   const ULONG_PTR brush = GetClassLongPtrA(window, GCLP_HBRBACKGROUND);
   constexpr ULONG_PTR kMostColors = COLOR_MENUBAR + 1;
@@ -205,13 +205,13 @@ ScrollAxis axis_of(const ImgDisplayLayout& layout, const Mapping& mapping, Direc
 }
 
 // The strip exposed when the content moves down or right (positive) or up or left (negative).
-Box row_strip(const Box& client, int way) {
-  return way > 0 ? Box{client.left, client.top, client.right, std::min(client.top + way, client.bottom)}
-                 : Box{client.left, std::max(client.bottom + way, client.top), client.right, client.bottom};
+Box row_strip(const Box& client, int offset) {
+  return offset > 0 ? Box{client.left, client.top, client.right, std::min(client.top + offset, client.bottom)}
+                    : Box{client.left, std::max(client.bottom + offset, client.top), client.right, client.bottom};
 }
-Box column_strip(const Box& client, int way) {
-  return way > 0 ? Box{client.left, client.top, std::min(client.left + way, client.right), client.bottom}
-                 : Box{std::max(client.right + way, client.left), client.top, client.right, client.bottom};
+Box column_strip(const Box& client, int offset) {
+  return offset > 0 ? Box{client.left, client.top, std::min(client.left + offset, client.right), client.bottom}
+                    : Box{std::max(client.right + offset, client.left), client.top, client.right, client.bottom};
 }
 
 // The area exposed by scrolling, and its bounding box.
@@ -221,23 +221,23 @@ struct Exposed {
 };
 
 // Invalid parts move with the content around them and must be painted at their new place too.
-void invalidate_moved(HWND window, Point way) {
+void invalidate_moved(HWND window, Point offset) {
   const OwnedRegion unpainted(CreateRectRgn(0, 0, 0, 0));
   GetUpdateRgn(window, unpainted.get(), FALSE);
-  OffsetRgn(unpainted.get(), way.x, way.y);
+  OffsetRgn(unpainted.get(), offset.x, offset.y);
   InvalidateRgn(window, unpainted.get(), FALSE);
 }
 
-Exposed scroll_content(HWND window, const Box& client, Point way) {
+Exposed scroll_content(HWND window, const Box& client, Point offset) {
   const WindowDc dc(window);
   const SavedDc saved(dc.get());
   unmap(dc.get());
   Exposed exposed = {OwnedRegion(CreateRectRgn(0, 0, 0, 0)), {}};
   const RECT area = rect_of(client);
   RECT box{};
-  ScrollDC(dc.get(), way.x, way.y, &area, &area, exposed.region.get(), &box);
+  ScrollDC(dc.get(), offset.x, offset.y, &area, &area, exposed.region.get(), &box);
   exposed.box = box_of(box);
-  invalidate_moved(window, way);
+  invalidate_moved(window, offset);
   return exposed;
 }
 
@@ -252,7 +252,7 @@ class [[nodiscard]] Resizing {
   ~Resizing() { *is_resizing = 0; }
 };
 
-// How far content moves when a scroll position changes, limited to more than any window shows.
+// The distance that content moves when a scroll position changes, limited to more than any window shows.
 int distance_between(int before, int after) {
   constexpr int64_t kFar = 1 << 20;
   return static_cast<int>(std::clamp(int64_t{before} - after, -kFar, kFar));
@@ -260,11 +260,11 @@ int distance_between(int before, int after) {
 
 // Whether painting at the new positions gives the old content, moved. It does not if the positions differ by a fraction of
 // an image pixel, if painting resets them, or if groups of pixels are cut off.
-bool content_moves_by(Point way, const Mapping& before, const ImgDisplayState& state) {
+bool content_moves_by(Point offset, const Mapping& before, const ImgDisplayState& state) {
   ImgDisplayLayout layout = state.layout;
   const bool whole_rows = draws_whole_rows(state);
   const Mapping after = set_up_mapping(layout, Offsets::kReset);
-  return is_moved_by(way, before, after) && shows_whole_groups(layout, before, whole_rows) &&
+  return is_moved_by(offset, before, after) && shows_whole_groups(layout, before, whole_rows) &&
          shows_whole_groups(layout, after, whole_rows);
 }
 
@@ -282,11 +282,11 @@ void paint_strip(HWND window, HRGN unpainted, const Box& strip) {
   CombineRgn(unpainted, unpainted, painted.get(), RGN_DIFF);
 }
 
-void scroll_by_strips(HWND window, const Box& client, Point way) {
-  const Exposed exposed = scroll_content(window, client, way);
+void scroll_by_strips(HWND window, const Box& client, Point offset) {
+  const Exposed exposed = scroll_content(window, client, offset);
   HRGN region = exposed.region.get();
-  if (way.y != 0) paint_strip(window, region, row_strip(client, way.y));
-  if (way.x != 0) paint_strip(window, region, column_strip(client, way.x));
+  if (offset.y != 0) paint_strip(window, region, row_strip(client, offset.y));
+  if (offset.x != 0) paint_strip(window, region, column_strip(client, offset.x));
   InvalidateRgn(window, region, FALSE);  // the rest: its content was hidden by other windows
 }
 
@@ -340,9 +340,9 @@ void follow_scroll(HWND window, Direction direction, ScrollCode code, uint16_t w
   const bool across = direction == Direction::kHorizontal;
   (across ? layout.hScrollPos : layout.vScrollPos) = position;
   const int distance = distance_between(axis.position, position);
-  const Point way = {across ? distance : 0, across ? 0 : distance};
+  const Point offset = {across ? distance : 0, across ? 0 : distance};
   const Box client = client_box(layout);
-  const Box unpainted = content_moves_by(way, before, state) ? scroll_content(window, client, way).box : client;
+  const Box unpainted = content_moves_by(offset, before, state) ? scroll_content(window, client, offset).box : client;
   update_scroll_bar(window, direction, layout);
   paint(window, unpainted);
 }
@@ -354,12 +354,12 @@ void scroll_to(HWND window, Point position, ImgDisplayState& state) {
   const ScrollAxis down = axis_of(layout, before, Direction::kVertical);
   layout.hScrollPos = snapped(across, position.x);
   layout.vScrollPos = snapped(down, position.y);
-  const Point way = {distance_between(across.position, layout.hScrollPos),
-                     distance_between(down.position, layout.vScrollPos)};
-  if (way != Point{}) {
+  const Point offset = {distance_between(across.position, layout.hScrollPos),
+                        distance_between(down.position, layout.vScrollPos)};
+  if (offset != Point{}) {
     const Box client = client_box(layout);
-    if (content_moves_by(way, before, state)) {
-      scroll_by_strips(window, client, way);
+    if (content_moves_by(offset, before, state)) {
+      scroll_by_strips(window, client, offset);
     } else {
       paint(window, client);
     }

@@ -35,7 +35,7 @@ RECT fit(HDC dc, std::span<char> text, FontSize font) {
   return IsRectEmpty(&taken) ? measured : taken;
 }
 
-// As high as memory allows: the height is halved again and again, down to one line.
+// As high as memory allows: the height is halved repeatedly, down to one line.
 OwnedBitmap highest_bitmap(Size size, int line_height) {
   OwnedBitmap bitmap = empty_bitmap(size, 1, 1);
   while (!bitmap && (size.height /= 2) > line_height) bitmap = empty_bitmap(size, 1, 1);

@@ -66,7 +66,7 @@ struct Place {
   int64_t image;
 };
 
-// With a file per plane, each plane is the image of the page's number.
+// With a file per plane, the page's number is the number of the image.
 Place place_in_own_file(const PageSet& set, int page) {
   return {"Page" + std::to_string(page - set.first_page + 1), "Plane0", page};
 }
@@ -206,7 +206,7 @@ void merge_plane(ConstDibView bits, DibView merged, int plane) {
     const uint8_t* from = bits.row_from_top(y).data();
     uint8_t* to = merged.row_from_top(y).data();
     const auto add = [&](uint8_t byte, int count) {
-      if (byte == 0) return;  // bytes that are never written take no memory
+      if (byte == 0) return;  // pages of memory that are never written stay unallocated
       for (int i = 0; i < count; ++i) to[i] = static_cast<uint8_t>(to[i] | kSpread[byte][static_cast<size_t>(i)] >> plane);
     };
     for (int i = 0; i < whole_bytes; ++i, to += 4) add(from[i], 4);

@@ -87,7 +87,7 @@ struct Piece {
   }
 };
 
-// Ways to write a piece: from a source, or zeros. The first two write more than the piece, over columns that come later.
+// Writers of a piece, from a source or with zeros. The first two write past the piece, over columns that come later.
 struct VectorOfPiece {
   static constexpr size_t kBytes = 16;
   void copy(const uint8_t* source, uint8_t* target) const { std::memcpy(target, source, kBytes); }
@@ -116,16 +116,17 @@ struct BytesOfPiece {
 };
 
 // Writes rows `first` to before `end` of some columns of the result.
-template <class Way>
-void write_columns(ConstDibView source, DibView result, const Columns& columns, size_t byte, int first, int end, Way way) {
+template <class Writer>
+void write_columns(ConstDibView source, DibView result, const Columns& columns, size_t byte, int first, int end,
+                   Writer writer) {
   const auto limited = [&](int64_t y) { return static_cast<int>(std::clamp<int64_t>(y, first, end)); };
   const int copied_from = limited(columns.shift), copied_to = limited(int64_t{columns.shift} + source.height());
   uint8_t* target = result.row(first).data() + byte;
   int y = first;
-  for (; y < copied_from; ++y, target += result.stride()) way.clear(target);
+  for (; y < copied_from; ++y, target += result.stride()) writer.clear(target);
   const uint8_t* from = source.row(y - columns.shift).data() + byte;
-  for (; y < copied_to; ++y, target += result.stride(), from += source.stride()) way.copy(from, target);
-  for (; y < end; ++y, target += result.stride()) way.clear(target);
+  for (; y < copied_to; ++y, target += result.stride(), from += source.stride()) writer.copy(from, target);
+  for (; y < end; ++y, target += result.stride()) writer.clear(target);
 }
 
 // Rows `first` to before `end` of the result, columns from left to right.
@@ -135,7 +136,7 @@ void skew_band(ConstDibView source, DibView result, int32_t offset, int first, i
   for (int column = 0; column < width;) {
     const Columns columns = columns_from(column, width, offset);
     const Piece piece = Piece::of(columns, depth);
-    const auto write = [&](auto way) { write_columns(source, result, columns, piece.first, first, end, way); };
+    const auto write = [&](auto writer) { write_columns(source, result, columns, piece.first, first, end, writer); };
     if (piece.kept == 0 && piece.count <= VectorOfPiece::kBytes && piece.first + VectorOfPiece::kBytes <= bytes)
       write(VectorOfPiece{});
     else if (piece.count <= kWordBytes && piece.first + kWordBytes <= bytes)
