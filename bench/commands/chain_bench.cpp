@@ -1,5 +1,5 @@
-// What "vorel run" costs beside its parts: loading, each step and saving, in processor time. The parts are measured in processes of their
-// own, with the same cold memory, so the rest is what starting the tool and handing pages on costs.
+// Processor time of "vorel run" beside its parts: loading, each step and saving. Each part is measured in its own process, with the
+// same cold memory, so the rest is the cost of starting the tool and passing pages on.
 // usage: chain_bench VOREL IN OUT STEP...   for example build/native/bin/vorel page.tif out.tif "clean 60" "rotate 90"
 #include <algorithm>
 #include <array>

@@ -42,7 +42,7 @@ enum class Operation : std::uint8_t {
   kLoad,  // run-length codes, bitmap files
 };
 
-// A convolution kernel, row by row. `type` is the library's own kernel of this shape; 1 hands over this one.
+// A convolution kernel, row by row. `type` is the library's own kernel of this shape; 1 passes this one.
 struct Kernel {
   int type, size, divisor;
   const int* values;

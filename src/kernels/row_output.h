@@ -1,4 +1,4 @@
-// Rows of a result on their way to memory.
+// Writing the rows of a result to memory.
 #pragma once
 
 #include <cstdint>
@@ -34,8 +34,8 @@ class RowOutput {
     if (streams_) _mm_sfence();
   }
 
-  // Calls make(begin, end, to) for pieces of a row, to write these bytes. Pixels of three bytes are not split.
-  // ahead(row, begin, end) is the source of a piece of this row (0) or the next one (1).
+  // Calls make(begin, end, to) to write each piece of a row. Pixels of three bytes are not split. ahead(row, begin, end) is the
+  // source of a piece of this row (0) or the next one (1).
   template <class Ahead, class Make>
   [[gnu::always_inline]] void write(std::span<uint8_t> row, Ahead ahead, Make make) const {
     if (!streams_) return make(size_t{0}, row.size(), row.data());
@@ -50,7 +50,7 @@ class RowOutput {
     }
   }
 
-  // Copies a row. `next` is read ahead.
+  // Copies a row. `next` is prefetched.
   void copy(std::span<uint8_t> row, const uint8_t* from, std::span<const uint8_t> next) const {
     if (streams_)
       copy_past_caches(from, row.data(), row.size(), next);

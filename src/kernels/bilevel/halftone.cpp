@@ -48,7 +48,7 @@ class Brightening {
   uint8_t least_, most_, added_;
 };
 
-// The luminance of a source, brightened, as a plane. Its rows are as long as the source's: in bytes, at 4 bits in pixels.
+// The brightened luminance of a source as a plane. Rows have the length of the source's: in bytes, at 4 bits in pixels.
 class LuminancePlane {
  public:
   LuminancePlane(ConstDibView source, std::span<const uint8_t> memory, std::span<const Rgb> colors, int brightness)

@@ -36,7 +36,7 @@ class Taps {
     if (count_ % 2 != 0) pairs_[count_ / 2].second = pairs_[count_ / 2].first;
   }
 
-  // Two vectors from pixel x on, so that the addresses of the samples serve twice.
+  // Two vectors from pixel x on: each address serves twice.
   static constexpr size_t kVectors = 2, kStep = kVectors * kVectorBytes;
   [[gnu::always_inline]] std::array<Sums, kVectors> sums(size_t x) const {
     Words low[kVectors]{}, high[kVectors]{};
@@ -85,7 +85,7 @@ class Taps {
     ++count_;
   }
 
-  // The weighted sum of a kernel's column, laid over a pixel's column; pixels are counted from the kernel's reach on the left.
+  // The weighted sum of a column of pixels with a column of the kernel. x counts from the first repeated pixel on the left.
   int column_sum(int column, int x) const {
     int sum = 0;
     for (int row = 0; row < kernel_.size; ++row) sum += weight(row, column) * rows_[static_cast<size_t>(row)][x];
@@ -121,7 +121,7 @@ void with_quotient(const Division& division, Work work) {
 
 // ---- Rows ----
 
-// Goes over a picture from the first stored row on. Rows and columns at the edges are repeated beyond them. A row is written
+// Visits the rows of a picture from the first stored one on. Rows and columns at the edges are repeated beyond them. A row is written
 // only after all rows that need it are read, so that a picture can be filtered in place.
 class Convolution {
  public:

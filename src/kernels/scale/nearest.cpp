@@ -155,7 +155,7 @@ std::span<Byte> whole_row_from_top(BasicView<Byte> view, int y) {
   return {view.row_from_top(y).data(), static_cast<size_t>(view.stride())};
 }
 
-// Calls fill(source row, result row) for zeroed rows of the result from the top on, as long as there are source rows, and
+// Calls fill(source row, result row) for zeroed rows of the result from the top on, down to the last source row, and
 // repeats the previous row where the source row is the same.
 void for_each_row(ConstDibView source, Rect rect, DibView result, auto&& fill) {
   NearestSteps steps(rect.height, result.height());

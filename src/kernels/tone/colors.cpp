@@ -121,7 +121,7 @@ void map_rows(ConstDibView source, DibView result, const ComponentTable& table, 
   }
 }
 
-// Finding a line takes as long as mapping some thousand bytes.
+// Fitting a line takes as long as mapping some thousand bytes.
 constexpr size_t kLeastLinearBytes = 1 << 16;
 
 }  // namespace

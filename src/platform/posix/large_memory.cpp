@@ -54,7 +54,7 @@ class KeptPieces {
     return best < 0 ? LargePiece{} : remove(best);
   }
 
-  // Keeps a piece, whatever its size; older ones that exceed the limits with it are passed on to be unmapped.
+  // Keeps a piece, whatever its size; older ones that exceed the limits with it are unmapped.
   template <class Unmap>
   void keep(const LargePiece& piece, Unmap unmap_piece) {
     while (count_ != 0 && (count_ == kMostKept || bytes_ + piece.room > kMostKeptBytes)) unmap_piece(remove(0));
