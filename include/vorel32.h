@@ -666,7 +666,8 @@ VOREL_API HGLOBAL VORELCALL ApplyLUT(HGLOBAL dib, HGLOBAL table, int make_copy, 
 VOREL_API HGLOBAL VORELCALL ColorBrightnessContrast(HGLOBAL dib, short brightness, short contrast);
 
 /** Makes a 24-bit copy of an 8-bit DIB. biSizeImage is computed from the low 16 bits of the row length.
- *  Returns a DIB handle and sets the thread's code to 0. NULL: 31 (24 bits already), else as ColorBrightnessContrast. */
+ *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_NOTHING_TO_CONVERT (24 bits already), else as
+ *  ColorBrightnessContrast. */
 VOREL_API HGLOBAL VORELCALL Convert8to24(HGLOBAL dib);
 
 /** Filters an 8-bit DIB, whose pixel values are assumed to be greys; the entries of the colour table become a grey ramp from black
@@ -726,7 +727,7 @@ VOREL_API HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode);
  *    bits 8   eight reds, eight greens, four blues (3-3-2); DitherFS4 and DitherJJN only
  *  Colour tables of 16 or 256 entries are assumed whatever biClrUsed states, and neither header size nor compression is
  *  checked. They return a DIB handle and set the thread's code to 0. NULL: IMG_E_PARAMETER (other bits), IMG_E_DITHER_PARAMETER
- *  (as many bits as the DIB has or more, another depth; one lock on the DIB remains), IMG_E_MEMORY (a lock may remain
+ *  (bits not below the depth of the DIB, or another depth; one lock on the DIB remains), IMG_E_MEMORY (a lock may remain
  *  too), and for invalid handles:
  *                              null               not a DIB handle
  *    DitherFS4                 IMG_E_PARAMETER    IMG_E_LOCK
@@ -752,7 +753,7 @@ VOREL_API HGLOBAL VORELCALL DitherSharp(HGLOBAL dib, int bits);
  *              row below; 2 ordered, by a 16 x 16 matrix of thresholds (Bayer, 1973)
  *  brightness  added to the luminance of each pixel, within 0 to 255
  *  error       receives the code of a failure; not written on success. May be NULL. The thread's code is unchanged
- *  Rows of 24-bit pictures are assembled from several source rows, and the picture ends early; convert these to grey first.
+ *  Rows of 24-bit pictures are wrongly assembled from several source rows, and the picture ends early; convert them to grey first.
  *  Returns a DIB handle. NULL: IMG_E_PARAMETER (null, another method; another depth, which leaves a lock on the DIB),
  *  IMG_E_MEMORY (also: not a DIB handle). */
 VOREL_API HGLOBAL VORELCALL Halftone(HGLOBAL dib, WORD method, int brightness, WORD* error);
