@@ -26,10 +26,10 @@ Size size_of(const OwnedBitmap& bitmap) {
   return {static_cast<int>(facts.bmWidth), static_cast<int>(facts.bmHeight)};
 }
 
-// A bitmap selected into a memory context, with the palette selected into this and the other context.
-class BitmapSide {
+// A bitmap selected into a memory context, with the palette selected into it and into the other context.
+class SelectedBitmap {
  public:
-  BitmapSide(HDC other, HBITMAP bitmap)
+  SelectedBitmap(HDC other, HBITMAP bitmap)
       : memory_(other),
         selection_(memory_.get(), bitmap),
         palette_(memory_.get(), magnifier.palette, PaletteUse::kBackground),
@@ -49,7 +49,7 @@ OwnedBitmap snapshot_of(HWND window) {
   OwnedBitmap snapshot(CreateCompatibleBitmap(dc.get(), width, height));
   const SavedDc saved(dc.get());
   unmap(dc.get());
-  const BitmapSide copy(dc.get(), snapshot.get());
+  const SelectedBitmap copy(dc.get(), snapshot.get());
   BitBlt(copy.dc(), 0, 0, width, height, dc.get(), 0, 0, SRCCOPY);
   return snapshot;
 }
@@ -57,7 +57,7 @@ OwnedBitmap snapshot_of(HWND window) {
 // Restores the area under the last lens position from the snapshot.
 void restore_covered(HDC dc) {
   const Size size = size_of(magnifier.lens);
-  const BitmapSide copy(dc, magnifier.snapshot.get());
+  const SelectedBitmap copy(dc, magnifier.snapshot.get());
   BitBlt(dc, magnifier.last.x, magnifier.last.y, size.width, size.height, copy.dc(), magnifier.last.x, magnifier.last.y,
          SRCCOPY);
 }
@@ -120,7 +120,7 @@ void fill_mapped(HDC lens, HBITMAP source, int x, int y, int width, int height) 
   if (width < 1 || height < 1 || part.is_empty()) return;
   const SavedDc saved(lens);
   apply(lens, {{width, std::max(magnifier.size.width, 1)}, {height, std::max(magnifier.size.height, 1)}});
-  const BitmapSide picture(lens, source);
+  const SelectedBitmap picture(lens, source);
   copy_part(lens, picture.dc(), part, {x, y});
 }
 
@@ -160,7 +160,7 @@ void stop_lens() {
 void fill_lens(HBITMAP source, int x, int y, int width, int height) {
   if (!magnifier.active) return;
   const WindowDc window(magnifier.window);
-  const BitmapSide lens(window.get(), magnifier.lens.get());
+  const SelectedBitmap lens(window.get(), magnifier.lens.get());
   const Size size = size_of(magnifier.lens);
   {
     const Selection brush(lens.dc(), GetStockObject(GRAY_BRUSH));
@@ -182,7 +182,7 @@ void place_lens(HWND window, Point corner) {
     restore_covered(dc.get());
   }
   const Size size = size_of(magnifier.lens);
-  const BitmapSide lens(dc.get(), magnifier.lens.get());
+  const SelectedBitmap lens(dc.get(), magnifier.lens.get());
   BitBlt(dc.get(), corner.x, corner.y, size.width, size.height, lens.dc(), 0, 0, SRCCOPY);
   magnifier.last = corner;
 }

@@ -80,7 +80,7 @@ Ratio little_smaller(Ratio ratio, const ZoomSteps& steps) {
 
 double extent_ratio(int64_t a, int64_t b) { return static_cast<double>(a) / static_cast<double>(b); }
 
-// How often a band fits into the client area, in single precision, capped. A band without extent gives the cap.
+// The ratio at which a band fills the client area, in single precision, capped. A band without extent gives the cap.
 float capped_ratio(int viewport, int window, int64_t client, int64_t band) {
   constexpr float kMost = 5.0f;
   const float now = window == 0 ? 1.0f : static_cast<float>(viewport) / static_cast<float>(window);

@@ -69,7 +69,7 @@ using BoundaryValue = std::decay_t<decltype(*std::declval<Body>()())>;
 // Runs an export's body, which returns a Result, and returns its value or, on failure, zero unless the export has another
 // value for it.
 //
-// Only exceptions are stopped. The unwinding that ends a thread without a context may pass through here.
+// Stops only exceptions: the unwinding that ends a thread without a context may pass through here.
 template <class Report, class Body>
 BoundaryValue<Body> at_boundary(Report how, Body&& body, BoundaryValue<Body> failure = {}) {
   const UsualArithmetic arithmetic;

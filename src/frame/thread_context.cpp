@@ -7,7 +7,7 @@
 
 namespace vorel {
 
-// The blocks and their slots. The variables are constant-initialised: slots find them ready whichever is constructed first.
+// The blocks and their slots. The variables are constant-initialised, so slots can be constructed in any order.
 class ThreadBlock {
  public:
   static size_t add(const ThreadSlot& slot) {

@@ -42,7 +42,7 @@ Result<bool> cut(const LockedDib& source, int32_t line, CutHandles parts) {
 
   const std::span<const uint8_t> rows = opened.rows();
   const size_t lower_bytes = lower.rows().size();
-  // A quirk that is kept: both parts state the image size of the first, which is the whole of its block behind the colours.
+  // A quirk that is kept: both parts state the image size of the first: its block without header and colours.
   const size_t image_bytes = lower.image().size();
   fill(lower, opened, rows.first(lower_bytes), image_bytes);
   fill(upper, opened, rows.subspan(lower_bytes), image_bytes);

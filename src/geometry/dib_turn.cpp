@@ -47,10 +47,10 @@ void turn_counter_clockwise(const OpenDib& source, DibView result) {
   kernels::turn().row_to_column(held.first_rows(1), written.with_width(height + 1), height);
 }
 
-// Rows that the source does not hold are zero and stay as they are in the result.
+// Rows that the source does not hold are zero, and are zero in the result already.
 void move_pixels(const OpenDib& source, DibView result, DibTurn turn) {
   const ConstDibView held = source.held_rows();
-  // At quarter turns the result has other rows.
+  // After a quarter turn the rows are columns.
   const DibView last = is_quarter(turn) ? result : last_rows(result, held.height());
   switch (turn) {
     case DibTurn::kClockwise: return turn_clockwise(source, result);

@@ -15,8 +15,8 @@ using ExtDeviceModeEntry = INT(WINAPI*)(HWND, HANDLE driver, DEVMODEA* chosen, L
                                         LPSTR profile, DWORD flags);
 using DeviceModeEntry = void(WINAPI*)(HWND, HANDLE driver, LPSTR name, LPSTR port);
 
-// Runs a set-up dialog that reports its outcome: `ask` takes room for a device mode and the request's flags; without flags
-// it returns the bytes that it needs.
+// Runs a set-up dialog that reports its outcome: `ask` takes a buffer for a device mode and the request's flags; without
+// flags it returns the size of the buffer.
 template <class Ask>
 DriverSetup ask_and_keep(const std::string& printer, Ask ask) {
   const LONG needed = ask(nullptr, 0);

@@ -17,7 +17,7 @@ std::string_view take_until(std::string_view& text, const char* ends) {
   return taken;
 }
 
-PrinterDevice taken_apart(std::string_view text, const char* name_ends) {
+PrinterDevice split_device(std::string_view text, const char* name_ends) {
   const std::string_view name = take_until(text, name_ends);
   const std::string_view driver = take_until(text, ",");
   return {std::string(name), std::string(driver), std::string(text)};
@@ -30,7 +30,7 @@ std::string_view hidden_part(std::string_view entry) {
 
 }  // namespace
 
-PrinterDevice parse_device(std::string_view text) { return taken_apart(text, ","); }
+PrinterDevice parse_device(std::string_view text) { return split_device(text, ","); }
 
 std::vector<std::string> list_entries(std::string_view name, std::string_view value, std::string_view null_port) {
   std::vector<std::string> entries;
@@ -53,7 +53,7 @@ std::string device_text(std::string_view entry) {
 }
 
 PrinterDevice device_of(std::string_view entry) {
-  PrinterDevice device = taken_apart(hidden_part(entry), "=,");
+  PrinterDevice device = split_device(hidden_part(entry), "=,");
   if (device.driver.find('.') == std::string::npos) device.driver += kDriverExtension;
   return device;
 }

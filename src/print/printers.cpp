@@ -21,17 +21,17 @@ struct PrinterSettings {
   bool are_of(const std::string& name) const { return !device_mode.bytes().empty() && equal_ignoring_case(name, printer); }
 };
 
-const PerThread<PrinterSettings> kept;
+const PerThread<PrinterSettings> kept_settings;
 
 OwnedDc printer_dc(const char* driver, const std::string& name, const char* port) {
   if (name.empty()) return OwnedDc(nullptr);
-  const uint8_t* mode = kept->are_of(name) ? kept->device_mode.bytes().data() : nullptr;
+  const uint8_t* mode = kept_settings->are_of(name) ? kept_settings->device_mode.bytes().data() : nullptr;
   return OwnedDc(CreateDCA(driver, name.c_str(), port, reinterpret_cast<const DEVMODEA*>(mode)));
 }
 
 }  // namespace
 
-// Printers may be added between counting and listing; a list that no longer fits is empty.
+// Printers may be added between counting and listing: a list that no longer fits is requested once more.
 InstalledPrinters::List InstalledPrinters::enumerate(DWORD level) {
   constexpr DWORD kFlags = PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS;
   List list;
@@ -88,13 +88,13 @@ bool keep_settings(const std::string& printer, const DEVMODEA& mode) {
   auto copy = ZeroedBuffer::allocate(std::max(bytes, sizeof mode));
   if (!copy) return false;
   std::memcpy(copy->bytes().data(), &mode, bytes);
-  kept->device_mode = std::move(*copy);
-  lstrcpynA(kept->printer, printer.c_str(), kJobNameBytes);
+  kept_settings->device_mode = std::move(*copy);
+  lstrcpynA(kept_settings->printer, printer.c_str(), kJobNameBytes);
   return true;
 }
 
 void forget_settings(const std::string& printer) {
-  if (kept->are_of(printer)) kept->device_mode = {};
+  if (kept_settings->are_of(printer)) kept_settings->device_mode = {};
 }
 
 }  // namespace vorel::print
