@@ -1,6 +1,6 @@
-// Pictures that claim more than their block holds: all pixels behind the block's end are zero. Where a pixel of the result depends on
-// nearby pixels alone, the zero pixels all become the same one. It is computed once and copied, so that a block of a few bytes does
-// not take the time of the picture that it claims.
+// Pictures that claim more than their block holds: all pixels behind the block's end are zero. Where a pixel of the result
+// depends only on nearby pixels, all zero pixels give the same result. It is computed once and copied, so that a block of a few
+// bytes does not take the time of the picture that it claims.
 #pragma once
 
 #include <algorithm>
@@ -15,8 +15,8 @@ namespace vorel {
 inline void repeat_bytes(std::span<uint8_t> bytes, size_t done, size_t period) {
   const uint8_t* const first = bytes.data() + done - period;
   while (done < bytes.size()) {
-    const auto there = static_cast<size_t>(bytes.data() + done - first);
-    const size_t count = std::min(there, bytes.size() - done);
+    const auto filled = static_cast<size_t>(bytes.data() + done - first);
+    const size_t count = std::min(filled, bytes.size() - done);
     std::memcpy(bytes.data() + done, first, count);
     done += count;
   }
@@ -29,8 +29,8 @@ inline void repeat_rows(DibView view, int done, int period) {
                stride * static_cast<size_t>(period));
 }
 
-// The first rows and columns of a picture: those that its block holds, and those that see them from `reach` away, and at least one more
-// row and column, whose neighbours are all zero. All of the picture if the block is complete.
+// The first rows and columns of a picture: all that its block holds, `reach` more, and at least one more row and column, which
+// depend only on zeros. The whole picture if the block is complete.
 class HeldPart {
  public:
   HeldPart(const OpenDib& source, int reach) {
@@ -60,18 +60,18 @@ class HeldPart {
   int rows_, columns_;
 };
 
-// Fills a picture of 8 or 24 bits, which may be the source itself, with a kernel that reads pixels at most `reach` away and repeats the
-// edges.
+// Fills a picture of 8 or 24 bits, which may be the source itself, with a kernel that reads pixels at most `reach` away and
+// repeats the edges.
 template <class Kernel>
 void fill_from_held(const OpenDib& source, DibView result, int reach, Kernel kernel) {
   const HeldPart part(source, reach);
   kernel(part.of(ConstDibView(source.pixels())), part.of(result));
-  // In place, what lies behind the block's end is dropped.
+  // In place, pixels behind the block's end are dropped.
   const bool is_in_place = result.row(0).data() == source.pixels().row(0).data();
   if (!is_in_place) part.repeat_in(result);
 }
 
-// Fills a picture with a kernel, fill(rows), whose rows depend on the source's row and those behind it, and on their number modulo
+// Fills a picture with a kernel, fill(rows). A row may depend on the same and later rows of the source, and on its number modulo
 // `period`.
 template <class Fill>
 void fill_rows_from_held(const OpenDib& source, DibView result, int period, Fill fill) {

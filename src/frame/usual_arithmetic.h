@@ -38,8 +38,8 @@ class UsualArithmetic {
     __asm__ volatile("fnstsw %0" : "=m"(word));
     return word;
   }
-  // Exception flags raised in the scope would trap as soon as they are unmasked, so the host's flags are restored with its masks. The
-  // register stack stays as it is: it may hold the value that is being returned.
+  // Exception flags raised in the scope would trap as soon as they are unmasked, so the host's flags are restored with its
+  // masks. The register stack stays as it is: it may hold the value that is being returned.
   void restore_x87() const {
     struct {
       uint32_t control, status, rest[5];

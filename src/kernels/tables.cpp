@@ -7,28 +7,28 @@
 #include "kernels/turn/turn.h"
 
 // Declares a family's table of each level and defines the accessor, which chooses among them.
-#define VOREL_KERNEL_TABLE(Table, family)                      \
-  namespace vorel::kernels {                                   \
-  namespace sse2 {                                             \
-  extern const Table family##_table;                           \
-  }                                                            \
-  namespace sse41 {                                            \
-  extern const Table family##_table;                           \
-  }                                                            \
-  namespace avx2 {                                             \
-  extern const Table family##_table;                           \
-  }                                                            \
-  namespace avx512 {                                           \
-  extern const Table family##_table;                           \
-  }                                                            \
-  const Table& family(CpuLevel level) {                        \
-    switch (level) {                                           \
-      case CpuLevel::kAvx512: return avx512::family##_table;   \
-      case CpuLevel::kAvx2: return avx2::family##_table;       \
-      case CpuLevel::kSse41: return sse41::family##_table;     \
-      default: return sse2::family##_table;                    \
-    }                                                          \
-  }                                                            \
+#define VOREL_KERNEL_TABLE(Table, family)                    \
+  namespace vorel::kernels {                                 \
+  namespace sse2 {                                           \
+  extern const Table family##_table;                         \
+  }                                                          \
+  namespace sse41 {                                          \
+  extern const Table family##_table;                         \
+  }                                                          \
+  namespace avx2 {                                           \
+  extern const Table family##_table;                         \
+  }                                                          \
+  namespace avx512 {                                         \
+  extern const Table family##_table;                         \
+  }                                                          \
+  const Table& family(CpuLevel level) {                      \
+    switch (level) {                                         \
+      case CpuLevel::kAvx512: return avx512::family##_table; \
+      case CpuLevel::kAvx2: return avx2::family##_table;     \
+      case CpuLevel::kSse41: return sse41::family##_table;   \
+      default: return sse2::family##_table;                  \
+    }                                                        \
+  }                                                          \
   }
 
 VOREL_KERNEL_TABLE(TurnTable, turn)

@@ -37,7 +37,8 @@ Extent extent_of(const PlaceableHeader& header) {
           .y_units = header.units_per_inch};
 }
 
-// The bounds give the size, and bounds and frame together the units per inch: the bounds cancel out and the frame remains. Bounds without width or height give no size; a metafile that draws nothing has bounds of -1.
+// The bounds give the size, and bounds and frame together the units per inch: the bounds cancel out and the frame remains.
+// Bounds without width or height give no size; a metafile that draws nothing has bounds of -1.
 Extent extent_of(const EnhancedHeader& header) {
   const Edges &bounds = header.bounds, &frame = header.frame;
   if (bounds.left == bounds.right || bounds.top == bounds.bottom) return {};

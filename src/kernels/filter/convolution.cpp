@@ -121,8 +121,8 @@ void with_quotient(const Division& division, Work work) {
 
 // ---- Rows ----
 
-// Visits the rows of a picture from the first stored one on. Rows and columns at the edges are repeated beyond them. A row is written
-// only after all rows that need it are read, so that a picture can be filtered in place.
+// Visits the rows of a picture from the first stored one on. Rows and columns at the edges are repeated beyond them. A row is
+// written only after all rows that need it are read, so that a picture can be filtered in place.
 class Convolution {
  public:
   Convolution(const Kernel& kernel, Size size, std::span<uint8_t> scratch)
