@@ -13,7 +13,7 @@ constexpr UINT kHorizontalWheelMessage = 0x020E;  // WM_MOUSEHWHEEL, which heade
 
 void register_class() {
   WNDCLASSW window_class{};
-  window_class.style = CS_HREDRAW | CS_VREDRAW;  // a fitted picture changes everywhere
+  window_class.style = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;  // a fitted picture changes everywhere
   window_class.lpfnWndProc = send_to_object<Canvas>;
   window_class.hInstance = this_program();
   window_class.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32515));  // the cross
@@ -45,6 +45,16 @@ void Canvas::change(const std::function<void(View&)>& action) {
   events_.changed();
 }
 
+bool Canvas::scroll_by_screen(View::Way way) {
+  stop_lens();
+  return view_.is_showing() && view_.scroll_by_screen(way);
+}
+
+void Canvas::scroll_to_end(View::Way way) {
+  stop_lens();
+  if (view_.is_showing()) view_.scroll_to_end(way);
+}
+
 LRESULT Canvas::handle(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_CREATE:
@@ -55,8 +65,7 @@ LRESULT Canvas::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_VSCROLL:
     case WM_DESTROY: return handle_display(message, wParam, lParam);
     case WM_KEYDOWN:
-    case WM_KEYUP:
-    case WM_KILLFOCUS: return handle_key(message, wParam, lParam);
+    case WM_KILLFOCUS: return handle_key(message, wParam);
     default: return handle_mouse(message, wParam, lParam);
   }
 }
@@ -91,30 +100,68 @@ LRESULT Canvas::handle_display(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT Canvas::handle_mouse(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_LBUTTONDOWN: begin_band(point_of(lParam), View::Step::kLarger); return 0;
-    case WM_RBUTTONDOWN: begin_band(point_of(lParam), View::Step::kSmaller); return 0;
-    case WM_MOUSEMOVE:
-      if (has_band_) view_.move_band(point_of(lParam));
-      if (lens_) lens_->move_to(point_of(lParam));
-      return 0;
+    case WM_LBUTTONDOWN: press_button(point_of(lParam), wParam, View::Step::kLarger); return 0;
+    case WM_RBUTTONDOWN: press_button(point_of(lParam), wParam, View::Step::kSmaller); return 0;
+    case WM_LBUTTONDBLCLK: switch_size(point_of(lParam)); return 0;
+    case WM_MOUSEMOVE: move_mouse(point_of(lParam)); return 0;
+    case WM_MOUSELEAVE: events_.pointed({}); return 0;
     case WM_LBUTTONUP:
-    case WM_RBUTTONUP: end_band(point_of(lParam)); return 0;
+    case WM_RBUTTONUP: release_button(point_of(lParam)); return 0;
     case WM_CAPTURECHANGED:  // capture was lost; a repaint removes the band
+      held_.reset();
       if (std::exchange(has_band_, false)) InvalidateRect(window_, nullptr, FALSE);
       return 0;
     case WM_MOUSEWHEEL:
     case kHorizontalWheelMessage: turn_wheel(message, wParam, lParam); return 0;
     case WM_SETCURSOR:
       if (lens_) return TRUE;  // the lens hides it
-      break;
+      if (LOWORD(lParam) != HTCLIENT) break;
+      SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(dragging_ == Dragging::kBand ? 32515 : 32512)));
+      return TRUE;
     default: break;
   }
   return DefWindowProcW(window_, message, wParam, lParam);
 }
 
-void Canvas::begin_band(POINT mouse, View::Step step) {
+void Canvas::press_button(POINT mouse, WPARAM keys, View::Step step) {
   SetFocus(window_);
+  if (!view_.is_showing() || lens_ || has_band_ || held_) return;
+  const bool makes_band = (dragging_ == Dragging::kBand) != ((keys & MK_SHIFT) != 0);
+  if (makes_band) return begin_band(mouse, step);
+  if (step == View::Step::kSmaller) return;
+  SetCapture(window_);
+  held_ = view_.image_point(mouse);
+}
+
+void Canvas::release_button(POINT mouse) {
+  if (has_band_) return end_band(mouse);
+  if (held_) ReleaseCapture();
+}
+
+void Canvas::move_mouse(POINT mouse) {
+  TRACKMOUSEEVENT leaving{sizeof leaving, TME_LEAVE, window_, 0};
+  TrackMouseEvent(&leaving);
+  if (has_band_) view_.move_band(mouse);
+  if (held_) view_.bring(*held_, mouse);
+  if (lens_) lens_->move_to(mouse);
+  events_.pointed(pixel_at(mouse));
+}
+
+// Between the whole picture and its actual size, at the mouse.
+void Canvas::switch_size(POINT mouse) {
   if (!view_.is_showing() || lens_ || has_band_) return;
+  change(
+      [&](View& view) { view.sizing() == Sizing::kFit ? view.zoom_to_actual_size(&mouse) : view.set_sizing(Sizing::kFit); });
+}
+
+std::optional<POINT> Canvas::pixel_at(POINT at) const {
+  if (!view_.is_showing()) return std::nullopt;
+  const POINT pixel = view_.pixel_at(at);
+  const RECT whole = {0, 0, view_.picture().width(), view_.picture().height()};
+  return PtInRect(&whole, pixel) ? std::optional(pixel) : std::nullopt;
+}
+
+void Canvas::begin_band(POINT mouse, View::Step step) {
   view_.begin_band(mouse, step);
   has_band_ = true;
 }
@@ -161,23 +208,22 @@ struct ScrollKey {
   UINT message;
   WORD code;
 };
-constexpr ScrollKey kScrollKeys[] = {{VK_LEFT, WM_HSCROLL, SB_LINELEFT}, {VK_RIGHT, WM_HSCROLL, SB_LINERIGHT},
-                                     {VK_UP, WM_VSCROLL, SB_LINEUP},     {VK_DOWN, WM_VSCROLL, SB_LINEDOWN},
-                                     {VK_HOME, WM_VSCROLL, SB_TOP},      {VK_END, WM_VSCROLL, SB_BOTTOM}};
-
-constexpr LPARAM kWasDownBefore = LPARAM{1} << 30;  // set when a held key repeats
+constexpr ScrollKey kScrollKeys[] = {{VK_LEFT, WM_HSCROLL, SB_LINELEFT},
+                                     {VK_RIGHT, WM_HSCROLL, SB_LINERIGHT},
+                                     {VK_UP, WM_VSCROLL, SB_LINEUP},
+                                     {VK_DOWN, WM_VSCROLL, SB_LINEDOWN}};
 
 }  // namespace
 
-LRESULT Canvas::handle_key(UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_KILLFOCUS || (message == WM_KEYUP && wParam == VK_SPACE)) {
+LRESULT Canvas::handle_key(UINT message, WPARAM wParam) {
+  if (message == WM_KILLFOCUS) {
     stop_lens();
-  } else if (message == WM_KEYDOWN && wParam == VK_SPACE) {
-    if (!(lParam & kWasDownBefore)) start_lens();
-  } else if (message == WM_KEYDOWN && wParam == VK_ESCAPE) {
+  } else if (wParam == VK_ESCAPE) {
+    const bool has_something = has_band_ || lens_;
     cancel_band();
     stop_lens();
-  } else if (message == WM_KEYDOWN && view_.is_showing()) {
+    if (!has_something) events_.escaped();
+  } else if (view_.is_showing()) {
     for (const ScrollKey& row : kScrollKeys)
       if (row.key == wParam) handle(row.message, row.code, 0);
   }

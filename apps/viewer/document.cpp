@@ -1,49 +1,79 @@
 #include "viewer/document.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <utility>
 
-#include "viewer/picture_file.h"
+#include "viewer/logic/step_text.h"
 
 namespace vorel::viewer {
 
-Document Document::from_file(const std::filesystem::path& path, int page) {
-  LoadedPage loaded = load_page(path, page);
+Document Document::of_file(const std::filesystem::path& path, int pages) {
+  State state;
+  for (int page = 1; page <= pages; ++page) state.pages.push_back({{path, page}});
   Document document;
-  document.path_ = std::filesystem::absolute(path);
-  document.page_ = page;
-  document.pages_ = loaded.pages;
-  document.current_.picture = std::move(loaded.picture);
+  document.path_ = path;
+  document.history_ = History(std::move(state));
   return document;
 }
 
-Document Document::untitled(programs::Picture picture) {
+Document Document::untitled(SharedPicture picture) {
   Document document;
-  document.current_ = {std::move(picture), true};
+  document.history_ = History(State{{{{}, picture, {}}}, 1}, false);
+  document.shown_ = std::move(picture);
   return document;
 }
 
 PictureFacts Document::facts() const {
   if (!is_open()) return {};
+  const DibHeader& header = picture().header();
   return {.name = path_.empty() ? L"Untitled" : path_.filename().wstring(),
-          .page = page_,
-          .pages = pages_,
-          .width = current_.picture.width(),
-          .height = current_.picture.height(),
-          .depth = current_.picture.depth(),
-          .changed = current_.is_changed};
+          .page = page(),
+          .pages = pages(),
+          .width = picture().width(),
+          .height = picture().height(),
+          .depth = picture().depth(),
+          .x_per_metre = header.x_per_metre,
+          .y_per_metre = header.y_per_metre,
+          .changed = is_changed()};
 }
 
-void Document::change(programs::Picture picture) { previous_ = std::exchange(current_, Version{std::move(picture), true}); }
+void Document::go_to(int number, SharedPicture picture) {
+  State state = now();
+  state.current = number;
+  history_.amend(std::move(state));
+  shown_ = std::move(picture);
+}
 
-void Document::undo() { std::swap(current_, previous_); }
+// The state before keeps the picture as it was, so that undoing needs no file that may have changed since.
+void Document::change(SharedPicture picture, const std::string& step) {
+  State state = now();
+  Page& page = state.pages[static_cast<size_t>(state.current - 1)];
+  page.picture = shown_;
+  history_.amend(state);
+  page.picture = picture;
+  page.steps = chained(page.steps, step);
+  history_.change(std::move(state));
+  shown_ = std::move(picture);
+}
 
-void Document::save_as(const std::filesystem::path& path, const FileFormat& format) {
-  save_picture(path, current_.picture, format);
+void Document::change_pages(std::vector<Page> pages, int current) { history_.change({std::move(pages), current}); }
+
+// Earlier states may count on pages of a file that is another one now.
+void Document::set_saved(const std::filesystem::path& path) {
+  const bool is_needed =
+      std::ranges::any_of(now().pages, [&](const Page& page) { return !page.picture && page.file.path == path; });
   path_ = path;
-  page_ = pages_ = 1;
-  current_.is_changed = false;
-  previous_.is_changed = true;
+  if (pages() > 1 || is_needed) {
+    State state;
+    for (int page = 1; page <= pages(); ++page) state.pages.push_back({{path, page}});
+    state.current = page();
+    history_ = History(std::move(state));
+  } else {
+    State state = now();
+    state.pages[0].file = {path, 1};
+    history_.amend(std::move(state));
+    history_.set_saved();
+  }
 }
 
 }  // namespace vorel::viewer

@@ -1,7 +1,5 @@
 #include "viewer/failure.h"
 
-#include <filesystem>
-
 #include <vorel32.h>
 
 #include "viewer/logic/texts.h"
@@ -10,6 +8,11 @@ namespace vorel::viewer {
 
 std::wstring widened(const std::string& utf8) {
   return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).wstring();
+}
+
+std::string narrowed(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
 }
 
 std::wstring reason(int status, const wchar_t* otherwise) {

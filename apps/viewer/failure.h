@@ -2,6 +2,7 @@
 #pragma once
 
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <utility>
 
@@ -19,6 +20,7 @@ class Failure : public std::exception {
 };
 
 std::wstring widened(const std::string& utf8);
+std::string narrowed(const std::filesystem::path& path);  // in UTF-8
 
 // Does something: problems become failures that begin with `what`.
 template <class Work>

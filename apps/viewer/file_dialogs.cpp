@@ -83,6 +83,27 @@ std::optional<SavingChoice> ask_for_file_to_save(HWND owner, const std::filesyst
   return SavingChoice{path, format != nullptr ? format : formats_with_endings()[dialog.nFilterIndex - 1]};
 }
 
+namespace {
+
+std::wstring steps_filter() { return filter_of(L"Files of steps", L"*.txt") + filter_of(L"All files", L"*.*"); }
+
+}  // namespace
+
+std::optional<std::filesystem::path> ask_for_steps_to_open(HWND owner) {
+  const std::wstring filter = steps_filter();
+  std::wstring name;
+  OPENFILENAMEW dialog = dialog_for(owner, filter, name, OFN_FILEMUSTEXIST);
+  return GetOpenFileNameW(&dialog) ? std::optional(std::filesystem::path(name.c_str())) : std::nullopt;
+}
+
+std::optional<std::filesystem::path> ask_for_steps_to_save(HWND owner) {
+  const std::wstring filter = steps_filter();
+  std::wstring name = L"steps.txt";
+  OPENFILENAMEW dialog = dialog_for(owner, filter, name, OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST);
+  dialog.lpstrDefExt = L"txt";
+  return GetSaveFileNameW(&dialog) ? std::optional(std::filesystem::path(name.c_str())) : std::nullopt;
+}
+
 const FileFormat* format_by_name(const std::filesystem::path& path) {
   std::string ending;  // endings of pictures are plain
   for (const wchar_t character : path.extension().wstring()) ending += character < 128 ? static_cast<char>(character) : '?';

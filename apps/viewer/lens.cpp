@@ -11,7 +11,7 @@ constexpr int kTimes = 2;  // the view's scale times this, at least actual size
 
 Bitmap picture_for_lens(const View& view) {
   SetImgError(IMG_OK);
-  Bitmap bitmap(ConvertDIBToBitmap(view.dib()));
+  Bitmap bitmap(ConvertDIBToBitmap(view.picture().get()));
   if (!bitmap) throw Failure(L"The lens cannot be shown: " + reason(0, L"there is not enough memory"));
   if (view.has(IMG_DISPLAY_INVERTED)) InvertBitmap(bitmap.get());
   return bitmap;

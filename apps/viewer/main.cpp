@@ -17,7 +17,7 @@ std::filesystem::path picture_to_open() {
 int run_messages(const vorel::viewer::ViewerWindow& viewer) {
   MSG message;
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    if (TranslateAcceleratorW(viewer.window(), viewer.accelerators(), &message)) continue;
+    if (viewer.take_key(message)) continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
@@ -32,6 +32,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int show) {
   vorel::viewer::ViewerWindow viewer;
   if (!viewer.create(show)) return EXIT_FAILURE;
   const auto path = picture_to_open();
-  if (!path.empty()) viewer.attempt([&] { viewer.open(path); });
+  constexpr auto kBox = vorel::viewer::ViewerWindow::Telling::kBox;
+  if (!path.empty()) viewer.attempt([&] { viewer.open(path, kBox); }, kBox);
   return run_messages(viewer);
 }

@@ -8,8 +8,9 @@ namespace {
 
 class NumberDialog {
  public:
-  NumberDialog(const std::wstring& title, std::span<const Parameter> parameters, const Numbers& numbers)
-      : title_(title), parameters_(parameters), numbers_(numbers) {}
+  NumberDialog(const std::wstring& title, std::span<const Parameter> parameters, const Numbers& numbers,
+               NumberPreview* preview)
+      : title_(title), parameters_(parameters), numbers_(numbers), preview_(preview) {}
 
   std::optional<Numbers> run(HWND owner) {
     const INT_PTR result =
@@ -22,7 +23,10 @@ class NumberDialog {
     if (message == WM_INITDIALOG) SetWindowLongPtrW(dialog, DWLP_USER, lParam);
     auto* self = reinterpret_cast<NumberDialog*>(GetWindowLongPtrW(dialog, DWLP_USER));
     if (message == WM_INITDIALOG) return self->fill(dialog);
+    if (message == WM_TIMER) return self->begin_preview(dialog), TRUE;
+    if (message == kPreviewMessage) return self->show_preview(dialog), TRUE;
     if (message != WM_COMMAND) return FALSE;
+    if (HIWORD(wParam) == EN_CHANGE) SetTimer(dialog, kTypingTimer, kTypingMilliseconds, nullptr);
     if (LOWORD(wParam) == IDOK && self->take(dialog)) EndDialog(dialog, IDOK);
     if (LOWORD(wParam) == IDCANCEL) EndDialog(dialog, IDCANCEL);
     return TRUE;
@@ -49,12 +53,28 @@ class NumberDialog {
     SetDlgItemTextW(dialog, range(i), bounds.c_str());
   }
 
+  // Once nothing was typed for a while.
+  void begin_preview(HWND dialog) {
+    KillTimer(dialog, kTypingTimer);
+    if (preview_ == nullptr) return;
+    for (size_t i = 0; i < parameters_.size(); ++i)
+      if (!take_number(dialog, i)) return;
+    SetDlgItemTextW(dialog, IDC_NUMBER_REPORT, L"...");
+    preview_->begin(numbers_, dialog, kPreviewMessage);
+  }
+
+  void show_preview(HWND dialog) { SetDlgItemTextW(dialog, IDC_NUMBER_REPORT, preview_->show().c_str()); }
+
+  bool take_number(HWND dialog, size_t i) {
+    BOOL is_number = FALSE;
+    numbers_[i] = static_cast<int>(GetDlgItemInt(dialog, edit(i), &is_number, TRUE));
+    return is_number && numbers_[i] >= parameters_[i].least && numbers_[i] <= parameters_[i].most;
+  }
+
   // What is no number within its bounds is pointed at.
   bool take(HWND dialog) {
     for (size_t i = 0; i < parameters_.size(); ++i) {
-      BOOL is_number = FALSE;
-      numbers_[i] = static_cast<int>(GetDlgItemInt(dialog, edit(i), &is_number, TRUE));
-      if (is_number && numbers_[i] >= parameters_[i].least && numbers_[i] <= parameters_[i].most) continue;
+      if (take_number(dialog, i)) continue;
       MessageBeep(MB_ICONWARNING);
       SendDlgItemMessageW(dialog, edit(i), EM_SETSEL, 0, -1);
       SetFocus(GetDlgItem(dialog, edit(i)));
@@ -70,13 +90,17 @@ class NumberDialog {
   const std::wstring& title_;
   std::span<const Parameter> parameters_;
   Numbers numbers_;
+  NumberPreview* preview_;
+
+  static constexpr UINT kPreviewMessage = WM_APP + 1, kTypingMilliseconds = 200;
+  static constexpr UINT_PTR kTypingTimer = 1;
 };
 
 }  // namespace
 
 std::optional<Numbers> ask_for_numbers(HWND owner, const std::wstring& title, std::span<const Parameter> parameters,
-                                       const Numbers& numbers) {
-  return NumberDialog(title, parameters, numbers).run(owner);
+                                       const Numbers& numbers, NumberPreview* preview) {
+  return NumberDialog(title, parameters, numbers, preview).run(owner);
 }
 
 }  // namespace vorel::viewer

@@ -13,8 +13,6 @@ namespace vorel::viewer {
 namespace fs = std::filesystem;
 namespace {
 
-std::wstring quoted(const fs::path& path) { return L"\"" + path.filename().wstring() + L"\""; }
-
 // An empty file in the folder of another, which is to take its place. It is removed with its scope.
 class ScratchFile {
  public:
@@ -37,18 +35,29 @@ class ScratchFile {
 
 }  // namespace
 
-LoadedPage load_page(const fs::path& path, int page) {
+std::wstring quoted(const fs::path& path) { return L"\"" + path.filename().wstring() + L"\""; }
+
+FileStamp stamp_of(const fs::path& path) {
+  std::error_code error;
+  const fs::directory_entry entry(path, error);
+  FileStamp stamp;
+  if (!error && entry.is_regular_file(error)) stamp = {entry.last_write_time(error), entry.file_size(error)};
+  return stamp;
+}
+
+LoadedPage load_page(const PagePlace& place) {
   std::error_code ignored;
-  if (!fs::exists(path, ignored)) throw Failure(quoted(path) + L" is not found");
-  return about(quoted(path) + L" cannot be loaded", [&] {
-    const programs::PictureFile file(path);
-    programs::Picture picture = programs::with_whole_table(programs::workable(file.load(page)));
-    return LoadedPage{std::move(picture), std::max(file.count_pages().value_or(1), 1)};
+  if (!fs::exists(place.path, ignored)) throw Failure(quoted(place.path) + L" is not found");
+  return about(quoted(place.path) + L" cannot be loaded", [&] {
+    const programs::PictureFile file(place.path);
+    programs::Picture picture = programs::with_whole_table(programs::workable(file.load(place.page)));
+    return LoadedPage{share(std::move(picture)), std::max(file.count_pages().value_or(1), 1)};
   });
 }
 
 // TGA files are known by their names.
-void save_picture(const fs::path& path, const programs::Picture& picture, const FileFormat& format) {
+void save_pages(const fs::path& path, const FileFormat& format, int pages,
+                const std::function<SharedPicture(int page)>& page) {
   const bool is_tga = format.code == FormatCode::kTga;
   const ScratchFile scratch(path, is_tga ? L".tga" : L"");
   about(quoted(path) + L" cannot be saved", [&] {
@@ -56,7 +65,8 @@ void save_picture(const fs::path& path, const programs::Picture& picture, const 
     if (!plain)
       throw programs::Problem(programs::Fault::kOutput, "its path is too long; choose a folder nearer to the root");
     const programs::Saving saving{.format = &format, .run_length = is_tga};
-    programs::save_page(*plain, programs::suited(picture.copy(), saving), saving, 1);
+    for (int number = 1; number <= pages; ++number)
+      programs::save_page(*plain, programs::suited(page(number)->picture.copy(), saving), saving, number);
   });
   if (!MoveFileExW(scratch.path().c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING))
     throw Failure(quoted(path) + L" cannot be replaced: it is in use, or protected");

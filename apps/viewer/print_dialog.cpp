@@ -52,6 +52,7 @@ class PrintDialog {
     EnableWindow(GetDlgItem(dialog, IDC_PAGES), has_pages);
     SetDlgItemTextW(dialog, IDC_PAGES_HINT, has_pages ? L"such as 1-3,5" : L"");
     SetDlgItemInt(dialog, IDC_COPIES, static_cast<UINT>(settings_.copies), FALSE);
+    CheckDlgButton(dialog, IDC_COLLATED, settings_.is_collated ? BST_CHECKED : BST_UNCHECKED);
     show_layout(dialog, settings_.layout);
     return TRUE;
   }
@@ -86,6 +87,7 @@ class PrintDialog {
   bool take(HWND dialog) {
     take_printer(dialog);
     settings_.layout = chosen_layout(dialog);
+    settings_.is_collated = IsDlgButtonChecked(dialog, IDC_COLLATED) == BST_CHECKED;
     const std::string list = std::filesystem::path(text_of(GetDlgItem(dialog, IDC_PAGES))).string();
     const auto pages = programs::parse_page_range(list, pages_.count());
     if (!pages) return point_at(dialog, IDC_PAGES);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
+#include <vector>
 
 #include "viewer/failure.h"
 #include "viewer/gdi.h"
@@ -24,16 +26,20 @@ void fill(HDC dc, const RECT& rect, COLORREF color) {
   FillRect(dc, &rect, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
-void draw_picture(HDC dc, const Rect& box, const programs::Picture& picture) {
-  SetStretchBltMode(dc, HALFTONE);
-  SetBrushOrgEx(dc, 0, 0, nullptr);
-  StretchDIBits(dc, box.x, box.y, box.width, box.height, 0, 0, picture.width(), picture.height(),
-                picture.image_bytes().data(), reinterpret_cast<const BITMAPINFO*>(picture.bytes().data()), DIB_RGB_COLORS,
-                SRCCOPY);
+void draw_picture(HDC dc, const Rect& box, const ShownPicture& shown) {
+  RECT part{}, clip{};
+  const RECT whole = rect_of(box);
+  GetClipBox(dc, &clip);
+  if (!IntersectRect(&part, &whole, &clip)) return;
+  const Rect drawn = {static_cast<int>(part.left) - box.x, static_cast<int>(part.top) - box.y,
+                      static_cast<int>(part.right - part.left), static_cast<int>(part.bottom - part.top)};
+  std::vector<uint32_t> pixels(static_cast<size_t>(drawn.width) * static_cast<size_t>(drawn.height));
+  shown.reductions().draw({box.width, box.height}, drawn, pixels);
+  put_pixels(dc, {part.left, part.top}, {drawn.width, drawn.height}, pixels);
 }
 
 // What the printer does not reach is left out, as it is on paper.
-void draw_sheet(HDC dc, const PreviewBoxes& boxes, const programs::Picture& picture) {
+void draw_sheet(HDC dc, const PreviewBoxes& boxes, const std::vector<SharedPicture>& pictures) {
   RECT edge = rect_of(boxes.paper);
   InflateRect(&edge, 1, 1);
   fill(dc, edge, kEdge);
@@ -42,7 +48,7 @@ void draw_sheet(HDC dc, const PreviewBoxes& boxes, const programs::Picture& pict
   const RECT reach = rect_of(boxes.printable);
   const int saved = SaveDC(dc);
   IntersectClipRect(dc, reach.left, reach.top, reach.right, reach.bottom);
-  draw_picture(dc, boxes.picture, picture);
+  for (size_t i = 0; i < pictures.size(); ++i) draw_picture(dc, boxes.pictures[i], *pictures[i]);
   RestoreDC(dc, saved);
 }
 
@@ -63,11 +69,9 @@ void draw_buffered(HDC dc, const RECT& area, Draw draw) {
 class Preview {
  public:
   Preview(DocumentPages& pages, PrintSettings& settings)
-      : pages_(pages),
-        settings_(settings),
-        sheet_(settings.printer.sheet()),
-        page_(pages.shown()),
-        picture_(&pages.page(page_)) {}
+      : pages_(pages), settings_(settings), sheet_(settings.printer.sheet()), first_(pages.shown()) {
+    show_sheet();
+  }
 
   PreviewEnd run(HWND owner) {
     const HWND dialog =
@@ -93,13 +97,16 @@ class Preview {
       case WM_INITDIALOG: return begin(dialog);
       case WM_SIZE: lay_out(dialog); return TRUE;
       case WM_DRAWITEM: draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
-      case WM_COMMAND: run_command(dialog, LOWORD(wParam)); return TRUE;
+      case WM_COMMAND:
+        if (LOWORD(wParam) != IDC_PER_SHEET || HIWORD(wParam) == CBN_SELCHANGE) run_command(dialog, LOWORD(wParam));
+        return TRUE;
       default: return FALSE;
     }
   }
 
   BOOL begin(HWND dialog) {
-    SendMessageW(dialog, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(LoadIconW(nullptr, MAKEINTRESOURCEW(32512))));
+    SendMessageW(dialog, WM_SETICON, ICON_SMALL,
+                 reinterpret_cast<LPARAM>(LoadIconW(this_program(), MAKEINTRESOURCEW(IDI_VIEWER))));
     show_layout(dialog, settings_.layout);
     lay_out(dialog);
     update(dialog);
@@ -135,17 +142,17 @@ class Preview {
   void draw(const DRAWITEMSTRUCT& item) const {
     draw_buffered(item.hDC, item.rcItem, [this](HDC dc, Size window) {
       fill(dc, {0, 0, window.width, window.height}, kDesk);
-      draw_sheet(dc, preview_boxes(sheet_, printed(), window), *picture_);
+      draw_sheet(dc, preview_boxes(sheet_, printed(), window), pictures_);
     });
   }
 
   void run_command(HWND dialog, WORD id) {
     switch (id) {
-      case IDC_PREVIOUS_PAGE: go_to(dialog, page_ - 1); break;
-      case IDC_NEXT_PAGE: go_to(dialog, page_ + 1); break;
+      case IDC_PREVIOUS_PAGE: go_to(dialog, first_ - settings_.layout.per_sheet); break;
+      case IDC_NEXT_PAGE: go_to(dialog, first_ + settings_.layout.per_sheet); break;
       case IDOK: finish(PreviewEnd::kPrint); break;
       case IDCANCEL: finish(PreviewEnd::kClosed); break;
-      default: settings_.layout = chosen_layout(dialog); update(dialog);
+      default: settings_.layout = chosen_layout(dialog); go_to(dialog, first_);
     }
   }
 
@@ -154,38 +161,60 @@ class Preview {
     is_done_ = true;
   }
 
+  // The pages of the sheet that a page is on.
+  void show_sheet() {
+    const int per_sheet = settings_.layout.per_sheet, first = (first_ - 1) / per_sheet * per_sheet + 1;
+    std::vector<SharedPicture> pictures;
+    for (int page = first; page < first + per_sheet && page <= pages_.count(); ++page) pictures.push_back(pages_.page(page));
+    pictures_ = std::move(pictures);
+    first_ = first;
+  }
+
   // No exception may leave through the system that called the window procedure.
   void go_to(HWND dialog, int page) {
     if (page < 1 || page > pages_.count()) return MessageBeep(MB_OK), void();
+    const int before = std::exchange(first_, page);
     try {
-      picture_ = &pages_.page(page);
-      page_ = page;
+      show_sheet();
       update(dialog);
     } catch (const Failure& failure) {
+      first_ = before;
       SetDlgItemTextW(dialog, IDC_FACTS, failure.text().c_str());
     } catch (const std::bad_alloc&) {
+      first_ = before;
       SetDlgItemTextW(dialog, IDC_FACTS, L"There is not enough memory for the page");
     }
   }
 
+  std::wstring place() const {
+    const int per_sheet = settings_.layout.per_sheet, sheets = (pages_.count() + per_sheet - 1) / per_sheet;
+    const std::wstring what = per_sheet == 1 ? L"page " : L"sheet ";
+    return what + std::to_wstring((first_ - 1) / per_sheet + 1) + L" of " + std::to_wstring(sheets);
+  }
+
   void update(HWND dialog) {
-    const std::wstring place = L"page " + std::to_wstring(page_) + L" of " + std::to_wstring(pages_.count());
     const std::wstring title =
-        L"Print Preview - " + place + L" - " + layout_text(settings_.layout) + L" - " + settings_.printer.name();
+        L"Print Preview - " + place() + L" - " + layout_text(settings_.layout) + L" - " + settings_.printer.name();
     SetWindowTextW(dialog, title.c_str());
-    SetDlgItemTextW(dialog, IDC_FACTS, printed_size_text(printed(), sheet_).c_str());
-    EnableWindow(GetDlgItem(dialog, IDC_PREVIOUS_PAGE), pages_.count() > 1);
-    EnableWindow(GetDlgItem(dialog, IDC_NEXT_PAGE), pages_.count() > 1);
+    SetDlgItemTextW(dialog, IDC_FACTS, printed_size_text(printed().front(), sheet_).c_str());
+    for (const int id : {IDC_PREVIOUS_PAGE, IDC_NEXT_PAGE})
+      EnableWindow(GetDlgItem(dialog, id), pages_.count() > settings_.layout.per_sheet);
+    for (const int id : {IDC_TRUE_SIZE, IDC_FIT, IDC_STRETCH, IDC_ACROSS, IDC_DOWN, IDC_BY_RESOLUTION})
+      EnableWindow(GetDlgItem(dialog, id), settings_.layout.per_sheet == 1);
     InvalidateRect(GetDlgItem(dialog, IDC_PAGE), nullptr, FALSE);
   }
 
-  Rect printed() const { return printed_box(settings_.layout, picture_->header(), sheet_); }
+  std::vector<Rect> printed() const {
+    std::vector<DibHeader> headers;
+    for (const SharedPicture& picture : pictures_) headers.push_back(picture->picture.header());
+    return printed_boxes(settings_.layout, headers, sheet_);
+  }
 
   DocumentPages& pages_;
   PrintSettings& settings_;
   Sheet sheet_;
-  int page_;
-  const programs::Picture* picture_;  // the page's
+  int first_;                            // page on the sheet
+  std::vector<SharedPicture> pictures_;  // of its pages
   PreviewEnd end_ = PreviewEnd::kClosed;
   bool is_done_ = false;
 };

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "viewer/document.h"
+#include "viewer/page_loader.h"
 #include "viewer/printer.h"
 
 namespace vorel::viewer {
@@ -14,28 +15,28 @@ struct PrintSettings {
   Printer printer;
   PrintLayout layout;
   int copies = 1;
+  bool is_collated = true;
 };
 
-// The pages of a document: the one that is shown as it is, with its changes, and the others from the file. What is shown stays.
+// The pages of a document with their changes. What is on view stays.
 class DocumentPages {
  public:
-  explicit DocumentPages(const Document& document) : document_(document) {}
+  DocumentPages(const Document& document, PageLoader& loader) : document_(document), loader_(loader) {}
 
   int count() const { return document_.pages(); }
   int shown() const { return document_.page(); }
   std::wstring name() const { return document_.facts().name; }
 
-  // Counted from 1; lives until the next is asked for. Throws Failure, and keeps the one before.
-  const programs::Picture& page(int number);
+  // Counted from 1. Throws Failure.
+  SharedPicture page(int number);
 
  private:
   const Document& document_;
-  programs::Picture loaded_;
-  int loaded_number_ = 0;
+  PageLoader& loader_;
 };
 
-// Prints pages one after another, each as often as copies are wanted: printers take the library's copies for one sheet. Lets
-// messages through, while the owner takes no input. Returns the number of sheets. Throws Failure.
+// Prints pages one after another, and sheets again for more copies: printers take the library's copies for one sheet. Lets messages
+// through, while the owner takes no input. Returns the number of sheets. Throws Failure.
 int print_pages(HWND owner, const PrintSettings& settings, DocumentPages& pages, std::span<const int> numbers);
 
 }  // namespace vorel::viewer

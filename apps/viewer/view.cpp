@@ -1,6 +1,11 @@
 #include "viewer/view.h"
 
 #include <algorithm>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include <vorel32.h>
 
 #include "viewer/gdi.h"
 
@@ -98,19 +103,73 @@ void View::resized() {
   scroll_by(0, 0);
 }
 
-void View::paint() { DisplayWmPaint(window_, &state_); }
+void View::paint() { is_reduced() ? paint_reduced() : static_cast<void>(DisplayWmPaint(window_, &state_)); }
 
 void View::scroll(int bar, WPARAM wParam) { scroll_to(bar, wanted_position(bar, LOWORD(wParam))); }
 
 void View::realise_palette() {
   if (palette() == nullptr) return;
   const WindowDc dc(window_);
-  const HPALETTE previous = SelectPalette(dc.get(), palette(), FALSE);
-  if (RealizePalette(dc.get()) > 0) InvalidateRect(window_, nullptr, FALSE);
-  SelectPalette(dc.get(), previous, TRUE);
+  const SelectedPalette selected(dc.get(), palette(), false);
+  if (selected.changed() > 0) InvalidateRect(window_, nullptr, FALSE);
 }
 
 void View::destroy() { DisplayWmDestroy(window_, 0, 0, &state_); }
+
+// ---- Drawing of reduced pictures ----
+
+namespace {
+
+bool has_palette(HDC dc) { return (GetDeviceCaps(dc, RASTERCAPS) & RC_PALETTE) != 0; }
+
+// As many of the mixtures as leave the system room for its own colours.
+OwnedPalette palette_of_mixtures(std::span<const uint32_t> mixtures) {
+  constexpr WORD kEntries = 64;
+  constexpr WORD kVersion = 0x300;
+  struct {
+    WORD version = kVersion, count = kEntries;
+    PALETTEENTRY entries[kEntries] = {};
+  } palette;
+  for (size_t i = 0; i < kEntries; ++i) {
+    const uint32_t color = mixtures[i * (mixtures.size() - 1) / (kEntries - 1)];
+    palette.entries[i] = {static_cast<BYTE>(color >> 16), static_cast<BYTE>(color >> 8), static_cast<BYTE>(color), 0};
+  }
+  return OwnedPalette(CreatePalette(reinterpret_cast<const LOGPALETTE*>(&palette)));
+}
+
+void fill_around(HDC dc, const RECT& image, const RECT& area, HWND window) {
+  const int saved = SaveDC(dc);
+  ExcludeClipRect(dc, image.left, image.top, image.right, image.bottom);
+  FillRect(dc, &area, reinterpret_cast<HBRUSH>(GetClassLongPtrW(window, GCLP_HBRBACKGROUND)));
+  RestoreDC(dc, saved);
+}
+
+}  // namespace
+
+bool View::is_reduced() const {
+  const Extent size = displayed();
+  return size.width < picture().width() || size.height < picture().height();
+}
+
+void View::paint_reduced() {
+  const Extent size = displayed();
+  const POINT corner = MappedDc(window_, state_).to_device({0, 0});
+  const RECT image = {corner.x, corner.y, corner.x + size.width, corner.y + size.height};
+  const Painting painting(window_);
+  RECT part{};
+  if (IntersectRect(&part, &image, &painting.area())) {
+    const Size extent = {static_cast<int>(part.right - part.left), static_cast<int>(part.bottom - part.top)};
+    std::vector<uint32_t> pixels(static_cast<size_t>(extent.width) * static_cast<size_t>(extent.height));
+    const POINT from = {part.left - image.left, part.top - image.top};
+    picture_->reductions().draw({size.width, size.height},
+                                {static_cast<int>(from.x), static_cast<int>(from.y), extent.width, extent.height}, pixels);
+    if (has(IMG_DISPLAY_INVERTED))
+      for (uint32_t& pixel : pixels) pixel ^= 0xFFFFFF;
+    const SelectedPalette selected(painting.dc(), palette(), true);
+    put_pixels(painting.dc(), {part.left, part.top}, extent, pixels);
+  }
+  fill_around(painting.dc(), image, painting.area(), window_);
+}
 
 // ---- Showing ----
 
@@ -123,7 +182,7 @@ UINT View::flags() const {
 void View::start_with_bars() {
   const int zoom[4] = {ratio_.viewport, ratio_.window, ratio_.viewport, ratio_.window};
   is_starting_ = true;
-  DisplayDIBStart(window_, dib_, nullptr, zoom, flags(), &state_);
+  DisplayDIBStart(window_, dib(), nullptr, zoom, flags(), &state_);
   is_starting_ = false;
   realise_palette();
 }
@@ -156,21 +215,30 @@ void View::start_in_place() {
   bring(point, middle);
 }
 
-void View::show_first(HGLOBAL dib) {
-  dib_ = dib;
+// The library holds the new picture from the next start on.
+void View::show(SharedPicture picture) {
+  const WindowDc dc(window_);
+  mixtures_.reset();
+  if (picture && has_palette(dc.get()) && picture->picture.depth() == 1)
+    mixtures_ = palette_of_mixtures(picture->reductions().mixtures());
+  picture_ = std::move(picture);
+}
+
+void View::show_first(SharedPicture picture) {
+  show(std::move(picture));
   sizing_ = Sizing::kRatio;
   ratio_ = kActualSize;
   start();
   if (bars_.horizontal || bars_.vertical) set_sizing(Sizing::kFit);
 }
 
-void View::show_next(HGLOBAL dib) {
-  dib_ = dib;
+void View::show_next(SharedPicture picture) {
+  show(std::move(picture));
   start();
 }
 
-void View::show_changed(HGLOBAL dib) {
-  dib_ = dib;
+void View::show_changed(SharedPicture picture) {
+  show(std::move(picture));
   start_in_place();
 }
 
@@ -196,9 +264,9 @@ RECT View::current_ratio_rect() const {
   return {ratio.viewport, ratio.window, ratio.viewport, ratio.window};
 }
 
-void View::zoom_to_actual_size() {
-  const POINT middle = middle_of_client(window_);
-  set_ratio(kActualSize, image_point(middle), middle);
+void View::zoom_to_actual_size(const POINT* at) {
+  const POINT point = at != nullptr ? *at : middle_of_client(window_);
+  set_ratio(kActualSize, image_point(point), point);
 }
 
 void View::zoom_by_step(Step step, const POINT* at) {
@@ -245,10 +313,11 @@ void View::cancel_band() { BZoomEnd(window_, nullptr, &tracker_, &state_); }
 
 // ---- Scrolling ----
 
+// It does not depend on the place.
 Extent View::displayed() const {
   const MappedDc dc(window_, state_);
-  const POINT from = dc.to_device({0, 0}), to = dc.to_device({state_.layout.imageWidth, state_.layout.imageHeight});
-  return {static_cast<int>(to.x - from.x), static_cast<int>(to.y - from.y)};
+  return {scaled_length(state_.layout.imageWidth, dc.ratio(SB_HORZ)),
+          scaled_length(state_.layout.imageHeight, dc.ratio(SB_VERT))};
 }
 
 // Including the area of the scroll bars.
@@ -268,13 +337,14 @@ ScrolledAxis View::axis(int bar) const {
 }
 
 int View::wanted_position(int bar, int code) const {
-  constexpr int kLine = 8;
+  constexpr int kLinesInWindow = 10;
   const ScrolledAxis along = axis(bar);
+  const int line = std::max(along.window / kLinesInWindow, along.step);
   switch (code) {
-    case SB_LINEUP: return along.position - std::max(kLine, along.step);
-    case SB_LINEDOWN: return along.position + std::max(kLine, along.step);
-    case SB_PAGEUP: return along.position - along.window / 2;
-    case SB_PAGEDOWN: return along.position + along.window / 2;
+    case SB_LINEUP: return along.position - line;
+    case SB_LINEDOWN: return along.position + line;
+    case SB_PAGEUP: return along.position - (along.window - line);
+    case SB_PAGEDOWN: return along.position + (along.window - line);
     case SB_THUMBPOSITION:
     case SB_THUMBTRACK: return thumb_position(window_, bar);
     case SB_TOP: return along.first;
@@ -305,9 +375,33 @@ void View::scroll_by(int x, int y) {
   scroll_to(SB_VERT, axis(SB_VERT).position + y);
 }
 
+bool View::scroll_by_screen(Way way) {
+  const auto scroll = [this](int bar, int code) {
+    const int before = axis(bar).position;
+    scroll_to(bar, wanted_position(bar, code));
+    return axis(bar).position != before;
+  };
+  const bool is_on = way == Way::kOn;
+  if (scroll(SB_VERT, is_on ? SB_PAGEDOWN : SB_PAGEUP)) return true;
+  if (!scroll(SB_HORZ, is_on ? SB_PAGERIGHT : SB_PAGELEFT)) return false;
+  scroll(SB_VERT, is_on ? SB_TOP : SB_BOTTOM);
+  return true;
+}
+
+void View::scroll_to_end(Way way) {
+  for (const int bar : {SB_HORZ, SB_VERT}) scroll_to(bar, way == Way::kOn ? axis(bar).last() : axis(bar).first);
+}
+
 void View::bring(POINT image_point, POINT at) {
   const POINT now = MappedDc(window_, state_).to_device(image_point);
   scroll_by(now.x - at.x, now.y - at.y);
+}
+
+// The pixel that a window's pixel shows.
+POINT View::pixel_at(POINT at) const {
+  const MappedDc dc(window_, state_);
+  const POINT corner = dc.to_device({0, 0});
+  return {pixel_under(at.x - corner.x, dc.ratio(SB_HORZ)), pixel_under(at.y - corner.y, dc.ratio(SB_VERT))};
 }
 
 POINT View::image_point(POINT at) const { return MappedDc(window_, state_).to_image(at); }

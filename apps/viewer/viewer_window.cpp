@@ -4,13 +4,12 @@
 #include <new>
 #include <utility>
 
-#include "viewer/clipboard.h"
+#include "core/pixel.h"
 #include "viewer/commands.h"
 #include "viewer/failure.h"
-#include "viewer/file_dialogs.h"
-#include "viewer/logic/neighbours.h"
-#include "viewer/print_dialog.h"
-#include "viewer/print_preview.h"
+#include "viewer/resource.h"
+#include "viewer/settings.h"
+#include "viewer/text_dialog.h"
 #include "viewer/window.h"
 
 namespace vorel::viewer {
@@ -20,26 +19,22 @@ namespace {
 constexpr const wchar_t* kClassName = L"VorelViewer";
 constexpr const wchar_t* kProgram = L"Vorel Viewer";
 constexpr UINT kDpiMessage = 0x02E0;  // WM_DPICHANGED, which headers for older systems lack
-
-enum StatusPart : int { kMessagePart, kSizePart, kPagePart, kZoomPart, kStatusParts };
+constexpr UINT kPageMessage = WM_APP + 1, kThumbnailMessage = WM_APP + 2;
 
 void register_class() {
-  WNDCLASSW window_class{};
+  const auto icon = [](int width, int height) {
+    return static_cast<HICON>(LoadImageW(this_program(), MAKEINTRESOURCEW(IDI_VIEWER), IMAGE_ICON, GetSystemMetrics(width),
+                                         GetSystemMetrics(height), LR_SHARED));
+  };
+  WNDCLASSEXW window_class{};
+  window_class.cbSize = sizeof window_class;
   window_class.lpfnWndProc = send_to_object<ViewerWindow>;
   window_class.hInstance = this_program();
-  window_class.hIcon = LoadIconW(nullptr, MAKEINTRESOURCEW(32512));      // the system's for programs
+  window_class.hIcon = icon(SM_CXICON, SM_CYICON);
+  window_class.hIconSm = icon(SM_CXSMICON, SM_CYSMICON);
   window_class.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // the arrow
   window_class.lpszClassName = kClassName;
-  RegisterClassW(&window_class);
-}
-
-std::vector<std::wstring> picture_names_in(const fs::path& folder) {
-  std::vector<std::wstring> names;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (format_by_name(entry->path()) != nullptr) names.push_back(entry->path().filename().wstring());
-  }
-  return names;
+  RegisterClassExW(&window_class);
 }
 
 std::vector<Numbers> usual_numbers() {
@@ -52,22 +47,45 @@ std::vector<Numbers> usual_numbers() {
   return all;
 }
 
+uint32_t color_at(const programs::Picture& picture, POINT pixel) {
+  uint32_t color = 0;
+  const int x = static_cast<int>(pixel.x), y = static_cast<int>(pixel.y);
+  const uint8_t* const row = picture.pixels().row_from_top(y).data();
+  with_depth(picture.depth(), [&](auto depth) { color = programs::color_of(picture, Pixel<depth>::load(row, x)); });
+  return color;
+}
+
 }  // namespace
 
+// The messages tell the window from other threads that something arrived.
+ViewerWindow::ViewerWindow()
+    : loader_([this] { PostMessageW(window_, kPageMessage, 0, 0); }),
+      side_bar_(loader_.queue(), [this] { PostMessageW(window_, kThumbnailMessage, 0, 0); }),
+      recent_files_(load_recent_files()) {}
+
 // No exception may leave through the system that called the window procedure.
-void ViewerWindow::attempt(const std::function<void()>& action) {
+void ViewerWindow::attempt(const std::function<void()>& action, Telling telling) {
   try {
-    tell(L"");
     action();
   } catch (const Failure& failure) {
-    tell(failure.text());
+    complain(failure.text(), telling);
   } catch (const programs::Problem& problem) {
-    tell(widened(problem.what()));
+    complain(widened(problem.what()), telling);
   } catch (const std::bad_alloc&) {
-    tell(L"There is not enough memory");
+    complain(L"There is not enough memory", telling);
   } catch (const fs::filesystem_error&) {
-    tell(L"The system does not take this path");
+    complain(L"The system does not take this path", telling);
   }
+}
+
+void ViewerWindow::complain(const std::wstring& text, Telling telling) {
+  tell(text);
+  if (telling == Telling::kBox) MessageBoxW(window_, text.c_str(), kProgram, MB_OK | MB_ICONWARNING);
+}
+
+// Cancel is the usual answer.
+bool ViewerWindow::confirms(const std::wstring& question) const {
+  return MessageBoxW(window_, question.c_str(), kProgram, MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
 }
 
 // ---- The window and its parts ----
@@ -85,24 +103,31 @@ bool ViewerWindow::create(int show) {
 }
 
 bool ViewerWindow::create_parts() {
-  status_ = CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, window_,
-                            nullptr, this_program(), nullptr);
-  return canvas_.create(window_,
-                        {.changed = [this] { update_facts(); }, .failed = [this](const auto& text) { tell(text); }});
+  return status_.create(window_, IDC_STATUS) && side_bar_.create(window_, IDC_THUMBNAILS) &&
+         canvas_.create(window_, {.changed = [this] { update_facts(); },
+                                  .failed = [this](const auto& text) { tell(text); },
+                                  .pointed = [this](std::optional<POINT> pixel) { tell_pixel(pixel); },
+                                  .escaped = [this] { escape(); }});
+}
+
+// Keys without Ctrl that move in a list stay the list's while it has the focus; Esc leaves it.
+bool ViewerWindow::take_key(MSG& message) const {
+  const bool is_in_list = message.hwnd == side_bar_.window();
+  if (is_in_list && message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE) return SetFocus(canvas_.window()), true;
+  const bool is_for_list = is_in_list && message.wParam < VK_F1 && GetKeyState(VK_CONTROL) >= 0;
+  return !is_for_list && TranslateAcceleratorW(window_, accelerators_, &message);
 }
 
 void ViewerWindow::lay_out() {
-  SendMessageW(status_, WM_SIZE, 0, 0);
-  RECT client{}, status{};
+  RECT client{};
   GetClientRect(window_, &client);
-  GetWindowRect(status_, &status);
-  const int height = std::max(0, static_cast<int>(client.bottom - (status.bottom - status.top)));
-  MoveWindow(canvas_.window(), 0, 0, client.right, height, TRUE);
-
-  const int character = std::max(1, static_cast<int>(status.bottom - status.top) / 3);  // about as wide as a digit
-  const int zoom = client.right - 12 * character, page = zoom - 16 * character, size = page - 32 * character;
-  const int edges[kStatusParts] = {size, page, zoom, -1};
-  SendMessageW(status_, SB_SETPARTS, kStatusParts, reinterpret_cast<LPARAM>(edges));
+  const int width = static_cast<int>(client.right);
+  const int height = std::max(0, static_cast<int>(client.bottom) - status_.lay_out(width, is_full_screen()));
+  const bool has_list = thumbnails_ != Thumbnails::kNone;
+  const int list = has_list ? std::min(side_bar_.width(), width / 2) : 0;
+  ShowWindow(side_bar_.window(), has_list ? SW_SHOWNA : SW_HIDE);
+  MoveWindow(side_bar_.window(), 0, 0, list, height, TRUE);
+  MoveWindow(canvas_.window(), list, 0, width - list, height, TRUE);
 }
 
 LRESULT ViewerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -110,10 +135,20 @@ LRESULT ViewerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CREATE: return create_parts() ? 0 : -1;
     case WM_SIZE: lay_out(); return 0;
     case WM_SETFOCUS: SetFocus(canvas_.window()); return 0;
-    case WM_COMMAND: run_command(LOWORD(wParam)); return 0;
+    case WM_COMMAND:
+      if (LOWORD(wParam) != IDC_THUMBNAILS)
+        run_command(LOWORD(wParam));
+      else if (HIWORD(wParam) == LBN_SELCHANGE)
+        choose_thumbnail();
+      return 0;
+    case WM_DRAWITEM: side_bar_.draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
+    case kPageMessage: attempt([this] { take_arrival(); }); return 0;
+    case kThumbnailMessage: side_bar_.collect(); return 0;
+    case WM_TIMER: attempt([this] { show_next_slide(); }); return 0;
     case WM_QUERYNEWPALETTE: canvas_.realise_palette(); return TRUE;
     case WM_PALETTECHANGED: InvalidateRect(canvas_.window(), nullptr, FALSE); return 0;
-    case WM_INITMENUPOPUP: show_command_states(reinterpret_cast<HMENU>(wParam)); return 0;
+    case WM_SYSCOLORCHANGE: InvalidateRect(window_, nullptr, TRUE); return 0;
+    case WM_INITMENUPOPUP: update_menu(reinterpret_cast<HMENU>(wParam), *this); return 0;
     case WM_DROPFILES: take_dropped(reinterpret_cast<HDROP>(wParam)); return 0;
     case kDpiMessage: follow_dpi(*reinterpret_cast<const RECT*>(lParam)); return 0;
     case WM_CLOSE: close(); return 0;
@@ -125,23 +160,15 @@ LRESULT ViewerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
 void ViewerWindow::run_command(WORD id) {
   const Command* command = command_of(id);
   if (command == nullptr || (command->is_enabled && !command->is_enabled(*this))) return;
-  attempt([&] { command->run(*this); });
-}
-
-void ViewerWindow::show_command_states(HMENU menu) const {
-  for (int item = 0; item < GetMenuItemCount(menu); ++item) {
-    const Command* command = command_of(static_cast<WORD>(GetMenuItemID(menu, item)));
-    if (command == nullptr) continue;
-    const bool is_enabled = !command->is_enabled || command->is_enabled(*this);
-    const bool is_checked = command->is_checked && command->is_checked(*this);
-    EnableMenuItem(menu, static_cast<UINT>(item), MF_BYPOSITION | (is_enabled ? MF_ENABLED : MF_GRAYED));
-    CheckMenuItem(menu, static_cast<UINT>(item), MF_BYPOSITION | (is_checked ? MF_CHECKED : MF_UNCHECKED));
-  }
+  tell(L"");
+  attempt([&] { command->run(*this); }, command->telling);
 }
 
 void ViewerWindow::follow_dpi(const RECT& suggested) {
   SetWindowPos(window_, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+  side_bar_.follow_dpi();
+  lay_out();
 }
 
 void ViewerWindow::take_dropped(HDROP drop) {
@@ -149,160 +176,53 @@ void ViewerWindow::take_dropped(HDROP drop) {
   std::wstring path(DragQueryFileW(drop, kFirst, nullptr, 0), L'\0');
   DragQueryFileW(drop, kFirst, path.data(), static_cast<UINT>(path.size() + 1));
   DragFinish(drop);
-  attempt([&] { open(path); });
+  attempt([&] { open(path, Telling::kBox); }, Telling::kBox);
+}
+
+void ViewerWindow::toggle_band_mode() {
+  const bool is_band = canvas_.dragging() == Canvas::Dragging::kBand;
+  canvas_.set_dragging(is_band ? Canvas::Dragging::kMove : Canvas::Dragging::kBand);
+}
+
+void ViewerWindow::toggle_full_screen() { full_screen_.toggle(window_); }
+
+// What Esc ends when nothing on the canvas is to be ended: one thing at a time.
+void ViewerWindow::escape() {
+  if (is_loading()) {
+    const fs::path path = loader_.wanted()->path;
+    loader_.stop();
+    if (document_.is_open() && !document_.path().empty()) place_ = document_.path();
+    return tell(L"Loading of " + quoted(path) + L" was stopped");
+  }
+  if (has_slide_show_) return end_slide_show();
+  if (is_full_screen()) toggle_full_screen();
 }
 
 // ---- Texts ----
 
-void ViewerWindow::tell(const std::wstring& text) {
-  SendMessageW(status_, SB_SETTEXTW, kMessagePart, reinterpret_cast<LPARAM>(text.c_str()));
+void ViewerWindow::tell(const std::wstring& text) { status_.tell(text); }
+
+void ViewerWindow::tell_pixel(std::optional<POINT> pixel) {
+  std::wstring text;
+  if (pixel)
+    text = pixel_text({static_cast<int>(pixel->x), static_cast<int>(pixel->y), color_at(canvas_.view().picture(), *pixel)});
+  status_.show_pixel(text);
 }
 
 void ViewerWindow::update_facts() {
   PictureFacts facts = document_.facts();
-  const bool is_open = document_.is_open();
-  if (is_open) facts.percent = percent(canvas_.view().scale());
+  if (document_.is_open()) facts.percent = percent(canvas_.view().scale());
   SetWindowTextW(window_, title_text(facts).c_str());
-  const auto show = [&](StatusPart part, const std::wstring& text) {
-    SendMessageW(status_, SB_SETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(is_open ? text.c_str() : L""));
-  };
-  show(kSizePart, size_text(facts));
-  show(kPagePart, page_text(facts));
-  show(kZoomPart, percent_text(facts));
+  status_.show(facts);
 }
 
-void ViewerWindow::explain_mouse() {
-  MessageBoxW(window_,
-              L"Drag a rectangle with the left button to fill the window with it.\n"
-              L"Click with the left button to zoom in, with the right one to zoom out.\n"
-              L"The wheel scrolls, with Shift across; with Ctrl it zooms where the mouse is.\n"
-              L"Arrow keys, Home and End scroll. Esc takes a rectangle back.\n"
-              L"Hold the space bar for the magnifying lens.\n\n"
-              L"All other keys stand in the menus.",
-              kProgram, MB_OK | MB_ICONINFORMATION);
-}
+void ViewerWindow::explain_keys() { show_text(window_, L"Keys and mouse", keys_text()); }
 
 void ViewerWindow::tell_about() {
   constexpr int kVersionBytes = 13;
   char version[kVersionBytes];
   GetImageVersion(version, kVersionBytes);
   MessageBoxA(window_, version, "Vorel Viewer", MB_OK | MB_ICONINFORMATION);
-}
-
-// ---- Documents ----
-
-// The picture that was shown lives until the new one is.
-void ViewerWindow::show(Document document, Beginning beginning) {
-  canvas_.change([&](View& view) {
-    beginning == Beginning::kFirst ? view.show_first(document.picture().get()) : view.show_next(document.picture().get());
-    std::swap(document_, document);
-  });
-}
-
-void ViewerWindow::open(const fs::path& path) {
-  if (!may_lose_changes()) return;
-  place_ = fs::absolute(path);
-  show(Document::from_file(place_, 1), Beginning::kFirst);
-}
-
-void ViewerWindow::ask_and_open() {
-  if (const auto path = ask_for_file_to_open(window_)) open(*path);
-}
-
-// A file that cannot be loaded does not stand in the way of those beyond it.
-void ViewerWindow::open_neighbour(int step) {
-  const auto name = neighbour(picture_names_in(place_.parent_path()), place_.filename().wstring(), step);
-  if (!name)
-    throw Failure(step > 0 ? L"This is the last picture of the folder" : L"This is the first picture of the folder");
-  open(place_.parent_path() / *name);
-}
-
-void ViewerWindow::load_again() {
-  if (may_lose_changes()) show(Document::from_file(document_.path(), document_.page()), Beginning::kNext);
-}
-
-void ViewerWindow::go_to_page(int page) {
-  if (page < 1 || page > document_.pages()) {
-    throw Failure(page < 1 ? L"This is the first page of the file" : L"This is the last page of the file");
-  }
-  if (may_lose_changes()) show(Document::from_file(document_.path(), page), Beginning::kNext);
-}
-
-void ViewerWindow::save_as() {
-  const fs::path offered = document_.path().empty() ? fs::path(L"Untitled.bmp") : document_.path();
-  const auto choice = ask_for_file_to_save(window_, offered);
-  if (!choice) return;
-  keep_pages(choice->path);
-  document_.save_as(choice->path, *choice->format);
-  place_ = choice->path;
-  update_facts();
-  tell(L"Saved as " + choice->path.filename().wstring());
-}
-
-// One page would take the place of all.
-void ViewerWindow::keep_pages(const fs::path& target) const {
-  std::error_code ignored;
-  if (document_.pages() == 1 || !fs::equivalent(target, document_.path(), ignored)) return;
-  throw Failure(L"The file has " + std::to_wstring(document_.pages()) +
-                L" pages, and this one would replace them: choose another name");
-}
-
-bool ViewerWindow::may_lose_changes() {
-  if (!document_.is_changed()) return true;
-  return MessageBoxW(window_, L"The picture has changed since it was saved. Go on without saving it?", kProgram,
-                     MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
-}
-
-void ViewerWindow::close() {
-  if (may_lose_changes()) DestroyWindow(window_);
-}
-
-// ---- Printing ----
-
-void ViewerWindow::print() {
-  DocumentPages pages(document_);
-  const std::vector<int> chosen = ask_how_to_print(window_, pages, print_settings_);
-  if (chosen.empty()) return;
-  const int sheets = print_pages(window_, print_settings_, pages, chosen);
-  tell(L"Printed " + counted(sheets, L" sheet") + L" on " + print_settings_.printer.name());
-}
-
-void ViewerWindow::preview() {
-  DocumentPages pages(document_);
-  if (show_preview(window_, pages, print_settings_) == PreviewEnd::kPrint) print();
-}
-
-// Another default printer is the one to print on next.
-void ViewerWindow::set_up_printer() {
-  if (PrinterSetup(window_) != 0) print_settings_.printer = {};
-}
-
-// ---- Editing ----
-
-void ViewerWindow::change(programs::Picture picture) {
-  document_.change(std::move(picture));
-  canvas_.change([this](View& view) { view.show_changed(document_.picture().get()); });
-}
-
-void ViewerWindow::undo() {
-  document_.undo();
-  canvas_.change([this](View& view) { view.show_changed(document_.picture().get()); });
-}
-
-void ViewerWindow::process(size_t number) {
-  const Operation& operation = operations()[number];
-  if (!operation.parameters.empty()) {
-    const auto numbers = ask_for_numbers(window_, plain_name(operation.name), operation.parameters, last_numbers_[number]);
-    if (!numbers) return;
-    last_numbers_[number] = *numbers;
-  }
-  change(run_operation(operation, document_.picture(), last_numbers_[number]));
-}
-
-void ViewerWindow::copy() { copy_picture(window_, document_.picture()); }
-
-void ViewerWindow::paste() {
-  if (may_lose_changes()) show(Document::untitled(paste_picture(window_)), Beginning::kFirst);
 }
 
 }  // namespace vorel::viewer

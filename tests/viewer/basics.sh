@@ -20,10 +20,11 @@ view_and_zoom() {
 }
 
 band() {
+  xdotool keydown shift
   drag 180 540 310 680
   screenshot 03-band
   expect_different 01-fits-the-window 03-band
-  xdotool mouseup 1
+  xdotool mouseup 1 keyup shift
   expect_title 'chart-24bit.bmp - [34]?? % - *'
   screenshot 04-zoomed-by-band
   expect_color 04-zoomed-by-band 470 380 ffff00
@@ -34,11 +35,10 @@ band() {
 lens() {
   xdotool mousemove 470 390
   screenshot 05-without-lens
-  xdotool keydown space
-  sleep 0.5
+  press o
   xdotool mousemove 560 500 mousemove 640 540
   screenshot 06-lens
-  xdotool keyup space
+  press o
   screenshot 07-lens-gone
   expect_different 05-without-lens 06-lens
   expect_same 05-without-lens 07-lens-gone

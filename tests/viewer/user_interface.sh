@@ -31,6 +31,9 @@ if [ $form = whole ]; then
   dialogs_and_operations
   press r
   files_and_pages
+  windows_beside
+  page_work
+  preview_of_an_operation
   printing
   clipboard
   quit answer_question

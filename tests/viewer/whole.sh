@@ -75,15 +75,88 @@ files_and_pages() {
   press 1
   screenshot 29-page-at-its-size
   press f
-  xdotool mousemove 400 200 keydown space
-  sleep 0.5
+  xdotool mousemove 400 200
+  press o
   xdotool mousemove 420 230
   screenshot 30-lens-on-page
-  xdotool keyup space
+  press o
 }
 
 clipboard() {
   press ctrl+c ctrl+v
   expect_title 'Untitled\* - *'
   screenshot 37-pasted
+}
+
+windows_beside() {
+  press F9
+  screenshot 40-thumbnails-of-the-folder
+  expect_different 29-page-at-its-size 40-thumbnails-of-the-folder
+  press F9 F1
+  expect_window 'Keys and mouse'
+  screenshot 41-keys
+  press Escape
+  expect_no_window 'Keys and mouse'
+  press ctrl+i
+  expect_window 'Information'
+  screenshot 42-information
+  press Escape
+  expect_no_window 'Information'
+  press ctrl+shift+b
+  expect_window 'Batch'
+  screenshot 43-batch
+  press Escape
+  expect_no_window 'Batch'
+  press F11
+  screenshot 44-full-screen
+  press Escape
+  expect_title 'page-1bit.bmp - *'
+}
+
+# Pages in another order and saved, and what was done to one of them as steps for the tool.
+page_work() {
+  press ctrl+o
+  expect_window 'Open'
+  enter "$(windows_path "$pictures/set.tif")"
+  expect_title 'set.tif (page 1 of 3) - *'
+  press ctrl+shift+Delete
+  expect_title 'set.tif\* (page 1 of 2) - *'
+  press ctrl+z
+  expect_title 'set.tif (page 1 of 3) - *'
+  press r n ctrl+shift+Next
+  expect_title 'set.tif\* (page 2 of 3) - *'
+  press F8
+  screenshot 45-pages
+  press F8 ctrl+shift+s
+  expect_window 'Save As'
+  enter "$(windows_path "$work/steps.txt")"
+  expect_no_window 'Save As'
+  printf 'rotate 90\ninvert\n' | cmp -s - "$work/steps.txt" || fail "the file of steps does not have what was done"
+  press ctrl+s
+  expect_window 'Save As'
+  enter "$(windows_path "$work/ordered.tif")"
+  expect_title 'ordered.tif (page 2 of 3) - *'
+  tool vorel run "$pictures/set.tif" "$work/first.tif" --page 1 --steps "$work/steps.txt"
+  tool vorel convert "$work/ordered.tif" "$work/second.tif" --page 2
+  tool vorel compare "$work/first.tif" "$work/second.tif" || fail "the moved page is not what the steps make"
+}
+
+# The picture follows the numbers while they are entered.
+preview_of_an_operation() {
+  press ctrl+o
+  expect_window 'Open'
+  enter "$(windows_path "$pictures/chart-24bit.bmp")"
+  expect_title 'chart-24bit.bmp - *'
+  screenshot 46-before
+  press v
+  expect_window 'Black and white by a level'
+  xdotool type --delay 30 200
+  sleep 1
+  screenshot 47-preview
+  expect_different 46-before 47-preview
+  press Escape
+  expect_no_window 'Black and white by a level'
+  screenshot 48-cancelled
+  expect_same 46-before 48-cancelled
+  expect_title 'chart-24bit.bmp - *'
 }

@@ -10,9 +10,27 @@ constexpr struct {
   int code;
   const wchar_t* name;
 } kNames[] = {
-    {kSpaceKey, L"Space"}, {kPageUpKey, L"PgUp"},      {kPageDownKey, L"PgDn"},     {kLeftKey, L"Left"},
-    {kRightKey, L"Right"}, {kNumpadPlusKey, L"Num +"}, {kNumpadMinusKey, L"Num -"}, {kF1Key, L"F1"},
-    {kF5Key, L"F5"},       {kPlusKey, L"+"},           {kMinusKey, L"-"},
+    {kBackspaceKey, L"Backspace"},
+    {kEscapeKey, L"Esc"},
+    {kSpaceKey, L"Space"},
+    {kPageUpKey, L"PgUp"},
+    {kPageDownKey, L"PgDn"},
+    {kEndKey, L"End"},
+    {kHomeKey, L"Home"},
+    {kLeftKey, L"Left"},
+    {kRightKey, L"Right"},
+    {kDeleteKey, L"Del"},
+    {kInsertKey, L"Ins"},
+    {kNumpadPlusKey, L"Num +"},
+    {kNumpadMinusKey, L"Num -"},
+    {kF1Key, L"F1"},
+    {kF5Key, L"F5"},
+    {kF6Key, L"F6"},
+    {kF8Key, L"F8"},
+    {kF9Key, L"F9"},
+    {kF11Key, L"F11"},
+    {kPlusKey, L"+"},
+    {kMinusKey, L"-"},
 };
 
 std::wstring bare_name(int code) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwctype>
 #include <string_view>
+#include <utility>
 
 namespace vorel::viewer {
 namespace {
@@ -42,9 +43,14 @@ bool comes_before(const std::wstring& name, const std::wstring& other) {
   return order != 0 ? order < 0 : name < other;
 }
 
+std::vector<std::wstring> in_order(std::vector<std::wstring> names) {
+  std::ranges::sort(names, comes_before);
+  return names;
+}
+
 std::optional<std::wstring> neighbour(std::vector<std::wstring> names, const std::wstring& current, int step) {
   std::erase(names, current);
-  std::ranges::sort(names, comes_before);
+  names = in_order(std::move(names));
   const auto after = std::ranges::lower_bound(names, current, comes_before) - names.begin();
   const auto place = step > 0 ? after + step - 1 : after + step;
   if (place < 0 || place >= std::ssize(names)) return std::nullopt;

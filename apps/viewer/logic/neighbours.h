@@ -11,6 +11,9 @@ namespace vorel::viewer {
 // before page 10.
 bool comes_before(const std::wstring& name, const std::wstring& other);
 
+// In that order.
+std::vector<std::wstring> in_order(std::vector<std::wstring> names);
+
 // The name that comes `step` places after `current` among names in any order; none past the ends. `current` need not be there.
 std::optional<std::wstring> neighbour(std::vector<std::wstring> names, const std::wstring& current, int step);
 

@@ -31,6 +31,45 @@ std::wstring size_in_millimetres(int width, int height, print::DotDensity resolu
   return rounded(width, resolution.x) + L" x " + rounded(height, resolution.y) + L" mm";
 }
 
+// The shape of a picture on paper: its width to its height, in a printer's dots.
+double shape_of(const DibHeader& picture, const Sheet& sheet) {
+  const print::DotDensity resolution = print::image_resolution(print_options({}), nullptr, picture, sheet.resolution);
+  const double width = picture.width / static_cast<double>(resolution.x) * sheet.resolution.x;
+  const double height = std::abs(picture.height) / static_cast<double>(resolution.y) * sheet.resolution.y;
+  return width / height;
+}
+
+// As large as a cell has room for, in its middle.
+Rect fitted_box(const DibHeader& picture, Rect cell, const Sheet& sheet) {
+  const double shape = shape_of(picture, sheet);
+  const int width = std::max(1, std::min(cell.width, static_cast<int>(cell.height * shape)));
+  const int height = std::max(1, std::min(cell.height, static_cast<int>(width / shape)));
+  return {cell.x + (cell.width - width) / 2, cell.y + (cell.height - height) / 2, width, height};
+}
+
+// Cells of a sheet, row by row, a little apart.
+struct Grid {
+  int columns, rows;
+  Size room;
+
+  Rect cell(int number) const {
+    const int gap_x = room.width / 50, gap_y = room.height / 50;
+    const int column = number % columns, row = number / columns;
+    const int left = room.width * column / columns, top = room.height * row / rows;
+    const int right = room.width * (column + 1) / columns, bottom = room.height * (row + 1) / rows;
+    return {left + gap_x / 2, top + gap_y / 2, std::max(1, right - left - gap_x), std::max(1, bottom - top - gap_y)};
+  }
+};
+
+Grid grid_for(int per_sheet, const DibHeader& first, const Sheet& sheet) {
+  Grid best = {1, per_sheet, {sheet.printable.width, sheet.printable.height}};
+  for (int columns = 2; columns <= per_sheet; ++columns) {
+    const Grid grid = {columns, (per_sheet + columns - 1) / columns, best.room};
+    if (fitted_box(first, grid.cell(0), sheet).width > fitted_box(first, best.cell(0), sheet).width) best = grid;
+  }
+  return best;
+}
+
 // A sheet's dots as a window's pixels. Edges are rounded, not sizes, so that boxes which meet on paper meet in the window.
 class PaperScale {
  public:
@@ -71,7 +110,24 @@ ImgPrintOptions print_options(const PrintLayout& layout) {
   return options;
 }
 
+std::vector<std::vector<size_t>> sheets_of(size_t pages, int per_sheet) {
+  std::vector<std::vector<size_t>> sheets;
+  for (size_t page = 0; page < pages; ++page) {
+    if (page % static_cast<size_t>(per_sheet) == 0) sheets.emplace_back();
+    sheets.back().push_back(page);
+  }
+  return sheets;
+}
+
+std::vector<size_t> printing_order(size_t sheets, int copies, bool is_collated) {
+  std::vector<size_t> order;
+  const size_t count = sheets * static_cast<size_t>(copies);
+  for (size_t i = 0; i < count; ++i) order.push_back(is_collated ? i % sheets : i / static_cast<size_t>(copies));
+  return order;
+}
+
 std::wstring layout_text(const PrintLayout& layout) {
+  if (layout.per_sheet > 1) return std::to_wstring(layout.per_sheet) + L" to a sheet";
   return std::wstring(sizing_text(layout.sizing)) + centring_text(layout) +
          (layout.goes_by_resolution ? L"" : L", a dot a pixel");
 }
@@ -83,16 +139,27 @@ Rect printed_box(const PrintLayout& layout, const DibHeader& picture, const Shee
   return print::place_image(options, {picture.width, picture.height}, resolution, page).dots;
 }
 
+std::vector<Rect> printed_boxes(const PrintLayout& layout, const std::vector<DibHeader>& pictures, const Sheet& sheet) {
+  if (layout.per_sheet == 1) return {printed_box(layout, pictures.front(), sheet)};
+  const Grid grid = grid_for(layout.per_sheet, pictures.front(), sheet);
+  std::vector<Rect> boxes;
+  for (size_t i = 0; i < pictures.size(); ++i)
+    boxes.push_back(fitted_box(pictures[i], grid.cell(static_cast<int>(i)), sheet));
+  return boxes;
+}
+
 std::wstring printed_size_text(Rect printed, const Sheet& sheet) {
   return size_in_millimetres(printed.width, printed.height, sheet.resolution) + L" on paper of " +
          size_in_millimetres(sheet.paper.width, sheet.paper.height, sheet.resolution);
 }
 
-PreviewBoxes preview_boxes(const Sheet& sheet, Rect printed, Size window) {
+PreviewBoxes preview_boxes(const Sheet& sheet, const std::vector<Rect>& printed, Size window) {
   const PaperScale scale(sheet, window);
   const Rect& area = sheet.printable;
-  return {scale.box({0, 0, sheet.paper.width, sheet.paper.height}), scale.box(area),
-          scale.box({area.x + printed.x, area.y + printed.y, printed.width, printed.height})};
+  PreviewBoxes boxes = {scale.box({0, 0, sheet.paper.width, sheet.paper.height}), scale.box(area), {}};
+  for (const Rect& box : printed)
+    boxes.pictures.push_back(scale.box({area.x + box.x, area.y + box.y, box.width, box.height}));
+  return boxes;
 }
 
 }  // namespace vorel::viewer

@@ -1,5 +1,7 @@
 #include "viewer/logic/texts.h"
 
+#include <cmath>
+
 namespace vorel::viewer {
 namespace {
 
@@ -28,12 +30,32 @@ std::wstring size_text(const PictureFacts& picture) {
          counted(picture.depth, L" bit");
 }
 
+std::wstring resolution_text(const PictureFacts& picture) {
+  constexpr double kMetresPerInch = 0.0254;
+  if (picture.x_per_metre <= 0 || picture.y_per_metre <= 0) return {};
+  const auto x = std::to_wstring(std::lround(picture.x_per_metre * kMetresPerInch));
+  const auto y = std::to_wstring(std::lround(picture.y_per_metre * kMetresPerInch));
+  return (x == y ? x : x + L" x " + y) + L" dpi";
+}
+
+std::wstring pixel_text(const PixelFacts& pixel) {
+  std::wstring text = std::to_wstring(pixel.x) + L", " + std::to_wstring(pixel.y) + L":";
+  for (const int shift : {16, 8, 0}) text += L" " + std::to_wstring(pixel.color >> shift & 0xFF);
+  return text;
+}
+
 std::wstring percent_text(const PictureFacts& picture) { return std::to_wstring(picture.percent) + L" %"; }
 
 std::wstring plain_name(std::wstring menu_name) {
   std::erase(menu_name, L'&');
   while (menu_name.ends_with(L'.')) menu_name.pop_back();
   return menu_name;
+}
+
+std::wstring doubled(const std::wstring& text, wchar_t character) {
+  std::wstring result;
+  for (const wchar_t each : text) result += each == character ? std::wstring(2, each) : std::wstring(1, each);
+  return result;
 }
 
 std::wstring as_reason(const std::string& message) {

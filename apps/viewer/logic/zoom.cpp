@@ -23,6 +23,16 @@ Ratio ratio_for(double scale) {
   return scale >= 1 ? Ratio{steps_of(scale, kEnlargeSteps), kZoomBase} : Ratio{kZoomBase, steps_of(1 / scale, kReduceSteps)};
 }
 
+int scaled_length(int pixels, Ratio ratio) {
+  const int64_t length = (int64_t{pixels} * ratio.viewport * 2 + ratio.window) / (int64_t{ratio.window} * 2);
+  return static_cast<int>(std::max<int64_t>(length, 1));
+}
+
+int pixel_under(int distance, Ratio ratio) {
+  const int64_t along = int64_t{distance} * ratio.window;
+  return static_cast<int>((along < 0 ? along - ratio.viewport + 1 : along) / ratio.viewport);
+}
+
 int percent(double scale) { return std::max(1, static_cast<int>(std::lround(scale * 100))); }
 
 Bars bars_needed(Extent picture, Extent window, Extent bar) {

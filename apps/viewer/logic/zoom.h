@@ -22,6 +22,12 @@ inline constexpr int kReduceSteps[] = {10, 16, 24, 32, 48, 64, 96, 128, 192, 256
 // The ratio nearest to a scale that has the base on one side, between the ends of the tables.
 Ratio ratio_for(double scale);
 
+// Pixels of the window that `pixels` of a picture take.
+int scaled_length(int pixels, Ratio ratio);
+
+// The pixel of a picture at a distance from its edge in the window, counted in the window's pixels. Negative before the edge.
+int pixel_under(int distance, Ratio ratio);
+
 // In per cent, rounded, at least 1.
 int percent(double scale);
 

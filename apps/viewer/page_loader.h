@@ -1,0 +1,66 @@
+// Loads pages on other threads, ahead of being asked for where possible.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "viewer/logic/recently_used.h"
+#include "viewer/logic/work_queue.h"
+#include "viewer/picture_file.h"
+
+namespace vorel::viewer {
+
+class PageLoader {
+ public:
+  // What became of a page that was wanted. Without a picture there is a reason.
+  struct Arrival {
+    PagePlace place;
+    LoadedPage page;
+    std::wstring failure;
+  };
+
+  // `arrived` is called on another thread when collect() has something to look at.
+  explicit PageLoader(std::function<void()> arrived);
+  ~PageLoader();
+
+  // A page that is there already. A file that was written since it was loaded is not.
+  std::optional<LoadedPage> ready(const PagePlace& place);
+
+  // The page that is waited for; an earlier one no longer is. Its loading cannot be interrupted, but nothing waits for its end.
+  void want(const PagePlace& place);
+  void stop() { wanted_.reset(); }
+  const std::optional<PagePlace>& wanted() const { return wanted_; }
+
+  // Pages to have ready, instead of those named before. Failures are not told.
+  void read_ahead(const std::vector<PagePlace>& places);
+
+  // The wanted page, once it is there. Others are kept.
+  std::optional<Arrival> collect();
+
+  // Loads while the caller waits. Throws Failure.
+  LoadedPage load(const PagePlace& place);
+
+  void forget(const PagePlace& place);
+
+  WorkQueue& queue() { return queue_; }
+
+ private:
+  struct Finished;  // shared with work that may outlive a request
+  struct Stamped {
+    LoadedPage page;
+    FileStamp stamp;
+  };
+
+  void begin(WorkQueue::Urgency urgency, const PagePlace& place);  // unless it is under way
+  void keep(const PagePlace& place, const LoadedPage& page, const FileStamp& stamp);
+
+  std::shared_ptr<Finished> finished_;
+  std::optional<PagePlace> wanted_;
+  RecentlyUsed<PagePlace, Stamped> pages_;
+  WorkQueue queue_;  // ends first
+};
+
+}  // namespace vorel::viewer
