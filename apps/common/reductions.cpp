@@ -1,6 +1,8 @@
 #include "common/reductions.h"
 
 #include <algorithm>
+#include <cstring>
+#include <type_traits>
 
 #include "common/forms.h"
 #include "core/pixel.h"
@@ -8,59 +10,84 @@
 namespace vorel::programs {
 namespace {
 
-constexpr uint32_t kWhole = 1 << 16;  // the weights of a new pixel's old pixels together
+// The weights of the pixels under a new one together, across and down.
+constexpr uint32_t kWholeAcross = 1 << 16, kWholeDown = 1 << 8;
 
-// The pixels of a copy under a new pixel, with the weight of each.
-struct Cover {
-  int first;
-  int count;
-  size_t weights;
-};
-
-// Covers of the new pixels from `begin` on. A pixel of the copy stands for `scale` pixels of the picture.
+// The pixels of a copy under the new pixels from `begin` on: for each the first one, and weights for as many as any has. A pixel of
+// the copy stands for `scale` pixels of the picture.
 struct Covers {
-  Covers(int before, int after, int scale, int begin, int count) {
+  Covers(int before, int after, int scale, int begin, int count, uint32_t whole) {
     const auto parts_of_new = static_cast<uint64_t>(before);
     const uint64_t parts_of_copy = static_cast<uint64_t>(scale) * static_cast<uint64_t>(after);
+    const auto last_under = [&](uint64_t from) { return (from + parts_of_new - 1) / parts_of_copy; };
     for (int i = begin; i < begin + count; ++i) {
-      const uint64_t from = static_cast<uint64_t>(i) * parts_of_new, to = from + parts_of_new;
-      const uint64_t first = from / parts_of_copy, last = (to - 1) / parts_of_copy;
-      covers.push_back({static_cast<int>(first), static_cast<int>(last - first + 1), weights.size()});
+      const uint64_t from = static_cast<uint64_t>(i) * parts_of_new;
+      first.push_back(static_cast<int>(from / parts_of_copy));
+      most = std::max(most, static_cast<size_t>(last_under(from) - from / parts_of_copy + 1));
+    }
+    weights.resize(first.size() * most);
+    for (size_t i = 0; i < first.size(); ++i) {
+      const uint64_t from = (static_cast<uint64_t>(begin) + i) * parts_of_new, to = from + parts_of_new;
       uint64_t sum = 0;
-      for (uint64_t pixel = first; pixel <= last; ++pixel) {
-        const uint64_t sum_so_far = (std::min(to, (pixel + 1) * parts_of_copy) - from) * kWhole / parts_of_new;
-        weights.push_back(static_cast<uint32_t>(sum_so_far - sum));
+      for (uint64_t pixel = from / parts_of_copy; pixel <= last_under(from); ++pixel) {
+        const uint64_t sum_so_far = (std::min(to, (pixel + 1) * parts_of_copy) - from) * whole / parts_of_new;
+        weights[i * most + static_cast<size_t>(pixel) - static_cast<size_t>(first[i])] =
+            static_cast<uint32_t>(sum_so_far - sum);
         sum = sum_so_far;
       }
     }
+    end = static_cast<int>(last_under((static_cast<uint64_t>(begin) + first.size() - 1) * parts_of_new)) + 1;
   }
 
-  int first() const { return covers.front().first; }
-  int end() const { return covers.back().first + covers.back().count; }
-
-  std::vector<Cover> covers;
+  std::vector<int> first;
+  size_t most = 1;  // pixels under a new one
   std::vector<uint32_t> weights;
+  int end = 0;  // behind the last pixel
 };
 
-// Sums of a column carry eight bits of fraction.
-constexpr int kFraction = 8;
-
-void add_row(std::vector<uint32_t>& sums, const uint8_t* samples, uint32_t weight) {
-  for (size_t i = 0; i < sums.size(); ++i) sums[i] += samples[i] * weight;
+// In 16 bits: eight for the sample and eight of fraction.
+void add_row(std::span<uint16_t> sums, const uint8_t* samples, uint32_t weight) {
+  const auto factor = static_cast<uint16_t>(weight);
+  for (size_t i = 0; i < sums.size(); ++i) sums[i] = static_cast<uint16_t>(sums[i] + samples[i] * factor);
 }
 
-void drop_fraction(std::vector<uint32_t>& sums) {
-  for (uint32_t& sum : sums) sum = (sum + (kWhole >> kFraction) / 2) >> (16 - kFraction);
+// One row of new pixels from the sums of its columns. As many pixels under each are a constant for the usual numbers of them.
+template <size_t channels, class Put>
+void reduce_row(const uint16_t* columns, const Covers& across, Put put) {
+  const auto reduce = [&](auto most) {
+    const uint32_t* weights = across.weights.data();
+    const int begin = across.first.front();
+    for (const int first : across.first) {
+      const uint16_t* column = columns + static_cast<size_t>(first - begin) * channels;
+      std::array<uint32_t, channels> sums;
+      sums.fill(kWholeAcross * kWholeDown / 2);
+      for (size_t i = 0; i < most; ++i, ++weights)
+        for (size_t c = 0; c < channels; ++c) sums[c] += *column++ * *weights;
+      for (uint32_t& sum : sums) sum /= kWholeAcross * kWholeDown;
+      put(sums);
+    }
+  };
+  switch (across.most) {
+    case 1: return reduce(std::integral_constant<size_t, 1>());
+    case 2: return reduce(std::integral_constant<size_t, 2>());
+    case 3: return reduce(std::integral_constant<size_t, 3>());
+    default: reduce(across.most);
+  }
 }
+
+// Eight pixels of a bit each as samples.
+constexpr auto kEightSamples = [] {
+  std::array<std::array<uint8_t, 8>, 256> table{};
+  for (size_t byte = 0; byte < table.size(); ++byte)
+    for (size_t bit = 0; bit < 8; ++bit) table[byte][bit] = byte & (0x80 >> bit) ? 255 : 0;
+  return table;
+}();
 
 template <size_t channels>
-std::array<uint32_t, channels> mean(const uint32_t* column, const uint32_t* weights, int count) {
-  std::array<uint32_t, channels> sums;
-  sums.fill(kWhole << kFraction >> 1);
-  for (; count > 0; --count, ++weights)
-    for (size_t c = 0; c < channels; ++c) sums[c] += *column++ * *weights;
-  for (uint32_t& sum : sums) sum >>= 16 + kFraction;
-  return sums;
+void halve_rows(const uint8_t* above, const uint8_t* below, uint8_t* to, size_t pairs) {
+  for (size_t x = 0; x < pairs; ++x, above += 2 * channels, below += 2 * channels, to += channels)
+    for (size_t c = 0; c < channels; ++c)
+      to[c] = static_cast<uint8_t>((above[c] + above[c + channels] + below[c] + below[c + channels] + 2) >> 2);
 }
 
 uint32_t mixed(uint32_t color, uint32_t other, uint32_t share) {
@@ -104,14 +131,16 @@ const uint8_t* Reductions::samples(size_t level, int row, int first, int count, 
   }
   const uint8_t* const bytes = picture_.pixels().row_from_top(row).data();
   if (picture_.depth() == 24 || (picture_.depth() == 8 && channels_ == 1)) return bytes + offset;
+  if (picture_.depth() == 1) {
+    const auto from = static_cast<size_t>(first / 8), end = static_cast<size_t>((first + count + 7) / 8);
+    scratch.resize((end - from) * 8);
+    for (size_t at = from; at < end; ++at) std::memcpy(scratch.data() + (at - from) * 8, kEightSamples[bytes[at]].data(), 8);
+    return scratch.data() + first % 8;
+  }
   scratch.resize(static_cast<size_t>(count) * channels_);
   for (int i = 0; i < count; ++i) {
-    if (picture_.depth() == 1) {
-      scratch[static_cast<size_t>(i)] = Pixel<1>::load(bytes, first + i) != 0 ? 255 : 0;
-    } else {
-      const uint32_t pixel = picture_.depth() == 4 ? Pixel<4>::load(bytes, first + i) : Pixel<8>::load(bytes, first + i);
-      Pixel<24>::store(scratch.data(), i, color_of(picture_, pixel));
-    }
+    const uint32_t pixel = picture_.depth() == 4 ? Pixel<4>::load(bytes, first + i) : Pixel<8>::load(bytes, first + i);
+    Pixel<24>::store(scratch.data(), i, color_of(picture_, pixel));
   }
   return scratch.data();
 }
@@ -124,15 +153,14 @@ Reductions::Copy Reductions::halved(size_t level) const {
   std::vector<uint8_t> scratch[2];
   const auto pairs = static_cast<size_t>(from.width / 2);
   for (int y = 0; y < size.height; ++y) {
-    const uint8_t* above = samples(level, 2 * y, 0, from.width, scratch[0]);
-    const uint8_t* below = samples(level, std::min(2 * y + 1, from.height - 1), 0, from.width, scratch[1]);
-    uint8_t* to = copy.samples.data() + static_cast<size_t>(y) * row_samples;
-    const auto halve = [&](size_t next) {
-      for (size_t c = 0; c < channels_; ++c)
-        to[c] = static_cast<uint8_t>((above[c] + above[c + next] + below[c] + below[c + next] + 2) >> 2);
-    };
-    for (size_t x = 0; x < pairs; ++x, above += 2 * channels_, below += 2 * channels_, to += channels_) halve(channels_);
-    if (from.width % 2 != 0) halve(0);
+    const uint8_t* const above = samples(level, 2 * y, 0, from.width, scratch[0]);
+    const uint8_t* const below = samples(level, std::min(2 * y + 1, from.height - 1), 0, from.width, scratch[1]);
+    uint8_t* const to = copy.samples.data() + static_cast<size_t>(y) * row_samples;
+    channels_ == 1 ? halve_rows<1>(above, below, to, pairs) : halve_rows<3>(above, below, to, pairs);
+    for (size_t c = 0; c < channels_ && from.width % 2 != 0; ++c) {
+      const size_t last = 2 * pairs * channels_ + c;
+      to[pairs * channels_ + c] = static_cast<uint8_t>((above[last] + below[last] + 1) >> 1);
+    }
   }
   return copy;
 }
@@ -150,27 +178,25 @@ void Reductions::draw(Size size, Rect part, std::span<uint32_t> pixels) const {
   if (part.width <= 0 || part.height <= 0) return;
   const size_t level = level_for(size);
   const Size whole = size_of(0);
-  const Covers across(whole.width, size.width, 1 << level, part.x, part.width);
-  const Covers down(whole.height, size.height, 1 << level, part.y, part.height);
-  const int first = across.first(), count = across.end() - first;
-  std::vector<uint32_t> columns(static_cast<size_t>(count) * channels_);
+  const Covers across(whole.width, size.width, 1 << level, part.x, part.width, kWholeAcross);
+  const Covers down(whole.height, size.height, 1 << level, part.y, part.height, kWholeDown);
+  const int first = across.first.front(), count = across.end - first;
+  const size_t used = static_cast<size_t>(count) * channels_;
+  std::vector<uint16_t> columns(used + across.most * channels_);  // weights of 0 reach beyond the last one
   std::vector<uint8_t> scratch;
   uint32_t* to = pixels.data();
-  for (const Cover& rows : down.covers) {
-    std::ranges::fill(columns, 0);
-    for (int i = 0; i < rows.count; ++i)
-      add_row(columns, samples(level, rows.first + i, first, count, scratch),
-              down.weights[rows.weights + static_cast<size_t>(i)]);
-    drop_fraction(columns);
-    for (const Cover& cover : across.covers) {
-      const uint32_t* const column = columns.data() + static_cast<size_t>(cover.first - first) * channels_;
-      const uint32_t* const weights = across.weights.data() + cover.weights;
-      if (channels_ == 1) {
-        *to++ = colors_[mean<1>(column, weights, cover.count)[0]];
-      } else {
-        const auto color = mean<3>(column, weights, cover.count);
-        *to++ = color[0] | color[1] << 8 | color[2] << 16;
-      }
+  for (size_t y = 0; y < down.first.size(); ++y) {
+    std::ranges::fill(columns, uint16_t{0});
+    for (size_t i = 0; i < down.most; ++i) {
+      const uint32_t weight = down.weights[y * down.most + i];
+      if (weight == 0) continue;
+      const uint8_t* const row = samples(level, down.first[y] + static_cast<int>(i), first, count, scratch);
+      add_row(std::span(columns).first(used), row, weight);
+    }
+    if (channels_ == 1) {
+      reduce_row<1>(columns.data(), across, [&](const auto& level_of_gray) { *to++ = colors_[level_of_gray[0]]; });
+    } else {
+      reduce_row<3>(columns.data(), across, [&](const auto& c) { *to++ = c[0] | c[1] << 8 | c[2] << 16; });
     }
   }
 }

@@ -12,8 +12,8 @@ namespace vorel::programs {
 
 // Every shown pixel is the mean of its area, so that black and white becomes mixtures of its two colours by the share of each. Copies
 // of half the size, a quarter and so on are made once; drawing any part at any size then reads few pixels. Sizes of more than half are
-// exact; below, the edges of areas fall into pixels of a copy, which count as even. A part is drawn as it is in the whole, so that
-// parts drawn at different times fit together.
+// exact to two levels; below, the edges of areas fall into pixels of a copy, which count as even. A part is drawn as it is in the
+// whole, so that parts drawn at different times fit together.
 class Reductions {
  public:
   Reductions() = default;  // of no picture
