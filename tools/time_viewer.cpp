@@ -26,9 +26,7 @@ template <class Action>
 double milliseconds_of(ViewerWindow& viewer, Action action) {
   const double start = now();
   action();
-  do pump();
-  while (viewer.is_loading());
-  pump();
+  for (pump(); viewer.is_loading(); pump()) WaitMessage();
   RedrawWindow(viewer.canvas().window(), nullptr, nullptr, RDW_UPDATENOW);
   GdiFlush();
   return now() - start;

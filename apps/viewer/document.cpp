@@ -58,22 +58,19 @@ void Document::change(SharedPicture picture, const std::string& step) {
 
 void Document::change_pages(std::vector<Page> pages, int current) { history_.change({std::move(pages), current}); }
 
-// Earlier states may count on pages of a file that is another one now.
+// States that count on pages of a file which is another one now cannot be kept.
 void Document::set_saved(const std::filesystem::path& path) {
-  const bool is_needed =
-      std::ranges::any_of(now().pages, [&](const Page& page) { return !page.picture && page.file.path == path; });
   path_ = path;
-  if (pages() > 1 || is_needed) {
-    State state;
-    for (int page = 1; page <= pages(); ++page) state.pages.push_back({{path, page}});
-    state.current = page();
-    history_ = History(std::move(state));
-  } else {
-    State state = now();
-    state.pages[0].file = {path, 1};
-    history_.amend(std::move(state));
-    history_.set_saved();
-  }
+  const auto is_in_file = [&](const Page& page) {
+    std::error_code ignored;
+    return !page.picture && std::filesystem::equivalent(page.file.path, path, ignored);
+  };
+  const bool is_replaced = history_.any([&](const State& state) { return std::ranges::any_of(state.pages, is_in_file); });
+  if (!is_replaced) return history_.set_saved();
+  State state;
+  for (int page = 1; page <= pages(); ++page) state.pages.push_back({{path, page}});
+  state.current = page();
+  history_ = History(std::move(state));
 }
 
 }  // namespace vorel::viewer

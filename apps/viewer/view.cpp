@@ -235,6 +235,7 @@ void View::show_first(SharedPicture picture) {
 void View::show_next(SharedPicture picture) {
   show(std::move(picture));
   start();
+  if (is_showing()) scroll_to_end(Way::kBack);
 }
 
 void View::show_changed(SharedPicture picture) {

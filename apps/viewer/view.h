@@ -29,7 +29,7 @@ class View {
 
   // Shows another picture or, for a null pointer, none.
   //   show_first    at its actual size, or fitted if it is larger than the window
-  //   show_next     with the sizing of the previous picture
+  //   show_next     with the sizing of the previous picture, at its beginning
   //   show_changed  with the sizing and the place of the previous picture
   void show_first(SharedPicture picture);
   void show_next(SharedPicture picture);

@@ -109,7 +109,7 @@ class ViewerWindow {
   void remember(const std::filesystem::path& path);
   void go_to_page(int page, View::Way from = View::Way::kOn);
   void show_new(Document document);
-  void show_page_of_history();
+  void step_in_history(void (Document::*step)(), void (Document::*back)());
   void read_ahead();
   void escape();
 

@@ -48,25 +48,24 @@ void ViewerWindow::change(SharedPicture picture, const std::string& step, const 
   tell(report);
 }
 
-void ViewerWindow::undo() {
-  document_.undo();
-  show_page_of_history();
-}
+void ViewerWindow::undo() { step_in_history(&Document::undo, &Document::redo); }
+void ViewerWindow::redo() { step_in_history(&Document::redo, &Document::undo); }
 
-void ViewerWindow::redo() {
-  document_.redo();
-  show_page_of_history();
-}
-
-// A step belongs to a page, which may not be the one on view.
-void ViewerWindow::show_page_of_history() {
-  const int number = document_.page();
-  const Document::Page& page = document_.page_at(number);
-  if (!page.picture) return go_to_page(number);
-  canvas_.change([&](View& view) {
-    document_.go_to(number, page.picture);
-    view.show_changed(document_.shared());
-  });
+// A step belongs to a page, which may not be the one on view. If that cannot be loaded, the step is not taken.
+void ViewerWindow::step_in_history(void (Document::*step)(), void (Document::*back)()) {
+  (document_.*step)();
+  try {
+    const int number = document_.page();
+    const Document::Page& page = document_.page_at(number);
+    const SharedPicture picture = page.picture ? page.picture : loader_.load(page.file).picture;
+    canvas_.change([&](View& view) {
+      document_.go_to(number, picture);
+      view.show_changed(picture);
+    });
+  } catch (...) {
+    (document_.*back)();
+    throw;
+  }
   update_thumbnails();
 }
 
@@ -117,7 +116,8 @@ void ViewerWindow::tell_facts() { show_facts(window_, document_); }
 
 void ViewerWindow::change_pages(std::vector<Document::Page> pages, int current) {
   document_.change_pages(std::move(pages), current);
-  show_page_of_history();
+  document_.undo();
+  redo();
 }
 
 void ViewerWindow::take_page_out() {

@@ -245,7 +245,7 @@ TEST(ViewerPreview, PutsSeveralOnASheet) {
   PrintLayout layout;
   layout.per_sheet = 2;
   const auto two = printed_boxes(layout, {wide, high}, kSheet);
-  EXPECT_EQ(numbers_of(two[0]), (Box{80, 8, 1140, 384 * 1140 / 1152}));
+  EXPECT_EQ(numbers_of(two[0]), (Box{74, 8, 1152, 384}));
   EXPECT_EQ(numbers_of(two[1]), (Box{394, 408, 512, 384}));
   layout.per_sheet = 4;
   const auto four = printed_boxes(layout, {high, high, high, wide}, kSheet);

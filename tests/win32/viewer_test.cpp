@@ -31,8 +31,11 @@ SharedPicture picture_of(int depth) {
 }
 
 bool has_palette() {
-  const WindowDc dc(nullptr);
-  return (GetDeviceCaps(dc.get(), RASTERCAPS) & RC_PALETTE) != 0;
+  static const bool has = [] {
+    const WindowDc dc(nullptr);
+    return (GetDeviceCaps(dc.get(), RASTERCAPS) & RC_PALETTE) != 0;
+  }();
+  return has;
 }
 
 void pump() {
@@ -72,26 +75,36 @@ class ShownCanvas {
   Window frame_;
 };
 
-COLORREF color_of_pixel(const Picture& picture, POINT pixel) {
+COLORREF color_of_pixel(const Picture& picture, int x, int y) {
   uint32_t color = 0;
   with_depth(picture.depth(), [&](auto depth) {
-    const uint8_t* row = picture.pixels().row_from_top(static_cast<int>(pixel.y)).data();
-    color = programs::color_of(picture, Pixel<depth>::load(row, static_cast<int>(pixel.x)));
+    color = programs::color_of(picture, Pixel<depth>::load(picture.pixels().row_from_top(y).data(), x));
   });
   return RGB(color >> 16 & 0xFF, color >> 8 & 0xFF, color & 0xFF);
 }
 
-// Enlarged and at actual size every window pixel has the colour of the picture's pixel under it.
+// Enlarged and at actual size every window pixel has the colour of the picture's pixel under it. Enlarged by fractions the system
+// may take the pixel beside it.
 int wrong_pixels_enlarged(const ShownCanvas& shown, const Picture& picture) {
   const Pixels pixels = shown.repainted();
+  const View& view = shown.canvas.view();
+  const int slack = percent(view.scale()) % 100 == 0 ? 0 : 1;
+  std::vector<int> columns, rows;
+  for (int x = 0; x < pixels.width; ++x) columns.push_back(static_cast<int>(view.pixel_at({x, 0}).x));
+  for (int y = 0; y < pixels.height; ++y) rows.push_back(static_cast<int>(view.pixel_at({0, y}).y));
+  const auto is_inside = [&](int x, int y) { return x >= 0 && y >= 0 && x < picture.width() && y < picture.height(); };
+  const auto is_right = [&](int x, int y) {
+    const int column = columns[static_cast<size_t>(x)], row = rows[static_cast<size_t>(y)];
+    // Around the picture there may be no such colour in a palette.
+    if (!is_inside(column, row)) return has_palette() || pixels.at(x, y) == GetSysColor(COLOR_APPWORKSPACE);
+    for (int v = row - slack; v <= row + slack; ++v)
+      for (int u = column - slack; u <= column + slack; ++u)
+        if (is_inside(u, v) && pixels.at(x, y) == color_of_pixel(picture, u, v)) return true;
+    return false;
+  };
   int wrong = 0;
   for (int y = 0; y < pixels.height; ++y)
-    for (int x = 0; x < pixels.width; ++x) {
-      const auto pixel = shown.canvas.pixel_at({x, y});
-      if (!pixel && has_palette()) continue;  // its colour may be none of the palette's
-      const COLORREF expected = pixel ? color_of_pixel(picture, *pixel) : GetSysColor(COLOR_APPWORKSPACE);
-      wrong += pixels.at(x, y) != expected;
-    }
+    for (int x = 0; x < pixels.width; ++x) wrong += !is_right(x, y);
   return wrong;
 }
 

@@ -1,6 +1,7 @@
 // States of something that is changed step by step.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <deque>
 #include <utility>
@@ -33,6 +34,11 @@ class History {
   bool can_redo() const { return at_ + 1 < states_.size(); }
   void undo() { --at_; }
   void redo() { ++at_; }
+
+  template <class Is>
+  bool any(Is is) const {
+    return std::ranges::any_of(states_, is);
+  }
 
   bool is_saved() const { return saved_ == at_; }
   void set_saved() { saved_ = at_; }
