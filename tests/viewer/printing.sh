@@ -53,7 +53,10 @@ cancel_job() {
   expect_window '^Printing$'
   press Return
   expect_no_window '^Printing$'
+  expect_window '^Vorel Viewer$'
   screenshot 35-cancelled
+  press Return
+  expect_no_window '^Vorel Viewer$'
   ! tail -c 40 "$work/paper.ps" | grep -q '%%Pages: 900' || fail "the cancelled job was printed to its end"
 }
 
