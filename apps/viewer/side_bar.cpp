@@ -131,8 +131,10 @@ SideBar::SharedThumbnail SideBar::thumbnail_of(const Item& item) {
 }
 
 void SideBar::collect() {
-  for (auto& [place, thumbnail] : finished_->take())
+  for (auto& [place, thumbnail] : finished_->take()) {
+    std::erase(requested_, place);
     thumbnails_.keep(place, thumbnail, sizeof(Thumbnail) + thumbnail->pixels.size() * sizeof(uint32_t));
+  }
   InvalidateRect(window_, nullptr, FALSE);
 }
 
