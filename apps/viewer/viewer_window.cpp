@@ -212,6 +212,7 @@ void ViewerWindow::tell_pixel(std::optional<POINT> pixel) {
 void ViewerWindow::update_facts() {
   PictureFacts facts = document_.facts();
   if (document_.is_open()) facts.percent = percent(canvas_.view().scale());
+  tell_pixel({});  // another one may be under the mouse
   SetWindowTextW(window_, title_text(facts).c_str());
   status_.show(facts);
 }
