@@ -10,10 +10,10 @@
 
 namespace vorel::programs {
 
-// Every shown pixel is the mean of its area, so that black and white becomes mixtures of its two colours by the share of each. Copies
-// of half the size, a quarter and so on are made once; drawing any part at any size then reads few pixels. Sizes of more than half are
-// exact to two levels; below, the edges of areas fall into pixels of a copy, which count as even. A part is drawn as it is in the
-// whole, so that parts drawn at different times fit together.
+// Every shown pixel is the mean of its area: black and white are mixed by the share of each. Copies of half the size, a quarter
+// and so on are made once, so that drawing any part at any size reads few pixels. Above half the size, results are exact to two
+// levels. Below, the edges of areas cut through pixels of a copy, which count as evenly coloured. Parts that are drawn at
+// different times fit together.
 class Reductions {
  public:
   Reductions() = default;  // of no picture
@@ -24,10 +24,10 @@ class Reductions {
   // Draws `part` of the picture scaled to `size` as rows from the top, a pixel a number 0x00RRGGBB.
   void draw(Size size, Rect part, std::span<uint32_t> pixels) const;
 
-  // Those of the halved copies.
+  // The memory of the halved copies.
   uint64_t bytes() const;
 
-  // The colours that are mixtures of two, from one to the other; empty for pictures of more colours.
+  // The mixtures of two colours, or the greys, in 256 steps; empty for other pictures.
   std::span<const uint32_t> mixtures() const;
 
  private:

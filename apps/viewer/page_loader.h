@@ -15,7 +15,7 @@ namespace vorel::viewer {
 
 class PageLoader {
  public:
-  // What became of a page that was wanted. Without a picture there is a reason.
+  // A loaded page, or the reason why there is no picture.
   struct Arrival {
     PagePlace place;
     LoadedPage page;
@@ -26,18 +26,18 @@ class PageLoader {
   explicit PageLoader(std::function<void()> arrived);
   ~PageLoader();
 
-  // A page that is there already. A file that was written since it was loaded is not.
+  // A page in memory, unless its file was written since.
   std::optional<LoadedPage> ready(const PagePlace& place);
 
-  // The page that is waited for; an earlier one no longer is. Its loading cannot be interrupted, but nothing waits for its end.
+  // Starts loading a page that replaces the one wanted before. Loading cannot be interrupted, but nothing waits for its end.
   void want(const PagePlace& place);
   void stop() { wanted_.reset(); }
   const std::optional<PagePlace>& wanted() const { return wanted_; }
 
-  // Pages to have ready, instead of those named before. Failures are not told.
+  // Pages to load in advance, instead of the ones named before. Failures are ignored.
   void read_ahead(const std::vector<PagePlace>& places);
 
-  // The wanted page, once it is there. Others are kept.
+  // The wanted page, once loaded. Stores the other loaded pages.
   std::optional<Arrival> collect();
 
   // Loads while the caller waits. Throws Failure.

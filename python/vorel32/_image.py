@@ -741,7 +741,7 @@ def _restored(content: bytes, file: str | None, page: int | None, readonly: bool
 
 
 def _owner(array: numpy.ndarray) -> Any:
-    """The picture of which an array is all pixels in their order; None if there is none."""
+    """The picture whose pixels an array shows, all of them and in their order; None if there is no such picture."""
     import numpy as np
 
     holder: Any = array

@@ -4,6 +4,7 @@
 #include <tuple>
 #include <utility>
 
+#include "core/resolution.h"
 #include "core/saturate.h"
 
 namespace vorel::display {
@@ -205,9 +206,6 @@ bool shows_whole_groups(const ImgDisplayLayout& layout, const Mapping& mapping, 
   return (whole_rows || part.right % mapping.x.window == 0) && part.bottom % mapping.y.window == 0;
 }
 
-int dots_per_inch(int pixels_per_metre) {
-  constexpr double kMetresPerInch = 0.0254;
-  return saturated(pixels_per_metre * kMetresPerInch + 0.5);
-}
+int dots_per_inch(int pixels_per_metre) { return saturated(pixels_per_metre * kMetresPerInch + 0.5); }
 
 }  // namespace vorel::display

@@ -67,10 +67,9 @@ Action declare(Arguments& arguments) {
   values->batch.settings.declare(arguments);
   arguments.check_together([values] { return wrong_together(*values); });
   arguments.explain(
-      "Every input goes through the steps of \"vorel run\". One that fails is named, and the others go on. Outputs appear "
-      "when they\n"
-      "are whole; DIR/.vorel-batch keeps a journal, from which --resume goes on after any kind of end. It does again what\n"
-      "failed and what has another size, time or (--checksum) content than before, or no output any longer.\n"
+      "Every input goes through the steps of \"vorel run\". One that fails is named, and the others go on. Outputs appear\n"
+      "when they are whole; DIR/.vorel-batch keeps a journal, from which --resume goes on after any kind of end. It\n"
+      "repeats inputs that failed, changed in size, time or (--checksum) content, or have no output any longer.\n"
       "Folders give their picture files, by their endings, but no hidden ones. Outputs keep the folders below the one that\n"
       "was named; --name makes other names from {dir} {stem} {name} {ext} {page} {pages} {index}, with widths as in "
       "{page:03}.\n"

@@ -53,10 +53,9 @@ ExitCode combine(const Values& values, const Streams& streams) {
 
 Action declare(Arguments& arguments) {
   arguments.explain(
-      "OUT is as large as BASE; parts of OVERLAY that lie outside are left out. An OVERLAY of one page goes onto every page "
-      "of\n"
-      "BASE. or and xor work on the pixels as numbers: in black and white, with white as 1, or lets white win and xor\n"
-      "inverts under white. Pictures of different depth or colours are combined at 24 bits per pixel.",
+      "OUT is as large as BASE; parts of OVERLAY that lie outside are left out. An OVERLAY of one page goes onto every\n"
+      "page of BASE. or and xor work on the pixels as numbers: in black and white, with white as 1, or lets white win and\n"
+      "xor inverts under white. Pictures of different depth or colours are combined at 24 bits per pixel.",
       "  vorel combine page.tif stamp.tif stamped.tif --at 1900,120\n"
       "  vorel combine photo.bmp logo.bmp out.bmp --mask shape.bmp\n"
       "  vorel combine page1.tif page2.tif difference.tif --mode xor");

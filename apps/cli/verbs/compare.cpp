@@ -8,6 +8,7 @@
 #include "cli/page_work.h"
 #include "cli/progress.h"
 #include "cli/report.h"
+#include "core/resolution.h"
 
 namespace vorel::cli {
 namespace {
@@ -74,7 +75,7 @@ Json json_of(const Pair& pair) {
 
 std::string shown_dpi(const Facts& facts) {
   if (facts.x_per_metre == 0 || facts.y_per_metre == 0) return "none";
-  return fmt::format("{:.5g} x {:.5g} dpi", facts.x_per_metre * 0.0254, facts.y_per_metre * 0.0254);
+  return fmt::format("{:.5g} x {:.5g} dpi", facts.x_per_metre * kMetresPerInch, facts.y_per_metre * kMetresPerInch);
 }
 
 std::string sentence_of(const Pair& pair) {
@@ -173,13 +174,10 @@ ExitCode compare(const Values& values, const Streams& streams) {
 
 Action declare(Arguments& arguments) {
   arguments.explain(
-      "The exit code is 0 if A and B are equal and 1 if they differ; 2 and above are failures. Colours are compared, page "
-      "by\n"
-      "page: a page of 1 bit equals its copy of 24 bits. Other sizes and numbers of pages are differences; other depths "
-      "and\n"
-      "resolutions are told and, with --strict, differences. Of different sizes the part that both have at the upper left "
-      "is\n"
-      "compared too. OUT is A in pale greys, with differing pixels in red.",
+      "The exit code is 0 if A and B are equal and 1 if they differ; 2 and above are failures. Colours are compared, page\n"
+      "by page: a page of 1 bit equals its copy of 24 bits. Other sizes and numbers of pages are differences; other\n"
+      "depths and resolutions are mentioned and, with --strict, differences. Where sizes differ, the part that both have\n"
+      "at the upper left is compared too. OUT is A in pale greys, with differing pixels in red.",
       "  vorel compare scan.tif copy.png\n"
       "  vorel compare before.tif after.tif --threshold 2 --out differences.png --numbered\n"
       "  vorel compare a.tif b.tif --page 1-3 --json");
@@ -190,7 +188,7 @@ Action declare(Arguments& arguments) {
                    "differences of up to N in red, green and blue count as equal, 0 to 255 (default: 0)", {0, 255});
   declare_pages(arguments, values->pages, "both");
   arguments.flag("--strict", values->is_strict,
-                 "other depths and resolutions are differences (default: they are told only)");
+                 "other depths and resolutions are differences (default: they are only mentioned)");
   arguments.flag("--json", values->as_json, "print a JSON object with an entry for each pair of pages (default: text)");
   arguments.option("--out", values->drawing, "OUT", "draw the differences, into this file (default: do not)");
   values->saving.declare(arguments, {.strict = false});

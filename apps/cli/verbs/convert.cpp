@@ -7,17 +7,16 @@ namespace {
 Action declare(Arguments& arguments) {
   arguments.explain(
       "The ending of OUT tells its format: .bmp .tif .png .jpg .gif .pcx .dcx .tga .cal .pnm and, on Windows, .wmf\n"
-      ".emf .clp. Without one, and on standard output, it is a Windows bitmap. JPEG gets quality 75 and grey pictures stay "
-      "grey; GIF keeps at most 256\n"
-      "colours; CALS takes 1 bit per pixel. TIFF, DCX and PNM files hold several pages, other files one.\n"
+      ".emf .clp. Without one, and on standard output, it is a Windows bitmap. JPEG gets quality 75, and grey pictures\n"
+      "stay grey; GIF keeps at most 256 colours; CALS takes 1 bit per pixel. TIFF, DCX and PNM files hold several pages,\n"
+      "others one.\n"
       "KIND is for TIFF none, huffman, g3, g4 (these three for 1 bit per pixel), lzw, jpeg (for 24 bits and greys of 8),\n"
       "deflate or packbits, and without it g4 for 1 bit and deflate else; for TGA it is none (the usual one) or rle, which\n"
       "pictures with a colour table do not get.\n\n"
       "Pixels, colours and resolution stay as they are where the format of OUT has room for them. A bitmap made of\n"
       "a bitmap keeps run-length compression, row order and 16 or 32 bits per pixel too; other formats get 24 bits.\n"
-      "What is transparent in IN becomes white. Metafiles too large to be drawn come out smaller, at the resolution "
-      "that\n"
-      "belongs to that.",
+      "Transparent pixels of IN become white. Metafiles too large to be drawn come out smaller, at the resolution of\n"
+      "that size.",
       "  vorel convert scan.tif scan.png\n"
       "  vorel convert fax.tif page3.bmp --page 3\n"
       "  vorel convert fax.tif page.png --numbered      (makes page-1.png, page-2.png, ...)\n"

@@ -1,4 +1,4 @@
-// States of something that is changed step by step.
+// Undo and redo.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 namespace vorel::viewer {
 
-// States are cheap to copy: what is large in them is shared.
+// States are cheap to copy: they share large parts.
 template <class State>
 class History {
  public:
@@ -18,7 +18,7 @@ class History {
 
   const State& now() const { return states_[at_]; }
 
-  // What was undone is gone then.
+  // Drops the undone states.
   void change(State state) {
     states_.resize(at_ + 1);
     if (saved_ > at_) saved_ = kNever;

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/page/units.h"
+
 namespace vorel::viewer {
 namespace {
 
 constexpr int kMargin = 12;  // pixels
-constexpr double kMillimetresPerInch = 25.4;
 
 const wchar_t* centring_text(const PrintLayout& layout) {
   if (layout.is_centred_across && layout.is_centred_down) return L", centred";
@@ -26,7 +27,7 @@ const wchar_t* sizing_text(PageSizing sizing) {
 
 std::wstring size_in_millimetres(int width, int height, print::DotDensity resolution) {
   const auto rounded = [](int dots, float per_inch) {
-    return std::to_wstring(std::lround(dots * kMillimetresPerInch / per_inch));
+    return std::to_wstring(std::lround(dots * programs::kMillimetresPerInch / per_inch));
   };
   return rounded(width, resolution.x) + L" x " + rounded(height, resolution.y) + L" mm";
 }

@@ -1,6 +1,6 @@
 #include "viewer/logic/texts.h"
 
-#include <cmath>
+#include "core/resolution.h"
 
 namespace vorel::viewer {
 namespace {
@@ -31,10 +31,9 @@ std::wstring size_text(const PictureFacts& picture) {
 }
 
 std::wstring resolution_text(const PictureFacts& picture) {
-  constexpr double kMetresPerInch = 0.0254;
   if (picture.x_per_metre <= 0 || picture.y_per_metre <= 0) return {};
-  const auto x = std::to_wstring(std::lround(picture.x_per_metre * kMetresPerInch));
-  const auto y = std::to_wstring(std::lround(picture.y_per_metre * kMetresPerInch));
+  const auto x = std::to_wstring(nearest_dpi(picture.x_per_metre));
+  const auto y = std::to_wstring(nearest_dpi(picture.y_per_metre));
   return (x == y ? x : x + L" x " + y) + L" dpi";
 }
 

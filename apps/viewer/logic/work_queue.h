@@ -23,7 +23,7 @@ class WorkQueue {
   ~WorkQueue();  // waits for work that has begun, and drops the rest
 
   void add(Urgency urgency, Work work);
-  void drop(Urgency urgency);  // what has not begun
+  void drop(Urgency urgency);  // work that has not begun
 
  private:
   static constexpr size_t kUrgencies = 3;
