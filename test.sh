@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds everything and runs all tests: native, native under the sanitizers, and the Windows build under 32-bit Wine.
+# Builds everything and runs all tests: native, native under the sanitizers, and the Windows builds under Wine.
 # Works on a fresh Debian 12 machine. Runs again at any time, and then rebuilds only what has changed.
-# usage: test.sh [native|asan|win32]...   (default: all three)
+# usage: test.sh [native|asan|win32|win64]...   (default: all four)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -10,7 +10,7 @@ say() { printf '\n== %s\n' "$*"; }
 ./tools/setup.sh
 mkdir -p build
 presets=("$@")
-[ $# -gt 0 ] || presets=(native asan win32)
+[ $# -gt 0 ] || presets=(native asan win32 win64)
 declare -A seconds closing
 failed=()
 
@@ -19,6 +19,7 @@ run_tests() {
   case $1 in
     native) ctest --preset native && VOREL_CPU_LEVEL=sse2 ctest --preset native -R '^(bilevel|dib|formats|geometry|tone)_test$' ;;
     win32) ./tools/run-wine.sh --session ctest --preset win32 ;;
+    win64) ./tools/run-wine.sh --session64 ctest --preset win64 ;;
     *) ctest --preset "$1" ;;
   esac
 }

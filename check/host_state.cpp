@@ -116,7 +116,7 @@ void check_rows_of(const std::vector<Row>& rows, Report& report) {
     Host host;
     stage.probe = &host;
     for (const HostState& state : kHostStates) {
-      at_work(row.name, &state - kHostStates);
+      at_work(row.name, static_cast<long>(&state - kHostStates));
       host.state = &state;
       const Outcome outcome = stage.run(row);
       report.count();

@@ -1,7 +1,7 @@
 // The system under the library: counts what a process holds, and makes chosen calls of the library fail.
 //
 // On Linux this program's functions stand before those of the C library and of the library itself, as the loader binds them. On
-// Windows the import tables of VOREL32.DLL and of the codec modules, as they are loaded, lead through thunks.
+// Windows the import tables of the library and of the codec modules, as they are loaded, lead through thunks.
 #pragma once
 
 #include <cstddef>

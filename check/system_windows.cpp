@@ -99,13 +99,13 @@ bool fails(check::SystemPart part, const char* function) {
 }
 
 // The system's own functions are always there.
-uint32_t kernel() {
-  static const auto module = reinterpret_cast<uint32_t>(GetModuleHandleA("KERNEL32.DLL"));
+uintptr_t kernel() {
+  static const auto module = reinterpret_cast<uintptr_t>(GetModuleHandleA("KERNEL32.DLL"));
   return module;
 }
 
 // Whether this call fails; a thunk asks.
-int __cdecl decide(uint32_t index, const uint32_t* arguments) {
+int __cdecl decide(uint32_t index, const uintptr_t* arguments) {
   const Import& import = kImports[index];
   const bool asks_system = std::strcmp(import.name, "GetProcAddress") == 0 && arguments[0] == kernel();
   if (asks_system) return 0;
@@ -130,14 +130,30 @@ class Thunks {
     if (thunk != nullptr) return thunk;
     functions_[index] = function;
     thunk = next_;
+#ifdef _WIN64
+    bytes({0x48, 0x89, 0x4C, 0x24, 0x08, 0x48, 0x89, 0x54, 0x24, 0x10});  // mov [rsp + 8], rcx; mov [rsp + 16], rdx
+    bytes({0x4C, 0x89, 0x44, 0x24, 0x18, 0x4C, 0x89, 0x4C, 0x24, 0x20});  // mov [rsp + 24], r8; mov [rsp + 32], r9
+    bytes({0x48, 0x83, 0xEC, 0x28, 0xB9}), number(index);                 // sub rsp, 40; mov ecx, index
+    bytes({0x48, 0x8D, 0x54, 0x24, 0x30});                                // lea rdx, [rsp + 48]
+    bytes({0x48, 0xB8}), number(reinterpret_cast<uintptr_t>(decide));     // mov rax, decide
+    bytes({0xFF, 0xD0, 0x48, 0x83, 0xC4, 0x28});                          // call rax; add rsp, 40
+    bytes({0x48, 0x8B, 0x4C, 0x24, 0x08, 0x48, 0x8B, 0x54, 0x24, 0x10});  // mov rcx, [rsp + 8]; mov rdx, [rsp + 16]
+    bytes({0x4C, 0x8B, 0x44, 0x24, 0x18, 0x4C, 0x8B, 0x4C, 0x24, 0x20});  // mov r8, [rsp + 24]; mov r9, [rsp + 32]
+    bytes({0x85, 0xC0, 0x75, 0x0C});                                      // test eax, eax; jne + 12
+    bytes({0x48, 0xB8}), number(reinterpret_cast<uintptr_t>(function));   // mov rax, function
+    bytes({0xFF, 0xE0});                                                  // jmp rax
+    bytes({0x48, 0xC7, 0xC0}), number(kImports[index].failure);           // mov rax, failure, its sign extended
+    bytes({0xC3});                                                        // ret
+#else
     bytes({0x8D, 0x44, 0x24, 0x04, 0x50});  // lea eax, [esp + 4]; push eax
-    bytes({0x68}), word(index);             // push index
-    bytes({0xE8}), word(static_cast<uint32_t>(reinterpret_cast<uint8_t*>(decide) - (next_ + 4)));  // call decide
-    bytes({0x83, 0xC4, 0x08, 0x85, 0xC0, 0x75, 0x06});                          // add esp, 8; test eax, eax; jne + 6
-    bytes({0xFF, 0x25}), word(reinterpret_cast<uint32_t>(&functions_[index]));  // jmp [function]
-    bytes({0xB8}), word(kImports[index].failure);                               // mov eax, failure
+    bytes({0x68}), number(index);           // push index
+    bytes({0xE8}), number(static_cast<uint32_t>(reinterpret_cast<uint8_t*>(decide) - (next_ + 4)));  // call decide
+    bytes({0x83, 0xC4, 0x08, 0x85, 0xC0, 0x75, 0x06});                            // add esp, 8; test eax, eax; jne + 6
+    bytes({0xFF, 0x25}), number(reinterpret_cast<uint32_t>(&functions_[index]));  // jmp [function]
+    bytes({0xB8}), number(kImports[index].failure);                               // mov eax, failure
     const uint16_t taken = kImports[index].argument_bytes;
     bytes({0xC2, static_cast<uint8_t>(taken), static_cast<uint8_t>(taken >> 8)});  // ret taken
+#endif
     return thunk;
   }
 
@@ -147,7 +163,8 @@ class Thunks {
   void bytes(std::initializer_list<uint8_t> code) {
     for (const uint8_t byte : code) *next_++ = byte;
   }
-  void word(uint32_t value) {
+  template <class Number>
+  void number(Number value) {
     std::memcpy(next_, &value, sizeof value);
     next_ += sizeof value;
   }
@@ -242,7 +259,7 @@ void patch(HMODULE module) {
 
 namespace check {
 
-void set_up_system() { patch(GetModuleHandleA("VOREL32.DLL")); }
+void set_up_system() { patch(GetModuleHandleA(VOREL_FILE_NAME)); }
 void keep_jpeg_loaded() {}
 
 std::string FailingSystem::failed() const { return armed.failed == nullptr ? "" : armed.failed; }
@@ -254,7 +271,7 @@ void FailingSystem::end() { armed.parts = 0; }
 
 void guard_blocks(size_t most) {
   most_bytes = most;
-  patch(GetModuleHandleA("VOREL32.DLL"));
+  patch(GetModuleHandleA(VOREL_FILE_NAME));
 }
 HGLOBAL new_guarded(const void* bytes, size_t size) {
   HGLOBAL block = guarded_alloc(GHND, size);

@@ -1,7 +1,7 @@
 /** Vorel32: read, write, rotate and convert raster images held as packed DIBs.
  *
- *  One C interface for two builds: VOREL32.DLL on 32-bit Windows and libvorel32.so on x86-64 Linux. A function marked
- *  "Windows only" needs device contexts, device bitmaps or palettes and is declared for Windows alone.
+ *  One C interface for three builds: VOREL32.DLL on 32-bit Windows, VOREL64.DLL on 64-bit Windows and libvorel32.so on x86-64
+ *  Linux. A function marked "Windows only" needs device contexts, device bitmaps or palettes and is declared for Windows alone.
  *
  *  THE PACKED DIB. Pictures cross this interface as DIB handles. A DIB is one movable global memory block that holds, without
  *  gaps:
@@ -44,6 +44,15 @@
 #include <stdint.h>
 #define VORELCALL
 #define VOREL_API __attribute__((visibility("default")))
+#endif
+
+/** The library's file name, for programs that load it themselves. */
+#if defined(_WIN64)
+#define VOREL_FILE_NAME "VOREL64.DLL"
+#elif defined(_WIN32)
+#define VOREL_FILE_NAME "VOREL32.DLL"
+#else
+#define VOREL_FILE_NAME "libvorel32.so.5"
 #endif
 
 #ifdef __cplusplus
@@ -844,7 +853,7 @@ VOREL_API int VORELCALL BZoomGetScaleSteps(int* enlarge, int* reduce);
 #ifdef _WIN32
 
 /** The state of a display. The caller allocates one per window and passes it to every call; calls that share one must not run
- *  at the same time. Its size is at least the 142 bytes that DisplayWmCreate clears. */
+ *  at the same time. It has at least the 142 bytes that DisplayWmCreate clears; on 64-bit Windows, where handles are longer, 154. */
 typedef struct ImgDisplayState {
   ImgDisplayLayout layout;
   HPALETTE palette; /**< used for drawing */
@@ -860,7 +869,7 @@ typedef struct ImgDisplayState {
  *  of these functions sets the error code. Handlers return 0; those for sizes and scrolling return 1 for a null window. Without a
  *  state they do nothing, except that DisplayWmPaint validates the window. */
 
-/** Clears the first 142 bytes of a state. Returns 0. */
+/** Clears the first 142 bytes of a state, on 64-bit Windows 154: everything up to the end of `reserved`. Returns 0. */
 VOREL_API LRESULT VORELCALL DisplayWmCreate(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
 /** Starts showing a device bitmap.
@@ -1155,14 +1164,14 @@ VOREL_API BOOL VORELCALL PrintAbortProc(HDC dc, int code);
  *  for messages that they handle. In the first, message WM_USER + 1000 shows the text in lParam in control 121; every command
  *  cancels the job. The second works on the options of the thread's job; its dialog ends with a printer's DC, which the
  *  caller deletes, or with 0. */
-VOREL_API BOOL VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-VOREL_API BOOL VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+VOREL_API INT_PTR VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+VOREL_API INT_PTR VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 /** Lets the user choose the default printer in the dialog "PRINTERSETUP", and set printers up: the settings hold for the
  *  thread's next job on the printer if PrepareToPrint makes the DC. Returns 1, or 0 if the dialog is cancelled.
  *  PrinterSetupProc is the procedure of this dialog. */
 VOREL_API int VORELCALL PrinterSetup(HWND owner);
-VOREL_API BOOL VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+VOREL_API INT_PTR VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 #endif /* _WIN32 */
 

@@ -11,8 +11,6 @@ endif()
 # No run path: modules are loaded from the library's folder by their full paths, else from the program's search path.
 set_target_properties(vorel32 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 5 LINK_DEPENDS ${map} INSTALL_RPATH "")
 
-include(GNUInstallDirs)
-install(TARGETS vorel32 LIBRARY)
-install(FILES ${PROJECT_SOURCE_DIR}/include/vorel32.h TYPE INCLUDE)
-configure_file(vorel32.pc.in vorel32.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vorel32.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(library_name vorel32)
+install(TARGETS vorel32 LIBRARY COMPONENT library NAMELINK_COMPONENT development)
+include(packages.cmake)

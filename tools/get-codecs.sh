@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Builds the image codecs of the Windows build: zlib, libpng, libjpeg-turbo, libtiff and giflib as static libraries, from
-# Debian's own patched sources in the versions of the -dev packages that the native build uses: both builds read files alike.
-# The result is the link build/codecs-i686 to a folder with include/ and lib/ in a cache that all checkouts share; when the
-# cache has it, nothing is fetched. Its versions.txt says what was built.
+# Builds the image codecs of the Windows builds: zlib, libpng, libjpeg-turbo, libtiff and giflib as static libraries, from
+# Debian's own patched sources in the versions of the -dev packages that the native build uses: all builds read files alike.
+# The result is the link build/codecs-MACHINE to a folder with include/, lib/ and licences/ in a cache that all checkouts share;
+# when the cache has it, nothing is fetched. Its versions.txt says what was built.
+# usage: get-codecs.sh [i686|x86_64]...   (default: both)
 # environment:
 #   XDG_CACHE_HOME  where the cache is kept (default: ~/.cache)
 set -euo pipefail
@@ -14,8 +15,6 @@ declare -A PACKAGE=([zlib]=zlib1g-dev [libpng]=libpng-dev [libjpeg]=libjpeg62-tu
 RELEASE_FLAGS="-O2 -D_FORTIFY_SOURCE=2 -fstack-protector-strong -ffunction-sections -fdata-sections"
 
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/vorel32
-work=$cache/codecs-i686-unfinished
-log=$PWD/build/codecs-i686.log
 
 say() { printf 'codecs: %s\n' "$*"; }
 
@@ -92,7 +91,7 @@ fetch() {
 # The project's own flags, which the codecs need for the same reasons, and libraries from the new folder alone.
 write_toolchain() {
   cat >"$work/toolchain.cmake" <<END
-include("$PWD/cmake/i686-w64-mingw32.cmake")
+include("$PWD/cmake/$machine-w64-mingw32.cmake")
 unset(CMAKE_CROSSCOMPILING_EMULATOR)
 set(CMAKE_FIND_ROOT_PATH "$work/prefix")
 END
@@ -149,7 +148,7 @@ build_giflib() {
 build_all() {
   local codec source version started
   : >"$log"
-  say "building the codecs of the Windows build (once, about a minute; log: $log)"
+  say "building the codecs of the Windows build for $machine (once, about a minute; log: $log)"
   rm -rf "$work"
   trap 'rm -rf "$work"' EXIT
   trap 'exit 143' TERM INT HUP
@@ -160,6 +159,7 @@ build_all() {
     started=$SECONDS
     fetch "$codec" "$source" "$version"
     "build_$codec" || fail "$codec does not build"
+    install -Dm644 "$work/$codec/debian/copyright" "$work/prefix/licences/$codec.txt" || fail "$codec has no licence text"
     say "$(tail -n 1 "$work/prefix/versions.txt"): $((SECONDS - started)) s"
   done 3<<<"$sources"
   rm -rf "$work"/prefix/{bin,share} "$work"/prefix/lib/{pkgconfig,cmake,libpng}
@@ -177,14 +177,24 @@ report_other_versions() {
   done < <(grep -vxFf <(printf '%s\n' "$sources") "$prefix/versions.txt")
 }
 
+# In a process of its own, whose end lets go of the lock and removes what is unfinished.
+provide() (
+  machine=$1
+  work=$cache/codecs-$machine-unfinished
+  log=$PWD/build/codecs-$machine.log
+  prefix=$cache/codecs-$machine-$(cat <(printf '%s' "$sources") tools/get-codecs.sh "cmake/$machine-w64-mingw32.cmake" cmake/mingw-w64.cmake |
+    cksum | cut -d ' ' -f 1)
+  if [ ! -e "$prefix/versions.txt" ]; then
+    exec 9>"$cache/codecs-$machine.lock"  # one build at a time; whoever waited for it finds the work done
+    flock -n 9 || { say "waiting for another run that builds them"; flock 9; }
+    [ -e "$prefix/versions.txt" ] || build_all
+  fi
+  [ "$(readlink "build/codecs-$machine")" = "$prefix" ] || ln -sfnT "$prefix" "build/codecs-$machine"
+  report_other_versions
+)
+
 mkdir -p build "$cache"
 sources=$(installed_sources)
-key=$(cat <(printf '%s' "$sources") tools/get-codecs.sh cmake/i686-w64-mingw32.cmake | cksum | cut -d ' ' -f 1)
-prefix=$cache/codecs-i686-$key
-if [ ! -e "$prefix/versions.txt" ]; then
-  exec 9>"$cache/codecs-i686.lock"  # one build at a time; whoever waited for it finds the work done
-  flock -n 9 || { say "waiting for another run that builds them"; flock 9; }
-  [ -e "$prefix/versions.txt" ] || build_all
-fi
-[ "$(readlink build/codecs-i686)" = "$prefix" ] || ln -sfnT "$prefix" build/codecs-i686
-report_other_versions
+machines=("$@")
+[ $# -gt 0 ] || machines=(i686 x86_64)
+for machine in "${machines[@]}"; do provide "$machine"; done

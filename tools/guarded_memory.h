@@ -1,4 +1,4 @@
-// Memory for VOREL32.DLL in which each block ends at a page without access: a byte read or written behind a block ends the
+// Memory for the DLL in which each block ends at a page without access: a byte read or written behind a block ends the
 // program. The DLL's import table is patched.
 #pragma once
 

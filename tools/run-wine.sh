@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Runs a Windows program under 32-bit Wine, on a virtual screen, in a Wine prefix of this build tree.
-# usage: run-wine.sh [--session] PROGRAM [ARGUMENT...]
-#   --session  PROGRAM is a Linux command whose own calls of run-wine.sh share one screen (faster than one screen for each call)
+# Runs a Windows program under Wine, on a virtual screen, in a Wine prefix of this build tree. 64-bit programs have a prefix of their
+# own, in which a 64-bit system runs; 32-bit programs run in a 32-bit system.
+# usage: run-wine.sh [--session|--session64] PROGRAM [ARGUMENT...]
+#   --session    PROGRAM is a Linux command whose own calls of run-wine.sh share one screen (faster than one screen for each call)
+#   --session64  the same for calls with 64-bit programs
 # environment:
 #   VOREL_SCREEN_DEPTH  bits per pixel of the screen: 24 (default), or 8 for a palette display
 #   VOREL_WINE_OUTPUT   a folder for the output as it is written (out, err); it is printed at the end in any case
@@ -10,11 +12,25 @@ set -euo pipefail
 
 root=${VOREL_WINE_ROOT:-$(cd "$(dirname "$0")/.." && pwd)/build/wine}
 depth=${VOREL_SCREEN_DEPTH:-24}
-export WINEARCH=win32 WINEPREFIX=$root/screen-$depth WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
-
 screen_process=
 
 fail() { printf 'run-wine: %s\n' "$*" >&2; exit 1; }
+
+# Whether a file is a 64-bit Windows program: its PE header, whose offset is at 60, names the machine.
+is_64_bit() {
+  local offset
+  [ -f "$1" ] || return 1
+  offset=$(od -An -tu4 -j60 -N4 "$1")
+  [ "$(od -An -tx2 -j$((offset + 4)) -N2 "$1" | tr -d ' ')" = 8664 ]
+}
+
+[ $# -gt 0 ] || fail "usage: run-wine.sh [--session|--session64] PROGRAM [ARGUMENT...]"
+prefix=screen-$depth
+export WINEARCH=win32
+if [ "$1" = --session64 ] || is_64_bit "$1"; then
+  prefix=screen64-$depth WINEARCH=win64
+fi
+export WINEPREFIX=$root/$prefix WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
 
 # Wine's helper processes keep inherited pipes open, and readers of such a pipe wait for them. So output goes through files.
 run_program() {
@@ -54,7 +70,7 @@ end_session() {
 start_session() {
   command -v wine >/dev/null || fail "wine is not installed; tools/setup.sh installs it"
   mkdir -p "$root"
-  exec 9>"$root/screen-$depth.lock"  # one session at a time in a prefix
+  exec 9>"$root/$prefix.lock"  # one session at a time in a prefix
   flock 9
   trap end_session EXIT
   trap 'exit 143' TERM INT HUP
@@ -72,8 +88,7 @@ start_session() {
   export VOREL_WINE_SESSION=$WINEPREFIX
 }
 
-[ $# -gt 0 ] || fail "usage: run-wine.sh [--session] PROGRAM [ARGUMENT...]"
-if [ "$1" = --session ]; then
+if [[ $1 == --session* ]]; then
   shift
   start_session
   "$@" 9>&-

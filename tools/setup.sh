@@ -1,20 +1,22 @@
 #!/usr/bin/env bash
-# Installs the missing packages that building, testing and the demo need on Debian 12, then builds the codecs of the Windows build
+# Installs the missing packages that building, testing and the demo need on Debian 12, then builds the codecs of the Windows builds
 # (get-codecs.sh). Prints what it installs before it does, asks no questions, and can be run again at any time.
-# usage: setup.sh [--cluster|--checks]   (with what demo-cluster.sh or tools/check/ needs besides)
+# usage: setup.sh [--cluster|--checks|--release]   (with what demo-cluster.sh, tools/check/ or release.sh needs besides)
 set -euo pipefail
 
 NATIVE=(build-essential cmake ninja-build ccache pkg-config
         libfmt-dev libcli11-dev nlohmann-json3-dev googletest libbenchmark-dev
         libtiff-dev libpng-dev libjpeg62-turbo-dev libgif-dev zlib1g-dev)
-CROSS=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 llvm lld clang dpkg-dev nasm)
+CROSS=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 llvm lld clang dpkg-dev nasm)
 SCREEN=(xvfb xauth x11-apps xdotool imagemagick fonts-dejavu-core)
 PICTURES=(libtiff-tools netpbm python3-pil giflib-tools libwmf-bin emf2svg libuemf-dev)  # they make and read pictures for the tests
 PAPER=(ghostscript)  # makes pictures of what was printed
 PYTHON=(python3-dev python3-pip python3-venv python3-setuptools python3-wheel pybind11-dev python3-numpy python3-pytest)
-WINE=(wine wine32:i386)
+WINE=(wine wine32:i386 wine64)
 CHECKS=()
 [ "${1:-}" != --checks ] || CHECKS=(g++-multilib gcovr)  # for 32-bit builds and coverage in tools/check
+RELEASE=()
+[ "${1:-}" != --release ] || RELEASE=(nsis osslsigncode lintian zip unzip fp-compiler fp-units-rtl mono-mcs mono-runtime)  # and other languages' compilers
 CLUSTER=()
 [ "${1:-}" != --cluster ] || CLUSTER=(python3-distributed slurm-wlm munge parallel bc)  # for demo-cluster.sh
 
@@ -73,10 +75,10 @@ install_packages() {
 main() {
   local wanted
   mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${CLUSTER[@]}" \
-    "${CHECKS[@]}" "${WINE[@]}")
+    "${CHECKS[@]}" "${RELEASE[@]}" "${WINE[@]}")
   if [ "${#wanted[@]}" -gt 0 ]; then
     say "installing ${wanted[*]}"
-    [ -z "$(missing "${WINE[@]}")" ] || say "with 32-bit Wine, which runs the Windows build, that is about 600 MB"
+    [ -z "$(missing "${WINE[@]}")" ] || say "with Wine, which runs the Windows builds, that is about 900 MB"
     prepare_lists
     install_packages "${wanted[@]}"
   fi

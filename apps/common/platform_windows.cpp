@@ -1,5 +1,6 @@
 #include <algorithm>
-#include <windows.h>
+
+#include <vorel32.h>
 
 #include "common/platform.h"
 
@@ -30,7 +31,7 @@ std::optional<std::string> path_for_library(const std::filesystem::path& path) {
 }
 
 // The address of a function would be that of this program's way to it.
-FolderName library_folder() { return folder_of_code(GetModuleHandleW(L"VOREL32.DLL")); }
+FolderName library_folder() { return folder_of_code(GetModuleHandleA(VOREL_FILE_NAME)); }
 
 bool has_drawing() { return true; }
 

@@ -13,9 +13,10 @@ namespace vorel::display {
 namespace {
 
 // Callers compiled elsewhere hold states, so their layout must not change.
-constexpr size_t kClearedBytes = 142;
-static_assert(offsetof(ImgDisplayState, palette) == 120 && offsetof(ImgDisplayState, dib) == 124 &&
-              offsetof(ImgDisplayState, bitmap) == 128 && offsetof(ImgDisplayState, ownership) == 132);
+constexpr size_t kHandle = sizeof(HANDLE), kClearedBytes = kHandle == 4 ? 142 : 154;
+static_assert(offsetof(ImgDisplayState, palette) == 120 && offsetof(ImgDisplayState, dib) == 120 + kHandle &&
+              offsetof(ImgDisplayState, bitmap) == 120 + 2 * kHandle &&
+              offsetof(ImgDisplayState, ownership) == 120 + 3 * kHandle);
 static_assert(offsetof(ImgDisplayLayout, flags) == 16 && offsetof(ImgDisplayLayout, hScrollPos) == 36 &&
               offsetof(ImgDisplayLayout, centreOffsetX) == 60 && offsetof(ImgDisplayLayout, clientLeft) == 80 &&
               offsetof(ImgDisplayLayout, imageDpiX) == 112);

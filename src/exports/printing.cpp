@@ -71,17 +71,17 @@ BOOL VORELCALL PrintAbortProc(HDC, int code) {
   return flag_at_boundary([&] { return print::let_messages_through(code); });
 }
 
-BOOL VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM, LPARAM lParam) {
+INT_PTR VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM, LPARAM lParam) {
   return flag_at_boundary([&] { return print::follow_cancel_dialog(dialog, message, lParam); });
 }
 
-BOOL VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
+INT_PTR VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
   return flag_at_boundary([&] { return print::follow_page_dialog(dialog, message, wParam); });
 }
 
 int VORELCALL PrinterSetup(HWND owner) { return print::run_setup_dialog(owner, PrinterSetupProc); }
 
-BOOL VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
+INT_PTR VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
   return flag_at_boundary([&] { return print::follow_setup_dialog(dialog, message, wParam); });
 }
 

@@ -25,8 +25,8 @@ FolderName own_folder();
 // A module for a scope.
 class LoadedModule {
  public:
-  // Looks in one folder first and, if there is no file of this name, wherever the system looks. No file elsewhere can
-  // replace an installed module, not even one that does not load.
+  // Looks in one folder first, on Linux also in the folder vorel32 below it, and, if there is no file of this name, wherever the
+  // system looks. No file elsewhere can replace an installed module, not even one that does not load.
   explicit LoadedModule(const char* file_name, const FolderName& first = own_folder());
   LoadedModule(const LoadedModule&) = delete;
   LoadedModule& operator=(const LoadedModule&) = delete;

@@ -384,11 +384,11 @@ TEST_F(CliFormats, RunLengthCodesBehindAShortTableAreExpanded) {
 // reports success.
 TEST_F(CliFormats, MissingAndFalseModulesAreReported) {
 #ifdef _WIN32
-  const std::string tool = "vorel.exe", library = "VOREL32.DLL";
+  const std::string tool = "vorel.exe";
 #else
-  const std::string tool = "vorel", library = "libvorel32.so.5";
+  const std::string tool = "vorel";
 #endif
-  for (const std::string& file : {tool, library}) fs::copy_file(program_folder() / file, at(file));
+  for (const std::string& file : {tool, std::string(VOREL_FILE_NAME)}) fs::copy_file(program_folder() / file, at(file));
   for (const auto& [built, name] : {std::pair("FALSE_SAVER", "WERT"), std::pair("WERT32", "WERT32")})
     fs::copy_file(program_folder() / (std::string(built) + kModuleEnding), at(std::string(name) + kModuleEnding));
   const std::string gif = put("in.gif", {'G', 'I', 'F', '8', '9', 'a'});

@@ -3,7 +3,7 @@
 # Windows modules import from system DLLs only.
 # usage: export_table.sh SOURCE_FOLDER BUILD_FOLDER C_COMPILER NM OBJECTS_OF_EXPORTS...
 set -euo pipefail
-source=$1 build=$2 compiler=$3 nm=$4
+source=$1 build=$2 compiler=$3 nm=$4 objdump=${4%nm}objdump
 objects=("${@:5}")
 table=$source/src/exports/exports.txt
 scratch=$(mktemp -d)
@@ -24,16 +24,16 @@ rows_of() { awk -F ' *[|] *' -v OFS='|' -v build="$1" '!/^#/ && ($2 == "both" ||
 
 # declared BUILD: the functions that the header declares for a build, as "result|name|parameters".
 declared() {
-  local convention=
-  [ "$1" = linux ] || convention='__attribute__\(\(__stdcall__\)\) '
+  local convention='(__attribute__\(\(__stdcall__\)\) )?'
   "$compiler" -E -xc -I"$source/include" "$source/include/vorel32.h" |
     awk '/^# / { ours = $3 ~ /vorel32\.h"$/; next } ours' | tr -s ' \n' ' ' | tr ';' '\n' |
     sed -E 's/.*__attribute__\(\(visibility\("default"\)\)\) //; s/^ //' |
-    sed -nE "s/^([A-Za-z_0-9]+\*?) $convention([A-Za-z_0-9]+)\(([^()]+)\)$/\1|\2|\3/p"
+    sed -nE "s/^([A-Za-z_0-9]+\*?) $convention([A-Za-z_0-9]+)\(([^()]+)\)$/\1|\3|\4/p"
 }
 
 windows_or_linux=linux
-[ ! -e "$build/bin/VOREL32.DLL" ] || windows_or_linux=windows
+name=$(cd "$build/bin" && ls | sed -n 's/^\(VOREL[0-9]*\)\.DLL$/\1/p')
+[ -z "$name" ] || windows_or_linux=windows
 rows_of $windows_or_linux >"$scratch/rows"
 cut -d '|' -f 2- "$scratch/rows" | LC_ALL=C sort >"$scratch/wanted"
 declared $windows_or_linux | LC_ALL=C sort >"$scratch/declared"
@@ -96,30 +96,34 @@ if [ $windows_or_linux = windows ]; then
   cut -d '|' -f 1 "$scratch/rows" >"$scratch/ordinals"
   expect_same "ordinals without a gap, in order" "$scratch/all" "$scratch/ordinals"
 
-  i686-w64-mingw32-objdump -p "$build/bin/VOREL32.DLL" >"$scratch/dll"
+  "$objdump" -p "$build/bin/$name.DLL" >"$scratch/dll"
   dll_exports "$scratch/dll" >"$scratch/exported"
   awk -F '|' '{ print $1, $3 }' "$scratch/rows" >"$scratch/wanted"
   expect_same "the DLL's names and ordinals" "$scratch/wanted" "$scratch/exported"
 
-  sed -nE 's/^  (.*@[0-9]+) @[0-9]+$/_\1/p' "$build/src/vorel32-decorated.def" | LC_ALL=C sort >"$scratch/wanted"
-  "$nm" --defined-only "${objects[@]}" | grep -oE '_[A-Za-z_0-9]+@[0-9]+$' | grep -vx '_DllMain@12' | LC_ALL=C sort >"$scratch/compiled"
-  expect_same "the stack bytes that the compiler gives each export" "$scratch/wanted" "$scratch/compiled"
+  if [ "$name" = VOREL32 ]; then
+    sed -nE 's/^  (.*@[0-9]+) @[0-9]+$/_\1/p' "$build/src/vorel32-decorated.def" | LC_ALL=C sort >"$scratch/wanted"
+    "$nm" --defined-only "${objects[@]}" | grep -oE '_[A-Za-z_0-9]+@[0-9]+$' | grep -vx '_DllMain@12' | LC_ALL=C sort >"$scratch/compiled"
+    expect_same "the stack bytes that the compiler gives each export" "$scratch/wanted" "$scratch/compiled"
+  fi
   foreign_imports "$scratch/dll" >"$scratch/foreign"
 
-  for name in $(cut -d' ' -f1 "$scratch/entries" | uniq); do
-    i686-w64-mingw32-objdump -p "$build/bin/$name.DLL" >"$scratch/module"
-    dll_exports "$scratch/module" | sed "s/^[0-9]* /$name /"
+  for module in $(cut -d' ' -f1 "$scratch/entries" | uniq); do
+    "$objdump" -p "$build/bin/$module.DLL" >"$scratch/module"
+    dll_exports "$scratch/module" | sed "s/^[0-9]* /$module /"
     foreign_imports "$scratch/module" >>"$scratch/foreign"
   done | LC_ALL=C sort >"$scratch/exported"
   expect_same "the entry points of the codec modules" "$scratch/entries" "$scratch/exported"
   expect_same "imports from system DLLs only" "$scratch/none" "$scratch/foreign"
 
-  # Microsoft's linker: object files ask for _Name@N, and the loader finds the plain name.
+  # Microsoft's linker: object files ask for decorated names, and the loader finds the plain ones.
+  machine=i686 without_handlers=(/safeseh:no)
+  [ "$name" = VOREL32 ] || machine=x86_64 without_handlers=()
   printf '#include <vorel32.h>\nint start(void) { char text[13]; GetImageVersion(text, 13); return ImgError(); }\n' >"$scratch/host.c"
-  clang --target=i686-w64-mingw32 -isystem /usr/share/mingw-w64/include -I"$source/include" -fno-stack-protector \
+  clang --target="$machine-w64-mingw32" -isystem /usr/share/mingw-w64/include -I"$source/include" -fno-stack-protector \
     -c "$scratch/host.c" -o "$scratch/host.obj"
-  lld-link /nologo /subsystem:console /entry:start /nodefaultlib /safeseh:no "$scratch/host.obj" "$build/bin/VOREL32.lib" "/out:$scratch/host.exe"
-  i686-w64-mingw32-objdump -p "$scratch/host.exe" | sed -n '/DLL Name: VOREL32/,/^$/p' |
+  lld-link /nologo /subsystem:console /entry:start /nodefaultlib "${without_handlers[@]}" "$scratch/host.obj" "$build/bin/$name.lib" "/out:$scratch/host.exe"
+  "$objdump" -p "$scratch/host.exe" | sed -n "/DLL Name: $name/,/^$/p" |
     grep -oE '(GetImageVersion|ImgError)$' | sort >"$scratch/imports"
   printf 'GetImageVersion\nImgError\n' >"$scratch/wanted"
   expect_same "Microsoft's linker's import library" "$scratch/wanted" "$scratch/imports"

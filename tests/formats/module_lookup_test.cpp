@@ -19,7 +19,6 @@ namespace fs = std::filesystem;
 namespace {
 
 #ifdef _WIN32
-constexpr const char* kLibrary = "VOREL32.DLL";
 
 // Notes what would be shown; real boxes take two seconds each on a screen without a window manager.
 class MessageBoxes {
@@ -40,7 +39,6 @@ class MessageBoxes {
 
 bool is_in_memory(const std::string& module) { return GetModuleHandleA(module.c_str()) != nullptr; }
 #else
-constexpr const char* kLibrary = "libvorel32.so.5";
 
 // Messages go to the standard error stream here, one a line.
 class MessageBoxes {
@@ -77,9 +75,9 @@ class ModuleLookup : public testing::Test {
   ModuleLookup() {
     fs::remove_all(folder_);
     fs::create_directories(folder_ / "current");
-    fs::copy_file(kBuilt / kLibrary, folder_ / kLibrary);
+    fs::copy_file(kBuilt / VOREL_FILE_NAME, folder_ / VOREL_FILE_NAME);
     fs::current_path(folder_);
-    library_.emplace(test::Module::Path{fs::path(".") / kLibrary});
+    library_.emplace(test::Module::Path{fs::path(".") / VOREL_FILE_NAME});
     fs::current_path("current");
   }
   ~ModuleLookup() override {
@@ -170,6 +168,19 @@ const struct {
     {"BRIX", "a.tga", IMG_FORMAT_TGA, 0, {"SaveDIBInTGAFormat a.tga dib7 0 1"}},
     {"KALO", "a.jpg", IMG_FORMAT_JPEG, 6, {"SaveDIBInJPEGFile a.jpg dib7 75"}},
 };
+
+#ifndef _WIN32
+TEST_F(ModuleLookup, ModulesMayHaveAFolderBelowTheLibrary) {
+  const auto load = library_->entry<decltype(&LoadImageIntoDIB)>("LoadImageIntoDIB");
+  fs::create_directory(folder_ / "vorel32");
+  put_module("RECORDER", folder_ / "vorel32", "KALO32");
+  put_file("a.jpg", kJpegStart);
+  EXPECT_NE(load("a.jpg", 1, nullptr), nullptr);
+  EXPECT_EQ(taken_calls(), Messages{"LoadJPEGIntoDIB a.jpg"});
+  put_file("../KALO32.so", "is no module");
+  EXPECT_EQ(load("a.jpg", 1, nullptr), nullptr) << "the library's folder comes first";
+}
+#endif
 
 TEST_F(ModuleLookup, AMissingModuleIsNamed) {
   for (const auto& row : kLoaded)

@@ -7,7 +7,9 @@
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 cd "$here/../.."
-if [ -z "${VOREL_WINE_SESSION:-}" ]; then exec ./tools/run-wine.sh --session "$here/user_interface.sh" "$@"; fi
+session=--session
+[ ! -e "${!#}/bin/VOREL64.DLL" ] || session=--session64
+if [ -z "${VOREL_WINE_SESSION:-}" ]; then exec ./tools/run-wine.sh $session "$here/user_interface.sh" "$@"; fi
 
 form=short
 if [ "${1:-}" = --whole ]; then form=whole; shift; fi

@@ -52,7 +52,7 @@ TEST(CodecModules, LeaveNothingBehindInTwoHundredPicturesOfEachFormat) {
 TEST(Library, LeavesNothingBehind) {
   const TempFolder folder;
   const std::filesystem::path copy = folder.path("COPY.DLL");
-  std::filesystem::copy_file(program_folder() / "VOREL32.DLL", copy);
+  std::filesystem::copy_file(program_folder() / VOREL_FILE_NAME, copy);
   expect_nothing_left(20, [&] { EXPECT_EQ(Module(Module::Path{copy}).entry<int(VORELCALL*)()>("ImgError")(), IMG_OK); });
 }
 

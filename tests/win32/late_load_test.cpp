@@ -3,7 +3,8 @@
 #include <map>
 #include <string>
 #include <vector>
-#include <windows.h>
+
+#include <vorel32.h>
 
 #include "win32/support/imports.h"
 
@@ -41,7 +42,7 @@ class TakenIndexes {
 // Which modules load while so many indexes are free.
 std::map<std::string, bool> loaded_with_indexes(size_t left) {
   std::map<std::string, bool> loaded{
-      {"VOREL32.DLL", false}, {"KALO.DLL", false}, {"MERV32.DLL", false}, {"WERT32.DLL", false}};
+      {VOREL_FILE_NAME, false}, {"KALO.DLL", false}, {"MERV32.DLL", false}, {"WERT32.DLL", false}};
   const TakenIndexes taken(left);
   for (auto& [name, is_loaded] : loaded) {
     const HMODULE module = LoadLibraryA(name.c_str());
@@ -54,12 +55,12 @@ std::map<std::string, bool> loaded_with_indexes(size_t left) {
 TEST(ThreadLocalStorage, WithoutAFreeIndexLoadingFailsAndTheProcessGoesOn) {
   using Loaded = std::map<std::string, bool>;
   EXPECT_EQ(loaded_with_indexes(0),
-            (Loaded{{"VOREL32.DLL", false}, {"KALO.DLL", false}, {"MERV32.DLL", false}, {"WERT32.DLL", false}}));
+            (Loaded{{VOREL_FILE_NAME, false}, {"KALO.DLL", false}, {"MERV32.DLL", false}, {"WERT32.DLL", false}}));
   const size_t free = TakenIndexes(0).count();
   EXPECT_EQ(loaded_with_indexes(1),
-            (Loaded{{"VOREL32.DLL", false}, {"KALO.DLL", true}, {"MERV32.DLL", true}, {"WERT32.DLL", true}}));
+            (Loaded{{VOREL_FILE_NAME, false}, {"KALO.DLL", true}, {"MERV32.DLL", true}, {"WERT32.DLL", true}}));
   EXPECT_EQ(loaded_with_indexes(2),
-            (Loaded{{"VOREL32.DLL", true}, {"KALO.DLL", true}, {"MERV32.DLL", true}, {"WERT32.DLL", true}}));
+            (Loaded{{VOREL_FILE_NAME, true}, {"KALO.DLL", true}, {"MERV32.DLL", true}, {"WERT32.DLL", true}}));
   EXPECT_EQ(TakenIndexes(0).count(), free) << "refused DLLs keep no index";
 }
 
@@ -97,7 +98,7 @@ class OlderThread {
 
 TEST(OlderThreads, GetTheirContextOnFirstUseOrEnd) {
   OlderThread lucky, unlucky;
-  HMODULE library = LoadLibraryA("VOREL32.DLL");
+  HMODULE library = LoadLibraryA(VOREL_FILE_NAME);
   ASSERT_NE(library, nullptr);
   img_error = reinterpret_cast<int(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(library, "ImgError")));
   set_img_error = reinterpret_cast<int(WINAPI*)(int)>(reinterpret_cast<void*>(GetProcAddress(library, "SetImgError")));

@@ -104,7 +104,7 @@ TEST_F(Printing, DialogGivesItsChoicesBack) {
     EXPECT_EQ(text_of(window, kPrinters), printer_name(600));
     press(window, IDOK);
   });
-  HINSTANCE library = GetModuleHandleA("VOREL32.DLL");
+  HINSTANCE library = GetModuleHandleA(VOREL_FILE_NAME);
   HDC dc = reinterpret_cast<HDC>(DialogBoxParamA(library, "PRINTPAGE", owner_, PrintPageProc, 0));
   EXPECT_TRUE(again.was_there());
   EXPECT_EQ(GetDeviceCaps(dc, LOGPIXELSX), 600);

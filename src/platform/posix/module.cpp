@@ -8,10 +8,19 @@
 namespace vorel {
 namespace {
 
+// Where the library is installed among others, its modules have a folder of their own below.
+constexpr const char* kModuleFolders[] = {"", "vorel32/"};
+
 void* load(const char* file_name, const FolderName& first) {
-  const std::string installed = first + file_name;
-  const bool is_there = !first.empty() && access(installed.c_str(), F_OK) == 0;
-  return dlopen(is_there ? installed.c_str() : file_name, RTLD_NOW | RTLD_LOCAL);
+  std::string found = file_name;
+  for (const char* folder : kModuleFolders) {
+    const std::string installed = first + folder + file_name;
+    if (!first.empty() && access(installed.c_str(), F_OK) == 0) {
+      found = installed;
+      break;
+    }
+  }
+  return dlopen(found.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
 }  // namespace

@@ -94,6 +94,9 @@ DWORD WINAPI take_index() {
   return index;
 }
 
+// The libraries take theirs as they begin on 32-bit Windows, and with the first exception on 64-bit Windows.
+constexpr bool kExceptionTakesIndex = sizeof(void*) == 8;
+
 bool reserve_index() {
   reserved = take_index();
   return reserved != TLS_OUT_OF_INDEXES;
@@ -155,12 +158,18 @@ void __wrap_free(void* block) {
 
 }  // extern "C"
 
-// Calls of these functions in this DLL go through these pointers instead of the import library's.
+// Calls of these functions in this DLL go through these pointers instead of the import library's, whose names on 32-bit Windows have
+// the size of the arguments.
+#ifdef __i386__
+#define VOREL_IMPORT(name, bytes) __asm__("__imp__" name "@" bytes)
+#else
+#define VOREL_IMPORT(name, bytes) __asm__("__imp_" name)
+#endif
 extern "C" {
-extern decltype(&begin_section) const import_of_begin_section __asm__("__imp__InitializeCriticalSection@4") = begin_section;
-extern decltype(&end_section) const import_of_end_section __asm__("__imp__DeleteCriticalSection@4") = end_section;
-extern decltype(&take_index) const import_of_tls_alloc __asm__("__imp__TlsAlloc@0") = take_index;
-extern decltype(&free_index) const import_of_tls_free __asm__("__imp__TlsFree@4") = free_index;
+extern decltype(&begin_section) const import_of_begin_section VOREL_IMPORT("InitializeCriticalSection", "4") = begin_section;
+extern decltype(&end_section) const import_of_end_section VOREL_IMPORT("DeleteCriticalSection", "4") = end_section;
+extern decltype(&take_index) const import_of_tls_alloc VOREL_IMPORT("TlsAlloc", "0") = take_index;
+extern decltype(&free_index) const import_of_tls_free VOREL_IMPORT("TlsFree", "4") = free_index;
 }
 
 // Destructors of static objects run within the runtime's entry point, so nothing of the DLL runs after it. The end of a
@@ -171,7 +180,8 @@ extern "C" BOOL WINAPI enter_dll(HINSTANCE module, DWORD reason, LPVOID process_
   if (!attached) return FALSE;
   const BOOL accepted = DllMainCRTStartup(module, reason, process_ends);
   if (reason == DLL_PROCESS_ATTACH && accepted) {
-    if (was_short) return FALSE;  // the system's detach notice follows
+    const bool has_index = !kExceptionTakesIndex || reserved != TLS_OUT_OF_INDEXES || reserve_index();
+    if (was_short || !has_index) return FALSE;  // the system's detach notice follows
     set_up_exceptions();
   }
   if (reason == DLL_PROCESS_DETACH && process_ends == nullptr) {

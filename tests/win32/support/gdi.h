@@ -62,9 +62,15 @@ inline size_t gdi_objects() {
     uint64_t user;
   };
   static_assert(sizeof(Entry) == 24);
-  constexpr size_t kProcessBlockInThreadBlock = 0x30, kTableInProcessBlock = 0x94, kEntries = 65'536;
+  constexpr size_t kEntries = 65'536;
   const uint8_t* process_block;
-  __asm__("movl %%fs:(%1), %0" : "=r"(process_block) : "r"(kProcessBlockInThreadBlock));
+#ifdef _WIN64
+  constexpr size_t kTableInProcessBlock = 0xF8;
+  __asm__("movq %%gs:0x60, %0" : "=r"(process_block));
+#else
+  constexpr size_t kTableInProcessBlock = 0x94;
+  __asm__("movl %%fs:0x30, %0" : "=r"(process_block));
+#endif
   const Entry* table = *reinterpret_cast<const Entry* const*>(process_block + kTableInProcessBlock);
   size_t count = 0;
   for (size_t i = 0; i < kEntries; ++i) count += table[i].type != 0;

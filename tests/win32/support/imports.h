@@ -1,9 +1,10 @@
-// Stands in for functions that VOREL32.DLL or another module imports, to make them fail or to watch them.
+// Stands in for functions that the library or another module imports, to make them fail or to watch them.
 #pragma once
 
 #include <cstring>
 #include <stdexcept>
-#include <windows.h>
+
+#include <vorel32.h>
 
 namespace test {
 
@@ -36,10 +37,10 @@ inline void* exchange_import(void** slot, void* function) {
   return before;
 }
 
-// The first slot of VOREL32.DLL for a function.
+// The first slot of the library for a function.
 inline void** import_slot(const char* function) {
   void** found = nullptr;
-  for_each_import(GetModuleHandleA("VOREL32.DLL"), [&](const char* name, void** slot) {
+  for_each_import(GetModuleHandleA(VOREL_FILE_NAME), [&](const char* name, void** slot) {
     if (found == nullptr && std::strcmp(name, function) == 0) found = slot;
   });
   if (found == nullptr) throw std::runtime_error(function);

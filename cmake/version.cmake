@@ -1,0 +1,23 @@
+# The last number of file versions on Windows. It tells builds of one version apart.
+set(VOREL_BUILD 0 CACHE STRING "Number of this build, 0 to 65535, in the version of every Windows file")
+
+# vorel_version(TARGET DESCRIPTION): gives a Windows program or DLL its version resource. Does nothing for other systems.
+function(vorel_version target description)
+  if(NOT WIN32)
+    return()
+  endif()
+  get_target_property(name ${target} OUTPUT_NAME)
+  get_target_property(suffix ${target} SUFFIX)
+  get_target_property(type ${target} TYPE)
+  set(file_type VFT_DLL)
+  if(type STREQUAL "EXECUTABLE")
+    set(file_type VFT_APP)
+    set(suffix .exe)
+  endif()
+  if(NOT name)
+    set(name ${target})
+  endif()
+  set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}-version.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource} @ONLY)
+  target_sources(${target} PRIVATE ${resource})
+endfunction()
