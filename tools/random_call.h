@@ -38,6 +38,17 @@ struct Library {
 
 #undef ENTRY
 
+// Where lines go: to a text of the program's, or else to standard output.
+inline std::string* told_text = nullptr;
+
+template <class... Values>
+void tell(fmt::format_string<Values...> format, Values&&... values) {
+  if (told_text != nullptr)
+    fmt::format_to(std::back_inserter(*told_text), format, std::forward<Values>(values)...);
+  else
+    fmt::print(format, std::forward<Values>(values)...);
+}
+
 inline uint64_t hash_of(std::span<const uint8_t> bytes) {
   uint64_t hash = 0xCBF29CE484222325;
   for (const uint8_t byte : bytes) hash = (hash ^ byte) * 0x100000001B3;
@@ -73,16 +84,16 @@ class Call {
     const RandomPicture drawn = random_picture(random, depths);
     header_ = drawn.header;
     const int kind = random.between(0, 299);
-    if (kind == 0) return fmt::print(" [null]"), nullptr;
+    if (kind == 0) return tell(" [null]"), nullptr;
     HGLOBAL handle = block(drawn.bytes, drawn.name);
-    if (kind == 1) fmt::print(" [freed]"), sources_.back().is_dead = true;
+    if (kind == 1) tell(" [freed]"), sources_.back().is_dead = true;
     return handle;
   }
   // The last picture's.
   const BITMAPINFOHEADER& header() const { return header_; }
 
   HGLOBAL block(const Bytes& bytes, std::string_view name) {
-    fmt::print(" [{}]", name);
+    tell(" [{}]", name);
     HGLOBAL handle = library_.GlobalAlloc(GHND, bytes.size());
     if (void* data = library_.GlobalLock(handle)) std::memcpy(data, bytes.data(), bytes.size());
     library_.GlobalUnlock(handle);
@@ -90,28 +101,28 @@ class Call {
     return handle;
   }
 
-  int told(int value) { return fmt::print(" {}", value), value; }
+  int told(int value) { return tell(" {}", value), value; }
   int number(int low, int high) { return told(random.number(low, high)); }
 
   // Flushes, so that a call that ends the program can be identified.
   void begin() {
-    fmt::print(" ->");
+    tell(" ->");
     std::fflush(stdout);
     for (Source& source : sources_)  // Last, since a new block could take over the handle.
       if (source.is_dead) library_.GlobalFree(std::exchange(source.block, nullptr));
     library_.SetImgError(kCodeBefore);
   }
 
-  void show(HGLOBAL handle) { handle == nullptr ? fmt::print(" null") : show_bytes(content(handle)); }
+  void show(HGLOBAL handle) { handle == nullptr ? tell(" null") : show_bytes(content(handle)); }
   // Prints a result block and frees it.
   void result(HGLOBAL handle) {
-    if (is_source(handle)) return fmt::print(" in place");
+    if (is_source(handle)) return tell(" in place");
     show(handle);
     library_.GlobalFree(handle);
   }
   template <std::integral Number>
   void result(Number value) {
-    value == kUntouched ? fmt::print(" -") : fmt::print(" {}", value);
+    value == kUntouched ? tell(" -") : tell(" {}", value);
   }
   template <class Number, size_t kCount>
   void results(const std::array<Number, kCount>& values) {
@@ -120,10 +131,10 @@ class Call {
 
   // Prints the thread's code, and whether the source blocks changed or stayed locked.
   void end() {
-    fmt::print(" code {}", library_.ImgError());
+    tell(" code {}", library_.ImgError());
     for (const Source& source : sources_)
       if (source.block != nullptr) show_source(source);
-    fmt::print("\n");
+    tell("\n");
   }
 
  private:
@@ -143,14 +154,14 @@ class Call {
     library_.GlobalUnlock(handle);
     return bytes;
   }
-  static void show_bytes(const Bytes& bytes) { fmt::print(" {}:{:016x}", bytes.size(), hash_of(bytes)); }
+  static void show_bytes(const Bytes& bytes) { tell(" {}:{:016x}", bytes.size(), hash_of(bytes)); }
   void show_source(const Source& source) const {
     library_.GlobalLock(source.block);
     int locks_left = 0;
     while (library_.GlobalUnlock(source.block)) ++locks_left;
-    if (locks_left > 0) fmt::print(" locks {}", locks_left);
+    if (locks_left > 0) tell(" locks {}", locks_left);
     const Bytes now = content(source.block);
-    now == source.bytes ? fmt::print(" same") : show_bytes(now);
+    now == source.bytes ? tell(" same") : show_bytes(now);
   }
 
   const Library& library_;

@@ -1,0 +1,62 @@
+// Checks an installed library on the machine at hand, and writes a report that can be sent in.
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+
+#include "selftest/checks.h"
+
+namespace {
+
+using namespace vorel::selftest;
+
+struct Options {
+  std::string report = "vorel-selftest.txt";
+  bool prints = false, skips_clipboard = false;
+};
+
+void check_all(Report& report, const Options& options) {
+  const Library library(test::program_folder() / VOREL_FILE_NAME);
+  describe_machine(report, library);
+  check_exports(report, library);
+  check_arithmetic(report, library);
+  check_formats(report, library);
+  check_devices(report, library);
+  check_window(report, library);
+  if (!options.skips_clipboard) check_clipboard(report, library);
+  check_printers(report, library, options.prints);
+}
+
+// A program that was started by a click has a console of its own, which closes with it.
+bool has_own_console() {
+  DWORD process = 0;
+  return GetConsoleProcessList(&process, 1) == 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app("Checks the Vorel32 library on this machine and writes a report.");
+  app.allow_windows_style_options(false);
+  app.add_option("--report", options.report, "file for the report")->capture_default_str();
+  app.add_flag("--print", options.prints, "print a page on the default printer");
+  app.add_flag("--no-clipboard", options.skips_clipboard,
+               "leave the clipboard alone; else its text is put back, pictures are not");
+  CLI11_PARSE(app, argc, argv);
+
+  Report report;
+  report.line("Vorel32 self-test");
+  try {
+    check_all(report, options);
+  } catch (const std::exception& failure) {
+    report.check("the library", false, std::string("does not load, or has no ") + failure.what());
+  }
+  report.line(fmt::format("\n{} checks, {} failed", report.checks(), report.faults()));
+  std::ofstream(options.report, std::ios::binary) << report.text();
+  std::printf("The report is in %s; please send it in if a check failed.\n", options.report.c_str());
+  if (has_own_console()) {
+    std::printf("Press Enter to end.\n");
+    std::cin.get();
+  }
+  return report.faults() == 0 ? 0 : 1;
+}

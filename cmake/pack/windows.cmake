@@ -1,0 +1,21 @@
+# The zip and the installer for Windows, each with everything.
+set(CPACK_GENERATOR ZIP NSIS)
+set(CPACK_MONOLITHIC_INSTALL ON)
+set(CPACK_PACKAGE_FILE_NAME vorel32-${PROJECT_VERSION}-win${bits})
+# Both can be installed side by side.
+set(CPACK_PACKAGE_INSTALL_DIRECTORY Vorel${bits})
+set(CPACK_PACKAGE_INSTALL_REGISTRY_KEY vorel32-win${bits})
+set(CPACK_NSIS_INSTALL_ROOT "$PROGRAMFILES")
+if(bits EQUAL 64)
+  set(CPACK_NSIS_INSTALL_ROOT "$PROGRAMFILES64")
+endif()
+set(CPACK_NSIS_DISPLAY_NAME "Vorel32 ${PROJECT_VERSION} (${bits}-bit)")
+set(CPACK_NSIS_PACKAGE_NAME "${CPACK_NSIS_DISPLAY_NAME}")
+set(CPACK_PACKAGE_EXECUTABLES vorelview "Vorel Viewer (${bits}-bit)")
+set(CPACK_NSIS_UNINSTALL_NAME Uninstall)
+set(CPACK_NSIS_INSTALLED_ICON_NAME "bin\\vorelview.exe")
+set(CPACK_NSIS_ENABLE_UNINSTALL_BEFORE_INSTALL ON)
+# The template leaves the key of the vendor behind.
+set(CPACK_NSIS_EXTRA_UNINSTALL_COMMANDS
+    "DeleteRegKey SHCTX \"Software\\${CPACK_PACKAGE_VENDOR}\\${CPACK_PACKAGE_INSTALL_REGISTRY_KEY}\"
+  DeleteRegKey /ifempty SHCTX \"Software\\${CPACK_PACKAGE_VENDOR}\"")

@@ -1,0 +1,66 @@
+#!/usr/bin/env bash
+# Makes everything that is handed out, from the last commit, into dist/: for 32-bit and 64-bit Windows a zip and an installer, packages
+# for Debian, the source, and SHA256SUMS. Builds in a folder of its own, so that nothing else gets in.
+# usage: release.sh [--twice]
+#   --twice  makes all of it in two folders and compares the sums
+# environment:
+#   VOREL_SIGN_WITH      PKCS#12 file; Windows programs, DLLs and installers are signed with its key. Then --twice finds differences
+#   VOREL_SIGN_PASSWORD  its password
+set -euo pipefail
+cd "$(dirname "$0")/.."
+root=$PWD
+fail() { printf 'release: %s\n' "$*" >&2; exit 1; }
+say() { printf 'release: %s\n' "$*"; }
+
+times=1
+case ${1:-} in
+  '') ;;
+  --twice) times=2 ;;
+  *) sed -n '2,/^set /{/^set /d;s/^# \{0,1\}//;p}' "$0"; exit 2 ;;
+esac
+
+./tools/setup.sh --release
+version=$(sed -nE 's/^project\(vorel32 VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
+number=$(git rev-list --count HEAD)
+SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C.UTF-8
+umask 022
+
+# packages FOLDER PRESET OPTION...: builds a preset of the source in FOLDER and packs it.
+packages() {
+  local source=$1 preset=$2 log=$1/$2.log
+  shift 2
+  say "$preset (log: $log)"
+  (cd "$source" && cmake --preset "$preset" -DVOREL_TESTS=OFF -DVOREL_BENCH=OFF -DVOREL_BUILD="$number" \
+    -DVOREL_SIGN_WITH="${VOREL_SIGN_WITH:-}" "$@" && cmake --build "build/$preset" -j2 && cd "build/$preset" && cpack) >"$log" 2>&1 ||
+    { tail -n 30 "$log" >&2; fail "$preset cannot be packed"; }
+}
+
+# make_all FOLDER: everything, in FOLDER/dist.
+make_all() {
+  local source=$1/vorel32-$version
+  mkdir -p "$1/dist" "$source"
+  git archive --format=tar --prefix="vorel32-$version/" HEAD | gzip -9n >"$1/dist/vorel32-$version.tar.gz"
+  tar -xzf "$1/dist/vorel32-$version.tar.gz" -C "$1"
+  mkdir -p "$source/build"
+  cp -a build/codecs-* "$source/build/"
+  packages "$source" win32
+  packages "$source" win64
+  packages "$source" native -DVOREL_DEBIAN=ON -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_INSTALL_LIBDIR="lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)"
+  find "$source"/build/*/packages -maxdepth 1 -name '*.zip' -o -maxdepth 1 -name '*.exe' -o -maxdepth 1 -name '*.deb' |
+    xargs cp -t "$1/dist"
+  (cd "$1/dist" && sha256sum -- * >SHA256SUMS)
+}
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+make_all "$work/first folder"
+if [ "$times" = 2 ]; then
+  make_all "$work/second"
+  diff "$work/first folder/dist/SHA256SUMS" "$work/second/dist/SHA256SUMS" || fail "the sums differ between two folders"
+  say "the same sums from two folders"
+fi
+rm -rf "$root/dist"
+cp -r "$work/first folder/dist" "$root/dist"
+say "made, in dist/:"
+cat "$root/dist/SHA256SUMS"
