@@ -13,7 +13,7 @@ for file in "${files[@]}"; do
   name=$(basename "$file")
   strings -el "$file" >"$scratch/texts"
   after() { grep -Fx -A1 "$1" "$scratch/texts" | tail -n 1; }
-  found="$(after FileVersion), $(after OriginalFilename), $("$objdump" -p "$file" | sed -nE 's/^Time\/Date\s+(.*)/\1/p' | tr -s ' ')"
+  found="$(after FileVersion), $(after OriginalFilename), $("$objdump" -p "$file" | sed -nE 's/^Time\/Date\t+(.*)/\1/p' | tr -s ' ')"
   wanted="$version, $name, Thu Jan 1 00:00:00 1970"
   [ "$found" = "$wanted" ] || { echo "FAILED: $name: $found, not $wanted"; failed=1; }
   [ -n "$(after FileDescription)" ] || { echo "FAILED: $name says nothing about itself"; failed=1; }
