@@ -48,6 +48,21 @@ WINDOWS_STRUCTURES = (
     Structure("POINT", (Field("LONG", "x", 0), Field("LONG", "y", 0))),
     Structure("RECT", tuple(Field("LONG", side, 0) for side in ("left", "top", "right", "bottom"))),
     Structure("RGBQUAD", tuple(Field("BYTE", "rgb" + part, 0) for part in ("Blue", "Green", "Red", "Reserved"))),
+    Structure(
+        "BITMAPINFOHEADER",
+        tuple(
+            Field(type_, "bi" + name, 0)
+            for type_, names in (
+                ("DWORD", "Size"),
+                ("LONG", "Width Height"),
+                ("WORD", "Planes BitCount"),
+                ("DWORD", "Compression SizeImage"),
+                ("LONG", "XPelsPerMeter YPelsPerMeter"),
+                ("DWORD", "ClrUsed ClrImportant"),
+            )
+            for name in names.split()
+        ),
+    ),
 )
 
 

@@ -6,8 +6,8 @@ FILE = "Vorel32.cs"
 _HANDLES = "HGLOBAL HBITMAP HPALETTE HWND HDC HANDLE".split()
 _VALUES = {
     "void": "void", "int": "int", "unsigned": "uint", "UINT": "uint", "short": "short", "WORD": "ushort", "BYTE": "byte",
-    "LONG": "int", "HFILE": "int", "BOOL": "bool", "size_t": "UIntPtr", "WPARAM": "UIntPtr", "LPARAM": "IntPtr", "LRESULT": "IntPtr",
-    "INT_PTR": "IntPtr", "void*": "IntPtr",
+    "LONG": "int", "DWORD": "uint", "HFILE": "int", "BOOL": "bool", "size_t": "UIntPtr", "WPARAM": "UIntPtr", "LPARAM": "IntPtr",
+    "LRESULT": "IntPtr", "INT_PTR": "IntPtr", "void*": "IntPtr",
     **dict.fromkeys(_HANDLES, "IntPtr"),
 }  # fmt: skip
 _KEYWORDS = {"base", "operator", "in", "out", "ref", "params", "event", "object", "string", "lock"}

@@ -8,7 +8,7 @@ _VALUES = {
     "int": "Integer", "unsigned": "LongWord", "UINT": "LongWord", "BOOL": "LongBool", "short": "SmallInt", "WORD": "Word",
     "BYTE": "Byte", "HFILE": "Integer", "size_t": "TVorelWord", "WPARAM": "TVorelWord", "LPARAM": "TVorelInt", "LRESULT": "TVorelInt",
     "INT_PTR": "TVorelInt", "LPCSTR": "PAnsiChar", "char*": "PAnsiChar", "void*": "Pointer", "RECT": "TRect", "POINT": "TPoint",
-    "RGBQUAD": "TImgColour",
+    "RGBQUAD": "TImgColour", "BITMAPINFOHEADER": "TImgHeader",
     **dict.fromkeys(_HANDLES, "TVorelHandle"),
 }  # fmt: skip
 _POINTERS = {
@@ -59,6 +59,14 @@ type
     Blue, Green, Red, Reserved: Byte;
   end;
   PImgColour = ^TImgColour;
+  TImgHeader = record
+    biSize: LongWord;
+    biWidth, biHeight: LongInt;
+    biPlanes, biBitCount: Word;
+    biCompression, biSizeImage: LongWord;
+    biXPelsPerMeter, biYPelsPerMeter: LongInt;
+    biClrUsed, biClrImportant: LongWord;
+  end;
 """
 
 

@@ -6,8 +6,8 @@ FILE = "vorel32_ctypes.py"
 _HANDLES = "HGLOBAL HBITMAP HPALETTE HWND HDC HANDLE".split()
 _VALUES = {
     "void": "None", "int": "c_int", "unsigned": "c_uint", "UINT": "c_uint", "BOOL": "c_int", "short": "c_short", "WORD": "c_uint16",
-    "BYTE": "c_uint8", "LONG": "c_int32", "HFILE": "c_int", "size_t": "c_size_t", "WPARAM": "c_size_t", "LPARAM": "c_ssize_t",
-    "LRESULT": "c_ssize_t", "INT_PTR": "c_ssize_t", "LPCSTR": "c_char_p", "char*": "c_char_p", "void*": "c_void_p",
+    "BYTE": "c_uint8", "LONG": "c_int32", "DWORD": "c_uint32", "HFILE": "c_int", "size_t": "c_size_t", "WPARAM": "c_size_t",
+    "LPARAM": "c_ssize_t", "LRESULT": "c_ssize_t", "INT_PTR": "c_ssize_t", "LPCSTR": "c_char_p", "char*": "c_char_p", "void*": "c_void_p",
     **dict.fromkeys(_HANDLES, "c_void_p"),
 }  # fmt: skip
 
@@ -20,7 +20,8 @@ Handles are integers, None is NULL; paths and texts are bytes. The library lies 
 import ctypes
 import os
 import sys
-from ctypes import POINTER, Structure, c_char_p, c_int, c_int32, c_short, c_size_t, c_ssize_t, c_uint, c_uint8, c_uint16, c_void_p
+from ctypes import POINTER, Structure, c_char_p, c_int, c_int32, c_short, c_size_t, c_ssize_t, c_uint, c_uint8, c_uint16, c_uint32
+from ctypes import c_void_p
 
 IS_WINDOWS = sys.platform == "win32"
 

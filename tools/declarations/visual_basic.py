@@ -3,7 +3,7 @@
 from contract import WINDOWS_STRUCTURES, pointee
 
 FILE = "vorel32.bas"
-_LONGS = "int unsigned UINT BOOL LONG HFILE HGLOBAL HBITMAP HPALETTE HWND HDC HANDLE WPARAM LPARAM LRESULT INT_PTR size_t void*".split()
+_LONGS = "int unsigned UINT BOOL LONG DWORD HFILE HGLOBAL HBITMAP HPALETTE HWND HDC HANDLE WPARAM LPARAM LRESULT INT_PTR size_t void*".split()
 _VALUES = {**dict.fromkeys(_LONGS, "Long"), "short": "Integer", "WORD": "Integer", "BYTE": "Byte"}
 _TYPES = {"POINT": "POINTAPI"}  # Point is a method of forms
 _KEYWORDS = {"type", "option", "end", "error", "line", "next", "name", "base"}
