@@ -8,10 +8,6 @@
 
 #include <vorel32.h>
 
-#ifndef VOREL_FILE_NAME
-#define VOREL_FILE_NAME "VOREL32.DLL"
-#endif
-
 typedef struct Example {
   const char* name;         // the function
   int depth;                // bits per pixel of the picture that it gets
