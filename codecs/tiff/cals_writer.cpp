@@ -9,14 +9,7 @@ namespace {
 
 constexpr int kMostPixels = 999'999;  // per side: the header has six digits
 
-std::vector<uint8_t> group4_data(const SourceDib& dib) {
-  MemoryBytes bytes;
-  const TiffHandle tiff(bytes, "wl");
-  write_picture(tiff, dib, group4_encoding(dib));
-  tiff.check(TIFFFlushData(tiff.get()) != 0);
-  const auto begin = bytes.content().begin() + static_cast<std::ptrdiff_t>(TIFFGetStrileOffset(tiff.get(), 0));
-  return {begin, begin + static_cast<std::ptrdiff_t>(TIFFGetStrileByteCount(tiff.get(), 0))};
-}
+bool white_bit(const SourceDib& dib) { return brightness_of(dib.colors()[1]) > brightness_of(dib.colors()[0]); }
 
 // The format requires a density: an unknown resolution becomes the usual one of scanners.
 int density_of(Resolution resolution) {
@@ -55,7 +48,7 @@ std::vector<uint8_t> cals_file(const SourceDib& dib) {
   if (dib.width() > kMostPixels || dib.height() > kMostPixels) fail(IMG_E_DIB_SIZE);
   const std::string header = header_of(dib);
   std::vector<uint8_t> file(header.begin(), header.end());
-  const std::vector<uint8_t> data = group4_data(dib);
+  const std::vector<uint8_t> data = group4_data(dib, white_bit(dib));
   file.insert(file.end(), data.begin(), data.end());
   return file;
 }

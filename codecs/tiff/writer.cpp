@@ -5,6 +5,7 @@
 
 #include "tiff/directories.h"
 #include "tiff/group3.h"
+#include "tiff/group4.h"
 
 namespace codec {
 namespace {
@@ -201,14 +202,20 @@ Encoding encoding_for(const SourceDib& dib, int compression) {
   return encoding;
 }
 
-Encoding group4_encoding(const SourceDib& dib) {
-  return {.compression = COMPRESSION_CCITTFAX4,
-          .photometric = PHOTOMETRIC_MINISWHITE,
-          .is_complemented = brightness_of(dib.colors()[1]) > brightness_of(dib.colors()[0])};
+std::vector<uint8_t> group4_data(const SourceDib& dib, bool white) {
+  Group4Encoder encoder(dib.width(), white);
+  for (int y = 0; y < dib.height(); ++y) encoder.add_row(dib.row_from_top(y));
+  return encoder.finish();
 }
 
 void write_picture(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding) {
   set_tags(tiff, dib, encoding);
+  if (encoding.compression == COMPRESSION_CCITTFAX4) {
+    std::vector<uint8_t> data = group4_data(dib, encoding.is_complemented);
+    const auto size = static_cast<tmsize_t>(data.size());
+    tiff.check(TIFFWriteRawStrip(tiff.get(), 0, data.data(), size) == size);
+    return;
+  }
   std::vector<uint8_t> row;  // a copy, since the library changes rows while it encodes them
   std::vector<uint8_t> tile;
   for (int y = 0; y < dib.height(); ++y) {
