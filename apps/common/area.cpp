@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -132,36 +132,64 @@ bool set_wins_ties(const Picture& picture) {
   return brightness(1) < brightness(0);
 }
 
-// The number of set bits among `count` pixels.
-int count_bits(std::span<const uint8_t> row, int first, int count) {
-  constexpr int kInWord = 56;  // pixels that a word has wherever they begin
-  int bits = 0;
-  for (; count > 0; first += kInWord, count -= kInWord)
-    bits += std::popcount(first_of(pixels_at(row, static_cast<size_t>(first / 8)) << first % 8, std::min(count, kInWord)));
-  return bits;
-}
+// The covered parts of set pixels in a row of old pixels: pixels count as whole ones until the parts outside are taken off.
+class PartsAcross {
+ public:
+  PartsAcross(int before, int after) : covers_(covers_of(before, after)), parts_(static_cast<uint32_t>(after)) {
+    if (std::ranges::all_of(covers_, [](const Cover& cover) { return cover.pixels() <= kFew; }))
+      for (const Cover& cover : covers_) few_.push_back(parts_of_few(cover));
+  }
 
-// Whether all pixels under a new one are set, or none; no answer if there are more than a word holds wherever they begin.
-enum class Agreement { kAllSet, kNoneSet, kUnknown };
-Agreement agreement_of(std::span<const uint8_t> any, std::span<const uint8_t> all, const Cover& cover) {
-  constexpr int kInWord = 56;
-  const int count = cover.pixels();
-  if (count > kInWord) return Agreement::kUnknown;
-  const auto covered = [&](std::span<const uint8_t> row) {
-    return first_of(pixels_at(row, static_cast<size_t>(cover.first / 8)) << cover.first % 8, count);
-  };
-  if (covered(any) == 0) return Agreement::kNoneSet;
-  return first_of(~covered(all), count) == 0 ? Agreement::kAllSet : Agreement::kUnknown;
-}
+  const Cover& operator[](int x) const { return covers_[static_cast<size_t>(x)]; }
 
-// Gives each new pixel the colour that covers more of it. Nothing is counted where all old pixels under a byte of the result
-// have one colour, as on most of a page.
+  // Whether no new pixel covers more than a few old ones.
+  bool has_few() const { return !few_.empty(); }
+  // For a word that begins at the new pixel's first old one.
+  uint32_t of_few(int x, uint64_t pixels) const { return few_[static_cast<size_t>(x)][pixels >> (64 - kFew)]; }
+
+  uint64_t of(int x, std::span<const uint8_t> row) const {
+    const Cover& cover = (*this)[x];
+    uint64_t sum = 0;
+    int first = cover.first;
+    for (int count = cover.pixels(); count > 0; first += kInWord, count -= kInWord)
+      sum += uint64_t{parts_} * static_cast<uint64_t>(count_ones(pixels_under(row, first, std::min(count, kInWord))));
+    if (cover.head > 0) sum -= (parts_ - cover.head) * Pixel<1>::load(row.data(), cover.first);
+    if (cover.tail > 0) sum -= (parts_ - cover.tail) * Pixel<1>::load(row.data(), cover.last());
+    return sum;
+  }
+
+  static constexpr int kInWord = 56;  // pixels that a word has wherever they begin
+
+  static uint64_t pixels_under(std::span<const uint8_t> row, int first, int count) {
+    return first_of(pixels_at(row, static_cast<size_t>(first / 8)) << first % 8, count);
+  }
+
+ private:
+  static constexpr int kFew = 3;
+  using PartsOfFew = std::array<uint32_t, 1 << kFew>;  // for each pattern of pixels, the first one in the highest bit
+
+  PartsOfFew parts_of_few(const Cover& cover) const {
+    PartsOfFew sums{};
+    for (uint32_t pattern = 0; pattern < sums.size(); ++pattern)
+      for_each_covered(cover, parts_, [&](int x, uint32_t parts) {
+        if ((pattern >> (kFew - 1 - (x - cover.first)) & 1) != 0) sums[pattern] += parts;
+      });
+    return sums;
+  }
+
+  std::vector<Cover> covers_;
+  std::vector<PartsOfFew> few_;
+  uint32_t parts_;  // of a whole old pixel
+};
+
+// Gives each new pixel the colour that covers more of it. Nothing is counted where all old pixels under eight new ones have one colour,
+// as on most of a page.
 class Majority {
  public:
   Majority(const Picture& picture, const Picture& result)
       : from_(picture.pixels()),
         to_(result.pixels()),
-        across_(covers_of(from_.width(), to_.width())),
+        across_(from_.width(), to_.width()),
         down_(covers_of(from_.height(), to_.height())),
         any_(from_.row(0).size()),
         all_(any_.size()),
@@ -170,29 +198,33 @@ class Majority {
 
   void make() {
     for (int y = 0; y < to_.height(); ++y) {
-      const Cover& cover = down_[static_cast<size_t>(y)];
-      look_through(cover);
-      for (int x = 0; x < to_.width(); x += 8) make_byte(cover, to_.row_from_top(y).data(), x);
+      look_through(down_[static_cast<size_t>(y)]);
+      for (int x = 0; x < to_.width(); x += 8) make_byte(to_.row_from_top(y).data(), x);
     }
   }
 
  private:
+  struct OldRow {
+    std::span<const uint8_t> pixels;
+    uint64_t parts;
+  };
+
   void look_through(const Cover& cover) {
-    std::ranges::fill(any_, uint8_t{0});
-    std::ranges::fill(all_, uint8_t{0xFF});
-    for (int y = cover.first; y <= cover.last(); ++y) {
-      const uint8_t* const row = from_.row_from_top(y).data();
-      for (size_t i = 0; i < any_.size(); ++i) {
-        any_[i] |= row[i];
-        all_[i] &= row[i];
-      }
+    rows_.clear();
+    for_each_covered(cover, static_cast<uint32_t>(to_.height()), [&](int y, uint32_t parts) {
+      rows_.push_back({from_.row_from_top(y), parts});
+    });
+    std::ranges::copy(rows_.front().pixels, any_.begin());
+    std::ranges::copy(rows_.front().pixels, all_.begin());
+    for (const OldRow& row : std::span(rows_).subspan(1)) {
+      std::ranges::transform(any_, row.pixels, any_.begin(), std::bit_or());
+      std::ranges::transform(all_, row.pixels, all_.begin(), std::bit_and());
     }
   }
 
-  void make_byte(const Cover& rows, uint8_t* row, int x) {
+  void make_byte(uint8_t* row, int x) const {
     const int end = std::min(x + 8, to_.width());
-    const auto first = static_cast<size_t>(across_[static_cast<size_t>(x)].first >> 3);
-    const auto last = static_cast<size_t>(across_[static_cast<size_t>(end - 1)].last() >> 3);
+    const auto first = static_cast<size_t>(across_[x].first / 8), last = static_cast<size_t>(across_[end - 1].last() / 8);
     const auto in_sight = [&](const std::vector<uint8_t>& bytes) {
       return std::span(bytes).subspan(first, last - first + 1);
     };
@@ -200,35 +232,48 @@ class Majority {
     if (std::ranges::all_of(in_sight(all_), [](uint8_t b) { return b == 0xFF; })) {
       byte = static_cast<uint8_t>(0xFF << (8 - (end - x)));
     } else if (std::ranges::any_of(in_sight(any_), [](uint8_t b) { return b != 0; })) {
-      for (int i = x; i < end; ++i)
-        if (is_set(rows, across_[static_cast<size_t>(i)])) byte |= static_cast<uint8_t>(0x80 >> (i - x));
+      byte = across_.has_few() ? few_counted(first, x, end) : counted(x, end);
     }
-    row[x >> 3] = byte;
+    row[x / 8] = byte;
   }
 
-  bool is_set(const Cover& rows, const Cover& columns) const {
-    const Agreement agreement = agreement_of(any_, all_, columns);
-    if (agreement != Agreement::kUnknown) return agreement == Agreement::kAllSet;
-    return 2 * sum_of(rows, columns) + for_half_ > whole_;
+  // A word holds all old pixels under eight new ones.
+  uint8_t few_counted(size_t first, int x, int end) const {
+    std::array<uint64_t, 8> sums{};
+    for (const OldRow& row : rows_) {
+      const uint64_t pixels = pixels_at(row.pixels, first);
+      for (int i = x; i < end; ++i)
+        sums[static_cast<size_t>(i - x)] +=
+            row.parts * across_.of_few(i, pixels << (across_[i].first - static_cast<int>(first) * 8));
+    }
+    uint32_t byte = 0;
+    for (const uint64_t sum : sums) byte = byte << 1 | (2 * sum + for_half_ > whole_ ? 1 : 0);
+    return static_cast<uint8_t>(byte);
   }
 
-  uint64_t sum_of(const Cover& rows, const Cover& columns) const {
+  uint8_t counted(int x, int end) const {
+    uint32_t byte = 0;
+    for (int i = x; i < end; ++i)
+      if (is_set(i)) byte |= 0x80u >> (i - x);
+    return static_cast<uint8_t>(byte);
+  }
+
+  bool is_set(int x) const {
+    const int first = across_[x].first, count = across_[x].pixels();
+    if (count <= PartsAcross::kInWord) {
+      if (PartsAcross::pixels_under(any_, first, count) == 0) return false;
+      if (PartsAcross::pixels_under(all_, first, count) == first_of(~uint64_t{0}, count)) return true;
+    }
     uint64_t sum = 0;
-    for_each_covered(rows, static_cast<uint32_t>(to_.height()), [&](int y, uint32_t parts) {
-      const std::span<const uint8_t> row = from_.row_from_top(y);
-      int at = columns.first;
-      uint64_t across = 0;
-      if (columns.head > 0) across += columns.head * Pixel<1>::load(row.data(), at++);
-      across += static_cast<uint64_t>(to_.width()) * static_cast<uint64_t>(count_bits(row, at, columns.whole));
-      if (columns.tail > 0) across += columns.tail * Pixel<1>::load(row.data(), at + columns.whole);
-      sum += across * parts;
-    });
-    return sum;
+    for (const OldRow& row : rows_) sum += row.parts * across_.of(x, row.pixels);
+    return 2 * sum + for_half_ > whole_;
   }
 
   DibView from_, to_;
-  std::vector<Cover> across_, down_;
-  std::vector<uint8_t> any_, all_;  // the covered old rows combined: bits set in any of them, and in all of them
+  PartsAcross across_;
+  std::vector<Cover> down_;
+  std::vector<OldRow> rows_;        // under the new row
+  std::vector<uint8_t> any_, all_;  // these rows combined: bits set in any of them, and in all of them
   uint64_t whole_, for_half_;
 };
 

@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "common/forms.h"
+#include "common/row_bits.h"
 #include "core/gray.h"
 #include "core/pixel.h"
 
@@ -20,14 +21,6 @@ Size map_size(const Picture& picture, CellSize cell) {
 }
 
 // ---- Two colours ----
-
-// The set bits of each group of bits of all bytes, as numbers in the groups. Groups of one bit count themselves.
-uint64_t counts_in_groups(uint64_t word, int bits) {
-  if (bits >= 2) word -= word >> 1 & 0x5555'5555'5555'5555;
-  if (bits >= 4) word = (word & 0x3333'3333'3333'3333) + (word >> 2 & 0x3333'3333'3333'3333);
-  if (bits >= 8) word = (word + (word >> 4)) & 0x0F0F'0F0F'0F0F'0F0F;
-  return word;
-}
 
 // Adds the ink of a row to its cells. Words of paper, which most of a page is, are passed over.
 class BitCounter {

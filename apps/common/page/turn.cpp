@@ -4,6 +4,8 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstring>
+#include <emmintrin.h>
 #include <numbers>
 #include <vector>
 
@@ -58,21 +60,28 @@ struct Four {
   Value above, above_right, below, below_right;
 };
 
-// For each pair of fractions, of four bits each, a bit for each pattern of four pixels: whether more of the weight is set. The
-// weights are taken in the middle of the steps, so that there are no ties.
-constexpr auto kMajorities = [] {
-  constexpr int kSteps = 16, kWhole = 2 * kSteps;
-  std::array<uint16_t, kSteps * kSteps> table{};
-  for (int y = 0; y < kSteps; ++y)
-    for (int x = 0; x < kSteps; ++x)
-      for (int pattern = 0; pattern < 16; ++pattern) {
-        const int right = 2 * x + 1, left = kWhole - right, low = 2 * y + 1, high = kWhole - low;
-        const int weight = (pattern & 8 ? left * high : 0) + (pattern & 4 ? right * high : 0) +
-                           (pattern & 2 ? left * low : 0) + (pattern & 1 ? right * low : 0);
-        if (2 * weight > kWhole * kWhole) table[static_cast<size_t>(y * kSteps + x)] |= static_cast<uint16_t>(1 << pattern);
-      }
-  return table;
-}();
+// Black and white: the colour with more of the weight. Fractions have four bits and lie in the middle of their steps, so that there
+// are no ties. The nearest pixel decides where it has more than half of the weight. Elsewhere it does so with any other one; against
+// it all three must agree.
+constexpr uint32_t is_far(uint32_t fraction) { return fraction >> 15; }
+constexpr bool decides_alone(uint32_t x, uint32_t y) {
+  constexpr uint32_t kSteps = 16, kWhole = 2 * kSteps;
+  const auto weight = [](uint32_t part) { return kWhole - 1 - 2 * ((part >> 15 != 0 ? part ^ 0xFFFF : part) >> 12); };
+  return 2 * weight(x) * weight(y) > kWhole * kWhole;
+}
+
+// Of many pixels at a time: bits of `right` and `low` where these are nearer, of `alone` where the nearest one decides.
+template <class Word>
+constexpr Word majority(const Four<Word>& four, Word right, Word low, Word alone) {
+  const auto chosen = [](Word mask, Word a, Word b) { return (a & ~mask) | (b & mask); };
+  const Word above_near = chosen(right, four.above, four.above_right),
+             above_far = chosen(right, four.above_right, four.above);
+  const Word below_near = chosen(right, four.below, four.below_right),
+             below_far = chosen(right, four.below_right, four.below);
+  const Word nearest = chosen(low, above_near, below_near), beside = chosen(low, below_near, above_near);
+  const Word others_any = beside | above_far | below_far, others_all = beside & above_far & below_far;
+  return chosen(alone, (nearest & others_any) | others_all, nearest);
+}
 
 struct Bits {
   static constexpr int kDepth = 1, kSpare = 16;  // pixels that a load may go past its own
@@ -80,18 +89,7 @@ struct Bits {
   static uint32_t load(const uint8_t* row, int x) { return Pixel<1>::load(row, x); }
 
   static uint32_t mix(const Four<uint32_t>& four, uint32_t x, uint32_t y) {
-    return mix_pattern(four.above << 3 | four.above_right << 2 | four.below << 1 | four.below_right, x, y);
-  }
-
-  // Of two rows' pixels as words, the leftmost in the highest bit: the four that begin at `at`.
-  static uint32_t inside(uint64_t above, uint64_t below, int at, uint32_t x, uint32_t y) {
-    const int shift = 62 - at;
-    return mix_pattern(static_cast<uint32_t>((above >> shift & 3) << 2 | (below >> shift & 3)), x, y);
-  }
-
- private:
-  static uint32_t mix_pattern(uint32_t pattern, uint32_t x, uint32_t y) {
-    return kMajorities[(y >> 12) << 4 | x >> 12] >> pattern & 1;
+    return majority<uint32_t>(four, is_far(x), is_far(y), decides_alone(x, y) ? 1 : 0);
   }
 };
 
@@ -164,28 +162,37 @@ struct Indices {
 class Blanks {
  public:
   Blanks(ConstDibView picture, uint32_t background)
-      : columns_((picture.width() + kSide - 1) / kSide), rows_((picture.height() + kSide - 1) / kSide) {
-    inked_.resize(static_cast<size_t>(columns_) * static_cast<size_t>(rows_));
+      : columns_((picture.width() + kSide - 1) / kSide),
+        rows_((picture.height() + kSide - 1) / kSide),
+        bytes_(static_cast<size_t>(columns_) / 8 + kWordBytes),
+        inked_(bytes_ * static_cast<size_t>(rows_)) {
     const auto quiet = static_cast<uint8_t>(background != 0 ? 0xFF : 0);
-    for (int y = 0; y < picture.height(); ++y) {
-      const std::span<const uint8_t> row = picture.row_from_top(y);
-      uint8_t* const cells = inked_.data() + static_cast<size_t>(y / kSide) * static_cast<size_t>(columns_);
-      for (size_t i = 0; i < row.size(); ++i) cells[i / (kSide / 8)] |= static_cast<uint8_t>(row[i] ^ quiet);
+    std::vector<uint8_t> ink(static_cast<size_t>(columns_));
+    for (int y = 0; y < rows_; ++y) {
+      std::ranges::fill(ink, uint8_t{0});
+      for (int line = y * kSide; line < std::min((y + 1) * kSide, picture.height()); ++line)
+        add_ink(picture.row_from_top(line).data(), quiet, ink);
+      uint8_t* const cells = inked_.data() + static_cast<size_t>(y) * bytes_;
+      for (size_t x = 0; x < ink.size(); ++x) cells[x / 8] |= static_cast<uint8_t>((ink[x] != 0 ? 1 : 0) << x % 8);
     }
   }
 
-  // Of the pixels between two, in any order, and their neighbours to the right and below.
+  // Of the pixels between two less than 400 apart, in any order, and their neighbours to the right and below.
   bool all_blank(Fixed a, Fixed b) const {
     const auto [left, right] = cells(a.x, b.x, columns_);
     const auto [top, bottom] = cells(a.y, b.y, rows_);
+    uint64_t inked = 0;
     for (int y = top; y <= bottom; ++y)
-      for (int x = left; x <= right; ++x)
-        if (inked_[static_cast<size_t>(y) * static_cast<size_t>(columns_) + static_cast<size_t>(x)] != 0) return false;
-    return true;
+      inked |= load_word(inked_.data() + static_cast<size_t>(y) * bytes_ + static_cast<size_t>(left / 8)) >> left % 8;
+    return (inked & ((uint64_t{2} << (right - left)) - 1)) == 0;
   }
 
  private:
-  static constexpr int kSide = 16;
+  static constexpr int kSide = 8;  // of a cell, in pixels
+
+  static void add_ink(const uint8_t* row, uint8_t quiet, std::span<uint8_t> ink) {
+    for (size_t x = 0; x < ink.size(); ++x) ink[x] |= static_cast<uint8_t>(row[x] ^ quiet);
+  }
 
   static std::pair<int, int> cells(int64_t a, int64_t b, int count) {
     const int low = whole(std::min(a, b)), high = whole(std::max(a, b));
@@ -193,7 +200,77 @@ class Blanks {
   }
 
   int columns_, rows_;
-  std::vector<uint8_t> inked_;
+  size_t bytes_;                // of a row of cells
+  std::vector<uint8_t> inked_;  // a bit for each cell, the first one in the lowest
+};
+
+// ---- Runs of black and white pixels ----
+
+// The pixels of a run as bits, the first one in the highest: those for majority(), and those at which the row changes or the column
+// stays. Columns go on by one pixel or a little less.
+class RunMasks {
+ public:
+  RunMasks(int32_t x, int32_t y, int32_t x_step, int32_t y_step) {
+    const Fractions across(x, x_step), down(y, y_step);
+    Lanes are_alone, are_breaks;
+    for (size_t i = 0; i < 4; ++i) {
+      are_alone[i] = decide_alone(across.parts[i], down.parts[i]);
+      are_breaks[i] =
+          _mm_or_si128(across.fell((1 << 16) - x_step, i), _mm_or_si128(down.fell(-y_step, i), down.rose(y_step, i)));
+    }
+    right = signs_of(across.parts), low = signs_of(down.parts), alone = signs_of(are_alone);
+    breaks_ = std::abs(y_step) >= 1 << 16 ? ~uint64_t{0} : signs_of(are_breaks);
+  }
+
+  // Steps from a pixel to the next break, or to the end.
+  int steps_from(int i) const {
+    const uint64_t next = breaks_ << i << 1;
+    return std::min(kRun - i, next == 0 ? kRun : std::countl_zero(next) + 1);
+  }
+
+  uint64_t right, low, alone;
+
+ private:
+  using Lanes = __m128i[4];  // of 16 bits; the first is the run's last pixel, as the lowest bit is
+
+  struct Fractions {
+    Fractions(int32_t first, int32_t step) {
+      const __m128i back = _mm_mullo_epi16(_mm_set_epi16(7, 6, 5, 4, 3, 2, 1, 0), all(step));
+      for (int i = 0; i < 4; ++i) parts[i] = _mm_sub_epi16(all(first + (kRun - 1 - 8 * i) * step), back);
+    }
+
+    // Whether a fraction passed zero in the step to it, which is shorter than a pixel.
+    __m128i rose(int32_t step, size_t i) const { return is_less(parts[i], all(std::max(step, 0))); }
+    __m128i fell(int32_t step, size_t i) const { return is_less(all(~std::max(step, 0)), parts[i]); }
+
+    Lanes parts;
+  };
+
+  static __m128i all(int32_t value) { return _mm_set1_epi16(static_cast<int16_t>(value)); }
+
+  // Unsigned.
+  static __m128i is_less(__m128i a, __m128i b) {
+    const __m128i zero = _mm_setzero_si128();
+    return _mm_andnot_si128(_mm_cmpeq_epi16(_mm_subs_epu16(b, a), zero), _mm_cmpeq_epi16(zero, zero));
+  }
+
+  // The same as decides_alone().
+  static __m128i decide_alone(__m128i x, __m128i y) {
+    const auto weights = [](__m128i part) {
+      const __m128i near = _mm_xor_si128(part, _mm_srai_epi16(part, 15));
+      return _mm_sub_epi16(all(31), _mm_slli_epi16(_mm_srli_epi16(near, 12), 1));
+    };
+    return _mm_cmpgt_epi16(_mm_mullo_epi16(weights(x), weights(y)), all(512));
+  }
+
+  static uint64_t signs_of(const Lanes& lanes) {
+    const auto signs = [&](size_t i) {
+      return static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(lanes[i], lanes[i + 1])));
+    };
+    return uint64_t{signs(2) << 16 | signs(0)} << (64 - kRun);
+  }
+
+  uint64_t breaks_;
 };
 
 // ---- Filling the result ----
@@ -207,20 +284,35 @@ class Turning {
     for (int y = 0; y < to.height(); ++y) {
       const Fixed row_start = mapping.first + mapping.per_row * y;
       uint8_t* const row = to.row_from_top(y).data();
-      for (int x = 0; x < to.width(); x += kRun) {
-        const int count = std::min(kRun, to.width() - x);
-        const Fixed start = row_start + mapping.per_column * x, end = start + mapping.per_column * (count - 1);
-        if (is_outside(start, end) || (blanks != nullptr && blanks->all_blank(start, end)))
-          put_background(row, x, count);
-        else if (is_inside(start) && is_inside(end))
-          put_inside(row, x, count, start, mapping.per_column);
+      for (int stretch = 0; stretch < to.width(); stretch += kStretch) {
+        const int end = std::min(stretch + kStretch, to.width());
+        if (is_background(row_start, mapping.per_column, stretch, end, blanks))
+          put_background(row, stretch, end);
         else
-          put_any(row, x, count, start, mapping.per_column);
+          for (int x = stretch; x < end; x += kRun)
+            fill_run(row, row_start, mapping.per_column, x, std::min(x + kRun, end), blanks);
       }
     }
   }
 
  private:
+  static constexpr int kStretch = 8 * kRun;  // as much background is found at once
+
+  bool is_background(Fixed row_start, Fixed step, int x, int end, const Blanks* blanks) const {
+    const Fixed first = row_start + step * x, last = row_start + step * (end - 1);
+    return is_outside(first, last) || (blanks != nullptr && blanks->all_blank(first, last));
+  }
+
+  void fill_run(uint8_t* row, Fixed row_start, Fixed step, int x, int end, const Blanks* blanks) const {
+    const Fixed first = row_start + step * x, last = row_start + step * (end - 1);
+    if (is_background(row_start, step, x, end, blanks))
+      put_background(row, x, end);
+    else if (is_inside(first) && is_inside(last))
+      put_inside(row, x, end - x, first, step);
+    else
+      put_any(row, x, end - x, first, step);
+  }
+
   // With a pixel to spare above and to the left: the steps of a run are rounded down.
   bool is_inside(Fixed at) const {
     return whole(at.x) >= 1 && whole(at.y) >= 1 && whole(at.x) < from_.width() - Kind::kSpare &&
@@ -237,42 +329,29 @@ class Turning {
   // Positions in a run have 16 bits of fraction.
   static int32_t sixteen(int64_t fixed) { return static_cast<int32_t>(fixed >> 16); }
 
-  // Steps until the row changes.
-  static int steps_in_row(int32_t y, int32_t y_step) {
-    const int32_t part = y & 0xFFFF;
-    return y_step == 0 ? kRun : y_step > 0 ? (0xFFFF - part) / y_step + 1 : part / -y_step + 1;
-  }
-
-  // Steps that go one column on each. Others, by less than a column, stay in it now and then.
-  static int steps_by_column(int32_t x, int32_t x_step) {
-    const int32_t lag = (1 << 16) - x_step;
-    return lag == 0 ? kRun : (x & 0xFFFF) / lag + 1;
-  }
-
-  // The first pixel in the highest bit. Most have four equal neighbours, which words of two rows tell at once; the others are mixed.
+  // The first pixel in the highest bit. Words of two rows have the pixels until the row changes, or the column stays.
   uint32_t mix_inside_bits(Fixed at, Fixed step, int count) const {
     const int left = whole(at.x), top = whole(at.y);
-    int32_t x = sixteen(at.x & 0xFFFFFFFF), y = sixteen(at.y & 0xFFFFFFFF);
+    const int32_t x = sixteen(at.x & 0xFFFFFFFF), y = sixteen(at.y & 0xFFFFFFFF);
     const int32_t x_step = sixteen(step.x), y_step = sixteen(step.y);
-    uint32_t word = 0;
-    for (int i = 0, steps = 0; i < count; i += steps, x += steps * x_step, y += steps * y_step) {
-      steps = std::min({count - i, steps_in_row(y, y_step), steps_by_column(x, x_step)});
+    const RunMasks masks(x, y, x_step, y_step);
+    uint64_t word = 0;
+    for (int i = 0; i < count;) {
       const auto pixels_of = [&](int row) {
-        return pixels_at(from_.row_from_top(row), static_cast<size_t>(left >> 3)) << (left & 7) << (x >> 16);
+        return pixels_at(from_.row_from_top(row), static_cast<size_t>(left >> 3)) << (left & 7) << ((x + i * x_step) >> 16);
       };
-      const uint64_t above = pixels_of(top + (y >> 16)), below = pixels_of(top + (y >> 16) + 1);
-      const uint64_t all = above & above << 1 & below & below << 1, any = above | above << 1 | below | below << 1;
-      word |= static_cast<uint32_t>(first_of(all, steps) >> 32) >> i;
-      for (uint64_t mixed = first_of(any & ~all, steps); mixed != 0;) {
-        const int k = std::countl_zero(mixed);
-        mixed ^= uint64_t{1} << 63 >> k;
-        const int32_t x_there = x + k * x_step, y_there = y + k * y_step;
-        word |=
-            Kind::inside(above, below, k, static_cast<uint32_t>(x_there & 0xFFFF), static_cast<uint32_t>(y_there & 0xFFFF))
-            << (kRun - 1 - i - k);
-      }
+      const int row = top + ((y + i * y_step) >> 16);
+      const uint64_t above = pixels_of(row), below = pixels_of(row + 1);
+      const uint64_t any = above | above << 1 | below | below << 1;
+      const int steps = masks.steps_from(i);
+      if (first_of(any, steps) != 0)
+        word |= first_of(majority<uint64_t>({above, above << 1, below, below << 1}, masks.right << i, masks.low << i,
+                                            masks.alone << i),
+                         steps) >>
+                i;
+      i += steps;
     }
-    return word;
+    return static_cast<uint32_t>(first_of(word, count) >> (64 - kRun));
   }
 
   void put_inside(uint8_t* row, int x, int count, Fixed at, Fixed step) const {
@@ -305,11 +384,14 @@ class Turning {
     }
   }
 
-  void put_background(uint8_t* row, int x, int count) const {
-    if constexpr (Kind::kDepth == 1)
-      store_bits(row, x, background_ == 0 ? 0 : ~uint32_t{0} << (kRun - count));
-    else
-      for (int i = 0; i < count; ++i) Pixel<Kind::kDepth>::store(row, x + i, background_);
+  void put_background(uint8_t* row, int x, int end) const {
+    if constexpr (Kind::kDepth == 1) {
+      const auto byte = static_cast<uint8_t>(background_ != 0 ? 0xFF : 0);
+      std::fill(row + x / 8, row + end / 8, byte);
+      if (end % 8 != 0) row[end / 8] = static_cast<uint8_t>(byte & 0xFF00 >> end % 8);
+    } else {
+      for (; x < end; ++x) Pixel<Kind::kDepth>::store(row, x, background_);
+    }
   }
 
   uint32_t pixel(int x, int y) const {
@@ -318,7 +400,8 @@ class Turning {
   }
 
   static void store_bits(uint8_t* row, int x, uint32_t word) {
-    for (int i = 0; i < 4; ++i) row[x / 8 + i] = static_cast<uint8_t>(word >> (24 - 8 * i));  // rows are whole words
+    word = __builtin_bswap32(word);
+    std::memcpy(row + x / 8, &word, sizeof word);  // rows are whole words
   }
 
   ConstDibView from_;
