@@ -206,7 +206,7 @@ class Majority {
  private:
   struct OldRow {
     std::span<const uint8_t> pixels;
-    uint64_t parts;
+    uint64_t parts, word = 0;
   };
 
   void look_through(const Cover& cover) {
@@ -222,7 +222,7 @@ class Majority {
     }
   }
 
-  void make_byte(uint8_t* row, int x) const {
+  void make_byte(uint8_t* row, int x) {
     const int end = std::min(x + 8, to_.width());
     const auto first = static_cast<size_t>(across_[x].first / 8), last = static_cast<size_t>(across_[end - 1].last() / 8);
     const auto in_sight = [&](const std::vector<uint8_t>& bytes) {
@@ -238,16 +238,15 @@ class Majority {
   }
 
   // A word holds all old pixels under eight new ones.
-  uint8_t few_counted(size_t first, int x, int end) const {
-    std::array<uint64_t, 8> sums{};
-    for (const OldRow& row : rows_) {
-      const uint64_t pixels = pixels_at(row.pixels, first);
-      for (int i = x; i < end; ++i)
-        sums[static_cast<size_t>(i - x)] +=
-            row.parts * across_.of_few(i, pixels << (across_[i].first - static_cast<int>(first) * 8));
-    }
+  uint8_t few_counted(size_t first, int x, int end) {
+    for (OldRow& row : rows_) row.word = pixels_at(row.pixels, first);
     uint32_t byte = 0;
-    for (const uint64_t sum : sums) byte = byte << 1 | (2 * sum + for_half_ > whole_ ? 1 : 0);
+    for (int i = x; i < end; ++i) {
+      const int shift = across_[i].first - static_cast<int>(first) * 8;
+      uint64_t sum = 0;
+      for (const OldRow& row : rows_) sum += row.parts * across_.of_few(i, row.word << shift);
+      byte |= (2 * sum + for_half_ > whole_ ? 0x80u : 0) >> (i - x);
+    }
     return static_cast<uint8_t>(byte);
   }
 

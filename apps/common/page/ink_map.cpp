@@ -22,53 +22,80 @@ Size map_size(const Picture& picture, CellSize cell) {
 
 // ---- Two colours ----
 
-// Adds the ink of a row to its cells. Words of paper, which most of a page is, are passed over.
+// Counts the ink of rows in cells.
 class BitCounter {
  public:
-  BitCounter(int cell_width, uint8_t inverted) : width_(cell_width), paper_(uint64_t{inverted} * 0x0101'0101'0101'0101) {}
+  BitCounter(const Picture& picture, int cell_width)
+      : width_(cell_width),
+        paper_(darker_color(picture) == 0 ? ~uint64_t{0} : 0),
+        last_pixels_(__builtin_bswap64(~uint64_t{0} << (63 - (picture.width() - 1) % 64))),
+        in_bytes_(static_cast<size_t>(picture.width() - 1) / 64 + 1),
+        cells_(in_bytes_.size() * 64 / static_cast<size_t>(cell_width) + 1) {}
 
-  void add(std::span<const uint8_t> row, uint8_t last_mask, std::span<uint16_t> cells) const {
-    uint64_t word;
-    for (size_t at = 0; at < row.size(); at += sizeof word) {
-      const size_t count = std::min(sizeof word, row.size() - at);
-      word = paper_;
-      std::memcpy(&word, row.data() + at, count);
-      word ^= paper_;
-      if (at + count == row.size()) word &= ~(uint64_t{static_cast<uint8_t>(~last_mask)} << 8 * (count - 1));
-      if (word != 0) add_word(word, at, cells);
+  void add(std::span<const uint8_t> row) {
+    const size_t last = in_bytes_.size() - 1;
+    const uint64_t last_word = (word_at(row, last * kWordBytes) ^ paper_) & last_pixels_;
+    if (width_ >= 8) {
+      add_bytes(row.data(), last_word);
+    } else {
+      for (size_t i = 0; i < last; ++i) add_groups(load_word(row.data() + i * kWordBytes) ^ paper_, i);
+      add_groups(last_word, last);
     }
+  }
+
+  // The counts of the rows since the last call.
+  void take(std::vector<uint16_t>& cells) {
+    spread_bytes();
+    cells = cells_;
+    std::ranges::fill(cells_, uint16_t{0});
   }
 
  private:
-  void add_word(uint64_t word, size_t at, std::span<uint16_t> cells) const {
-    const int bits = std::min(width_, 8);
-    uint64_t counts = counts_in_groups(word, bits);
-    for (size_t i = at; counts != 0; ++i, counts >>= 8) {
-      uint32_t byte = counts & 0xFF;
-      if (width_ >= 8) {
-        cells[i * 8 / static_cast<size_t>(width_)] += static_cast<uint16_t>(byte);
-        continue;
-      }
-      for (size_t cell = (i + 1) * 8 / static_cast<size_t>(width_); byte != 0; byte >>= bits)
-        cells[--cell] += static_cast<uint16_t>(byte & ((1u << bits) - 1));
-    }
+  static constexpr int kMostRows = 31;  // eight pixels in each fit a byte
+
+  void add_bytes(const uint8_t* row, uint64_t last_word) {
+    const size_t last = in_bytes_.size() - 1;
+    uint64_t* const sums = in_bytes_.data();
+    for (size_t i = 0; i < last; ++i) sums[i] += counts_in_groups(load_word(row + i * kWordBytes) ^ paper_, 8);
+    sums[last] += counts_in_groups(last_word, 8);
+    if (++rows_ == kMostRows) spread_bytes();
+  }
+
+  void spread_bytes() {
+    if (rows_ == 0) return;
+    const auto bytes_of_cell = static_cast<size_t>(width_ / 8);
+    for (size_t i = 0; i < in_bytes_.size(); ++i)
+      for (size_t byte = i * kWordBytes; in_bytes_[i] != 0; ++byte, in_bytes_[i] >>= 8)
+        cells_[byte / bytes_of_cell] += static_cast<uint16_t>(in_bytes_[i] & 0xFF);
+    rows_ = 0;
+  }
+
+  // Cells narrower than a byte. Words of paper, which most of a page is, are passed over.
+  void add_groups(uint64_t word, size_t index) {
+    const auto in_byte = static_cast<size_t>(8 / width_);
+    uint64_t counts = counts_in_groups(word, width_);
+    for (size_t byte = index * kWordBytes; counts != 0; ++byte, counts >>= 8)
+      for (uint32_t cell = static_cast<uint32_t>((byte + 1) * in_byte), groups = counts & 0xFF; groups != 0;
+           groups >>= width_)
+        cells_[--cell] += static_cast<uint16_t>(groups & ((1u << width_) - 1));
   }
 
   int width_;
-  uint64_t paper_;
+  uint64_t paper_, last_pixels_;
+  std::vector<uint64_t> in_bytes_;
+  int rows_ = 0;  // in these sums
+  std::vector<uint16_t> cells_;
 };
 
 InkMap count_bits(const Picture& picture, CellSize cell) {
   InkMap map(map_size(picture, cell), cell);
-  const uint32_t darker = darker_color(picture);
-  const BitCounter counter(cell.width, static_cast<uint8_t>(darker == 0 ? 0xFF : 0));
-  const auto last_mask = static_cast<uint8_t>(0xFF << (7 - (picture.width() - 1) % 8));
+  BitCounter counter(picture, cell.width);
   const int shift = std::countr_zero(static_cast<uint32_t>(cell.width * cell.height));
-  std::vector<uint16_t> cells(static_cast<size_t>(map.width()) + 8);  // the last byte of a row may have pixels to spare
+  std::vector<uint16_t> cells;
   for (int y = 0; y < map.height(); ++y) {
-    std::ranges::fill(cells, uint16_t{0});
     for (int line = y * cell.height; line < std::min((y + 1) * cell.height, picture.height()); ++line)
-      counter.add(picture.pixels().row_from_top(line), last_mask, cells);
+      counter.add(picture.pixels().row_from_top(line));
+    counter.take(cells);
     std::transform(cells.begin(), cells.begin() + map.width(), map.row(y).begin(),
                    [&](uint16_t count) { return static_cast<uint8_t>(count * InkMap::kMostInk >> shift); });
   }

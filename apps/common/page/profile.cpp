@@ -6,6 +6,14 @@
 #include <numeric>
 
 namespace vorel::programs {
+namespace {
+
+template <class Sum>
+void add(const uint8_t* from, Sum* sums, int count) {
+  for (int i = 0; i < count; ++i) sums[i] = static_cast<Sum>(sums[i] + from[i]);
+}
+
+}  // namespace
 
 Columns columns_of(const InkMap& map, double aspect) {
   Columns columns(map.width(), map.height(), aspect * map.cell().width / map.cell().height);
@@ -32,15 +40,20 @@ Profile::Profile(const Columns& columns) : columns_(columns) {
     rounding_.push_back(std::fmod(x * kFirstStep, 1) + std::fmod(x * kSecondStep, 1) - 0.5);
 }
 
+void Profile::take_few() {
+  add(few_.data(), sums_.data(), static_cast<int>(few_.size()));
+  std::ranges::fill(few_, uint8_t{0});
+}
+
 std::span<const uint16_t> Profile::sums(double degrees, int first, int last) {
   const double slope = std::tan(degrees * std::numbers::pi / 180) * columns_.slope_unit, middle = (first + last) / 2.0;
   const int reach = static_cast<int>(std::ceil(std::abs(slope) * (last - middle))) + 2;
   sums_.assign(static_cast<size_t>(columns_.height + 2 * reach), 0);
+  few_.assign(sums_.size(), 0);
   for (int x = first; x < last; ++x) {
     const double offset = std::floor((x + 0.5 - middle) * slope + rounding_[static_cast<size_t>(x)]);
-    const uint8_t* const from = columns_.column(x);
-    uint16_t* const to = sums_.data() + (reach - static_cast<int>(offset));
-    for (int y = 0; y < columns_.height; ++y) to[y] = static_cast<uint16_t>(to[y] + from[y]);
+    add(columns_.column(x), few_.data() + (reach - static_cast<int>(offset)), columns_.height);
+    if ((x - first) % kFewColumns == kFewColumns - 1 || x == last - 1) take_few();
   }
   return sums_;
 }

@@ -46,9 +46,14 @@ class Profile {
   double contrast(double degrees);
 
  private:
+  static constexpr int kFewColumns = 255 / InkMap::kMostInk;  // their sums fit a byte
+
+  void take_few();
+
   const Columns& columns_;
   std::vector<double> rounding_;
   std::vector<uint16_t> sums_;  // a cell holds 16 at most, and a page has at most 1024 columns of them
+  std::vector<uint8_t> few_;    // sums of a few columns that are not in sums_ yet
 };
 
 }  // namespace vorel::programs
