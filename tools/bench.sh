@@ -51,7 +51,7 @@ dll() {
   build win32 peers
   ./tools/run-wine.sh --session bash -c 'wine cmd /c exit >&2; exec "$@"' - build/native/bin/peers_bench --json build/bench/dll.json \
     --participant "native=$PWD/build/native/bin/peer_ours" --participant "dll=wine $PWD/build/win32/bin/peer_ours.exe 2>/dev/null" \
-    --participant "fresh=wine $PWD/build/win32/bin/peer_fresh.exe 2>/dev/null" "$@"
+    --participant "kept=wine $PWD/build/win32/bin/peer_kept.exe 2>/dev/null" "$@"
 }
 
 # note SECTION: standard input replaces what is between the section's marks.

@@ -102,7 +102,7 @@ class Contest {
 bool takes(const Participant& participant, const Workload& workload) {
   constexpr double kRoom = 800e6;
   const bool is_peer = participant.name != "ours" && participant.name != "memcpy";
-  const bool is_32_bit = participant.name == "dll" || participant.name == "fresh";
+  const bool is_32_bit = participant.name == "dll" || participant.name == "kept";
   return !(is_peer && workload.kind == Kind::kLarge) && !(is_32_bit && 2 * workload.bytes() > kRoom);
 }
 

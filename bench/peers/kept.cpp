@@ -1,0 +1,67 @@
+// The DLL on memory that is kept: the native build reuses the pages of freed blocks, but on Windows each large block consists of new
+// pages, which the system clears. Stands in for the system's global memory in the import tables of the DLL and of this program.
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <vector>
+#include <windows.h>
+
+#include "win32/support/imports.h"
+
+namespace {
+
+struct Block {
+  void* data;
+  std::size_t bytes, room;
+};
+
+std::vector<Block> kept;
+constexpr std::size_t kMostKept = 4;
+
+Block block_with_room(std::size_t bytes, bool is_zeroed) {
+  const auto fits = [&](const Block& block) { return block.room >= bytes && block.room / 2 <= bytes; };
+  const auto found = std::ranges::find_if(kept, fits);
+  if (found == kept.end()) return {std::calloc(bytes, 1), bytes, bytes};
+  const Block block{found->data, bytes, found->room};
+  kept.erase(found);
+  if (is_zeroed) std::memset(block.data, 0, bytes);
+  return block;
+}
+
+HGLOBAL WINAPI allocate(UINT flags, SIZE_T bytes) {
+  return new Block(block_with_room(std::max<SIZE_T>(bytes, 1), (flags & GMEM_ZEROINIT) != 0));
+}
+LPVOID WINAPI lock(HGLOBAL block) { return block == nullptr ? nullptr : static_cast<Block*>(block)->data; }
+BOOL WINAPI unlock(HGLOBAL) { return FALSE; }
+SIZE_T WINAPI size(HGLOBAL block) { return block == nullptr ? 0 : static_cast<Block*>(block)->bytes; }
+HGLOBAL WINAPI release(HGLOBAL handle) {
+  auto* const block = static_cast<Block*>(handle);
+  if (block == nullptr) return nullptr;
+  kept.push_back(*block);
+  delete block;
+  if (kept.size() > kMostKept) {
+    std::free(kept.front().data);
+    kept.erase(kept.begin());
+  }
+  return nullptr;
+}
+
+void stand_in(const char* module) {
+  const struct {
+    std::string_view name;
+    void* function;
+  } functions[] = {{"GlobalAlloc", reinterpret_cast<void*>(allocate)},
+                   {"GlobalLock", reinterpret_cast<void*>(lock)},
+                   {"GlobalUnlock", reinterpret_cast<void*>(unlock)},
+                   {"GlobalSize", reinterpret_cast<void*>(size)},
+                   {"GlobalFree", reinterpret_cast<void*>(release)}};
+  test::for_each_import(GetModuleHandleA(module), [&](std::string_view name, void** slot) {
+    for (const auto& function : functions)
+      if (name == function.name) test::exchange_import(slot, function.function);
+  });
+}
+
+[[maybe_unused]] const bool stands_in = (stand_in(nullptr), stand_in("VOREL32.DLL"), true);
+
+}  // namespace
