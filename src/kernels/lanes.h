@@ -89,6 +89,10 @@ template <class Step>
 [[gnu::always_inline]] inline Bytes larger(Bytes a, Bytes b) {
   return (Bytes)VOREL_INTRINSIC(max_epu8)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
 }
+// The mean, rounded up.
+[[gnu::always_inline]] inline Bytes mean(Bytes a, Bytes b) {
+  return (Bytes)VOREL_INTRINSIC(avg_epu8)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
+}
 [[gnu::always_inline]] inline Byte1 smaller(Byte1 a, Byte1 b) { return a < b ? a : b; }
 [[gnu::always_inline]] inline Byte1 larger(Byte1 a, Byte1 b) { return a > b ? a : b; }
 
@@ -128,7 +132,10 @@ using Mask = std::conditional_t<kVectorBytes == 32, uint32_t, uint16_t>;
   return (Bytes)VOREL_INTRINSIC(unpackhi_epi8)((VOREL_VECTOR)bytes, (VOREL_VECTOR)partners);
 }
 
-// The high eight bytes of each part of both, in turn.
+// The low or high eight bytes of each part of both, in turn.
+[[gnu::always_inline]] inline Bytes low_halves(Bytes a, Bytes b) {
+  return (Bytes)VOREL_INTRINSIC(unpacklo_epi64)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
+}
 [[gnu::always_inline]] inline Bytes high_halves(Bytes a, Bytes b) {
   return (Bytes)VOREL_INTRINSIC(unpackhi_epi64)((VOREL_VECTOR)a, (VOREL_VECTOR)b);
 }
@@ -199,6 +206,10 @@ using Mask = std::conditional_t<kVectorBytes == 32, uint32_t, uint16_t>;
 [[gnu::always_inline]] inline Bytes64 high_pairs(Bytes64 bytes, Bytes64 partners) {
   return (Bytes64)_mm512_maskz_unpackhi_epi8(~__mmask64{0}, (__m512i)bytes, (__m512i)partners);
 }
+[[gnu::always_inline]] inline Bytes64 low_halves(Bytes64 a, Bytes64 b) {
+  return (Bytes64)_mm512_maskz_unpacklo_epi64(static_cast<__mmask8>(~0), (__m512i)a, (__m512i)b);
+}
+[[gnu::always_inline]] inline Bytes64 mean(Bytes64 a, Bytes64 b) { return (Bytes64)_mm512_avg_epu8((__m512i)a, (__m512i)b); }
 [[gnu::always_inline]] inline Bytes64 high_halves(Bytes64 a, Bytes64 b) {
   return (Bytes64)_mm512_maskz_unpackhi_epi64(static_cast<__mmask8>(~0), (__m512i)a, (__m512i)b);
 }

@@ -42,6 +42,15 @@ struct LinearMix {
                                  change(high_pairs(lighter, rounding), high_pairs(heavier, of_loss), weights));
   }
 
+  // Weights of 127 and 128 where `halves` is 1: half the lighter one rounded down, and half the heavier one rounded up, except that
+  // the share of a 1 is 1 and that of 254 is 128. Where `halves` is 0, both are the same sample, which remains.
+  static constexpr uint8_t kHalf = 127;
+  [[gnu::always_inline]] static Vector halved(Vector lighter, Vector heavier, Vector halves) {
+    lighter += (Vector)(lighter == 1) & halves;
+    heavier += (Vector)(heavier == 254) & halves;
+    return mean(lighter, heavier) - (lighter & ~heavier & 1);
+  }
+
  private:
   [[gnu::always_inline]] static Numbers share(Vector pairs, Numbers weights) {
     return multiply_high(multiply_add(pairs, (Vector)weights), Numbers{} + uint16_t{257});
@@ -86,12 +95,13 @@ class LinearStretch {
           const uint8_t weight = weights[at(i)];
           fits_ = fits_ && next < kWindow;
           const bool next_is_heavier = weight > 127;
+          const auto lighter_weight = static_cast<uint8_t>(next_is_heavier ? 255 - weight : weight);
+          has_halves_ = has_halves_ && (lighter_weight == 0 || lighter_weight == WideMix::kHalf);
           const auto [half, place] = place_of(run * kRun + i);
           uint8_t* const places = &blocks_[block].places[half][place / kPair * kPart + place % kPair];
-          places[0] = static_cast<uint8_t>((next_is_heavier ? here : next) % kWindow);
           places[kPair] = static_cast<uint8_t>((next_is_heavier ? next : here) % kWindow);
-          blocks_[block].weights[half][place] =
-              WideMix::pair_of(static_cast<uint8_t>(next_is_heavier ? 255 - weight : weight));
+          places[0] = lighter_weight == 0 ? places[kPair] : static_cast<uint8_t>((next_is_heavier ? here : next) % kWindow);
+          blocks_[block].weights[half][place] = WideMix::pair_of(lighter_weight);
         }
       }
     find_period(positions.size() / kBlock);
@@ -108,20 +118,10 @@ class LinearStretch {
 
   // Writes the samples from `begin`, the start of a block, to before `end`. The row begins at `from`.
   void stretch(const uint8_t* from, size_t begin, size_t end, uint8_t* to) const {
-    const uint32_t* windows = &windows_[begin / kBlock * kWindows];
-    if (period_ == 1) {
-      const Block block = blocks_[0];  // in registers
-      for (; begin + kBlock <= end; begin += kBlock, to += kBlock, windows += kWindows)
-        store(to, stretched(from, windows, block));
-    }
-    for (size_t at = begin / kBlock % period_; begin + kBlock <= end; begin += kBlock, to += kBlock, windows += kWindows) {
-      store(to, stretched(from, windows, blocks_[at]));
-      if (++at == period_) at = 0;
-    }
-    if (begin == end) return;
-    alignas(kBlock) uint8_t last[kBlock];
-    store(last, stretched(from, windows, blocks_.back()));
-    std::memcpy(to, last, end - begin);
+    if (has_halves_)
+      stretch<Weights::kHalves>(from, begin, end, to);
+    else
+      stretch<Weights::kAny>(from, begin, end, to);
   }
 
  private:
@@ -137,6 +137,27 @@ class LinearStretch {
   static std::span<Block> aligned_blocks(size_t count, Arena& arena) {
     uint8_t* const memory = arena.take<uint8_t>(count * sizeof(Block) + alignof(Block)).data();
     return {reinterpret_cast<Block*>(memory + (0 - reinterpret_cast<uintptr_t>(memory)) % alignof(Block)), count};
+  }
+
+  // Those of halves are 0 or 127 for the lighter neighbour, as at twice the size.
+  enum class Weights { kAny, kHalves };
+
+  template <Weights kWeights>
+  void stretch(const uint8_t* from, size_t begin, size_t end, uint8_t* to) const {
+    const uint32_t* windows = &windows_[begin / kBlock * kWindows];
+    if (period_ == 1) {
+      const Block block = blocks_[0];  // in registers
+      for (; begin + kBlock <= end; begin += kBlock, to += kBlock, windows += kWindows)
+        store(to, stretched<kWeights>(from, windows, block));
+    }
+    for (size_t at = begin / kBlock % period_; begin + kBlock <= end; begin += kBlock, to += kBlock, windows += kWindows) {
+      store(to, stretched<kWeights>(from, windows, blocks_[at]));
+      if (++at == period_) at = 0;
+    }
+    if (begin == end) return;
+    alignas(kBlock) uint8_t last[kBlock];
+    store(last, stretched<kWeights>(from, windows, blocks_.back()));
+    std::memcpy(to, last, end - begin);
   }
 
   struct Place {
@@ -162,9 +183,15 @@ class LinearStretch {
     if (!repeats(period_)) period_ = std::max<size_t>(blocks_.size(), 1);
   }
 
+  template <Weights kWeights>
   [[gnu::always_inline]] static WideBytes stretched(const uint8_t* from, const uint32_t* windows, const Block& block) {
     const WideBytes low = neighbours<0>(from, windows, block), high = neighbours<1>(from, windows, block);
-    const WideBytes mixed = high_halves(low, high) + pack_signed(change<0>(low, block), change<1>(high, block));
+    WideBytes mixed = high_halves(low, high);
+    if constexpr (kWeights == Weights::kHalves)
+      mixed = WideMix::halved(low_halves(low, high), mixed,
+                              pack_signed(load<WideWords>(block.weights[0]) & 1, load<WideWords>(block.weights[1]) & 1));
+    else
+      mixed += pack_signed(change<0>(low, block), change<1>(high, block));
 #ifdef __AVX512VBMI__
     return even_then_odd_groups(mixed);
 #else
@@ -194,7 +221,7 @@ class LinearStretch {
 
   std::span<Block> blocks_;
   std::span<uint32_t> windows_;  // positions of each block's windows
-  bool fits_ = true;
+  bool fits_ = true, has_halves_ = true;
   size_t period_ = 1;
 };
 

@@ -108,10 +108,20 @@ class Resampler {
   static void mix_rows(const std::array<const uint8_t*, 2>& rows, const std::array<uint8_t, 2>& weights, size_t begin,
                        size_t end, uint8_t* to, auto put) {
     const size_t heavier = weights[1] > weights[0];
-    const auto mixed_at = [light = rows[1 - heavier], heavy = rows[heavier],
-                           weight = WideWords{} + WideMix::pair_of(weights[1 - heavier])](size_t i) VOREL_INLINE {
-      return WideMix::mixed(load<WideBytes>(light + i), load<WideBytes>(heavy + i), weight);
-    };
+    const uint8_t *const light = rows[1 - heavier], *const heavy = rows[heavier];
+    if (const uint8_t weight = weights[1 - heavier]; weight == WideMix::kHalf)
+      combine_rows(light, heavy, begin, end, to, put,
+                   [](WideBytes a, WideBytes b) VOREL_INLINE { return WideMix::halved(a, b, WideBytes{} + 1); });
+    else
+      combine_rows(light, heavy, begin, end, to, put,
+                   [pair = WideWords{} + WideMix::pair_of(weight)](WideBytes a, WideBytes b)
+                       VOREL_INLINE { return WideMix::mixed(a, b, pair); });
+  }
+
+  [[gnu::always_inline]] static void combine_rows(const uint8_t* light, const uint8_t* heavy, size_t begin, size_t end,
+                                                  uint8_t* to, auto put, auto combined) {
+    const auto mixed_at = [&](size_t i)
+                              VOREL_INLINE { return combined(load<WideBytes>(light + i), load<WideBytes>(heavy + i)); };
     constexpr size_t kWide = sizeof(WideBytes);
     size_t i = begin;
     for (; i + kWide <= end; i += kWide, to += kWide) {
