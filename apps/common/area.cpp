@@ -145,7 +145,9 @@ class PartsAcross {
   // Whether no new pixel covers more than a few old ones.
   bool has_few() const { return !few_.empty(); }
   // For a word that begins at the new pixel's first old one.
-  uint32_t of_few(int x, uint64_t pixels) const { return few_[static_cast<size_t>(x)][pixels >> (64 - kFew)]; }
+  uint32_t of_few(int x, uint64_t pixels) const {
+    return few_[static_cast<size_t>(x)][static_cast<size_t>(pixels >> (64 - kFew))];
+  }
 
   uint64_t of(int x, std::span<const uint8_t> row) const {
     const Cover& cover = (*this)[x];

@@ -24,7 +24,7 @@ std::vector<uint8_t> data_by_libtiff(const std::vector<Row>& rows, int width) {
   for (uint32_t y = 0; Row row : rows) TIFFWriteScanline(tiff, row.data(), y++, 0);
   TIFFClose(tiff);
   tiff = TIFFOpen(path.c_str(), "r");
-  std::vector<uint8_t> data(TIFFRawStripSize64(tiff, 0));
+  std::vector<uint8_t> data(static_cast<size_t>(TIFFRawStripSize64(tiff, 0)));
   TIFFReadRawStrip(tiff, 0, data.data(), static_cast<tmsize_t>(data.size()));
   TIFFClose(tiff);
   return data;

@@ -257,8 +257,8 @@ class RunMasks {
   // The same as decides_alone().
   static __m128i decide_alone(__m128i x, __m128i y) {
     const auto weights = [](__m128i part) {
-      const __m128i near = _mm_xor_si128(part, _mm_srai_epi16(part, 15));
-      return _mm_sub_epi16(all(31), _mm_slli_epi16(_mm_srli_epi16(near, 12), 1));
+      const __m128i to_nearest = _mm_xor_si128(part, _mm_srai_epi16(part, 15));
+      return _mm_sub_epi16(all(31), _mm_slli_epi16(_mm_srli_epi16(to_nearest, 12), 1));
     };
     return _mm_cmpgt_epi16(_mm_mullo_epi16(weights(x), weights(y)), all(512));
   }
