@@ -13,9 +13,13 @@ else()
   set(samples_folder ${CMAKE_INSTALL_DOCDIR}/examples)
 endif()
 
-file(GLOB manual ${PROJECT_SOURCE_DIR}/docs/*.md)
-install(FILES ${manual} DESTINATION ${documents}/docs COMPONENT development)
-install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${documents} COMPONENT development)
+# The documents as they are in the source, and the manual if the target `manual` has made it.
+set(VOREL_MANUAL ${PROJECT_BINARY_DIR}/manual CACHE PATH "Folder of the finished manual: html/ and vorel32.pdf")
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/SECURITY.md
+        DESTINATION ${documents} COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${documents} COMPONENT development PATTERN manual EXCLUDE PATTERN "*.sh" EXCLUDE)
+install(DIRECTORY ${VOREL_MANUAL}/html DESTINATION ${documents}/manual COMPONENT development OPTIONAL)
+install(FILES ${VOREL_MANUAL}/vorel32.pdf DESTINATION ${documents}/manual COMPONENT development OPTIONAL)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/samples/ DESTINATION ${samples_folder} COMPONENT development)
 install(FILES ${VOREL_DECLARATIONS} DESTINATION ${declarations_folder} COMPONENT development)
 

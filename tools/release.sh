@@ -26,29 +26,49 @@ SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
 export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C.UTF-8
 umask 022
 
-# packages FOLDER PRESET OPTION...: builds a preset of the source in FOLDER and packs it.
-packages() {
-  local source=$1 preset=$2 log=$1/$2.log
-  shift 2
-  say "$preset (log: $log)"
-  (cd "$source" && cmake --preset "$preset" -DVOREL_TESTS=OFF -DVOREL_BENCH=OFF -DVOREL_BUILD="$number" \
-    -DVOREL_SIGN_WITH="${VOREL_SIGN_WITH:-}" "$@" && cmake --build "build/$preset" -j2 && cd "build/$preset" && cpack) >"$log" 2>&1 ||
-    { tail -n 30 "$log" >&2; fail "$preset cannot be packed"; }
+# in_source LOG COMMAND...: runs a command in the source of this release.
+in_source() {
+  local log=$1
+  shift
+  (cd "$source" && "$@") >>"$log" 2>&1 || { tail -n 30 "$log" >&2; fail "$* (log: $log)"; }
+}
+
+# build PRESET OPTION...
+build() {
+  local preset=$1
+  shift
+  say "$preset (log: $source/$preset.log)"
+  in_source "$source/$preset.log" cmake --preset "$preset" -DVOREL_TESTS=OFF -DVOREL_BENCH=OFF -DVOREL_BUILD="$number" \
+    -DVOREL_MANUAL="$source/build/native/manual" -DVOREL_SIGN_WITH="${VOREL_SIGN_WITH:-}" "$@"
+  in_source "$source/$preset.log" cmake --build "build/$preset" -j2
+}
+
+# The manual shows pictures of both systems, so it comes after both builds.
+make_manual() {
+  [ -e "$source/docs/manual/CMakeLists.txt" ] || return 0
+  say "manual (log: $source/manual.log)"
+  in_source "$source/manual.log" cmake --build build/win32 -j2 --target manual_pictures
+  in_source "$source/manual.log" cmake --build build/native -j2 --target manual
 }
 
 # make_all FOLDER: everything, in FOLDER/dist.
 make_all() {
-  local source=$1/vorel32-$version
+  local preset
+  source=$1/vorel32-$version
   mkdir -p "$1/dist" "$source"
   git archive --format=tar --prefix="vorel32-$version/" HEAD | gzip -9n >"$1/dist/vorel32-$version.tar.gz"
   tar -xzf "$1/dist/vorel32-$version.tar.gz" -C "$1"
   mkdir -p "$source/build"
   cp -a build/codecs-* "$source/build/"
-  packages "$source" win32
-  packages "$source" win64
-  packages "$source" native -DVOREL_DEBIAN=ON -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_INSTALL_LIBDIR="lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)"
+  build win32
+  build win64
+  build native -DVOREL_DEBIAN=ON -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_INSTALL_LIBDIR="lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)"
+  make_manual
+  for preset in win32 win64 native; do
+    in_source "$source/$preset.log" cpack --config "build/$preset/CPackConfig.cmake"
+  done
   find "$source"/build/*/packages -maxdepth 1 -name '*.zip' -o -maxdepth 1 -name '*.exe' -o -maxdepth 1 -name '*.deb' |
-    xargs cp -t "$1/dist"
+    xargs -d '\n' cp -t "$1/dist"
   (cd "$1/dist" && sha256sum -- * >SHA256SUMS)
 }
 

@@ -16,7 +16,7 @@ WINE=(wine wine32:i386 wine64)
 CHECKS=()
 [ "${1:-}" != --checks ] || CHECKS=(g++-multilib gcovr)  # for 32-bit builds and coverage in tools/check
 RELEASE=()
-[ "${1:-}" != --release ] || RELEASE=(nsis osslsigncode lintian zip unzip fp-compiler fp-units-rtl mono-mcs mono-runtime)  # and other languages' compilers
+[ "${1:-}" != --release ] || RELEASE=(nsis osslsigncode lintian debootstrap openssl zip unzip fp-compiler fp-units-rtl mono-mcs mono-runtime)  # and other languages' compilers
 CLUSTER=()
 [ "${1:-}" != --cluster ] || CLUSTER=(python3-distributed slurm-wlm munge parallel bc)  # for demo-cluster.sh
 

@@ -15,7 +15,13 @@ set(CPACK_PACKAGE_EXECUTABLES vorelview "Vorel Viewer (${bits}-bit)")
 set(CPACK_NSIS_UNINSTALL_NAME Uninstall)
 set(CPACK_NSIS_INSTALLED_ICON_NAME "bin\\vorelview.exe")
 set(CPACK_NSIS_ENABLE_UNINSTALL_BEFORE_INSTALL ON)
+set(CPACK_NSIS_DEFINES
+    "!define VIEWER_NAME Vorel${bits}\n!define VIEWER_TITLE \"Vorel Viewer (${bits}-bit)\"\n!include \"${CMAKE_CURRENT_LIST_DIR}/file_types.nsh\"")
+set(CPACK_NSIS_PAGE_COMPONENTS "!insertmacro MUI_PAGE_COMPONENTS")
+set(CPACK_NSIS_COMPONENT_SECTIONS "!insertmacro FileTypesSection")
+set(CPACK_NSIS_EXTRA_INSTALL_COMMANDS "!insertmacro AddFileTypes")
 # The template leaves the key of the vendor behind.
 set(CPACK_NSIS_EXTRA_UNINSTALL_COMMANDS
-    "DeleteRegKey SHCTX \"Software\\${CPACK_PACKAGE_VENDOR}\\${CPACK_PACKAGE_INSTALL_REGISTRY_KEY}\"
+    "!insertmacro RemoveFileTypes
+  DeleteRegKey SHCTX \"Software\\${CPACK_PACKAGE_VENDOR}\\${CPACK_PACKAGE_INSTALL_REGISTRY_KEY}\"
   DeleteRegKey /ifempty SHCTX \"Software\\${CPACK_PACKAGE_VENDOR}\"")
