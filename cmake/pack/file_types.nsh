@@ -64,6 +64,7 @@ Var FileTypes
 
 !macro RemoveFileTypes
   DeleteRegValue SHCTX "Software\RegisteredApplications" "${VIEWER_NAME}"
+  DeleteRegKey /ifnosubkeys /ifnovalues SHCTX "Software\RegisteredApplications"
   DeleteRegKey SHCTX "Software\${VIEWER_NAME}"
   DeleteRegKey SHCTX "Software\Classes\${VIEWER_CLASS}"
   !insertmacro EachFileType RemoveFileType
