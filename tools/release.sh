@@ -23,7 +23,7 @@ esac
 version=$(sed -nE 's/^project\(vorel32 VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
 number=$(git rev-list --count HEAD)
 SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
-export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C.UTF-8
+export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C.UTF-8 CCACHE_SLOPPINESS=locale
 umask 022
 
 # in_source LOG COMMAND...: runs a command in the source of this release.
