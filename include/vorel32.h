@@ -16,6 +16,15 @@
  *  OWNERSHIP. The caller owns every returned handle and frees it: DIB handles with GlobalFree, bitmaps and palettes with
  *  DeleteObject. Functions only read their arguments and never free them, unless documented otherwise.
  *
+ *  ARGUMENTS of these names mean the same wherever a comment does not explain them:
+ *    dib             the handle of a DIB
+ *    bitmap          the handle of a device bitmap
+ *    path            the path of a file
+ *    window          the handle of a window
+ *    wParam, lParam  the parameters of the message
+ *    state           the state of the window's display, an ImgDisplayState of the caller
+ *    tracker         an ImgZoomTracker of the caller
+ *
  *  ERRORS. Failure is a zero result (a null handle, FALSE). The reason is the calling thread's error code, read with
  *  ImgError; ImgErrorString gives its text. Success leaves the code unchanged unless documented otherwise, so read it only
  *  after a failure. "No code" means that a failure leaves the thread's code unchanged too.
@@ -137,28 +146,37 @@ typedef struct tagRGBTRIPLE {
 /** Allocates a memory block.
  *  flags  GMEM_FIXED or GMEM_MOVEABLE, with GMEM_ZEROINIT for zero-filled; GHND is movable and zero-filled
  *  bytes  its size; a movable block of 0 bytes exists but cannot be locked until it is given a size
- *  Returns the handle, for GlobalFree, or NULL when memory is short. */
+ *  Returns the handle. NULL: memory is short. Owner: The caller frees the block with GlobalFree. */
 VOREL_API HGLOBAL GlobalAlloc(UINT flags, size_t bytes);
 
 /** Changes a block's size, keeping its content up to the smaller of the two sizes.
+ *  block  its handle
+ *  bytes  the new size
  *  flags  GMEM_ZEROINIT zeroes added bytes; GMEM_MOVEABLE lets a fixed or locked block move; GMEM_MODIFY keeps the size, and
  *         with GMEM_MOVEABLE makes a fixed block movable
  *  A locked or fixed block that may not move can only shrink.
- *  Returns the handle, unchanged for a movable block. NULL: memory is short, or the block may not move; it is unchanged. */
+ *  Returns the handle, unchanged for a movable block. NULL: memory is short, or the block may not move; it is unchanged.
+ *  Owner: The result replaces the old handle. */
 VOREL_API HGLOBAL GlobalReAlloc(HGLOBAL block, size_t bytes, UINT flags);
 
 /** Locks a block. A movable block counts up to 255 locks; further locks are not counted and need no unlocking.
- *  Returns the address of its first byte, or NULL for an invalid handle and for a movable block of 0 bytes. */
+ *  block  its handle
+ *  Returns the address of its first byte. NULL: an invalid handle, or a movable block of 0 bytes.
+ *  Owner: The address is valid while the block is locked. */
 VOREL_API void* GlobalLock(HGLOBAL block);
 
 /** Removes one lock.
- *  Returns TRUE while locks remain and for every fixed block, FALSE if none remains or the handle is invalid. */
+ *  block  its handle
+ *  Returns TRUE while locks remain and for every fixed block, FALSE if none remains. FALSE: an invalid handle. */
 VOREL_API BOOL GlobalUnlock(HGLOBAL block);
 
-/** Returns the block's size in bytes, exactly as requested, or 0 for an invalid handle. */
+/** Returns the block's size in bytes, exactly as requested. 0: an invalid handle.
+ *  block  its handle */
 VOREL_API size_t GlobalSize(HGLOBAL block);
 
-/** Frees a block, locked or not. Returns NULL, or the handle itself if it is invalid; NULL is allowed. */
+/** Frees a block, locked or not.
+ *  block  its handle; NULL does nothing
+ *  Returns NULL. Errors: The handle itself if it is invalid. Owner: The handle is no longer valid. */
 VOREL_API HGLOBAL GlobalFree(HGLOBAL block);
 
 #endif /* !_WIN32 */
@@ -204,28 +222,32 @@ typedef enum ImgErrorCode {
 /** Bytes that hold any message of ImgErrorString with its terminating zero. */
 #define IMG_MESSAGE_BYTES 50
 
-/** Returns the calling thread's error code, as the last operation that stored one left it; 0 in a new thread. */
+/** Returns the calling thread's error code, as the last operation that stored one left it; 0 in a new thread. Errors: None. */
 VOREL_API int VORELCALL ImgError(void);
 
-/** Sets the calling thread's error code. A code outside 0 to 31 changes nothing. Returns the previous code either way. */
+/** Sets the calling thread's error code.
+ *  code  0 to 31
+ *  Returns the previous code. Errors: A code outside its range changes nothing. */
 VOREL_API int VORELCALL SetImgError(int code);
 
 /** Gives the text of an error code.
  *  buffer  receives the message with its terminating zero; IMG_MESSAGE_BYTES are enough. NULL shows the message instead, in a
  *          message box titled "VOREL error" (on Linux: a line on the standard error stream)
  *  code    0 to 31; any other value stands for the thread's current code, and "Unknown error." if it has no text either
- *  Returns buffer. */
+ *  Returns buffer. Errors: None. Owner: The text is written to the caller's buffer. */
 VOREL_API char* VORELCALL ImgErrorString(char* buffer, int code);
 
 /** Copies the version text, "Version 5.59".
+ *  buffer  receives the text
  *  length  bytes at buffer. 13 or more: the text with its terminating zero. 1 to 12: exactly that many characters and no
- *          terminating zero. 0 or less: nothing. */
+ *          terminating zero. 0 or less: nothing
+ *  Errors: None; a null buffer receives nothing. */
 VOREL_API void VORELCALL GetImageVersion(char* buffer, int length);
 
 /* ---- DIB headers and palettes -------------------------------------------------------------------------------------- */
 
 /** Returns the size in bytes of the colour table of a header in memory: colours * 4 for a 40-byte header,
- *  colours * 3 for any other (the RGBTRIPLE table of a BITMAPCOREHEADER). 0 for NULL and for a table of 4 GB or more.
+ *  colours * 3 for any other (the RGBTRIPLE table of a BITMAPCOREHEADER). 0, no code: NULL, or a table of 4 GB or more.
  *  header  a complete BITMAPINFOHEADER or BITMAPCOREHEADER, usually a locked DIB */
 VOREL_API UINT VORELCALL PaletteSize(void* header);
 
@@ -242,18 +264,22 @@ VOREL_API HGLOBAL VORELCALL ReadDIBInfo(HFILE file);
 
 /** Complements the first biClrUsed colours of the table, in place; reserved bytes are unchanged.
  *  If biClrUsed is 0, no colour is changed, even if the depth implies a table.
- *  Returns TRUE. FALSE, no code: not a DIB handle, or biSize is not 40. */
+ *  dib  any depth, a 40-byte header
+ *  Returns TRUE. FALSE, no code: not a DIB handle, or biSize is not 40. Owner: `dib` stays the caller's and is changed. */
 VOREL_API BOOL VORELCALL InvertDIBPalette(HGLOBAL dib);
 
 /** Exchanges the values 0 and 1 of a 1-bit DIB in place: swaps its two colours and inverts every bit of the rows, padding
  *  included, so that the picture looks the same. The two colours are read directly behind a 40-byte header and the rows directly
- *  behind the colours, whatever biSize and biClrUsed state. With a negative height only the colours are swapped. Nothing
- *  is changed at other depths or for an invalid handle. */
+ *  behind the colours, whatever biSize and biClrUsed state. With a negative height only the colours are swapped.
+ *  dib  1 bit
+ *  Errors: No code; at other depths and for an invalid handle nothing is changed.
+ *  Owner: `dib` stays the caller's and is changed. */
 VOREL_API void VORELCALL InvertMonoDIB(HGLOBAL dib);
 
 #ifdef _WIN32
 
 /** Makes a logical palette with a DIB's colours. Windows only.
+ *  dib  1, 4 or 8 bits, or deeper with a colour table
  *  Returns a palette for DeleteObject. NULL: IMG_E_CREATE_PALETTE (also for more than 65,535 colours); no code for an
  *  invalid DIB handle and for a DIB without colours (24 bits). */
 VOREL_API HPALETTE VORELCALL CreateDIBPalette(HGLOBAL dib);
@@ -271,6 +297,7 @@ VOREL_API BOOL VORELCALL GetSystemPalette(RGBQUAD* colours);
 /* ---- DIBs and device bitmaps (Windows only) ------------------------------------------------------------------------ */
 
 /** Makes a DIB of a device bitmap: 1, 4 or 8 bits as the bitmap, 24 for deeper ones. Windows only.
+ *  bitmap   not selected into a device context
  *  palette  selected while the system reads the bitmap; NULL for the screen's. The system fills in the colour table as it
  *           does for GetDIBits. If it does not, the table has the palette's entries or, if there are none or too many, the
  *           default colours: black and white, the 16 standard colours, or a 3-3-2 cube
@@ -307,6 +334,7 @@ VOREL_API HGLOBAL VORELCALL LoadDIBFromFile(LPCSTR path);
 
 /** Saves a DIB as a Windows bitmap file, creating or replacing the file: a 14-byte file header, then the whole memory
  *  block, including spare bytes at its end. The DIB is not checked beyond the presence of its header.
+ *  dib  any depth, compressed or not
  *  Returns TRUE. FALSE: IMG_E_PARAMETER (NULL, or a block shorter than 40 bytes), IMG_E_LOCK (not a handle),
  *  IMG_E_OPEN_FILE, IMG_E_FILE_IO. A write that fails part-way, on a full disk for instance, can go unnoticed: compare the
  *  file's size with 14 + GlobalSize(dib) if this matters. */
@@ -315,12 +343,12 @@ VOREL_API BOOL VORELCALL SaveDIB(LPCSTR path, HGLOBAL dib);
 #ifdef _WIN32
 
 /** Loads a bitmap file as a device bitmap: LoadDIBFromFile, then ConvertDIBToBitmap. Windows only.
- *  Returns a bitmap for DeleteObject, or NULL with the codes of these functions. */
+ *  Returns a bitmap for DeleteObject. NULL: the codes of these functions. */
 VOREL_API HBITMAP VORELCALL LoadBitmapFromFile(LPCSTR path);
 
 /** Saves a device bitmap as a bitmap file: ConvertBitmapToDIB, then SaveDIB. Windows only.
  *  palette  as for ConvertBitmapToDIB; NULL is allowed
- *  Returns TRUE, or FALSE with the codes of these functions; ConvertBitmapToDIB may leave its code on success too. */
+ *  Returns TRUE. FALSE: the codes of these functions. ConvertBitmapToDIB may leave its code on success too. */
 VOREL_API BOOL VORELCALL SaveBitmap(LPCSTR path, HBITMAP bitmap, HPALETTE palette);
 
 #endif /* _WIN32 */
@@ -349,7 +377,7 @@ typedef enum ImgFormat {
 /** Detects the format of a file by its first 512 bytes and, for TGA, by the end of its name.
  *  The tests run in a fixed order and the first match wins: a text that begins with a line feed is PCX, a file whose bytes 2
  *  and 3 are 9 and 0 is a metafile, and a JPEG or PNG file called *.tga is TGA.
- *  Returns an ImgFormat; IMG_FORMAT_UNKNOWN also for an unreadable file that is not called *.tga. Stores no code. */
+ *  Returns an ImgFormat. Errors: No code; an unreadable file that is not called *.tga is IMG_FORMAT_UNKNOWN. */
 VOREL_API int VORELCALL GetImageFormat(LPCSTR path);
 
 /** Loads an image file of any format. Bitmap files and colour fax page sets are read by the library itself; TIFF, PCX, DCX,
@@ -364,6 +392,7 @@ VOREL_API int VORELCALL GetImageFormat(LPCSTR path);
 VOREL_API HGLOBAL VORELCALL LoadImageIntoDIB(LPCSTR path, int page, int* status);
 
 /** Saves a DIB in a format of the caller's choice, through the codec modules like LoadImageIntoDIB.
+ *  dib     uncompressed, 1, 4, 8 or 24 bits; for bitmap files any DIB
  *  format  an ImgFormat. PNG files and page sets can be loaded but not saved
  *  option  GIF: 1 stores the rows interlaced, 0 in order. Ignored for other formats
  *  value   TIFF: the compression by its TIFF number, see ImgSaveTiff; 0 picks one. TGA: 0 stores plain rows, any other number
@@ -494,10 +523,11 @@ typedef BOOL(VORELCALL* ImgSaveJpegForm)(LPCSTR path, HGLOBAL dib, int quality, 
 
 /* ---- Quarter turns and mirrors ------------------------------------------------------------------------------------- */
 
-/*  The five DIB functions take 1-, 4-, 8- and 24-bit DIBs (at other depths the result's pixels are all zero, except
- *  by FlipDIBVertical, which accepts any depth) and return a new DIB handle whose block has 4 spare bytes at the end. Quarter turns
- *  swap width and height, and the two resolutions, and set the new biSizeImage; the others do not change the header. NULL,
- *  no code: not a DIB handle, a header of fewer than 40 bytes, a negative width or height, or memory is short. */
+/*  Quarter turns swap width and height, and the two resolutions, and set the new biSizeImage; half turns and mirrors do not change
+ *  the header.
+ *  dib  1, 4, 8 or 24 bits. At other depths the result's pixels are all zero, except by FlipDIBVertical, which accepts any depth
+ *  Returns a new DIB handle whose block has 4 spare bytes at the end. NULL, no code: not a DIB handle, a header of fewer than 40
+ *  bytes, a negative width or height, or memory is short. */
 
 /** Turns a DIB 90 degrees clockwise. */
 VOREL_API HGLOBAL VORELCALL RotateDIB90(HGLOBAL dib);
@@ -518,9 +548,10 @@ VOREL_API HGLOBAL VORELCALL FlipDIBHorizontal(HGLOBAL dib);
 
 #ifdef _WIN32
 
-/*  The device bitmap functions handle 1, 4, 8 and 24 bits per pixel and plane; at other depths (a 32-bit display's bitmaps)
- *  the result is all zero, except by FlipBitmapVertical, which accepts any depth. DIB sections are handled as bitmaps. Zero
- *  results: IMG_E_BITMAP_PARAMETERS (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns,
+/*  DIB sections are handled as bitmaps.
+ *  bitmap  1, 4, 8 or 24 bits per pixel and plane; at other depths (a 32-bit display's bitmaps) the result is all zero, except by
+ *          FlipBitmapVertical, which accepts any depth
+ *  Zero results: IMG_E_BITMAP_PARAMETERS (no bitmap), IMG_E_MEMORY, IMG_E_COPY_BITS and, for the quarter turns,
  *  IMG_E_CREATE_BITMAP. */
 
 /** Turns a device bitmap 90 degrees counter-clockwise (RotateDIB90 turns clockwise). Windows only.
@@ -531,18 +562,21 @@ VOREL_API HBITMAP VORELCALL RotateBitmap90(HBITMAP bitmap);
  *  is zero. Windows only. Returns a new bitmap for DeleteObject. */
 VOREL_API HBITMAP VORELCALL RotateBitmap270(HBITMAP bitmap);
 
-/** Turns a device bitmap 180 degrees, in place. Windows only. Returns TRUE. */
+/** Turns a device bitmap 180 degrees, in place. Windows only. Returns TRUE. Owner: `bitmap` stays the caller's and is changed. */
 VOREL_API BOOL VORELCALL RotateBitmap180(HBITMAP bitmap);
 
-/** Exchanges top and bottom of a device bitmap, in place. Windows only. Returns TRUE. */
+/** Exchanges top and bottom of a device bitmap, in place. Windows only. Returns TRUE.
+ *  Owner: `bitmap` stays the caller's and is changed. */
 VOREL_API BOOL VORELCALL FlipBitmapVertical(HBITMAP bitmap);
 
-/** Exchanges left and right of a device bitmap, in place. Windows only. Returns TRUE. */
+/** Exchanges left and right of a device bitmap, in place. Windows only. Returns TRUE.
+ *  Owner: `bitmap` stays the caller's and is changed. */
 VOREL_API BOOL VORELCALL FlipBitmapHorizontal(HBITMAP bitmap);
 
 /** Inverts every bit of a device bitmap, in place. Needs an active window of the calling thread. Windows only.
  *  bitmap  monochrome or in the display's format; any other bitmap or object is unchanged
- *  Returns TRUE, even if nothing was inverted. FALSE, no code: no active window, or no device context. */
+ *  Returns TRUE, even if nothing was inverted. FALSE, no code: no active window, or no device context.
+ *  Owner: `bitmap` stays the caller's and is changed. */
 VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
 
 #endif /* _WIN32 */
@@ -554,13 +588,13 @@ VOREL_API BOOL VORELCALL InvertBitmap(HBITMAP bitmap);
  *  dib      1, 4, 8 or 24 bits, a 40-byte header; at other depths all pixels of the result are 0
  *  angle    degrees, positive counter-clockwise
  *  method   1 counts steps along rows; any other number computes exact positions and rounds at each pixel
- *  status   receives 0, or 500 (compressed), 501 (width or height is a multiple of 65,536, 0 for instance), 503 (memory is short),
- *           505 (not a handle), 506 (null, or another header). The thread's code is unchanged
+ *  status   receives 0 or the number of a failure; may be NULL. The thread's code is unchanged
  *  corners  receives eight numbers, x and y of the turned corners relative to the centre, in whole pixels: first stored row
  *           left and right, last stored row right and left; y counts rows in stored order, upwards. May be NULL
  *  Each resolution becomes a mixture of both, by the angle; multiples of 90 degrees except 0 exchange them. At 0 degrees an odd
  *  width or height grows by one, and the source's first column or row may be missing from the result.
- *  Returns a DIB handle, or NULL. */
+ *  Returns a DIB handle. NULL, number in `status`: 500 (compressed), 501 (width or height is a multiple of 65,536, 0 for instance),
+ *  503 (memory is short), 505 (not a handle), 506 (null, or another header). */
 VOREL_API HGLOBAL VORELCALL RotateDIB(HGLOBAL dib, int angle, int method, int* status, int* corners);
 
 /** Shears a DIB: moves its rows or columns, each by a whole number of pixels. The result is larger by the offset and is
@@ -597,12 +631,13 @@ VOREL_API HGLOBAL VORELCALL ScaleDIB(HGLOBAL dib, int mode, unsigned width, unsi
 VOREL_API HGLOBAL VORELCALL ScaleGrayDIB(HGLOBAL dib, int width, int height, int x_factor, int y_factor, int mode);
 
 /** Cuts a DIB in two at a line.
+ *  dib            1, 4, 8 or 24 bits
  *  line           rows of the upper part, 1 to biHeight - 1
  *  first, second  receive the handles of the lower and the upper part. Each is written once its block is allocated, NULL if
  *                 memory is short; after a failure they may hold freed handles
  *  Both parts state the image size of the first.
- *  Returns TRUE; the caller owns both handles. FALSE, no code: not a DIB handle, a null pointer, a negative width, another depth
- *  than 1, 4, 8 or 24 bits, a line outside its range, or memory is short. */
+ *  Returns TRUE. FALSE, no code: not a DIB handle, a null pointer, a negative width, another depth than 1, 4, 8 or 24 bits, a line
+ *  outside its range, or memory is short. Owner: After success the caller frees both parts with GlobalFree. */
 VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* second);
 
 #ifdef _WIN32
@@ -610,21 +645,27 @@ VOREL_API BOOL VORELCALL CutDIB(HGLOBAL dib, int line, HGLOBAL* first, HGLOBAL* 
 /** Paints a device bitmap onto another. Windows only.
  *  x, y    the target position of the source's upper left corner. The system combines as many pixels as the target has,
  *          including whatever it returns beyond the source
- *  target  the bitmap to paint on; NULL becomes a copy of the source, for DeleteObject
+ *  target  the bitmap to paint on; NULL becomes a copy of the source
+ *  source  the bitmap to paint
  *  mask    of the source's size, or NULL; one in colour is made monochrome first. White lets the source through
  *  flag    without a mask: 0 replaces, any other number ORs. With a mask: 0 replaces, any other number XORs
- *  With a mask the source is ANDed with it and a monochrome mask is inverted: both lose their contents.
  *  Returns TRUE. FALSE: 501 (mask and source differ in size), 506 (no source), 507 (the source cannot be copied), the codes of
- *  ConvertToMonochromeBitmap; no code if the system does not paint. */
+ *  ConvertToMonochromeBitmap; no code if the system does not paint.
+ *  Owner: All bitmaps are the caller's, a copy in `target` included (DeleteObject). With a mask the source is ANDed with it and a
+ *  monochrome mask is inverted: both lose their contents. */
 VOREL_API BOOL VORELCALL CombineBMP(int x, int y, HBITMAP* target, HBITMAP source, HBITMAP mask, int flag);
 
 /** Paints a DIB onto another through device bitmaps, so the result has the display's colours. Windows only.
+ *  x, y    the target position of the source's upper left corner, as for CombineBMP
  *  target  the DIB to paint on, changed in place; NULL becomes a copy of the source (without pixels if the source
- *          states no biSizeImage), for GlobalFree
- *  The rest is as for CombineBMP, except that source and mask are unchanged.
+ *          states no biSizeImage)
+ *  source  the DIB to paint
+ *  mask    of the source's size, or NULL. White lets the source through
+ *  flag    without a mask: 0 replaces, any other number ORs. With a mask: 0 replaces, any other number XORs
  *  Returns TRUE. FALSE: 504 (no memory for the copy), 505 (not a DIB handle), 506 (no source), 508 (the source to be copied is
  *  compressed), 510 (a DIB cannot be converted, or the target is compressed), IMG_E_MEMORY, the codes of CombineBMP.
- *  A display without a palette leaves IMG_E_CREATE_PALETTE even though the call succeeds. */
+ *  A display without a palette leaves IMG_E_CREATE_PALETTE even though the call succeeds.
+ *  Owner: All DIBs are the caller's, a copy in `target` included (GlobalFree); source and mask are only read. */
 VOREL_API BOOL VORELCALL CombineDIB(int x, int y, HGLOBAL* target, HGLOBAL source, HGLOBAL mask, int flag);
 
 #endif /* _WIN32 */
@@ -640,11 +681,14 @@ typedef enum ImgOperation { IMG_ALLOCATE = 30, IMG_COMPUTE = 31, IMG_FREE = 32 }
  *    IMG_COMPUTE   counts the square and returns `histogram`. The thread remembers the last square that it counted, for any
  *                  picture and block, and does not count it again: start a new picture with IMG_ALLOCATE
  *    IMG_FREE      frees the block and returns NULL
- *  dib     IMG_COMPUTE: 8 bits. Pixel values are counted, not colours
- *  origin  IMG_COMPUTE: x and y of the square's upper left corner, y from the top; moved inside the picture
- *  error   receives 0, or IMG_E_MEMORY, IMG_E_PARAMETER (a null argument, a header of other than 40 bytes), IMG_E_LOCK (not a
- *          handle), IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (not 8 bits), IMG_E_DIB_SIZE. The thread's code is unchanged
- *  Returns NULL on failure. */
+ *  dib        IMG_COMPUTE: 8 bits, a 40-byte header. Pixel values are counted, not colours
+ *  operation  an ImgOperation
+ *  histogram  IMG_COMPUTE, IMG_FREE: a block from IMG_ALLOCATE
+ *  origin     IMG_COMPUTE: x and y of the square's upper left corner, y from the top; moved inside the picture
+ *  error      receives 0 or the code of a failure; may be NULL. The thread's code is unchanged
+ *  Returns the histogram block. NULL, code in `error`: IMG_E_MEMORY, IMG_E_PARAMETER (a null argument, a header of other than 40
+ *  bytes), IMG_E_LOCK (not a handle), IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (not 8 bits), IMG_E_DIB_SIZE.
+ *  Owner: The caller frees the returned block with IMG_FREE or GlobalFree. */
 VOREL_API HGLOBAL VORELCALL ComputeHistogram(HGLOBAL dib, int operation, HGLOBAL histogram, const int* origin, int* error);
 
 /** Makes a lookup table of contrast and brightness.
@@ -652,59 +696,75 @@ VOREL_API HGLOBAL VORELCALL ComputeHistogram(HGLOBAL dib, int operation, HGLOBAL
  *    IMG_COMPUTE   sets entry i to the level i + contrast * (i - mean) / 255 + brightness, between 0 and 255, and returns `table`.
  *                  On a thread that never allocated a table it writes nothing
  *    IMG_FREE      frees the block and returns its handle, which is no longer valid
- *  histogram  IMG_COMPUTE: contrast is centred on its mean level; 128 without a histogram or for an empty one
- *  contrast   0 leaves levels unchanged; -255 flattens the table to the mean
- *  brightness  levels to add
- *  error      receives 0, or IMG_E_MEMORY, IMG_E_PARAMETER (no table). The thread's code is unchanged
- *  Returns NULL on failure. */
+ *  histogram   IMG_COMPUTE: contrast is centred on its mean level; 128 without a histogram or for an empty one
+ *  operation   an ImgOperation
+ *  table       IMG_COMPUTE, IMG_FREE: a block from IMG_ALLOCATE
+ *  contrast    0 leaves levels unchanged; -255 flattens the table to the mean; any number
+ *  brightness  levels to add; any number
+ *  error       receives 0 or the code of a failure; may be NULL. The thread's code is unchanged
+ *  Returns the table's handle. NULL, code in `error`: IMG_E_MEMORY, IMG_E_PARAMETER (no table).
+ *  Owner: The caller frees the returned block with IMG_FREE or GlobalFree. */
 VOREL_API HGLOBAL VORELCALL ComputeLUT(HGLOBAL histogram, int operation, HGLOBAL table, int contrast, int brightness,
                                        int* error);
 
 /** Maps an 8-bit DIB through a lookup table. Each pixel becomes the table's level for the mean of its colour,
  *  (blue + green + red + 1) / 3, and the entries of the colour table become a grey ramp from black to white.
+ *  dib        8 bits, a 40-byte header
  *  table      a block of 256 bytes
  *  make_copy  0 changes the DIB itself and returns it; any other number returns a new DIB
- *  error      as for ComputeHistogram
- *  Returns NULL on failure. */
+ *  error      receives 0 or the code of a failure; may be NULL. The thread's code is unchanged
+ *  Returns a DIB handle. NULL, code in `error`: the codes of ComputeHistogram; IMG_E_PARAMETER also without a table.
+ *  Owner: A returned copy is the caller's (GlobalFree). Without one `dib` itself is changed and returned; free it once. */
 VOREL_API HGLOBAL VORELCALL ApplyLUT(HGLOBAL dib, HGLOBAL table, int make_copy, int* error);
 
 /** Changes brightness, then contrast, of the colours of a 4- or 8-bit DIB or of the pixels of a 24-bit one.
+ *  dib                   4, 8 or 24 bits, a 40-byte header
  *  brightness, contrast  percent, -100 to 100. Contrast is centred on level 128
  *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_PARAMETER (null, another header, percentages out of range),
  *  IMG_E_LOCK, IMG_E_COMPRESSED, IMG_E_PIXEL_BITS (another depth), IMG_E_DIB_SIZE, IMG_E_MEMORY. */
 VOREL_API HGLOBAL VORELCALL ColorBrightnessContrast(HGLOBAL dib, short brightness, short contrast);
 
 /** Makes a 24-bit copy of an 8-bit DIB. biSizeImage is computed from the low 16 bits of the row length.
+ *  dib  8 bits, a 40-byte header
  *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_NOTHING_TO_CONVERT (24 bits already), else as
  *  ColorBrightnessContrast. */
 VOREL_API HGLOBAL VORELCALL Convert8to24(HGLOBAL dib);
 
 /** Filters an 8-bit DIB, whose pixel values are assumed to be greys; the entries of the colour table become a grey ramp from black
  *  to white. Rows and columns at the edges are repeated beyond them.
+ *  dib          8 bits, a 40-byte header
  *  make_copy    0 changes the DIB itself and returns it; any other number returns a new DIB
  *  type         1 the caller's kernel, 2 one from a file, 3 box blur, 4 weighted blur, 5 sharpen by four neighbours, 6 by eight
  *  size         of the kernel: 3 or 5; types 1 and 3 also 7
  *  kernel_file  type 2: size x size coefficients row by row, then the divisor, as 32-bit little-endian integers
  *  kernel       type 1: the same in memory
- *  error        receives 0, or a code as for ComputeHistogram; IMG_E_PARAMETER also for another type or size, and for a kernel
- *               that is missing or out of bounds. The thread's code is unchanged
+ *  error        receives 0 or the code of a failure; may be NULL. The thread's code is unchanged
  *  A kernel's first row applies to the row above in the picture, its first column to the left neighbour. Coefficients, and
  *  the sums of the positive and of the negative ones, are -127 to 127. Divisor 0 stands for the sum of all coefficients, or 1
  *  if that is 0. If a kernel has both signs, and for types 5 and 6, sums are limited to 0 to 255 before they are divided.
  *  Quotients keep their low 8 bits. With size 5, types 4 and 6 count the second pixel of each row once too often; see
  *  docs/behaviour.md.
- *  Returns NULL on failure. */
+ *  Returns a DIB handle. NULL, code in `error`: the codes of ComputeHistogram; IMG_E_PARAMETER also for another type or size, and
+ *  for a kernel that is missing or out of bounds.
+ *  Owner: A returned copy is the caller's (GlobalFree). Without one `dib` itself is changed and returned; free it once. */
 VOREL_API HGLOBAL VORELCALL Convolve(HGLOBAL dib, int make_copy, int type, int size, LPCSTR kernel_file, const int* kernel,
                                      int* error);
 
 /** Filters the intensity of a 24-bit DIB: the change that the filter makes is added to blue, green and red alike, within 0 to 255.
+ *  dib                  24 bits, a 40-byte header
+ *  make_copy            0 changes the DIB itself and returns it; any other number returns a new DIB
  *  intensity_mode       1 (8 blue + 15 green + 3 red) / 26; any other number the mean
- *  kernel_file, kernel  hold 16-bit integers
- *  The rest is as for Convolve, except that sums are never limited before they are divided. */
+ *  type, size           as for Convolve
+ *  kernel_file, kernel  as for Convolve, but of 16-bit integers
+ *  error                receives 0 or the code of a failure; may be NULL. The thread's code is unchanged
+ *  Kernels are applied as by Convolve, except that sums are never limited before they are divided.
+ *  Returns a DIB handle. NULL, code in `error`: the codes of Convolve; IMG_E_PIXEL_BITS means not 24 bits.
+ *  Owner: A returned copy is the caller's (GlobalFree). Without one `dib` itself is changed and returned; free it once. */
 VOREL_API HGLOBAL VORELCALL ColorConvolution(HGLOBAL dib, int make_copy, int intensity_mode, short type, int size,
                                              LPCSTR kernel_file, const short* kernel, int* error);
 
 /** Makes a grey copy of 8 bits, or of 4 bits for a 4-bit DIB. 4 and 8 bits keep their pixels and get a grey colour table.
+ *  dib       1, 4, 8 or 24 bits, a 40-byte header
  *  grade     1 bit: 0 plain, 1 smoothed over 3 x 3 pixels, 2 over 5 x 5 (in pictures below 6 rows over 3 x 3, below 4 not at all).
  *            Set bits become white whatever the colour table says. Smoothed pictures are shifted by 1 or 2 stored rows
  *  weighted  0 the mean of blue, green and red; any other number (8 red + 15 green + 3 blue) / 26; ignored for 1 bit
@@ -713,12 +773,14 @@ VOREL_API HGLOBAL VORELCALL ConvColorDIBtoGrayscale(HGLOBAL dib, int grade, int 
 
 /** Makes an 8-bit grey copy of a 1-bit DIB. Its colour table runs from white to black, so pixel values are darkness: bits
  *  of the darker colour become high values.
+ *  dib    1 bit, a 40-byte header
  *  grade  as for ConvColorDIBtoGrayscale
  *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_COMPRESSED (also: not 1 bit, or not one plane), else as
  *  ConvColorDIBtoGrayscale. */
 VOREL_API HGLOBAL VORELCALL ConvMonoDIBtoGrayscale(HGLOBAL dib, int grade);
 
 /** Removes specks from a grey DIB of 1 or 8 bits, by the eight neighbours of each pixel. Edges are unchanged.
+ *  dib    1 or 8 bits, every colour grey, a 40-byte header
  *  level  strength, 20 to 100. If colour 0 is black, 120 - level replaces it
  *         1 bit: a pixel with more set neighbours than level * 8 / 100 is set, one with fewer is cleared
  *         8 bits: a pixel takes the value of its neighbour of rank (120 - level) * 9 / 100, counted from the smallest
@@ -730,18 +792,17 @@ VOREL_API HGLOBAL VORELCALL CleanImage(HGLOBAL dib, int level, int mode);
 
 /* ---- Black and white, and few colours ------------------------------------------------------------------------------- */
 
-/*  The four functions reduce a DIB of 4, 8 or 24 bits to fixed colours by error diffusion:
- *    bits 1   black and white, by luminance, (30 red + 59 green + 11 blue) / 100 (the weights of ITU-R BT.601, rounded)
- *    bits 4   red, green and blue independently on or off; pixels are 8 red + 4 green + 2 blue
- *    bits 8   eight reds, eight greens, four blues (3-3-2); DitherFS4 and DitherJJN only
- *  Colour tables of 16 or 256 entries are assumed whatever biClrUsed states, and neither header size nor compression is
- *  checked. They return a DIB handle and set the thread's code to 0. NULL: IMG_E_PARAMETER (other bits), IMG_E_DITHER_PARAMETER
- *  (bits not below the depth of the DIB, or another depth; one lock on the DIB remains), IMG_E_MEMORY (a lock may remain
- *  too), and for invalid handles:
- *                              null               not a DIB handle
- *    DitherFS4                 IMG_E_PARAMETER    IMG_E_LOCK
- *    DitherJJN, Smooth, Sharp  IMG_E_LOCK         IMG_E_MEMORY
- */
+/*  The four functions reduce a DIB to fixed colours by error diffusion:
+ *    1 bit   black and white, by luminance, (30 red + 59 green + 11 blue) / 100 (the weights of ITU-R BT.601, rounded)
+ *    4 bits  red, green and blue independently on or off; pixels are 8 red + 4 green + 2 blue
+ *    8 bits  eight reds, eight greens, four blues (3-3-2); DitherFS4 and DitherJJN only
+ *  dib   4, 8 or 24 bits. Colour tables of 16 or 256 entries are assumed whatever biClrUsed states, and neither header size nor
+ *        compression is checked
+ *  bits  of the result, fewer than those of the DIB: 1 or 4; DitherFS4 and DitherJJN also 8
+ *  Returns a DIB handle and sets the thread's code to 0. NULL: IMG_E_PARAMETER (other bits), IMG_E_DITHER_PARAMETER (bits not below
+ *  the depth of the DIB, or another depth; one lock on the DIB remains), IMG_E_MEMORY (a lock may remain too). For a null handle
+ *  DitherFS4 stores IMG_E_PARAMETER and the others IMG_E_LOCK; for other invalid ones DitherFS4 stores IMG_E_LOCK and the others
+ *  IMG_E_MEMORY. */
 
 /** Spreads errors over four neighbours, after Floyd and Steinberg (1976), except that a share for the row below replaces
  *  earlier ones. */
@@ -751,13 +812,16 @@ VOREL_API HGLOBAL VORELCALL DitherFS4(HGLOBAL dib, int bits);
  *  replaces earlier ones. */
 VOREL_API HGLOBAL VORELCALL DitherJJN(HGLOBAL dib, int bits);
 
-/** Moves the brightness of each block of 2 x 2 pixels into its brightest pixels; the remainder goes to the right. bits: 1 or 4. */
+/** Moves the brightness of each block of 2 x 2 pixels into its brightest pixels; the remainder goes to the right.
+ *  bits  of the result, fewer than those of the DIB: 1 or 4 */
 VOREL_API HGLOBAL VORELCALL DitherSmooth(HGLOBAL dib, int bits);
 
-/** The same, but half of the remainder goes to the right, which keeps edges sharper. bits: 1 or 4. */
+/** Like DitherSmooth, but half of the remainder goes to the right, which keeps edges sharper.
+ *  bits  of the result, fewer than those of the DIB: 1 or 4 */
 VOREL_API HGLOBAL VORELCALL DitherSharp(HGLOBAL dib, int bits);
 
-/** Makes a black and white copy of a DIB of 4, 8 or 24 bits.
+/** Makes a black and white copy of a DIB.
+ *  dib         4, 8 or 24 bits
  *  method      0 threshold: luminance above 128 becomes white; 1 error diffusion as in DitherJJN, with other weights for the second
  *              row below; 2 ordered, by a 16 x 16 matrix of thresholds (Bayer, 1973)
  *  brightness  added to the luminance of each pixel, within 0 to 255
@@ -769,7 +833,7 @@ VOREL_API HGLOBAL VORELCALL Halftone(HGLOBAL dib, WORD method, int brightness, W
 
 /* ---- Run-length compression ---------------------------------------------------------------------------------------- */
 
-/*  Both functions return a new DIB handle and set the thread's code to 0 on success. They assume a
+/*  Both functions set the thread's code to 0 on success. They assume a
  *  colour table of 16 or 256 entries whatever biClrUsed states: pixels or codes begin at byte 104 of a 4-bit block and
  *  1064 of an 8-bit one, and the whole table is copied. The header is copied too, except for biCompression and
  *  biSizeImage. A width or height of 0 is allowed. */
@@ -842,12 +906,12 @@ typedef struct ImgZoomTracker {
  *  enlarge  viewport values of enlarging ratios (enlarge : base); NULL keeps them. In a new thread 5; 10, 20, 40, 60, 80
  *  reduce   window values of reducing ratios (base : reduce); NULL keeps them. In a new thread 5; 10, 15, 30, 40, 50
  *  Tables have IMG_ZOOM_TABLE_ENTRIES entries. Entries beyond the count are stored but not used.
- *  Returns 1. Returns 0 and changes nothing if the base or a table is invalid. */
+ *  Returns 1. 0, no code: the base or a table is invalid; nothing is changed. */
 VOREL_API int VORELCALL BZoomSetScaleSteps(int base, const int* enlarge, const int* reduce);
 
 /** Copies the calling thread's zoom steps.
  *  enlarge, reduce  take IMG_ZOOM_TABLE_ENTRIES entries; may be NULL
- *  Returns the base. */
+ *  Returns the base. Errors: None. */
 VOREL_API int VORELCALL BZoomGetScaleSteps(int* enlarge, int* reduce);
 
 #ifdef _WIN32
@@ -865,35 +929,44 @@ typedef struct ImgDisplayState {
 
 /*  A window shows an image by forwarding its messages: DisplayWmCreate on WM_CREATE, DisplayStart or DisplayDIBStart for each new
  *  image, zoom ratio or option, DisplayWmPaint on WM_PAINT, DisplayWmSize, DisplayWmHorzScroll and DisplayWmVertScroll on
- *  WM_SIZE, WM_HSCROLL and WM_VSCROLL, DisplayWmDestroy on WM_DESTROY. The DIB or bitmap must live as long as it is shown. None
- *  of these functions sets the error code. Handlers return 0; those for sizes and scrolling return 1 for a null window. Without a
- *  state they do nothing, except that DisplayWmPaint validates the window. */
+ *  WM_SIZE, WM_HSCROLL and WM_VSCROLL, DisplayWmDestroy on WM_DESTROY. DIB, bitmap and palette must live as long as they are shown.
+ *  Handlers return 0; those for sizes and scrolling return 1 for a null window.
+ *  Errors: No code. Without a state these functions do nothing, except that DisplayWmPaint validates the window. */
 
 /** Clears the first 142 bytes of a state, on 64-bit Windows 154: everything up to the end of `reserved`. Returns 0. */
 VOREL_API LRESULT VORELCALL DisplayWmCreate(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
 /** Starts showing a device bitmap.
- *  palette  may be NULL; stays the caller's
+ *  bitmap   not selected into a device context
+ *  palette  may be NULL
  *  dpi      two numbers, across and down, the bitmap's resolution; NULL for the screen's
  *  view     four numbers, in and out; may be NULL. In: the first two are the image point for the upper left corner. Out:
  *           originLogicalX, originLogicalY, imageOriginDeviceX, imageOriginDeviceY
  *  zoom     viewport X, window X, viewport Y, window Y: image pixels are drawn viewport / window times as large; NULL for 1
  *  flags    IMG_DISPLAY_... A fitted or stretched image has scroll bars unless the flags exclude them
- *  Returns the stored flags; 0 without a state. */
+ *  Returns the stored flags; 0 without a state.
+ *  Owner: Bitmap and palette stay the caller's and must live as long as they are shown. */
 VOREL_API UINT VORELCALL DisplayStart(HWND window, HBITMAP bitmap, HPALETTE palette, const int* dpi, int* view,
                                       const int* zoom, UINT flags, ImgDisplayState* state);
 
 /** Starts showing a DIB, at the resolution in its header or, if it states none, the screen's.
- *  The rest is as for DisplayStart, except that without `view` both scroll positions start at 0.
- *  Returns `flags`; 0 without a state. */
+ *  dib    any depth that the system draws, a 40-byte header
+ *  view   as for DisplayStart; without it both scroll positions start at 0
+ *  zoom   as for DisplayStart
+ *  flags  as for DisplayStart
+ *  Returns `flags`; 0 without a state.
+ *  Owner: The DIB stays the caller's and must live as long as it is shown. DisplayWmDestroy deletes the bitmap and palette made of
+ *  it. */
 VOREL_API UINT VORELCALL DisplayDIBStart(HWND window, HGLOBAL dib, int* view, const int* zoom, UINT flags,
                                          ImgDisplayState* state);
 
-/** Handles a new window size: computes the layout again and updates the scroll bars. Repaints nothing. */
+/** Handles a new window size: computes the layout again and updates the scroll bars. Repaints nothing.
+ *  Returns 0; 1 without a window. */
 VOREL_API LRESULT VORELCALL DisplayWmSize(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
 /** Scroll by the code in the low word of wParam. A line is 8 window pixels or, if larger, a whole group of image pixels; a page is
- *  half the client area. */
+ *  half the client area.
+ *  Returns 0; 1 without a window. */
 VOREL_API LRESULT VORELCALL DisplayWmHorzScroll(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 VOREL_API LRESULT VORELCALL DisplayWmVertScroll(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
@@ -903,41 +976,56 @@ VOREL_API LRESULT VORELCALL DisplayWmVertScroll(HWND window, WPARAM wParam, LPAR
 VOREL_API LRESULT VORELCALL DisplaySetScrollPos(HWND window, ImgDisplayState* state, const int* position);
 
 /** Handles WM_PAINT: calls BeginPaint and EndPaint, draws the visible part of the image and fills the area around it with
- *  the brush of the window class. Without a state it only validates the window. */
+ *  the brush of the window class. Without a state it only validates the window.
+ *  Returns 0. */
 VOREL_API LRESULT VORELCALL DisplayWmPaint(HWND window, ImgDisplayState* state);
 
-/** Deletes the bitmap and palette that the state owns. */
+/** Deletes the bitmap and palette that the state owns.
+ *  Returns 0. Owner: What the caller passed to DisplayStart or DisplayDIBStart stays the caller's. */
 VOREL_API LRESULT VORELCALL DisplayWmDestroy(HWND window, WPARAM wParam, LPARAM lParam, ImgDisplayState* state);
 
-/** Draw the image onto any device context as the window shows it. Return the stored flags; 0 without a state. */
+/** Draw the image onto any device context as the window shows it.
+ *  dc  the device context
+ *  Return the stored flags; 0 without a state. */
 VOREL_API UINT VORELCALL DisplayImageDC(HDC dc, ImgDisplayState* state);
 VOREL_API UINT VORELCALL DisplayDIBImageDC(HDC dc, ImgDisplayState* state);
 
-/** Sets the mapping of a display on a device context, so that the caller can draw in image pixels. Does nothing without a
- *  state. */
+/** Sets the mapping of a display on a device context, so that the caller can draw in image pixels.
+ *  dc  the device context */
 VOREL_API void VORELCALL MapDisplayDC(HDC dc, ImgDisplayState* state);
 
-/** Return and set the low-memory switch of the process, initially 0. If it is not 0, DisplayDIBImage and DisplayCPPImage scale
+/** Get and set the low-memory switch of the process, initially 0. If it is not 0, DisplayDIBImage and DisplayCPPImage scale
  *  the visible part of DIBs of 1, 4, 8 and 24 bits themselves instead of having the system stretch the whole DIB. This takes less
- *  memory and, for large pictures shown small, less time. SetLowMemStretch returns the previous value. */
+ *  memory and, for large pictures shown small, less time.
+ *  value  the new value; any number
+ *  Return the value, SetLowMemStretch the previous one. Errors: None. */
 VOREL_API int VORELCALL GetLowMemStretch(void);
 VOREL_API int VORELCALL SetLowMemStretch(int value);
 
 /** Paints a DIB without a state, from WM_PAINT: calls BeginPaint and EndPaint, and shows or hides the scroll bars of the window.
  *  scroll  four numbers; the last two are the scroll positions, in image pixels from 0 to the image's size. NULL for 0
  *  zoom    as for DisplayStart; may be NULL. The image is drawn at its own resolution times this
- *  flags   IMG_DISPLAY_FIT (no scroll bars) and IMG_DISPLAY_INVERTED */
+ *  flags   IMG_DISPLAY_FIT (no scroll bars) and IMG_DISPLAY_INVERTED
+ *  Errors: No code; nothing is painted for an invalid window or DIB. */
 VOREL_API void VORELCALL DisplayDIBImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags);
 
-/** The same for a device bitmap, at the screen's resolution. */
+/** Paints a device bitmap without a state, as DisplayDIBImage paints a DIB, at the screen's resolution.
+ *  palette  used for drawing; may be NULL
+ *  scroll   as for DisplayDIBImage
+ *  zoom     as for DisplayStart; may be NULL
+ *  flags    as for DisplayDIBImage
+ *  Errors: No code; nothing is painted for an invalid window or bitmap. */
 VOREL_API void VORELCALL DisplayImage(HWND window, HBITMAP bitmap, HPALETTE palette, const int* scroll, const int* zoom,
                                       WORD flags);
 
-/*  Painting without a state, with working scroll bars. The caller keeps four numbers `scroll` for each window, initially
- *  0: the ends of the horizontal and vertical range (-1 if nothing is scrolled out of view) and the two positions, all in image
- *  pixels. The rest is as for DisplayDIBImage. */
+/*  Painting without a state, with working scroll bars.
+ *  scroll  four numbers that the caller keeps for each window, initially 0: the ends of the horizontal and vertical range (-1 if
+ *          nothing is scrolled out of view) and the two positions, all in image pixels
+ *  zoom    as for DisplayDIBImage
+ *  flags   as for DisplayDIBImage
+ *  Errors: No code; without a window, or without `scroll` where it is changed, nothing happens. */
 
-/** As DisplayDIBImage, from WM_PAINT. */
+/** Paints a DIB from WM_PAINT, as DisplayDIBImage does. */
 VOREL_API void VORELCALL DisplayCPPImage(HWND window, HGLOBAL dib, const int* scroll, const int* zoom, WORD flags);
 
 /** Sets ranges and scroll bars for a new image, ratio or window size, and moves the positions into their ranges. */
@@ -951,6 +1039,8 @@ VOREL_API void VORELCALL DisplayCPPVScroll(HWND window, WPARAM wParam, LPARAM lP
 
 /* ---- Interactive zooming (Windows only) ----------------------------------------------------------------------------- */
 
+/*  Errors: No code. Without a tracker, or a state where there is one, these functions do nothing. */
+
 /** Begins a zoom.
  *  start              the mouse position; NULL for (0, 0)
  *  current            the current ratio: viewport X, window X, viewport Y, window Y as left, top, right, bottom; NULL for 1
@@ -961,7 +1051,8 @@ VOREL_API void VORELCALL BZoomStart(HWND window, const POINT* start, const RECT*
                                     BOOL screenCoordinates);
 
 /** Moves the band to the mouse position. It appears when the mouse is at least 6 pixels from the start on both axes. Draws with
- *  R2_NOTXORPEN. */
+ *  R2_NOTXORPEN.
+ *  mouse  its position */
 VOREL_API void VORELCALL BZoomUpdate(HWND window, const POINT* mouse, ImgZoomTracker* tracker);
 
 /** Ends a zoom: erases the band and computes the ratio and the image point in the tracker's result fields, for DisplayStart or
@@ -971,7 +1062,9 @@ VOREL_API void VORELCALL BZoomUpdate(HWND window, const POINT* mouse, ImgZoomTra
  *  image point is computed for the size shown before these flags are cleared. */
 VOREL_API void VORELCALL BZoomEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgDisplayState* state);
 
-/** Zooms by a step without the mouse: BZoomStart and BZoomEnd in one call. Does nothing for modes 0x11 to 0x15. */
+/** Zooms by a step without the mouse: BZoomStart and BZoomEnd in one call.
+ *  current  as for BZoomStart
+ *  mode     0x21 to 0x25, as for BZoomStart; 0x11 to 0x15 do nothing */
 VOREL_API void VORELCALL BZoomStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
                                    ImgDisplayState* state);
 
@@ -983,7 +1076,11 @@ typedef struct ImgScreenZoom {
 } ImgScreenZoom;
 
 /** Do the same as BZoomEnd and BZoomStep for a window with an ImgScreenZoom. Its `zoom` gets the new part of the picture,
- *  the tracker the upper left corner of that part. */
+ *  the tracker the upper left corner of that part.
+ *  end      the mouse position; NULL without a mouse
+ *  current  as for BZoomStart
+ *  mode     as for BZoomStep
+ *  state    an ImgScreenZoom of the caller */
 VOREL_API void VORELCALL BZoomScreenEnd(HWND window, const POINT* end, ImgZoomTracker* tracker, ImgScreenZoom* state);
 VOREL_API void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int mode, ImgZoomTracker* tracker,
                                          ImgScreenZoom* state);
@@ -992,24 +1089,26 @@ VOREL_API void VORELCALL BZoomScreenStep(HWND window, const RECT* current, int m
  *  released, then repaints the window. If the start is outside the client area, it beeps and
  *  changes nothing.
  *  start  as in the lParam of a mouse message: x in the low word, y in the high word
- *  zoom   four numbers: viewport X, window X, viewport Y, window Y; in: the current ratio, out: the new one, in hundredths */
+ *  zoom   four numbers: viewport X, window X, viewport Y, window Y; in: the current ratio, out: the new one, in hundredths
+ *  Errors: No code; without `zoom` nothing happens. */
 VOREL_API void VORELCALL Zoom(HWND window, LPARAM start, int* zoom);
 
 /* ---- Magnifying lens (Windows only) --------------------------------------------------------------------------------- */
 
-/*  There is one lens per process; use it from one thread. */
+/*  There is one lens per process; use it from one thread. Errors: No code; invalid windows and bitmaps do nothing. */
 
-/** Sets the size of the lens in pixels, including its frame of 4 pixels on each side; initially 180 x 80. A running lens keeps
- *  its bitmap until the next start. Returns 1. */
+/** Sets the size of the lens, initially 180 x 80. A running lens keeps its bitmap until the next start.
+ *  width, height  in pixels, including a frame of 4 pixels on each side
+ *  Returns 1. */
 VOREL_API int VORELCALL M_SetSizes(int width, int height);
 
 /** Return the width and the height set for the lens, in pixels, including its frame. */
 VOREL_API int VORELCALL M_GetWidth(void);
 VOREL_API int VORELCALL M_GetHeight(void);
 
-/** Starts the lens: takes a snapshot of the client area and hides the mouse cursor. An invalid window does nothing.
- *  palette  used for drawing; may be NULL; must live until M_StopMagnify
- *  Returns 1. */
+/** Starts the lens: takes a snapshot of the client area and hides the mouse cursor.
+ *  palette  used for drawing; may be NULL
+ *  Returns 1. Owner: The palette stays the caller's and must live until M_StopMagnify. */
 VOREL_API int VORELCALL M_StartMagnify(HWND window, HPALETTE palette);
 
 /** Stops the lens and restores the covered area and the cursor. Does nothing if no lens runs. Returns 1. */
@@ -1019,24 +1118,27 @@ VOREL_API int VORELCALL M_StopMagnify(void);
  *  x, y    the bitmap point for the middle of the lens
  *  zoom    numerator X, denominator X, numerator Y, denominator Y. Ratios below 1 are replaced by 10 / 10, in place
  *  source  receives the rectangle
- *  Returns 1; 0 for a null pointer or if either of the last two numbers is 0. */
+ *  Returns 1. 0, no code: a null pointer, or either of the last two numbers is 0. */
 VOREL_API int VORELCALL M_CalcRect(int x, int y, int* zoom, RECT* source);
 
-/** Draws a rectangle of a bitmap, in its pixels, into the lens; parts outside the bitmap are grey. Does nothing unless the lens
- *  runs. */
+/** Draws a rectangle of a bitmap into the lens; parts outside the bitmap are grey. Does nothing unless the lens runs.
+ *  source         the bitmap
+ *  x, y           the rectangle's upper left corner, in bitmap pixels
+ *  width, height  its size, in bitmap pixels */
 VOREL_API void VORELCALL M_StretchBitmap(HBITMAP source, int x, int y, int width, int height);
 
-/** Draws the lens with its upper left corner at (x, y) of the client area and restores the area that it covered before. Does
- *  nothing unless the lens runs. */
+/** Draws the lens and restores the area that it covered before. Does nothing unless the lens runs.
+ *  x, y  the lens's upper left corner, in client coordinates */
 VOREL_API void VORELCALL M_CopyBitmap(HWND window, int x, int y);
 
 /* ---- Metafiles (Windows only) ---------------------------------------------------------------------------------------- */
 
 /** Draws a metafile onto a white bitmap of the screen's format.
- *  metafile       an HMETAFILE, or an HENHMETAFILE if `enhanced` is not 0
+ *  metafile       an HMETAFILE, or an HENHMETAFILE
+ *  enhanced       0 for an HMETAFILE
  *  width, height  pixels, at least 1. If a bitmap of this size cannot be created, the size is halved until it can; the bitmap then
  *                 holds the upper left part of a picture of the requested size
- *  Returns a bitmap for DeleteObject; a white one for an invalid metafile. NULL: IMG_E_MEMORY. */
+ *  Returns a bitmap for DeleteObject; a white one for an invalid metafile. NULL: IMG_E_MEMORY (also for a size below 1). */
 VOREL_API HBITMAP VORELCALL DrawMetaFileIntoBitmap(HANDLE metafile, int width, int height, BOOL enhanced);
 
 /** Loads a metafile as a bitmap: a Windows metafile with or without a placeable header, or an enhanced one.
@@ -1049,7 +1151,7 @@ VOREL_API HBITMAP VORELCALL LoadMetaFileIntoBitmap(LPCSTR path);
 
 /** Save a picture as a Windows metafile with a placeable header, or as an enhanced metafile, replacing the file. An argument
  *  that is no picture leaves an existing file unchanged.
- *  Return 1 even if they fail. */
+ *  Return 1. Errors: The result is 1 after a failure too. A palette that cannot be created leaves IMG_E_CREATE_PALETTE. */
 VOREL_API BOOL VORELCALL SaveDIBIntoMetaFile(LPCSTR path, HGLOBAL dib);
 VOREL_API BOOL VORELCALL SaveDIBIntoEnhMetaFile(LPCSTR path, HGLOBAL dib);
 VOREL_API BOOL VORELCALL SaveBitmapIntoMetaFile(LPCSTR path, HBITMAP bitmap);
@@ -1057,7 +1159,7 @@ VOREL_API BOOL VORELCALL SaveBitmapIntoEnhMetaFile(LPCSTR path, HBITMAP bitmap);
 
 /** Draw the metafile picture on the clipboard at the resolution of the owner's window.
  *  owner  a window, which opens the clipboard
- *  Return a bitmap for DeleteObject, or a DIB handle. NULL: IMG_E_CLIPBOARD (the clipboard cannot be opened; a message box
+ *  Return a device bitmap, or a DIB handle. NULL: IMG_E_CLIPBOARD (the clipboard cannot be opened; a message box
  *  reports it), IMG_E_MEMORY (no metafile picture, or one that cannot be drawn; a message box reports the second); no code for
  *  an invalid window. The second function leaves IMG_E_CREATE_PALETTE on a display without a palette although it succeeds. */
 VOREL_API HBITMAP VORELCALL PlaceMetaFileIntoBMPFromCLP(HWND owner);
@@ -1072,8 +1174,10 @@ VOREL_API HGLOBAL VORELCALL PlaceMetaFileIntoDIBFromCLP(HWND owner);
  *  can be drawn. NULL: IMG_E_OPEN_FILE, IMG_E_MEMORY, IMG_E_FILE_IO. */
 VOREL_API HBITMAP VORELCALL LoadASCIIFile(LPCSTR path, BOOL ansi);
 
-/** Draws an ANSI text in a memory block as LoadASCIIFile does. The block's last byte becomes 0.
- *  Returns a monochrome bitmap for DeleteObject. NULL: IMG_E_MEMORY (also: not a handle), IMG_E_CREATE_DC. */
+/** Draws an ANSI text in a memory block as LoadASCIIFile does.
+ *  text  the handle of the block; its last byte becomes 0
+ *  Returns a monochrome bitmap for DeleteObject. NULL: IMG_E_MEMORY (also: not a handle), IMG_E_CREATE_DC.
+ *  Owner: The block stays the caller's. */
 VOREL_API HBITMAP VORELCALL LoadASCIIIntoBitmap(HGLOBAL text);
 
 /** Loads a picture from a clipboard file.
@@ -1081,7 +1185,8 @@ VOREL_API HBITMAP VORELCALL LoadASCIIIntoBitmap(HGLOBAL text);
  *          bytes of the file in a memory block for GlobalFree
  *  Returns the bitmap or block. NULL: IMG_E_OPEN_FILE, IMG_E_FORMAT (not a clipboard file), IMG_E_CLIPBOARD_FORMAT (no entry of
  *  this format, or an unsupported format), IMG_E_FILE_IO (the file is too short for its entry), IMG_E_MEMORY, the codes
- *  of the drawing functions; no code for a damaged metafile. */
+ *  of the drawing functions; no code for a damaged metafile.
+ *  Owner: The caller frees a returned bitmap with DeleteObject and a block with GlobalFree. */
 VOREL_API HANDLE VORELCALL LoadClipboardFormat(LPCSTR path, WORD format);
 
 /** Saves a device bitmap as a clipboard file with one CF_DIB entry, replacing the file.
@@ -1113,64 +1218,79 @@ typedef struct ImgPrintOptions {
 #ifdef _WIN32
 
 /*  A job runs on one thread: PrepareToPrint, PrintDIBPage for each page, EndPrint. PrintDIB and PrintImage make all of these
- *  calls. The functions return codes and store none. The printer cuts off parts of an image outside the page. */
+ *  calls. The printer cuts off parts of an image outside the page. The functions return codes and store none.
+ *  owner         the owner window of the dialogs; may be NULL
+ *  documentName  for dialogs and spooler; at most 255 bytes count
+ *  options       an ImgPrintOptions; NULL for the defaults
+ *  imageDpi      the resolution in dots per inch, two numbers, across and down; NULL for the header's. Below 1: unknown
+ *  pageTag       not used
+ *  dialog        the handle of the dialog
+ *  message       the number of the message */
 
 /** Begins a job, and shows the cancel dialog.
- *  owner         the owner window of the dialogs; may be NULL
- *  printerDC     a device context, to be passed to EndPrint. NULL: chosen in the "PRINTPAGE" dialog or, if
+ *  printerDC     a device context. NULL: chosen in the "PRINTPAGE" dialog or, if
  *                options->showDialog is 0, the default printer's
  *  options       NULL for the defaults. Otherwise read, and updated to the options in force, including choices in the dialog
- *  documentName  for dialogs and spooler; at most 255 bytes count
  *  pageCount     shown in the progress text
- *  Returns 0. IMG_E_NOTHING_TO_DO (the dialog was cancelled, or gave no DC), IMG_E_PRINTER_DC, 1 (the printer takes no
+ *  Returns 0. Errors: IMG_E_NOTHING_TO_DO (the dialog was cancelled, or gave no DC), IMG_E_PRINTER_DC, 1 (the printer takes no
  *  bitmaps; its DC is deleted), -5 (no cancel dialog), the negative result of SetAbortProc, -1 (the document does not start).
- *  Call EndPrint after a failure too. */
+ *  Call EndPrint after a failure too. Owner: The caller's `printerDC` is to be passed to EndPrint, which deletes it. */
 VOREL_API int VORELCALL PrepareToPrint(HWND owner, HDC printerDC, ImgPrintOptions* options, LPCSTR documentName,
                                        int pageCount);
 
 /** Prints a DIB as the next page. Once the job is cancelled nothing is printed, and the result is usually still 0:
  *  PrintAbortProc(NULL, 0) reports it. A DIB that is refused leaves the job as it was.
- *  imageDpi          the resolution in dots per inch, two numbers, across and down; NULL for the header's. Below 1: unknown
- *  pageTag           not used
+ *  dib               any depth that the system draws, a 40-byte header
  *  pageIndex         from 0; shown in the progress text
  *  xOffset, yOffset  move the image, in printer dots
- *  Returns 0, also without a job. IMG_E_LOCK, IMG_E_FORMAT (the header), IMG_E_MEMORY; a negative result of the printer's escapes.
- *  A page stays open until the next one or the end. */
+ *  A page stays open until the next one or the end.
+ *  Returns 0, also without a job. Errors: IMG_E_LOCK, IMG_E_FORMAT (the header), IMG_E_MEMORY; a negative result of the printer's
+ *  escapes. */
 VOREL_API int VORELCALL PrintDIBPage(HGLOBAL dib, int* imageDpi, int pageTag, int pageIndex, int xOffset, int yOffset);
 
-/** Makes the next PrintDIBPage draw on the same sheet as the last one. */
+/** Makes the next PrintDIBPage draw on the same sheet as the last one. Errors: None. */
 VOREL_API void VORELCALL PrintPageContinue(void);
 
 /** Ends page, document and job, after a failed preparation too. A second call does nothing.
- *  printerDC  is deleted, and so are the contexts that the job made or drew on; may be NULL
- *  Returns 0; -1 when the document cannot be ended, as after a cancelled job that the device has aborted. */
+ *  printerDC  the context that was passed to PrepareToPrint; may be NULL
+ *  Returns 0. -1: the document cannot be ended, as after a cancelled job that the device has aborted.
+ *  Owner: Deletes `printerDC` and the contexts that the job made or drew on. */
 VOREL_API int VORELCALL EndPrint(HDC printerDC);
 
-/** Prints a DIB as a job of one page. Arguments are those of PrepareToPrint and PrintDIBPage.
- *  Returns 0, or the first other result of PrepareToPrint, PrintDIBPage and EndPrint. */
+/** Prints a DIB as a job of one page, with PrepareToPrint, PrintDIBPage and EndPrint.
+ *  printerDC  as for PrepareToPrint
+ *  dib        as for PrintDIBPage
+ *  Returns 0. Errors: The first other result of these functions. Owner: Deletes `printerDC`. */
 VOREL_API int VORELCALL PrintDIB(HWND owner, HDC printerDC, HGLOBAL dib, LPCSTR documentName, int* imageDpi,
                                  ImgPrintOptions* options, int pageTag);
 
-/** The same for a device bitmap; `palette` as for ConvertBitmapToDIB. Returns 1 if the conversion fails. */
+/** Prints a device bitmap as a job of one page: ConvertBitmapToDIB, then PrintDIB.
+ *  printerDC  as for PrepareToPrint
+ *  palette    as for ConvertBitmapToDIB
+ *  Returns 0. Errors: 1 (the conversion fails; `printerDC` is not deleted), the results of PrintDIB. Owner: PrintDIB deletes
+ *  `printerDC`. */
 VOREL_API int VORELCALL PrintImage(HWND owner, HDC printerDC, HBITMAP bitmap, HPALETTE palette, LPCSTR documentName,
                                    int* imageDpi, ImgPrintOptions* options, int pageTag);
 
 /** The abort procedure of a job: dispatches the thread's messages.
+ *  dc      of the job; not used
  *  code    the spooler's code; any number but 0 cancels the job
- *  Returns FALSE once the job is cancelled. */
+ *  Returns TRUE; FALSE once the job is cancelled. Errors: None. */
 VOREL_API BOOL VORELCALL PrintAbortProc(HDC dc, int code);
 
-/** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own. They return TRUE
- *  for messages that they handle. In the first, message WM_USER + 1000 shows the text in lParam in control 121; every command
- *  cancels the job. The second works on the options of the thread's job; its dialog ends with a printer's DC, which the
- *  caller deletes, or with 0. */
+/** The procedures of the dialogs "PRINTCANCELDLGBOX" and "PRINTPAGE", for callers with templates of their own.
+ *  In the first, message WM_USER + 1000 shows the text in lParam in control 121; every command
+ *  cancels the job. The second works on the options of the thread's job; its dialog ends with a printer's DC or with 0.
+ *  Return TRUE for messages that they handle. Errors: None. Owner: The caller deletes the printer's DC. */
 VOREL_API INT_PTR VORELCALL PrintCancelDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 VOREL_API INT_PTR VORELCALL PrintPageProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 /** Lets the user choose the default printer in the dialog "PRINTERSETUP", and set printers up: the settings hold for the
- *  thread's next job on the printer if PrepareToPrint makes the DC. Returns 1, or 0 if the dialog is cancelled.
- *  PrinterSetupProc is the procedure of this dialog. */
+ *  thread's next job on the printer if PrepareToPrint makes the DC.
+ *  Returns 1; 0 if the dialog is cancelled. -1, no code: the dialog cannot be created. */
 VOREL_API int VORELCALL PrinterSetup(HWND owner);
+
+/** The procedure of the dialog "PRINTERSETUP". Returns TRUE for messages that it handles. Errors: None. */
 VOREL_API INT_PTR VORELCALL PrinterSetupProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 #endif /* _WIN32 */
