@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Builds the manual: a site of static pages and a PDF. The same sources give the same bytes.
+
+usage: build.py --source ROOT --output FOLDER --tool VOREL --pictures PROGRAM [--lax]
+  --tool      the command line tool, which makes pictures
+  --pictures  the program built from pictures.cpp; --windows-pictures COMMAND runs the Windows build of it
+  --lax       warns of missing examples and of Sphinx's warnings instead of failing
+"""
+
+import argparse
+import os
+import re
+import shlex
+import shutil
+import subprocess
+import sys
+from pathlib import Path
+
+import check
+import draw
+import pages
+import pdf
+
+# The pages that the site takes from the project, with the folders that they have there, so that links between them hold.
+STAGED = ["docs/*.md", "docs/*.png", "docs/howto/*", "docs/examples/*", "include/vorel32.h", "python/README.md", "python/examples/*",
+          "README.md", "CONTRIBUTING.md", "CHANGELOG.md", "SECURITY.md", "LICENSE", "bench/**/*.md"]
+
+
+def stage(root, source):
+    for pattern in STAGED:
+        for path in sorted(root.glob(pattern)):
+            target = source / path.relative_to(root)
+            target.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copyfile(path, target)
+    for path in sorted((root / "docs/manual").iterdir()):
+        if path.suffix == ".md":
+            shutil.copyfile(path, source / path.name)
+
+
+def examples(root, source):
+    """The example program of each function, by the marks in it."""
+    found = {}
+    for path in sorted((root / "docs/examples").glob("*.c")):
+        for name in re.findall(r"//! \[(\w+)\]", path.read_text()):
+            found[name] = path.relative_to(root)
+    return found
+
+
+def function_pictures(folder, tool, programs):
+    """Pictures of what functions do: lists of (file, caption) by function."""
+    found = {}
+    for path in sorted(folder.glob("*.png")):
+        subprocess.run([tool, "convert", path.name, path.with_suffix(".bmp").name], cwd=folder, check=True)
+    for program in programs:
+        lines = subprocess.run(program, cwd=folder, check=True, stdout=subprocess.PIPE, text=True).stdout.splitlines()
+        for line in lines:
+            function, name, caption = line.split("|")
+            found.setdefault(function, []).append((str(Path(name).with_suffix(".png")), caption))
+    for path in sorted(folder.glob("*.bmp")):
+        if not path.with_suffix(".png").exists():
+            subprocess.run([tool, "convert", path.name, path.with_suffix(".png").name], cwd=folder, check=True)
+        path.unlink()
+    return found
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--source", type=Path, required=True)
+    parser.add_argument("--output", type=Path, required=True)
+    parser.add_argument("--tool", required=True)
+    parser.add_argument("--pictures", required=True)
+    parser.add_argument("--windows-pictures", default="")
+    parser.add_argument("--lax", action="store_true")
+    parser.add_argument("--no-pdf", action="store_true")
+    options = parser.parse_args()
+    root, source, html = options.source.resolve(), options.output / "source", options.output / "html"
+    for folder in (source, html):
+        shutil.rmtree(folder, ignore_errors=True)
+    source.mkdir(parents=True)
+
+    stage(root, source)
+    draw.main(source / "pictures")
+    programs = [[options.pictures]] + ([shlex.split(options.windows_pictures)] if options.windows_pictures else [])
+    subprocess.run([options.tool, "dither", "photo.png", "hero.png"], cwd=source / "pictures", check=True)
+    pictures = function_pictures(source / "pictures", options.tool, programs)
+    reference = pages.Reference(root, source / "reference", examples(root, source), pictures)
+    reference.write()
+    version = re.search(r"project\(vorel32 VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text())[1]
+
+    sphinx = ["/usr/bin/sphinx-build", "-q", "-b", "html", "-c", root / "docs/manual", "-d", options.output / "doctrees",
+              "-D", f"version={version}", "-D", f"release={version}", "-D", f"vorel={options.tool}",
+              *([] if options.lax else ["-W", "--keep-going"]), "-E", source, html]
+    environment = {**os.environ, "PYTHONHASHSEED": "0", "SOURCE_DATE_EPOCH": "0", "TZ": "UTC", "LC_ALL": "C.UTF-8", "PYTHONDONTWRITEBYTECODE": "1"}
+    subprocess.run(sphinx, check=True, env=environment)
+    for name in (".buildinfo", "objects.inv"):
+        (html / name).unlink(missing_ok=True)
+
+    faults = reference.missing + check.faults(html, reference)
+    if not options.no_pdf:
+        pdf.write(html, options.output / "vorel32.pdf", version)
+    for fault in faults:
+        print(f"manual: {fault}", file=sys.stderr)
+    print(f"manual: {len(list(html.rglob('*.html')))} pages, {len(faults)} faults, in {html}")
+    return 1 if faults and not options.lax else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
