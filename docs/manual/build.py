@@ -1,16 +1,15 @@
 #!/usr/bin/env python3
 """Builds the manual: a site of static pages and a PDF. The same sources give the same bytes.
 
-usage: build.py --source ROOT --output FOLDER --tool VOREL --pictures PROGRAM [--lax]
+usage: build.py --source ROOT --output FOLDER --tool VOREL --pictures PROGRAM --windows-pictures PROGRAM [--lax]
   --tool      the command line tool, which makes pictures
-  --pictures  the program built from pictures.cpp; --windows-pictures COMMAND runs the Windows build of it
+  --pictures  the program built from pictures.cpp; --windows-pictures names the one for Windows, which runs under Wine if it is there
   --lax       warns of missing examples and of Sphinx's warnings instead of failing
 """
 
 import argparse
 import os
 import re
-import shlex
 import shutil
 import subprocess
 import sys
@@ -22,7 +21,7 @@ import pages
 import pdf
 
 # The pages that the site takes from the project, with the folders that they have there, so that links between them hold.
-STAGED = ["docs/*.md", "docs/*.png", "docs/howto/*", "docs/examples/*", "include/vorel32.h", "python/README.md", "python/examples/*",
+STAGED = ["docs/*.md", "docs/*.png", "docs/howto/*", "docs/examples/*", "include/vorel32.h", "samples/*", "python/README.md", "python/examples/*",
           "README.md", "CONTRIBUTING.md", "CHANGELOG.md", "SECURITY.md", "LICENSE", "bench/**/*.md"]
 
 
@@ -32,12 +31,15 @@ def stage(root, source):
             target = source / path.relative_to(root)
             target.parent.mkdir(parents=True, exist_ok=True)
             shutil.copyfile(path, target)
+    howto = source / "docs/howto/README.md"
+    pages = "\n".join(re.findall(r"\]\(([\w-]+)\.md\)", howto.read_text()))
+    howto.write_text(f"{howto.read_text()}\n```{{toctree}}\n:hidden:\n\n{pages}\n```\n")
     for path in sorted((root / "docs/manual").iterdir()):
         if path.suffix == ".md":
             shutil.copyfile(path, source / path.name)
 
 
-def examples(root, source):
+def examples(root):
     """The example program of each function, by the marks in it."""
     found = {}
     for path in sorted((root / "docs/examples").glob("*.c")):
@@ -69,7 +71,7 @@ def main():
     parser.add_argument("--output", type=Path, required=True)
     parser.add_argument("--tool", required=True)
     parser.add_argument("--pictures", required=True)
-    parser.add_argument("--windows-pictures", default="")
+    parser.add_argument("--windows-pictures", type=Path, required=True)
     parser.add_argument("--lax", action="store_true")
     parser.add_argument("--no-pdf", action="store_true")
     options = parser.parse_args()
@@ -80,10 +82,16 @@ def main():
 
     stage(root, source)
     draw.main(source / "pictures")
-    programs = [[options.pictures]] + ([shlex.split(options.windows_pictures)] if options.windows_pictures else [])
+    programs = [[options.pictures]]
+    if options.windows_pictures.exists():
+        programs.append([root / "tools/run-wine.sh", options.windows_pictures])
+    else:
+        print("manual: no pictures of device bitmaps: build manual_pictures in the preset win32 first", file=sys.stderr)
     subprocess.run([options.tool, "dither", "photo.png", "hero.png"], cwd=source / "pictures", check=True)
     pictures = function_pictures(source / "pictures", options.tool, programs)
-    reference = pages.Reference(root, source / "reference", examples(root, source), pictures)
+    declarations = options.output / "declarations"
+    subprocess.run([sys.executable, "-B", root / "tools/declarations/make.py", declarations], check=True)
+    reference = pages.Reference(root, source / "reference", examples(root), pictures, declarations)
     reference.write()
     version = re.search(r"project\(vorel32 VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text())[1]
 

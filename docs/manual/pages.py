@@ -10,6 +10,8 @@ BUILDS = {"both": "32-bit and 64-bit Windows, Linux", "windows": "32-bit and 64-
 WINDOWS_TYPES = "HBITMAP HPALETTE HWND HDC HANDLE HMETAFILE HENHMETAFILE WPARAM LPARAM LRESULT INT_PTR POINT RECT BYTE".split()
 SCALARS = {"HBITMAP": "DeleteObject", "HPALETTE": "DeleteObject", "HGLOBAL": "GlobalFree"}
 
+LANGUAGES = [("Vorel32.cs", "C#", "csharp"), ("Vorel32.pas", "Delphi", "delphi"), ("vorel32_ctypes.py", "Python (ctypes)", "python"),
+             ("vorel32.bas", "Visual Basic 6", "vbnet")]
 TITLES = {"The platform's types and memory, where the platform is not Windows": "Memory on Linux"}
 
 
@@ -26,10 +28,11 @@ def indented(text, by=3):
 
 
 class Reference:
-    def __init__(self, root, folder, examples, pictures):
+    def __init__(self, root, folder, examples, pictures, declarations):
         text = (root / "include/vorel32.h").read_text()
         self.functions, self.definitions, self.preamble = header.read(text, (root / "src/exports/exports.txt").read_text())
         self.folder, self.examples, self.pictures = folder, examples, pictures
+        self.declarations = [((declarations / file).read_text(), language, lexer) for file, language, lexer in LANGUAGES]
         self.arguments = header.arguments(self.preamble)
         self.families = {}
         for function in sorted(self.functions.values(), key=lambda function: function.place):
@@ -119,6 +122,18 @@ class Reference:
 From :download:`{source.name} </{source}>`, which the tests compile and run.
 """
 
+    def in_other_languages(self, function):
+        if function.builds == "linux":
+            return ""
+        text = [headed("In other languages", "-")]
+        for declarations, language, lexer in self.declarations:
+            line = re.search(rf"^.*\b{function.name}\b(?: Lib |\(|;|:| = ).*$", declarations, re.M)
+            if line is None:
+                self.missing.append(f"{function.name}: not declared for {language}")
+            else:
+                text.append(f"{language}:\n\n.. code-block:: {lexer}\n\n{indented(line[0].strip())}\n")
+        return "\n".join(text)
+
     def shown(self, function):
         pictures = self.pictures.get(function.name, [])
         return headed("Before and after", "-") + "\n.. container:: pictures\n\n" + "".join(
@@ -140,7 +155,7 @@ From :download:`{source.name} </{source}>`, which the tests compile and run.
         text += [headed("Ownership", "-"), " ".join(self.ownership(function)) + "\n"]
         if function.common and function.common.parts:
             text += [headed("In this family", "-"), *self.parts(function.common, function.name)]
-        text += [self.example(function), self.shown(function)]
+        text += [self.example(function), self.shown(function), self.in_other_languages(function)]
         text += [headed("See also", "-"), ", ".join(others) + "\n"]
         return "\n".join(text)
 

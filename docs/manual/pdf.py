@@ -16,7 +16,7 @@ def key(page):
 def chapter(html, page, pages, depth):
     """The article of a page; identifiers get the page's name in front, links lead to places in the document."""
     article = BeautifulSoup((html / page).read_text(), "lxml").find("article")
-    for tag in article.select(".headerlink, script, style, .actions, .cards"):
+    for tag in article.select(".headerlink, script, style, .actions, .cards, #in-other-languages, #see-also"):
         tag.decompose()
     for tag in article.find_all(id=True):
         tag["id"] = f"{key(page)}--{tag['id']}"

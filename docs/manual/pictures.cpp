@@ -1,7 +1,9 @@
 // Makes the manual's pictures of what functions do, by calling them. Run in a folder with the drawn pictures as bitmap files; prints a
 // line "FUNCTION|FILE|CAPTION" for each picture, in the order of the manual.
+#include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -41,17 +43,100 @@ struct Row {
 };
 
 bool run(const Row& row) {
-  std::printf("%s|%s|%s\n", row.function, row.source, row.caption);
+  const bool has_source = *row.source != '\0';
+  if (has_source) std::printf("%s|%s|%s\n", row.function, row.source, row.caption);
   bool good = true;
   int number = 0;
   for (const Call& call : row.calls) {
-    HGLOBAL source = LoadDIBFromFile(row.source);
+    HGLOBAL source = has_source ? LoadDIBFromFile(row.source) : nullptr;
     HGLOBAL result = call.run(source);
-    if (result != source) GlobalFree(source);
+    if (has_source && result != source) GlobalFree(source);
     good &= show(row.function, row.function + ("-" + std::to_string(++number)) + ".bmp", call.caption, result);
   }
   return good;
 }
+
+#ifdef _WIN32
+
+// A DIB by way of a device bitmap, which `change` may replace.
+HGLOBAL by_way_of_bitmap(HGLOBAL dib, const std::function<HBITMAP(HBITMAP)>& change) {
+  HBITMAP bitmap = ConvertDIBToBitmap(dib), changed = change(bitmap);
+  HGLOBAL result = ConvertBitmapToDIB(changed, nullptr);
+  DeleteObject(bitmap);
+  if (changed != bitmap) DeleteObject(changed);
+  return result;
+}
+
+Call by_bitmap(const char* caption, HBITMAP(VORELCALL* turn)(HBITMAP)) {
+  return {caption, [=](HGLOBAL dib) { return by_way_of_bitmap(dib, turn); }};
+}
+
+Call in_place(const char* caption, BOOL(VORELCALL* turn)(HBITMAP)) {
+  return {caption, [=](HGLOBAL dib) {
+            return by_way_of_bitmap(dib, [=](HBITMAP bitmap) { return turn(bitmap) ? bitmap : nullptr; });
+          }};
+}
+
+// InvertBitmap needs an active window.
+HGLOBAL inverted(HGLOBAL dib) {
+  HWND window =
+      CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100, nullptr, nullptr, nullptr, nullptr);
+  SetActiveWindow(window);
+  HGLOBAL result = by_way_of_bitmap(dib, [](HBITMAP bitmap) { return InvertBitmap(bitmap) ? bitmap : nullptr; });
+  DestroyWindow(window);
+  return result;
+}
+
+HBITMAP with_stamp(HBITMAP target) {
+  HBITMAP stamp = LoadBitmapFromFile("stamp.bmp"), mask = LoadBitmapFromFile("mask.bmp");
+  const BOOL painted = CombineBMP(40, 30, &target, stamp, mask, 0);
+  DeleteObject(stamp);
+  DeleteObject(mask);
+  return painted ? target : nullptr;
+}
+
+HGLOBAL with_stamp(HGLOBAL target, int flag) {
+  HGLOBAL stamp = LoadDIBFromFile("stamp.bmp"), mask = LoadDIBFromFile("mask.bmp");
+  const BOOL painted = CombineDIB(40, 30, &target, stamp, mask, flag);
+  GlobalFree(stamp);
+  GlobalFree(mask);
+  return painted ? target : nullptr;
+}
+
+HGLOBAL drawn_text(HGLOBAL) {
+  const char kText[] = "The crane on the north quay\r\nwill be moved in May.\r\n";
+  HGLOBAL text = GlobalAlloc(GHND, sizeof kText);
+  std::copy(std::begin(kText), std::end(kText), static_cast<char*>(GlobalLock(text)));
+  GlobalUnlock(text);
+  HBITMAP bitmap = LoadASCIIIntoBitmap(text);
+  HGLOBAL result = ConvertBitmapToDIB(bitmap, nullptr);
+  DeleteObject(bitmap);
+  GlobalFree(text);
+  return result;
+}
+
+const std::vector<Row> kRows = {
+    {"ConvertToMonochromeBitmap", "photo.bmp", "Before", {by_bitmap("After", ConvertToMonochromeBitmap)}},
+    {"RotateBitmap90", "page.bmp", "Before: 1 bit", {by_bitmap("After", RotateBitmap90)}},
+    {"RotateBitmap270", "page.bmp", "Before: 1 bit", {by_bitmap("After; the first column is empty", RotateBitmap270)}},
+    {"RotateBitmap180", "page.bmp", "Before: 1 bit", {in_place("After", RotateBitmap180)}},
+    {"FlipBitmapVertical", "page.bmp", "Before: 1 bit", {in_place("After", FlipBitmapVertical)}},
+    {"FlipBitmapHorizontal", "page.bmp", "Before: 1 bit", {in_place("After", FlipBitmapHorizontal)}},
+    {"InvertBitmap", "photo.bmp", "Before", {{"After", inverted}}},
+    {"CombineBMP",
+     "photo.bmp",
+     "The target",
+     {{"A stamp and a mask of its outline, flag 0",
+       [](HGLOBAL dib) { return by_way_of_bitmap(dib, [](HBITMAP bitmap) { return with_stamp(bitmap); }); }}}},
+    {"CombineDIB",
+     "photo.bmp",
+     "The target",
+     {{"A stamp and a mask of its outline, flag 0", [](HGLOBAL dib) { return with_stamp(dib, 0); }},
+      {"Flag 1", [](HGLOBAL dib) { return with_stamp(dib, 1); }}}},
+    {"LoadASCIIIntoBitmap", "", "", {{"A text of two lines", drawn_text}}},
+};
+
+#else
 
 HGLOBAL part_of(HGLOBAL dib, int line, bool upper) {
   HGLOBAL first = nullptr, second = nullptr;
@@ -213,6 +298,8 @@ const std::vector<Row> kRows = {
     {"oddity-dithering", "ramp.bmp", "", {by_dithering("", DitherFS4, 1), by_dithering("", DitherSmooth, 1)}},
     {"oddity-rows", "photo.bmp", "", {by_halftone("", 0), by_halftone("", 2)}},
 };
+
+#endif
 
 }  // namespace
 
