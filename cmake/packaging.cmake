@@ -26,6 +26,9 @@ install(FILES ${VOREL_DECLARATIONS} DESTINATION ${declarations_folder} COMPONENT
 # Everything that is linked into the Windows files: the project's own licence, the codecs', the headers', the compiler's run-time libraries'.
 function(vorel_install_licences)
   install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${licences_folder} RENAME vorel32.txt COMPONENT library)
+  foreach(part furo sphinx-common)  # the manual's pages have their scripts and styles
+    install(FILES /usr/share/doc/${part}/copyright DESTINATION ${licences_folder} RENAME manual-${part}.txt COMPONENT library OPTIONAL)
+  endforeach()
   file(GLOB codecs ${VOREL_CODECS}/licences/*.txt)
   install(FILES ${codecs} DESTINATION ${licences_folder} COMPONENT library)
   foreach(licence fmt=libfmt-dev cli11=libcli11-dev json=nlohmann-json3-dev gcc=gcc-mingw-w64-base mingw-w64=mingw-w64-common)

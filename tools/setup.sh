@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the missing packages that building, testing and the demo need on Debian 12, then builds the codecs of the Windows builds
 # (get-codecs.sh). Prints what it installs before it does, asks no questions, and can be run again at any time.
-# usage: setup.sh [--cluster|--checks|--release]   (with what demo-cluster.sh, tools/check/ or release.sh needs besides)
+# usage: setup.sh [--cluster|--checks|--release|--manual]   (with what demo-cluster.sh, tools/check/, release.sh or the target manual
+#        needs besides)
 set -euo pipefail
 
 NATIVE=(build-essential cmake ninja-build ccache pkg-config
@@ -17,6 +18,10 @@ CHECKS=()
 [ "${1:-}" != --checks ] || CHECKS=(g++-multilib gcovr)  # for 32-bit builds and coverage in tools/check
 RELEASE=()
 [ "${1:-}" != --release ] || RELEASE=(nsis osslsigncode lintian debootstrap openssl zip unzip fp-compiler fp-units-rtl mono-mcs mono-runtime)  # and other languages' compilers
+MANUAL=()
+case ${1:-} in  # release.sh packs the manual
+  --manual | --release) MANUAL=(python3-sphinx python3-myst-parser furo python3-sphinx-copybutton weasyprint python3-bs4 python3-lxml) ;;
+esac
 CLUSTER=()
 [ "${1:-}" != --cluster ] || CLUSTER=(python3-distributed slurm-wlm munge parallel bc)  # for demo-cluster.sh
 
@@ -75,7 +80,7 @@ install_packages() {
 main() {
   local wanted
   mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${CLUSTER[@]}" \
-    "${CHECKS[@]}" "${RELEASE[@]}" "${WINE[@]}")
+    "${CHECKS[@]}" "${RELEASE[@]}" "${MANUAL[@]}" "${WINE[@]}")
   if [ "${#wanted[@]}" -gt 0 ]; then
     say "installing ${wanted[*]}"
     [ -z "$(missing "${WINE[@]}")" ] || say "with Wine, which runs the Windows builds, that is about 900 MB"

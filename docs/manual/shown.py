@@ -15,6 +15,7 @@ from pathlib import Path
 from docutils import nodes
 from docutils.parsers.rst import directives
 from PIL import Image
+from pygments.lexers import VbNetLexer
 from sphinx.util.docutils import SphinxDirective
 
 
@@ -64,4 +65,5 @@ class Shown(SphinxDirective):
 def setup(app):
     app.add_config_value("vorel", "vorel", "")
     app.add_directive("shown", Shown)
+    app.add_lexer("vb", VbNetLexer)
     return {"parallel_read_safe": False}
