@@ -53,5 +53,11 @@ html_theme_options = {
         "color-brand-content": "#66cfc2",
         "color-background-primary": "#131a1a",
         "color-background-secondary": "#192222",
+        "color-foreground-primary": "#e6ecea",
+        "color-foreground-secondary": "#a9b8b4",
+        "color-foreground-muted": "#8b9a96",
+        "color-background-hover": "#223030",
+        "color-background-border": "#2b3a39",
+        "color-highlight-on-target": "#3a3413",
     },
 }
