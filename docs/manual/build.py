@@ -39,15 +39,6 @@ def stage(root, source):
             shutil.copyfile(path, source / path.name)
 
 
-def examples(root):
-    """The example program of each function, by the marks in it."""
-    found = {}
-    for path in sorted((root / "docs/examples").glob("*.c")):
-        for name in re.findall(r"//! \[(\w+)\]", path.read_text()):
-            found[name] = path.relative_to(root)
-    return found
-
-
 def function_pictures(folder, tool, programs):
     """Pictures of what functions do: lists of (file, caption) by function."""
     found = {}
@@ -91,7 +82,7 @@ def main():
     pictures = function_pictures(source / "pictures", options.tool, programs)
     declarations = options.output / "declarations"
     subprocess.run([sys.executable, "-B", root / "tools/declarations/make.py", declarations], check=True)
-    reference = pages.Reference(root, source / "reference", examples(root), pictures, declarations)
+    reference = pages.Reference(root, source / "reference", pages.examples(root), pictures, declarations)
     reference.write()
     version = re.search(r"project\(vorel32 VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text())[1]
 

@@ -1,6 +1,7 @@
 """Writes the reference of the manual, as reStructuredText: a page per function and per family, indexes, error codes, structures."""
 
 import re
+import sys
 import textwrap
 from pathlib import Path
 
@@ -240,3 +241,25 @@ From :download:`{source.name} </{source}>`, which the tests compile and run.
         self.folder.mkdir(parents=True, exist_ok=True)
         for name, text in pages.items():
             (self.folder / f"{name}.rst").write_text(text)
+
+
+def examples(root):
+    """The example program of each function, by the marks in it."""
+    found = {}
+    for path in sorted((root / "docs/examples").glob("*.c")):
+        for name in re.findall(r"//! \[(\w+)\]", path.read_text()):
+            found[name] = path.relative_to(root)
+    return found
+
+
+def main(root, declarations, folder):
+    """Writes the reference into a folder, without pictures, and says what it lacks."""
+    root = Path(root)
+    reference = Reference(root, Path(folder), examples(root), {}, Path(declarations))
+    reference.write()
+    print(*reference.missing, f"{len(reference.functions)} functions", sep="\n")
+    return 1 if reference.missing else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
