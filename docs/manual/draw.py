@@ -214,6 +214,10 @@ def main(folder):
     save(two(letter((22, 16), "white").convert("L")), "letter.png")
     save(letter((22, 16), "#2060d0"), "even.png")
     save(letter((21, 15), "#2060d0"), "odd.png")
+    dotted = letter((32, 16), "white").convert("L")
+    for n in range(48):
+        dotted.putpixel((n * 7 % 32, n * 5 // 3 % 16), 0)
+    save(two(dotted), "dotted.png")
     save(red_at_index_0(letter((22, 16), "black").convert("L")), "red.png")
     save(Image.new("RGB", (22, 16), (170, 170, 170)), "flat.png")
     save(Image.new("L", (22, 16), 100), "hundred.png")
