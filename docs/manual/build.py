@@ -21,8 +21,21 @@ import pages
 import pdf
 
 # The pages that the site takes from the project, with the folders that they have there, so that links between them hold.
-STAGED = ["docs/*.md", "docs/*.png", "docs/howto/*", "docs/examples/*", "include/vorel32.h", "samples/*", "python/README.md", "python/examples/*",
-          "README.md", "CONTRIBUTING.md", "CHANGELOG.md", "SECURITY.md", "LICENSE", "bench/**/*.md"]
+STAGED = ["*.md", "docs/*.md", "docs/howto/*.md", "docs/examples/*", "python/README.md"]
+
+
+def stage_linked(root, source):
+    """Adds the files that pages link to. Folders have no page, so links to them become plain text."""
+    for page in sorted(source.rglob("*.md")):
+        text = page.read_text()
+        for target in re.findall(r"\]\(([^)#:\s]+)\)", text):
+            original = (root / page.relative_to(source).parent / target).resolve()
+            if original.is_dir():
+                text = re.sub(rf"\[([^\]]*)\]\({re.escape(target)}\)", r"\1", text)
+            elif original.is_file() and not (source / original.relative_to(root)).exists():
+                (source / original.relative_to(root)).parent.mkdir(parents=True, exist_ok=True)
+                shutil.copyfile(original, source / original.relative_to(root))
+        page.write_text(text)
 
 
 def stage(root, source):
@@ -31,6 +44,7 @@ def stage(root, source):
             target = source / path.relative_to(root)
             target.parent.mkdir(parents=True, exist_ok=True)
             shutil.copyfile(path, target)
+    stage_linked(root, source)
     howto = source / "docs/howto/README.md"
     pages = "\n".join(re.findall(r"\]\(([\w-]+)\.md\)", howto.read_text()))
     howto.write_text(f"{howto.read_text()}\n```{{toctree}}\n:hidden:\n\n{pages}\n```\n")
