@@ -260,6 +260,11 @@ std::vector<std::string> PictureFile::losses(int page) const {
   return losses;
 }
 
+std::vector<Tag> PictureFile::tags(int page) const {
+  std::ifstream file(path_, std::ios::binary);
+  return read_tags(file, format().code, page);
+}
+
 std::optional<std::string> PictureFile::compression(int page) const {
   const FileFormat& kind = format();
   if (kind.compression != nullptr) return kind.compression;

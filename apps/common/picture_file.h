@@ -11,6 +11,7 @@
 #include "common/exif.h"
 #include "common/picture.h"
 #include "common/pnm_file.h"
+#include "common/tags.h"
 #include "core/file_formats.h"
 
 namespace vorel::programs {
@@ -48,6 +49,9 @@ class PictureFile {
 
   // What loading a page takes from it, each as "what is lost; what to do".
   std::vector<std::string> losses(int page) const;
+
+  // What the file tells of a page in words.
+  std::vector<Tag> tags(int page) const;
 
   // Of a page, in words; none where it is unknown.
   std::optional<std::string> compression(int page) const;
