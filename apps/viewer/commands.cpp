@@ -14,6 +14,7 @@ namespace {
 using Window = ViewerWindow;
 
 bool has_picture(const Window& window) { return window.document().is_open() && !window.is_loading(); }
+bool shows_picture(const Window& window) { return window.document().is_open(); }  // while another one loads, too
 bool has_file(const Window& window) { return window.has_place(); }
 bool has_saved_file(const Window& window) { return has_picture(window) && !window.document().path().empty(); }
 bool has_lens(const Window& window) { return window.canvas().has_lens(); }
@@ -50,6 +51,7 @@ std::vector<Command> file_commands() {
       in_box({L"&Save as...", control('S'), [](Window& w) { w.save_as(); }, has_picture}),
       {L"&Information...", control('I'), [](Window& w) { w.tell_facts(); }, has_picture},
       {L"&Load again", control('R'), [](Window& w) { w.load_again(); }, has_saved_file},
+      {L"Stop loadin&g", {kEscapeKey}, [](Window& w) { w.stop_loading(); }, [](const Window& w) { return w.is_loading(); }},
       in_box({L"&Delete...", {kDeleteKey}, [](Window& w) { w.delete_file(); }, has_saved_file}),
   };
   for (size_t number = 0; number < RecentFiles::kMost; ++number) rows.push_back(recent_row(number));
@@ -78,17 +80,17 @@ std::vector<Command> edit_commands() {
 }
 
 Command view_row(const wchar_t* name, Key key, void (*action)(View&)) {
-  return {name, key, [action](Window& w) { w.canvas().change(action); }, has_picture};
+  return {name, key, [action](Window& w) { w.canvas().change(action); }, shows_picture};
 }
 
 Command sizing_row(const wchar_t* name, Key key, Sizing sizing) {
   return {name, key, [sizing](Window& w) { w.canvas().change([sizing](View& view) { view.set_sizing(sizing); }); },
-          has_picture, [sizing](const Window& w) { return w.canvas().view().sizing() == sizing; }};
+          shows_picture, [sizing](const Window& w) { return w.canvas().view().sizing() == sizing; }};
 }
 
 Command option_row(const wchar_t* name, Key key, Option option) {
-  return {name, key, [option](Window& w) { w.canvas().change([option](View& view) { view.toggle(option); }); }, has_picture,
-          [option](const Window& w) { return w.canvas().view().has(option); }};
+  return {name, key, [option](Window& w) { w.canvas().change([option](View& view) { view.toggle(option); }); },
+          shows_picture, [option](const Window& w) { return w.canvas().view().has(option); }};
 }
 
 Command thumbnail_row(const wchar_t* name, Key key, Thumbnails thumbnails) {
@@ -113,7 +115,7 @@ std::vector<Command> view_commands() {
       option_row(L"Size by &resolution", {'Z'}, IMG_DISPLAY_RESOLUTION),
       option_row(L"In&verted", {'I'}, IMG_DISPLAY_INVERTED),
       line(),
-      {L"Magnifying &lens", {'O'}, [](Window& w) { w.canvas().toggle_lens(); }, has_picture, has_lens},
+      {L"Magnifying &lens", {'O'}, [](Window& w) { w.canvas().toggle_lens(); }, shows_picture, has_lens},
       {L"&Drag a rectangle to zoom",
        {'X'},
        [](Window& w) { w.toggle_band_mode(); },
@@ -121,8 +123,8 @@ std::vector<Command> view_commands() {
        [](const Window& w) { return w.canvas().dragging() == Canvas::Dragging::kBand; }},
       line(),
       thumbnail_row(L"Thumbnails of the &pages", {kF8Key}, Thumbnails::kPages),
-      thumbnail_row(L"Thumbnails of the f&older", {kF9Key}, Thumbnails::kFolder),
-      {L"S&witch between picture and thumbnails",
+      thumbnail_row(L"&Thumbnails of the folder", {kF9Key}, Thumbnails::kFolder),
+      {L"Switch &between picture and thumbnails",
        {kF6Key},
        [](Window& w) { w.switch_focus(); },
        [](const Window& w) { return w.thumbnails() != Thumbnails::kNone; }},
@@ -146,8 +148,8 @@ std::vector<Command> go_commands() {
       {L"&Last page", {kEndKey}, [](Window& w) { w.go_to_end(View::Way::kOn); }, has_picture},
       {L"&Go to page...", control('G'), [](Window& w) { w.ask_for_page(); }, has_pages},
       line(),
-      {L"Next f&ile of the folder", control(kRightKey), [](Window& w) { w.open_neighbour(1); }, has_file},
-      {L"File b&efore", control(kLeftKey), [](Window& w) { w.open_neighbour(-1); }, has_file},
+      {L"Next f&ile of the folder", control(kRightKey), [](Window& w) { w.open_neighbour(View::Way::kOn); }, has_file},
+      {L"File b&efore", control(kLeftKey), [](Window& w) { w.open_neighbour(View::Way::kBack); }, has_file},
       line(),
       {L"&Slide show",
        {kF5Key},
@@ -185,7 +187,7 @@ std::vector<Command> page_commands() {
               {'S', true, true},
               [](Window& w) { w.save_steps(); },
               [](const Window& w) { return has_picture(w) && !w.document().steps().empty(); }}),
-      {L"Batc&h...", {'B', true, true}, [](Window& w) { w.run_batch(); }},
+      {L"Bat&ch...", {'B', true, true}, [](Window& w) { w.run_batch(); }},
       in_box({L"R&un steps from a file...", {'O', true, true}, [](Window& w) { w.run_steps_of_file(); }, has_picture}),
   };
 }
@@ -281,11 +283,12 @@ HMENU create_menu() {
   return menus.bar();
 }
 
+// Esc ends one thing after another and is no key of one command alone.
 HACCEL create_accelerators() {
   std::vector<ACCEL> keys;
   WORD id = kFirstCommandId;
   for (const Command& command : commands()) {
-    if (command.key.code != 0) keys.push_back(accelerator_for(command.key, id));
+    if (command.key.code != 0 && command.key.code != kEscapeKey) keys.push_back(accelerator_for(command.key, id));
     for (const auto& other : kOtherKeys)
       if (other.as == command.key) keys.push_back(accelerator_for(other.key, id));
     ++id;
@@ -320,7 +323,7 @@ std::wstring keys_text() {
   return text +
          L"\r\nOther keys\r\n"
          L"    Arrows\tScroll by a tenth of the window\r\n"
-         L"    Esc\tStop loading; take back a rectangle; end lens, slide show and full screen\r\n"
+         L"    Esc\tTake back a rectangle; end lens, loading, slide show and full screen; leave the thumbnails\r\n"
          L"\r\nMouse\r\n"
          L"    Drag\tMove the picture\r\n"
          L"    Shift+drag\tFill the window with a rectangle\r\n"

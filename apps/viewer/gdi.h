@@ -15,6 +15,7 @@ struct DeleteGdiObject {
   void operator()(HGDIOBJ object) const { DeleteObject(object); }
 };
 using Bitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, DeleteGdiObject>;
+using OwnedFont = std::unique_ptr<std::remove_pointer_t<HFONT>, DeleteGdiObject>;
 using OwnedPalette = std::unique_ptr<std::remove_pointer_t<HPALETTE>, DeleteGdiObject>;
 
 // The device context of a window's client area, for a scope.

@@ -12,6 +12,7 @@
 #include "viewer/gdi.h"
 #include "viewer/logic/histogram.h"
 #include "viewer/resource.h"
+#include "viewer/usable_file.h"
 #include "viewer/window.h"
 
 namespace vorel::viewer {
@@ -56,7 +57,8 @@ std::wstring size_on_paper(const PictureFacts& picture) {
 // Of the file as it is on the disk. What it does not tell is left out.
 void add_file(const PagePlace& place, Facts& facts) {
   try {
-    const programs::PictureFile file(place.path);
+    const UsableFile usable(place.path);
+    const programs::PictureFile file(usable.path());
     facts.add(L"File", place.path.wstring());
     facts.add(L"Bytes", std::to_wstring(file.bytes()));
     const FileFormat& format = file.format();
@@ -66,6 +68,7 @@ void add_file(const PagePlace& place, Facts& facts) {
     facts.add(L"Format", widened(format.name) + (variant.empty() ? L"" : L", " + variant));
     facts.add(L"Compression", widened(file.compression(place.page).value_or("unknown")));
     for (const std::string& loss : file.losses(place.page)) facts.add(L"Loaded", widened(loss));
+    for (const programs::Tag& tag : file.tags(place.page)) facts.add(widened(tag.name).c_str(), widened(tag.value));
   } catch (const programs::Problem& problem) {
     facts.add(L"File", widened(problem.what()));
   }
@@ -109,7 +112,7 @@ class FactsDialog {
   }
 
   BOOL fill(HWND dialog) const {
-    constexpr UINT kSecondColumn = 60;  // quarters of a character's width
+    constexpr UINT kSecondColumn = 76;  // quarters of a character's width
     SendDlgItemMessageW(dialog, IDC_TEXT, EM_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&kSecondColumn));
     SetDlgItemTextW(dialog, IDC_TEXT, text_.c_str());
     SetFocus(GetDlgItem(dialog, IDCANCEL));

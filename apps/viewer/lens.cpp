@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "viewer/dpi.h"
 #include "viewer/failure.h"
 
 namespace vorel::viewer {
@@ -18,10 +19,8 @@ Bitmap picture_for_lens(const View& view) {
 }
 
 void set_lens_size(HWND window) {
-  constexpr int kWidthAt96Dpi = 240, kHeightAt96Dpi = 160, kUsualDpi = 96;
-  const WindowDc dc(window);
-  const int dpi = GetDeviceCaps(dc.get(), LOGPIXELSX);
-  M_SetSizes(MulDiv(kWidthAt96Dpi, dpi, kUsualDpi), MulDiv(kHeightAt96Dpi, dpi, kUsualDpi));
+  constexpr int kWidth = 240, kHeight = 160;
+  M_SetSizes(scaled_for(window, kWidth), scaled_for(window, kHeight));
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ std::filesystem::path picture_to_open() {
   return path;
 }
 
-int run_messages(const vorel::viewer::ViewerWindow& viewer) {
+int run_messages(vorel::viewer::ViewerWindow& viewer) {
   MSG message;
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (viewer.take_key(message)) continue;

@@ -1,5 +1,7 @@
 #include "viewer/operations.h"
 
+#include <algorithm>
+
 #include "cli/chain.h"
 #include "cli/failure.h"
 #include "common/forms.h"
@@ -46,7 +48,7 @@ const Operation kOperations[] = {
     {kPage, L"Black and white by the b&est level", {}, "threshold otsu"},
     {kPage, L"Black and white by &local levels...", {}, "threshold sauvola --window {0}px --k 0.{1:2}", kLocal},
     {kPage, L"Take off s&pecks...", {'D', false, true}, "despeckle --size {0}px", {kSpeck}},
-    {kPage, L"Cl&ean...", {'C'}, "clean {0}", {kLevel}},
+    {kPage, L"Clea&n...", {'C'}, "clean {0}", {kLevel}},
     {kPage, L"Clean &gently...", {}, "clean {0} --gentle", {kLevel}},
     {kShape, L"Scale by &area...", {'S'}, "scale {0}% --method area", {kSize}},
     {kShape, L"Scale, &linear...", {}, "scale {0}% --method linear", {kSize}},
@@ -87,6 +89,16 @@ std::wstring report_of(const cli::Page& page) {
 std::span<const Operation> operations() { return kOperations; }
 
 std::string step_of(const Operation& operation, const Numbers& numbers) { return filled(operation.step, numbers); }
+
+bool are_equal(const programs::Picture& a, const programs::Picture& b) {
+  const DibHeader &one = a.header(), &other = b.header();
+  if (a.width() != b.width() || a.height() != b.height() || a.depth() != b.depth() || one.x_per_metre != other.x_per_metre ||
+      one.y_per_metre != other.y_per_metre || !std::ranges::equal(a.colors(), b.colors()))
+    return false;
+  for (int y = 0; y < a.height(); ++y)
+    if (!std::ranges::equal(a.pixels().row(y), b.pixels().row(y))) return false;
+  return true;
+}
 
 std::string steps_of_file(const std::filesystem::path& path) {
   try {

@@ -30,6 +30,9 @@ struct Outcome {
   std::wstring report;  // what the steps tell of the page; often empty
 };
 
+// Whether two pictures in the form that the library works on are equal, colour tables and resolutions included.
+bool are_equal(const programs::Picture& a, const programs::Picture& b);
+
 // From a file of steps. Throws Failure.
 std::string steps_of_file(const std::filesystem::path& path);
 

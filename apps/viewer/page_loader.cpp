@@ -57,7 +57,7 @@ PageLoader::PageLoader(std::function<void()> arrived) : finished_(std::make_shar
 PageLoader::~PageLoader() = default;
 
 std::optional<LoadedPage> PageLoader::ready(const PagePlace& place) {
-  const auto known = pages_.find(place);
+  const auto known = pages_.find(numbered(place));
   if (known && known->stamp == stamp_of(place.path)) return known->page;
   return std::nullopt;
 }
@@ -107,7 +107,13 @@ std::optional<PageLoader::Arrival> PageLoader::collect() {
 }
 
 void PageLoader::keep(const PagePlace& place, const LoadedPage& page, const FileStamp& stamp) {
-  pages_.keep(place, {page, stamp}, bytes_of(*page.picture));
+  if (place.page == PagePlace::kLast) page_counts_[place.path] = page.pages;
+  pages_.keep({place.path, page.number(place)}, {page, stamp}, bytes_of(*page.picture));
+}
+
+PagePlace PageLoader::numbered(const PagePlace& place) const {
+  const auto known = page_counts_.find(place.path);
+  return place.page == PagePlace::kLast && known != page_counts_.end() ? PagePlace{place.path, known->second} : place;
 }
 
 LoadedPage PageLoader::load(const PagePlace& place) {

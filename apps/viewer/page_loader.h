@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,12 +56,14 @@ class PageLoader {
   };
 
   void begin(WorkQueue::Urgency urgency, const PagePlace& place);  // unless it is under way
+  PagePlace numbered(const PagePlace& place) const;                // the last page by its number, once that is known
   void keep(const PagePlace& place, const LoadedPage& page, const FileStamp& stamp);
 
   std::shared_ptr<Finished> finished_;
   std::optional<PagePlace> wanted_;
   RecentlyUsed<PagePlace, Stamped> pages_;
-  WorkQueue queue_;  // ends first
+  std::map<std::filesystem::path, int> page_counts_;  // of files whose last page was asked for
+  WorkQueue queue_;                                   // ends first
 };
 
 }  // namespace vorel::viewer

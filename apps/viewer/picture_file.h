@@ -16,6 +16,8 @@ std::wstring quoted(const std::filesystem::path& path);
 
 // A page of a file, counted from 1.
 struct PagePlace {
+  static constexpr int kLast = 0;  // whatever its number is
+
   std::filesystem::path path;
   int page = 1;
   bool operator==(const PagePlace&) const = default;
@@ -32,6 +34,8 @@ FileStamp stamp_of(const std::filesystem::path& path);  // all zero for no file
 struct LoadedPage {
   SharedPicture picture;
   int pages = 1;  // that the file has
+
+  int number(const PagePlace& place) const { return place.page == PagePlace::kLast ? pages : place.page; }
 };
 
 // Throws Failure.

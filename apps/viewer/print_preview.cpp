@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "viewer/dpi.h"
 #include "viewer/failure.h"
 #include "viewer/gdi.h"
 #include "viewer/layout_controls.h"
@@ -105,8 +106,7 @@ class Preview {
   }
 
   BOOL begin(HWND dialog) {
-    SendMessageW(dialog, WM_SETICON, ICON_SMALL,
-                 reinterpret_cast<LPARAM>(LoadIconW(this_program(), MAKEINTRESOURCEW(IDI_VIEWER))));
+    SendMessageW(dialog, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon_for(dialog, IconSize::kSmall)));
     show_layout(dialog, settings_.layout);
     lay_out(dialog);
     update(dialog);

@@ -6,8 +6,10 @@
 #include <utility>
 
 #include "common/picture_file.h"
+#include "viewer/dpi.h"
 #include "viewer/failure.h"
 #include "viewer/gdi.h"
+#include "viewer/usable_file.h"
 #include "viewer/window.h"
 
 namespace vorel::viewer {
@@ -17,13 +19,7 @@ constexpr uint64_t kMostKept = uint64_t{32} << 20;    // bytes of thumbnails
 constexpr uint64_t kMostPixels = uint64_t{64} << 20;  // of pictures that are loaded for a thumbnail
 
 // Of the list and of what is in it, at the usual resolution.
-constexpr int kUsualDpi = 96, kListWidth = 170, kItemHeight = 132, kPictureWidth = 140, kPictureHeight = 104,
-              kNameHeight = 18;
-
-int scaled_for(HWND window, int length) {
-  const WindowDc dc(window);
-  return MulDiv(length, GetDeviceCaps(dc.get(), LOGPIXELSX), kUsualDpi);
-}
+constexpr int kListWidth = 170, kItemHeight = 132, kPictureWidth = 140, kPictureHeight = 104, kNameHeight = 18;
 
 Size fitted(const programs::Picture& picture, Size room) {
   const double scale = std::min(
@@ -37,6 +33,7 @@ Size fitted(const programs::Picture& picture, Size room) {
 struct SideBar::Thumbnail {
   Size size;
   std::vector<uint32_t> pixels;
+  FileStamp stamp = {};  // of the file before it was read
 
   static Thumbnail of(const ShownPicture& shown, Size room) {
     Thumbnail result{fitted(shown.picture, room), {}};
@@ -46,12 +43,16 @@ struct SideBar::Thumbnail {
   }
 
   static Thumbnail of(const PagePlace& place, Size room) {
+    Thumbnail result{{}, {}, stamp_of(place.path)};
     try {
-      const DibHeader header = programs::PictureFile(place.path).header(place.page);
-      if (programs::row_count(header) * static_cast<uint64_t>(std::max(header.width, 0)) > kMostPixels) return {};
-      return of(*load_page(place).picture, room);
+      const UsableFile usable(place.path);
+      const DibHeader header = programs::PictureFile(usable.path()).header(place.page);
+      if (programs::row_count(header) * static_cast<uint64_t>(std::max(header.width, 0)) > kMostPixels) return result;
+      Thumbnail made = of(*load_page(place).picture, room);
+      made.stamp = result.stamp;
+      return made;
     } catch (const std::exception&) {
-      return {};
+      return result;
     }
   }
 };
@@ -86,7 +87,6 @@ bool SideBar::create(HWND parent, WORD id) {
   window_ = CreateWindowExW(0, L"LISTBOX", L"Thumbnails", kStyle, 0, 0, 0, 0, parent,
                             reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), this_program(), nullptr);
   if (window_ == nullptr) return false;
-  SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
   follow_dpi();
   return true;
 }
@@ -96,6 +96,9 @@ int SideBar::width() const { return scaled_for(window_, kListWidth); }
 Size SideBar::room() const { return {scaled_for(window_, kPictureWidth), scaled_for(window_, kPictureHeight)}; }
 
 void SideBar::follow_dpi() {
+  OwnedFont font = text_font_for(window_);
+  SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), FALSE);
+  font_ = std::move(font);
   SendMessageW(window_, LB_SETITEMHEIGHT, 0, scaled_for(window_, kItemHeight));
   thumbnails_ = RecentlyUsed<PagePlace, SharedThumbnail>(kMostKept);
   requested_.clear();
@@ -112,22 +115,23 @@ void SideBar::show(std::vector<Item> items, int current) {
     SendMessageW(window_, LB_RESETCONTENT, 0, 0);
     for (const Item& item : items_) SendMessageW(window_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item.name.c_str()));
     SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
-    InvalidateRect(window_, nullptr, TRUE);
   }
+  InvalidateRect(window_, nullptr, TRUE);
   if (chosen() != current) SendMessageW(window_, LB_SETCURSEL, static_cast<WPARAM>(current), 0);
 }
 
-// Asks for one that is not there yet.
+// Asks for one that is not there yet. That of a file which was written since serves until the new one is made.
 SideBar::SharedThumbnail SideBar::thumbnail_of(const Item& item) {
   if (item.picture) return std::make_shared<const Thumbnail>(Thumbnail::of(*item.picture, room()));
-  if (const auto known = thumbnails_.find(item.place)) return *known;
+  const auto known = thumbnails_.find(item.place);
+  if (known && (*known)->stamp == stamp_of(item.place.path)) return *known;
   if (std::ranges::find(requested_, item.place) == requested_.end()) {
     requested_.push_back(item.place);
     queue_.add(WorkQueue::Urgency::kSometime, [place = item.place, room = room(), finished = finished_] {
       finished->add(place, Thumbnail::of(place, room));
     });
   }
-  return nullptr;
+  return known.value_or(nullptr);
 }
 
 void SideBar::collect() {

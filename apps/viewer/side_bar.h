@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "viewer/gdi.h"
 #include "viewer/logic/recently_used.h"
 #include "viewer/logic/work_queue.h"
 #include "viewer/picture_file.h"
-#include "viewer/system.h"
 
 namespace vorel::viewer {
 
@@ -50,6 +50,7 @@ class SideBar {
   WorkQueue& queue_;
   std::shared_ptr<Finished> finished_;
   HWND window_ = nullptr;
+  OwnedFont font_;
   std::vector<Item> items_;
   std::vector<PagePlace> requested_;
   RecentlyUsed<PagePlace, SharedThumbnail> thumbnails_;

@@ -1,14 +1,49 @@
 #include "viewer/status_bar.h"
 
 #include <algorithm>
+#include <array>
+#include <numeric>
+#include <utility>
 
+#include "viewer/dpi.h"
 #include "viewer/window.h"
 
 namespace vorel::viewer {
 namespace {
 
-enum Part : int { kName, kSize, kResolution, kPage, kZoom, kPixel, kParts };
-constexpr int kCharacters[kParts] = {0, 28, 15, 16, 10, 27};  // the name has the rest
+enum Part : size_t { kName, kSize, kResolution, kPage, kZoom, kPixel, kParts };
+
+// The longest usual texts; the name has the rest.
+constexpr const wchar_t* kLongest[kParts] = {
+    L"", L"20000 x 20000 pixels, 24 bits", L"1200 x 1200 dpi", L"page 100 of 100", L"1600 %", L"20000, 20000: 255 255 255"};
+
+// Parts give way in this order where the window is narrow. The title has the page and the zoom too.
+constexpr Part kGivingWay[] = {kPage, kResolution, kZoom, kSize};
+
+using Widths = std::array<int, kParts>;
+
+Widths widths_of_texts(HWND bar, HFONT font) {
+  const WindowDc dc(bar);
+  const HGDIOBJ previous = SelectObject(dc.get(), font);
+  Widths widths{};
+  for (size_t part = 0; part < kParts; ++part) {
+    constexpr int kAround = 16;
+    SIZE size{};
+    const std::wstring text = kLongest[part];
+    GetTextExtentPoint32W(dc.get(), text.c_str(), static_cast<int>(text.size()), &size);
+    widths[part] = static_cast<int>(size.cx) + scaled_for(bar, kAround);
+  }
+  SelectObject(dc.get(), previous);
+  return widths;
+}
+
+Widths fitted(Widths widths, int room) {
+  const auto sum = [&] { return std::accumulate(widths.begin(), widths.end(), 0); };
+  for (const Part part : kGivingWay)
+    if (sum() > room) widths[part] = 0;
+  widths[kName] = std::max(widths[kName] + room - sum(), 0);
+  return widths;
+}
 
 void set_text(HWND bar, int part, const std::wstring& text) {
   SendMessageW(bar, SB_SETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(text.c_str()));
@@ -19,7 +54,15 @@ void set_text(HWND bar, int part, const std::wstring& text) {
 bool StatusBar::create(HWND parent, WORD id) {
   window_ = CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, parent,
                             reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), this_program(), nullptr);
-  return window_ != nullptr;
+  if (window_ == nullptr) return false;
+  follow_dpi();
+  return true;
+}
+
+void StatusBar::follow_dpi() {
+  OwnedFont font = text_font_for(window_);
+  SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), FALSE);
+  font_ = std::move(font);
 }
 
 int StatusBar::lay_out(int width, bool is_hidden) const {
@@ -29,9 +72,11 @@ int StatusBar::lay_out(int width, bool is_hidden) const {
   RECT bar{};
   GetWindowRect(window_, &bar);
   const int height = static_cast<int>(bar.bottom - bar.top);
-  const int character = std::max(1, height / 3);  // about as wide as a digit
-  int edges[kParts], edge = width;
-  for (int part = kParts - 1; part >= 0; edge -= kCharacters[part--] * character) edges[part] = std::max(edge, 0);
+  Widths texts = widths_of_texts(window_, font_.get());
+  texts[kName] = width / 4;
+  int edges[kParts], edge = 0;
+  const Widths widths = fitted(texts, width - height);  // the grip is about as wide as it is high
+  for (size_t part = 0; part < kParts; ++part) edges[part] = edge += widths[part];
   edges[kParts - 1] = -1;
   SendMessageW(window_, SB_SETPARTS, kParts, reinterpret_cast<LPARAM>(edges));
   return height;

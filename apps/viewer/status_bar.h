@@ -3,14 +3,16 @@
 
 #include <string>
 
+#include "viewer/gdi.h"
 #include "viewer/logic/texts.h"
-#include "viewer/system.h"
 
 namespace vorel::viewer {
 
 class StatusBar {
  public:
   bool create(HWND parent, WORD id);
+  void follow_dpi();
+  HWND window() const { return window_; }
 
   // At the bottom of its parent. Returns its height, 0 while it is hidden.
   int lay_out(int width, bool is_hidden) const;
@@ -21,6 +23,7 @@ class StatusBar {
 
  private:
   HWND window_ = nullptr;
+  OwnedFont font_;
 };
 
 }  // namespace vorel::viewer

@@ -159,14 +159,14 @@ void View::paint_reduced() {
   RECT part{};
   if (IntersectRect(&part, &image, &painting.area())) {
     const Size extent = {static_cast<int>(part.right - part.left), static_cast<int>(part.bottom - part.top)};
-    std::vector<uint32_t> pixels(static_cast<size_t>(extent.width) * static_cast<size_t>(extent.height));
+    pixels_.resize(static_cast<size_t>(extent.width) * static_cast<size_t>(extent.height));
     const POINT from = {part.left - image.left, part.top - image.top};
     picture_->reductions().draw({size.width, size.height},
-                                {static_cast<int>(from.x), static_cast<int>(from.y), extent.width, extent.height}, pixels);
+                                {static_cast<int>(from.x), static_cast<int>(from.y), extent.width, extent.height}, pixels_);
     if (has(IMG_DISPLAY_INVERTED))
-      for (uint32_t& pixel : pixels) pixel ^= 0xFFFFFF;
+      for (uint32_t& pixel : pixels_) pixel ^= 0xFFFFFF;
     const SelectedPalette selected(painting.dc(), palette(), true);
-    put_pixels(painting.dc(), {part.left, part.top}, extent, pixels);
+    put_pixels(painting.dc(), {part.left, part.top}, extent, pixels_);
   }
   fill_around(painting.dc(), image, painting.area(), window_);
 }
@@ -225,6 +225,7 @@ void View::show(SharedPicture picture) {
 }
 
 void View::show_first(SharedPicture picture) {
+  if (sizing_ == Sizing::kFitWidth) return show_next(std::move(picture));
   show(std::move(picture));
   sizing_ = Sizing::kRatio;
   ratio_ = kActualSize;

@@ -2,7 +2,9 @@
 // size and larger; smaller ones are drawn from their reductions, which keep thin lines.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "viewer/gdi.h"
 #include "viewer/logic/zoom.h"
@@ -28,7 +30,7 @@ class View {
   void realise_palette();
 
   // Shows another picture or, for a null pointer, none.
-  //   show_first    at its actual size, or fitted if it is larger than the window
+  //   show_first    at its actual size, or fitted if it is larger than the window; as wide as the window if the previous one was
   //   show_next     with the sizing of the previous picture, at its beginning
   //   show_changed  with the sizing and the place of the previous picture
   void show_first(SharedPicture picture);
@@ -99,6 +101,7 @@ class View {
   bool is_starting_ = false;
   mutable ImgDisplayState state_{};  // mapping a device context records its origins here
   ImgZoomTracker tracker_{};
+  std::vector<uint32_t> pixels_;  // of the part that was painted last: new memory for each would be slow
 };
 
 }  // namespace vorel::viewer

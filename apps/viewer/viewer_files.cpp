@@ -15,13 +15,25 @@ namespace {
 constexpr UINT_PTR kSlideTimer = 1;
 constexpr UINT kSlideMilliseconds = 4000;
 
+// By the system itself: the runtime's search takes no long paths.
 std::vector<std::wstring> picture_names_in(const fs::path& folder) {
   std::vector<std::wstring> names;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (format_by_name(entry->path()) != nullptr) names.push_back(entry->path().filename().wstring());
-  }
+  WIN32_FIND_DATAW found;
+  const HANDLE search = FindFirstFileW((folder / L"*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return names;
+  do {
+    const bool is_folder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    if (!is_folder && format_by_name(found.cFileName) != nullptr) names.emplace_back(found.cFileName);
+  } while (FindNextFileW(search, &found));
+  FindClose(search);
   return names;
+}
+
+// The picture before or behind another in its folder.
+std::optional<fs::path> neighbour_of(const fs::path& path, View::Way way) {
+  const auto name =
+      neighbour(picture_names_in(path.parent_path()), path.filename().wstring(), way == View::Way::kOn ? 1 : -1);
+  return name ? std::optional(path.parent_path() / *name) : std::nullopt;
 }
 
 }  // namespace
@@ -36,7 +48,17 @@ void ViewerWindow::fetch(const PagePlace& place, const Landing& landing) {
   }
   landing_ = landing;
   loader_.want(place);
-  tell(L"Loading " + quoted(place.path) + L"; Esc stops it");
+  tell_loading();
+}
+
+void ViewerWindow::tell_loading() { tell(L"Loading " + quoted(loader_.wanted()->path) + L"; Esc stops it"); }
+
+void ViewerWindow::stop_loading() {
+  const fs::path path = loader_.wanted()->path;
+  loader_.stop();
+  if (document_.is_open() && !document_.path().empty()) place_ = document_.path();
+  update_thumbnails();
+  tell(L"Loading of " + quoted(path) + L" was stopped");
 }
 
 void ViewerWindow::take_arrival() {
@@ -57,15 +79,17 @@ void ViewerWindow::land(const PagePlace& place, const LoadedPage& loaded, const 
     });
   } else {
     Document document = Document::of_file(place.path, loaded.pages);
-    document.go_to(landing.page, loaded.picture);
+    document.go_to(loaded.number(place), loaded.picture);
+    const bool starts_anew = landing.kind == Landing::Kind::kNewFile && !has_slide_show_;
     canvas_.change([&](View& view) {
       document_ = std::move(document);
-      landing.kind == Landing::Kind::kNewFile ? view.show_first(document_.shared()) : view.show_next(document_.shared());
+      starts_anew ? view.show_first(document_.shared()) : view.show_next(document_.shared());
+      if (landing.from == View::Way::kBack) view.scroll_to_end(View::Way::kOn);
     });
     if (landing.telling == Telling::kBox) remember(place.path);
   }
   update_thumbnails();
-  read_ahead();
+  read_ahead(landing);
   if (has_slide_show_) start_slide_timer();
 }
 
@@ -75,23 +99,26 @@ void ViewerWindow::remember(const fs::path& path) {
   save_recent_files(recent_files_);
 }
 
-// The pages beside this one, and the next file on the way.
-void ViewerWindow::read_ahead() {
+// The pages beside this one, and the next file on the way: its last page for those who read backwards.
+void ViewerWindow::read_ahead(const Landing& landing) {
   std::vector<PagePlace> places;
   for (const int page : {document_.page() + 1, document_.page() - 1})
     if (page >= 1 && page <= document_.pages() && !document_.page_at(page).picture)
       places.push_back(document_.page_at(page).file);
-  if (const auto name = neighbour(picture_names_in(place_.parent_path()), place_.filename().wstring(), last_step_))
-    places.push_back({place_.parent_path() / *name, 1});
+  const bool reads_back = landing.from == View::Way::kBack;
+  if (const auto next = neighbour_of(place_, reads_back ? View::Way::kBack : last_way_))
+    places.push_back({*next, reads_back ? PagePlace::kLast : 1});
   loader_.read_ahead(places);
 }
 
 // ---- Files ----
 
-void ViewerWindow::open(const fs::path& path, Telling telling) {
+void ViewerWindow::open(const fs::path& path, Telling telling) { open_page({path, 1}, {.telling = telling}); }
+
+void ViewerWindow::open_page(const PagePlace& place, const Landing& landing) {
   if (!may_lose_changes()) return update_thumbnails();
-  place_ = fs::absolute(path);
-  fetch({place_, 1}, {.telling = telling});
+  place_ = fs::absolute(place.path);
+  fetch({place_, place.page}, landing);
 }
 
 void ViewerWindow::ask_and_open() {
@@ -111,12 +138,16 @@ void ViewerWindow::open_recent(size_t number) {
 }
 
 // A file that cannot be loaded does not stand in the way of those beyond it.
-void ViewerWindow::open_neighbour(int step) {
-  last_step_ = step;
-  const auto name = neighbour(picture_names_in(place_.parent_path()), place_.filename().wstring(), step);
-  if (!name)
-    throw Failure(step > 0 ? L"This is the last picture of the folder" : L"This is the first picture of the folder");
-  open(place_.parent_path() / *name, Telling::kStatus);
+void ViewerWindow::open_neighbour(View::Way way) { open_neighbour(way, 1, View::Way::kOn); }
+
+//   from  where reading goes on in it: kBack at its end
+void ViewerWindow::open_neighbour(View::Way way, int page, View::Way from) {
+  last_way_ = way;
+  const auto next = neighbour_of(place_, way);
+  if (!next)
+    throw Failure(way == View::Way::kOn ? L"This is the last picture of the folder"
+                                        : L"This is the first picture of the folder");
+  open_page({*next, page}, {.from = from});
 }
 
 void ViewerWindow::load_again() {
@@ -130,9 +161,8 @@ void ViewerWindow::load_again() {
 void ViewerWindow::delete_file() {
   const fs::path path = document_.path();
   if (!confirms(L"Delete " + quoted(path) + L"?")) return;
-  const auto names = picture_names_in(path.parent_path());
-  auto next = neighbour(names, path.filename().wstring(), 1);
-  if (!next) next = neighbour(names, path.filename().wstring(), -1);
+  auto next = neighbour_of(path, View::Way::kOn);
+  if (!next) next = neighbour_of(path, View::Way::kBack);
   const std::wstring list = path.wstring() + std::wstring(2, L'\0');
   SHFILEOPSTRUCTW deletion{};
   deletion.wFunc = FO_DELETE;
@@ -144,7 +174,7 @@ void ViewerWindow::delete_file() {
   recent_files_.remove(narrowed(path));
   save_recent_files(recent_files_);
   show_new({});
-  if (next) open(path.parent_path() / *next, Telling::kStatus);
+  if (next) open(*next, Telling::kStatus);
 }
 
 void ViewerWindow::save_as() {
@@ -226,8 +256,8 @@ bool ViewerWindow::advance(View::Way way) {
   const int step = way == View::Way::kOn ? 1 : -1;
   const int page = document_.is_open() ? document_.page() + step : 0;
   if (page >= 1 && page <= document_.pages()) return go_to_page(page, way), true;
-  if (!neighbour(picture_names_in(place_.parent_path()), place_.filename().wstring(), step)) return false;
-  return open_neighbour(step), true;
+  if (!neighbour_of(place_, way)) return false;
+  return open_neighbour(way, way == View::Way::kBack ? PagePlace::kLast : 1, way), true;
 }
 
 void ViewerWindow::go_by_screen(View::Way way) {

@@ -6,6 +6,7 @@
 
 #include "core/pixel.h"
 #include "viewer/commands.h"
+#include "viewer/dpi.h"
 #include "viewer/failure.h"
 #include "viewer/resource.h"
 #include "viewer/settings.h"
@@ -22,16 +23,10 @@ constexpr UINT kDpiMessage = 0x02E0;  // WM_DPICHANGED, which headers for older 
 constexpr UINT kPageMessage = WM_APP + 1, kThumbnailMessage = WM_APP + 2;
 
 void register_class() {
-  const auto icon = [](int width, int height) {
-    return static_cast<HICON>(LoadImageW(this_program(), MAKEINTRESOURCEW(IDI_VIEWER), IMAGE_ICON, GetSystemMetrics(width),
-                                         GetSystemMetrics(height), LR_SHARED));
-  };
   WNDCLASSEXW window_class{};
   window_class.cbSize = sizeof window_class;
   window_class.lpfnWndProc = send_to_object<ViewerWindow>;
   window_class.hInstance = this_program();
-  window_class.hIcon = icon(SM_CXICON, SM_CYICON);
-  window_class.hIconSm = icon(SM_CXSMICON, SM_CYSMICON);
   window_class.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // the arrow
   window_class.lpszClassName = kClassName;
   RegisterClassExW(&window_class);
@@ -98,6 +93,7 @@ bool ViewerWindow::create(int show) {
       CreateWindowExW(WS_EX_ACCEPTFILES, kClassName, kProgram, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
                       CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, create_menu(), this_program(), this);
   if (window == nullptr) return false;
+  show_icons();
   ShowWindow(window, show);
   return true;
 }
@@ -111,9 +107,12 @@ bool ViewerWindow::create_parts() {
 }
 
 // Keys without Ctrl that move in a list stay the list's while it has the focus; Esc leaves it.
-bool ViewerWindow::take_key(MSG& message) const {
+bool ViewerWindow::take_key(MSG& message) {
   const bool is_in_list = message.hwnd == side_bar_.window();
-  if (is_in_list && message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE) return SetFocus(canvas_.window()), true;
+  if (is_in_list && message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE) {
+    is_loading() ? stop_loading() : static_cast<void>(SetFocus(canvas_.window()));
+    return true;
+  }
   const bool is_for_list = is_in_list && message.wParam < VK_F1 && GetKeyState(VK_CONTROL) >= 0;
   return !is_for_list && TranslateAcceleratorW(window_, accelerators_, &message);
 }
@@ -134,6 +133,9 @@ LRESULT ViewerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_CREATE: return create_parts() ? 0 : -1;
     case WM_SIZE: lay_out(); return 0;
+    case WM_ACTIVATEAPP:  // other programs may have written to the folder
+      if (wParam != FALSE && thumbnails_ != Thumbnails::kNone) update_thumbnails();
+      return 0;
     case WM_SETFOCUS: SetFocus(canvas_.window()); return 0;
     case WM_COMMAND:
       if (LOWORD(wParam) != IDC_THUMBNAILS)
@@ -147,7 +149,10 @@ LRESULT ViewerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_TIMER: attempt([this] { show_next_slide(); }); return 0;
     case WM_QUERYNEWPALETTE: canvas_.realise_palette(); return TRUE;
     case WM_PALETTECHANGED: InvalidateRect(canvas_.window(), nullptr, FALSE); return 0;
-    case WM_SYSCOLORCHANGE: InvalidateRect(window_, nullptr, TRUE); return 0;
+    case WM_SYSCOLORCHANGE:
+      SendMessageW(status_.window(), message, wParam, lParam);
+      RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+      return 0;
     case WM_INITMENUPOPUP: update_menu(reinterpret_cast<HMENU>(wParam), *this); return 0;
     case WM_DROPFILES: take_dropped(reinterpret_cast<HDROP>(wParam)); return 0;
     case kDpiMessage: follow_dpi(*reinterpret_cast<const RECT*>(lParam)); return 0;
@@ -160,15 +165,22 @@ LRESULT ViewerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
 void ViewerWindow::run_command(WORD id) {
   const Command* command = command_of(id);
   if (command == nullptr || (command->is_enabled && !command->is_enabled(*this))) return;
-  tell(L"");
+  is_loading() ? tell_loading() : tell(L"");
   attempt([&] { command->run(*this); }, command->telling);
 }
 
 void ViewerWindow::follow_dpi(const RECT& suggested) {
   SetWindowPos(window_, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+  show_icons();
+  status_.follow_dpi();
   side_bar_.follow_dpi();
   lay_out();
+}
+
+void ViewerWindow::show_icons() {
+  SendMessageW(window_, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon_for(window_, IconSize::kSmall)));
+  SendMessageW(window_, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon_for(window_, IconSize::kLarge)));
 }
 
 void ViewerWindow::take_dropped(HDROP drop) {
@@ -188,12 +200,7 @@ void ViewerWindow::toggle_full_screen() { full_screen_.toggle(window_); }
 
 // What Esc ends when nothing on the canvas is to be ended: one thing at a time.
 void ViewerWindow::escape() {
-  if (is_loading()) {
-    const fs::path path = loader_.wanted()->path;
-    loader_.stop();
-    if (document_.is_open() && !document_.path().empty()) place_ = document_.path();
-    return tell(L"Loading of " + quoted(path) + L" was stopped");
-  }
+  if (is_loading()) return stop_loading();
   if (has_slide_show_) return end_slide_show();
   if (is_full_screen()) toggle_full_screen();
 }

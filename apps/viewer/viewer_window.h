@@ -29,7 +29,7 @@ class ViewerWindow {
   bool create(int show);
   HWND window() const { return window_; }
   // Whether a message was a key of a command.
-  bool take_key(MSG& message) const;
+  bool take_key(MSG& message);
 
   // What the commands do. Reasons why something is not done come up as Failure, which `attempt` tells: in the status bar or, where
   // nothing else on the screen shows that it was not done, in a box.
@@ -39,13 +39,14 @@ class ViewerWindow {
   void open(const std::filesystem::path& path, Telling telling);
   void open_recent(size_t number);
   void load_again();
+  void stop_loading();
   void delete_file();
   void save_as();
   void print();
   void preview();
   void set_up_printer();
 
-  void open_neighbour(int step);
+  void open_neighbour(View::Way way);
   void go_by_screen(View::Way way);
   void go_by_page(View::Way way);
   void go_to_end(View::Way way);
@@ -95,14 +96,16 @@ class ViewerWindow {
   void run_command(WORD id);
   void take_dropped(HDROP drop);
   void follow_dpi(const RECT& suggested);
+  void show_icons();
 
   // How a page that is loaded comes to be shown.
   struct Landing {
     enum class Kind { kNewFile, kPage, kSameFile } kind = Kind::kNewFile;
-    int page = 1;
+    int page = 1;                     // of the document, for kPage
     View::Way from = View::Way::kOn;  // kBack: at its end
     Telling telling = Telling::kStatus;
   };
+  void open_page(const PagePlace& place, const Landing& landing);
   void fetch(const PagePlace& place, const Landing& landing);
   void take_arrival();
   void land(const PagePlace& place, const LoadedPage& loaded, const Landing& landing);
@@ -110,7 +113,8 @@ class ViewerWindow {
   void go_to_page(int page, View::Way from = View::Way::kOn);
   void show_new(Document document);
   void step_in_history(void (Document::*step)(), void (Document::*back)());
-  void read_ahead();
+  void open_neighbour(View::Way way, int page, View::Way from);
+  void read_ahead(const Landing& landing);
   void escape();
 
   bool advance(View::Way way);
@@ -131,6 +135,7 @@ class ViewerWindow {
   bool confirms(const std::wstring& question) const;
   void update_facts();
   void tell(const std::wstring& text);
+  void tell_loading();
   void tell_pixel(std::optional<POINT> pixel);
   void complain(const std::wstring& text, Telling telling);
 
@@ -142,9 +147,9 @@ class ViewerWindow {
   Canvas canvas_;
   FullScreen full_screen_;
   Document document_;
-  std::filesystem::path place_;  // the file that was tried last, from where neighbours are looked for
-  int last_step_ = 1;            // the way to the file that was tried last
-  Landing landing_;              // of the page that is loading
+  std::filesystem::path place_;          // the file that was tried last, from where neighbours are looked for
+  View::Way last_way_ = View::Way::kOn;  // to the file that was tried last
+  Landing landing_;                      // of the page that is loading
   RecentFiles recent_files_;
   Thumbnails thumbnails_ = Thumbnails::kNone;
   bool has_slide_show_ = false, was_full_screen_ = false;

@@ -39,7 +39,10 @@ void ViewerWindow::set_up_printer() {
 
 // ---- Editing ----
 
+// A step that leaves the page as it is, is no change: there is nothing to undo or to save.
 void ViewerWindow::change(SharedPicture picture, const std::string& step, const std::wstring& report) {
+  if (are_equal(picture->picture, document_.picture()))
+    return tell(L"Nothing changed" + (report.empty() ? L"" : L": " + report));
   canvas_.change([&](View& view) {
     document_.change(std::move(picture), step);
     view.show_changed(document_.shared());

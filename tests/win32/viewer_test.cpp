@@ -3,10 +3,12 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <random>
 
 #include "common/saving.h"
 #include "core/pixel.h"
+#include "viewer/commands.h"
 #include "viewer/failure.h"
 #include "viewer/viewer_window.h"
 #include "win32/support/window.h"
@@ -190,6 +192,42 @@ TEST(ViewerCanvas, StaysWholeWhateverHappens) {
       ASSERT_EQ(differing_pixels(now, shown.repainted()), 0) << depth << " bits, after " << log;
     }
   }
+}
+
+// ---- Commands ----
+
+std::vector<std::wstring> letters_of(const std::vector<std::wstring>& names) {
+  std::vector<std::wstring> letters;
+  for (const std::wstring& name : names)
+    if (const size_t at = name.find(L'&'); at != std::wstring::npos)
+      letters.emplace_back(1, static_cast<wchar_t>(towupper(name[at + 1])));
+  return letters;
+}
+
+// Everything is reached by keyboard: each row of a menu by a letter of its own, and no key stands for two commands.
+TEST(ViewerCommands, HaveLettersAndKeysOfTheirOwn) {
+  std::map<std::wstring, std::vector<std::wstring>> menus;
+  std::vector<std::wstring> keys;
+  for (const Command& command : commands()) {
+    if (command.name.empty()) continue;
+    std::vector<std::wstring>& menu = menus[command.menu];
+    if (!command.submenu.empty()) {
+      menus[command.menu + command.submenu].push_back(command.name);
+      if (std::ranges::find(menu, command.submenu) == menu.end()) menu.push_back(command.submenu);
+    } else {
+      menu.push_back(command.name);
+    }
+    if (command.key.code != 0) keys.push_back(key_text(command.key));
+  }
+  for (const auto& [menu, names] : menus) {
+    std::vector<std::wstring> letters = letters_of(names);
+    EXPECT_EQ(letters.size(), names.size()) << narrowed(menu);
+    std::ranges::sort(letters);
+    const auto twice = std::ranges::adjacent_find(letters);
+    EXPECT_TRUE(twice == letters.end()) << narrowed(menu) << ": " << narrowed(*twice);
+  }
+  std::ranges::sort(keys);
+  EXPECT_TRUE(std::ranges::adjacent_find(keys) == keys.end());
 }
 
 // ---- Files ----
