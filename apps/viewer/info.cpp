@@ -68,9 +68,18 @@ void add_file(const PagePlace& place, Facts& facts) {
     facts.add(L"Format", widened(format.name) + (variant.empty() ? L"" : L", " + variant));
     facts.add(L"Compression", widened(file.compression(place.page).value_or("unknown")));
     for (const std::string& loss : file.losses(place.page)) facts.add(L"Loaded", widened(loss));
-    for (const programs::Tag& tag : file.tags(place.page)) facts.add(widened(tag.name).c_str(), widened(tag.value));
   } catch (const programs::Problem& problem) {
     facts.add(L"File", widened(problem.what()));
+  }
+}
+
+// A file that tells nothing was named already.
+void add_tags(const PagePlace& place, Facts& facts) {
+  try {
+    const UsableFile usable(place.path);
+    for (const programs::Tag& tag : programs::PictureFile(usable.path()).tags(place.page))
+      facts.add(widened(tag.name).c_str(), widened(tag.value));
+  } catch (const programs::Problem&) {
   }
 }
 
@@ -85,6 +94,7 @@ std::wstring facts_of(const Document& document) {
   if (picture.depth <= 8) facts.add(L"Colour table", std::to_wstring(document.picture().colors().size()) + L" colours");
   facts.add(L"Colours used", std::to_wstring(count_colors(document.picture())));
   facts.add(L"Changed by", widened(document.steps()));
+  if (!document.path().empty()) add_tags(document.page_at(document.page()).file, facts);
   return facts.text();
 }
 

@@ -36,6 +36,8 @@ window_is_gone() { ! window_is_there "$1"; }
 expect_window() { patiently window_is_there "$1" || fail "no window \"$1\" appeared"; }
 expect_no_window() { patiently window_is_gone "$1" || fail "the window \"$1\" did not close"; }
 
+screenshot_now() { import -silent -window root -crop 1280x900+0+0 +repage "$shots/$1.png"; }
+
 # screenshot NAME: takes the screen once it no longer changes.
 screenshot() {
   local before= now=

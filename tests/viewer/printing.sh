@@ -60,6 +60,26 @@ cancel_job() {
   ! tail -c 40 "$work/paper.ps" | grep -q '%%Pages: 900' || fail "the cancelled job was printed to its end"
 }
 
+# Three pages on one sheet of paper.
+several_to_a_sheet() {
+  rm -f "$work/paper.ps" "$work"/sheet*.png
+  press ctrl+p
+  expect_window '^Print$'
+  press alt+g
+  xdotool type --delay 20 1-3
+  press alt+c
+  xdotool type --delay 20 1
+  press alt+h 4
+  screenshot 38-print-several
+  press Return
+  expect_no_window '^Print$'
+  patiently job_is_whole || fail "no job came to its end"
+  gs -q -o "$work/sheet%d.png" -sDEVICE=png16m -r72 "$work/paper.ps"
+  local sheets=("$work"/sheet*.png)
+  [ ${#sheets[@]} = 1 ] || fail "${#sheets[@]} sheets were printed, not 1"
+  cp "$work/sheet1.png" "$shots/39-sheet-of-several.png"
+}
+
 printing() {
   ./tools/print-to-file.sh Paper "$work/paper.ps"
   press ctrl+o
@@ -76,6 +96,10 @@ printing() {
   press alt+t alt+d Prior
   expect_window '^Print Preview - page 1 of 3 - true size, centred across - Paper$'
   screenshot 32-preview-at-true-size
+  press alt+h 4
+  expect_window '^Print Preview - sheet 1 of 1 - 4 to a sheet - Paper$'
+  screenshot 37-preview-of-several
+  press alt+h 1
   press alt+f alt+d
   expect_window '^Print Preview - page 1 of 3 - fit, centred - Paper$'
   press Escape
@@ -90,6 +114,7 @@ printing() {
   cmp -s "$first" "$work/sheet4.png" || fail "copies differ"
   ! cmp -s "$first" "$work/sheet2.png" || fail "copies are not collated"
   expect_near "page 2" "$fitted" "$(box_on_sheet "$first")"
+  several_to_a_sheet
   cancel_job
   expect_title 'set.tif (page 1 of 3) - *'
   press ctrl+shift+u

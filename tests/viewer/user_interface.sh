@@ -3,7 +3,8 @@
 # usage: user_interface.sh [--whole] BUILD_FOLDER   (of the Windows build)
 #   --whole  also every way to show a picture, dialogs, pages, printing and the clipboard, with a contact sheet
 # environment:
-#   VOREL_SHOTS  where screenshots are kept (default: nowhere; after a failure they are in the build folder)
+#   VOREL_SHOTS  where screenshots are kept (default: of --whole viewer-screenshots in the build folder, else nowhere; after a
+#                failure they are in the build folder)
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 cd "$here/../.."
@@ -16,8 +17,9 @@ if [ "${1:-}" = --whole ]; then form=whole; shift; fi
 build=$1
 work=$(mktemp -d)
 pictures=$work/pictures shots=${VOREL_SHOTS:-$work/shots}
+if [ $form = whole ]; then shots=${VOREL_SHOTS:-$build/viewer-screenshots}; fi
 mkdir -p "$pictures" "$shots"
-for part in drive basics whole printing; do
+for part in drive basics whole habits printing; do
   # shellcheck source=/dev/null
   . "$here/$part.sh"
 done
@@ -36,6 +38,13 @@ if [ $form = whole ]; then
   windows_beside
   page_work
   preview_of_an_operation
+  batch_over_a_folder
+  deletion
+  slide_show
+  reading_backwards
+  rewritten_file
+  stopped_loading
+  names_and_errors
   printing
   clipboard
   quit answer_question

@@ -85,7 +85,7 @@ files_and_pages() {
 clipboard() {
   press ctrl+c ctrl+v
   expect_title 'Untitled\* - *'
-  screenshot 37-pasted
+  screenshot 49-pasted
 }
 
 windows_beside() {
@@ -119,6 +119,11 @@ page_work() {
   expect_window 'Open'
   enter "$(windows_path "$pictures/set.tif")"
   expect_title 'set.tif (page 1 of 3) - *'
+  press ctrl+i
+  expect_window 'Information'
+  screenshot 42-information-of-tags
+  press Escape
+  expect_no_window 'Information'
   press ctrl+shift+Delete
   expect_title 'set.tif\* (page 1 of 2) - *'
   press ctrl+z
