@@ -124,7 +124,9 @@ page_work() {
   screenshot 42-information-of-tags
   press Escape
   expect_no_window 'Information'
-  press ctrl+shift+Delete
+  press F8
+  screenshot 42-pages
+  press F8 ctrl+shift+Delete
   expect_title 'set.tif\* (page 1 of 2) - *'
   press ctrl+z
   expect_title 'set.tif (page 1 of 3) - *'
