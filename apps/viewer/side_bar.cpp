@@ -107,7 +107,8 @@ void SideBar::follow_dpi() {
 int SideBar::chosen() const { return static_cast<int>(SendMessageW(window_, LB_GETCURSEL, 0, 0)); }
 
 void SideBar::show(std::vector<Item> items, int current) {
-  if (items != items_) {
+  const bool are_others = items != items_;
+  if (are_others) {
     queue_.drop(WorkQueue::Urgency::kSometime);
     requested_.clear();
     items_ = std::move(items);
@@ -116,7 +117,7 @@ void SideBar::show(std::vector<Item> items, int current) {
     for (const Item& item : items_) SendMessageW(window_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item.name.c_str()));
     SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
   }
-  InvalidateRect(window_, nullptr, TRUE);
+  InvalidateRect(window_, nullptr, are_others);
   if (chosen() != current) SendMessageW(window_, LB_SETCURSEL, static_cast<WPARAM>(current), 0);
 }
 

@@ -13,9 +13,9 @@ namespace {
 
 enum Part : size_t { kName, kSize, kResolution, kPage, kZoom, kPixel, kParts };
 
-// The longest usual texts; the name has the rest.
-constexpr const wchar_t* kLongest[kParts] = {
-    L"", L"20000 x 20000 pixels, 24 bits", L"1200 x 1200 dpi", L"page 100 of 100", L"1600 %", L"20000, 20000: 255 255 255"};
+// Long usual texts; the name has the rest.
+constexpr const wchar_t* kUsual[kParts] = {L"",       L"9999 x 9999 pixels, 24 bits", L"1200 x 1200 dpi", L"page 100 of 100",
+                                           L"1600 %", L"9999, 9999: 255 255 255"};
 
 // Parts give way in this order where the window is narrow. The title has the page and the zoom too.
 constexpr Part kGivingWay[] = {kPage, kResolution, kZoom, kSize};
@@ -27,9 +27,9 @@ Widths widths_of_texts(HWND bar, HFONT font) {
   const HGDIOBJ previous = SelectObject(dc.get(), font);
   Widths widths{};
   for (size_t part = 0; part < kParts; ++part) {
-    constexpr int kAround = 16;
+    constexpr int kAround = 20;
     SIZE size{};
-    const std::wstring text = kLongest[part];
+    const std::wstring text = kUsual[part];
     GetTextExtentPoint32W(dc.get(), text.c_str(), static_cast<int>(text.size()), &size);
     widths[part] = static_cast<int>(size.cx) + scaled_for(bar, kAround);
   }
@@ -73,7 +73,7 @@ int StatusBar::lay_out(int width, bool is_hidden) const {
   GetWindowRect(window_, &bar);
   const int height = static_cast<int>(bar.bottom - bar.top);
   Widths texts = widths_of_texts(window_, font_.get());
-  texts[kName] = width / 4;
+  texts[kName] = width / 8;
   int edges[kParts], edge = 0;
   const Widths widths = fitted(texts, width - height);  // the grip is about as wide as it is high
   for (size_t part = 0; part < kParts; ++part) edges[part] = edge += widths[part];
