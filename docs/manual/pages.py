@@ -36,7 +36,7 @@ class Reference:
         self.declarations = [((declarations / file).read_text(), language, lexer) for file, language, lexer in LANGUAGES]
         self.arguments = header.arguments(self.preamble)
         self.families = {}
-        for function in sorted(self.functions.values(), key=lambda function: function.place):
+        for function in sorted(self.functions.values(), key=lambda function: (function.builds == "linux", function.place)):
             function.family = TITLES.get(function.family, function.family)
             self.families.setdefault(function.family, []).append(function)
         self.codes = [found for d in self.definitions if d.names == ["ImgErrorCode"]
@@ -166,7 +166,7 @@ From :download:`{source.name} </{source}>`, which the tests compile and run.
 
     def row(self, function):
         build = {"both": "Windows, Linux", "windows": "Windows", "linux": "Linux"}[function.builds]
-        return f"   * - :c:func:`{function.name}`\n     - {function.ordinal}\n     - {build}\n     - {self.summary(function)}\n"
+        return f"   * - :c:func:`{function.name}`\n     - {function.ordinal.replace('-', '–')}\n     - {build}\n     - {self.summary(function)}\n"
 
     def table(self, functions):
         head = ".. list-table::\n   :header-rows: 1\n   :widths: auto\n   :class: functions\n\n   * - Function\n     - No.\n     - Builds\n     - Purpose\n"
@@ -235,7 +235,7 @@ From :download:`{source.name} </{source}>`, which the tests compile and run.
         pages["alphabetical"] = headed("All functions by name", "=") + "\n" + self.table(
             sorted(self.functions.values(), key=lambda function: function.name.lower()))
         pages.update({"structures": self.structures(), "errors": self.errors(), "conventions": self.conventions()})
-        families = "".join(f"{headed(':doc:`' + slug(family) + '`', '-')}\n{self.table(functions)}\n" for family, functions in self.families.items())
+        families = "".join(f"{headed(f':doc:`{family} <{slug(family)}>`', '-')}\n{self.table(functions)}\n" for family, functions in self.families.items())
         tree = "\n".join(f"   {name}" for name in ["conventions", *map(slug, self.families), "alphabetical", "errors", "structures"])
         pages["index"] = f"{headed('Functions', '=')}\n.. toctree::\n   :hidden:\n\n{tree}\n\n{families}"
         self.folder.mkdir(parents=True, exist_ok=True)

@@ -41,7 +41,7 @@ class Shown(SphinxDirective):
         captions = [text.strip() for text in self.options["captions"].split("|")] if "captions" in self.options else names
         for name, title in zip(names, captions, strict=True):
             figure = nodes.figure()
-            image = nodes.image(uri=f"/pictures/{name}", alt=f"{name}: {caption}")
+            image = nodes.image(uri=f"/pictures/{name}", alt=title if title != name else caption or name)
             if scale := self.options.get("scale"):
                 image["width"] = f"{Image.open(folder / name).width * scale}px"
                 image["classes"].append("pixels")
