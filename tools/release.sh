@@ -20,6 +20,9 @@ case ${1:-} in
 esac
 
 ./tools/setup.sh --release
+while read -r name _ codec_version; do
+  grep -qF "| $codec_version |" SECURITY.md || fail "SECURITY.md does not name $name $codec_version"
+done <build/codecs-i686/versions.txt
 version=$(sed -nE 's/^project\(vorel32 VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
 number=$(git rev-list --count HEAD)
 SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
