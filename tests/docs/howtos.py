@@ -2,11 +2,13 @@
 
 In a page, blocks of `sh` are run in order. A block of `text` behind one is what it prints, on either stream; `...` stands for
 anything, and an exit code other than 0 is the last line. A code block behind a line that ends with `NAME`: is saved under that name.
-A block of `bash` needs something that is not here; the line in front of it must say so ("Not run by the tests").
+A block of `bash` needs something that is not here; the line in front of it must say so ("Not run by the tests"). A line that ends
+with (needs `NAME`): names a program or a Python module without which the block behind it is left out.
 
 usage: howtos.py SOURCE_FOLDER BUILD_FOLDER [--write] [PAGE...]    --write puts what the commands print into the pages
 """
 
+import importlib.util
 import os
 import pathlib
 import re
@@ -28,6 +30,10 @@ def shell(commands, folder):
     return done.stdout + (f"exit code {done.returncode}\n" if done.returncode else "")
 
 
+def is_installed(name):
+    return shutil.which(name) is not None or importlib.util.find_spec(name) is not None
+
+
 def matches(printed, shown):
     return re.fullmatch(".*".join(map(re.escape, shown.split("..."))), printed, re.DOTALL) is not None
 
@@ -46,6 +52,9 @@ def run_page(page, folder):
                 content = printed
             if not matches(printed, content):
                 failures.append(f"shown:\n{content}printed:\n{printed}")
+            printed = None
+        elif (needed := re.search(r"\(needs `(\w+)`\):$", found["lead"])) and not is_installed(needed[1]):
+            print(f"left out: {page.name}: {needed[1]} is not installed")
             printed = None
         elif kind == "sh":
             printed = shell(content, folder)
