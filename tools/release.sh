@@ -26,7 +26,7 @@ done <build/codecs-i686/versions.txt
 version=$(sed -nE 's/^project\(vorel32 VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
 number=$(git rev-list --count HEAD)
 SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
-export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C.UTF-8 CCACHE_SLOPPINESS=locale
+export SOURCE_DATE_EPOCH TZ=UTC
 umask 022
 
 # in_source LOG COMMAND...: runs a command in the source of this release.
@@ -72,7 +72,7 @@ make_all() {
   done
   find "$source"/build/*/packages -maxdepth 1 -name '*.zip' -o -maxdepth 1 -name '*.exe' -o -maxdepth 1 -name '*.deb' |
     xargs -d '\n' cp -t "$1/dist"
-  (cd "$1/dist" && sha256sum -- * >SHA256SUMS)
+  (cd "$1/dist" && LC_ALL=C sha256sum -- * >SHA256SUMS)
 }
 
 work=$(mktemp -d)
