@@ -8,6 +8,8 @@ from urllib.parse import unquote, urlsplit
 import weasyprint
 from bs4 import BeautifulSoup
 
+SITE = "site:///"  # addresses of pictures become names in the PDF, which must not tell where it was made
+
 
 def key(page):
     return re.sub(r"\W", "-", page.removesuffix(".html"))
@@ -29,7 +31,7 @@ def chapter(html, page, pages, depth):
         elif not parts.scheme:
             tag.unwrap()
     for tag in article.find_all("img"):
-        tag["src"] = ((html / page).parent / tag["src"]).resolve().as_uri()
+        tag["src"] = SITE + ((html / page).parent / tag["src"]).resolve().relative_to(html.resolve()).as_posix()
     return f'<section id="{key(page)}" class="depth{depth}">{article.decode_contents()}</section>'
 
 
@@ -56,4 +58,5 @@ def write(html, path, version):
     document = f"""<!DOCTYPE html><html lang="en"><head><meta charset="utf-8"><title>Vorel32 {version}</title></head><body>
 <header><p class="name">Vorel32</p><p>Manual of version {version}</p></header><nav><h1>Contents</h1>{''.join(table)}</nav>{''.join(body)}</body></html>"""
     styles = [weasyprint.CSS(html / "_static/pygments.css"), weasyprint.CSS(Path(__file__).with_name("pdf.css"))]
-    weasyprint.HTML(string=document, base_url=str(html)).write_pdf(path, stylesheets=styles)
+    fetch = lambda address: {"file_obj": open(html / address.removeprefix(SITE), "rb")}
+    weasyprint.HTML(string=document, base_url=SITE, url_fetcher=fetch).write_pdf(path, stylesheets=styles)

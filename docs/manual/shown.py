@@ -1,5 +1,5 @@
-"""The directive "shown": runs commands of the tool in the folder of pictures and shows the commands, what they print and the pictures
-that they make.
+"""Links to functions wherever they are named, and the directive "shown": it runs commands of the tool in the folder of pictures and
+shows the commands, what they print and the pictures that they make.
 
 ```{shown}
 :scale: 3
@@ -62,8 +62,19 @@ class Shown(SphinxDirective):
         return [box]
 
 
+def link_functions(app, doctree, here):
+    """Makes a link of every function named as code, except on its own page."""
+    for literal in list(doctree.findall(nodes.literal)):
+        name = literal.astext()
+        page = f"reference/{name}"
+        if name[:1].isupper() and page in app.env.found_docs and page != here and not isinstance(literal.parent, (nodes.reference, nodes.title)):
+            link = nodes.reference("", "", literal.deepcopy(), internal=True, refuri=app.builder.get_relative_uri(here, page))
+            literal.replace_self(link)
+
+
 def setup(app):
     app.add_config_value("vorel", "vorel", "")
     app.add_directive("shown", Shown)
     app.add_lexer("vb", VbNetLexer)
+    app.connect("doctree-resolved", link_functions)
     return {"parallel_read_safe": False}
