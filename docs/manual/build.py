@@ -103,8 +103,9 @@ def main():
     sphinx = ["/usr/bin/sphinx-build", "-q", "-b", "html", "-c", root / "docs/manual", "-d", options.output / "doctrees",
               "-D", f"version={version}", "-D", f"release={version}", "-D", f"vorel={options.tool}",
               *([] if options.lax else ["-W", "--keep-going"]), "-E", source, html]
-    environment = {**os.environ, "PYTHONHASHSEED": "0", "SOURCE_DATE_EPOCH": "0", "TZ": "UTC", "LC_ALL": "C.UTF-8", "PYTHONDONTWRITEBYTECODE": "1"}
-    subprocess.run(sphinx, check=True, env=environment)
+    # No hash order, date or language of the machine gets into the pages, nor into the fonts of the PDF.
+    os.environ.update({"PYTHONHASHSEED": "0", "SOURCE_DATE_EPOCH": "0", "TZ": "UTC", "LC_ALL": "C.UTF-8", "PYTHONDONTWRITEBYTECODE": "1"})
+    subprocess.run(sphinx, check=True)
     for name in (".buildinfo", "objects.inv"):
         (html / name).unlink(missing_ok=True)
 
