@@ -14,7 +14,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   BITMAPINFOHEADER result = picture.header();
   result.biWidth = takes_low_bits ? width & 0xFFFF : width;
   result.biHeight = takes_low_bits ? height & 0xFFFF : height;
-  const uint64_t factors = is_scaled ? 1 : uint64_t{20} * 20;
+  // It works on every pixel of the result: pixels are limited, whatever bytes they take.
+  if (takes_low_bits || !is_scaled) result.biBitCount = 24;
+  const auto times = [](int factor) { return static_cast<uint64_t>(std::max(factor, 0)); };
+  const uint64_t factors = is_scaled ? 1 : times(x_factor) * times(y_factor);
   if (fuzz::rows_bytes(result) * factors > input.most_bytes()) return 0;
   fuzz::make(picture, [&](HGLOBAL dib) {
     if (is_scaled) return ScaleDIB(dib, mode / 2 % 2, static_cast<unsigned>(width), static_cast<unsigned>(height));

@@ -47,7 +47,7 @@ Result<OwnedDib> dithered(LockedDib& source, int bits, kernels::Dithering method
     return Error::kMemory;
   }
   if (has_pixels(header))
-    kernels::bilevel().dither(opened.pixels(), opened.colors(implied_colors(header.depth)), result->pixels(), method,
+    kernels::bilevel().dither(opened.held_rows(), opened.colors(implied_colors(header.depth)), result->pixels(), method,
                               scratch->bytes());
   return OwnedDib(std::move(*result));
 }

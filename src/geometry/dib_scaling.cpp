@@ -32,8 +32,10 @@ Result<OwnedDib> interpolated(const LockedDib& source, Size area, Size size, ker
       VOREL_TRY(or_error(ZeroedBuffer::allocate(kernels::interpolation_scratch(area, size)), Error::kMemory));
   std::ranges::copy(opened.bytes().first(result.head().size()), result.head().begin());
   write_header(result.bytes(), result_header);
-  scale(opened.pixels().with_width(area.width).first_rows(area.height), opened.colors(color_count(header)), result.pixels(),
-        interpolation, scratch.bytes());
+  // Rows behind the block's end are zero: one stands for all.
+  const int rows = std::min(area.height, opened.held_rows().height() + 1);
+  scale(opened.pixels().with_width(area.width).first_rows(rows), area.height, opened.colors(color_count(header)),
+        result.pixels(), interpolation, scratch.bytes());
   result.clear_padding();
   return OwnedDib(std::move(result));
 }

@@ -59,6 +59,25 @@ TEST(ScaleDIB, MakesTheSamePixelsAsOneByOne) {
     }
 }
 
+// Results mixed from zero rows alone are copied from each other.
+TEST(ScaleDIB, TakesRowsBehindTheBlocksEndAsZero) {
+  constexpr int kWidth = 33, kHeight = 17;
+  for (const Bytes& dib : pictures(kWidth, kHeight)) {
+    const auto stride = static_cast<size_t>((kWidth * header_of(dib).biBitCount + 31) / 32 * 4);
+    for (const size_t missing : {stride, stride * 9 + 3, stride * kHeight}) {
+      Bytes whole = dib;
+      const Bytes cut(whole.begin(), whole.end() - static_cast<std::ptrdiff_t>(missing));
+      std::fill(whole.begin() + static_cast<std::ptrdiff_t>(cut.size()), whole.end(), uint8_t{0});
+      for (const auto& [width, height] : {std::pair{40u, 12u}, {20u, 17u}, {66u, 300u}})
+        for (const bool cubic : {false, true})
+          EXPECT_TRUE(scaled(cut, cubic, width, height) ==
+                      plain_scaling(whole, cubic, static_cast<int>(width), static_cast<int>(height)))
+              << header_of(dib).biBitCount << " bits, " << header_of(dib).biClrUsed << " colours, cubic " << cubic << ", "
+              << missing << " bytes are missing, to " << width << " x " << height;
+    }
+  }
+}
+
 TEST(ScaleDIB, GivesThesePictures) {
   const Bytes two = with_header(header_for(2, 1, 24), {0, 0, 0, 200, 200, 200, 0, 0});
   EXPECT_EQ(picture_of(scaled(two, false, 4, 1)), "000000 646464 C8C8C8 C8C8C8") << "left edges meet";

@@ -40,7 +40,7 @@ TEST(ScaleKernels, MixTheSameAtEveryLevel) {
               const GuardedRows result(to, depth, is_large ? large_gap(to.height) : 3, edge);
               const Bytes gaps = result.gaps();
               const GuardedBytes scratch = guarded_scratch(kernels::interpolation_scratch(from, to), edge);
-              kernels::scale(level).scale_colors(source.view(), colors_of(dib), result.view(), interpolation,
+              kernels::scale(level).scale_colors(source.view(), from.height, colors_of(dib), result.view(), interpolation,
                                                  scratch.bytes());
               EXPECT_EQ(result.pixels(), expected) << from.width << " x " << from.height << " to " << to.width << " x "
                                                    << to.height << ", " << depth << " bits, cubic " << cubic;

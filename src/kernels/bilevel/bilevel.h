@@ -20,7 +20,8 @@ ByteCount dithering_scratch(Size picture, int bits, Dithering method);
 ByteCount halftone_scratch(Size picture, HalftoneMethod method);
 
 struct BilevelTable {
-  // Error diffusion. Fills a zero-filled result of 1, 4 or (not kSmooth and kSharp) 8 bits and of the source's size.
+  // Error diffusion. Fills a zero-filled result of 1, 4 or (not kSmooth and kSharp) 8 bits and of the source's width. Rows that the
+  // source lacks are zero.
   //   colors  16 or 256 below 24 bits
   void (*dither)(ConstDibView source, std::span<const Rgb> colors, DibView result, Dithering method,
                  std::span<uint8_t> scratch);

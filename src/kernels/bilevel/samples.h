@@ -14,7 +14,7 @@
 namespace vorel::kernels::VOREL_LEVEL {
 
 // Samples of a picture of 4, 8 or 24 bits. Rows are complete in memory, padding included; at 24 bits the bytes behind the
-// last pixel are 0. `colors` has 16 or 256 entries below 24 bits.
+// last pixel are 0, and so are all bytes of rows behind the last one. `colors` has 16 or 256 entries below 24 bits.
 class Samples {
  public:
   Samples(ConstDibView picture, std::span<const Rgb> colors) : picture_(picture) {
@@ -29,6 +29,7 @@ class Samples {
 
   // The luminance of `count` pixels from x on.
   void read(int y, int x, int count, uint8_t* (&to)[1]) const {
+    if (y >= picture_.height()) return static_cast<void>(std::memset(to[0], luminances_[0], static_cast<size_t>(count)));
     const uint8_t* const row = picture_.row(y).data();
     if (picture_.depth() == 8 && is_ramp_) return static_cast<void>(std::memcpy(to[0], row + x, static_cast<size_t>(count)));
     if (picture_.depth() != 24) return look_up(luminances_, row, x, count, to[0]);
@@ -41,6 +42,11 @@ class Samples {
 
   // Red, green and blue.
   void read(int y, int x, int count, uint8_t* (&to)[3]) const {
+    if (y >= picture_.height()) {
+      for (size_t channel = 0; channel < 3; ++channel)
+        std::memset(to[channel], components_[channel][0], static_cast<size_t>(count));
+      return;
+    }
     const uint8_t* const row = picture_.row(y).data();
     if (picture_.depth() != 24) {
       for (size_t channel = 0; channel < 3; ++channel) look_up(components_[channel], row, x, count, to[channel]);

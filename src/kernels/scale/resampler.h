@@ -55,13 +55,13 @@ void mix(const std::array<const uint8_t*, 4>& rows, auto weight, size_t count,
 }
 
 // One picture being resampled, row after row from the first stored one. The samples of a pixel, one or three side by side,
-// are mixed independently.
+// are mixed independently. Rows of the source up to `height` that the view lacks are like its last one.
 template <class Method>
 class Resampler {
  public:
-  Resampler(ConstDibView source, Size result, int channels, Arena& arena)
+  Resampler(ConstDibView source, int height, Size result, int channels, Arena& arena)
       : view_(source),
-        source_(source.size()),
+        source_{source.width(), height},
         result_(result),
         channels_(static_cast<size_t>(channels)),
         samples_(arena.take<uint8_t>((static_cast<size_t>(source.width()) + kGuards) * channels_ + ByteGather::kOverread)),
@@ -75,9 +75,13 @@ class Resampler {
 
   size_t row_samples() const { return static_cast<size_t>(result_.width) * channels_; }
 
-  // Fills row y of the result. read_row(row, samples) reads the samples of a stored row of the source.
-  void row(int y, uint8_t* to, const RowOutput& output, auto&& read_row) {
-    const auto taps = Method::row(y, source_.height, result_.height);
+  // What row y of the result is mixed from.
+  auto taps_of(int y) const { return Method::row(y, source_.height, result_.height); }
+  // Whether rows that are all like the last one are mixed.
+  bool repeats(const auto& taps) const { return taps.first >= view_.height() - 1; }
+
+  // Fills a row of the result. read_row(row, samples) reads the samples of a stored row of the source.
+  void row(const auto& taps, uint8_t* to, const RowOutput& output, auto&& read_row) {
     std::array<const uint8_t*, kTaps> rows;
     for (size_t tap = 0; tap < kTaps; ++tap)
       rows[tap] = taps.weights[tap] == 0 ? zeros_.data() : source_row(taps.first + static_cast<int>(tap), read_row);
@@ -153,10 +157,10 @@ class Resampler {
     return positions;
   }
 
-  // Rows above the first stored one are black; the last row is repeated.
+  // Rows above the first stored one are black; the last row of the view is repeated.
   const uint8_t* source_row(int y, auto& read_row) {
     if (y < 0) return zeros_.data();
-    y = y < source_.height ? y : source_.height - 1;
+    y = y < view_.height() ? y : view_.height() - 1;
     Band& band = bands_[static_cast<size_t>(y) % kTaps];
     if (band.y != y) {
       band.y = y;
@@ -165,7 +169,7 @@ class Resampler {
       read(view_.row(y).data(), from_source, read_row);
       const int next = y + 2 * (y - last_read_);  // a guess: the row behind the next one
       last_read_ = y;
-      const uint8_t* const ahead = next < source_.height ? view_.row(next).data() : nullptr;
+      const uint8_t* const ahead = next < view_.height() ? view_.row(next).data() : nullptr;
       stretch(view_.row(y).data() - kGuardBefore * channels_, 0, from_source, band.samples.data(), ahead);
       stretch(samples_.data(), from_source, row_samples(), band.samples.data(), ahead);
     }

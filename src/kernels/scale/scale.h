@@ -15,9 +15,11 @@ enum class Interpolation { kLinear, kCubic };
 
 // An interpolating scaler fills a result of the same depth, 4, 8 or 24 bits, whose pixels need not be cleared; row padding
 // is left alone. Below 24 bits there are at most as many colours as the depth has; an index past them is black.
+//   source   the first rows of the picture; the others are like its last one
+//   height   of the picture
 //   scratch  interpolation_scratch() bytes, aligned to 8 bytes
-using Interpolate = void(ConstDibView source, std::span<const Rgb> colors, DibView result, Interpolation interpolation,
-                         std::span<uint8_t> scratch);
+using Interpolate = void(ConstDibView source, int height, std::span<const Rgb> colors, DibView result,
+                         Interpolation interpolation, std::span<uint8_t> scratch);
 
 constexpr ByteCount interpolation_scratch(Size source, Size result) {
   constexpr uint64_t kPerSourcePixel = 3, kPerResultPixel = 84, kColorMap = 320'000, kRest = 4096;
