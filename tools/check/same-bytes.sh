@@ -9,7 +9,7 @@ cd "$(dirname "$0")/../.."
 mode=${1:-quick} calls=${2:-5000}
 folder=build/check/same-bytes
 mkdir -p "$folder"
-rm -f "$folder"/*.txt
+rm -f "$folder"/*.{txt,err}
 first=$folder/gcc-64-O2-sse2.txt
 
 # name          compiler  bits  flags  quick
@@ -41,11 +41,13 @@ build() {
     logged cmake --build "$folder/$name" --target vorel32 hash_results && echo "$folder/$name/bin"
 }
 
-# hash NAME LEVEL COMMAND...: the lines of a build at an instruction set; the machine's highest is used if LEVEL is higher.
+# hash NAME LEVEL COMMAND...: the lines of a build at an instruction set; the machine's highest is used if LEVEL is higher. Runs in the
+# background, one for each processor.
 hash() {
   local name=$1 level=$2
   shift 2
-  VOREL_CPU_LEVEL=$level "$@" --count "$calls" 2>"$folder/errors.txt" | tr -d '\r' >"$folder/$name-$level.txt" || cat "$folder/errors.txt"
+  { VOREL_CPU_LEVEL=$level "$@" --count "$calls" 2>"$folder/$name-$level.err" || cat "$folder/$name-$level.err"; } | tr -d '\r' >"$folder/$name-$level.txt" &
+  while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n; done
 }
 
 : >"$folder/build.log"
@@ -69,7 +71,7 @@ if cmake --list-presets | grep -q '"win64"'; then
 else
   missing='; there is no 64-bit Windows build'
 fi
-rm -f "$folder/errors.txt"
+wait
 
 runs=0 differing=()
 for lines in "$folder"/*.txt; do
