@@ -46,12 +46,11 @@ build() {
   in_source "$source/$preset.log" cmake --build "build/$preset" -j2
 }
 
-# The manual shows pictures of both systems, so it comes after both builds. Debian's programs have no search path for the library.
+# The manual shows pictures of both systems, so it comes after both builds.
 make_manual() {
   say "manual (log: $source/manual.log)"
   in_source "$source/manual.log" cmake --build build/win32 -j2 --target manual_pictures
-  in_source "$source/manual.log" env LD_LIBRARY_PATH="$source/build/native/bin" VOREL_WINE_ROOT="$root/build/wine" \
-    cmake --build build/native -j2 --target manual
+  in_source "$source/manual.log" env VOREL_WINE_ROOT="$root/build/wine" cmake --build build/native -j2 --target manual
 }
 
 # make_all FOLDER: everything, in FOLDER/dist.
