@@ -142,7 +142,7 @@ try_signing() {
 
 try_debian() {
   local system=$work/debian mirror
-  mirror=$(sed -nE 's/^(deb|URIs:) *(\[.*\] *)?(https?:[^ ]*).*/\3/p' /etc/apt/sources.list /etc/apt/sources.list.d/* 2>/dev/null | head -n 1)
+  mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' | head -n 1)
   lintian --fail-on error --suppress-tags bad-distribution-in-changes-file dist/*.deb || fail "lintian"
   debootstrap --variant=minbase bookworm "$system" "$mirror" >"$work/log" 2>&1 || { tail "$work/log"; fail "debootstrap"; }
   mkdir "$system/dist" && cp dist/*.deb "$system/dist"

@@ -57,5 +57,7 @@ vorel_debian_package(python python3-vorel32 python "python3 (>= 3.11), python3 (
                      "The package vorel32: pictures as objects, files, chains of steps, and batches.")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
+file(WRITE ${debian_texts}/shlibs "libvorel32 5 libvorel32-5 (>= ${PROJECT_VERSION})\n")
+file(WRITE ${debian_texts}/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${debian_texts}/shlibs ${debian_texts}/triggers)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/python/postinst ${CMAKE_CURRENT_LIST_DIR}/python/prerm)
