@@ -12,6 +12,7 @@
 #include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <sched.h>
 #include <stdexcept>
 #include <string>
@@ -83,13 +84,17 @@ std::vector<Command> read_commands(std::istream& stream) {
   return commands;
 }
 
-Run measure(const std::vector<Command>& commands, int rounds, int core) {
+// In another order each round: a command that follows a large write pays for some of it.
+Run measure(std::vector<Command> commands, int rounds, int core) {
   std::map<std::string, std::map<std::string, std::vector<Cost>>> samples;
-  for (int round = 0; round <= rounds; ++round)
+  std::mt19937 random;
+  for (int round = 0; round <= rounds; ++round) {
+    std::ranges::shuffle(commands, random);
     for (const Command& command : commands) {
       const Cost cost = cost_of(command.text, core);
       if (round > 0) samples[command.workload][command.participant].push_back(cost);  // the first round fills the caches
     }
+  }
   Run run;
   for (const auto& [workload, participants] : samples)
     for (const auto& [participant, costs] : participants) run[workload][participant] = median(costs);
