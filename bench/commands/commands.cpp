@@ -87,7 +87,7 @@ std::vector<Command> read_commands(std::istream& stream) {
 // In another order each round: a command that follows a large write pays for some of it.
 Run measure(std::vector<Command> commands, int rounds, int core) {
   std::map<std::string, std::map<std::string, std::vector<Cost>>> samples;
-  std::mt19937 random;
+  std::mt19937 random(std::random_device{}());
   for (int round = 0; round <= rounds; ++round) {
     std::ranges::shuffle(commands, random);
     for (const Command& command : commands) {

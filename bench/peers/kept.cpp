@@ -30,7 +30,8 @@ Block block_with_room(std::size_t bytes, bool is_zeroed) {
 }
 
 HGLOBAL WINAPI allocate(UINT flags, SIZE_T bytes) {
-  return new Block(block_with_room(std::max<SIZE_T>(bytes, 1), (flags & GMEM_ZEROINIT) != 0));
+  const Block block = block_with_room(std::max<SIZE_T>(bytes, 1), (flags & GMEM_ZEROINIT) != 0);
+  return block.data == nullptr ? nullptr : new Block(block);
 }
 LPVOID WINAPI lock(HGLOBAL block) { return block == nullptr ? nullptr : static_cast<Block*>(block)->data; }
 BOOL WINAPI unlock(HGLOBAL) { return FALSE; }

@@ -129,9 +129,9 @@ class BitWriter {
 
 }  // namespace
 
-Group4Encoder::Group4Encoder(int width, bool white)
+Group4Encoder::Group4Encoder(int width, bool white_bit)
     : width_(width),
-      white_word_(white ? ~uint64_t{0} : 0),
+      white_word_(white_bit ? ~uint64_t{0} : 0),
       above_(kEnds, width),
       changes_(static_cast<size_t>(width) + kEnds) {
   above_.resize(changes_.size());
@@ -147,14 +147,14 @@ void Group4Encoder::add_row(std::span<const uint8_t> row) {
 void Group4Encoder::find_changes(std::span<const uint8_t> row) {
   int* next = changes_.data();
   uint64_t last = 0;  // the pixel before, at first white
-  for (int x = 0; x < width_; x += kWordBits) {
-    uint64_t black = load_pixels(row, static_cast<size_t>(x) / 8) ^ white_word_;
+  for (int64_t x = 0; x < width_; x += kWordBits) {
+    const uint64_t black = load_pixels(row, static_cast<size_t>(x) / 8) ^ white_word_;
     uint64_t changed = black ^ (black >> 1 | last << (kWordBits - 1));
     last = black & 1;
     if (width_ - x < kWordBits) changed &= ~(~uint64_t{0} >> (width_ - x));
     while (changed != 0) {
       const int place = std::countl_zero(changed);
-      *next++ = x + place;
+      *next++ = static_cast<int>(x) + place;
       changed ^= uint64_t{1} << (kWordBits - 1 - place);
     }
   }
@@ -163,10 +163,12 @@ void Group4Encoder::find_changes(std::span<const uint8_t> row) {
 }
 
 void Group4Encoder::encode_changes() {
-  // A change takes at most 28 bits, a horizontal code and a run; the longest runs take 12 bits more each.
+  // A change takes at most 28 bits, a horizontal code and a run; the longest runs take 12 bits more each. Passes take 4 for two changes
+  // above. The spare units have room for pending bits.
   const size_t most_bytes =
       (count_ + above_count_ + kEnds) * sizeof(uint32_t) + static_cast<size_t>(width_) / kLongestRun * 2;
-  if (bytes_.size() - size_ < most_bytes) bytes_.resize(std::max(bytes_.size() * 2, bytes_.size() + most_bytes));
+  if (bytes_.size() - size_ < most_bytes)
+    bytes_.resize(std::max(bytes_.size() + bytes_.size() / 2, bytes_.size() + most_bytes));
   BitWriter writer(bytes_.data() + size_, pending_, pending_bits_);
 
   const int* change = changes_.data();

@@ -1,5 +1,5 @@
-// Group 4 fax data: each row is coded by how its changes of colour lie beside those of the row above (ITU-T T.6). libtiff writes
-// the same bytes in five times the time, which is most of what a batch of pages costs; it remains the only decoder.
+// Group 4 fax data: each row is coded by how its changes of colour lie beside those of the row above (ITU-T T.6). libtiff's encoder
+// writes the same bytes in five times the time, and was most of the cost of a batch of pages. Decoding stays with libtiff.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@ namespace codec {
 
 class Group4Encoder {
  public:
-  // `width` in pixels, at least 1. `white` is the bit of a white pixel.
-  Group4Encoder(int width, bool white);
+  // `width` in pixels, at least 1. `white_bit` is the bit of a white pixel.
+  Group4Encoder(int width, bool white_bit);
 
   // The next row from the top, of at least `width` bits; the high bit of a byte is the leftmost pixel.
   void add_row(std::span<const uint8_t> row);
@@ -20,7 +20,7 @@ class Group4Encoder {
   std::vector<uint8_t> finish();
 
  private:
-  // Where the colour changes, rising; the first change is to black. `width_` ends them, several times.
+  // Positions in ascending order at which the colour changes, the first one to black; then copies of `width_`.
   using Changes = std::vector<int>;
 
   void find_changes(std::span<const uint8_t> row);

@@ -202,8 +202,8 @@ Encoding encoding_for(const SourceDib& dib, int compression) {
   return encoding;
 }
 
-std::vector<uint8_t> group4_data(const SourceDib& dib, bool white) {
-  Group4Encoder encoder(dib.width(), white);
+std::vector<uint8_t> group4_data(const SourceDib& dib, bool white_bit) {
+  Group4Encoder encoder(dib.width(), white_bit);
   for (int y = 0; y < dib.height(); ++y) encoder.add_row(dib.row_from_top(y));
   return encoder.finish();
 }

@@ -18,8 +18,8 @@ struct Encoding {
 // `compression` is the TIFF number, or 0 for the default. Throws Failure if it does not suit the picture.
 Encoding encoding_for(const SourceDib& dib, int compression);
 
-// The Group 4 data of a 1-bit picture. `white` is the bit of its white pixels.
-std::vector<uint8_t> group4_data(const SourceDib& dib, bool white);
+// The Group 4 data of a 1-bit picture. `white_bit` is the bit of its white pixels.
+std::vector<uint8_t> group4_data(const SourceDib& dib, bool white_bit);
 
 // Does not write the directory. Throws Failure.
 void write_picture(const TiffHandle& tiff, const SourceDib& dib, const Encoding& encoding);

@@ -52,7 +52,7 @@ class Profile {
 
   const Columns& columns_;
   std::vector<double> rounding_;
-  std::vector<uint16_t> sums_;  // a cell holds 16 at most, and a page has at most 1024 columns of them
+  std::vector<uint16_t> sums_;  // a cell holds 16 at most, and pages below 32,768 pixels have at most 1024 columns of them
   std::vector<uint8_t> few_;    // sums of a few columns that are not in sums_ yet
 };
 

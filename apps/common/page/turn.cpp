@@ -177,7 +177,7 @@ class Blanks {
     }
   }
 
-  // Of the pixels between two less than 400 apart, in any order, and their neighbours to the right and below.
+  // Of the pixels between two, in any order and less than 400 columns apart, and their neighbours to the right and below.
   bool all_blank(Fixed a, Fixed b) const {
     const auto [left, right] = cells(a.x, b.x, columns_);
     const auto [top, bottom] = cells(a.y, b.y, rows_);
