@@ -23,14 +23,16 @@ bool has_few_bits(Page& page, int bits) {
 // ---- dither ----
 
 struct Dithering {
-  std::string method = "jjn", bits = "1";
+  std::string method, bits = "1";
 };
 
 void dither(Page& page, const Dithering& options) {
   const int bits = std::stoi(options.bits);
   if (has_few_bits(page, bits)) return;
+  // At 8 bits jjn turns white into yellow.
+  const std::string_view usual = bits == 8 ? "fs" : "jjn";
   const auto methods = programs::dither_methods();
-  const auto method = std::ranges::find(methods, options.method, &DitherMethod::word);
+  const auto method = std::ranges::find(methods, options.method.empty() ? usual : options.method, &DitherMethod::word);
   page.picture = programs::dithered(std::move(page.picture), *method, bits);
 }
 
@@ -45,7 +47,8 @@ Change declare_dither(Arguments& arguments) {
   const auto options = std::make_shared<Dithering>();
   std::vector<std::string> words;
   for (const DitherMethod& method : programs::dither_methods()) words.emplace_back(method.word);
-  arguments.option("--method", options->method, "METHOD", "jjn, fs, smooth or sharp (default: jjn)", one_of(words));
+  arguments.option("--method", options->method, "METHOD", "jjn, fs, smooth or sharp (default: jjn, at 8 bits fs)",
+                   one_of(words));
   arguments.option("--bits", options->bits, "N", "bits per pixel of OUT: 1, 4 or 8 (default: 1)", one_of({"1", "4", "8"}));
   return [options](Page& page) { dither(page, *options); };
 }
