@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "common/forms.h"
-#include "common/row_bits.h"
 #include "core/gray.h"
 #include "core/nearest_color.h"
 #include "core/pixel.h"
+#include "core/row_bits.h"
 
 namespace vorel::programs {
 namespace {

@@ -8,9 +8,9 @@
 
 #include "common/forms.h"
 #include "common/operations.h"
-#include "common/row_bits.h"
 #include "core/gray.h"
 #include "core/pixel.h"
+#include "core/row_bits.h"
 
 namespace vorel::programs {
 namespace {
@@ -71,7 +71,7 @@ uint64_t differing_bits(std::span<const uint8_t> a, std::span<const uint8_t> b, 
   uint64_t count = 0;
   for (size_t at = 0; at < a.size(); at += kWordBytes) {
     const uint64_t differing = first_of(pixels_at(a, at) ^ pixels_at(b, at), width - static_cast<int>(8 * at));
-    count += static_cast<uint64_t>(std::popcount(differing));
+    count += static_cast<uint64_t>(count_ones(differing));
   }
   return count;
 }

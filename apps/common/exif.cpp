@@ -1,6 +1,5 @@
 #include "common/exif.h"
 
-#include <cmath>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -8,6 +7,7 @@
 #include "common/jpeg_segments.h"
 #include "common/operations.h"
 #include "common/tiff_directory.h"
+#include "core/resolution.h"
 
 namespace vorel::programs {
 namespace {
@@ -23,12 +23,6 @@ std::string exif_record(std::istream& stream) {
   return record;
 }
 
-int per_metre(double ratio, double unit) {
-  constexpr double kPerCentimetre = 3;
-  const double dots = ratio * (unit == kPerCentimetre ? 100 : 100 / 2.54);
-  return dots >= 1 && dots < 2e9 ? static_cast<int>(std::lround(dots)) : 0;
-}
-
 }  // namespace
 
 ExifFacts read_exif(std::istream& stream) {
@@ -37,7 +31,9 @@ ExifFacts read_exif(std::istream& stream) {
   if (!directory) return {};
   const double orientation = directory->number(kOrientation).value_or(1),
                unit = directory->number(kResolutionUnit).value_or(0);
-  const auto resolution = [&](Tag tag) { return per_metre(directory->number(tag).value_or(0), unit); };
+  constexpr double kPerCentimetre = 3;
+  const double per_inch = unit == kPerCentimetre ? 2.54 : 1;
+  const auto resolution = [&](Tag tag) { return per_metre(directory->number(tag).value_or(0) * per_inch); };
   return {orientation >= 1 && orientation <= 8 ? static_cast<int>(orientation) : 1, resolution(kXResolution),
           resolution(kYResolution)};
 }

@@ -61,7 +61,8 @@ std::vector<std::string> losses_when_saved(const Picture& picture, const Saving&
   if (is_stated && !keeps_resolution(format))
     losses.push_back(fmt::format("{} states no resolution, and {} is lost; choose another format to keep it", format.name,
                                  shown_dpi(header)));
-  else if (is_stated && format.code == FormatCode::kCals && nearest_dpi(header.x_per_metre) != nearest_dpi(header.y_per_metre))
+  else if (is_stated && format.code == FormatCode::kCals &&
+           nearest_dpi(header.x_per_metre) != nearest_dpi(header.y_per_metre))
     losses.push_back(fmt::format("CALS raster states one resolution, and {} becomes the first; choose another format",
                                  shown_dpi(header)));
   return losses;

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/row_bits.h"
+
 namespace codec {
 namespace {
 
@@ -83,13 +85,6 @@ constexpr size_t kEnds = 4;
 
 constexpr int kWordBits = 64;
 
-// The next 64 pixels of a row, or fewer at its end; the first one is the highest bit.
-uint64_t load_pixels(std::span<const uint8_t> row, size_t offset) {
-  uint64_t word = 0;
-  std::memcpy(&word, row.data() + offset, std::min(sizeof word, row.size() - offset));
-  return __builtin_bswap64(word);
-}
-
 // Collects bits, the high one first. The bytes must have room.
 class BitWriter {
  public:
@@ -148,7 +143,7 @@ void Group4Encoder::find_changes(std::span<const uint8_t> row) {
   int* next = changes_.data();
   uint64_t last = 0;  // the pixel before, at first white
   for (int64_t x = 0; x < width_; x += kWordBits) {
-    const uint64_t black = load_pixels(row, static_cast<size_t>(x) / 8) ^ white_word_;
+    const uint64_t black = vorel::pixels_at(row, static_cast<size_t>(x) / 8) ^ white_word_;
     uint64_t changed = black ^ (black >> 1 | last << (kWordBits - 1));
     last = black & 1;
     if (width_ - x < kWordBits) changed &= ~(~uint64_t{0} >> (width_ - x));

@@ -92,7 +92,7 @@ std::string text_of(const Json& facts) {
     return value.is_string() ? value.get<std::string>() : value.dump();
   };
   const auto remark = [&](const char* key) { return facts[key].is_null() ? "" : ", " + word(key); };
-  const std::string which = facts["pages"] == 1 ? "" : fmt::format(", of which this is page {}", word("page"));
+  const std::string which = facts["pages"] == 1 ? "" : fmt::format(" (this is page {})", word("page"));
   return fmt::format(
       "{}\n"
       "  format       {}{}\n"

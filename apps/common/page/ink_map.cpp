@@ -7,9 +7,9 @@
 #include <numeric>
 
 #include "common/forms.h"
-#include "common/row_bits.h"
 #include "core/gray.h"
 #include "core/pixel.h"
+#include "core/row_bits.h"
 
 namespace vorel::programs {
 namespace {

@@ -8,7 +8,7 @@
 #include "common/forms.h"
 #include "common/page/ink_map.h"
 #include "common/problem.h"
-#include "common/row_bits.h"
+#include "core/row_bits.h"
 
 namespace vorel::programs {
 namespace {

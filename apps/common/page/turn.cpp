@@ -12,10 +12,10 @@
 #include "common/forms.h"
 #include "common/page/units.h"
 #include "common/problem.h"
-#include "common/row_bits.h"
 #include "core/gray.h"
 #include "core/nearest_color.h"
 #include "core/pixel.h"
+#include "core/row_bits.h"
 
 namespace vorel::programs {
 namespace {
@@ -84,7 +84,7 @@ constexpr Word majority(const Four<Word>& four, Word right, Word low, Word alone
 }
 
 struct Bits {
-  static constexpr int kDepth = 1, kSpare = 16;  // pixels that a load may go past its own
+  static constexpr int kDepth = 1;
 
   static uint32_t load(const uint8_t* row, int x) { return Pixel<1>::load(row, x); }
 
@@ -100,7 +100,7 @@ uint32_t mix_inside(const uint8_t* above, const uint8_t* below, int at, uint32_t
 }
 
 struct Grays {
-  static constexpr int kDepth = 8, kSpare = 1;
+  static constexpr int kDepth = 8;
 
   static uint32_t load(const uint8_t* row, int x) { return row[x]; }
 
@@ -117,7 +117,7 @@ struct Grays {
 };
 
 struct Colors {
-  static constexpr int kDepth = 24, kSpare = 1;
+  static constexpr int kDepth = 24;
 
   static uint32_t load(const uint8_t* row, int x) { return Pixel<24>::load(row, x); }
 
@@ -142,7 +142,7 @@ struct Colors {
 
 template <int depth>
 struct Indices {
-  static constexpr int kDepth = depth, kSpare = 1;
+  static constexpr int kDepth = depth;
 
   static uint32_t load(const uint8_t* row, int x) { return Pixel<depth>::load(row, x); }
 
@@ -315,8 +315,7 @@ class Turning {
 
   // With a pixel to spare above and to the left: the steps of a run are rounded down.
   bool is_inside(Fixed at) const {
-    return whole(at.x) >= 1 && whole(at.y) >= 1 && whole(at.x) < from_.width() - Kind::kSpare &&
-           whole(at.y) < from_.height() - 1;
+    return whole(at.x) >= 1 && whole(at.y) >= 1 && whole(at.x) < from_.width() - 1 && whole(at.y) < from_.height() - 1;
   }
 
   bool is_outside(Fixed a, Fixed b) const {

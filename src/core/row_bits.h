@@ -6,7 +6,7 @@
 
 #include "core/word.h"
 
-namespace vorel::programs {
+namespace vorel {
 
 // The word at a byte of a row, filled up with zeros where the row ends.
 inline uint64_t word_at(std::span<const uint8_t> row, size_t at) {
@@ -34,4 +34,4 @@ constexpr uint64_t counts_in_groups(uint64_t word, int bits) {
 // std::popcount calls a function where the compiler may not use the processor's instruction.
 constexpr int count_ones(uint64_t word) { return static_cast<int>(counts_in_groups(word, 8) * 0x0101'0101'0101'0101 >> 56); }
 
-}  // namespace vorel::programs
+}  // namespace vorel
