@@ -7,6 +7,7 @@
 #   VOREL_SIGN_WITH      PKCS#12 file; Windows programs, DLLs and installers are signed with its key. Then --twice finds differences
 #   VOREL_SIGN_PASSWORD  its password
 set -euo pipefail
+sign_with=${VOREL_SIGN_WITH:+$(realpath -- "$VOREL_SIGN_WITH")}
 cd "$(dirname "$0")/.."
 root=$PWD
 fail() { printf 'release: %s\n' "$*" >&2; exit 1; }
@@ -42,7 +43,7 @@ build() {
   shift
   say "$preset (log: $source/$preset.log)"
   in_source "$source/$preset.log" cmake --preset "$preset" -DVOREL_TESTS=OFF -DVOREL_BENCH=OFF -DVOREL_BUILD="$number" \
-    -DVOREL_MANUAL="$source/build/native/manual" -DVOREL_SIGN_WITH="${VOREL_SIGN_WITH:-}" "$@"
+    -DVOREL_MANUAL="$source/build/native/manual" -DVOREL_SIGN_WITH="$sign_with" "$@"
   in_source "$source/$preset.log" cmake --build "build/$preset" -j2
 }
 
@@ -69,8 +70,7 @@ make_all() {
   for preset in win32 win64 native; do
     in_source "$source/$preset.log" cpack --config "build/$preset/CPackConfig.cmake"
   done
-  find "$source"/build/*/packages -maxdepth 1 -name '*.zip' -o -maxdepth 1 -name '*.exe' -o -maxdepth 1 -name '*.deb' |
-    xargs -d '\n' cp -t "$1/dist"
+  find "$source"/build/*/packages -maxdepth 1 \( -name '*.zip' -o -name '*.exe' -o -name '*.deb' \) -exec cp -t "$1/dist" {} +
   (cd "$1/dist" && LC_ALL=C sha256sum -- * >SHA256SUMS)
 }
 

@@ -2,11 +2,7 @@
 # that equal files make equal packages.
 file(GLOB_RECURSE files LIST_DIRECTORIES true ${CPACK_TEMPORARY_DIRECTORY}/*)
 include(${CMAKE_CURRENT_LIST_DIR}/sign.cmake)
-foreach(file IN LISTS files)
-  if(file MATCHES "\\.(DLL|exe)$")
-    vorel_sign(${file})
-  endif()
-endforeach()
+vorel_sign(${files})
 
 if(DEFINED ENV{SOURCE_DATE_EPOCH})
   execute_process(COMMAND touch --no-dereference -d @$ENV{SOURCE_DATE_EPOCH} ${CPACK_TEMPORARY_DIRECTORY} ${files} COMMAND_ERROR_IS_FATAL ANY)

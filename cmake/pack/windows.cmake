@@ -25,3 +25,8 @@ set(CPACK_NSIS_EXTRA_UNINSTALL_COMMANDS
     "!insertmacro RemoveFileTypes
   DeleteRegKey SHCTX \"Software\\${CPACK_PACKAGE_VENDOR}\\${CPACK_PACKAGE_INSTALL_REGISTRY_KEY}\"
   DeleteRegKey /ifempty SHCTX \"Software\\${CPACK_PACKAGE_VENDOR}\"")
+if(VOREL_SIGN_WITH)
+  # The uninstaller is signed before it gets into the installer. makensis has it in a file without an ending.
+  set(sign "\"${CMAKE_COMMAND}\" \"-DCPACK_VOREL_SIGN_WITH=${VOREL_SIGN_WITH}\" \"-DCPACK_PACKAGE_FILES=%1.exe\" -P \"${CMAKE_CURRENT_LIST_DIR}/finish.cmake\"")
+  string(APPEND CPACK_NSIS_DEFINES "\n!uninstfinalize 'cp \"%1\" \"%1.exe\" && ${sign} && mv \"%1.exe\" \"%1\"' = 0")
+endif()
