@@ -1,5 +1,10 @@
 # The last number of file versions on Windows. It tells builds of one version apart.
 set(VOREL_BUILD 0 CACHE STRING "Number of this build, 0 to 65535, in the version of every Windows file")
+set(third 0)
+if(PROJECT_VERSION_PATCH)
+  set(third ${PROJECT_VERSION_PATCH})
+endif()
+set(VOREL_FILE_VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.${third}.${VOREL_BUILD})
 
 # vorel_version(TARGET DESCRIPTION): gives a Windows program or DLL its version resource. Does nothing for other systems.
 function(vorel_version target description)
@@ -17,6 +22,7 @@ function(vorel_version target description)
   if(NOT name)
     set(name ${target})
   endif()
+  string(REPLACE "." ", " numbers ${VOREL_FILE_VERSION})
   set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}-version.rc)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource} @ONLY)
   target_sources(${target} PRIVATE ${resource})

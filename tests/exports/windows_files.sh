@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Every program and DLL that is installed states its version and what it is, and holds no time at which it was made.
-# usage: windows_files.sh BUILD_FOLDER OBJDUMP VERSION BUILD_NUMBER
+# usage: windows_files.sh BUILD_FOLDER OBJDUMP FILE_VERSION
 set -euo pipefail
-build=$1 objdump=$2 version=$3.0.$4
+build=$1 objdump=$2 version=$3
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cmake --install "$build" --prefix "$scratch/installed" >/dev/null
