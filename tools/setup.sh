@@ -14,16 +14,20 @@ PICTURES=(libtiff-tools netpbm python3-pil giflib-tools libwmf-bin emf2svg libue
 PAPER=(ghostscript)  # makes pictures of what was printed
 PYTHON=(python3-dev python3-pip python3-venv python3-setuptools python3-wheel pybind11-dev python3-numpy python3-pytest)
 WINE=(wine wine32:i386 wine64)
-CHECKS=()
-[ "${1:-}" != --checks ] || CHECKS=(g++-multilib gcovr)  # for 32-bit builds and coverage in tools/check
-RELEASE=()
-[ "${1:-}" != --release ] || RELEASE=(nsis osslsigncode lintian debootstrap openssl zip unzip fp-compiler fp-units-rtl mono-mcs mono-runtime)  # and other languages' compilers
-MANUAL=()
-case ${1:-} in  # release.sh packs the manual
-  --manual | --release) MANUAL=(python3-sphinx python3-myst-parser furo python3-sphinx-copybutton weasyprint python3-bs4 python3-lxml) ;;
+CLUSTER=(python3-distributed slurm-wlm munge parallel bc)
+CHECKS=(g++-multilib gcovr)  # 32-bit builds and coverage
+MANUAL=(python3-sphinx python3-myst-parser furo python3-sphinx-copybutton weasyprint python3-bs4 python3-lxml)
+RELEASE=("${MANUAL[@]}" nsis osslsigncode lintian debootstrap openssl zip unzip
+         fp-compiler fp-units-rtl mono-mcs mono-runtime)  # other languages' compilers
+
+case ${1:-} in
+  '') EXTRA=() ;;
+  --cluster) EXTRA=("${CLUSTER[@]}") ;;
+  --checks) EXTRA=("${CHECKS[@]}") ;;
+  --release) EXTRA=("${RELEASE[@]}") ;;
+  --manual) EXTRA=("${MANUAL[@]}") ;;
+  *) sed -n '2,/^set /{/^set /d;s/^# \{0,1\}//;p}' "$0"; exit 2 ;;
 esac
-CLUSTER=()
-[ "${1:-}" != --cluster ] || CLUSTER=(python3-distributed slurm-wlm munge parallel bc)  # for demo-cluster.sh
 
 say() { printf 'setup: %s\n' "$*"; }
 
@@ -79,8 +83,8 @@ install_packages() {
 
 main() {
   local wanted
-  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${CLUSTER[@]}" \
-    "${CHECKS[@]}" "${RELEASE[@]}" "${MANUAL[@]}" "${WINE[@]}")
+  mapfile -t wanted < <(missing "${NATIVE[@]}" "${CROSS[@]}" "${SCREEN[@]}" "${PICTURES[@]}" "${PAPER[@]}" "${PYTHON[@]}" "${EXTRA[@]}" \
+    "${WINE[@]}")
   if [ "${#wanted[@]}" -gt 0 ]; then
     say "installing ${wanted[*]}"
     [ -z "$(missing "${WINE[@]}")" ] || say "with Wine, which runs the Windows builds, that is about 900 MB"

@@ -80,16 +80,15 @@ try_installer() {
   done
 }
 
-# install_and_remove FOLDER OPTION COMMAND...: runs the command while the library is installed, and compares what there is before and after.
+# install_and_remove FOLDER OPTION COMMAND: runs the command while the library is installed, and compares what there is before and after.
 install_and_remove() {
-  local scratch=$1 choice=$2 installed
-  shift 2
+  local scratch=$1 choice=$2 command=$3 installed
   holdings "$WINEPREFIX" | sort >"$scratch/before"
-  wine "$VOREL_TRY_INSTALLER" /S $choice >/dev/null 2>&1
+  wine "$VOREL_TRY_INSTALLER" /S ${choice:+"$choice"} >/dev/null 2>&1
   wineserver -w
   installed=$(find "$WINEPREFIX/drive_c/Program Files" -maxdepth 1 -name 'Vorel*')
   [ -d "$installed" ] || fail "the installer has installed nothing"
-  "$@" "$installed"
+  "$command" "$installed"
   wine "$installed/Uninstall.exe" /S >/dev/null 2>&1
   wineserver -w
   sleep 2 # the uninstaller is removed by a copy of itself
@@ -142,7 +141,7 @@ try_signing() {
 
 try_debian() {
   local system=$work/debian mirror
-  mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' | head -n 1)
+  mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' | sed -n 1p)
   lintian --fail-on error --suppress-tags bad-distribution-in-changes-file dist/*.deb || fail "lintian"
   debootstrap --variant=minbase bookworm "$system" "$mirror" >"$work/log" 2>&1 || { tail "$work/log"; fail "debootstrap"; }
   mkdir "$system/dist" && cp dist/*.deb "$system/dist"
