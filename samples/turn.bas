@@ -19,7 +19,11 @@ End Sub
 Private Sub Fail(ByVal What As String)
   Dim Code As Long, Why As String
   Code = ImgError() ' some failures of codec modules leave no code
-  Why = Space$(IMG_MESSAGE_BYTES)
-  ImgErrorString Why, Code
-  Err.Raise vbObjectError + Code, "Vorel32", What & ": " & Left$(Why, InStr(Why, vbNullChar) - 1)
+  Why = "damaged or not supported"
+  If Code <> IMG_OK Then
+    Why = Space$(IMG_MESSAGE_BYTES)
+    ImgErrorString Why, Code
+    Why = Left$(Why, InStr(Why, vbNullChar) - 1)
+  End If
+  Err.Raise vbObjectError + 512 + Code, "Vorel32", What & ": " & Why
 End Sub

@@ -43,7 +43,7 @@ SIZES = {
 }  # fmt: skip
 # The text of a declaration: its name and its parameters.
 FORMS = {
-    "vorel32.bas": r'^Public Declare (?:Sub|Function) (?P<name>\w+) Lib "\S+" \((?P<list>.*)\)(?: As Long)?\r?$',
+    "vorel32.bas": r'^Public Declare (?:Sub|Function) (?P<name>\w+) Lib "\S+" Alias "(?P=name)" \((?P<list>.*)\)(?: As Long)?\r?$',
     "Vorel32.pas": r"^(?:procedure|function) (?P<name>\w+)(?:\((?P<list>.*)\))?(?:: \w+)?; stdcall; external \w+;$",
     "Vorel32.cs": r"^    public static extern \w+ (?P<name>\w+)\((?P<list>.*)\);$",
     "vorel32_ctypes.py": r'^ *(?P<name>\w+) = _function\(\w+, "(?P=name)", (?P<list>.*)\)$',

@@ -22,7 +22,7 @@ def _parameter(parameter):
         return f"ByVal {name} As {_VALUES[type_]}"
     if target == "void":
         return f"ByVal {name} As Long"
-    if target in ("int", "short", "POINT", "RECT"):
+    if target in ("int", "short", "WORD", "POINT", "RECT", "ImgPrintOptions"):  # arrays, or may be null
         return f"ByRef {name} As Any"
     return f"ByRef {name} As {_VALUES.get(target, target)}"
 
@@ -30,7 +30,8 @@ def _parameter(parameter):
 def _declaration(function):
     parameters = ", ".join(_parameter(parameter) for parameter in function.parameters)
     file = "kernel32" if function.builds == "linux" else "VOREL32.DLL"
-    declared = f'{function.name} Lib "{file}" ({parameters})'
+    # Exports are found by their exact names, but the editor gives equal names one case: Zoom becomes zoom after a parameter.
+    declared = f'{function.name} Lib "{file}" Alias "{function.name}" ({parameters})'
     if function.result == "void":
         return f"Public Declare Sub {declared}"
     result = "Long" if function.result == "char*" else _VALUES[function.result]
@@ -52,13 +53,14 @@ def text(contract):
         "' exports.",
         "'",
         "' ByRef ... As Any: pass the first element of an array, a variable of the type in the header, or ByVal 0& for NULL. Variables for",
-        "' int are Long, for short Integer. A string to be filled must be long enough: Space$(IMG_MESSAGE_BYTES).",
+        "' int are Long, for short and WORD Integer. vbNullString is NULL for a string. A string to be filled must be long enough:",
+        "' Space$(IMG_MESSAGE_BYTES).",
         "Option Explicit",
         "",
     ]
     for name, values in contract.enumerations.items():
         lines += [f"Public Enum {name}", *(f"  {key} = {value}" for key, value in values.items()), "End Enum", ""]
-    lines += [f"Public Const {name} As Long = &H{value:X}" for name, value in contract.constants.items()]
+    lines += [f"Public Const {name} As Long = &H{value:X}&" for name, value in contract.constants.items()]
     lines += ["", *(_structure(structure) for structure in WINDOWS_STRUCTURES + contract.structures)]
     lines += [_declaration(function) for function in contract.functions]
     return "\r\n".join("\n".join(lines).split("\n")) + "\r\n"
