@@ -23,14 +23,12 @@ const std::map<std::string_view, uint64_t> kDigests = {
 };
 
 std::string file_version(const std::filesystem::path& file) {
-  char path[MAX_PATH];
-  std::snprintf(path, sizeof path, "%s", file.string().c_str());
   DWORD ignored = 0;
-  std::string block(GetFileVersionInfoSizeA(path, &ignored), '\0');
+  std::string block(GetFileVersionInfoSizeW(file.c_str(), &ignored), '\0');
   VS_FIXEDFILEINFO* info = nullptr;
   UINT size = 0;
-  if (!GetFileVersionInfoA(path, 0, static_cast<DWORD>(block.size()), block.data()) ||
-      !VerQueryValueA(block.data(), "\\", reinterpret_cast<void**>(&info), &size)) {
+  if (!GetFileVersionInfoW(file.c_str(), 0, static_cast<DWORD>(block.size()), block.data()) ||
+      !VerQueryValueW(block.data(), L"\\", reinterpret_cast<void**>(&info), &size)) {
     return "none";
   }
   return fmt::format("{}.{}.{}.{}", HIWORD(info->dwFileVersionMS), LOWORD(info->dwFileVersionMS),
@@ -48,6 +46,17 @@ std::string system_version() {
       reinterpret_cast<const char*(__cdecl*)()>(reinterpret_cast<void*>(GetProcAddress(system, "wine_get_version")));
   return fmt::format("{}.{}.{}{}{}", version.dwMajorVersion, version.dwMinorVersion, version.dwBuildNumber,
                      wine == nullptr ? "" : ", Wine ", wine == nullptr ? "" : wine());
+}
+
+// A path as the library takes it.
+std::string in_code_page(const std::filesystem::path& path) {
+  const auto convert = [&](std::string& text) {
+    return WideCharToMultiByte(CP_ACP, 0, path.c_str(), -1, text.data(), static_cast<int>(text.size()), nullptr, nullptr);
+  };
+  std::string text;
+  text.resize(static_cast<size_t>(convert(text)));
+  convert(text);
+  return text;
 }
 
 struct Format {
@@ -126,7 +135,7 @@ void check_formats(Report& report, const Library& library) {
   std::filesystem::create_directories(folder);
   HGLOBAL picture = test_picture(kWidth, kHeight);
   for (const Format& format : kFormats) {
-    const std::string path = (folder / format.file).string();
+    const std::string path = in_code_page(folder / format.file);
     const bool is_saved = save(path.c_str(), picture, format.format, 0, 0) != FALSE;
     HGLOBAL loaded = is_saved ? load(path.c_str(), 1, nullptr) : nullptr;
     const bool holds = loaded != nullptr && (!format.is_exact || have_equal_pixels(picture, loaded, kWidth, kHeight));

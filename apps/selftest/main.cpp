@@ -26,6 +26,15 @@ void check_all(Report& report, const Options& options) {
   check_printers(report, library, options.prints);
 }
 
+// Writes the report where it was asked for or, where nobody may write, into the folder for temporary files.
+std::string save_report(const Report& report, const std::string& wanted) {
+  char folder[MAX_PATH + 1] = "";
+  GetTempPathA(sizeof folder, folder);
+  for (const std::string& file : {wanted, std::string(folder) + "vorel-selftest.txt"})
+    if (std::ofstream(file, std::ios::binary) << report.text() << std::flush) return file;
+  return "";
+}
+
 // A program that was started by a click has a console of its own, which closes with it.
 bool has_own_console() {
   DWORD process = 0;
@@ -52,8 +61,11 @@ int main(int argc, char** argv) {
     report.check("the library", false, std::string("does not load, or has no ") + failure.what());
   }
   report.line(fmt::format("\n{} checks, {} failed", report.checks(), report.faults()));
-  std::ofstream(options.report, std::ios::binary) << report.text();
-  std::printf("The report is in %s; please send it in if a check failed.\n", options.report.c_str());
+  const std::string file = save_report(report, options.report);
+  if (file.empty())
+    std::printf("The report cannot be written; --report names another file.\n");
+  else
+    std::printf("The report is in %s; please send it in if a check failed.\n", file.c_str());
   if (has_own_console()) {
     std::printf("Press Enter to end.\n");
     std::cin.get();
