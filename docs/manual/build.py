@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Builds the manual: a site of static pages and a PDF. The same sources give the same bytes.
 
-usage: build.py --source ROOT --output FOLDER --tool VOREL --pictures PROGRAM --windows-pictures PROGRAM [--lax]
+usage: build.py --source ROOT --output FOLDER --tool VOREL --pictures PROGRAM --windows-pictures PROGRAM [--lax] [--no-pdf]
   --tool      the command line tool, which makes pictures
   --pictures  the program built from pictures.cpp; --windows-pictures names the one for Windows, which runs under Wine if it is there
   --lax       warns of missing examples and of Sphinx's warnings instead of failing
@@ -25,7 +25,8 @@ STAGED = ["*.md", "docs/*.md", "docs/howto/*.md", "docs/examples/*", "python/REA
 
 
 def stage_linked(root, source):
-    """Adds the files that pages link to. Folders have no page, so links to them become plain text."""
+    """Adds the files that pages link to. Folders have no page, so links to them become plain text; links that show the name of a
+    page's file show its title."""
     for page in sorted(source.rglob("*.md")):
         text = page.read_text()
         for target in re.findall(r"\]\(([^)#:\s]+)\)", text):
@@ -35,7 +36,7 @@ def stage_linked(root, source):
             elif original.is_file() and not (source / original.relative_to(root)).exists():
                 (source / original.relative_to(root)).parent.mkdir(parents=True, exist_ok=True)
                 shutil.copyfile(original, source / original.relative_to(root))
-        page.write_text(text)
+        page.write_text(re.sub(r"\[[\w/]+\.md\](?=\([\w/]+\.md)", "[]", text))
 
 
 def stage(root, source):
@@ -46,11 +47,18 @@ def stage(root, source):
             shutil.copyfile(path, target)
     stage_linked(root, source)
     howto = source / "docs/howto/README.md"
-    pages = "\n".join(re.findall(r"\]\(([\w-]+)\.md\)", howto.read_text()))
-    howto.write_text(f"{howto.read_text()}\n```{{toctree}}\n:hidden:\n\n{pages}\n```\n")
+    listed = "\n".join(re.findall(r"\]\(([\w-]+)\.md\)", howto.read_text()))
+    howto.write_text(f"{howto.read_text()}\n```{{toctree}}\n:hidden:\n\n{listed}\n```\n")
     for path in sorted((root / "docs/manual").iterdir()):
         if path.suffix == ".md":
             shutil.copyfile(path, source / path.name)
+
+
+def complete_styles(html):
+    """Debian's style sheets import others from a web server's root. Puts those in their places, so that pages need no server."""
+    for sheet in sorted(html.rglob("*.css")):
+        imported = re.compile(r"@import url\((/javascript/[^)]+)\);")
+        sheet.write_text(imported.sub(lambda found: Path(f"/usr/share{found[1]}").read_text(), sheet.read_text()))
 
 
 def function_pictures(folder, tool, programs):
@@ -106,6 +114,7 @@ def main():
     # No hash order, date or language of the machine gets into the pages, nor into the fonts of the PDF.
     os.environ.update({"PYTHONHASHSEED": "0", "SOURCE_DATE_EPOCH": "0", "TZ": "UTC", "LC_ALL": "C.UTF-8", "PYTHONDONTWRITEBYTECODE": "1"})
     subprocess.run(sphinx, check=True)
+    complete_styles(html)
     for name in (".buildinfo", "objects.inv"):
         (html / name).unlink(missing_ok=True)
 

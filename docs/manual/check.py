@@ -1,5 +1,6 @@
 """What must hold of the finished site: no dead link, titles, a page per function with every field."""
 
+import re
 from urllib.parse import unquote, urlsplit
 
 from bs4 import BeautifulSoup
@@ -7,10 +8,18 @@ from bs4 import BeautifulSoup
 FIELDS = ["Result", "Errors", "Ownership"]
 
 
+def faults_of_styles(html):
+    """Files that style sheets name and that are not there."""
+    for sheet in sorted(html.rglob("*.css")):
+        for address in re.findall(r"url\(['\"]?(?!data:)([^'\")]+)", sheet.read_text()):
+            if address.startswith("/") or not (sheet.parent / address).is_file():
+                yield f"{sheet.relative_to(html)}: no {address}"
+
+
 def faults(html, reference):
     pages = {path.relative_to(html).as_posix(): BeautifulSoup(path.read_text(), "lxml") for path in sorted(html.rglob("*.html"))}
     anchors = {name: {tag["id"] for tag in page.find_all(id=True)} for name, page in pages.items()}
-    found = []
+    found = list(faults_of_styles(html))
     for name, page in pages.items():
         title, heading = page.find("title"), page.find("h1")
         if not (title and title.get_text().strip() and (heading and heading.get_text().strip() or name == "search.html")):

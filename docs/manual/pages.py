@@ -105,7 +105,7 @@ class Reference:
 
     def summary(self, function):
         first = next((part for part in function.comment.parts if isinstance(part, str)), None) or function.comment.result
-        return self.inline(re.split(r"(?<=[.:]) ", first)[0].rstrip(":"), function.name)
+        return self.inline(re.split(r"(?<=[.:]) ", first)[0].removesuffix(":").removesuffix(".") + ".", function.name)
 
     def example(self, function):
         source = self.examples.get(function.name)
