@@ -353,7 +353,7 @@ std::vector<Row> device_good_rows() {
       Row("LoadASCIIIntoBitmap", load_text_block).leaves({IMG_E_MEMORY, IMG_E_CREATE_DC}).is(kOneThread | kMaySucceed),
       Row("LoadClipboardFormat", load_clipboard)
           .leaves({IMG_E_CREATE_PALETTE, kCodeBefore, IMG_E_OPEN_FILE, IMG_E_FORMAT, IMG_E_FILE_IO, IMG_E_MEMORY,
-                   IMG_E_CREATE_BITMAP})
+                   IMG_E_CREATE_BITMAP, IMG_E_CLIPBOARD_FORMAT})
           .is(kOneThread | kSlow | kMaySucceed),
       Row("SaveClipboardFormat",
           [](Stage& s) {
