@@ -34,8 +34,11 @@ struct Block {
   int locks = 0;
 };
 
+// Of memory whose address is its handle.
+constexpr size_t kFixedAlignment = 8;
+
 struct Memory {
-  size_t alignment = 1;  // of global blocks
+  size_t alignment = 1;  // of movable blocks
   std::mutex mutex;
   std::unordered_map<void*, Block> blocks;                 // by handle
   std::unordered_map<void*, std::unique_ptr<Piece>> heap;  // by address
@@ -54,10 +57,11 @@ inline Block* block_of(HGLOBAL handle) {
 
 inline HGLOBAL WINAPI global_alloc(UINT flags, SIZE_T bytes) {
   const std::lock_guard guard(memory().mutex);
-  auto piece = std::make_unique<Piece>(bytes, memory().alignment);
+  const bool is_movable = (flags & GMEM_MOVEABLE) != 0;
+  auto piece = std::make_unique<Piece>(bytes, is_movable ? memory().alignment : kFixedAlignment);
   if (piece->data() == nullptr) return nullptr;
   if ((flags & GMEM_ZEROINIT) == 0) std::memset(piece->data(), 0xA5, bytes);
-  auto* const handle = reinterpret_cast<HGLOBAL>(++memory().handles << 4 | 2);
+  auto* const handle = is_movable ? reinterpret_cast<HGLOBAL>(++memory().handles << 4 | 2) : piece->data();
   memory().blocks[handle] = {std::move(piece)};
   return handle;
 }
@@ -85,9 +89,8 @@ inline HGLOBAL WINAPI global_free(HGLOBAL handle) {
 
 // The heap of the DLL: scratch memory and what its C++ library takes.
 inline void* heap_alloc(size_t bytes) {
-  constexpr size_t kHeapAlignment = 8;
   const std::lock_guard guard(memory().mutex);
-  auto piece = std::make_unique<Piece>(bytes, kHeapAlignment);
+  auto piece = std::make_unique<Piece>(bytes, kFixedAlignment);
   uint8_t* const data = piece->data();
   if (data != nullptr) memory().heap[data] = std::move(piece);
   return data;

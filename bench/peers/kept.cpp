@@ -29,16 +29,31 @@ Block block_with_room(std::size_t bytes, bool is_zeroed) {
   return block;
 }
 
-HGLOBAL WINAPI allocate(UINT flags, SIZE_T bytes) {
-  const Block block = block_with_room(std::max<SIZE_T>(bytes, 1), (flags & GMEM_ZEROINIT) != 0);
-  return block.data == nullptr ? nullptr : new Block(block);
+// As the system's: the handle of fixed memory is its address, other handles are told by this bit.
+constexpr uintptr_t kIsMovable = 2;
+
+HGLOBAL handle_of(Block* block) { return reinterpret_cast<HGLOBAL>(reinterpret_cast<uintptr_t>(block) | kIsMovable); }
+
+// Null for fixed memory.
+Block* block_of(HGLOBAL handle) {
+  const auto bits = reinterpret_cast<uintptr_t>(handle);
+  return (bits & kIsMovable) != 0 ? reinterpret_cast<Block*>(bits & ~kIsMovable) : nullptr;
 }
-LPVOID WINAPI lock(HGLOBAL block) { return block == nullptr ? nullptr : static_cast<Block*>(block)->data; }
+
+HGLOBAL WINAPI allocate(UINT flags, SIZE_T bytes) {
+  if ((flags & GMEM_MOVEABLE) == 0) return std::calloc(std::max<SIZE_T>(bytes, 1), 1);
+  const Block block = block_with_room(std::max<SIZE_T>(bytes, 1), (flags & GMEM_ZEROINIT) != 0);
+  return block.data == nullptr ? nullptr : handle_of(new Block(block));
+}
+LPVOID WINAPI lock(HGLOBAL handle) { return block_of(handle) == nullptr ? handle : block_of(handle)->data; }
 BOOL WINAPI unlock(HGLOBAL) { return FALSE; }
-SIZE_T WINAPI size(HGLOBAL block) { return block == nullptr ? 0 : static_cast<Block*>(block)->bytes; }
+SIZE_T WINAPI size(HGLOBAL handle) { return block_of(handle) == nullptr ? 0 : block_of(handle)->bytes; }
 HGLOBAL WINAPI release(HGLOBAL handle) {
-  auto* const block = static_cast<Block*>(handle);
-  if (block == nullptr) return nullptr;
+  auto* const block = block_of(handle);
+  if (block == nullptr) {
+    std::free(handle);
+    return nullptr;
+  }
   kept.push_back(*block);
   delete block;
   if (kept.size() > kMostKept) {
