@@ -5,7 +5,8 @@
 
 Var FileTypes
 !define VIEWER_CLASS "${VIEWER_NAME}.Picture"
-!define VIEWER_CAPABILITIES "Software\${VIEWER_NAME}\Capabilities"
+; Below Software\Classes, which programs of 32 and 64 bits share: Windows looks there for what the 32-bit installer has written.
+!define VIEWER_CAPABILITIES "Software\Classes\${VIEWER_CLASS}\Capabilities"
 
 !macro EachFileType Action
   !insertmacro ${Action} bmp
@@ -65,7 +66,6 @@ Var FileTypes
 !macro RemoveFileTypes
   DeleteRegValue SHCTX "Software\RegisteredApplications" "${VIEWER_NAME}"
   DeleteRegKey /ifnosubkeys /ifnovalues SHCTX "Software\RegisteredApplications"
-  DeleteRegKey SHCTX "Software\${VIEWER_NAME}"
   DeleteRegKey SHCTX "Software\Classes\${VIEWER_CLASS}"
   !insertmacro EachFileType RemoveFileType
   ${RefreshShellIcons}
