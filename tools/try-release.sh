@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Tries what release.sh has made, from dist/ alone: zips and installers under Wine in fresh prefixes, Debian packages in a fresh Debian
-# (made with debootstrap), each with the sample program and the self-test. Whatever is installed is removed again, and nothing may be left.
-# usage: try-release.sh [zip|installer|signing|debian]...   (default: all; debian needs root)
+# Tries what release.sh has made, from dist/ alone: zips and installers under Wine in fresh prefixes with the samples and the self-test,
+# Debian packages in a fresh Debian (made with debootstrap) with the samples, the source in a folder of its own. Whatever is installed is
+# removed again, and nothing may be left.
+# usage: try-release.sh [source|zip|installer|signing|debian]...   (default: all; debian needs root)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -14,8 +15,24 @@ version=$(basename dist/vorel32-*.tar.gz .tar.gz | sed 's/^vorel32-//')
 (cd dist && sha256sum --quiet -c SHA256SUMS) || fail "SHA256SUMS"
 export VOREL_WINE_ROOT=$work/wine
 
-# The two commands that the README shows first, for a shell in which `vorel` is the tool.
-first_commands() { grep -m 2 '^vorel ' "$1"; }
+# The two commands that the README shows first, as one for a shell in which `vorel` is the tool.
+first_commands() { grep -m 2 '^vorel ' "$1" | sed '1s/$/ \&\&/'; }
+
+# The source builds the tool, which does what the README shows first.
+try_source() {
+  local folder=$work/source
+  mkdir "$folder"
+  tar -xzf "dist/vorel32-$version.tar.gz" -C "$folder" --strip-components=1
+  (
+    cd "$folder"
+    { cmake --preset native -DVOREL_TESTS=OFF -DVOREL_BENCH=OFF && cmake --build --preset native -j2 --target vorel codec_modules; } \
+      >"$work/log" 2>&1 || { tail -n 20 "$work/log"; fail "building the source"; }
+    convert -size 60x40 gradient:red-blue -depth 8 scan.tif
+    PATH=$folder/build/native/bin:$PATH
+    eval "$(first_commands README.md)" || fail "the commands of the README"
+  )
+  ok "source: built; tool"
+}
 
 # build_samples FOLDER BITS: with what the folder has, by each way that it offers. Leaves turn.exe.
 build_samples() {
@@ -171,5 +188,5 @@ if [ "${1:-}" = --inside-session ]; then
   inside_session
   exit
 fi
-[ $# -gt 0 ] || set -- zip installer signing debian
+[ $# -gt 0 ] || set -- source zip installer signing debian
 for kind in "$@"; do "try_$kind"; done
