@@ -7,7 +7,6 @@
 #include <memory>
 #include <mutex>
 #include <unordered_map>
-#include <vector>
 #include <windows.h>
 
 #include "support/guarded_pages.h"
@@ -116,8 +115,7 @@ inline void __cdecl heap_free(void* data) {
 inline void guard_dll(size_t alignment) {
   memory().alignment = alignment;
   const auto replace = [](const char* name, auto* function) {
-    static std::vector<std::unique_ptr<test::Replacement>> all;
-    all.push_back(std::make_unique<test::Replacement>(name, function));
+    test::exchange_import(test::import_slot(name), reinterpret_cast<void*>(function));
   };
   replace("GlobalAlloc", global_alloc);
   replace("GlobalLock", global_lock);

@@ -174,8 +174,8 @@ extern decltype(&free_index) const import_of_tls_free VOREL_IMPORT("TlsFree", "4
 
 // Destructors of static objects run within the runtime's entry point, so nothing of the DLL runs after it. The end of a
 // process frees everything, and its other threads may have been stopped anywhere. The system also sends the detach notice
-// after a refused attach.
-extern "C" BOOL WINAPI enter_dll(HINSTANCE module, DWORD reason, LPVOID process_ends) {
+// after a refused attach. The runtime sets the value that guards stacks, so this function's own stack cannot be guarded by it.
+extern "C" __attribute__((no_stack_protector)) BOOL WINAPI enter_dll(HINSTANCE module, DWORD reason, LPVOID process_ends) {
   if (reason == DLL_PROCESS_ATTACH) attached = reserve_index();
   if (!attached) return FALSE;
   const BOOL accepted = DllMainCRTStartup(module, reason, process_ends);
