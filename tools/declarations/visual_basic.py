@@ -13,8 +13,10 @@ def _name(name):
     return name + "_" if name.lower() in _KEYWORDS else name
 
 
-def _parameter(parameter):
+def _parameter(function, parameter):
     type_, name = parameter.type, _name(parameter.name)
+    if name.lower() == function.name.lower():
+        name += "_"
     if type_ in ("LPCSTR", "char*"):
         return f"ByVal {name} As String"
     target = pointee(type_)
@@ -28,9 +30,10 @@ def _parameter(parameter):
 
 
 def _declaration(function):
-    parameters = ", ".join(_parameter(parameter) for parameter in function.parameters)
+    parameters = ", ".join(_parameter(function, parameter) for parameter in function.parameters)
     file = "kernel32" if function.builds == "linux" else "VOREL32.DLL"
-    # Exports are found by their exact names, but the editor gives equal names one case: Zoom becomes zoom after a parameter.
+    # Exports are found by their exact names, but the editor gives equal names one case, so that a variable zoom
+    # could turn Zoom into zoom.
     declared = f'{function.name} Lib "{file}" Alias "{function.name}" ({parameters})'
     if function.result == "void":
         return f"Public Declare Sub {declared}"
