@@ -134,6 +134,8 @@ def read(header, exports):
             first = token
         elif heading:
             family, common, comment = heading[1].removesuffix(" (Windows only)"), None, None
+        elif token.startswith("/**<"):  # behind a type
+            definitions[-1].text = token.replace("/**<", "/**", 1)
         elif token.startswith("/**"):
             comment, shared = token, []
         elif token.startswith("/*  "):

@@ -194,7 +194,7 @@ From :download:`{source.name} </{source}>`, which the tests compile and run.
         body = "".join(part + "\n" for part in self.parts(comment)) if comment else ""
         if comment and comment.result:
             body += self.inline(comment.result) + "\n"
-        code = re.sub(r"\bVORELCALL ?", "", definition.code)
+        code = re.sub(r"\bVORELCALL ?", "", definition.code).replace("/**<", "/*")
         return f"{names}\n{body}\n.. code-block:: c\n\n{indented(code)}\n"
 
     def structures(self):
