@@ -16,15 +16,24 @@ namespace test {
 
 #ifdef _WIN32
 
-// Blocks in use in the process heap, which global memory comes from.
+// Calls visit(bytes) for each block in use: global memory comes from the process heap, the C runtime has a heap of its own.
+template <class Visit>
+void for_each_block(Visit visit) {
+  constexpr DWORD kMostHeaps = 64;
+  HANDLE heaps[kMostHeaps];
+  const DWORD count = GetProcessHeaps(kMostHeaps, heaps);
+  for (DWORD i = 0; i < count && i < kMostHeaps; ++i) {
+    PROCESS_HEAP_ENTRY entry{};
+    HeapLock(heaps[i]);
+    while (HeapWalk(heaps[i], &entry))
+      if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) visit(size_t{entry.cbData});
+    HeapUnlock(heaps[i]);
+  }
+}
+
 inline size_t heap_blocks() {
-  PROCESS_HEAP_ENTRY entry{};
   size_t count = 0;
-  HANDLE heap = GetProcessHeap();
-  HeapLock(heap);
-  while (HeapWalk(heap, &entry))
-    if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) ++count;
-  HeapUnlock(heap);
+  for_each_block([&](size_t) { ++count; });
   return count;
 }
 

@@ -1,13 +1,14 @@
 // The entry point of every DLL of this project: wraps the C runtime's.
 //
 // The compiler's own libraries are linked in, so each DLL has a copy of them. They allocate a thread-local-storage index, a
-// memory reserve for exceptions and, with the first exception, critical sections, and never free them, as if a DLL stayed loaded
-// until its process ends. Codec modules are loaded and unloaded with every picture: without this file a process runs out of its
-// 1,088 indexes and ends at its thousandth picture, and each file that cannot be read costs it three blocks of memory.
+// memory reserve for exceptions, small blocks for each thread and, with the first exception, critical sections, and never free
+// them, as if a DLL stayed loaded until its process ends. Codec modules are loaded and unloaded with every picture: without this
+// file a process runs out of its 1,088 indexes and ends at its thousandth picture, each picture costs it six blocks of memory,
+// and each file that cannot be read three more.
 //
 // These libraries also end the process if they get no index, or no memory for the first exception, which may be the one that says
 // that memory is short. So an index is reserved, and one exception thrown when the DLL is loaded: what is set up with it lies in
-// a reserve of the DLL's own.
+// a reserve of the DLL's own, as do the small blocks.
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
@@ -33,8 +34,9 @@ void __real_free(void* block);
 
 namespace {
 
-// Where memory comes from: the system, or, while the DLL is being loaded, the reserve; or the next request is refused.
-enum class Source { kSystem, kReserve, kRefusedOnce };
+// Where memory comes from: the system; while the libraries begin, the reserve for small blocks; while the exception is thrown,
+// the reserve; or the next request is refused.
+enum class Source { kSystem, kReserveIfSmall, kReserve, kRefusedOnce };
 Source source = Source::kSystem;
 bool was_short = false;
 
@@ -42,6 +44,11 @@ bool was_short = false;
 constexpr size_t kAlignment = 16;
 alignas(kAlignment) std::byte reserve[4096];
 size_t reserve_used = 0;
+
+bool comes_from_reserve(size_t bytes) {
+  constexpr size_t kSmall = 256;
+  return source != Source::kSystem && (source != Source::kReserveIfSmall || bytes <= kSmall);
+}
 
 bool is_reserved(const void* block) { return block >= reserve && block < reserve + sizeof reserve; }
 size_t reserved_size(const void* block) {
@@ -137,18 +144,20 @@ void WINAPI end_section(CRITICAL_SECTION* section) {
 extern "C" {
 
 void* __wrap_malloc(size_t bytes) {
-  if (source == Source::kSystem) return noted(__real_malloc(bytes));
-  return std::exchange(source, Source::kReserve) == Source::kRefusedOnce ? nullptr : from_reserve(bytes);
+  if (!comes_from_reserve(bytes)) return noted(__real_malloc(bytes));
+  if (source != Source::kRefusedOnce) return noted(from_reserve(bytes));
+  source = Source::kReserve;
+  return nullptr;
 }
 
 void* __wrap_calloc(size_t count, size_t bytes) {
-  return source == Source::kSystem ? noted(__real_calloc(count, bytes)) : from_reserve(count * bytes);
+  return noted(comes_from_reserve(count * bytes) ? from_reserve(count * bytes) : __real_calloc(count, bytes));
 }
 
 void* __wrap_realloc(void* block, size_t bytes) {
-  if (!is_reserved(block)) return __real_realloc(block, bytes);
+  if (block != nullptr && !is_reserved(block)) return __real_realloc(block, bytes);
   void* const moved = __wrap_malloc(bytes);
-  if (moved != nullptr) std::memcpy(moved, block, std::min(bytes, reserved_size(block)));
+  if (block != nullptr && moved != nullptr) std::memcpy(moved, block, std::min(bytes, reserved_size(block)));
   return moved;
 }
 
@@ -178,7 +187,9 @@ extern decltype(&free_index) const import_of_tls_free VOREL_IMPORT("TlsFree", "4
 extern "C" __attribute__((no_stack_protector)) BOOL WINAPI enter_dll(HINSTANCE module, DWORD reason, LPVOID process_ends) {
   if (reason == DLL_PROCESS_ATTACH) attached = reserve_index();
   if (!attached) return FALSE;
+  if (reason == DLL_PROCESS_ATTACH) source = Source::kReserveIfSmall;
   const BOOL accepted = DllMainCRTStartup(module, reason, process_ends);
+  source = Source::kSystem;
   if (reason == DLL_PROCESS_ATTACH && accepted) {
     const bool has_index = !kExceptionTakesIndex || reserved != TLS_OUT_OF_INDEXES || reserve_index();
     if (was_short || !has_index) return FALSE;  // the system's detach notice follows
