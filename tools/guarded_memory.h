@@ -2,7 +2,9 @@
 // program. The DLL's import table is patched.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -103,6 +105,19 @@ inline void* __cdecl heap_malloc(size_t bytes) {
   return data;
 }
 // Blocks from before the table was patched are the system's.
+inline void* __cdecl heap_realloc(void* data, size_t bytes) {
+  if (data == nullptr) return heap_malloc(bytes);
+  const std::lock_guard guard(memory().mutex);
+  const auto found = memory().heap.find(data);
+  if (found == memory().heap.end()) return std::realloc(data, bytes);
+  auto piece = std::make_unique<Piece>(bytes, kFixedAlignment);
+  uint8_t* const moved = piece->data();
+  if (moved == nullptr) return nullptr;
+  std::memcpy(moved, data, std::min(bytes, found->second->bytes()));
+  memory().heap.erase(found);
+  memory().heap[moved] = std::move(piece);
+  return moved;
+}
 inline void __cdecl heap_free(void* data) {
   {
     const std::lock_guard guard(memory().mutex);
@@ -124,6 +139,7 @@ inline void guard_dll(size_t alignment) {
   replace("GlobalFree", global_free);
   replace("calloc", heap_calloc);
   replace("malloc", heap_malloc);
+  replace("realloc", heap_realloc);
   replace("free", heap_free);
 }
 

@@ -30,7 +30,9 @@ export WINEARCH=win32
 if [ "$1" = --session64 ] || is_64_bit "$1"; then
   prefix=screen64-$depth WINEARCH=win64
 fi
-export WINEPREFIX=$root/$prefix WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+export WINEPREFIX=$root/$prefix WINEDEBUG=-all
+# No debugger: where nobody is, one that a crash starts waits for ever.
+export WINEDLLOVERRIDES='mscoree,mshtml=;winedbg.exe=d'
 
 # Wine's helper processes keep inherited pipes open, and readers of such a pipe wait for them. So output goes through files.
 run_program() {
