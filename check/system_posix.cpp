@@ -158,10 +158,12 @@ void free(void* block) noexcept {
   __libc_free(block);
 }
 
-void* mmap(void* address, size_t bytes, int protection, int flags, int file, off_t offset) noexcept {
+// Pages are mapped under the usual name.
+void* map_pages(void* address, size_t bytes, int protection, int flags, int file, off_t offset) noexcept __asm__("mmap");
+void* map_pages(void* address, size_t bytes, int protection, int flags, int file, off_t offset) noexcept {
   return no_memory("mmap") || (most_bytes != 0 && bytes > most_bytes && (flags & MAP_FIXED) == 0)
              ? MAP_FAILED
-             : NEXT(mmap)(address, bytes, protection, flags, file, offset);
+             : mmap(address, bytes, protection, flags, file, offset);
 }
 void* GlobalLock(HGLOBAL block) { return no_memory("GlobalLock") ? nullptr : NEXT(GlobalLock)(block); }
 HGLOBAL GlobalAlloc(UINT flags, size_t bytes) {
@@ -210,6 +212,13 @@ size_t fwrite(const void* buffer, size_t size, size_t count, FILE* file) {
   return no_file("fwrite", ENOSPC) ? (file->_flags |= kErrorFlag, 0) : NEXT(fwrite)(buffer, size, count, file);
 }
 int fflush(FILE* file) { return no_file("fflush", ENOSPC) ? (file->_flags |= kErrorFlag, EOF) : NEXT(fflush)(file); }
+// Closing writes what is left, so it can fail too; the file is closed in any case.
+int fclose(FILE* file) {
+  const bool is_lost = no_file("fclose", ENOSPC);
+  const int status = NEXT(fclose)(file);
+  return is_lost ? EOF : status;
+}
+int ftruncate(int file, off_t bytes) noexcept { return no_file("ftruncate") ? -1 : NEXT(ftruncate)(file, bytes); }
 int fseeko(FILE* file, off_t offset, int from) { return no_file("fseeko") ? -1 : NEXT(fseeko)(file, offset, from); }
 
 }  // extern "C"
