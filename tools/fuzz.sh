@@ -32,19 +32,22 @@ while [ $# -gt 0 ]; do
 done
 case $width in both) widths=(64 32) ;; *) widths=("$width") ;; esac
 
+for target in "${targets[@]}"; do
+  [[ " ${own[*]} ${own_codecs[*]} ${codecs[*]} " == *" $target "* ]] || { printf 'fuzz: no target %s\n' "$target" >&2; exit 2; }
+done
+
 contains() { local word=$1; shift; [[ " $* " == *" $word "* ]]; }
 preset_of() { [ "$1" = 32 ] && echo fuzz32 || echo fuzz; }
 
+rm -rf build/fuzz/results
+mkdir -p build/fuzz/{findings,results}
 if [ "$builds" = 1 ]; then
   if [ "$width" = 64 ]; then ./tools/setup.sh; else ./tools/setup.sh --checks; fi
-  mkdir -p build
   for width in "${widths[@]}"; do
     preset=$(preset_of "$width")
     { cmake --preset "$preset" && cmake --build --preset "$preset"; } >"build/$preset.log" 2>&1 || { tail -40 "build/$preset.log"; exit 1; }
   done
 fi
-mkdir -p build/fuzz/{findings,results}
-rm -f build/fuzz/results/*
 export ASAN_OPTIONS=allocator_may_return_null=1:quarantine_size_mb=16 UBSAN_OPTIONS=print_stacktrace=1
 [ ! -d /dev/shm ] || export TMPDIR=/dev/shm  # some targets write their input to a file
 
@@ -55,11 +58,12 @@ processor_time() {
   awk '{ print int(($1 + $2) * 1000) }' <<<"$times"
 }
 
-# Writes "TARGET WIDTH runs=N findings=N" and why there are findings.
+# Writes "TARGET WIDTH runs=N findings=N" and why there are findings. Inputs that fail are run again by the next run, until they pass.
 run_target() {
   local target=$1 width=$2 limit program log name status=0 findings=0 note='' file count
   program=build/$(preset_of "$width")/bin/${target}_fuzz name=$target-$width
   log=build/fuzz/$name.log
+  printf '%s %s runs=0 findings=1 the run did not end\n' "$target" "$width" >"build/fuzz/results/$name"
   limit="-max_total_time=$seconds"
   if [ -n "$runs" ]; then limit="-runs=$runs"; fi
   if [ -n "$codec_runs" ] && contains "$target" "${codecs[@]}" "${own_codecs[@]}"; then limit="-runs=$codec_runs"; fi
@@ -79,7 +83,13 @@ run_target() {
   if [ "$status" != 0 ]; then
     findings=$((findings + 1)) note+=" $(grep -m1 -E 'does not hold|runtime error|ERROR: (Address|lib|Leak)' "$log" || echo "exit $status")"
   fi
+  for file in build/fuzz/findings/"$name"-*; do
+    [ ! -e "$file" ] || cp "$file" "build/fuzz/corpus/$target/"
+  done
   count=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
+  if [ "$status" = 0 ] && [ "${count:-0}" -lt "$(sed -n 's/^-runs=//p' <<<"$limit" | grep . || echo 1)" ]; then
+    findings=$((findings + 1)) note+=' fewer runs than asked'
+  fi
   printf '%s %s runs=%s findings=%s%s\n' "$target" "$width" "${count:-0}" "$findings" "$note" | tee "build/fuzz/results/$name"
 }
 
@@ -93,5 +103,5 @@ for width in "${widths[@]}"; do
   done
 done
 wait
-failed=$(grep -lv 'findings=0' build/fuzz/results/* | xargs -r -n1 basename | paste -sd ' ')
+failed=$(sed -n '/findings=0/!s/^\([^ ]*\) \([0-9]*\) .*/\1-\2/p' build/fuzz/results/* | paste -sd ' ')
 [ -z "$failed" ] || { printf 'findings in: %s (build/fuzz/TARGET-WIDTH.log)\n' "$failed"; exit 1; }
