@@ -21,7 +21,7 @@ class Arguments {
 
 // Each row once: the result and codes that the table states, inputs unchanged, and a row for each export.
 int check_rows(const Arguments& arguments);
-// [CALLS]: so many of each row leave no block, object, window, file or lock.
+// [CALLS] [SLOW]: so many of each row, and of each slow one, leave no block, object, window, file or lock.
 int check_nothing_left(const Arguments& arguments);
 // [CALLS] [KIB]: so many calls, mixed, grow the process by no more than so much.
 int check_mixed_calls(const Arguments& arguments);

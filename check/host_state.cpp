@@ -40,6 +40,15 @@ uint16_t x87_word() {
 }
 void set_x87_word(uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(word)); }
 
+// Where the stage itself makes the calls, the stack lies as the compiler has it.
+bool can_be_set([[maybe_unused]] const HostState& state) {
+#if defined(_WIN32) && defined(__i386__)
+  return true;
+#else
+  return state.off == 0;
+#endif
+}
+
 // The bits of the state that results could depend on: not the flags of exceptions that happened.
 constexpr uint32_t kControlBits = 0xFFC0;
 
@@ -116,6 +125,7 @@ void check_rows_of(const std::vector<Row>& rows, Report& report) {
     Host host;
     stage.probe = &host;
     for (const HostState& state : kHostStates) {
+      if (!can_be_set(state)) continue;
       at_work(row.name, static_cast<long>(&state - kHostStates));
       host.state = &state;
       const Outcome outcome = stage.run(row);

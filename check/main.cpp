@@ -32,10 +32,10 @@ thread_local const char* work = "start";
 thread_local long work_number = 0;
 
 // With little of the C library, which may be the place of the crash.
-void tell_crash(int) {
+void tell_crash(int signal) {
   char text[300];
-  std::snprintf(text, sizeof text, "FAULT crash in %s: %ld\ncalls=%ld faults=%ld\n", work, work_number, Report::calls_,
-                Report::faults_ + 1);
+  std::snprintf(text, sizeof text, "FAULT crash in %s: %ld (signal %d)\ncalls=%ld faults=%ld\n", work, work_number, signal,
+                Report::calls_, Report::faults_ + 1);
   tell(text);
 #ifdef _WIN32
   TerminateProcess(GetCurrentProcess(), 1);
@@ -89,7 +89,8 @@ void at_work(const char* what, long number) {
 
 int main(int count, char** words) try {
   using namespace check;
-  for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGILL}) std::signal(signal, tell_crash);
+  // SIGTERM comes to a run that does not end.
+  for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGILL, SIGTERM}) std::signal(signal, tell_crash);
 #ifdef _WIN32
   SetUnhandledExceptionFilter(tell_exception);
 #else

@@ -6,12 +6,12 @@ build native checks
 build win32 checks make_printer
 make_printer
 
-# A crash ends the program, so the run goes on with the row behind it.
+# A crash ends the program, so the run continues with the next row.
 all_rows() {
   local runner=$1 after='' part=build/check/allocations-$1.part
   while :; do
-    "$runner" allocations "$after" 2>&1 | tee "$part"
-    after=$(sed -n 's/^FAULT crash in \(.*\): -\{0,1\}[0-9]*\r\{0,1\}$/\1/p' "$part" | tail -n 1)
+    "$runner" allocations "$after" | tee "$part"
+    after=$(sed -n 's/^FAULT crash in \(.*\): -\{0,1\}[0-9]* (signal [0-9]*)\r\{0,1\}$/\1/p' "$part" | tail -n 1)
     [ -n "$after" ] || break
   done
 }

@@ -7,8 +7,13 @@ mkdir -p build/check
 export VOREL_WINE_ROOT=${VOREL_WINE_ROOT:-$root/build/wine}
 calls=0 faults=0
 
-# by_mode QUICK RELEASE: the one for this mode.
-by_mode() { if [ "$mode" = release ]; then printf '%s' "$2"; else printf '%s' "$1"; fi; }
+# by_mode QUICK RELEASE: the count for this mode. VOREL_CHECK_PART=N cuts a release to one Nth, but not below quick.
+by_mode() {
+  local count=$(($2 / ${VOREL_CHECK_PART:-1}))
+  [ "$mode" = release ] && [ "$count" -gt "$1" ] || count=$1
+  printf '%d' "$count"
+}
+longest=$(by_mode 900 14400)  # seconds until a driver is stopped
 
 # conclude ASKED REACHED: the last line; ends the script with 1 if there are faults.
 conclude() {
@@ -27,23 +32,33 @@ build() {
   }
 }
 
-# count_faults: adds up the lines "calls=N faults=M" of standard input, which is passed on.
+# count_faults: adds up the lines "calls=N faults=M" of standard input, which is passed on. Each run of a driver ends with "status=N", and
+# no run may end with another status than 0 unless its faults are counted.
 count_faults() {
-  local line ended=
+  local line counted='' ended=''
   while IFS= read -r line; do
     line=${line%$'\r'}
     printf '%s\n' "$line"
     if [[ $line =~ ^calls=([0-9]+)\ faults=([0-9]+)$ ]]; then
-      calls=$((calls + BASH_REMATCH[1])) faults=$((faults + BASH_REMATCH[2])) ended=1
+      calls=$((calls + BASH_REMATCH[1])) faults=$((faults + BASH_REMATCH[2])) counted=${BASH_REMATCH[2]}
+    elif [[ $line =~ ^status=([0-9]+)$ ]]; then
+      [ -n "$counted" ] || fault 'the driver ended without a result'
+      [ "$counted" != 0 ] || [ "${BASH_REMATCH[1]}" = 0 ] || fault 'the driver failed after its result'
+      counted='' ended=1
     fi
   done
-  [ -n "$ended" ] || { printf 'the driver ended without a result\n'; faults=$((faults + 1)); }
+  [ -n "$ended" ] || fault 'no driver ran'
 }
 
+# watched COMMAND...: output, then its status in a line; 124 if it did not end in time.
+watched() {
+  timeout -k 30 "$longest" "$@" 2>&1
+  printf '\nstatus=%d\n' $?
+}
 # run_native DRIVER [ARGUMENT...], run_windows DRIVER [ARGUMENT...]: run a driver; native and windows count too.
 # The Windows output appears when the driver ends; until then it grows in build/check/windows.
-run_native() { build/native/bin/checks "$@" 2>&1; }
-run_windows() { (cd build/win32/printed && VOREL_WINE_OUTPUT=$root/build/check/windows ../../../tools/run-wine.sh ../bin/checks.exe "$@" 2>&1); }
+run_native() { watched build/native/bin/checks "$@"; }
+run_windows() { (cd build/win32/printed && VOREL_WINE_OUTPUT=$root/build/check/windows watched ../../../tools/run-wine.sh ../bin/checks.exe "$@"); }
 native() {
   printf -- '-- native: %s\n' "$*"
   count_faults < <(run_native "$@")

@@ -5,12 +5,14 @@
 # Quick: SECONDS for each target and width (default: 4, which is about three minutes in all). Release: 25 million executions of each
 # target of the library in each width, 2 million of each codec's.
 # environment:
+#   VOREL_CHECK_PART                        cuts release to one Nth
 #   VOREL_FUZZ_RUNS, VOREL_FUZZ_CODEC_RUNS  other counts for release
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 mode=${1:-quick}
 if [ "$mode" = release ]; then
-  runs=${VOREL_FUZZ_RUNS:-25000000} codec_runs=${VOREL_FUZZ_CODEC_RUNS:-2000000}
+  part=${VOREL_CHECK_PART:-1}
+  runs=${VOREL_FUZZ_RUNS:-$((25000000 / part))} codec_runs=${VOREL_FUZZ_CODEC_RUNS:-$((2000000 / part))}
   options=(--runs "$runs" --codec-runs "$codec_runs")
   asked="$runs runs of each target, $codec_runs of codecs"
 else

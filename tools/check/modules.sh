@@ -61,15 +61,26 @@ use() {
       return
     fi
   done
+  fault "nothing uses $module"
+}
+
+# A planted module in the genuine one's place is loaded and tells: otherwise the silence of the others means nothing.
+check_planted() {
+  mv "$area/installed/ODAL32.$ending" "$area/kept"
+  cp "build/$preset/bin/planted.module" "$area/installed/ODAL32.$ending"
+  use ODAL32
+  [ -e "$area/loaded.txt" ] || fault "$preset: a planted module that is loaded does not tell"
+  mv "$area/kept" "$area/installed/ODAL32.$ending"
 }
 
 for preset in native win32; do
   install
+  export PLANTED=$area/loaded.txt
+  [ "$preset" = native ] || PLANTED=Z:${PLANTED//\//\\}
+  check_planted
   for module in $modules; do
     # All three places at once: a module that is loaded from any of them tells.
     for place in current path documents; do cp "build/$preset/bin/planted.module" "$area/$place/$module.$ending"; done
-    export PLANTED=$area/loaded.txt
-    [ "$preset" = native ] || PLANTED=Z:${PLANTED//\//\\}
     rm -f "$area/loaded.txt"
     use "$module"
     calls=$((calls + 3))
@@ -81,7 +92,7 @@ for preset in native win32; do
     mv "$area/installed/$module.$ending" "$area/kept"
     use "$module"
     missing=$((${missing:-0} + 1))
-    [ "$tool" != 0 ] && [ "$tool" != 124 ] && grep -q "$module" "$area/tool.txt" ||
+    [ "$tool" = 7 ] && grep -q "$module" "$area/tool.txt" ||
       fault "$preset: missing $module: the command line ends with $tool: $(cat "$area/tool.txt")"
     [ "$library" = 1 ] && grep -q "VOREL DLL: '$module.$ending' module has not found" "$area/library.txt" ||
       fault "$preset: missing $module: the library gives $library: $(cat "$area/library.txt")"

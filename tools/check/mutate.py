@@ -3,7 +3,7 @@
 
 usage: mutate.py BUILD [--count N] [--seed N] [--list FILE]
 
-BUILD is a finished build of this folder's sources. Each change is made in the source itself and taken back, so run it in a copy
+BUILD is a finished build of this folder's sources, whose tests have passed. Each change is made in the source itself and taken back, so run it in a copy
 (coverage.sh does). A change that does not compile is replaced by another one. A change is killed if a test fails, crashes or does not
 end. Changes that cannot be told from the outside count as survivors too.
 """
@@ -94,6 +94,19 @@ def run(command, seconds):
         return -1, "no end"
 
 
+def seconds_of_tests(build):
+    """How long each test took that passed when it last ran: names and times, a line of dashes, tests that failed."""
+    times, _, failed = pathlib.Path(build, "Testing/Temporary/CTestCostData.txt").read_text().partition("---\n")
+    entries = (line.split() for line in times.splitlines())
+    return {name: float(seconds) for name, runs, seconds in entries if int(runs) > 0 and name not in failed.splitlines()}
+
+
+def fails(build, test, usual_seconds):
+    """A test that takes far longer than usual does not end."""
+    limit = int(60 + 5 * usual_seconds)
+    return run(["ctest", "--test-dir", build, "-R", f"^{test}$", "--no-tests=error", "--timeout", str(limit)], limit + 60)[0] != 0
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build")
@@ -107,6 +120,10 @@ def main():
     files = sorted(p for p in sources | headers_of(options.build, here) if tests_of(p))
     places = [(path, *candidate) for path in files for candidate in candidates(path)]
     random.Random(options.seed).shuffle(places)
+    usual = seconds_of_tests(options.build)
+    if unfit := {test for path in files for test in tests_of(path)} - usual.keys():
+        print("not passed before any change:", *sorted(unfit))
+        return 1
     killed, survivors, broken = 0, [], 0
     for path, start, token, other in places:
         if killed + len(survivors) == options.count:
@@ -123,8 +140,7 @@ def main():
             if code != 0:
                 broken += 1
                 continue
-            is_killed = any(run(["ctest", "--test-dir", options.build, "-R", f"^{test}$", "--timeout", "120"], 300)[0] != 0
-                            for test in tests)
+            is_killed = any(fails(options.build, test, usual[test]) for test in tests)
         finally:
             path.write_text(original)
         if is_killed:

@@ -74,7 +74,7 @@ class Reader:
     def difference(self, file, bitmap, folder):
         """The smallest of the largest differences to others, in levels; None if there is nothing to compare."""
         code, colors = run(["convert", f"{file}[0]", "-format", "%[colorspace]", "info:"], 60, 4096)
-        if code != 0 or colors not in ("sRGB", "Gray", "RGB", "LinearGray"):
+        if code == 0 and colors not in ("sRGB", "Gray", "RGB", "LinearGray"):
             return None
         least = None
         for other in self.others(file, folder):

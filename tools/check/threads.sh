@@ -5,16 +5,15 @@ in_session "$@"
 build native checks
 build win32 checks make_printer
 build tsan checks
-each=$(by_mode 1000 10000) threads=$(by_mode 2000 10000) watched=$(by_mode 300 3000) windows_each=$(by_mode 100 10000) windows_threads=$(by_mode 200 10000)
+each=$(by_mode 1000 10000) threads=$(by_mode 2000 10000) in_sanitizer=$(by_mode 300 3000) windows_each=$(by_mode 100 10000) windows_threads=$(by_mode 200 10000)
 native rows
 native threads 64 "$each"
 native many-threads "$threads"
 windows threads 64 "$windows_each"
 windows many-threads "$windows_threads"
 printf -- '-- thread sanitizer\n'
-TSAN_OPTIONS='exitcode=66 halt_on_error=0' build/tsan/bin/checks threads 16 "$watched" >build/check/thread-sanitizer.txt 2>&1
-count_faults <build/check/thread-sanitizer.txt
+count_faults < <(TSAN_OPTIONS=halt_on_error=0 watched build/tsan/bin/checks threads 16 "$in_sanitizer" | tee build/check/thread-sanitizer.txt)
 reports=$(grep -c 'WARNING: ThreadSanitizer' build/check/thread-sanitizer.txt)
 faults=$((faults + reports))
-conclude "64 threads x $each calls (Windows: $windows_each) equal one thread's; $threads threads (Windows: $windows_threads) leave nothing; 16 x $watched calls without a report of the thread sanitizer" \
+conclude "64 threads x $each calls (Windows: $windows_each) equal one thread's; $threads threads (Windows: $windows_threads) leave nothing; 16 x $in_sanitizer calls without a report of the thread sanitizer" \
   "$calls calls and threads, $faults faults, $reports reports"
