@@ -77,7 +77,52 @@ void dither(HGLOBAL dib, Draw& draw) {
   release(kFunction(dib, draw.one_of(kChoices)), dib);
 }
 
+// A bitmap file with a drawn picture in it, and a name for a file to be written.
+std::string picture_file(Draw& draw) {
+  static const test::TempFolder folder;
+  std::string path = folder.path("picture.bmp");
+  test::write_file(path, test::file_of(draw.picture()));
+  return path;
+}
+std::string saved_file() {
+  static const test::TempFolder folder;
+  return folder.path("saved");
+}
+
+#ifdef _WIN32
+HWND window() {
+  static const test::ActiveWindow window;
+  return window.get();
+}
+POINT point(Draw& draw) { return {draw.size(), draw.size()}; }
+RECT rectangle(Draw& draw) { return {draw.size(), draw.size(), draw.size(), draw.size()}; }
+#endif
+
 const SizedCall kCalls[] = {
+    {"SetImgError", [](HGLOBAL, Draw& draw) { SetImgError(draw.size()); }},
+    {"ImgErrorString",
+     [](HGLOBAL, Draw& draw) {
+       char text[IMG_MESSAGE_BYTES];
+       ImgErrorString(text, draw.size());
+     }},
+    {"GetImageVersion",
+     [](HGLOBAL, Draw& draw) {
+       char text[20];
+       GetImageVersion(text, std::min<int>(draw.size(), sizeof text));
+     }},
+    {"LoadDIBFromFile", [](HGLOBAL dib, Draw& draw) { release(LoadDIBFromFile(picture_file(draw).c_str()), dib); }},
+    {"LoadImageIntoDIB",
+     [](HGLOBAL dib, Draw& draw) {
+       int status = 0;
+       release(LoadImageIntoDIB(picture_file(draw).c_str(), draw.size(), &status), dib);
+     }},
+    {"SaveDIB", [](HGLOBAL dib, Draw&) { SaveDIB(saved_file().c_str(), dib); }},
+    {"SaveDIBInImageFormat",
+     [](HGLOBAL dib, Draw& draw) {
+       constexpr int kFormats[] = {IMG_FORMAT_BITMAP, IMG_FORMAT_TIFF, IMG_FORMAT_PCX,  IMG_FORMAT_DCX,
+                                   IMG_FORMAT_GIF,    IMG_FORMAT_TGA,  IMG_FORMAT_CALS, IMG_FORMAT_JPEG};
+       SaveDIBInImageFormat(saved_file().c_str(), dib, draw.one_of(kFormats), draw.between(0, 1), draw.size());
+     }},
     {"PaletteSize",
      [](HGLOBAL dib, Draw&) {
        PaletteSize(lock_guarded(dib));
@@ -187,39 +232,84 @@ const SizedCall kCalls[] = {
      }},
     {"DisplayDIBStart",
      [](HGLOBAL dib, Draw& draw) {
-       static const test::ActiveWindow window;
        ImgDisplayState state{};
        int view[] = {draw.size(), draw.size(), 0, 0};
        const int zoom[] = {draw.size(), draw.size(), draw.size(), draw.size()}, position[] = {draw.size(), draw.size()};
-       DisplayDIBStart(window.get(), dib, view, zoom, static_cast<UINT>(draw.size()) & 0x16E8, &state);
-       DisplaySetScrollPos(window.get(), &state, position);
-       DisplayWmHorzScroll(window.get(), static_cast<WPARAM>(draw.between(0, 8)), 0, &state);
-       InvalidateRect(window.get(), nullptr, FALSE);
-       DisplayWmPaint(window.get(), &state);
-       DisplayWmDestroy(window.get(), 0, 0, &state);
+       DisplayDIBStart(window(), dib, view, zoom, static_cast<UINT>(draw.size()) & 0x16E8, &state);
+       DisplaySetScrollPos(window(), &state, position);
+       DisplayWmHorzScroll(window(), static_cast<WPARAM>(draw.between(0, 8)), 0, &state);
+       DisplayWmVertScroll(window(), static_cast<WPARAM>(draw.between(0, 8)), 0, &state);
+       DisplayWmSize(window(), 0, draw.size(), &state);
+       InvalidateRect(window(), nullptr, FALSE);
+       DisplayWmPaint(window(), &state);
+       DisplayWmDestroy(window(), 0, 0, &state);
      }},
     {"DisplayCPPImage",
      [](HGLOBAL dib, Draw& draw) {
-       static const test::ActiveWindow window;
        const int zoom[] = {draw.size(), draw.size(), draw.size(), draw.size()};
        int scroll[] = {draw.size(), draw.size(), draw.size(), draw.size()};
        SetLowMemStretch(draw.between(0, 1));
-       InvalidateRect(window.get(), nullptr, FALSE);
-       DisplayCPPImage(window.get(), dib, scroll, zoom, static_cast<WORD>(draw.one_of(kSizes) & 0x28));
-       DisplayCPPSize(window.get(), dib, scroll, zoom, 0);
-       DisplayCPPHScroll(window.get(), static_cast<WPARAM>(draw.between(0, 8)), 0, dib, scroll, zoom, 0);
+       InvalidateRect(window(), nullptr, FALSE);
+       DisplayCPPImage(window(), dib, scroll, zoom, static_cast<WORD>(draw.one_of(kSizes) & 0x28));
+       DisplayCPPSize(window(), dib, scroll, zoom, 0);
+       DisplayCPPHScroll(window(), static_cast<WPARAM>(draw.between(0, 8)), 0, dib, scroll, zoom, 0);
+       DisplayCPPVScroll(window(), static_cast<WPARAM>(draw.between(0, 8)), 0, dib, scroll, zoom, 0);
+       DisplayDIBImage(window(), dib, scroll, zoom, 0);
        SetLowMemStretch(0);
      }},
     {"BZoomStep",
      [](HGLOBAL dib, Draw& draw) {
-       static const test::ActiveWindow window;
        ImgDisplayState state{};
        ImgZoomTracker tracker{};
-       const RECT ratio{draw.size(), draw.size(), draw.size(), draw.size()};
-       DisplayDIBStart(window.get(), dib, nullptr, nullptr, 0, &state);
-       BZoomStep(window.get(), &ratio, 0x20 + draw.between(1, 5), &tracker, &state);
-       DisplayWmDestroy(window.get(), 0, 0, &state);
+       const RECT ratio = rectangle(draw);
+       const POINT end = point(draw);
+       DisplayDIBStart(window(), dib, nullptr, nullptr, 0, &state);
+       BZoomStep(window(), &ratio, 0x20 + draw.between(1, 5), &tracker, &state);
+       BZoomEnd(window(), &end, &tracker, &state);
+       DisplayWmDestroy(window(), 0, 0, &state);
      }},
+    {"BZoomScreenStep",
+     [](HGLOBAL, Draw& draw) {
+       ImgZoomTracker tracker{};
+       ImgScreenZoom state{draw.size(), draw.size(), rectangle(draw), rectangle(draw)};
+       const RECT ratio = rectangle(draw);
+       const POINT start = point(draw), end = point(draw);
+       BZoomScreenStep(window(), &ratio, 0x20 + draw.between(1, 5), &tracker, &state);
+       BZoomStart(window(), &start, &ratio, 0x10 + draw.between(1, 5), &tracker, FALSE);
+       BZoomUpdate(window(), &end, &tracker);
+       BZoomScreenEnd(window(), &end, &tracker, &state);
+       ReleaseCapture();
+     }},
+    {"M_StretchBitmap",
+     [](HGLOBAL, Draw& draw) {
+       static const auto bitmap = test::counting_bitmap(20, 20, 1);
+       M_SetSizes(draw.size(), draw.size());
+       M_StartMagnify(window(), nullptr);
+       M_StretchBitmap(bitmap.get(), draw.size(), draw.size(), draw.size(), draw.size());
+       M_CopyBitmap(window(), draw.size(), draw.size());
+       M_StopMagnify();
+     }},
+    {"CombineBMP",
+     [](HGLOBAL, Draw& draw) {
+       const auto owned = test::counting_bitmap(20, 20, 1), source = test::counting_bitmap(20, 20, 1);
+       HBITMAP target = owned.get();
+       CombineBMP(draw.size(), draw.size(), &target, source.get(), nullptr, draw.between(0, 1));
+     }},
+    {"CombineDIB",
+     [](HGLOBAL dib, Draw& draw) {
+       const test::Bytes picture = draw.picture();
+       HGLOBAL target = new_guarded(picture.data(), picture.size());
+       CombineDIB(draw.size(), draw.size(), &target, dib, nullptr, draw.between(0, 1));
+       free_guarded(target);
+     }},
+    {"DrawMetaFileIntoBitmap",
+     [](HGLOBAL, Draw& draw) {
+       static const HMETAFILE metafile = DeviceInputs::make_metafile();
+       DeleteObject(DrawMetaFileIntoBitmap(metafile, draw.size(), draw.size(), FALSE));
+     }},
+    {"SaveDIBIntoMetaFile", [](HGLOBAL dib, Draw&) { SaveDIBIntoMetaFile(saved_file().c_str(), dib); }},
+    {"SaveDIBIntoEnhMetaFile", [](HGLOBAL dib, Draw&) { SaveDIBIntoEnhMetaFile(saved_file().c_str(), dib); }},
+    {"LoadASCIIIntoBitmap", [](HGLOBAL dib, Draw&) { DeleteObject(LoadASCIIIntoBitmap(dib)); }},
     {"PrintDIBPage", [](HGLOBAL dib, Draw& draw) { PrintDIBPage(dib, nullptr, 0, draw.size(), draw.size(), draw.size()); }},
 #endif
 };
@@ -230,6 +320,7 @@ int check_sizes(const Arguments& arguments) {
   const long calls = arguments.number(0, 150'000), seed = arguments.number(1, 1), mib = arguments.number(2, 1),
              from = arguments.number(3, 0);
   Report report;
+  keep_jpeg_loaded();
   guard_blocks(static_cast<size_t>(mib) << 20);
   for (long i = from; i < calls; ++i) {
     Draw draw(static_cast<uint64_t>(seed) * 1'000'003 + static_cast<uint64_t>(i));
