@@ -4,7 +4,7 @@ source "$(dirname "$0")/common.sh"
 in_session "$@"
 build native checks
 build win32 checks make_printer
-count=$(by_mode 140000 150000) windows_count=$(by_mode 10000 150000)
+count=$(by_mode 146000 150000) windows_count=$(by_mode 4000 150000)
 native sizes "$count" 1 1
 [ "$mode" = quick ] || native sizes 20000 2 256
 windows sizes "$windows_count" 1 1
