@@ -25,8 +25,9 @@ while read -r name _ codec_version; do
   grep -qF "| $codec_version |" SECURITY.md || fail "SECURITY.md does not name $name $codec_version"
 done <build/codecs-i686/versions.txt
 version=$(sed -nE 's/^project\(vorel32 VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
-number=$(git rev-list --count HEAD)
-SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+commit=$(git rev-parse HEAD)
+number=$(git rev-list --count "$commit")
+SOURCE_DATE_EPOCH=$(git log -1 --format=%ct "$commit")
 export SOURCE_DATE_EPOCH TZ=UTC
 umask 022
 
@@ -59,7 +60,7 @@ make_all() {
   local preset
   source=$1/vorel32-$version
   mkdir -p "$1/dist" "$source"
-  git archive --format=tar --prefix="vorel32-$version/" HEAD | gzip -9n >"$1/dist/vorel32-$version.tar.gz"
+  git archive --format=tar --prefix="vorel32-$version/" "$commit" | gzip -9n >"$1/dist/vorel32-$version.tar.gz"
   tar -xzf "$1/dist/vorel32-$version.tar.gz" -C "$1"
   mkdir -p "$source/build"
   cp -a build/codecs-* "$source/build/"
