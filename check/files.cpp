@@ -87,21 +87,24 @@ int check_replaced_files(const Arguments&) {
         at_work(name, at);
         const std::string place = path + fs::path(name).extension().string();
         test::write_file(place, test::read_file(stage.path(name)));
-        bool is_replaced = false;
+        bool was_reached = false, is_replaced = false;
         system.act(at, [&] {
-          is_replaced = true;
+          was_reached = true;
           const std::string kind = other;
           std::error_code in_use;  // Windows keeps files that are open as they are
-          if (kind == "no file")
-            fs::remove(place, in_use);
-          else
-            test::write_file(place, kind == "nothing" ? test::Bytes() : test::read_file(stage.path(other)));
+          if (kind == "no file") {
+            is_replaced = fs::remove(place, in_use);
+          } else {
+            const test::Bytes content = kind == "nothing" ? test::Bytes() : test::read_file(stage.path(other));
+            test::write_file(place, content);
+            is_replaced = test::read_file(place) == content;
+          }
         });
         stage.probe = &system;
         const std::string fault = fault_of_loading(stage, place);
         stage.probe = nullptr;
-        if (!is_replaced) break;
-        report.count();
+        if (!was_reached) break;
+        if (is_replaced) report.count();
         if (!fault.empty()) report.fault(std::string(name) + " becomes " + other + " at call " + std::to_string(at), fault);
       }
   return report.end();

@@ -14,22 +14,67 @@ struct Modules {
   ImgSavePicture save_png = wert.entry<ImgSavePicture>("SaveDIBInPNGFormat");
 };
 
+// What a format keeps: all colours; bits, as black and white; no pixel exactly; or the block as it is, whatever its header says.
+enum class Kept { kColors, kBits, kSize, kBlock };
+
 struct Way {
   int format, option, value;
-  bool is_lossless = true;
+  Kept kept = Kept::kColors;
 };
 
 constexpr std::array kWays = std::to_array<Way>({
-    {IMG_FORMAT_BITMAP, 0, 0},      {IMG_FORMAT_TIFF, 0, 1},        {IMG_FORMAT_TIFF, 0, 2},
-    {IMG_FORMAT_TIFF, 0, 3},        {IMG_FORMAT_TIFF, 0, 4},        {IMG_FORMAT_TIFF, 0, 5},
-    {IMG_FORMAT_TIFF, 0, 8},        {IMG_FORMAT_TIFF, 0, 32773},    {IMG_FORMAT_TIFF, 0, 0},
-    {IMG_FORMAT_TIFF, 0, 7, false}, {IMG_FORMAT_PCX, 0, 0},         {IMG_FORMAT_DCX, 0, 0},
-    {IMG_FORMAT_GIF, 0, 0},         {IMG_FORMAT_GIF, 1, 0},         {IMG_FORMAT_TGA, 0, 0},
-    {IMG_FORMAT_TGA, 0, 1},         {IMG_FORMAT_CALS, 0, 0, false}, {IMG_FORMAT_PNG, 0, 0},
-    {IMG_FORMAT_JPEG, 0, 0, false},
+    {IMG_FORMAT_BITMAP, 0, 0, Kept::kBlock},
+    {IMG_FORMAT_TIFF, 0, 1},
+    {IMG_FORMAT_TIFF, 0, 2},
+    {IMG_FORMAT_TIFF, 0, 3},
+    {IMG_FORMAT_TIFF, 0, 4},
+    {IMG_FORMAT_TIFF, 0, 5},
+    {IMG_FORMAT_TIFF, 0, 8},
+    {IMG_FORMAT_TIFF, 0, 32773},
+    {IMG_FORMAT_TIFF, 0, 0},
+    {IMG_FORMAT_TIFF, 0, 7, Kept::kSize},
+    {IMG_FORMAT_PCX, 0, 0},
+    {IMG_FORMAT_DCX, 0, 0},
+    {IMG_FORMAT_GIF, 0, 0},
+    {IMG_FORMAT_GIF, 1, 0},
+    {IMG_FORMAT_TGA, 0, 0},
+    {IMG_FORMAT_TGA, 0, 1},
+    {IMG_FORMAT_CALS, 0, 0, Kept::kBits},
+    {IMG_FORMAT_PNG, 0, 0},
+    {IMG_FORMAT_JPEG, 0, 0, Kept::kSize},
 });
 
 BITMAPINFOHEADER header_of(HGLOBAL dib) { return test::header_of(test::bytes_of(dib)); }
+
+// A header that says nothing unusual.
+bool is_plain(const BITMAPINFOHEADER& header) {
+  const int depth = header.biBitCount;
+  return header.biSize == sizeof header && header.biPlanes == 1 && header.biCompression == BI_RGB && header.biClrUsed == 0 &&
+         header.biSizeImage == 0 && header.biWidth > 0 && header.biHeight > 0 &&
+         (depth == 1 || depth == 4 || depth == 8 || depth == 24);
+}
+
+void require_equal(const test::Bytes& a, const test::Bytes& b) { require(test::largest_difference(a, b) == 0); }
+
+// A full table: colours behind the stated ones are black.
+test::Bytes with_all_colors(test::Bytes picture) {
+  BITMAPINFOHEADER header = test::header_of(picture);
+  const size_t all = header.biBitCount <= 8 ? size_t{1} << header.biBitCount : 0;
+  if (header.biClrUsed == 0 || header.biClrUsed >= all) return picture;
+  const size_t end = sizeof header + header.biClrUsed * sizeof(RGBQUAD);
+  picture.insert(picture.begin() + static_cast<std::ptrdiff_t>(end), (all - header.biClrUsed) * sizeof(RGBQUAD), 0);
+  header.biClrUsed = 0;
+  std::memcpy(picture.data(), &header, sizeof header);
+  return picture;
+}
+
+// The same pixels, in black and white or in white and black.
+void require_same_bits(const test::Bytes& loaded, test::Bytes picture) {
+  std::memset(&picture[sizeof(BITMAPINFOHEADER)], 0, 8);
+  const bool first_is_black = test::color_at(loaded, 0, 0).rgbRed == test::pixel(picture, 0, 0) * 255;
+  std::memset(&picture[sizeof(BITMAPINFOHEADER) + (first_is_black ? 4 : 0)], 255, 4);
+  require_equal(loaded, picture);
+}
 
 }  // namespace
 
@@ -51,14 +96,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   require(picture.is_unchanged(source.get()));
   if (is_saved == FALSE) return 0;
   const test::Block loaded(LoadImageIntoDIB(path.c_str(), 1, &status));
-  // A bitmap file is the block as it is, whatever its header says.
-  if (way.format == IMG_FORMAT_BITMAP) return 0;
+  if (way.kept == Kept::kBlock && (!loaded || !is_plain(picture.header()))) return 0;
   require(static_cast<bool>(loaded));
   require_whole(loaded.get());
   const BITMAPINFOHEADER header = header_of(loaded.get());
   require(header.biWidth == picture.header().biWidth && header.biHeight == std::abs(picture.header().biHeight));
-  const test::Block whole = picture.completed();
-  if (way.is_lossless && picture.header().biHeight > 0)
-    require(test::largest_difference(test::bytes_of(loaded.get()), test::bytes_of(whole.get())) == 0);
+  if (picture.header().biHeight <= 0) return 0;
+  const test::Bytes whole = with_all_colors(test::bytes_of(picture.completed().get())),
+                    result = test::bytes_of(loaded.get());
+  if (way.kept == Kept::kColors || way.kept == Kept::kBlock) require_equal(result, whole);
+  if (way.kept == Kept::kBits) require_same_bits(result, whole);
   return 0;
 }

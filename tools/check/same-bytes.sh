@@ -46,7 +46,7 @@ build() {
 hash() {
   local name=$1 level=$2
   shift 2
-  { VOREL_CPU_LEVEL=$level "$@" --count "$calls" 2>"$folder/$name-$level.err" || cat "$folder/$name-$level.err"; } | tr -d '\r' >"$folder/$name-$level.txt" &
+  { VOREL_CPU_LEVEL=$level timeout -k 30 3600 "$@" --count "$calls" 2>"$folder/$name-$level.err" || cat "$folder/$name-$level.err"; } | tr -d '\r' >"$folder/$name-$level.txt" &
   while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n; done
 }
 

@@ -4,7 +4,7 @@
 # at pages without access. No report is suppressed.
 # usage: sanitizers.sh quick|release
 # Quick: the library's tests in 64 bits, the tests with threads under the thread sanitizer, 5,000 calls of the DLL. Release: all tests in
-# 64 bits, the library's in 32 bits and under the thread sanitizer too, 20,000 calls.
+# 64 bits, the library's in 32 bits, these and those of files and programs under the thread sanitizer, 20,000 calls.
 set -uo pipefail
 cd "$(dirname "$0")/../.."
 ./tools/setup.sh --checks || exit 1
@@ -17,6 +17,7 @@ short=() done=()
 own_tests=(platform_test frame_test dib_test formats_test metafile_test geometry_test kernels_test tone_test bilevel_test print_test
            display_test exports_test)
 thread_tests=(platform_test frame_test display_test)
+file_tests=(codec_test image_file_test page_test cli_test batch_test)
 
 logged() { "$@" >>"$folder/build.log" 2>&1 || { tail -n 20 "$folder/build.log"; return 1; }; }
 
@@ -38,7 +39,7 @@ run_dll() {
   logged cmake --preset win32 && logged cmake --build --preset win32 --target vorel32_dll hash_results || { short+=("the DLL does not build"); return; }
   logged cmake -S . -B "$trapping" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/i686-w64-mingw32.cmake" \
     -DVOREL_TESTS=OFF -DVOREL_TRAPS=ON && logged cmake --build "$trapping" --target vorel32_dll || { short+=("the trapping DLL does not build"); return; }
-  hash() { ./tools/run-wine.sh build/win32/bin/hash_results.exe "$@" --count "$calls" 2>&1 | tr -d '\r'; }
+  hash() { timeout -k 30 3600 ./tools/run-wine.sh build/win32/bin/hash_results.exe "$@" --count "$calls" 2>&1 | tr -d '\r'; }
   hash "$PWD/build/win32/bin/VOREL32.DLL" >"$lines.plain"
   hash "$PWD/build/win32/bin/VOREL32.DLL" --guarded 1 >"$lines.guarded"
   hash "$PWD/$trapping/bin/VOREL32.DLL" --guarded 8 >"$lines.trapping"
@@ -55,7 +56,7 @@ run_dll() {
 if [ "$mode" = release ]; then
   run asan
   run asan32 "${own_tests[@]}"
-  run tsan "${own_tests[@]}"
+  run tsan "${own_tests[@]}" "${file_tests[@]}"
   run_dll 20000
 else
   run asan "${own_tests[@]}"
