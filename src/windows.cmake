@@ -11,17 +11,22 @@ vorel_version(vorel32_dll "Vorel32 imaging library")
 # Callers' object files ask for decorated names, the DLL exports the plain ones. The import libraries know both.
 set(decorated ${CMAKE_CURRENT_BINARY_DIR}/vorel32-decorated.def)
 string(TOLOWER ${VOREL_NAME} library_name)
-set(mingw_library ${PROJECT_BINARY_DIR}/bin/lib${library_name}.a)
-set(microsoft_library ${PROJECT_BINARY_DIR}/bin/${VOREL_NAME}.lib)
+set(libraries ${PROJECT_BINARY_DIR}/bin)
+file(MAKE_DIRECTORY ${libraries})
+set(mingw_library ${libraries}/lib${library_name}.a)
+set(microsoft_library ${libraries}/${VOREL_NAME}.lib)
 set(machine i386)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
   set(machine i386:x86-64)
 endif()
 find_program(VOREL_LLVM_DLLTOOL llvm-dlltool REQUIRED)
+# Symbols contain the library's path as it is given, so a relative one gives the same file in every folder.
 add_custom_command(
   OUTPUT ${mingw_library} ${microsoft_library}
-  COMMAND ${CMAKE_DLLTOOL} --kill-at --deterministic-libraries --temp-prefix ${library_name} --input-def ${decorated} --output-lib ${mingw_library}
+  COMMAND ${CMAKE_DLLTOOL} --kill-at --deterministic-libraries --temp-prefix ${library_name} --input-def ${decorated}
+          --output-lib lib${library_name}.a
   COMMAND ${VOREL_LLVM_DLLTOOL} -m ${machine} -k -d ${decorated} -l ${microsoft_library}
+  WORKING_DIRECTORY ${libraries}
   DEPENDS ${decorated}
   VERBATIM
   COMMENT "Making import libraries")

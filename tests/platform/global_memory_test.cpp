@@ -57,6 +57,20 @@ TEST(GlobalMemory, ABlockOfNothingCannotBeLockedUntilItHasASize) {
   EXPECT_EQ(bytes_of(block.get()), Bytes(8));
 }
 
+TEST(GlobalMemory, FixedBlocksMoveOrBecomeMovableOnRequest) {
+  HGLOBAL block = GlobalAlloc(GPTR, 16);
+  std::memset(block, 7, 16);
+  EXPECT_EQ(GlobalReAlloc(block, 500'000'000, 0), nullptr) << "it may not move";
+  block = GlobalReAlloc(block, 100'000, GMEM_MOVEABLE | GMEM_ZEROINIT);
+  ASSERT_NE(block, nullptr);
+  ASSERT_GE(GlobalSize(block), 100'000u);
+  EXPECT_EQ(static_cast<uint8_t*>(block)[15], 7);
+  EXPECT_EQ(static_cast<uint8_t*>(block)[99'999], 0);
+  const Block movable(GlobalReAlloc(block, 0, GMEM_MODIFY | GMEM_MOVEABLE));
+  ASSERT_TRUE(movable);
+  EXPECT_EQ(bytes_of(movable.get())[15], 7);
+}
+
 TEST(GlobalMemory, BadHandlesFailWithoutHarm) {
   char on_the_stack[16] = {};
   (void)on_the_stack;
