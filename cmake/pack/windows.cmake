@@ -17,6 +17,9 @@ set(CPACK_NSIS_INSTALLED_ICON_NAME "bin\\vorelview.exe")
 set(CPACK_NSIS_ENABLE_UNINSTALL_BEFORE_INSTALL ON)
 set(CPACK_NSIS_DEFINES
     "!define VIEWER_NAME Vorel${bits}\n!define VIEWER_TITLE \"Vorel Viewer (${bits}-bit)\"\n!include \"${CMAKE_CURRENT_LIST_DIR}/file_types.nsh\"")
+# CPack writes this file after the others have got their time, and the installer contains it.
+string(APPEND CPACK_NSIS_DEFINES
+       "\n" [[!system 'test -z "$SOURCE_DATE_EPOCH" || touch -d "@$SOURCE_DATE_EPOCH" NSIS.InstallOptions.ini' = 0]])
 set(CPACK_NSIS_PAGE_COMPONENTS "!insertmacro MUI_PAGE_COMPONENTS")
 set(CPACK_NSIS_COMPONENT_SECTIONS "!insertmacro FileTypesSection")
 set(CPACK_NSIS_EXTRA_INSTALL_COMMANDS "!insertmacro AddFileTypes")
