@@ -20,7 +20,7 @@ bool claims_at_most(const uint8_t* data, size_t size, uint64_t most) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  constexpr uint64_t kMostLoaded = uint64_t{128} << 20;
+  constexpr uint64_t kMostLoaded = uint64_t{64} << 20;
   if (!claims_at_most(data, size, kMostLoaded)) return 0;
   HGLOBAL dib = LoadDIBFromFile(fuzz::as_file(data, size));
   if (dib == nullptr) return 0;

@@ -219,6 +219,7 @@ constexpr struct Type {
   uint16_t bytes;
   Check check;
 } kTypes[] = {
+    {1, 88, anything},                        // Header
     {2, 28, has_points<8>},                   // PolyBezier
     {3, 28, has_points<8>},                   // Polygon
     {4, 28, has_points<8>},                   // Polyline

@@ -17,6 +17,15 @@ TEST_F(GifTest, TrueColorsStayUnlessTheyAreTooMany) {
   ASSERT_TRUE(modules().save_gif(path.c_str(), block_of(few).get(), 1, nullptr));
   EXPECT_NE(read_file(path)[13 + 3 * 256 + 9] & 0x40, 0);
 
+  Bytes alike;  // colours that differ in one sample
+  for (size_t sample = 0; sample < 3; ++sample)
+    for (int level = 1; level <= 80; ++level) {
+      alike.resize(alike.size() + 3);
+      alike[alike.size() - 3 + sample] = static_cast<uint8_t>(3 * level);
+    }
+  const Bytes close = with_header(header_for(80, 3, 24), alike);
+  EXPECT_EQ(largest_difference(load_file(saved(close)), close), 0);
+
   BITMAPINFOHEADER header = header_for(64, 64, 24);
   Bytes rows;
   for (int i = 0; i < 64 * 64; ++i) rows.insert(rows.end(), {uint8_t(i % 64 * 4), uint8_t(i / 64 * 4), uint8_t(i / 16)});

@@ -378,6 +378,34 @@ TEST(Records, OfEnhancedMetafilesAgreeWithTheirSize) {
   }
 }
 
+TEST(Records, OfEnhancedMetafilesHaveAllTheirNumbers) {
+  const struct {
+    size_t numbers;
+    std::vector<uint32_t> types;
+  } rows[] = {
+      {1, {16, 17, 18, 19, 20, 21, 22, 24, 25, 34, 57, 58, 67}},
+      {2, {9, 10, 11, 12, 13, 26, 27, 54}},
+      {3, {15}},
+      {4, {29, 30, 31, 32, 42, 43, 53, 62, 63, 64}},
+      {5, {41}},
+      {6, {23, 35, 44}},
+      {7, {36}},
+      {8, {45, 46, 47, 55}},
+      {20, {1}},
+  };
+  const auto is_playable = [](uint32_t type, size_t numbers) {
+    const auto length = static_cast<uint32_t>(8 + 4 * numbers);
+    Bytes file =
+        joined(bytes_of(enhanced_header({}, {})), joined(joined(bytes_of(type), bytes_of(length)), Bytes(4 * numbers)));
+    return !playable_enhanced_metafile(file).empty();
+  };
+  for (const auto& row : rows)
+    for (const uint32_t type : row.types) {
+      EXPECT_TRUE(is_playable(type, row.numbers)) << type;
+      EXPECT_FALSE(is_playable(type, row.numbers - 1)) << type;
+    }
+}
+
 TEST(Records, OfEnhancedMetafilesEndWithTheirEndRecord) {
   EnhancedHeader header = enhanced_header({}, {});
   const Bytes end = joined(bytes_of(14u), joined(bytes_of(20u), Bytes(12)));
