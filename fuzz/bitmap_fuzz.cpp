@@ -8,10 +8,10 @@ namespace {
 
 // Whether the rows that a file claims are no more than this.
 bool claims_at_most(const uint8_t* data, size_t size, uint64_t most) {
-  constexpr size_t kFileHeaderBytes = 14;
+  const size_t at = size >= 2 && data[0] == 'B' && data[1] == 'M' ? sizeof(BITMAPFILEHEADER) : 0;  // without file header too
   BITMAPINFOHEADER header{};
-  if (size < kFileHeaderBytes + sizeof header) return true;
-  std::memcpy(&header, data + kFileHeaderBytes, sizeof header);
+  if (size < at + sizeof header) return true;
+  std::memcpy(&header, data + at, sizeof header);
   header.biWidth = std::abs(std::max<int32_t>(header.biWidth, -INT32_MAX));
   header.biHeight = std::abs(std::max<int32_t>(header.biHeight, -INT32_MAX));
   return fuzz::head_bytes(header) + fuzz::rows_bytes(header) <= most && header.biSizeImage <= most;
