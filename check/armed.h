@@ -1,4 +1,4 @@
-// Which calls of the system fail, for both systems.
+// The choice of calls that fail, on both systems.
 #pragma once
 
 #include <functional>
@@ -9,13 +9,13 @@
 namespace check {
 
 struct Armed {
-  unsigned parts = 0;  // none: nothing is counted
+  unsigned parts = 0;  // 0: no call is counted
   long at = 0, seen = 0;
   bool lasts = false;
   const char* failed = nullptr;
-  const std::function<void()>* action = nullptr;  // happens instead of a failure
+  const std::function<void()>* action = nullptr;  // runs instead of a failure
 
-  // Counts a call and returns whether it fails. An action runs with nothing armed.
+  // Counts a call and returns whether it fails. While the action runs, no call is counted.
   bool meets(SystemPart part, const char* function) {
     if ((parts & part) == 0) return false;
     ++seen;

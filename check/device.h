@@ -1,6 +1,8 @@
 // Inputs of a stage that only Windows has.
 #pragma once
 
+#include <memory>
+
 #include "check/stage.h"
 #include "win32/support/dialog.h"
 #include "win32/support/gdi.h"
@@ -10,13 +12,18 @@
 namespace check {
 
 struct DeviceInputs {
-  test::ActiveWindow window;
   test::Object<HBITMAP> mono = test::counting_bitmap(20, 20, 1), color = make_color();
   test::Object<HPALETTE> palette{make_palette()};
   HDC dc = CreateCompatibleDC(nullptr);
   test::Object<HBITMAP> canvas = make_color();
   HGDIOBJ before = SelectObject(dc, canvas.get());
   HMETAFILE metafile = make_metafile();
+
+  // Made by the first call that needs it.
+  HWND window() {
+    if (window_ == nullptr) window_ = std::make_unique<test::ActiveWindow>();
+    return window_->get();
+  }
 
   ~DeviceInputs() {
     DeleteMetaFile(metafile);
@@ -27,6 +34,9 @@ struct DeviceInputs {
   static test::Object<HBITMAP> make_color();
   static HPALETTE make_palette();
   static HMETAFILE make_metafile();
+
+ private:
+  std::unique_ptr<test::ActiveWindow> window_;
 };
 
 }  // namespace check

@@ -18,7 +18,7 @@ void of_bitmap(Stage& s) {
 // Calls that change a bitmap.
 template <auto kFunction>
 void change_bitmap(Stage& s) {
-  s.device();  // one of them needs an active window
+  s.device().window();  // one of them needs an active window
   const auto copy = test::counting_bitmap(20, 20, 1);
   s.take(s.call(kFunction, copy.get()));
   s.note(test::bits_of(copy.get()).data(), test::bits_of(copy.get()).size());
@@ -76,7 +76,7 @@ void draw_metafile(Stage& s) { s.take(s.call(DrawMetaFileIntoBitmap, s.device().
 // A metafile picture on the clipboard, for a call.
 template <auto kFunction>
 void from_clipboard(Stage& s) {
-  OpenClipboard(s.device().window.get());
+  OpenClipboard(s.device().window());
   EmptyClipboard();
   HGLOBAL block = GlobalAlloc(GHND, sizeof(METAFILEPICT));
   auto* picture = static_cast<METAFILEPICT*>(GlobalLock(block));
@@ -84,8 +84,8 @@ void from_clipboard(Stage& s) {
   GlobalUnlock(block);
   SetClipboardData(CF_METAFILEPICT, block);
   CloseClipboard();
-  s.take(s.call(kFunction, s.device().window.get()));
-  OpenClipboard(s.device().window.get());
+  s.take(s.call(kFunction, s.device().window()));
+  OpenClipboard(s.device().window());
   EmptyClipboard();
   CloseClipboard();
 }
@@ -105,7 +105,7 @@ struct Shown {
     s.note(&state.layout, sizeof state.layout);
     DisplayWmDestroy(window(), 0, 0, &state);
   }
-  HWND window() const { return s.device().window.get(); }
+  HWND window() const { return s.device().window(); }
 
   Stage& s;
   ImgDisplayState state{};
@@ -113,13 +113,13 @@ struct Shown {
 
 void display_create(Stage& s) {
   ImgDisplayState state;
-  s.take(static_cast<int>(s.call(DisplayWmCreate, s.device().window.get(), WPARAM{0}, LPARAM{0}, &state)));
+  s.take(static_cast<int>(s.call(DisplayWmCreate, s.device().window(), WPARAM{0}, LPARAM{0}, &state)));
   s.note(&state, 142);
 }
 template <bool kBitmap>
 void display_start(Stage& s) {
   ImgDisplayState state{};
-  HWND window = s.device().window.get();
+  HWND window = s.device().window();
   if constexpr (kBitmap)
     s.take(static_cast<int>(
         s.call(DisplayStart, window, s.device().mono.get(), nullptr, nullptr, nullptr, nullptr, kBars, &state)));
@@ -160,19 +160,19 @@ void low_memory(Stage& s) {
 }
 template <auto kFunction>
 void paint_dib(Stage& s) {
-  InvalidateRect(s.device().window.get(), nullptr, FALSE);
+  InvalidateRect(s.device().window(), nullptr, FALSE);
   int scroll[4] = {};
-  s.call(kFunction, s.device().window.get(), s.dib(8), scroll, nullptr, WORD{0});
+  s.call(kFunction, s.device().window(), s.dib(8), scroll, nullptr, WORD{0});
   s.note(scroll, sizeof scroll);
 }
 void paint_bitmap(Stage& s) {
-  InvalidateRect(s.device().window.get(), nullptr, FALSE);
-  s.call(DisplayImage, s.device().window.get(), s.device().mono.get(), nullptr, nullptr, nullptr, WORD{0});
+  InvalidateRect(s.device().window(), nullptr, FALSE);
+  s.call(DisplayImage, s.device().window(), s.device().mono.get(), nullptr, nullptr, nullptr, WORD{0});
 }
 template <auto kFunction>
 void scroll_dib(Stage& s) {
   int scroll[4] = {5, 5, 0, 0};
-  s.call(kFunction, s.device().window.get(), WPARAM{SB_LINEDOWN}, LPARAM{0}, s.dib(8), scroll, nullptr, WORD{0});
+  s.call(kFunction, s.device().window(), WPARAM{SB_LINEDOWN}, LPARAM{0}, s.dib(8), scroll, nullptr, WORD{0});
   s.note(scroll, sizeof scroll);
 }
 
@@ -183,14 +183,14 @@ constexpr RECT kRatio{10, 10, 10, 10};
 
 void zoom_start(Stage& s) {
   ImgZoomTracker tracker{};
-  s.call(BZoomStart, s.device().window.get(), &kStart, &kRatio, 0x12, &tracker, FALSE);
+  s.call(BZoomStart, s.device().window(), &kStart, &kRatio, 0x12, &tracker, FALSE);
   ReleaseCapture();
   s.note(&tracker, sizeof tracker);
 }
 void zoom_update(Stage& s) {
   ImgZoomTracker tracker{};
-  BZoomStart(s.device().window.get(), &kStart, &kRatio, 0x12, &tracker, FALSE);
-  s.call(BZoomUpdate, s.device().window.get(), &kEnd, &tracker);
+  BZoomStart(s.device().window(), &kStart, &kRatio, 0x12, &tracker, FALSE);
+  s.call(BZoomUpdate, s.device().window(), &kEnd, &tracker);
   ReleaseCapture();
   s.note(&tracker, sizeof tracker);
 }
@@ -212,16 +212,16 @@ void screen_zoom(Stage& s) {
   ImgZoomTracker tracker{};
   ImgScreenZoom state{96, 96, {0, 0, 50, 50}, {0, 0, 30, 20}};
   if constexpr (kStep) {
-    s.call(BZoomScreenStep, s.device().window.get(), &kRatio, 0x22, &tracker, &state);
+    s.call(BZoomScreenStep, s.device().window(), &kRatio, 0x22, &tracker, &state);
   } else {
-    BZoomStart(s.device().window.get(), &kStart, &kRatio, 0x12, &tracker, FALSE);
-    s.call(BZoomScreenEnd, s.device().window.get(), &kEnd, &tracker, &state);
+    BZoomStart(s.device().window(), &kStart, &kRatio, 0x12, &tracker, FALSE);
+    s.call(BZoomScreenEnd, s.device().window(), &kEnd, &tracker, &state);
   }
   s.note(&tracker, sizeof tracker);
   s.note(&state, sizeof state);
 }
 void old_zoom(Stage& s) {
-  HWND window = s.device().window.get();
+  HWND window = s.device().window();
   PostMessage(window, WM_MOUSEMOVE, 0, MAKELPARAM(40, 40));
   PostMessage(window, WM_LBUTTONUP, 0, MAKELPARAM(40, 40));
   int zoom[4] = {1, 1, 1, 1};
@@ -230,20 +230,20 @@ void old_zoom(Stage& s) {
 }
 void old_zoom_outside(Stage& s) {
   int zoom[4] = {3, 1, 3, 1};
-  s.call(Zoom, s.device().window.get(), MAKELPARAM(200, 10), zoom);
+  s.call(Zoom, s.device().window(), MAKELPARAM(200, 10), zoom);
   s.note(zoom, sizeof zoom);
 }
 
 struct Lens {
-  explicit Lens(Stage& s) { M_SetSizes(40, 30), M_StartMagnify(s.device().window.get(), nullptr); }
+  explicit Lens(Stage& s) { M_SetSizes(40, 30), M_StartMagnify(s.device().window(), nullptr); }
   ~Lens() { M_StopMagnify(); }
 };
 void lens_start(Stage& s) {
-  s.take(s.call(M_StartMagnify, s.device().window.get(), nullptr));
+  s.take(s.call(M_StartMagnify, s.device().window(), nullptr));
   M_StopMagnify();
 }
 void lens_stop(Stage& s) {
-  M_StartMagnify(s.device().window.get(), nullptr);
+  M_StartMagnify(s.device().window(), nullptr);
   s.take(s.call(M_StopMagnify));
 }
 void lens_rectangle(Stage& s) {
@@ -258,7 +258,7 @@ void lens_stretch(Stage& s) {
 }
 void lens_copy(Stage& s) {
   const Lens lens(s);
-  s.call(M_CopyBitmap, s.device().window.get(), 5, 5);
+  s.call(M_CopyBitmap, s.device().window(), 5, 5);
 }
 
 // ---- printing
@@ -305,56 +305,51 @@ void print_cancelled(Stage& s) {
   const test::WithDialog dialog("Print", [](HWND window) { test::press(window, IDCANCEL); });
   ImgPrintOptions options = test::silent_options();
   options.showDialog = 1;
-  s.take(s.call(PrepareToPrint, s.device().window.get(), nullptr, &options, "job", 1));
+  s.take(s.call(PrepareToPrint, s.device().window(), nullptr, &options, "job", 1));
   EndPrint(nullptr);
 }
 void printer_setup(Stage& s) {
   const test::WithDialog dialog("Printer Setup", [](HWND window) { test::press(window, IDCANCEL); });
-  s.take(s.call(PrinterSetup, s.device().window.get()));
+  s.take(s.call(PrinterSetup, s.device().window()));
 }
 template <auto kFunction>
 void dialog_message(Stage& s) {
-  s.take(s.call(kFunction, s.device().window.get(), UINT{WM_NULL}, WPARAM{0}, LPARAM{0}));
+  s.take(s.call(kFunction, s.device().window(), UINT{WM_NULL}, WPARAM{0}, LPARAM{0}));
 }
 
 }  // namespace
 
 std::vector<Row> device_good_rows() {
   return {
-      Row("CreateDIBPalette", of_dib<CreateDIBPalette, 8>).leaves({kCodeBefore, IMG_E_CREATE_PALETTE}).is(kOneThread),
+      Row("CreateDIBPalette", of_dib<CreateDIBPalette, 8>).leaves({kCodeBefore, IMG_E_CREATE_PALETTE}),
       // This screen has no palette.
       Row("GetCurrentPalette", of<GetCurrentPalette>)
           .fails(IMG_E_CREATE_PALETTE)
-          .leaves({IMG_E_CREATE_DC, IMG_E_CREATE_PALETTE})
-          .is(kOneThread),
-      Row("GetSystemPalette", system_palette).fails().is(kOneThread),
-      Row("ConvertBitmapToDIB", bitmap_to_dib)
-          .leaves({kCodeBefore, IMG_E_CREATE_PALETTE, IMG_E_CREATE_DC})
-          .is(kMaySucceed | kOneThread),
+          .leaves({IMG_E_CREATE_DC, IMG_E_CREATE_PALETTE}),
+      Row("GetSystemPalette", system_palette).fails(),
+      Row("ConvertBitmapToDIB", bitmap_to_dib).leaves({kCodeBefore, IMG_E_CREATE_PALETTE, IMG_E_CREATE_DC}).is(kMaySucceed),
       Row("ConvertDIBToBitmap", of_dib<ConvertDIBToBitmap, 8>)
           .leaves({kCodeBefore, IMG_E_CREATE_BITMAP, IMG_E_CREATE_PALETTE})
-          .is(kOneThread | kMaySucceed),
+          .is(kMaySucceed),
       Row("ConvertToMonochromeBitmap", of_bitmap<ConvertToMonochromeBitmap, false>)
           .leaves({IMG_E_MEMORY, IMG_E_PARAMETER, kCodeBefore})
-          .is(kOneThread | kMaySucceed),
-      Row("DuplicateBitmap", of_bitmap<DuplicateBitmap, true>)
-          .leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, kCodeBefore})
-          .is(kOneThread),
+          .is(kMaySucceed),
+      Row("DuplicateBitmap", of_bitmap<DuplicateBitmap, true>).leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, kCodeBefore}),
       Row("LoadBitmapFromFile", [](Stage& s) { s.take(s.call(LoadBitmapFromFile, s.file("a.bmp"))); })
           .leaves({kCodeBefore, IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_CREATE_BITMAP, IMG_E_CREATE_PALETTE})
-          .is(kOneThread | kSlow | kMaySucceed | kPartOfFile),
+          .is(kSlow | kMaySucceed | kPartOfFile),
       Row("SaveBitmap", save_bitmap)
           .leaves({kCodeBefore, IMG_E_LOCK, IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_PARAMETER, IMG_E_MEMORY})
-          .is(kMaySucceed | kOneThread | kSlow | kPartOfFile),
+          .is(kMaySucceed | kSlow | kPartOfFile),
       Row("LoadASCIIFile", [](Stage& s) { s.take(s.call(LoadASCIIFile, s.file("a.txt"), FALSE)); })
           .with_code(0)
           .leaves({0, IMG_E_OPEN_FILE, IMG_E_MEMORY, IMG_E_FILE_IO, IMG_E_CREATE_DC})
-          .is(kOneThread | kSlow | kMaySucceed),
-      Row("LoadASCIIIntoBitmap", load_text_block).leaves({IMG_E_MEMORY, IMG_E_CREATE_DC}).is(kOneThread | kMaySucceed),
+          .is(kSlow | kMaySucceed),
+      Row("LoadASCIIIntoBitmap", load_text_block).leaves({IMG_E_MEMORY, IMG_E_CREATE_DC}).is(kMaySucceed),
       Row("LoadClipboardFormat", load_clipboard)
           .leaves({IMG_E_CREATE_PALETTE, kCodeBefore, IMG_E_OPEN_FILE, IMG_E_FORMAT, IMG_E_FILE_IO, IMG_E_MEMORY,
                    IMG_E_CREATE_BITMAP, IMG_E_CLIPBOARD_FORMAT})
-          .is(kOneThread | kSlow | kMaySucceed),
+          .is(kSlow | kMaySucceed),
       Row("SaveClipboardFormat",
           [](Stage& s) {
             const std::string path = s.target("saved.clp");
@@ -362,31 +357,27 @@ std::vector<Row> device_good_rows() {
             s.note_file(path);
           })
           .leaves({kCodeBefore, IMG_E_OPEN_FILE, IMG_E_FILE_IO, IMG_E_MEMORY, IMG_E_CREATE_DC, IMG_E_LOCK})
-          .is(kMaySucceed | kOneThread | kSlow),
+          .is(kMaySucceed | kSlow),
       Row("RotateBitmap90", of_bitmap<RotateBitmap90, true>)
-          .leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, IMG_E_CREATE_BITMAP, IMG_E_BITMAP_PARAMETERS})
-          .is(kOneThread),
+          .leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, IMG_E_CREATE_BITMAP, IMG_E_BITMAP_PARAMETERS}),
       Row("RotateBitmap180", change_bitmap<RotateBitmap180>)
           .leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, IMG_E_BITMAP_PARAMETERS})
-          .is(kMaySucceed | kOneThread),
+          .is(kMaySucceed),
       Row("RotateBitmap270", of_bitmap<RotateBitmap270, true>)
-          .leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, IMG_E_CREATE_BITMAP, IMG_E_BITMAP_PARAMETERS})
-          .is(kOneThread),
+          .leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, IMG_E_CREATE_BITMAP, IMG_E_BITMAP_PARAMETERS}),
       Row("FlipBitmapVertical", change_bitmap<FlipBitmapVertical>)
           .leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, IMG_E_BITMAP_PARAMETERS})
-          .is(kMaySucceed | kOneThread),
+          .is(kMaySucceed),
       Row("FlipBitmapHorizontal", change_bitmap<FlipBitmapHorizontal>)
           .leaves({IMG_E_MEMORY, IMG_E_COPY_BITS, IMG_E_BITMAP_PARAMETERS})
-          .is(kMaySucceed | kOneThread),
+          .is(kMaySucceed),
       Row("InvertBitmap", change_bitmap<InvertBitmap>).is(kOneThread | kMaySucceed),
       Row("Zoom", old_zoom).fails().is(kOneThread | kSlow | kMaySucceed),
-      Row("CombineBMP", combine_bitmaps)
-          .leaves({kCodeBefore, 501, 506, 507, IMG_E_MEMORY, IMG_E_PARAMETER})
-          .is(kOneThread | kMaySucceed),
+      Row("CombineBMP", combine_bitmaps).leaves({kCodeBefore, 501, 506, 507, IMG_E_MEMORY, IMG_E_PARAMETER}).is(kMaySucceed),
       Row("CombineDIB", combine_dibs)
           .with_code(IMG_E_CREATE_PALETTE)
           .leaves({IMG_E_CREATE_DC, kCodeBefore, 504, 505, 510, IMG_E_MEMORY, IMG_E_CREATE_PALETTE})
-          .is(kOneThread | kMaySucceed),
+          .is(kMaySucceed),
       Row("DisplayWmCreate", display_create).fails().is(kOneThread),
       Row("DisplayStart", display_start<true>).is(kOneThread | kMaySucceed),
       Row("DisplayDIBStart", display_start<false>)
@@ -423,22 +414,22 @@ std::vector<Row> device_good_rows() {
       Row("M_CalcRect", lens_rectangle).is(kOneThread),
       Row("M_StretchBitmap", lens_stretch).fails().is(kOneThread | kMaySucceed),
       Row("M_CopyBitmap", lens_copy).fails().is(kOneThread | kMaySucceed),
-      Row("DrawMetaFileIntoBitmap", draw_metafile).leaves({IMG_E_MEMORY}).is(kOneThread | kMaySucceed),
+      Row("DrawMetaFileIntoBitmap", draw_metafile).leaves({IMG_E_MEMORY}).is(kMaySucceed),
       Row("LoadMetaFileIntoBitmap", [](Stage& s) { s.take(s.call(LoadMetaFileIntoBitmap, s.file("a.wmf"))); })
           .leaves({kCodeBefore, IMG_E_FILE_IO, IMG_E_MEMORY, IMG_E_CREATE_METAFILE})
-          .is(kOneThread | kSlow | kMaySucceed),
+          .is(kSlow | kMaySucceed),
       Row("SaveDIBIntoMetaFile", save_metafile<SaveDIBIntoMetaFile, true>)
           .leaves({kCodeBefore, IMG_E_CREATE_PALETTE})
-          .is(kOneThread | kSlow | kMaySucceed),
+          .is(kSlow | kMaySucceed),
       Row("SaveDIBIntoEnhMetaFile", save_metafile<SaveDIBIntoEnhMetaFile, true>)
           .leaves({kCodeBefore, IMG_E_CREATE_PALETTE})
-          .is(kOneThread | kSlow | kMaySucceed),
+          .is(kSlow | kMaySucceed),
       Row("SaveBitmapIntoMetaFile", save_metafile<SaveBitmapIntoMetaFile, false>)
           .leaves({kCodeBefore, IMG_E_CREATE_PALETTE})
-          .is(kOneThread | kSlow | kMaySucceed),
+          .is(kSlow | kMaySucceed),
       Row("SaveBitmapIntoEnhMetaFile", save_metafile<SaveBitmapIntoEnhMetaFile, false>)
           .leaves({kCodeBefore, IMG_E_CREATE_PALETTE})
-          .is(kOneThread | kSlow | kMaySucceed),
+          .is(kSlow | kMaySucceed),
       Row("PlaceMetaFileIntoBMPFromCLP", from_clipboard<PlaceMetaFileIntoBMPFromCLP>)
           .leaves({kCodeBefore, IMG_E_MEMORY, IMG_E_CLIPBOARD})
           .is(kSystemKeeps | kOneThread | kSlow | kMaySucceed),
@@ -462,37 +453,37 @@ std::vector<Row> device_good_rows() {
 
 std::vector<Row> device_failing_rows() {
   return {
-      Row("CreateDIBPalette", of<CreateDIBPalette, kNone>).fails().is(kOneThread),
-      Row("GetCurrentPalette", of<GetCurrentPalette>).fails(IMG_E_CREATE_PALETTE).is(kOneThread),
-      Row("GetSystemPalette", of<GetSystemPalette, nullptr>).fails().is(kOneThread),
-      Row("ConvertBitmapToDIB", of<ConvertBitmapToDIB, nullptr, nullptr>).fails().is(kOneThread),
-      Row("ConvertDIBToBitmap", of<ConvertDIBToBitmap, kNone>).fails().is(kOneThread),
-      Row("ConvertToMonochromeBitmap", of<ConvertToMonochromeBitmap, nullptr>).fails(IMG_E_PARAMETER).is(kOneThread),
-      Row("DuplicateBitmap", of<DuplicateBitmap, nullptr>).fails(IMG_E_COPY_BITS).is(kOneThread),
+      Row("CreateDIBPalette", of<CreateDIBPalette, kNone>).fails(),
+      Row("GetCurrentPalette", of<GetCurrentPalette>).fails(IMG_E_CREATE_PALETTE),
+      Row("GetSystemPalette", of<GetSystemPalette, nullptr>).fails(),
+      Row("ConvertBitmapToDIB", of<ConvertBitmapToDIB, nullptr, nullptr>).fails(),
+      Row("ConvertDIBToBitmap", of<ConvertDIBToBitmap, kNone>).fails(),
+      Row("ConvertToMonochromeBitmap", of<ConvertToMonochromeBitmap, nullptr>).fails(IMG_E_PARAMETER),
+      Row("DuplicateBitmap", of<DuplicateBitmap, nullptr>).fails(IMG_E_COPY_BITS),
       Row("LoadBitmapFromFile", [](Stage& s) { s.take(s.call(LoadBitmapFromFile, s.missing())); })
           .fails(IMG_E_OPEN_FILE)
-          .is(kOneThread | kSlow),
-      Row("SaveBitmap", [](Stage& s) { s.take(s.call(SaveBitmap, s.missing(), nullptr, nullptr)); }).fails().is(kOneThread),
+          .is(kSlow),
+      Row("SaveBitmap", [](Stage& s) { s.take(s.call(SaveBitmap, s.missing(), nullptr, nullptr)); }).fails(),
       Row("LoadASCIIFile", [](Stage& s) { s.take(s.call(LoadASCIIFile, s.missing(), FALSE)); })
           .fails(IMG_E_OPEN_FILE)
-          .is(kOneThread | kSlow),
-      Row("LoadASCIIIntoBitmap", of<LoadASCIIIntoBitmap, kNone>).fails(IMG_E_MEMORY).is(kOneThread),
+          .is(kSlow),
+      Row("LoadASCIIIntoBitmap", of<LoadASCIIIntoBitmap, kNone>).fails(IMG_E_MEMORY),
       Row("LoadClipboardFormat", [](Stage& s) { s.take(s.call(LoadClipboardFormat, s.missing(), WORD{CF_DIB})); })
           .fails(IMG_E_OPEN_FILE)
-          .is(kOneThread | kSlow),
+          .is(kSlow),
       Row("SaveClipboardFormat",
           [](Stage& s) { s.take(s.call(SaveClipboardFormat, s.in_no_folder(), s.device().mono.get())); })
           .fails(IMG_E_OPEN_FILE)
-          .is(kOneThread | kSlow),
-      Row("RotateBitmap90", of<RotateBitmap90, nullptr>).fails(IMG_E_BITMAP_PARAMETERS).is(kOneThread),
-      Row("RotateBitmap180", of<RotateBitmap180, nullptr>).fails(IMG_E_BITMAP_PARAMETERS).is(kOneThread),
-      Row("RotateBitmap270", of<RotateBitmap270, nullptr>).fails(IMG_E_BITMAP_PARAMETERS).is(kOneThread),
-      Row("FlipBitmapVertical", of<FlipBitmapVertical, nullptr>).fails(IMG_E_BITMAP_PARAMETERS).is(kOneThread),
-      Row("FlipBitmapHorizontal", of<FlipBitmapHorizontal, nullptr>).fails(IMG_E_BITMAP_PARAMETERS).is(kOneThread),
-      Row("InvertBitmap", [](Stage& s) { s.device(), s.take(s.call(InvertBitmap, nullptr)); }).is(kOneThread),
+          .is(kSlow),
+      Row("RotateBitmap90", of<RotateBitmap90, nullptr>).fails(IMG_E_BITMAP_PARAMETERS),
+      Row("RotateBitmap180", of<RotateBitmap180, nullptr>).fails(IMG_E_BITMAP_PARAMETERS),
+      Row("RotateBitmap270", of<RotateBitmap270, nullptr>).fails(IMG_E_BITMAP_PARAMETERS),
+      Row("FlipBitmapVertical", of<FlipBitmapVertical, nullptr>).fails(IMG_E_BITMAP_PARAMETERS),
+      Row("FlipBitmapHorizontal", of<FlipBitmapHorizontal, nullptr>).fails(IMG_E_BITMAP_PARAMETERS),
+      Row("InvertBitmap", [](Stage& s) { s.device().window(), s.take(s.call(InvertBitmap, nullptr)); }).is(kOneThread),
       Row("Zoom", old_zoom_outside).fails().is(kOneThread | kSlow),
-      Row("CombineBMP", combine_no_bitmaps).fails(506).is(kOneThread),
-      Row("CombineDIB", combine_no_dibs).fails(506).is(kOneThread),
+      Row("CombineBMP", combine_no_bitmaps).fails(506),
+      Row("CombineDIB", combine_no_dibs).fails(506),
       Row("DisplayWmCreate", of<DisplayWmCreate, nullptr, 0, 0, nullptr>).fails().is(kOneThread),
       Row("DisplayStart", of<DisplayStart, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 8u, nullptr>)
           .fails()
@@ -529,14 +520,12 @@ std::vector<Row> device_failing_rows() {
       Row("M_CalcRect", of<M_CalcRect, 1, 1, nullptr, nullptr>).fails().is(kOneThread),
       Row("M_StretchBitmap", of<M_StretchBitmap, nullptr, 0, 0, 1, 1>).fails().is(kOneThread),
       Row("M_CopyBitmap", of<M_CopyBitmap, nullptr, 0, 0>).fails().is(kOneThread),
-      Row("DrawMetaFileIntoBitmap", of<DrawMetaFileIntoBitmap, kNone, 20, 20, FALSE>).is(kOneThread),
-      Row("LoadMetaFileIntoBitmap", [](Stage& s) { s.take(s.call(LoadMetaFileIntoBitmap, s.missing())); })
-          .fails()
-          .is(kOneThread | kSlow),
-      Row("SaveDIBIntoMetaFile", of<SaveDIBIntoMetaFile, nullptr, kNone>).is(kOneThread),
-      Row("SaveDIBIntoEnhMetaFile", of<SaveDIBIntoEnhMetaFile, nullptr, kNone>).is(kOneThread),
-      Row("SaveBitmapIntoMetaFile", of<SaveBitmapIntoMetaFile, nullptr, nullptr>).is(kOneThread),
-      Row("SaveBitmapIntoEnhMetaFile", of<SaveBitmapIntoEnhMetaFile, nullptr, nullptr>).is(kOneThread),
+      Row("DrawMetaFileIntoBitmap", of<DrawMetaFileIntoBitmap, kNone, 20, 20, FALSE>),
+      Row("LoadMetaFileIntoBitmap", [](Stage& s) { s.take(s.call(LoadMetaFileIntoBitmap, s.missing())); }).fails().is(kSlow),
+      Row("SaveDIBIntoMetaFile", of<SaveDIBIntoMetaFile, nullptr, kNone>),
+      Row("SaveDIBIntoEnhMetaFile", of<SaveDIBIntoEnhMetaFile, nullptr, kNone>),
+      Row("SaveBitmapIntoMetaFile", of<SaveBitmapIntoMetaFile, nullptr, nullptr>),
+      Row("SaveBitmapIntoEnhMetaFile", of<SaveBitmapIntoEnhMetaFile, nullptr, nullptr>),
       Row("PlaceMetaFileIntoBMPFromCLP",
           [](Stage& s) { s.take(s.call(PlaceMetaFileIntoBMPFromCLP, reinterpret_cast<HWND>(3))); })
           .fails()

@@ -16,7 +16,7 @@ std::string text_of(const Outcome& outcome, const Outcome& usual) {
          ", code " + std::to_string(outcome.code) + ", status " + std::to_string(outcome.status);
 }
 
-// Runs every good row, or those after a row that crashed, with each system call of the part failing.
+// Runs every good row, or those after a given row, and makes each system call of the part fail.
 void fail_each_call(SystemPart part, const std::string& first_after, Report& report) {
   keep_jpeg_loaded();
   bool is_after = first_after.empty();
@@ -44,7 +44,7 @@ void fail_each_call(SystemPart part, const std::string& first_after, Report& rep
         if (!row.is_stated_failure(outcome, usual, part == kFilePart)) report.fault(where, text_of(outcome, usual));
         if (const std::string changed = stage.changed_inputs(row.has(kLeavesLock)); !changed.empty())
           report.fault(where, changed);
-        // What the system keeps for the next time is there the second time.
+        // The system may keep something on the first call; a leak grows with every call.
         for (int again = 0; again < 3 && !after.more_than(before).empty(); ++again) {
           before = Holdings::now();
           stage.run(row);
@@ -76,7 +76,7 @@ int check_files(const Arguments& arguments) {
   return report.end();
 }
 
-// Requests of operator new alone: where one fails, the library's own code throws std::bad_alloc.
+// Requests of operator new only: a failure makes the library's own code throw std::bad_alloc.
 int check_exceptions(const Arguments&) {
   Report report;
   keep_jpeg_loaded();

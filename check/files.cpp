@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 namespace check {
 namespace {
 
-// What is wrong with the result of loading a file; empty if nothing is.
+// The fault of a loaded file's result, or nothing.
 std::string fault_of_loading(Stage& stage, const std::string& path) {
   int status = kUntouched;
   const test::Block block(stage.call(LoadImageIntoDIB, path.c_str(), 1, &status));

@@ -1,5 +1,4 @@
-// Hosts differ in how they round, in the precision of the x87 unit and in where their stack lies. Results do not depend on it,
-// and the host finds its state as it was.
+// Hosts differ in rounding, x87 precision and stack alignment. Results do not depend on these, and the host's state is preserved.
 #include <cstring>
 #include <string>
 #include <xmmintrin.h>
@@ -16,7 +15,7 @@ struct HostState {
   const char* name;
   uint16_t x87;  // control word
   uint32_t mxcsr;
-  uint32_t off = 0;  // how far the stack is from a multiple of 16
+  uint32_t off = 0;  // of the stack from a multiple of 16
 };
 
 constexpr uint32_t kUsualMxcsr = 0x1F80;
@@ -40,7 +39,7 @@ uint16_t x87_word() {
 }
 void set_x87_word(uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(word)); }
 
-// Where the stage itself makes the calls, the stack lies as the compiler has it.
+// Calls that the stage makes itself have the compiler's stack alignment.
 bool can_be_set([[maybe_unused]] const HostState& state) {
 #if defined(_WIN32) && defined(__i386__)
   return true;
@@ -49,13 +48,13 @@ bool can_be_set([[maybe_unused]] const HostState& state) {
 #endif
 }
 
-// The bits of the state that results could depend on: not the flags of exceptions that happened.
+// The bits that results could depend on: all but the flags of past exceptions.
 constexpr uint32_t kControlBits = 0xFFC0;
 
 class Host : public Probe {
  public:
   const HostState* state = kHostStates;
-  std::string changed;  // what the call left in another state
+  std::string changed;  // parts of the state that the call changed
 
   void begin() override {
     changed.clear();

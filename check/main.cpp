@@ -1,5 +1,5 @@
-// The drivers of the reliability checks; tools/check/ runs them. Each goes through the table of calls in its own way, prints what
-// it finds wrong, and ends with a line "calls=N faults=M" and 1 if there are faults.
+// The drivers of the reliability checks; tools/check/ runs them. Each runs the table of calls in its own way, prints faults, and
+// ends with a line "calls=N faults=M" and with status 1 if there are faults.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -31,7 +31,7 @@ void tell(const char* text) {
 thread_local const char* work = "start";
 thread_local long work_number = 0;
 
-// With little of the C library, which may be the place of the crash.
+// Uses little of the C library: the crash may have happened there.
 void tell_crash(int signal) {
   char text[300];
   std::snprintf(text, sizeof text, "FAULT crash in %s: %ld (signal %d)\ncalls=%ld faults=%ld\n", work, work_number, signal,
@@ -89,14 +89,14 @@ void at_work(const char* what, long number) {
 
 int main(int count, char** words) try {
   using namespace check;
-  // SIGTERM comes to a run that does not end.
+  // A run that does not end receives SIGTERM.
   for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGILL, SIGTERM}) std::signal(signal, tell_crash);
 #ifdef _WIN32
   SetUnhandledExceptionFilter(tell_exception);
 #else
   std::signal(SIGBUS, tell_crash);
 #endif
-  std::setvbuf(stdout, nullptr, _IONBF, 0);  // the output of a run that is cut short ends where the run did
+  std::setvbuf(stdout, nullptr, _IONBF, 0);  // an interrupted run loses no output
   set_up_system();
   for (const auto& [name, run] : kDrivers)
     if (count > 1 && name == words[1]) return run(Arguments(words + 2, words + count));

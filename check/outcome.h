@@ -1,4 +1,4 @@
-// What a call gave, as far as it can be compared with another run of the same call.
+// The result of a call, in a form that can be compared with another run of the same call.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@ struct Outcome {
   bool gave = false;        // Whether the call returned something other than zero.
   int code = kCodeBefore;   // The thread's error code after it.
   int status = kUntouched;  // The caller's status variable after it.
-  test::Digest content;     // Of the result and of whatever else the call wrote.
+  test::Digest content;     // Of the result and of all other output.
 
   friend bool operator==(const Outcome&, const Outcome&) = default;
 

@@ -1,4 +1,4 @@
-// Rows made once, and over and over: nothing is left.
+// Rows called once, and repeatedly: nothing is left.
 #include <algorithm>
 #include <set>
 #include <string>
@@ -36,8 +36,8 @@ void check_repeated(const std::vector<Row>& rows, long calls, long slow_calls, R
   for (const Row& row : rows) {
     Stage stage;
     const long times = row.has(kSlow) ? slow_calls : calls;
-    for (int i = 0; i < 5; ++i) stage.run(row);  // whatever is kept for the next time
-    // What the system itself keeps comes once; what a call leaves comes again.
+    for (int i = 0; i < 5; ++i) stage.run(row);  // first calls may keep something
+    // The system may keep something once; a leak grows again.
     std::string more = "?";
     for (int attempt = 0; attempt < 3 && !more.empty(); ++attempt) {
       Holdings before = Holdings::now();
@@ -100,7 +100,7 @@ int check_rows(const Arguments&) {
 int check_nothing_left(const Arguments& arguments) {
   Report report;
   {
-    Stage stage;  // whatever the process keeps from its first calls
+    Stage stage;  // first calls may keep something
     for (const Row& row : good_rows()) stage.run(row);
     Holdings::now();
   }
@@ -128,7 +128,7 @@ int check_mixed_calls(const Arguments& arguments) {
       report.count();
     }
   };
-  // The heap has its shape once every call was made a few times.
+  // The heap settles after a few calls of each row.
   make(std::max(static_cast<long>(kBetweenSlow * slow.size()) * 2, calls / 10));
   const long before = resident_bytes();
   make(calls);

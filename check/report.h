@@ -1,4 +1,4 @@
-// What a driver found. The last line of its output is counted by the goal's script.
+// The faults that a driver finds. The goal's script reads the last line.
 #pragma once
 
 #include <cstdio>
@@ -21,11 +21,11 @@ class Report {
     return faults_ == 0 ? 0 : 1;
   }
 
-  // The run's one report, which a crash ends too.
+  // One report for the process: the crash handler prints it too.
   inline static long calls_ = 0, faults_ = 0;
 };
 
-// Names what runs, for the line that is printed if the process crashes.
+// Names the current call for the crash handler.
 void at_work(const char* what, long number);
 
 }  // namespace check

@@ -1,4 +1,4 @@
-// The table of calls: one good call of each export at least, and a failing one.
+// The table of calls: at least one good and one failing call of each export.
 #pragma once
 
 #include <array>
@@ -13,13 +13,13 @@ namespace check {
 
 enum Trait : unsigned {
   kPlain = 0,
-  kOneThread = 1,     // Not with other threads: state of the process, windows, the clipboard.
-  kSlow = 2,          // Files, dialogs, printing: made less often where calls are counted in millions.
+  kOneThread = 1,     // Not with other threads: windows, the lens, printing, the clipboard.
+  kSlow = 2,          // Files, dialogs, printing: called less often.
   kMaySucceed = 4,    // Succeeds with another result although a part of the system failed.
-  kChanging = 8,      // Gives something else each time: random names, dates.
+  kChanging = 8,      // Another result each time: random names, dates.
+  kLeavesLock = 16,   // A failure leaves a lock on the picture, as documented.
   kPartOfFile = 32,   // A failure half-way through a file goes unnoticed, as documented.
   kSystemKeeps = 64,  // Wine keeps a block of each call: the clipboard's metafiles, the tab stops of list boxes.
-  kLeavesLock = 16,   // A failure leaves a lock on the picture, as documented.
 };
 
 // Codes that a call may leave in the thread or the status variable when the system fails under it.
@@ -37,12 +37,12 @@ struct Codes {
   }
 };
 
-// A call of an export and what is stated about it.
+// A call of an export and its stated outcome.
 class Row {
  public:
   Row(const char* its_name, void (*its_call)(Stage&)) : name(its_name), call(its_call) {}
 
-  // ---- how the table describes a call; without these it gives a result, leaves the code as it was and has no status variable
+  // ---- the stated outcome; by default a result, an unchanged code and no status variable
   Row fails(int with_code = kCodeBefore, int with_status = kUntouched) const {
     Row row = *this;
     row.gives_ = false, row.code_ = with_code, row.status_ = with_status;
@@ -64,7 +64,7 @@ class Row {
   bool as_stated(const Outcome& outcome) const {
     return outcome.gave == gives_ && outcome.code == code_ && outcome.status == status_;
   }
-  // Whether a call under a failing system gave what it may: zero with a stated code, or the usual result.
+  // Whether the outcome under a failing system is allowed: zero with a stated code, or the usual result.
   bool is_stated_failure(const Outcome& outcome, const Outcome& usual, bool of_files) const {
     const bool codes_are_stated = leaves_.contain(outcome.code) && writes_.contain(outcome.status);
     const bool codes_are_usual = outcome.code == usual.code && outcome.status == usual.status;
@@ -104,7 +104,7 @@ template <auto kFunction, int kDepth, auto... kArguments>
 void of_dib(Stage& s) {
   s.take(s.call(kFunction, s.dib(kDepth), kArguments...));
 }
-// With constants alone.
+// Calls an export with constants.
 template <auto kFunction, auto... kArguments>
 void of(Stage& s) {
   if constexpr (std::is_void_v<decltype(kFunction(kArguments...))>)

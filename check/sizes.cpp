@@ -1,5 +1,5 @@
-// Sizes, counts and offsets that no picture has, in blocks of a few hundred bytes that end before a page without access: whatever
-// a header says, nothing outside the block is touched, and every call returns.
+// Impossible sizes, counts and offsets in blocks of a few hundred bytes that end before a page without access: nothing outside the
+// block is touched, and every call returns.
 #include <array>
 #include <cstring>
 #include <random>
@@ -36,7 +36,7 @@ class Draw {
   // One of the table, or a usual one.
   int size() { return between(0, 2) == 0 ? between(1, 40) : one_of(kSizes); }
 
-  // A header and whatever follows it.
+  // A header and bytes behind it.
   test::Bytes picture() {
     constexpr int kDepths[] = {1, 4, 8, 24, 1, 4, 8, 24, 0, 2, 16, 32, 33, 255, 0xFFFF};
     BITMAPINFOHEADER header = test::header_for(size(), size(), one_of(kDepths));
@@ -54,7 +54,7 @@ class Draw {
   std::minstd_rand random_;
 };
 
-// A call of an export with a picture and drawn numbers; what it gives is freed.
+// A call of an export with a picture and drawn numbers; results are freed.
 struct SizedCall {
   const char* name;
   void (*call)(HGLOBAL dib, Draw& draw);

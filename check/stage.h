@@ -1,7 +1,7 @@
-// Where a call of the table happens: inputs for it, the call itself, and the end of whatever it gives.
+// The surroundings of a call: its inputs, the call itself, and the release of its results.
 //
-// Each input is made on first use and kept for the stage's life. Nothing but the export runs between the probe's two notices, so a
-// probe can make the system fail, count or disturb just that.
+// Each input is made on first use and kept for the stage's life. Only the export runs between the probe's two notices, so a probe
+// affects nothing else.
 #pragma once
 
 #include <array>
@@ -39,7 +39,7 @@ class Stage {
   Stage& operator=(const Stage&) = delete;
   ~Stage();
 
-  // ---- inputs: they stay the stage's own, and calls leave them unchanged unless the name says otherwise
+  // ---- inputs: they belong to the stage, and calls leave them unchanged unless the name says otherwise
   HGLOBAL dib(int depth) {
     return kept("dib" + std::to_string(depth), [&] { return test::noise(30, 20, depth); });
   }
@@ -49,13 +49,13 @@ class Stage {
   HGLOBAL gray_dib();
   HGLOBAL compressed_dib();
   HGLOBAL table();           // 256 bytes
-  HGLOBAL histogram();       // one that is counted again
+  HGLOBAL histogram();       // of any content: each call counts anew
   HGLOBAL fresh(int depth);  // a copy for calls that change or consume it
   std::string path(const std::string& name) const { return folder_.path(name); }
   // A file that is written on first use. Endings select the format: "a.bmp", "a.tif", "a.fax" (a page set) and so on.
   const char* file(const std::string& name);
   const char* missing() { return missing_.c_str(); }
-  const char* target(const std::string& name);  // a file to be written; is not there before the call
+  const char* target(const std::string& name);  // a path for writing; no such file exists before the call
   const char* in_no_folder() { return in_no_folder_.c_str(); }
 #ifdef _WIN32
   DeviceInputs& device();
@@ -80,7 +80,7 @@ class Stage {
     }
   }
 
-  // ---- what it gave
+  // ---- its results
   void take(HGLOBAL block);  // noted and freed
   template <class Number>
   requires std::integral<Number>
@@ -107,7 +107,7 @@ class Stage {
     return outcome_;
   }
 
-  // Inputs that are no longer as they were made, or locked; takes the locks back.
+  // Names inputs that have changed or are locked; releases the locks.
   std::string changed_inputs(bool may_be_locked = false);
 
   Probe* probe = nullptr;

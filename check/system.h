@@ -1,7 +1,7 @@
 // The system under the library: counts what a process holds, and makes chosen calls of the library fail.
 //
-// On Linux this program's functions stand before those of the C library and of the library itself, as the loader binds them. On
-// Windows the import tables of the library and of the codec modules, as they are loaded, lead through thunks.
+// On Linux the loader binds calls to this program's functions first, then to the C library's and the library's own. On Windows the
+// import tables of the library and of each loaded codec module point to thunks.
 #pragma once
 
 #include <cstddef>
@@ -15,8 +15,7 @@ namespace check {
 // Memory, locks and GDI objects; files: opening, reading, writing, positioning; memory for operator new alone, which throws.
 enum SystemPart : unsigned { kMemoryPart = 1, kFilePart = 2, kNewPart = 4 };
 
-// While a call of an export runs, its calls of the chosen part of the system are counted, and one of them fails, or it and all
-// later ones.
+// Counts the system calls of the chosen part while an export runs, and makes one of them fail, or that one and all later ones.
 class FailingSystem : public Probe {
  public:
   explicit FailingSystem(unsigned parts) : parts_(parts) {}
@@ -41,24 +40,27 @@ struct Holdings {
   long blocks = 0, objects = 0, windows = 0, files = 0;
 
   static Holdings now();
-  std::string more_than(const Holdings& before) const;  // what there is more of
+  std::string more_than(const Holdings& before) const;  // lists what has grown
 };
 
 // Bytes of memory that the process occupies.
 long resident_bytes();
 
-// ---- Blocks of global memory that end at a page without access, for a whole run: the library's too. Requests of more than so many
-// bytes fail.
+// ---- Global memory whose blocks end at a page without access, for the whole run and for the library too. Larger requests than
+// `most` bytes fail.
 void guard_blocks(size_t most);
 HGLOBAL new_guarded(const void* bytes, size_t size);
 void* lock_guarded(HGLOBAL block);
 void unlock_guarded(HGLOBAL block);
 void free_guarded(HGLOBAL block);
 
+// Before threads are compared: as many device contexts of the screen as may ever be in use at one time. Wine keeps them.
+void use_device_contexts();
+
 // Before memory fails: on Linux the JPEG library stays loaded, with its thread-local data.
 void keep_jpeg_loaded();
 
-// Patches what is to be patched; once, before anything else.
+// Patches the import table. Called once, first.
 void set_up_system();
 
 }  // namespace check

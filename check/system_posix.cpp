@@ -81,7 +81,7 @@ size_t bytes_from(const void* block) {
   return static_cast<size_t>(slots + slot_of(block) * kSlot + kInSlot - static_cast<const uint8_t*>(block));
 }
 
-// What malloc and calloc do instead while blocks are guarded.
+// Replaces malloc and calloc while blocks are guarded.
 bool guarded(size_t bytes, void*& block) {
   if (most_bytes == 0) return false;
   if (bytes > most_bytes)
@@ -96,7 +96,7 @@ void* counted(void* block) {
   return block;
 }
 
-// The function behind one of this program's own. The lookup itself must not allocate under a failing system.
+// The function that one of this program's replaces. The lookup itself must not meet a failure.
 template <class Function>
 Function* next(const char* name) {
   const Armed before = std::exchange(armed, Armed{});
@@ -158,7 +158,7 @@ void free(void* block) noexcept {
   __libc_free(block);
 }
 
-// Pages are mapped under the usual name.
+// The library calls this function by its usual name.
 void* map_pages(void* address, size_t bytes, int protection, int flags, int file, off_t offset) noexcept __asm__("mmap");
 void* map_pages(void* address, size_t bytes, int protection, int flags, int file, off_t offset) noexcept {
   return no_memory("mmap") || (most_bytes != 0 && bytes > most_bytes && (flags & MAP_FIXED) == 0)
@@ -173,8 +173,7 @@ HGLOBAL GlobalReAlloc(HGLOBAL block, size_t bytes, UINT flags) {
   return no_memory("GlobalReAlloc") ? nullptr : NEXT(GlobalReAlloc)(block, bytes, flags);
 }
 
-// The loader's own memory does not fail: one of its failures inside dlopen can leave a library's dependencies half loaded for
-// good.
+// The loader's own memory does not fail: a failure inside dlopen can leave dependencies half loaded.
 void* dlopen(const char* path, int flags) noexcept {
   if (no_memory("dlopen")) return nullptr;
   const unsigned parts = std::exchange(armed.parts, 0u);
@@ -204,7 +203,7 @@ int open(const char* path, int flags, ...) {
   return no_file("open", EACCES) ? -1 : NEXT(open)(path, flags, mode);
 }
 FILE* fopen(const char* path, const char* mode) { return no_file("fopen", EACCES) ? nullptr : NEXT(fopen)(path, mode); }
-// A failure shows in the file's error flag too.
+// A failure also sets the file's error flag.
 size_t fread(void* buffer, size_t size, size_t count, FILE* file) {
   return no_file("fread") ? (file->_flags |= kErrorFlag, 0) : NEXT(fread)(buffer, size, count, file);
 }
@@ -212,7 +211,7 @@ size_t fwrite(const void* buffer, size_t size, size_t count, FILE* file) {
   return no_file("fwrite", ENOSPC) ? (file->_flags |= kErrorFlag, 0) : NEXT(fwrite)(buffer, size, count, file);
 }
 int fflush(FILE* file) { return no_file("fflush", ENOSPC) ? (file->_flags |= kErrorFlag, EOF) : NEXT(fflush)(file); }
-// Closing writes what is left, so it can fail too; the file is closed in any case.
+// Closing writes buffered bytes, so it can fail; the file is closed in any case.
 int fclose(FILE* file) {
   const bool is_lost = no_file("fclose", ENOSPC);
   const int status = NEXT(fclose)(file);
@@ -227,6 +226,7 @@ int fseeko(FILE* file, off_t offset, int from) { return no_file("fseeko") ? -1 :
 namespace check {
 
 void set_up_system() {}
+void use_device_contexts() {}
 
 // The C library ends the process where a library's thread-local data find no memory. So the JPEG library stays loaded, with its
 // data.

@@ -20,10 +20,10 @@ using check::kFilePart, check::kMemoryPart;
 
 struct Import {
   const char* name;
-  uint16_t argument_bytes;  // that the function takes off the stack: 0 for those of the C runtime
-  uint32_t failure;         // its result when it fails
+  uint16_t argument_bytes;  // removed from the stack by the function; 0 for the C runtime's
+  uint32_t failure;         // the result of a failure
   check::SystemPart part;
-  int stream_at = -1;  // which argument is a FILE, whose error flag a failure sets
+  int stream_at = -1;  // index of a FILE argument, whose error flag a failure sets
 };
 constexpr uint32_t kMinusOne = 0xFFFFFFFF;
 
@@ -34,6 +34,7 @@ constexpr Import kImports[] = {
     {"malloc", 0, 0, kMemoryPart},
     {"calloc", 0, 0, kMemoryPart},
     {"realloc", 0, 0, kMemoryPart},
+    {"_strdup", 0, 0, kMemoryPart},
     {"GetProcAddress", 8, 0, kMemoryPart},
     {"BeginPaint", 8, 0, kMemoryPart},
     {"CreateBitmap", 20, 0, kMemoryPart},
@@ -81,6 +82,7 @@ constexpr Import kImports[] = {
     {"_lcreat", 8, kMinusOne, kFilePart},
     {"_hread", 12, kMinusOne, kFilePart},
     {"_hwrite", 12, kMinusOne, kFilePart},
+    {"GetFileAttributesA", 4, kMinusOne, kFilePart},
     {"GetFileSizeEx", 8, 0, kFilePart},
     {"SetFilePointerEx", 20, 0, kFilePart},
     {"fopen", 0, 0, kFilePart},
@@ -92,24 +94,24 @@ constexpr Import kImports[] = {
 };
 
 check::Armed armed;
-DWORD armed_thread = 0;  // whose calls count
+DWORD armed_thread = 0;  // only its calls are counted
 
 bool fails(check::SystemPart part, const char* function) {
   return armed_thread == GetCurrentThreadId() && armed.meets(part, function);
 }
 
-// The system's own functions are always there.
+// Lookups in this module never fail.
 uintptr_t kernel() {
   static const auto module = reinterpret_cast<uintptr_t>(GetModuleHandleA("KERNEL32.DLL"));
   return module;
 }
 
-// Whether this call fails; a thunk asks.
+// Called by a thunk: whether this call fails.
 int __cdecl decide(uint32_t index, const uintptr_t* arguments) {
   const Import& import = kImports[index];
   const bool asks_system = std::strcmp(import.name, "GetProcAddress") == 0 && arguments[0] == kernel();
   if (asks_system) return 0;
-  // operator new asks malloc, and throws inside the DLL if it gets nothing.
+  // operator new calls malloc, and throws inside the DLL on failure.
   const bool is_for_new = (armed.parts & check::kNewPart) != 0 && std::strcmp(import.name, "malloc") == 0;
   if (!fails(is_for_new ? check::kNewPart : import.part, import.name)) return 0;
   constexpr int kErrorFlag = 0x20;  // of the C runtime
@@ -197,7 +199,7 @@ int WINAPI no_box(HWND, LPCSTR text, LPCSTR title, UINT) {
   return IDOK;
 }
 
-// A library that ends the process has crashed.
+// Ending the process counts as a crash.
 void __cdecl ends_process() { std::raise(SIGABRT); }
 
 // ---- global memory that ends at a page without access: handles are addresses
@@ -249,7 +251,7 @@ void* replacement_of(const char* name, void* function) {
   return function;
 }
 
-// Leads the imports of a module through replacements.
+// Replaces the imports of a module.
 void patch(HMODULE module) {
   test::for_each_import(module,
                         [](const char* name, void** slot) { test::exchange_import(slot, replacement_of(name, *slot)); });
@@ -260,6 +262,11 @@ void patch(HMODULE module) {
 namespace check {
 
 void set_up_system() { patch(GetModuleHandleA(VOREL_FILE_NAME)); }
+void use_device_contexts() {
+  HDC contexts[64];
+  for (HDC& context : contexts) context = GetDC(nullptr);
+  for (HDC context : contexts) ReleaseDC(nullptr, context);
+}
 void keep_jpeg_loaded() {}
 
 std::string FailingSystem::failed() const { return armed.failed == nullptr ? "" : armed.failed; }

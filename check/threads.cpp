@@ -1,6 +1,7 @@
 // Calls of many threads at once, and many threads one after the other.
 #include <atomic>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -18,7 +19,7 @@ std::vector<Row> thread_rows() {
   return rows;
 }
 
-// Slow rows come up once in so many calls.
+// Calls between two slow rows.
 constexpr size_t kBetweenSlow = 50;
 
 }  // namespace
@@ -81,12 +82,18 @@ int check_many_threads(const Arguments& arguments) {
       for (std::thread& thread : running) thread.join();
     }
   };
-  run(200);  // whatever the system keeps for the next threads
-  const Holdings before = Holdings::now();
-  run(threads);
-  report.count(threads);
+  use_device_contexts();
+  run(200);  // first threads may leave something
+  // The system may keep something once; a leak grows again.
+  std::string more = "?";
+  for (int attempt = 0; attempt < 3 && !more.empty(); ++attempt) {
+    const Holdings before = Holdings::now();
+    run(threads);
+    report.count(threads);
+    more = Holdings::now().more_than(before);
+  }
   if (wrong != 0) report.fault("threads", std::to_string(wrong.load()) + " wrong results or codes");
-  if (const std::string more = Holdings::now().more_than(before); !more.empty()) report.fault("threads leave", more);
+  if (!more.empty()) report.fault("threads leave", more);
   return report.end();
 }
 
