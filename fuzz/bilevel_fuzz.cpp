@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // Error diffusion works on every pixel: pixels are limited, whatever bytes they take. It takes 64 steps for shorter rows too.
   BITMAPINFOHEADER true_color = picture.header();
   true_color.biBitCount = 24;
-  if (true_color.biWidth > 0) true_color.biWidth = std::max(true_color.biWidth, 64);
+  if (true_color.biWidth > 0) true_color.biWidth = std::max<decltype(true_color.biWidth)>(true_color.biWidth, 64);
   if (!picture.is_acceptable() || fuzz::rows_bytes(true_color) > input.most_bytes()) return 0;
   constexpr std::array kDithers = {DitherFS4, DitherJJN, DitherSmooth, DitherSharp};
   fuzz::make(picture, [&](HGLOBAL dib) {

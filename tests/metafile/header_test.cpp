@@ -353,6 +353,7 @@ TEST(Records, OfEnhancedMetafilesAgreeWithTheirSize) {
       {"where characters are", after({84}, 9, after({2, 76, 0}, 5, {0x620061})), 11, 77},
       {"where distances are", after({84}, 9, after({1, 76, 0}, 4, {80, 'a', 5})), 17, 81},
       {"texts", after({96}, 7, after({1, 0, 0, 1, 80, 0}, 5, {'a'})), 8, 2},
+      {"second of texts", after({96}, 7, {2, 0, 0, 1, 120, 0, 0, 0, 0, 0, 0, 0, 0, 1, 120, 0, 0, 0, 0, 0, 0, 'a'}), 21, 5},
       {"small text", {108, 0, 0, 4, 0x300, 0, 0, 0, 0x61616161}, 3, 5},
       {"comment", {70, 4, 0}, 1, 5},
       {"picture", after({93, 1, 0, 32, 12, 44, 8}, 0, core_dib), 3, 33},

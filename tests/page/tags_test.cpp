@@ -143,6 +143,21 @@ TEST(Tags, AreReadFromCamerasAndTexts) {
   EXPECT_EQ(tags_of(png(), FormatCode::kPng), (Texts{{"Title", "caf\xC3\xA9"}, {"Author", "M\xC3\xBCller"}}));
 }
 
+TEST(Tags, AreLatinUnlessTheyAreWholeUtf8) {
+  const auto comment = [](const std::string& text) {
+    return tags_of("\xFF\xD8"s + segment(0xFE, text) + "\xFF\xDA"s, FormatCode::kJpeg).at("Comment");
+  };
+  // The first and last characters of each length, and beside the surrogates.
+  for (const char* text : {"\xC2\xA1", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBF",
+                           "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
+    EXPECT_EQ(comment(text), text);
+  // Too long or too short for the character, no first byte, half a pair, beyond the last character.
+  for (const char* text : {"\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xE2\x82", "\xC3(", "\xE2\x82(", "\xBF",
+                           "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80"})
+    EXPECT_NE(comment(text), text);
+  EXPECT_EQ(comment("\xE9"), "\xC3\xA9");
+}
+
 bool is_clean(const Tag& tag) {
   for (const char character : tag.name + tag.value)
     if (static_cast<uint8_t>(character) < ' ') return false;
