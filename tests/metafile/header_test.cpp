@@ -314,6 +314,22 @@ TEST(Records, OfWindowsMetafilesAgreeWithTheirSize) {
   }
 }
 
+// The upper byte of a function's number is the number of its parameters.
+TEST(Records, OfWindowsMetafilesHaveAllTheirParameters) {
+  for (const unsigned function :
+       {0x102u, 0x103u, 0x104u, 0x106u, 0x107u, 0x108u, 0x127u, 0x12Eu, 0x139u, 0x149u, 0x201u, 0x209u, 0x20Au,
+        0x20Bu, 0x20Cu, 0x20Du, 0x20Eu, 0x20Fu, 0x211u, 0x213u, 0x214u, 0x220u, 0x231u, 0x410u, 0x412u, 0x415u,
+        0x416u, 0x418u, 0x419u, 0x41Bu, 0x41Fu, 0x548u, 0x61Cu, 0x61Du, 0x817u, 0x81Au, 0x830u}) {
+    const auto is_playable = [&](size_t parameters) {
+      const Bytes start = joined(bytes_of(windows_header(0)), bytes_of(static_cast<uint32_t>(3 + parameters)));
+      return playable_bytes(joined(joined(start, bytes_of(static_cast<uint16_t>(function))), Bytes(2 * parameters))) >
+             kWindowsHeaderBytes;
+    };
+    EXPECT_TRUE(is_playable(function >> 8)) << function;
+    EXPECT_FALSE(is_playable((function >> 8) - 1)) << function;
+  }
+}
+
 // A record is its type and parameters, as numbers of 32 bits.
 TEST(Records, OfEnhancedMetafilesAgreeWithTheirSize) {
   using Numbers = std::vector<uint32_t>;
@@ -384,15 +400,18 @@ TEST(Records, OfEnhancedMetafilesHaveAllTheirNumbers) {
     size_t numbers;
     std::vector<uint32_t> types;
   } rows[] = {
-      {1, {16, 17, 18, 19, 20, 21, 22, 24, 25, 34, 57, 58, 67}},
-      {2, {9, 10, 11, 12, 13, 26, 27, 54}},
+      {1, {16, 17, 18, 19, 20, 21, 22, 24, 25, 34, 57, 58, 67, 98, 115}},
+      {2, {9, 10, 11, 12, 13, 26, 27, 54, 120}},
       {3, {15}},
       {4, {29, 30, 31, 32, 42, 43, 53, 62, 63, 64}},
       {5, {41}},
       {6, {23, 35, 44}},
       {7, {36}},
       {8, {45, 46, 47, 55}},
+      {10, {104}},
       {20, {1}},
+      {23, {76}},  // without a picture
+      {25, {77}},
   };
   const auto is_playable = [](uint32_t type, size_t numbers) {
     const auto length = static_cast<uint32_t>(8 + 4 * numbers);
