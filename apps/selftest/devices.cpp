@@ -9,11 +9,8 @@
 namespace vorel::selftest {
 namespace {
 
-template <class Function>
-Function* export_of(const Library& library, Function*, const char* name) {
-  return library.module.entry<Function*>(name);
-}
-#define VOREL_EXPORT(library, name) export_of(library, &::name, #name)
+// Takes only the type of the declared function: the program is not linked with the library.
+#define VOREL_EXPORT(library, name) (library).module.entry<decltype(&::name)>(#name)
 
 template <class Handle>
 struct Deleted {
