@@ -10,6 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   BITMAPINFOHEADER true_color = picture.header();
   true_color.biBitCount = 24;
   if (true_color.biWidth > 0) true_color.biWidth = std::max<decltype(true_color.biWidth)>(true_color.biWidth, 64);
+  if (true_color.biHeight <= 0) true_color.biHeight = 1;  // no rows, but scratch memory for one
   if (!picture.is_acceptable() || fuzz::rows_bytes(true_color) > input.most_bytes()) return 0;
   constexpr std::array kDithers = {DitherFS4, DitherJJN, DitherSmooth, DitherSharp};
   fuzz::make(picture, [&](HGLOBAL dib) {
