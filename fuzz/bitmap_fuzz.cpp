@@ -13,8 +13,7 @@ bool claims_at_most(const uint8_t* data, size_t size, uint64_t most) {
   if (size < at + sizeof header) return true;
   std::memcpy(&header, data + at, sizeof header);
   header.biWidth = std::abs(std::max<int32_t>(header.biWidth, -INT32_MAX));
-  header.biHeight = std::abs(std::max<int32_t>(header.biHeight, -INT32_MAX));
-  return fuzz::head_bytes(header) + fuzz::rows_bytes(header) <= most && header.biSizeImage <= most;
+  return fuzz::claim_of_rows_either_way(header) <= most && header.biSizeImage <= most;
 }
 
 }  // namespace

@@ -93,6 +93,12 @@ inline uint64_t head_bytes(const BITMAPINFOHEADER& header) {
   return header.biSize + colors * 4;
 }
 
+// The bytes of head and rows, whatever order the rows have.
+inline uint64_t claim_of_rows_either_way(BITMAPINFOHEADER header) {
+  header.biHeight = std::abs(std::max<int32_t>(header.biHeight, -INT32_MAX));
+  return head_bytes(header) + rows_bytes(header);
+}
+
 // A picture with the rest of the input behind its header. What that lacks of the picture, the block lacks too.
 class Picture {
  public:

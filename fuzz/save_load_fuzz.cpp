@@ -54,12 +54,6 @@ bool is_plain(const BITMAPINFOHEADER& header) {
          (depth == 1 || depth == 4 || depth == 8 || depth == 24);
 }
 
-// Modules save top-down pictures too.
-uint64_t claim_of_rows_either_way(BITMAPINFOHEADER header) {
-  header.biHeight = std::abs(std::max<int32_t>(header.biHeight, -INT32_MAX));
-  return head_bytes(header) + rows_bytes(header);
-}
-
 void require_equal(const test::Bytes& a, const test::Bytes& b) { require(test::largest_difference(a, b) == 0); }
 
 // A full table: colours behind the stated ones are black.
@@ -92,6 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // The one format that goes by its name.
   const std::string path = folder.path(way.format == IMG_FORMAT_TGA ? "picture.tga" : "picture");
   const Picture picture(input);
+  // Modules save top-down pictures too.
   if (claim_of_rows_either_way(picture.header()) > kMostCompleted) return 0;
   std::filesystem::remove(path);
   const test::Block source = picture.block();
