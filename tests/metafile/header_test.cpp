@@ -2,6 +2,7 @@
 #include "metafile/header.h"
 
 #include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
@@ -438,6 +439,95 @@ TEST(Records, OfEnhancedMetafilesEndWithTheirEndRecord) {
   header.objects = 0;
   file = joined(bytes_of(header), end);
   EXPECT_TRUE(playable_enhanced_metafile(file).empty());
+}
+
+// ---- Random records ----
+
+class RandomRecord {
+ public:
+  explicit RandomRecord(unsigned seed) : numbers_(seed) {}
+
+  uint32_t below(uint32_t end) { return static_cast<uint32_t>(numbers_() >> 8) % end; }
+  uint32_t one_of(std::initializer_list<uint32_t> values) {
+    return values.begin()[below(static_cast<uint32_t>(values.size()))];
+  }
+  // Counts and offsets of short records, and at times numbers beyond all of them.
+  uint32_t parameter() {
+    return one_of({0, 0, 0, 1, 1, 2, 3, 4, 5, 16, 32, 36, 48, 52, 76, 100, 0x101, 0x204, 0x2010, 0xFFFFFFFF});
+  }
+
+  // Short headers and long ones, with their colours or without, and some bytes.
+  Bytes dib() {
+    const uint32_t depth = one_of({1, 4, 8, 16, 24, 32, 0}), width = below(9), height = one_of({0, 1, 2, 3, 5, 0xFFFFFFFE});
+    Bytes bytes =
+        below(2) == 0
+            ? joined(bytes_of(12u), bytes_of(std::array{uint16_t(width), uint16_t(height), uint16_t(1), uint16_t(depth)}))
+            : joined(bytes_of(40u), bytes_of(std::array{width, height, depth << 16 | 1, one_of({0, 0, 1, 2, 3, 4}),
+                                                        below(40), 0u, 0u, one_of({0, 0, 1, 3, 300}), 0u}));
+    bytes.resize(bytes.size() + (depth == 8 ? one_of({256, 512, 768, 1024}) : 0) + below(70));
+    return bytes;
+  }
+
+ private:
+  std::minstd_rand numbers_;
+};
+
+Bytes random_enhanced_record(RandomRecord& random, uint32_t type) {
+  std::vector<uint32_t> numbers(random.below(40));
+  for (uint32_t& number : numbers) number = random.parameter();
+  Bytes dib;
+  const size_t at = random.one_of({2, 10, 19, 22, 26, 29});  // where types have the places of header and rows
+  if (random.below(2) == 0 && at + 4 <= numbers.size()) {
+    dib = random.dib();
+    dib.resize(dib.size() / 4 * 4);
+    const auto start = static_cast<uint32_t>(8 + 4 * numbers.size()), size = static_cast<uint32_t>(dib.size());
+    const uint32_t head = std::min(size, random.one_of({12, 16, 20, 24, 40, 48, 52}));
+    numbers[at] = start, numbers[at + 1] = head, numbers[at + 2] = start + head, numbers[at + 3] = size - head;
+  }
+  Bytes record = joined(bytes_of(type), bytes_of(static_cast<uint32_t>(8 + 4 * numbers.size() + dib.size())));
+  for (const uint32_t number : numbers) record = joined(record, bytes_of(number));
+  return joined(record, dib);
+}
+
+Bytes random_windows_record(RandomRecord& random, uint32_t function) {
+  Bytes parameters;
+  for (uint32_t i = random.below(24); i > 0; --i)
+    parameters = joined(parameters, bytes_of(static_cast<uint16_t>(random.parameter())));
+  if (random.below(2) == 0) {
+    parameters.resize(2 * random.one_of({2, 8, 9, 10, 11}));
+    parameters = joined(parameters, random.dib());
+    parameters.resize(parameters.size() / 2 * 2);
+  }
+  return joined(
+      joined(bytes_of(static_cast<uint32_t>(3 + parameters.size() / 2)), bytes_of(static_cast<uint16_t>(function))),
+      parameters);
+}
+
+// Which of many records of each type are played, and what becomes of them.
+TEST(Records, AtRandomArePlayedAsRecorded) {
+  RandomRecord random(1);
+  uint64_t digest = 0, played = 0;
+  const auto add = [&](uint64_t number) { digest = (digest ^ number) * 0x100000001B3; };
+  for (uint32_t type = 0; type < 130; ++type)
+    for (int i = 0; i < 300; ++i) {
+      EnhancedHeader header = enhanced_header({}, {});
+      header.objects = 2;
+      Bytes file = joined(bytes_of(header), random_enhanced_record(random, type));
+      const bool is_played = !playable_enhanced_metafile(file).empty();
+      played += is_played;
+      add(is_played);
+    }
+  EXPECT_EQ(digest, 0x551bdf584a0cbd42u) << std::hex << digest << std::dec << ' ' << played;
+  digest = 0, played = 0;
+  for (uint32_t function = 0; function < 0x1000; ++function)
+    for (int i = 0; i < (function % 0x100 < 0x50 || function % 0x100 > 0xEF ? 30 : 1); ++i) {
+      Bytes file = bytes_of(windows_header(0));
+      file[10] = 2;  // objects
+      file = joined(file, random_windows_record(random, function));
+      file.resize(file.size() + kRoomBehindRecords);
+      for (const uint8_t byte : playable_windows_metafile(file)) add(byte);
+    }
+  EXPECT_EQ(digest, 0xd0e8352b7307833eu) << std::hex << digest;
 }
 
 }  // namespace
