@@ -5,45 +5,17 @@
 #include <cstdint>
 #include <cstring>
 #include <fmt/format.h>
-#include <initializer_list>
-#include <limits>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 #include <vorel32.h>
 
+#include "support/random.h"
+
 using Bytes = std::vector<uint8_t>;
 
-// Draws the same numbers on every platform (SplitMix64), unlike the standard library's distributions. Compilers choose the order
-// in which arguments are evaluated: draw at most once in an argument list, or within braces.
-class Random {
- public:
-  explicit Random(uint64_t seed) : state_(seed) {}
-
-  uint32_t next() {
-    uint64_t z = state_ += 0x9E3779B97F4A7C15;
-    z = (z ^ z >> 30) * 0xBF58476D1CE4E5B9;
-    z = (z ^ z >> 27) * 0x94D049BB133111EB;
-    return static_cast<uint32_t>(z >> 32);
-  }
-  uint8_t byte() { return static_cast<uint8_t>(next()); }
-
-  // Both limits included.
-  int between(int low, int high) { return low + static_cast<int>(next() % static_cast<uint32_t>(high - low + 1)); }
-  bool once_in(int n) { return between(1, n) == 1; }
-  int one_of(std::initializer_list<int> values) { return values.begin()[between(0, static_cast<int>(values.size()) - 1)]; }
-
-  // Mostly within the limits; now and then just outside, or far away.
-  int number(int low, int high) {
-    if (!once_in(20)) return between(low, high);
-    constexpr int kLeast = std::numeric_limits<int>::min(), kMost = std::numeric_limits<int>::max();
-    return one_of({low - 1, high + 1, 0, -1, 0x10000 + low, kMost, kLeast});
-  }
-
- private:
-  uint64_t state_;
-};
+using test::Random;
 
 struct RandomPicture {
   BITMAPINFOHEADER header;

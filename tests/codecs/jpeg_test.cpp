@@ -105,6 +105,21 @@ Bytes square_without_data(uint8_t frame, int size, int scans) {
   return joined(file, {0xFF, 0xD9});
 }
 
+// The pixels of a grey block as three components, each with a scan of its own.
+Bytes in_three_scans(const Bytes& gray) {
+  const auto frame = gray.begin() + marker(gray, kFrame), scan = gray.begin() + marker(gray, kScan);
+  Bytes file(gray.begin(), frame);
+  file = joined(file, {0xFF, kFrame, 0, 17, 8, 0, 8, 0, 8, 3, 1, 0x11, 0, 2, 0x11, 0, 3, 0x11, 0});
+  constexpr int kGrayFrame = 13, kComponent = 5;  // bytes of the frame, and where a scan names its component
+  file.insert(file.end(), frame + kGrayFrame, scan);
+  for (uint8_t component = 1; component <= 3; ++component) {
+    Bytes one(scan, gray.end() - 2);
+    one[kComponent] = component;
+    file = joined(file, one);
+  }
+  return joined(file, {0xFF, 0xD9});
+}
+
 // The last bytes are the marker that says where the file ends. Scans of which only the end is missing are whole.
 TEST_F(JpegTest, TheEndMarkerMayBeMissingWhereItLosesNothing) {
   const Bytes good = saved(smooth(83, 21, 24, false), 75), whole = load();
@@ -117,6 +132,9 @@ TEST_F(JpegTest, TheEndMarkerMayBeMissingWhereItLosesNothing) {
   EXPECT_EQ(load_file(file), Bytes()) << "no scan of the other coefficients";
   file.insert(file.end(), {0xFF, kScan, 0, 8, 1, 1, 0, 1, 63, 0, 0xAF});
   EXPECT_FALSE(load_file(file).empty());
+  const Bytes three_scans = in_three_scans(saved(smooth(8, 8, 8, true)));
+  EXPECT_FALSE(load_file(three_scans).empty());
+  EXPECT_EQ(load_file(first_bytes(three_scans, three_scans.size() - 2)), Bytes()) << "a scan for each component";
   file = square_without_data(kSequential, 64, 1);
   EXPECT_FALSE(load_file(file).empty());
   EXPECT_EQ(load_file(first_bytes(file, file.size() - 2)), Bytes()) << "arithmetic code";

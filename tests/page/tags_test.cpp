@@ -82,8 +82,8 @@ struct TiffWriter {
 std::string two_pages(bool is_big_endian, bool is_wide) {
   TiffWriter writer{is_big_endian, is_wide};
   writer.begin();
-  writer.add({writer.text(270, "Line one\r\nline two "), writer.text(305, "M\xFCller"), writer.shorts(258, {8, 8, 8}),
-              writer.shorts(262, {2}), writer.shorts(274, {6}), writer.ratio(282, 3000, 10), writer.ratio(283, 150, 1),
+  writer.add({writer.text(270, " Line one\r\nline   two "), writer.text(305, "M\xFCller"), writer.shorts(258, {8, 8, 8}),
+              writer.shorts(278, {64}), writer.shorts(262, {2}), writer.shorts(274, {6}), writer.ratio(282, 3000, 10), writer.ratio(283, 150, 1),
               writer.shorts(296, {3})},
              false);
   writer.add({writer.text(285, "Se\xC3\xB1or"), writer.shorts(297, {1, 2}), writer.shorts(262, {77})}, true);
@@ -95,6 +95,7 @@ TEST(Tags, AreReadFromEveryKindOfTiff) {
                        {"Software", "M\xC3\xBCller"},
                        {"Bits per sample", "8, 8, 8"},
                        {"Pixels", "RGB"},
+                       {"Rows per strip", "64"},
                        {"Orientation", "to be turned to the right"},
                        {"Stated resolution", "300 x 150 per centimetre"}};
   const Texts second = {{"Page name", "Se\xC3\xB1or"}, {"Page number", "2 of 2"}, {"Pixels", "77"}};

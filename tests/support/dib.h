@@ -1,11 +1,13 @@
 // DIBs for tests, made and looked at through the public header alone and without the library's own pixel code.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -93,6 +95,16 @@ struct Digest {
 
   void add(std::span<const uint8_t> bytes) {
     for (uint8_t byte : bytes) value = (value ^ byte) * 0x100000001B3;
+  }
+  // Numbers whole; other measures with the digits that mathematical libraries agree on.
+  template <class Number>
+  void add_number(Number number) {
+    int64_t whole;
+    if constexpr (std::is_floating_point_v<Number>)
+      whole = std::llround(number * 1e6);
+    else
+      whole = static_cast<int64_t>(number);
+    add({reinterpret_cast<const uint8_t*>(&whole), sizeof whole});
   }
 };
 

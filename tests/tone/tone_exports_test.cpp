@@ -130,6 +130,8 @@ TEST(ToneExports, LookAtTheirOtherArgumentsFirst) {
   EXPECT_EQ(told(ComputeHistogram(dib.get(), IMG_COMPUTE, block.get(), nullptr, &error)), 8);
   EXPECT_EQ(told(ComputeHistogram(dead_handle(), IMG_COMPUTE, nullptr, origin, &error)), 8);
   EXPECT_EQ(told(ApplyLUT(dead_handle(), nullptr, 0, &error)), 8);
+  const Block bits = picture(header_for(9, 9, 1));
+  for (const int grade : {-1, 3}) EXPECT_EQ(ConvMonoDIBtoGrayscale(bits.get(), grade), nullptr) << grade;
 }
 
 // Both filters check kernels alike; a refused picture does not change. Files exist unless they would be empty.
