@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Changes single tokens of the library's code and runs the tests of the changed file: a test must fail.
 
-usage: mutate.py BUILD [--count N] [--seed N] [--sources] [--list FILE]
+usage: mutate.py BUILD [--count N] [--seed N] [--sources] [--list FILE] [--again FILE]
 
 BUILD is a finished build of this folder's sources, whose tests have passed. Each change is made in the source itself and taken back, so run it in a copy
 (coverage.sh does). A change that does not compile is replaced by another one. A change is killed if a test fails, crashes or does not
@@ -39,9 +39,10 @@ TESTS = {
     "src/tone": "tone_test",
     "codecs": "codec_test foreign_files_test group4_test codec_allocation_test",
 }
-TESTS_OF_ALL = "checks_rows digests_test"
+TESTS_OF_ALL = "checks_rows checks_allocations checks_files checks_replaced digests_test"
 # Built for a test of another name. Modules are loaded, not linked.
-TARGETS = {"checks_rows": "checks", "foreign_files_test": "foreign_files_test codec_modules", "image_file_test": "image_file_test RECORDER",
+TARGETS = {"checks_rows": "checks", "checks_allocations": "checks", "checks_files": "checks", "checks_replaced": "checks",
+           "foreign_files_test": "foreign_files_test codec_modules", "image_file_test": "image_file_test RECORDER",
            "module_lookup_test": "module_lookup_test RECORDER", "codec_test": "codec_test codec_modules"}
 CHANGES = {
     "<": ["<="], "<=": ["<"], ">": [">="], ">=": [">"], "==": ["!="], "!=": ["=="], "&&": ["||"], "||": ["&&"],
@@ -49,6 +50,13 @@ CHANGES = {
     "&": ["|"], "|": ["&"], "^": ["|"], "++": ["--"], "--": ["++"], "true": ["false"], "false": ["true"], "min": ["max"], "max": ["min"],
 }
 TOKEN = re.compile(r"\b(?:true|false|min|max)\b|(?<![\w.'])\d+(?![\w.'])|<<=|>>=|<=>|->|::|&&|\|\||[<>=!+\-]=|\+\+|--|<<|>>|[-+*/%<>&|^]")
+
+
+def is_array_size(text, match):
+    """The number in `Type name[2]` and `std::array<Type, 2>`: what is behind the end of an array is never used."""
+    line = text[text.rfind("\n", 0, match.start()) + 1:match.start()]
+    is_declared = re.search(r"^\s*(?:(?:static|constexpr|const)\s+)*[\w:]+(?:<[^<>]*>)?\s+(?:[^=]*,\s*)?\w+\[$", line)
+    return (is_declared or re.search(r"std::array<[^<>]*(?:<[^<>]*>)?[^<>]*, $", line)) and text[match.end()] in "]>"
 
 
 def candidates(path):
@@ -61,6 +69,8 @@ def candidates(path):
         token = match.group()
         spaced = plain[match.start() - 1:match.start()] == " " and plain[match.end():match.end() + 1] == " "
         if token in "<>&|*-+/%^" and not spaced:  # templates, references, pointers, signs
+            continue
+        if is_array_size(plain, match):
             continue
         if token.isdigit():
             yield match.start(), token, str(int(token) + 1)
@@ -129,6 +139,7 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--sources", action="store_true", help="change no headers, so that little is built")
     parser.add_argument("--list", default="/dev/null", help="receives the survivors")
+    parser.add_argument("--again", help="a list of survivors: make these changes alone")
     options = parser.parse_args()
     here = pathlib.Path.cwd()
     compiled = {pathlib.Path(unit["file"]) for unit in json.loads(pathlib.Path(options.build, "compile_commands.json").read_text())}
@@ -136,18 +147,26 @@ def main():
     headers = set() if options.sources else headers_of(options.build, here)
     files = sorted(p for p in sources | headers if tests_of(p))
     places = sampled(files, options.seed)
+    without_line = re.compile(r":\d+:")
+    again = options.again and {without_line.sub("", name, 1) for name in pathlib.Path(options.again).read_text().splitlines()}
+    equal = {line.partition(" # ")[0].strip() for line in pathlib.Path(__file__).with_name("equal_changes.txt").read_text().splitlines()}
     usual = seconds_of_tests(options.build)
     if unfit := {test for path in files for test in tests_of(path)} - usual.keys():
         print("not passed before any change:", *sorted(unfit))
         return 1
-    killed, survivors, broken = 0, [], 0
+    killed, survivors, broken, left_out = 0, [], 0, 0
     for path, start, token, other in places:
         if killed + len(survivors) == options.count:
             break
         original = path.read_text()
-        path.write_text(original[:start] + other + original[start + len(token):])
         line = original.count("\n", 0, start) + 1
         name = f"{path}:{line}: {token} becomes {other}: {original.splitlines()[line - 1].strip()}"
+        if again and without_line.sub("", name, 1) not in again:
+            continue
+        if without_line.sub("", name, 1) in equal:
+            left_out += 1
+            continue
+        path.write_text(original[:start] + other + original[start + len(token):])
         try:
             tests = sorted(tests_of(path), key=usual.get)
             targets = " ".join(TARGETS.get(test, test) for test in tests).split()
@@ -164,7 +183,7 @@ def main():
             survivors.append(name)
         print("killed  " if is_killed else "survives", name, flush=True)
     pathlib.Path(options.list).write_text("".join(f"{name}\n" for name in survivors)) if options.list != "/dev/null" else None
-    print(f"killed={killed} survived={len(survivors)} not_compiled={broken} candidates={len(places)}")
+    print(f"killed={killed} survived={len(survivors)} not_compiled={broken} equal={left_out} candidates={len(places)}")
     return 0
 
 
