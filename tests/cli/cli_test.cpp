@@ -371,7 +371,7 @@ TEST_F(Cli, Info) {
                              "  compression  none\n");
   for (const auto& [depth, colors] : {std::pair(8, "256"), {16, "32768"}, {32, "16777216"}}) {
     EXPECT_EQ(run({"info", "-"}, text_of(blank_file(header_for(5, 3, depth)))), 0);
-    EXPECT_NE(out_.str().find("colours      "s + colors + "\n"), std::string::npos) << out_.str();
+    EXPECT_NE(out_.str().find(std::string("colours      ") + colors + "\n"), std::string::npos) << out_.str();
   }
   EXPECT_EQ(run({"info", "-", at("missing"), "--json"}, text_of(blank_file(header_for(5, -3, 24)))), 1);
   EXPECT_EQ(out_.str(), R"([

@@ -131,7 +131,9 @@ TEST_F(CliTone, Refusals) {
        {{"filter", bits, out, "box"}, 4, "24 bits first"},
        {{"filter", colors, out, "blur", "--size", "7"}, 2, "out of bounds"},
        {{"filter", colors, out, "kernel", "--kernel", "1,2"}, 2, "9 numbers"},
-       {{"filter", colors, out, "kernel", "--kernel", std::string(300, ' ') + "1,2"}, 2, "9 numbers"},  // too long for a name
+       {{"filter", colors, out, "kernel", "--kernel", std::string(300, ' ') + "1,2"},
+        2,
+        "9 numbers"},  // too long for a name
        {{"filter", colors, out, "box", "--kernel", "1"}, 2, "leave it out"},
        {{"filter", colors, out, "kernel", "--kernel", "200,0,0,0,0,0,0,0,0,1"}, 2, "out of bounds"},
        {{"dither", put("true.bmp", bitmap_file(noise(9, 9, 24))), out, "--bits", "8", "--method", "smooth"}, 2, "fs or jjn"},

@@ -86,6 +86,7 @@ TEST_F(TgaTest, VariantsLoad) {
       {"an unused map", {.kind = 3, .depth = 8, .map_count = 1, .map_depth = 15}, {77, 77, 8, 9}, 8, "080808 090909"},
       {"two colours", mapped(2, 24), {1, 2, 3, 4, 5, 6, 0, 1}, 1, "030201 060504"},
       {"three colours", packets(mapped(3, 16)), {0, 0, 31, 0, 0, 124, 0x81, 2}, 4, "FF0000 FF0000"},
+      {"three colours, two of them used", mapped(3, 16), {0, 0, 31, 0, 0, 124, 0, 1}, 4, "000000 0000FF"},
       {"a first index", mapped(1, 24, 0, 20), {1, 2, 3, 20, 0}, 8, "030201 000000"},
       {"an index outside", mapped(2, 24), {1, 2, 3, 4, 5, 6, 1, 19}, 8, "060504 000000"},
       {"packets with an index outside", packets(mapped(2, 24)), {1, 2, 3, 4, 5, 6, 0x81, 15}, 4, "000000 000000"},

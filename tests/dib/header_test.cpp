@@ -2,6 +2,7 @@
 #include "core/header.h"
 
 #include <cstring>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <vorel32.h>
@@ -75,10 +76,13 @@ TEST(DeviceFormat, TakesTheNextDepthUpTo24) {
 }
 
 TEST(DeviceFormat, DefaultColors) {
-  EXPECT_EQ(default_colors(1)[1], (Rgb{255, 255, 255, 0}));
-  EXPECT_EQ(default_colors(4)[1], (Rgb{0, 0, 128, 0}));
-  EXPECT_EQ(default_colors(4)[7], (Rgb{192, 192, 192, 0}));
-  EXPECT_EQ(default_colors(4)[14], (Rgb{255, 255, 0, 0}));
+  EXPECT_THAT(default_colors(1), testing::ElementsAre(Rgb{0, 0, 0, 0}, Rgb{255, 255, 255, 0}));
+  // Dark colours and, from 8 on, light ones; light grey comes before dark grey.
+  for (int i = 0; i < 16; ++i) {
+    const int level = i == 7 ? 192 : i <= 8 ? 128 : 255, lights = i == 8 ? 7 : i;
+    const auto light = [&](int bit) { return static_cast<uint8_t>((lights & bit) != 0 ? level : 0); };
+    EXPECT_EQ(default_colors(4)[static_cast<size_t>(i)], (Rgb{light(4), light(2), light(1), 0})) << i;
+  }
   EXPECT_EQ(default_colors(8)[0b101'011'10], (Rgb{170, 108, 180, 0}));
   EXPECT_EQ(default_colors(8)[255], (Rgb{255, 252, 252, 0}));
   EXPECT_TRUE(default_colors(24).empty());

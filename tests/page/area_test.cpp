@@ -7,11 +7,16 @@
 #include <vector>
 
 #include "common/forms.h"
+#include "common/operations.h"
+#include "common/problem.h"
 #include "core/gray.h"
 #include "core/pixel.h"
+#include "page/drawn_page.h"
 #include "support/dib.h"
 
+using test::blank_page;
 using test::noise;
+using test::Table;
 using namespace vorel;
 using namespace vorel::programs;
 
@@ -74,6 +79,12 @@ TEST(ScaledByArea, EveryPixelIsTheMeanOfItsArea) {
               }
             }
         }
+}
+
+TEST(ScaledByArea, SidesHaveALimit) {
+  const Picture page = blank_page({3, 3}, 8, Table::kGray, {});
+  for (const Size size : {Size{kMostScaledPixels + 1, 2}, Size{2, kMostScaledPixels + 1}})
+    EXPECT_THROW(scaled(page.copy(), size, Resampling::kArea), Problem);
 }
 
 }  // namespace
