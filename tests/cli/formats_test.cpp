@@ -162,6 +162,19 @@ TEST_F(CliFormats, CameraPicturesComeUpright) {
   }
 }
 
+TEST_F(CliFormats, CompressionAsItIsAskedFor) {
+  const std::string in = put("in.bmp", bitmap_file(noise(64, 64, 24)));
+  const struct {
+    const char *file, *word, *told;
+  } rows[] = {{"a.tga", "none", "none"}, {"b.tga", "rle", "run-length"},    {"c.tif", "none", "none"},
+              {"d.tif", "lzw", "LZW"},   {"e.tif", "packbits", "PackBits"}, {"f.tif", "deflate", "deflate"}};
+  for (const auto& row : rows) {
+    ASSERT_EQ(run({"convert", in, at(row.file), "--compression", row.word}), 0) << err_;
+    ASSERT_EQ(run({"info", at(row.file)}), 0) << err_;
+    EXPECT_THAT(out_.str(), HasSubstr(std::string("compression  ") + row.told + "\n")) << row.file;
+  }
+}
+
 TEST_F(CliFormats, JpegFilesAsTheyAreAskedFor) {
   const std::string in = put("in.bmp", bitmap_file(noise(64, 64, 24)));
   const auto bytes_of_file = [&](std::vector<std::string> options) {
