@@ -1,11 +1,13 @@
 // The contracts of global memory. On Windows these tests look at the system's own functions, which is what keeps the Linux
 // ones honest.
 #include <cstring>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 
 #include "support/dib.h"
+#include "support/random.h"
 
 using namespace test;
 
@@ -25,6 +27,52 @@ TEST(GlobalMemory, KeepsContentWhenABlockGrowsAndShrinks) {
 
 TEST(GlobalMemory, SizesAreExact) {
   for (size_t size : {1u, 7u, 44u, 1000u, 65'537u}) EXPECT_EQ(GlobalSize(Block(GlobalAlloc(GHND, size)).get()), size);
+}
+
+// Pages of the process's address space that are in use; 0 if the system does not say.
+long mapped_pages() {
+  long pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  return pages;
+}
+
+// Freed ones are kept for blocks of about their size, but not without limit.
+TEST(GlobalMemory, LargeBlocksAreWholeZeroedAndGivenBack) {
+  constexpr size_t kMiB = size_t{1} << 20;
+  Random random(3);
+  const auto fill = [](HGLOBAL block, uint8_t value) {
+    std::memset(GlobalLock(block), value, GlobalSize(block));
+    GlobalUnlock(block);
+  };
+  const auto is_filled = [](HGLOBAL block, uint8_t value) {
+    const auto* bytes = static_cast<const uint8_t*>(GlobalLock(block));
+    const size_t size = GlobalSize(block);
+    const bool is_same = bytes[0] == value && std::memcmp(bytes, bytes + 1, size - 1) == 0;
+    GlobalUnlock(block);
+    return is_same;
+  };
+  const auto random_size = [&] { return 4 * kMiB + static_cast<size_t>(random.between(0, 3 << 20)); };
+  for (int round = 0; round < 3; ++round) {
+    std::vector<Block> blocks;
+    for (uint8_t i = 0; i < 12; ++i) {
+      blocks.emplace_back(GlobalAlloc(GHND, random_size()));
+      ASSERT_TRUE(is_filled(blocks.back().get(), 0));
+      fill(blocks.back().get(), i);
+    }
+    for (uint8_t i = 0; i < 12; ++i) {
+      ASSERT_TRUE(is_filled(blocks[i].get(), i));
+      ASSERT_EQ(GlobalReAlloc(blocks[i].get(), random_size(), 0), blocks[i].get());
+      EXPECT_EQ(static_cast<const uint8_t*>(GlobalLock(blocks[i].get()))[4 * kMiB - 1], i);
+      GlobalUnlock(blocks[i].get());
+    }
+  }
+  const long before = mapped_pages();
+  for (int round = 0; round < 4; ++round) {
+    std::vector<Block> blocks;
+    for (size_t i = 0; i < 12; ++i) blocks.emplace_back(GlobalAlloc(GHND, (40 + i) * kMiB));
+  }
+  constexpr long kPage = 4096, kMostKept = 320 * long{kMiB} / kPage;
+  EXPECT_LT(mapped_pages() - before, kMostKept);
 }
 
 TEST(GlobalMemory, CountsLocks) {
