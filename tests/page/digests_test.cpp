@@ -1,7 +1,9 @@
 // Digests of results on random pages: a change of any pixel or measure shows, on every build. After a wanted change the lines that a
 // failure prints replace those of digests.inc.
 #include <gtest/gtest.h>
+#include <sstream>
 
+#include "common/bitmap_file.h"
 #include "common/forms.h"
 #include "common/operations.h"
 #include "common/page/content.h"
@@ -11,6 +13,7 @@
 #include "common/page/specks.h"
 #include "common/page/threshold.h"
 #include "common/page/turn.h"
+#include "common/pnm_file.h"
 #include "common/problem.h"
 #include "common/reductions.h"
 #include "page/drawn_page.h"
@@ -221,6 +224,53 @@ void make_black_and_white(Random& random, Digest& digest) {
   add(digest, thresholded(page.copy(), Sauvola{.window = window, .k = k}));
   const Despeckled done = despeckled(Page{random, {260, 200}, {1}}.drawn(), most, colors);
   add(digest, done.picture), digest.add_number(done.specks), digest.add_number(done.pixels);
+}
+
+// Headers of every size that bitmaps have, damaged ones too, in front of random colours and rows.
+void read_bitmaps(Random& random, Digest& digest) {
+  const int header_bytes = random.one_of({12, 16, 40, 52, 56, 64, 108, 124}), height = random.one_of({1, 2, 3, 5, -1, -4});
+  const auto depth = static_cast<uint16_t>(random.one_of({1, 4, 8, 16, 24, 32}));
+  BITMAPINFOHEADER header = header_for(random.between(1, 20), height, depth);
+  header.biCompression =
+      random.one_of({0u, 0u, 0u, depth == 4 ? 2u : 1u, 3u, 6u});  // none, codes, masks, masks with opacity
+  header.biClrUsed = static_cast<uint32_t>(random.one_of({0, 0, 0, 1, 3, 200, 300}));
+  Bytes dib = with_header(header, Bytes(static_cast<size_t>(random.between(0, 2500))));
+  for (size_t i = 40; i < dib.size(); ++i) dib[i] = random.byte();
+  const uint32_t masks[2][4] = {{0xF800, 0x7E0, 0x1F, 0}, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}};
+  if (dib.size() > 56) std::memcpy(dib.data() + 40, masks[depth == 32], static_cast<size_t>(random.one_of({12, 16})));
+  const uint16_t old_header[] = {static_cast<uint16_t>(header.biWidth), static_cast<uint16_t>(std::abs(height)), 1, depth};
+  if (header_bytes == 12 && dib.size() > 12) std::memcpy(dib.data() + 4, old_header, sizeof old_header);
+  dib[0] = static_cast<uint8_t>(header_bytes);
+  if (random.once_in(3)) dib[static_cast<size_t>(random.between(0, 59)) % dib.size()] = random.byte();
+  const Bytes file = random.once_in(4) ? dib : file_of(dib, static_cast<uint32_t>(random.one_of({0, 0, 0, 54, 200, 1170})));
+  const std::string bytes(file.begin(), file.end());
+  std::istringstream stream(bytes);
+  digest.add_number(begins_as_bitmap(stream));
+  const BitmapFacts facts = inspect_bitmap(stream, bytes.size());
+  digest.add_number(facts.has_masks), digest.add_number(facts.has_opacity), digest.add_number(facts.colors.value_or(9));
+  add(digest, read_bitmap(stream, bytes.size()));
+}
+
+void read_maps(Random& random, Digest& digest) {
+  const int kind = random.between(1, 6), most = random.one_of({1, 9, 255, 256, 65'535});
+  std::string file;
+  for (int page = 0; page < 2; ++page) {
+    file += "P" + std::to_string(kind) + random.one_of({" ", "\n# note\n", "\t"});
+    file += std::to_string(random.between(1, 20)) + random.one_of({" ", " #\n", "\r\n"});
+    file += std::to_string(random.between(1, 5)) + "\n";
+    if (kind % 3 != 1) file += std::to_string(most) + "\n";
+    for (int i = random.once_in(4) ? random.between(0, 300) : 700; i > 0; --i) {
+      const int sample = random.between(0, random.once_in(200) ? 70'000 : kind % 3 == 1 ? 1 : most);
+      kind > 3 ? file += static_cast<char>(random.between(0, std::min(most, 255)))
+               : file += std::to_string(sample) + random.one_of({" ", "\n", " # \n"});
+    }
+  }
+  std::istringstream stream(file);
+  digest.add_number(begins_as_pnm(stream));
+  for (const uint64_t start : find_pnm_pages(stream, file.size())) {
+    digest.add_number(start), digest.add_number(inspect_pnm(stream, file.size(), start).most);
+    add(digest, read_pnm(stream, file.size(), start));
+  }
 }
 
 TEST(PageDigests, AreAsRecorded) {
