@@ -51,6 +51,7 @@ struct Page {
     for (Rect& box : boxes)
       box = {random.between(-20, size.width), random.between(-20, size.height), random.between(0, 59),
              random.between(0, 39)};
+    if (random.once_in(3)) boxes[0] = {0, 0, random.between(10, 60), size.height};  // the dark beside a scanner's paper
     for (int y = 0; y < size.height; ++y)
       for (int x = 0; x < size.width; ++x) {
         const int down = (y * 100 + x * slope + 100'000) / 100 % period, across = (x + phase) % 5;
@@ -193,14 +194,14 @@ void combine_and_compare(Random& random, Digest& digest) {
 
 void find_content(Random& random, Digest& digest) {
   const Picture page = Page{random, {900, 900}}.drawn();
-  InkMap map = ink_map(page, {cell_side(page), random.one_of({1, 2, 8})});
+  InkMap map = ink_map(page, {random.one_of({cell_side(page), 4, 8, 16}), random.one_of({1, 2, 8})});
   const InkMap coarse = coarser(map, {map.cell().width * 2, map.cell().height * 4});
   const std::vector<uint8_t> borders = dark_borders(coarse);
   remove_cells(map, coarse, borders);
   digest.add(borders);
   for (int y = 0; y < map.height(); ++y) digest.add(map.row(y));
   digest.add_number(ink_percent(page, random.between(0, 19) / 100.0));
-  if (const auto box = content_box(page, {random.between(0, 29), random.between(0, 29)}))
+  if (const auto box = content_box(page, {random.one_of({0, 20, 400}), random.one_of({0, 20, 400})}))
     for (const int side : {box->x, box->y, box->width, box->height}) digest.add_number(side);
 }
 
