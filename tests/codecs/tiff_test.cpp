@@ -203,7 +203,7 @@ TEST_F(TiffTest, VariantsOfSamples) {
   }
 }
 
-TEST_F(TiffTest, WithoutTheirTagBitsOfFaxesAreInkAndOthersLight) {
+TEST_F(TiffTest, WithoutAPhotometricTagOnlyBitsOfFaxesAreInk) {
   const struct {
     uint32_t compression;
     uint8_t data;  // eight white pixels of a fax, or eight zeros

@@ -81,6 +81,13 @@ TEST(ScaledByArea, EveryPixelIsTheMeanOfItsArea) {
         }
 }
 
+TEST(ScaledByArea, SumsOfTallColumnsExceed32Bits) {
+  const int height = static_cast<int>((uint64_t{1} << 32) / 255) + 1;
+  const Picture page = blank_page({1, height}, 8, Table::kGray, {});
+  std::ranges::fill(page.image_bytes(), uint8_t{255});
+  EXPECT_EQ(scaled_by_area(page, {1, 1}).pixels().row(0)[0], 255);
+}
+
 TEST(ScaledByArea, SidesHaveALimit) {
   const Picture page = blank_page({3, 3}, 8, Table::kGray, {});
   for (const Size size : {Size{kMostScaledPixels + 1, 2}, Size{2, kMostScaledPixels + 1}})

@@ -1,5 +1,5 @@
-// Digests of results on random pages: a change of any pixel or measure shows, on every build. After a wanted change the lines that a
-// failure prints replace those of digests.inc.
+// Digests of results for random pages and files: they detect a change of any pixel or measure, on every build. After an intended
+// change the digests that a failure prints replace those in digests.inc.
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -69,7 +69,7 @@ struct Page {
 
 using Operation = void (*)(Random&, Digest&);
 
-// A picture of one of all forms that operations take: codes, rows from the top, 16 and 32 bits, short tables.
+// A page in any form that operations accept: compressed, top-down, with 16 or 32 bits.
 Picture any_form(Random& random, const std::vector<int>& depths = {1, 4, 8, 24}) {
   Picture page = Page{random, {260, 200}, depths}.drawn();
   if (page.depth() == 24 && random.once_in(2)) {
@@ -227,7 +227,7 @@ void make_black_and_white(Random& random, Digest& digest) {
   add(digest, done.picture), digest.add_number(done.specks), digest.add_number(done.pixels);
 }
 
-// Headers of every size that bitmaps have, damaged ones too, in front of random colours and rows.
+// Headers of every size that bitmaps have, some of them damaged, in front of random colours and rows.
 void read_bitmaps(Random& random, Digest& digest) {
   const int header_bytes = random.one_of({12, 16, 40, 52, 56, 64, 108, 124}), height = random.one_of({1, 2, 3, 5, -1, -4});
   const auto depth = static_cast<uint16_t>(random.one_of({1, 4, 8, 16, 24, 32}));
@@ -257,13 +257,16 @@ void read_maps(Random& random, Digest& digest) {
   std::string file;
   for (int page = 0; page < 2; ++page) {
     file += "P" + std::to_string(kind) + random.one_of({" ", "\n# note\n", "\t"});
-    file += std::to_string(random.between(1, 20)) + random.one_of({" ", " #\n", "\r\n"});
+    file += std::to_string(random.between(1, 20));
+    file += random.one_of({" ", " #\n", "\r\n"});
     file += std::to_string(random.between(1, 5)) + "\n";
     if (kind % 3 != 1) file += std::to_string(most) + "\n";
     for (int i = random.once_in(4) ? random.between(0, 300) : 700; i > 0; --i) {
       const int sample = random.between(0, random.once_in(200) ? 70'000 : kind % 3 == 1 ? 1 : most);
-      kind > 3 ? file += static_cast<char>(random.between(0, std::min(most, 255)))
-               : file += std::to_string(sample) + random.one_of({" ", "\n", " # \n"});
+      if (kind > 3)
+        file += static_cast<char>(random.between(0, std::min(most, 255)));
+      else
+        file += std::to_string(sample) + random.one_of({" ", "\n", " # \n"});
     }
   }
   std::istringstream stream(file);

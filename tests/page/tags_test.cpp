@@ -167,7 +167,7 @@ bool is_clean(const Tag& tag) {
   return !tag.value.empty() && tag.value.size() < 1000;
 }
 
-// Whatever the bytes are, reading ends, soon, with short texts on one line each: the recorded ones.
+// Whatever the bytes are, reading soon ends, with short texts of one line each. Which ones is recorded.
 TEST(Tags, OfDamagedFilesAreShortAndEnd) {
   std::mt19937 random(7);
   test::Digest digest;
@@ -191,7 +191,7 @@ TEST(Tags, OfDamagedFilesAreShortAndEnd) {
       }
     }
   }
-  EXPECT_EQ(digest.value, 2'487'855'675'329'188'359u);
+  EXPECT_EQ(digest.value, 0x2286a38e346f9207);
   TiffWriter circle{false, false};  // a directory that comes after itself
   circle.begin();
   circle.add({circle.text(270, "again")}, true);

@@ -29,14 +29,14 @@ TEST(GlobalMemory, SizesAreExact) {
   for (size_t size : {1u, 7u, 44u, 1000u, 65'537u}) EXPECT_EQ(GlobalSize(Block(GlobalAlloc(GHND, size)).get()), size);
 }
 
-// Pages of the process's address space that are in use; 0 if the system does not say.
+// Pages in the process's address space; 0 where the system does not report them.
 long mapped_pages() {
   long pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
   return pages;
 }
 
-// Freed ones are kept for blocks of about their size, but not without limit.
+// Freed memory is kept for blocks of about the same size, up to a limit.
 TEST(GlobalMemory, LargeBlocksAreWholeZeroedAndGivenBack) {
   constexpr size_t kMiB = size_t{1} << 20;
   Random random(3);

@@ -96,7 +96,7 @@ struct Digest {
   void add(std::span<const uint8_t> bytes) {
     for (uint8_t byte : bytes) value = (value ^ byte) * 0x100000001B3;
   }
-  // Numbers whole; other measures with the digits that mathematical libraries agree on.
+  // Fractions are rounded to the digits that mathematical libraries agree on.
   template <class Number>
   void add_number(Number number) {
     int64_t whole;

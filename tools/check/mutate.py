@@ -5,16 +5,20 @@ usage: mutate.py BUILD [--count N] [--seed N] [--sources] [--list FILE] [--again
 
 BUILD is a finished build of this folder's sources, whose tests have passed. Each change is made in the source itself and taken back, so run it in a copy
 (coverage.sh does). A change that does not compile is replaced by another one. A change is killed if a test fails, crashes or does not
-end. Changes that cannot be told from the outside count as survivors too.
+end. The changes in equal_changes.txt are left out: nobody can notice them. A line is a survivor's without its line number, and the reason
+behind " # ". Where a line of code allows a change in several places, " (2)" names the second one.
 """
 import argparse
+import collections
 import hashlib
 import json
 import os
 import pathlib
 import re
+import signal
 import subprocess
 import sys
+from typing import NamedTuple
 
 # The tests that cover a folder, and tests that cover every folder.
 TESTS = {
@@ -53,16 +57,15 @@ TOKEN = re.compile(r"\b(?:true|false|min|max)\b|(?<![\w.'])\d+(?![\w.'])|<<=|>>=
 
 
 def is_array_size(text, match):
-    """The number in `Type name[2]` and `std::array<Type, 2>`: what is behind the end of an array is never used."""
+    """The number in `Type name[2]`: nothing uses what a longer array has at its end. The size of a std::array is a part of its type."""
     line = text[text.rfind("\n", 0, match.start()) + 1:match.start()]
-    is_declared = re.search(r"^\s*(?:(?:static|constexpr|const)\s+)*[\w:]+(?:<[^<>]*>)?\s+(?:[^=]*,\s*)?\w+\[$", line)
-    return (is_declared or re.search(r"std::array<[^<>]*(?:<[^<>]*>)?[^<>]*, $", line)) and text[match.end()] in "]>"
+    return re.search(r"^\s*(?:(?:static|constexpr|const)\s+)*(?!return\b)\w[\w:]*(?:<[^<>]*>)?\s+(?:[^=()]*,\s*)?\w+\[$", line)
 
 
 def candidates(path):
     """Places of tokens outside comments, literals, declarations of templates and preprocessor lines."""
     text = path.read_text()
-    hidden = re.compile(r"//[^\n]*|/\*.*?\*/|\"(?:\\.|[^\"\\\n])*\"|'(?:\\.|[^'\\\n])*'|^[ \t]*#[^\n]*|\btemplate <[^\n]*|static_assert[^\n]*",
+    hidden = re.compile(r"//[^\n]*|/\*.*?\*/|\"(?:\\.|[^\"\\\n])*\"|(?<![\da-fA-F])'(?:\\.|[^'\\\n])*'|^[ \t]*#[^\n]*|\btemplate <[^\n]*|static_assert[^\n]*",
                         re.S | re.M)
     plain = hidden.sub(lambda match: re.sub(r"[^\n]", " ", match.group()), text)
     for match in TOKEN.finditer(plain):
@@ -78,19 +81,36 @@ def candidates(path):
             yield match.start(), token, other
 
 
+class Change(NamedTuple):
+    path: pathlib.Path
+    start: int
+    token: str
+    other: str
+    line: int
+    name: str  # without the number of the line, which other changes move
+    key: str  # for a place in the order
+
+    def listed(self):
+        return self.name.replace(":", f":{self.line}:", 1)
+
+
+def changes_of(path):
+    text = path.read_text()
+    lines = text.splitlines()
+    seen = collections.Counter()
+    for start, token, other in candidates(path):
+        line, column = text.count("\n", 0, start) + 1, start - text.rfind("\n", 0, start) - 1
+        code = lines[line - 1]
+        seen[line, token, other] += 1
+        place = f" ({seen[line, token, other]})" if seen[line, token, other] > 1 else ""
+        yield Change(path, start, token, other, line, f"{path}: {token} becomes {other}{place}: {code.strip()}",
+                     f"{path} {code} {column} {token} {other}")
+
+
 def sampled(files, seed):
-    """All places in a random order. It depends on the changed lines, so editing others keeps the sample."""
-    order = {}
-    for path in files:
-        lines = path.read_text().splitlines()
-        text_before, line = 0, 0
-        for start, token, other in candidates(path):
-            while text_before + len(lines[line]) < start:
-                text_before += len(lines[line]) + 1
-                line += 1
-            key = f"{seed} {path} {lines[line]} {start - text_before} {token} {other}"
-            order[path, start, token, other] = hashlib.sha256(key.encode()).digest()
-    return sorted(order, key=order.get)
+    """All changes in a random order. It depends on the changed lines, so editing others keeps the sample."""
+    changes = (change for path in files for change in changes_of(path))
+    return sorted(changes, key=lambda change: hashlib.sha256(f"{seed} {change.key}".encode()).digest())
 
 
 def tests_of(path):
@@ -146,28 +166,32 @@ def main():
     sources = {p.relative_to(here) for p in compiled if p.is_relative_to(here)}
     headers = set() if options.sources else headers_of(options.build, here)
     files = sorted(p for p in sources | headers if tests_of(p))
-    places = sampled(files, options.seed)
-    without_line = re.compile(r":\d+:")
-    again = options.again and {without_line.sub("", name, 1) for name in pathlib.Path(options.again).read_text().splitlines()}
+    changes = sampled(files, options.seed)
+    again = options.again and {re.sub(r":\d+:", ":", name, 1) for name in pathlib.Path(options.again).read_text().splitlines()}
     equal = {line.partition(" # ")[0].strip() for line in pathlib.Path(__file__).with_name("equal_changes.txt").read_text().splitlines()}
+    places = collections.Counter(change.name for change in changes)
+    if unclear := {name for name in equal if places[name] != 1 and pathlib.Path(name.partition(":")[0]) in files}:
+        print("lines of equal_changes.txt that name no change or several:", *sorted(unclear), sep="\n")
+        return 1
     usual = seconds_of_tests(options.build)
     if unfit := {test for path in files for test in tests_of(path)} - usual.keys():
         print("not passed before any change:", *sorted(unfit))
         return 1
     killed, survivors, broken, left_out = 0, [], 0, 0
-    for path, start, token, other in places:
+    for number in (signal.SIGHUP, signal.SIGTERM):
+        signal.signal(number, lambda *_: sys.exit(1))  # takes the change back first
+    for change in changes:
         if killed + len(survivors) == options.count:
             break
-        original = path.read_text()
-        line = original.count("\n", 0, start) + 1
-        name = f"{path}:{line}: {token} becomes {other}: {original.splitlines()[line - 1].strip()}"
-        if again and without_line.sub("", name, 1) not in again:
+        if again and change.name not in again:
             continue
-        if without_line.sub("", name, 1) in equal:
+        if change.name in equal:
             left_out += 1
             continue
-        path.write_text(original[:start] + other + original[start + len(token):])
+        path = change.path
+        original = path.read_text()
         try:
+            path.write_text(original[:change.start] + change.other + original[change.start + len(change.token):])
             tests = sorted(tests_of(path), key=usual.get)
             targets = " ".join(TARGETS.get(test, test) for test in tests).split()
             code, output = run(["cmake", "--build", options.build, "--target", *targets], 900)
@@ -180,10 +204,10 @@ def main():
         if is_killed:
             killed += 1
         else:
-            survivors.append(name)
-        print("killed  " if is_killed else "survives", name, flush=True)
-    pathlib.Path(options.list).write_text("".join(f"{name}\n" for name in survivors)) if options.list != "/dev/null" else None
-    print(f"killed={killed} survived={len(survivors)} not_compiled={broken} equal={left_out} candidates={len(places)}")
+            survivors.append(change.listed())
+        print("killed  " if is_killed else "survives", change.listed(), flush=True)
+    pathlib.Path(options.list).write_text("".join(f"{name}\n" for name in survivors))
+    print(f"killed={killed} survived={len(survivors)} not_compiled={broken} equal={left_out} candidates={len(changes)}")
     return 0
 
 
