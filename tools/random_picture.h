@@ -80,7 +80,7 @@ inline void draw_oddities(Random& random, size_t row_bytes, RandomPicture& pictu
   odd(30, "compression", header.biCompression, random.between(1, 4));
   odd(50, "height", header.biHeight, -header.biHeight);
   odd(150, "height", header.biHeight, 0);
-  odd(150, "width", header.biWidth, random.one_of({0, -header.biWidth}));
+  odd(150, "width", header.biWidth, random.one_of<int>({0, -header.biWidth}));
   odd(25, "head", header.biSize, random.one_of({0, 12, 64, 108}));
 }
 
