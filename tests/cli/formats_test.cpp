@@ -83,7 +83,7 @@ TEST_F(CliFormats, PortableMapsOfEveryKind) {
     for (size_t size = 0; size < row.file.find_last_not_of('\n') - 1; ++size)
       EXPECT_EQ(run({"convert", "-", at("cut.bmp")}, row.file.substr(0, size)), 4) << size;
   }
-  // One right behind another they are pages.
+  // Files of several maps have as many pages.
   ASSERT_EQ(run({"pages", "count", put("all.pnm", bytes_of(all))}), 0) << err_;
   EXPECT_EQ(out_.str(), std::to_string(std::size(rows)) + "\n");
   ASSERT_EQ(run({"convert", at("all.pnm"), at("all.tif")}), 0) << err_;
@@ -162,20 +162,20 @@ TEST_F(CliFormats, CameraPicturesComeUpright) {
   }
 }
 
-TEST_F(CliFormats, CompressionAsItIsAskedFor) {
+TEST_F(CliFormats, CompressionIsAsRequested) {
   const std::string in = put("in.bmp", bitmap_file(noise(64, 64, 24)));
   const struct {
-    const char *file, *word, *told;
+    const char *file, *word, *stated;
   } rows[] = {{"a.tga", "none", "none"}, {"b.tga", "rle", "run-length"},    {"c.tif", "none", "none"},
               {"d.tif", "lzw", "LZW"},   {"e.tif", "packbits", "PackBits"}, {"f.tif", "deflate", "deflate"}};
   for (const auto& row : rows) {
     ASSERT_EQ(run({"convert", in, at(row.file), "--compression", row.word}), 0) << err_;
     ASSERT_EQ(run({"info", at(row.file)}), 0) << err_;
-    EXPECT_THAT(out_.str(), HasSubstr(std::string("compression  ") + row.told + "\n")) << row.file;
+    EXPECT_THAT(out_.str(), HasSubstr(std::string("compression  ") + row.stated + "\n")) << row.file;
   }
 }
 
-TEST_F(CliFormats, JpegFilesAsTheyAreAskedFor) {
+TEST_F(CliFormats, JpegFilesAreAsRequested) {
   const std::string in = put("in.bmp", bitmap_file(noise(64, 64, 24)));
   const auto bytes_of_file = [&](std::vector<std::string> options) {
     options.insert(options.begin(), {"convert", in, at("out.jpg"), "--overwrite"});

@@ -20,8 +20,8 @@ inline void put(Bytes& bytes, uint32_t value, int width) {
   for (int i = 0; i < width; ++i) bytes.push_back(static_cast<uint8_t>(value >> 8 * i));
 }
 
-// A file of one page: pixels from offset 8 on, then the directory, then lists of values. All values are 32 bits wide, but for
-// lists, which are of 16.
+// A file of one page: pixels from offset 8 on, then the directory, then lists of values. Single values have 32 bits, values of
+// lists 16.
 inline Bytes tiff_file(const Tags& tags, Bytes pixels) {
   pixels.resize((pixels.size() + 1) / 2 * 2);
   Bytes file = {'I', 'I', 42, 0};

@@ -51,7 +51,7 @@ struct Page {
     for (Rect& box : boxes)
       box = {random.between(-20, size.width), random.between(-20, size.height), random.between(0, 59),
              random.between(0, 39)};
-    if (random.once_in(3)) boxes[0] = {0, 0, random.between(10, 60), size.height};  // the dark beside a scanner's paper
+    if (random.once_in(3)) boxes[0] = {0, 0, random.between(10, 60), size.height};  // a scanner's dark edge
     for (int y = 0; y < size.height; ++y)
       for (int x = 0; x < size.width; ++x) {
         const int down = (y * 100 + x * slope + 100'000) / 100 % period, across = (x + phase) % 5;

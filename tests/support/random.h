@@ -29,7 +29,7 @@ class Random {
     return values.begin()[between(0, static_cast<int>(values.size()) - 1)];
   }
 
-  // Mostly within the limits; now and then just outside, or far away.
+  // Mostly within the limits; occasionally just outside or far away.
   int number(int low, int high) {
     if (!once_in(20)) return between(low, high);
     constexpr int kLeast = std::numeric_limits<int>::min(), kMost = std::numeric_limits<int>::max();
