@@ -127,9 +127,12 @@ Bytes with_exif(const Bytes& jpeg, uint8_t orientation, bool is_big_endian) {
   entry(0x11B, 5, 70);
   entry(0x128, 3, 2);
   for (const uint32_t number : {0u, 240u, 1u, 120u, 1u}) put(number, 4);
-  const Bytes other = {0xFF, 0xE1, 0, 9, 'o', 't', 'h', 'e', 'r', 's', 0};  // a segment of another kind, in front and behind
+  const Bytes other = {0xFF, 0xE1, 0, 9, 'o', 't', 'h', 'e', 'r', 's', 0};  // a segment of another kind
   const Bytes record = joined({0xFF, 0xE1, 0, static_cast<uint8_t>(2 + 6 + tiff.size()), 'E', 'x', 'i', 'f', 0, 0}, tiff);
-  return joined(joined(joined({0xFF, 0xD8}, other), joined(record, other)), Bytes(jpeg.begin() + 2, jpeg.end()));
+  Bytes second = record;  // counts for nothing
+  constexpr size_t kOrientationAt = 10 + 8 + 2 + 8;
+  second[kOrientationAt] = second[kOrientationAt + 1] = 9;
+  return joined(joined(joined({0xFF, 0xD8}, other), joined(record, second)), Bytes(jpeg.begin() + 2, jpeg.end()));
 }
 
 // A picture whose quarters are four greys, as cameras store it in each of eight ways.

@@ -56,7 +56,7 @@ Picture noisy(Size size, int depth, bool starts_white) {
 TEST(ScaledByArea, EveryPixelIsTheMeanOfItsArea) {
   for (const int depth : {1, 8, 24})
     for (const bool starts_white : {false, true})
-      for (const Size from : {Size{70, 36}, Size{131, 9}, Size{6, 6}, Size{1, 5}})
+      for (const Size from : {Size{70, 36}, Size{131, 9}, Size{6, 6}, Size{48, 10}, Size{1, 5}})
         for (const Size to : {Size{from.width / 2, from.height / 2}, Size{std::max(1, from.width - 2), from.height / 2},
                               Size{from.width, from.height / 3}, Size{3, 2}, Size{from.width * 2 / 3, from.height + 4}}) {
           if (to.width < 1 || to.height < 1) continue;
