@@ -22,6 +22,8 @@ struct DeviceInputs {
   // Made by the first call that needs it.
   HWND window() {
     if (window_ == nullptr) window_ = std::make_unique<test::ActiveWindow>();
+    // Another program may have been activated meanwhile.
+    if (GetActiveWindow() != window_->get()) SetActiveWindow(window_->get());
     return window_->get();
   }
 
