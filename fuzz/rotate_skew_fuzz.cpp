@@ -18,8 +18,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const fuzz::Picture picture(input);
   const BITMAPINFOHEADER& header = picture.header();
   if (!picture.is_acceptable()) return 0;
-  const auto width = static_cast<uint64_t>(std::max<int32_t>(header.biWidth, 0)),
-             height = static_cast<uint64_t>(std::max<int32_t>(header.biHeight, 0));
+  // The corners of negative sizes span a result, too.
+  const auto width = static_cast<uint64_t>(std::abs(int64_t{header.biWidth})),
+             height = static_cast<uint64_t>(std::abs(int64_t{header.biHeight}));
   std::array<int, 8> corners{};
   if (mode % 2 == 0) {
     const auto diagonal = static_cast<uint64_t>(std::hypot(width, height));
