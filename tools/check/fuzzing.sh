@@ -2,7 +2,7 @@
 # Goal "fuzzing": the fuzz targets, with the address and undefined-behaviour sanitizers, in 64 and 32 bits. 0 findings; an input above
 # 2 seconds of processor time or 512 MiB is one.
 # usage: fuzzing.sh quick|release [SECONDS]
-# Quick: SECONDS for each target and width (default: 4, which is about three minutes in all). Release: 25 million executions of each
+# Quick: SECONDS for each target and width (default: 3, which is about one and a half minutes in all). Release: 25 million executions of each
 # target of the library in each width, 2 million of each codec's.
 # environment:
 #   VOREL_CHECK_PART                        cuts release to one Nth
@@ -16,7 +16,7 @@ if [ "$mode" = release ]; then
   options=(--runs "$runs" --codec-runs "$codec_runs")
   asked="$runs runs of each target, $codec_runs of codecs"
 else
-  seconds=${2:-4}
+  seconds=${2:-3}
   options=(--seconds "$seconds")
   asked="$seconds s for each target"
 fi
