@@ -12,6 +12,16 @@ bool claims_at_most(const uint8_t* data, size_t size, uint64_t most) {
   BITMAPINFOHEADER header{};
   if (size < at + sizeof header) return true;
   std::memcpy(&header, data + at, sizeof header);
+  if (header.biSize == sizeof(BITMAPCOREHEADER)) {
+    BITMAPCOREHEADER core{};
+    std::memcpy(&core, data + at, sizeof core);
+    header = {};
+    header.biSize = sizeof core;
+    header.biWidth = core.bcWidth;
+    header.biHeight = core.bcHeight;
+    header.biPlanes = core.bcPlanes;
+    header.biBitCount = core.bcBitCount;
+  }
   header.biWidth = std::abs(std::max<int32_t>(header.biWidth, -INT32_MAX));
   return fuzz::claim_of_rows_either_way(header) <= most && header.biSizeImage <= most;
 }
