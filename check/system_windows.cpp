@@ -297,8 +297,7 @@ Holdings Holdings::now() {
 #else
   const auto blocks = static_cast<long>(test::heap_blocks());
 #endif
-  return {blocks, static_cast<long>(test::gdi_objects()), test::windows_of_thread(),
-          static_cast<long>(handles)};
+  return {blocks, static_cast<long>(test::gdi_objects()), test::windows_of_thread(), static_cast<long>(handles)};
 }
 
 long resident_bytes() {
