@@ -10,11 +10,11 @@ namespace {
 bool claims_at_most(const uint8_t* data, size_t size, uint64_t most) {
   const size_t at = size >= 2 && data[0] == 'B' && data[1] == 'M' ? sizeof(BITMAPFILEHEADER) : 0;  // without file header too
   BITMAPINFOHEADER header{};
-  if (size < at + sizeof header) return true;
-  std::memcpy(&header, data + at, sizeof header);
+  if (size <= at) return true;
+  std::memcpy(&header, data + at, std::min(size - at, sizeof header));
   if (header.biSize == sizeof(BITMAPCOREHEADER)) {
     BITMAPCOREHEADER core{};
-    std::memcpy(&core, data + at, sizeof core);
+    std::memcpy(&core, &header, sizeof core);
     header = {};
     header.biSize = sizeof core;
     header.biWidth = core.bcWidth;

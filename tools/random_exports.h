@@ -146,7 +146,7 @@ inline void histogram(Call& call) {
 
 inline Bytes random_bytes(Random& random, size_t count) {
   Bytes bytes(count);
-  for (uint8_t& byte : bytes) byte = random.byte();
+  random.fill(bytes);
   return bytes;
 }
 

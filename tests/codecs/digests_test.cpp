@@ -125,7 +125,7 @@ void load_tiff_of_any_kind(Random& random, Digest& digest) {
   const auto row_bytes = (width * bits * samples + 7) / 8;
   tags[kByteCount] = {row_bytes * height};
   Bytes pixels(size_t{row_bytes} * height);
-  for (uint8_t& byte : pixels) byte = random.byte();
+  random.fill(pixels);
   loaded.add(tiff_file(tags, pixels));
 }
 

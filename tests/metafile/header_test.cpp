@@ -266,6 +266,27 @@ TEST(Records, EndWithTheLastWholeOne) {
   }
 }
 
+template <class Number>
+Bytes bytes_of_all(std::span<const Number> numbers) {
+  Bytes bytes(numbers.size_bytes());
+  std::ranges::copy(std::as_bytes(numbers), reinterpret_cast<std::byte*>(bytes.data()));
+  return bytes;
+}
+
+// Metafiles of one record, with places for some objects.
+Bytes windows_metafile(uint16_t objects, unsigned function, const Bytes& parameters) {
+  WindowsMetafileHeader header = windows_header(0);
+  header.objects = objects;
+  const auto words = static_cast<uint32_t>(3 + parameters.size() / 2);
+  return joined(joined(bytes_of(header), joined(bytes_of(words), bytes_of(static_cast<uint16_t>(function)))), parameters);
+}
+Bytes enhanced_metafile(uint16_t objects, uint32_t type, const Bytes& parameters) {
+  EnhancedHeader header = enhanced_header({}, {});
+  header.objects = objects;
+  const auto length = static_cast<uint32_t>(8 + parameters.size());
+  return joined(joined(bytes_of(header), joined(bytes_of(type), bytes_of(length))), parameters);
+}
+
 // A record is its function and parameters; the last parameter that is right makes it whole.
 TEST(Records, OfWindowsMetafilesAgreeWithTheirSize) {
   const struct {
@@ -299,12 +320,7 @@ TEST(Records, OfWindowsMetafilesAgreeWithTheirSize) {
   };
   for (const auto& row : rows) {
     const auto playable = [&](const std::vector<uint16_t>& words) {
-      Bytes file = bytes_of(windows_header(0));
-      file[10] = 1;  // object
-      const auto length = static_cast<uint32_t>(2 + words.size());
-      file = joined(file, bytes_of(length));
-      for (const uint16_t word : words) file = joined(file, bytes_of(word));
-      return playable_bytes(file) - kWindowsHeaderBytes;
+      return playable_bytes(windows_metafile(1, words[0], bytes_of_all(std::span(words).subspan(1)))) - kWindowsHeaderBytes;
     };
     const size_t whole = 4 + 2 * row.words.size();
     EXPECT_EQ(playable(row.words), whole) << row.name;
@@ -324,9 +340,7 @@ TEST(Records, OfWindowsMetafilesHaveAllTheirParameters) {
         0x20Bu, 0x20Cu, 0x20Du, 0x20Eu, 0x20Fu, 0x211u, 0x213u, 0x214u, 0x220u, 0x231u, 0x410u, 0x412u, 0x415u,
         0x416u, 0x418u, 0x419u, 0x41Bu, 0x41Fu, 0x548u, 0x61Cu, 0x61Du, 0x817u, 0x81Au, 0x830u}) {
     const auto is_playable = [&](size_t parameters) {
-      const Bytes start = joined(bytes_of(windows_header(0)), bytes_of(static_cast<uint32_t>(3 + parameters)));
-      return playable_bytes(joined(joined(start, bytes_of(static_cast<uint16_t>(function))), Bytes(2 * parameters))) >
-             kWindowsHeaderBytes;
+      return playable_bytes(windows_metafile(0, function, Bytes(2 * parameters))) > kWindowsHeaderBytes;
     };
     EXPECT_TRUE(is_playable(function >> 8)) << function;
     EXPECT_FALSE(is_playable((function >> 8) - 1)) << function;
@@ -381,11 +395,7 @@ TEST(Records, OfEnhancedMetafilesAgreeWithTheirSize) {
   };
   for (const auto& row : rows) {
     const auto is_playable = [&](const Numbers& numbers) {
-      EnhancedHeader header = enhanced_header({}, {});
-      header.objects = 2;
-      Bytes file =
-          joined(bytes_of(header), joined(bytes_of(numbers[0]), bytes_of(static_cast<uint32_t>(4 + 4 * numbers.size()))));
-      for (size_t i = 1; i < numbers.size(); ++i) file = joined(file, bytes_of(numbers[i]));
+      Bytes file = enhanced_metafile(2, numbers[0], bytes_of_all(std::span(numbers).subspan(1)));
       return playable_enhanced_metafile(file).size() == file.size() && !file.empty();
     };
     EXPECT_TRUE(is_playable(row.numbers)) << row.name;
@@ -417,9 +427,7 @@ TEST(Records, OfEnhancedMetafilesHaveAllTheirNumbers) {
       {25, {77}},
   };
   const auto is_playable = [](uint32_t type, size_t numbers) {
-    const auto length = static_cast<uint32_t>(8 + 4 * numbers);
-    Bytes file =
-        joined(bytes_of(enhanced_header({}, {})), joined(joined(bytes_of(type), bytes_of(length)), Bytes(4 * numbers)));
+    Bytes file = enhanced_metafile(1, type, Bytes(4 * numbers));
     return !playable_enhanced_metafile(file).empty();
   };
   for (const auto& row : rows)
@@ -464,7 +472,7 @@ Bytes any_dib(Random& random) {
   return bytes;
 }
 
-Bytes random_enhanced_record(Random& random, uint32_t type) {
+Bytes any_enhanced_parameters(Random& random) {
   std::vector<uint32_t> numbers(static_cast<size_t>(random.between(0, 39)));
   for (uint32_t& number : numbers) number = any_parameter(random);
   Bytes dib;
@@ -476,12 +484,10 @@ Bytes random_enhanced_record(Random& random, uint32_t type) {
     const uint32_t head = std::min(size, random.one_of({12u, 16u, 20u, 24u, 40u, 48u, 52u}));
     numbers[at] = start, numbers[at + 1] = head, numbers[at + 2] = start + head, numbers[at + 3] = size - head;
   }
-  Bytes record = joined(bytes_of(type), bytes_of(static_cast<uint32_t>(8 + 4 * numbers.size() + dib.size())));
-  for (const uint32_t number : numbers) record = joined(record, bytes_of(number));
-  return joined(record, dib);
+  return joined(bytes_of_all(std::span<const uint32_t>(numbers)), dib);
 }
 
-Bytes random_windows_record(Random& random, uint32_t function) {
+Bytes any_windows_parameters(Random& random) {
   Bytes parameters;
   for (int i = random.between(0, 23); i > 0; --i)
     parameters = joined(parameters, bytes_of(static_cast<uint16_t>(any_parameter(random))));
@@ -490,9 +496,7 @@ Bytes random_windows_record(Random& random, uint32_t function) {
     parameters = joined(parameters, any_dib(random));
     parameters.resize(parameters.size() / 2 * 2);
   }
-  return joined(
-      joined(bytes_of(static_cast<uint32_t>(3 + parameters.size() / 2)), bytes_of(static_cast<uint16_t>(function))),
-      parameters);
+  return parameters;
 }
 
 // Which random records of each type are played, and how they are changed for it.
@@ -501,17 +505,13 @@ TEST(Records, RandomOnesArePlayedAsRecorded) {
   test::Digest enhanced, windows;
   for (uint32_t type = 0; type < 130; ++type)
     for (int i = 0; i < 300; ++i) {
-      EnhancedHeader header = enhanced_header({}, {});
-      header.objects = 2;
-      Bytes file = joined(bytes_of(header), random_enhanced_record(random, type));
+      Bytes file = enhanced_metafile(2, type, any_enhanced_parameters(random));
       enhanced.add_number(!playable_enhanced_metafile(file).empty());
     }
   EXPECT_EQ(enhanced.value, 0xabfb9d2c09d0d1c4u) << std::hex << enhanced.value;
   for (uint32_t function = 0; function < 0x1000; ++function)
     for (int i = 0; i < (function % 0x100 < 0x50 || function % 0x100 > 0xEF ? 30 : 1); ++i) {
-      Bytes file = bytes_of(windows_header(0));
-      file[10] = 2;  // objects
-      file = joined(file, random_windows_record(random, function));
+      Bytes file = windows_metafile(2, function, any_windows_parameters(random));
       file.resize(file.size() + kRoomBehindRecords);
       windows.add(playable_windows_metafile(file));
     }

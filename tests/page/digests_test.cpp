@@ -74,9 +74,7 @@ Picture any_form(Random& random, const std::vector<int>& depths = {1, 4, 8, 24})
   Picture page = Page{random, {260, 200}, depths}.drawn();
   if (page.depth() == 24 && random.once_in(2)) {
     Picture other = blank_like(page, {page.width(), page.height()}, random.one_of({16, 32}));
-    for_each_row(other, [&](std::span<uint8_t> row) {
-      for (uint8_t& byte : row) byte = random.byte();
-    });
+    for_each_row(other, [&](std::span<uint8_t> row) { random.fill(row); });
     page = std::move(other);
   }
   if (random.once_in(3)) page.set_rows_order(true);
@@ -176,9 +174,7 @@ void combine_and_compare(Random& random, Digest& digest) {
   std::optional<Picture> mask;
   if (random.once_in(2)) {
     mask = blank_page({overlay.width(), overlay.height()}, 1, Table::kGray, {});
-    for_each_row(*mask, [&](std::span<uint8_t> row) {
-      for (uint8_t& byte : row) byte = random.byte();
-    });
+    for_each_row(*mask, [&](std::span<uint8_t> row) { random.fill(row); });
   }
   const Corner at = {random.between(-50, base.width()), random.between(-50, base.height())};
   const Mixing mixing = random.one_of({Mixing::kReplace, Mixing::kOr, Mixing::kXor});
@@ -232,11 +228,11 @@ void read_bitmaps(Random& random, Digest& digest) {
   const int header_bytes = random.one_of({12, 16, 40, 52, 56, 64, 108, 124}), height = random.one_of({1, 2, 3, 5, -1, -4});
   const auto depth = static_cast<uint16_t>(random.one_of({1, 4, 8, 16, 24, 32}));
   BITMAPINFOHEADER header = header_for(random.between(1, 20), height, depth);
-  header.biCompression =
-      random.one_of({0u, 0u, 0u, depth == 4 ? 2u : 1u, 3u, 6u});  // none, codes, masks, masks with opacity
+  const uint32_t masks_or_codes = depth == 16 || depth == 32 ? random.one_of({3u, 6u}) : depth == 4 ? 2 : depth == 8 ? 1 : 0;
+  header.biCompression = random.once_in(2) ? masks_or_codes : random.once_in(20) ? 3 : 0;
   header.biClrUsed = static_cast<uint32_t>(random.one_of({0, 0, 0, 1, 3, 200, 300}));
   Bytes dib = with_header(header, Bytes(static_cast<size_t>(random.between(0, 2500))));
-  for (size_t i = 40; i < dib.size(); ++i) dib[i] = random.byte();
+  random.fill(std::span(dib).subspan(sizeof header));
   const uint32_t masks[2][4] = {{0xF800, 0x7E0, 0x1F, 0}, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}};
   if (dib.size() > 56) std::memcpy(dib.data() + 40, masks[depth == 32], static_cast<size_t>(random.one_of({12, 16})));
   const uint16_t old_header[] = {static_cast<uint16_t>(header.biWidth), static_cast<uint16_t>(std::abs(height)), 1, depth};

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <limits>
+#include <span>
 
 namespace test {
 
@@ -20,6 +21,9 @@ class Random {
     return static_cast<uint32_t>(z >> 32);
   }
   uint8_t byte() { return static_cast<uint8_t>(next()); }
+  void fill(std::span<uint8_t> bytes) {
+    for (uint8_t& one : bytes) one = byte();
+  }
 
   // Both limits included.
   int between(int low, int high) { return low + static_cast<int>(next() % static_cast<uint32_t>(high - low + 1)); }
